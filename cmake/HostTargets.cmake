@@ -1,0 +1,76 @@
+# A target of the development host, or one of its tests, is one short call.
+
+# add_host_library(<Name> SOURCES ... [PUBLIC <targets>] [PRIVATE <targets>])
+# Makes the shared library Host<Name>, known to the product as Host::<Name>. Its headers are included
+# as <name in lower case/header.h>.
+function(add_host_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    _add_host_shared(${name} "${CMAKE_CURRENT_SOURCE_DIR}/..")
+    target_sources(Host${name} PRIVATE ${ARG_SOURCES})
+    target_link_libraries(Host${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+    install(TARGETS Host${name} EXPORT HostTargets LIBRARY DESTINATION lib)
+endfunction()
+
+# add_host_plugin(<Name> SOURCES ... [PUBLIC <targets>] [PRIVATE <targets>])
+# The same for a plugin of the host: a library that the plugin manager loads and that other plugins link.
+function(add_host_plugin name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    _add_host_shared(${name} "${CMAKE_CURRENT_SOURCE_DIR}/..")
+    string(TOLOWER ${name} lower_name)
+    target_sources(Host${name} PRIVATE ${ARG_SOURCES})
+    target_link_libraries(Host${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+    set_target_properties(Host${name} PROPERTIES
+        OUTPUT_NAME ${lower_name}
+        LIBRARY_OUTPUT_DIRECTORY "${HOST_PLUGIN_DIRECTORY}")
+    # moc embeds the metadata; a change of the JSON file alone must run it again.
+    set_property(TARGET Host${name} APPEND PROPERTY AUTOMOC_DEPEND_FILTERS
+        "Q_PLUGIN_METADATA" "[\n][ \t]*Q_PLUGIN_METADATA[ \t]*\\([^\\)]*FILE[ \t]*\"([^\"]+)\"")
+    install(TARGETS Host${name} EXPORT HostTargets LIBRARY DESTINATION plugins)
+endfunction()
+
+function(_add_host_shared name include_root)
+    get_filename_component(include_root "${include_root}" ABSOLUTE)
+    get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+    string(TOUPPER ${name} upper_name)
+    add_library(Host${name} SHARED)
+    add_library(Host::${name} ALIAS Host${name})
+    set_target_properties(Host${name} PROPERTIES EXPORT_NAME ${name})
+    target_compile_definitions(Host${name} PRIVATE HOST_${upper_name}_LIBRARY)
+    target_include_directories(Host${name} PUBLIC
+        "$<BUILD_INTERFACE:${include_root}>" "$<INSTALL_INTERFACE:include/devhost>")
+    install(DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/" DESTINATION "include/devhost/${folder}"
+        FILES_MATCHING PATTERN "*.h")
+endfunction()
+
+# add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>])
+# Makes a Qt Test program and registers it with CTest: headless, with warnings as failures where the
+# test uses the warning guard of tests/support.
+function(add_host_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE Qt5::Test ${ARG_LIBS})
+    if(TARGET QtSynchronisation)
+        # Built with ThreadSanitizer only; see tests/sanitizers.
+        target_link_libraries(${name} PRIVATE QtSynchronisation)
+    endif()
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES
+        LABELS "${ARG_LABELS}"
+        TIMEOUT 900
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
+endfunction()
+
+# add_translations(<target> BASE <file base> LANGUAGES <codes>)
+# Releases translations/<base>_<language>.ts of the current folder into the host's translation directory.
+function(add_translations target)
+    cmake_parse_arguments(ARG "" "BASE" "LANGUAGES" ${ARGN})
+    set(ts_files)
+    foreach(language IN LISTS ARG_LANGUAGES)
+        list(APPEND ts_files "${CMAKE_CURRENT_SOURCE_DIR}/translations/${ARG_BASE}_${language}.ts")
+    endforeach()
+    set_source_files_properties(${ts_files} PROPERTIES OUTPUT_LOCATION "${HOST_TRANSLATION_DIRECTORY}")
+    qt5_add_translation(qm_files ${ts_files})
+    add_custom_target(${target}_translations ALL DEPENDS ${qm_files})
+    add_dependencies(${target} ${target}_translations)
+    install(FILES ${qm_files} DESTINATION translations)
+endfunction()

@@ -1,0 +1,37 @@
+# What every target of this repository shares: language level, warnings, hidden symbols, output folders.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_AUTORCC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(HOST_PLUGIN_DIRECTORY "${PROJECT_BINARY_DIR}/plugins")
+set(HOST_TRANSLATION_DIRECTORY "${PROJECT_BINARY_DIR}/translations")
+
+# Installed programs and plugins find the libraries beside them.
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib;$ORIGIN/../plugins;$ORIGIN")
+
+add_compile_options(-Wall -Wextra)
+option(PROJECTFILECFG_WERROR "Treat warnings as errors" OFF)
+if(PROJECTFILECFG_WERROR)
+    add_compile_options(-Werror)
+endif()
+
+add_compile_definitions(QT_MESSAGELOGCONTEXT)
+
+# One of "", "address;undefined", "thread": instruments everything that is built.
+set(PROJECTFILECFG_SANITIZE "" CACHE STRING "Sanitizers to build with")
+if(PROJECTFILECFG_SANITIZE)
+    string(REPLACE ";" "," _sanitizers "${PROJECTFILECFG_SANITIZE}")
+    add_compile_options(-fsanitize=${_sanitizers} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    add_link_options(-fsanitize=${_sanitizers})
+endif()
+
+include(HostTargets)
