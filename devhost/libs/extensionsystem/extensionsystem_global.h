@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QtGlobal>
+
+#if defined(HOST_EXTENSIONSYSTEM_LIBRARY)
+#define HOST_EXTENSIONSYSTEM_EXPORT Q_DECL_EXPORT
+#else
+#define HOST_EXTENSIONSYSTEM_EXPORT Q_DECL_IMPORT
+#endif

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <extensionsystem/extensionsystem_global.h>
+
+#include <QList>
+#include <QObject>
+#include <QStringList>
+
+namespace HX {
+namespace ExtensionSystem {
+
+/// Stands for the base class of every plugin of the host application.
+///
+/// The plugin manager creates the object, then calls `initialize` in dependency order,
+/// `extensionsInitialized` in reverse order, `delayedInitialize` later from the event loop and
+/// `aboutToShutdown` in reverse order. All of it happens on the user-interface thread.
+/// The virtual operations stand in the order of the host's table of virtual operations.
+class HOST_EXTENSIONSYSTEM_EXPORT IPlugin : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum ShutdownFlag { SynchronousShutdown = 0, AsynchronousShutdown = 1 };
+
+    IPlugin();
+    ~IPlugin() override;
+
+    /// Returns false, with the reason in `errorString`, when the plugin cannot be used.
+    virtual bool initialize(const QStringList &arguments, QString *errorString) = 0;
+    virtual void extensionsInitialized() = 0;
+    /// Returns true when it did something that took time, so that the manager pauses before the next plugin.
+    virtual bool delayedInitialize();
+    virtual ShutdownFlag aboutToShutdown();
+    virtual QObject *remoteCommand(const QStringList &options, const QString &workingDirectory,
+                                   const QStringList &arguments);
+    virtual QList<QObject *> createTestObjects() const;
+
+protected:
+    /// Loads `path`/`fileBase`_`language`.qm and installs it in place of the translation that this
+    /// plugin had installed for `fileBase` before. Returns false, and leaves the previous one
+    /// withdrawn, when the file cannot be loaded.
+    virtual bool installTranslator(const QString &path, const QString &fileBase, const QString &language);
+
+public:
+    /// Adds an object to the framework's object pool; the pool does not own it.
+    void addObject(QObject *object);
+    /// Takes an object out of the pool; an object that is not in it is ignored.
+    void removeObject(QObject *object);
+
+private:
+    class Private;
+    Private *const d;
+};
+
+} // namespace ExtensionSystem
+} // namespace HX

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <extensionsystem/extensionsystem_global.h>
+
+#include <QJsonObject>
+#include <QString>
+#include <QVector>
+
+#include <memory>
+
+class QPluginLoader;
+
+namespace HX {
+namespace ExtensionSystem {
+
+class IPlugin;
+
+/// What a plugin needs of another one: its name and a version that it must provide.
+struct HOST_EXTENSIONSYSTEM_EXPORT PluginDependency
+{
+    QString name;
+    QString version;
+};
+
+/// One plugin library: what its metadata says, how far it got and what stopped it.
+class HOST_EXTENSIONSYSTEM_EXPORT PluginSpec
+{
+public:
+    /// How far the plugin got, in order. A plugin that failed stays in the state that it had reached.
+    enum State { Invalid, Read, Resolved, Loaded, Initialized, Running, Stopped };
+
+    /// Reads the library's metadata without loading it; on failure the state is Invalid and the error is set.
+    explicit PluginSpec(const QString &fileName);
+    ~PluginSpec();
+
+    QString fileName() const;
+    /// The name in the metadata; the file's base name while that is unknown.
+    QString name() const;
+    /// Numbers separated by dots, as all versions here.
+    QString version() const { return m_version; }
+    QString compatVersion() const { return m_compatVersion; }
+    /// Whether the application cannot be used without this plugin.
+    bool isRequired() const { return m_required; }
+    QVector<PluginDependency> dependencies() const { return m_dependencies; }
+    QJsonObject metaData() const { return m_metaData; }
+
+    /// True when this plugin satisfies the dependency: its name, and CompatVersion <= version <= Version.
+    bool provides(const PluginDependency &dependency) const;
+
+    State state() const { return m_state; }
+    bool hasError() const { return !m_errorString.isEmpty(); }
+    /// Why the plugin cannot be used, for people; empty when nothing went wrong.
+    QString errorString() const { return m_errorString; }
+    /// The plugin object from Loaded to Running, else null.
+    IPlugin *plugin() const { return m_plugin; }
+
+private:
+    friend class PluginManager;
+
+    bool readMetaData();
+    bool readDependencies();
+    bool fail(const QString &error);
+    bool load();
+    bool initialize(const QStringList &arguments);
+    void stop();
+
+    std::unique_ptr<QPluginLoader> m_loader;
+    QString m_name;
+    QString m_version;
+    QString m_compatVersion;
+    bool m_required = false;
+    QVector<PluginDependency> m_dependencies;
+    QJsonObject m_metaData;
+    State m_state = Invalid;
+    QString m_errorString;
+    IPlugin *m_plugin = nullptr;
+};
+
+} // namespace ExtensionSystem
+} // namespace HX

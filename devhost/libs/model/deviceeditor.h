@@ -1,0 +1,48 @@
+#pragma once
+
+#include <model/device.h>
+
+#include <QJsonArray>
+
+namespace Model {
+
+/// Everything that a Device knows, as plain values.
+struct HOST_MODEL_EXPORT DeviceData
+{
+    int modelId = 0;
+    quint16 id = 0;
+    QString typeString;
+    QString name;
+    QString sn;
+    QString ip;
+    QString netMask;
+    QString gateWay;
+    QString mac;
+    double protocolNumber = 0;
+    bool mvrEnabled = false;
+    /// What each place of the multi-viewer shows.
+    QJsonArray mvrItems;
+    QJsonObject settings;
+    std::vector<std::shared_ptr<Slot>> cards;
+    std::vector<std::shared_ptr<Screen>> screens;
+    std::vector<std::shared_ptr<Materail>> backgrounds;
+    std::vector<std::shared_ptr<Materail>> logos;
+    std::vector<std::shared_ptr<Preset>> presets;
+};
+
+/// The host's own way to read and change a Device as a whole. Any thread.
+class HOST_MODEL_EXPORT DeviceEditor
+{
+public:
+    explicit DeviceEditor(Device &device);
+
+    DeviceData data() const;
+    /// Objects of the data are shared with the device and must not be changed afterwards.
+    void replace(const DeviceData &data);
+    void setOnlineFlag(bool online);
+
+private:
+    Device &m_device;
+};
+
+} // namespace Model

@@ -1,0 +1,56 @@
+#include "objectbrige.h"
+
+#include <simulation/operation.h>
+
+namespace Model {
+
+object_brige *object_brige::instance()
+{
+    static object_brige brige;
+    return &brige;
+}
+
+std::shared_ptr<Device> object_brige::activeDevice() const
+{
+    return m_activeDevice.lock();
+}
+
+void object_brige::setActiveDevice(const std::weak_ptr<Device> &device)
+{
+    const std::shared_ptr<Device> wanted = device.lock();
+    Simulation::beginOperation(QStringLiteral("object_brige.setActiveDevice"),
+                               {{QStringLiteral("ip"), wanted ? wanted->getIPAddress() : QString()}});
+    // Compared as owners, so that the end of an active device that is gone counts as a change.
+    if (!m_activeDevice.owner_before(device) && !device.owner_before(m_activeDevice))
+        return;
+    m_activeDevice = device;
+    emit signal_deviceChanged();
+}
+
+void object_brige::clearScreenList(bool withActived)
+{
+    Simulation::beginOperation(QStringLiteral("object_brige.clearScreenList"),
+                               {{QStringLiteral("withActived"), withActived}});
+    m_selectedScreens.clear();
+    if (withActived)
+        m_activedScreen.reset();
+    emit signal_screensChanged();
+}
+
+void object_brige::setActivedScreen(const std::shared_ptr<Screen> &screen)
+{
+    Simulation::beginOperation(QStringLiteral("object_brige.setActivedScreen"),
+                               {{QStringLiteral("screen"), screen ? screen->id : -1}});
+    m_activedScreen = screen;
+    emit signal_screensChanged();
+}
+
+void object_brige::appendSelectedScreen(const std::shared_ptr<Screen> &screen)
+{
+    Simulation::beginOperation(QStringLiteral("object_brige.appendSelectedScreen"),
+                               {{QStringLiteral("screen"), screen ? screen->id : -1}});
+    m_selectedScreens.push_back(screen);
+    emit signal_screensChanged();
+}
+
+} // namespace Model

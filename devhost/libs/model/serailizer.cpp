@@ -1,0 +1,48 @@
+#include "serailizer.h"
+
+#include "device.h"
+#include "devicelist.h"
+
+#include <simulation/operation.h>
+
+#include <QDir>
+#include <QJsonDocument>
+#include <QSaveFile>
+
+namespace Model {
+
+namespace {
+
+bool writeDevice(const Device &device, const QString &configPath)
+{
+    const QString ip = device.getIPAddress();
+    const QDir directory(QStringLiteral("%1/%2").arg(configPath, ip));
+    if (!QDir().mkpath(directory.path()))
+        return false;
+    QSaveFile file(directory.filePath(ip + QLatin1String(".json")));
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(QJsonDocument(device.toJson()).toJson());
+    return file.commit();
+}
+
+} // namespace
+
+Serailizer::Serailizer(const QString &configPath)
+    : m_configPath(configPath)
+{}
+
+bool Serailizer::serailize()
+{
+    const Simulation::Outcome outcome = Simulation::beginOperation(QStringLiteral("Serailizer.serailize"),
+                                                                   {{QStringLiteral("configPath"), m_configPath}});
+    const DeviceList *list = DeviceList::instance();
+    if (outcome != Simulation::Outcome::Done || !list)
+        return false;
+    bool written = true;
+    for (const std::shared_ptr<Device> &device : list->getDevices())
+        written = writeDevice(*device, m_configPath) && written;
+    return written;
+}
+
+} // namespace Model

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+
+namespace Talvik {
+
+/// Stands for the host's weak reference to an object of the model (the host's spelling).
+template<typename T>
+class weak_refrence
+{
+public:
+    weak_refrence() = default;
+    weak_refrence(const std::shared_ptr<T> &object)
+        : m_object(object)
+    {}
+
+    /// The object, null when it is gone or there never was one.
+    std::shared_ptr<T> lock() const { return m_object.lock(); }
+    bool expired() const { return m_object.expired(); }
+
+private:
+    std::weak_ptr<T> m_object;
+};
+
+} // namespace Talvik

@@ -1,0 +1,36 @@
+#include "materialcontrol.h"
+
+#include "hardwareaccess.h"
+
+#include <imagestorager/imagestorager.h>
+
+namespace ModelControl {
+
+MaterialControl::MaterialControl(const std::shared_ptr<Model::Materail> &materail)
+    : m_materail(materail)
+{}
+
+bool MaterialControl::queryMaterailData(const std::map<Model::Materail::ParameterType, std::any> &request)
+{
+    if (!m_materail)
+        return false;
+    const bool wantsPicture = request.count(Model::Materail::Picture) > 0;
+    const std::shared_ptr<Simulation::Hardware> hardware =
+        HardwareAccess::begin(QStringLiteral("MaterialControl.queryMaterailData"), m_materail->deviceIp(),
+                              {{QStringLiteral("type"), m_materail->getType()},
+                               {QStringLiteral("keyNo"), m_materail->getKeyNo()},
+                               {QStringLiteral("picture"), wantsPicture}},
+                              wantsPicture ? Simulation::pictureBytes(m_materail->size()) : 0);
+    if (!hardware)
+        return false;
+    const Simulation::HardwareState state = hardware->state();
+    const auto &gallery = m_materail->getType() == Model::Materail::Logo ? state.logos : state.backgrounds;
+    const auto picture = gallery.find(m_materail->getKeyNo());
+    if (picture == gallery.end())
+        return false;
+    if (wantsPicture)
+        ImageStorager::instance()->store(m_materail->imageKey(), picture->pixels);
+    return true;
+}
+
+} // namespace ModelControl

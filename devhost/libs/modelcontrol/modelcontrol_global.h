@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QtGlobal>
+
+#if defined(HOST_MODELCONTROL_LIBRARY)
+#define HOST_MODELCONTROL_EXPORT Q_DECL_EXPORT
+#else
+#define HOST_MODELCONTROL_EXPORT Q_DECL_IMPORT
+#endif

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <modelcontrol/modelcontrol_global.h>
+
+#include <QString>
+
+#include <functional>
+
+namespace ControlEnum {
+
+/// Stands for the host's error codes of device operations; 0 is success.
+enum enum_ErrorCode { ErrorNone = 0, ErrorTimeout = 1, ErrorDisconnected = 2, ErrorRefused = 3 };
+
+} // namespace ControlEnum
+
+namespace ControlStruct {
+
+/// Told about progress in percent.
+using CallBack = std::function<void(int)>;
+/// A callback that does nothing.
+HOST_MODELCONTROL_EXPORT void defaultCallBack(int percent);
+
+} // namespace ControlStruct
+
+/// Stands for the host's adapter that refreshes models from hardware.
+class HOST_MODELCONTROL_EXPORT OperationAdapter
+{
+public:
+    static OperationAdapter *instance();
+
+    /// Copies what the hardware holds into the host's model of the device. Logos go into the image store
+    /// with it; backgrounds are fetched one by one with MaterialControl. Blocks until it is done.
+    ControlEnum::enum_ErrorCode updateOnlineDevice(const QString &ip, const QString &sn,
+                                                   const ControlStruct::CallBack &callBack);
+};

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QtGlobal>
+
+#if defined(HOST_UTILS_LIBRARY)
+#define HOST_UTILS_EXPORT Q_DECL_EXPORT
+#else
+#define HOST_UTILS_EXPORT Q_DECL_IMPORT
+#endif

@@ -1,0 +1,235 @@
+#include <widgets/framelessmessagebox.h>
+
+#include <simulation/journal.h>
+#include <utils/icon.h>
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMap>
+#include <QMetaEnum>
+#include <QPointer>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace HX {
+namespace Widgets {
+
+namespace {
+
+/// The buttons that boxes may have, in the order in which they stand.
+const QMessageBox::StandardButton buttonOrder[] = {QMessageBox::Yes, QMessageBox::Ok,     QMessageBox::Retry,
+                                                   QMessageBox::No,  QMessageBox::Cancel, QMessageBox::Close};
+
+QString iconName(FramelessMessageBox::Kind kind)
+{
+    switch (kind) {
+    case FramelessMessageBox::Information:
+        return QStringLiteral("box_information");
+    case FramelessMessageBox::Warning:
+        return QStringLiteral("box_warning");
+    case FramelessMessageBox::Question:
+        break;
+    }
+    return QStringLiteral("box_question");
+}
+
+QString operationName(FramelessMessageBox::Kind kind)
+{
+    const QString kindName =
+        QString::fromLatin1(QMetaEnum::fromType<FramelessMessageBox::Kind>().valueToKey(kind)).toLower();
+    return QStringLiteral("FramelessMessageBox.") + kindName;
+}
+
+/// Lets a long path or name wrap, which has no blanks to wrap at.
+QString withBreakOpportunities(const QString &text)
+{
+    const int longestRun = 24;
+    const QChar zeroWidthSpace(0x200B);
+    QString result;
+    int run = 0;
+    for (const QChar character : text) {
+        run = character.isSpace() ? 0 : run + 1;
+        if (run > longestRun && !character.isLowSurrogate() && !character.isMark()) {
+            result.append(zeroWidthSpace);
+            run = 1;
+        }
+        result.append(character);
+    }
+    return result;
+}
+
+} // namespace
+
+class FramelessMessageBox::Private
+{
+public:
+    Kind kind = Information;
+    QString text;
+    QMessageBox::StandardButtons buttons;
+    QMap<QMessageBox::StandardButton, QPushButton *> buttonWidgets;
+    QMessageBox::StandardButton answer = QMessageBox::NoButton;
+};
+
+FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QString &title, const QString &text,
+                                         QMessageBox::StandardButtons buttons,
+                                         QMessageBox::StandardButton defaultButton)
+    : FramelessDialog(parent)
+    , d(new Private)
+{
+    d->kind = kind;
+    d->text = text;
+    d->buttons = buttons;
+    d->answer = escapeAnswer(buttons);
+    setObjectName(QStringLiteral("FramelessMessageBox"));
+    setWindowTitle(title);
+    setBottomBarVisible(false);
+
+    auto *icon = new QLabel(this);
+    const int iconSize = 32;
+    icon->setPixmap(Corvel::Utils::Icon::fromTheme(iconName(kind), QString()).pixmap(iconSize, iconSize));
+    auto *message = new QLabel(withBreakOpportunities(text), this);
+    message->setObjectName(QStringLiteral("FramelessMessageBoxText"));
+    message->setTextFormat(Qt::PlainText);
+    message->setWordWrap(true);
+    message->setMinimumWidth(320);
+    message->setMaximumWidth(520);
+
+    auto *messageRow = new QHBoxLayout;
+    messageRow->setContentsMargins(24, 24, 24, 24);
+    messageRow->setSpacing(16);
+    messageRow->addWidget(icon, 0, Qt::AlignTop);
+    messageRow->addWidget(message, 1, Qt::AlignVCenter);
+
+    auto *buttonBar = new QWidget(this);
+    buttonBar->setObjectName(QStringLiteral("FramelessDialogBottomBar"));
+    buttonBar->setAttribute(Qt::WA_StyledBackground);
+    auto *buttonRow = new QHBoxLayout(buttonBar);
+    buttonRow->setContentsMargins(16, 10, 16, 10);
+    buttonRow->setSpacing(12);
+    buttonRow->addStretch();
+    for (const QMessageBox::StandardButton which : buttonOrder) {
+        if (!buttons.testFlag(which))
+            continue;
+        auto *button = new QPushButton(buttonText(which), buttonBar);
+        connect(button, &QPushButton::clicked, this, [this, which]() {
+            d->answer = which;
+            accept();
+        });
+        buttonRow->addWidget(button);
+        d->buttonWidgets.insert(which, button);
+    }
+
+    auto *layout = new QVBoxLayout;
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(messageRow, 1);
+    layout->addWidget(buttonBar);
+    setLayout(layout);
+
+    // Without a wish of the caller, Return answers the same as Escape.
+    QPushButton *chosen = d->buttonWidgets.value(defaultButton, d->buttonWidgets.value(d->answer));
+    if (chosen) {
+        chosen->setDefault(true);
+        chosen->setFocus();
+    }
+}
+
+FramelessMessageBox::~FramelessMessageBox()
+{
+    delete d;
+}
+
+QString FramelessMessageBox::buttonText(QMessageBox::StandardButton which)
+{
+    switch (which) {
+    case QMessageBox::Yes:
+        return tr("Yes");
+    case QMessageBox::No:
+        return tr("No");
+    case QMessageBox::Cancel:
+        return tr("Cancel");
+    case QMessageBox::Retry:
+        return tr("Retry");
+    case QMessageBox::Close:
+        return tr("Close");
+    default:
+        return tr("OK");
+    }
+}
+
+QMessageBox::StandardButton FramelessMessageBox::escapeAnswer(QMessageBox::StandardButtons buttons)
+{
+    for (const QMessageBox::StandardButton harmless : {QMessageBox::Cancel, QMessageBox::No}) {
+        if (buttons.testFlag(harmless))
+            return harmless;
+    }
+    for (const QMessageBox::StandardButton only : buttonOrder) {
+        if (buttons == only)
+            return only;
+    }
+    return QMessageBox::NoButton;
+}
+
+QMessageBox::StandardButton FramelessMessageBox::run(Kind kind, QWidget *parent, const QString &title,
+                                                     const QString &text, QMessageBox::StandardButtons buttons,
+                                                     QMessageBox::StandardButton defaultButton)
+{
+    Simulation::Journal::instance()->record(
+        operationName(kind), {{QStringLiteral("title"), title},
+                              {QStringLiteral("text"), text},
+                              {QStringLiteral("buttons"), int(buttons)}});
+    // The parent may be deleted while the box is open and takes the box with it.
+    const QPointer<FramelessMessageBox> box =
+        new FramelessMessageBox(kind, parent, title, text, buttons, defaultButton);
+    box->exec();
+    if (!box)
+        return escapeAnswer(buttons);
+    const QMessageBox::StandardButton answer = box->d->answer;
+    delete box;
+    return answer;
+}
+
+QMessageBox::StandardButton FramelessMessageBox::information(QWidget *parent, const QString &title,
+                                                             const QString &text,
+                                                             QMessageBox::StandardButtons buttons,
+                                                             QMessageBox::StandardButton defaultButton)
+{
+    return run(Information, parent, title, text, buttons, defaultButton);
+}
+
+QMessageBox::StandardButton FramelessMessageBox::warning(QWidget *parent, const QString &title, const QString &text,
+                                                         QMessageBox::StandardButtons buttons,
+                                                         QMessageBox::StandardButton defaultButton)
+{
+    return run(Warning, parent, title, text, buttons, defaultButton);
+}
+
+QMessageBox::StandardButton FramelessMessageBox::question(QWidget *parent, const QString &title, const QString &text,
+                                                          QMessageBox::StandardButtons buttons,
+                                                          QMessageBox::StandardButton defaultButton)
+{
+    return run(Question, parent, title, text, buttons, defaultButton);
+}
+
+FramelessMessageBox::Kind FramelessMessageBox::kind() const
+{
+    return d->kind;
+}
+
+QString FramelessMessageBox::text() const
+{
+    return d->text;
+}
+
+QMessageBox::StandardButtons FramelessMessageBox::standardButtons() const
+{
+    return d->buttons;
+}
+
+QAbstractButton *FramelessMessageBox::button(QMessageBox::StandardButton which) const
+{
+    return d->buttonWidgets.value(which);
+}
+
+} // namespace Widgets
+} // namespace HX

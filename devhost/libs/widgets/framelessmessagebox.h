@@ -1,0 +1,56 @@
+#pragma once
+
+#include <widgets/framelessdialog.h>
+
+#include <QMessageBox>
+
+namespace HX {
+namespace Widgets {
+
+/// Stands for the host's message boxes.
+///
+/// The static operations run the box modally and return the button that was pressed. A box that is
+/// closed without a button answers its escape button: Cancel if it has one, else No, else its only
+/// button, else NoButton: never the button that applies something. User-interface thread only.
+class HOST_WIDGETS_EXPORT FramelessMessageBox : public FramelessDialog
+{
+    Q_OBJECT
+
+public:
+    enum Kind { Information, Warning, Question };
+    Q_ENUM(Kind)
+
+    static QMessageBox::StandardButton information(QWidget *parent, const QString &title, const QString &text,
+                                                   QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+                                                   QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
+    static QMessageBox::StandardButton warning(QWidget *parent, const QString &title, const QString &text,
+                                               QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+                                               QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
+    static QMessageBox::StandardButton question(QWidget *parent, const QString &title, const QString &text,
+                                                QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No,
+                                                QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
+
+    Kind kind() const;
+    QString text() const;
+    QMessageBox::StandardButtons standardButtons() const;
+    /// The button widget of a standard button; null when the box does not have it.
+    QAbstractButton *button(QMessageBox::StandardButton which) const;
+    /// What a box with these buttons answers when it is closed without one.
+    static QMessageBox::StandardButton escapeAnswer(QMessageBox::StandardButtons buttons);
+
+private:
+    FramelessMessageBox(Kind kind, QWidget *parent, const QString &title, const QString &text,
+                        QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton);
+    ~FramelessMessageBox() override;
+    static QMessageBox::StandardButton run(Kind kind, QWidget *parent, const QString &title, const QString &text,
+                                           QMessageBox::StandardButtons buttons,
+                                           QMessageBox::StandardButton defaultButton);
+
+    static QString buttonText(QMessageBox::StandardButton which);
+
+    class Private;
+    Private *const d;
+};
+
+} // namespace Widgets
+} // namespace HX

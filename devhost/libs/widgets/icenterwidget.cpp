@@ -1,0 +1,58 @@
+#include <widgets/icenterwidget.h>
+
+#include <simulation/journal.h>
+
+#include <QEvent>
+
+namespace Corvel {
+namespace Widgets {
+
+namespace {
+
+void record(const QString &operation, const HX::Utils::Id &id)
+{
+    Simulation::Journal::instance()->record(operation, {{QStringLiteral("id"), id.toString()}});
+}
+
+} // namespace
+
+ICenterWidget::ICenterWidget(const HX::Utils::Id &id, QWidget *parent)
+    : QWidget(parent)
+    , m_id(id)
+{
+}
+
+ICenterWidget::~ICenterWidget() = default;
+
+HX::Utils::Id ICenterWidget::id() const
+{
+    return m_id;
+}
+
+void ICenterWidget::raiseWindow()
+{
+    record(QStringLiteral("ICenterWidget.raiseWindow"), m_id);
+    raise();
+}
+
+void ICenterWidget::enterWindow()
+{
+    record(QStringLiteral("ICenterWidget.enterWindow"), m_id);
+}
+
+void ICenterWidget::leaveWindow()
+{
+    record(QStringLiteral("ICenterWidget.leaveWindow"), m_id);
+}
+
+void ICenterWidget::retranslateUi() {}
+
+void ICenterWidget::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslateUi();
+    QWidget::changeEvent(event);
+}
+
+} // namespace Widgets
+} // namespace Corvel

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <widgets/widgets_global.h>
+
+#include <QPoint>
+#include <QWidget>
+
+class QHBoxLayout;
+class QLabel;
+class QToolButton;
+
+namespace HX {
+namespace Widgets {
+
+/// The title bar of a window without a frame: shows the window's title, moves the window when it is
+/// dragged and has a close button. User-interface thread only.
+class HOST_WIDGETS_EXPORT TitleBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit TitleBar(QWidget *window);
+
+    /// Adds a button in front of the close button.
+    QToolButton *addButton(const QString &iconName);
+    QToolButton *closeButton() const { return m_closeButton; }
+
+signals:
+    void closeRequested();
+    void doubleClicked();
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void retranslateUi();
+
+    QHBoxLayout *m_layout;
+    QToolButton *m_closeButton = nullptr;
+    bool m_dragging = false;
+    QPoint m_grip;
+};
+
+} // namespace Widgets
+} // namespace HX

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QtGlobal>
+
+#if defined(HOST_WIDGETS_LIBRARY)
+#define HOST_WIDGETS_EXPORT Q_DECL_EXPORT
+#else
+#define HOST_WIDGETS_EXPORT Q_DECL_IMPORT
+#endif
