@@ -1,0 +1,84 @@
+#include "program.h"
+#include "tour.h"
+
+#include <core/logrelay.h>
+#include <core/mainwindow.h>
+#include <widgets/framelessmessagebox.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+
+/// The tour works on project files that it may delete, so it gets a home of its own: never the user's Documents.
+static void makePrivateHome(const QString &directory)
+{
+    const QString home = QDir(directory).absoluteFilePath(QStringLiteral("home"));
+    QDir(home).removeRecursively();
+    QDir().mkpath(home + QStringLiteral("/Documents"));
+    for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        qputenv(variable, QFile::encodeName(home));
+}
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("devhost"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("2.0.0"));
+
+    Program::Options options = Program::defaultOptions();
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Tarvo – development host: runs plugins against a simulated site of devices."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption site(QStringLiteral("site"), QStringLiteral("The site to start from."),
+                                  QStringLiteral("file"), options.siteFile);
+    const QCommandLineOption language(QStringLiteral("language"), QStringLiteral("en or zh_CN."),
+                                      QStringLiteral("code"), options.language);
+    const QCommandLineOption plugins(QStringLiteral("plugins"), QStringLiteral("Where the plugins are."),
+                                     QStringLiteral("directory"), options.pluginDirectory);
+    const QCommandLineOption work(QStringLiteral("work"),
+                                  QStringLiteral("Where the devices' configurations and extracted packages lie."),
+                                  QStringLiteral("directory"), options.workDirectory);
+    const QCommandLineOption open(QStringLiteral("open"), QStringLiteral("The page of the settings to open first."),
+                                  QStringLiteral("id"), options.firstSubMode);
+    const QCommandLineOption pace(QStringLiteral("pace"),
+                                  QStringLiteral("How many times as long as the site says its devices take."),
+                                  QStringLiteral("factor"), QString::number(options.durationFactor));
+    const QCommandLineOption tour(QStringLiteral("tour"),
+                                  QStringLiteral("Works the project file panel by itself, checks each outcome, "
+                                                 "leaves pictures there, and ends. Uses no documents of yours."),
+                                  QStringLiteral("directory"));
+    parser.addOptions({site, language, plugins, work, open, pace, tour});
+    parser.process(application);
+    const QString tourDirectory =
+        parser.isSet(tour) ? QDir::current().absoluteFilePath(parser.value(tour)) : QString();
+    if (!tourDirectory.isEmpty()) {
+        makePrivateHome(tourDirectory);
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+        options = Program::defaultOptions();
+        options.language = QStringLiteral("en");
+    }
+    options.siteFile = parser.value(site);
+    options.pluginDirectory = parser.value(plugins);
+    options.firstSubMode = parser.value(open);
+    options.durationFactor = parser.value(pace).toDouble();
+    if (tourDirectory.isEmpty()) {
+        options.language = parser.value(language);
+        options.workDirectory = parser.value(work);
+    }
+
+    Core::LogRelay::install();
+    Program program(options);
+    if (!program.start()) {
+        qCritical().noquote() << program.error();
+        HX::Widgets::FramelessMessageBox::warning(nullptr, QStringLiteral("Tarvo"), program.error());
+        return 1;
+    }
+    return tourDirectory.isEmpty() ? QApplication::exec()
+                                   : Tour(program.session(), Core::MainWindow::instance(), tourDirectory).run();
+}

@@ -1,0 +1,97 @@
+#include "program.h"
+
+#include "sitedock.h"
+
+#include <core/mainwindow.h>
+#include <core/modemanager.h>
+#include <settingcfg/settingcfgmodemanager.h>
+
+#include <QDebug>
+#include <QDir>
+#include <QLocale>
+#include <QStandardPaths>
+
+namespace {
+
+QString besideTheProgram(const QString &folder)
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../") + folder);
+}
+
+} // namespace
+
+Program::Options Program::defaultOptions()
+{
+    Options options;
+    options.siteFile = Simulation::builtInSite(QStringLiteral("default"));
+    options.language = QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_CN") : QStringLiteral("en");
+    options.pluginDirectory = besideTheProgram(QStringLiteral("plugins"));
+    options.translationDirectory = besideTheProgram(QStringLiteral("translations"));
+    options.workDirectory = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    options.firstSubMode = QStringLiteral("ProjectFileCfg");
+    return options;
+}
+
+Program::Program(const Options &options)
+    : m_options(options)
+{
+}
+
+Program::~Program() = default;
+
+bool Program::start()
+{
+    return makeDirectories() && startSession() && startPlugins();
+}
+
+bool Program::makeDirectories()
+{
+    const QString work = QDir::cleanPath(QDir(m_options.workDirectory).absolutePath());
+    Core::HostSettings settings;
+    settings.language = m_options.language;
+    settings.trPath = m_options.translationDirectory;
+    settings.deviceConfigFilePath = work + QStringLiteral("/devices");
+    settings.extractJsonPath = work + QStringLiteral("/extracted");
+    for (const QString &directory : {settings.deviceConfigFilePath, settings.extractJsonPath}) {
+        if (!QDir().mkpath(directory)) {
+            m_error = tr("The folder %1 cannot be created.").arg(QDir::toNativeSeparators(directory));
+            return false;
+        }
+    }
+    Core::applySettings(settings);
+    return true;
+}
+
+bool Program::startSession()
+{
+    std::optional<Simulation::Site> site = Simulation::Site::fromFile(m_options.siteFile, m_error);
+    if (!site)
+        return false;
+    site->scaleDurations(m_options.durationFactor);
+    m_session = std::make_unique<Simulation::Session>(*site, Core::hostSettings().deviceConfigFilePath);
+    m_error = m_session->error();
+    return m_error.isEmpty();
+}
+
+bool Program::startPlugins()
+{
+    m_plugins = std::make_unique<HX::ExtensionSystem::PluginManager>();
+    m_plugins->setPluginDirectory(m_options.pluginDirectory);
+    m_plugins->loadPlugins();
+    const QStringList errors = m_plugins->errors();
+    for (const QString &error : errors)
+        qWarning().noquote() << error;
+    Core::MainWindow *window = Core::MainWindow::instance();
+    if (m_plugins->hasRequiredError() || !window) {
+        m_error = errors.isEmpty() ? tr("There are no plugins in %1.").arg(m_options.pluginDirectory)
+                                   : errors.join(QLatin1Char('\n'));
+        return false;
+    }
+
+    auto *siteDock = new SiteDock(*m_session);
+    window->addDock(siteDock, siteDock->windowTitle());
+    Core::ModeManager::activateMode("SettingCfg");
+    SettingCfg::SettingCfgModeManager::instance()->activateMode(HX::Utils::Id(m_options.firstSubMode));
+    window->show();
+    return true;
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <core/hostsettings.h>
+#include <extensionsystem/pluginmanager.h>
+#include <simulation/session/session.h>
+
+#include <QCoreApplication>
+
+#include <memory>
+
+/// The development host as a whole: the site, the plugins and the window. User-interface thread only.
+class Program
+{
+    Q_DECLARE_TR_FUNCTIONS(Program)
+
+public:
+    struct Options
+    {
+        QString siteFile;
+        QString language;
+        QString pluginDirectory;
+        QString translationDirectory;
+        /// Holds the devices' configuration directories and what is extracted from packages.
+        QString workDirectory;
+        /// The sub-mode of the settings area that is open at first; one that does not exist is ignored.
+        QString firstSubMode;
+        /// The site's devices take this many times as long as its file says.
+        double durationFactor = 1;
+    };
+
+    /// What a start without arguments uses; directories are relative to where the program lies.
+    static Options defaultOptions();
+
+    explicit Program(const Options &options);
+    ~Program();
+    Program(const Program &) = delete;
+    Program &operator=(const Program &) = delete;
+
+    /// Brings up the site, loads the plugins and shows the window. Returns false, with the reason in
+    /// error(), when the program cannot be used.
+    bool start();
+    QString error() const { return m_error; }
+
+    /// Both exist from a successful start() on.
+    Simulation::Session &session() { return *m_session; }
+    HX::ExtensionSystem::PluginManager &plugins() { return *m_plugins; }
+
+private:
+    bool makeDirectories();
+    bool startSession();
+    bool startPlugins();
+
+    const Options m_options;
+    QString m_error;
+    /// The plugins use the session's devices until they are shut down.
+    std::unique_ptr<Simulation::Session> m_session;
+    std::unique_ptr<HX::ExtensionSystem::PluginManager> m_plugins;
+};

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <simulation/session/session.h>
+
+#include <QHash>
+#include <QPixmap>
+#include <QTimer>
+#include <QWidget>
+
+class QComboBox;
+class QLabel;
+class QListWidget;
+class QPushButton;
+class QSpinBox;
+class QTreeWidget;
+
+/// Shows the simulated site and lets one play with it: plug and unplug devices, arm faults, and see the
+/// pictures that the hardware really holds.
+class SiteDock : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The session must outlive the widget.
+    explicit SiteDock(Simulation::Session &session, QWidget *parent = nullptr);
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void retranslate();
+    /// Shows what changed at the site since the last time; the hardware announces nothing by itself.
+    void refresh();
+    void refreshDevices();
+    void refreshPictures();
+    void refreshFaults();
+    QString selectedAddress() const;
+    void togglePlug();
+    void armFault();
+    void clearFaults();
+
+    Simulation::Session &m_session;
+    QTimer m_refreshTimer;
+    QTreeWidget *m_devices = nullptr;
+    QPushButton *m_plugButton = nullptr;
+    QLabel *m_faultTitle = nullptr;
+    QComboBox *m_operation = nullptr;
+    QComboBox *m_kind = nullptr;
+    QLabel *m_callLabel = nullptr;
+    QSpinBox *m_call = nullptr;
+    QPushButton *m_armButton = nullptr;
+    QPushButton *m_clearButton = nullptr;
+    QLabel *m_faultState = nullptr;
+    QLabel *m_pictureTitle = nullptr;
+    QListWidget *m_pictures = nullptr;
+    /// By QImage::cacheKey(), so that only new pictures are scaled down.
+    QHash<qint64, QPixmap> m_thumbs;
+    /// The pictures that are in the list, each as its key and name.
+    QStringList m_shown;
+};

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "operatorhand.h"
+
+#include <simulation/hardware.h>
+
+#include <functional>
+
+class QTableWidget;
+
+namespace Corvel {
+namespace Widgets {
+class ICenterWidget;
+}
+} // namespace Corvel
+
+namespace Simulation {
+class Session;
+}
+
+/// The demonstration: works the real panel through what it is for, checks each outcome against the simulated
+/// hardware and leaves a picture of each screen. User-interface thread.
+class Tour
+{
+public:
+    /// Pictures go into `directory`, which is created.
+    Tour(Simulation::Session &session, QWidget *window, const QString &directory);
+
+    /// Runs every step and prints what it did. Returns 0, or 1 as soon as a step does not do what it should.
+    int run();
+
+private:
+    void openProjectFiles();
+    void showEmptyTable();
+    void saveFirstDevice();
+    void cancelSave();
+    void editProject();
+    void saveProjectAs();
+    void importProjects();
+    void applyToSecondDevice();
+    void refuseOtherModel();
+    void cancelApply();
+    void deleteProject();
+    void showChinese();
+    void deleteAllProjects();
+
+    void step(const QString &title, const std::function<QString()> &work);
+    void selectDevice(const QString &ip);
+    void pressInRow(const QString &project, const QString &button);
+    int rowOf(const QString &project) const;
+    QStringList projects() const;
+    QTableWidget *table() const;
+    QString projectPath(const QString &name) const;
+    void expectProjects(const QStringList &names);
+    void startSave(const QString &name, const QString &comment, const QString &picture = QString());
+    void waitForProgress(int pictures);
+    static void require(bool condition, const QString &failure);
+
+    Simulation::Session &m_session;
+    QWidget *const m_window;
+    const QString m_directory;
+    OperatorHand m_hand;
+    Corvel::Widgets::ICenterWidget *m_panel = nullptr;
+    Simulation::HardwareState m_saved;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <model/device.h>
+
+#include <QWidget>
+
+class QHBoxLayout;
+class QLabel;
+
+namespace Core {
+
+class DeviceCard;
+
+/// The bar with a card for each known device: type, name, whether it is online and whether it is the
+/// active one. Pressing a card makes its device the active one.
+class DeviceBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DeviceBar(QWidget *parent = nullptr);
+
+    /// Shows the devices as they are now.
+    void refresh();
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    void retranslateUi();
+    void makeActive(const QString &ip);
+
+    QHBoxLayout *m_cardLayout;
+    QLabel *m_emptyLabel;
+    QVector<DeviceCard *> m_cards;
+};
+
+} // namespace Core

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QPushButton>
+
+class QLabel;
+
+namespace Core {
+
+class ElidedLabel;
+
+/// What a card of the device bar tells.
+struct DeviceSummary
+{
+    QString ip;
+    QString type;
+    QString name;
+    bool online = false;
+    bool active = false;
+
+    friend bool operator==(const DeviceSummary &a, const DeviceSummary &b)
+    {
+        return a.ip == b.ip && a.type == b.type && a.name == b.name && a.online == b.online && a.active == b.active;
+    }
+};
+
+/// One device in the device bar.
+class DeviceCard : public QPushButton
+{
+    Q_OBJECT
+
+public:
+    explicit DeviceCard(QWidget *parent);
+
+    DeviceSummary summary() const { return m_summary; }
+    void setSummary(const DeviceSummary &summary);
+    void retranslateUi();
+
+private:
+    DeviceSummary m_summary;
+    ElidedLabel *m_name;
+    ElidedLabel *m_details;
+    QLabel *m_dot;
+    QLabel *m_state;
+    QLabel *m_active;
+};
+
+} // namespace Core

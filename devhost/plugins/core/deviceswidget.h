@@ -1,0 +1,30 @@
+#pragma once
+
+#include <widgets/icenterwidget.h>
+
+class QLabel;
+class QTableWidget;
+
+namespace Core {
+
+/// The page of the Devices mode: what the model knows of each device.
+class DevicesWidget : public Corvel::Widgets::ICenterWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DevicesWidget(QWidget *parent = nullptr);
+
+    void retranslateUi() override;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void refresh();
+
+    QLabel *m_title;
+    QTableWidget *m_table;
+};
+
+} // namespace Core

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <core/core_global.h>
+#include <extensionsystem/iplugin.h>
+
+namespace Core {
+
+/// Stands for the base class of the plugins of this application.
+class HOST_CORE_EXPORT ICorvelPlugin : public HX::ExtensionSystem::IPlugin
+{
+    Q_OBJECT
+
+public:
+    ICorvelPlugin();
+    ~ICorvelPlugin() override;
+
+    using IPlugin::installTranslator;
+    /// Installs the plugin's texts in that language, in place of those of the language before.
+    /// The host calls it for each plugin in the object pool when the language is switched.
+    /// Returns false when the plugin has no texts in that language.
+    virtual bool installTranslator(const QString &language) = 0;
+};
+
+} // namespace Core

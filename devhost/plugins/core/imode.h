@@ -1,0 +1,57 @@
+#pragma once
+
+#include <core/core_global.h>
+#include <utils/id.h>
+
+#include <QIcon>
+#include <QObject>
+#include <QString>
+
+class QWidget;
+
+namespace Core {
+
+/// Stands for what the host knows of any mode. User-interface thread only.
+/// The virtual operations stand in the order of the host's table of virtual operations.
+class HOST_CORE_EXPORT IMode : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit IMode(QObject *parent = nullptr);
+    ~IMode() override;
+
+    virtual bool hasNavigationBar() const;
+    virtual bool hasDeviceToolBar() const;
+    virtual bool isVisible() const;
+    /// Sets every text anew; the host calls it after each change of the language.
+    virtual void retranslateUi() = 0;
+    /// A tool bar of the mode's own, null for none.
+    virtual QWidget *toolBar() const = 0;
+    virtual void updateInputVideo();
+
+    /// Modes are shown in ascending order of this value.
+    int priority() const { return m_priority; }
+    void setPriority(int priority) { m_priority = priority; }
+    HX::Utils::Id id() const { return m_id; }
+    void setId(const HX::Utils::Id &id) { m_id = id; }
+    QIcon icon() const { return m_icon; }
+    void setIcon(const QIcon &icon) { m_icon = icon; }
+    QString displayName() const { return m_displayName; }
+    void setDisplayName(const QString &name) { m_displayName = name; }
+    /// Whether the mode's button can be pressed.
+    bool enabled() const { return m_enabled; }
+    void setEnabled(bool enabled) { m_enabled = enabled; }
+    /// Whether the mode is the one shown; its manager keeps it up to date.
+    void setVisible(bool visible) { m_visible = visible; }
+
+private:
+    int m_priority = 0;
+    HX::Utils::Id m_id;
+    QIcon m_icon;
+    QString m_displayName;
+    bool m_enabled = true;
+    bool m_visible = false;
+};
+
+} // namespace Core

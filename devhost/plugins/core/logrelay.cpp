@@ -1,0 +1,38 @@
+#include <core/logrelay.h>
+
+namespace Core {
+
+namespace {
+
+QtMessageHandler previousHandler = nullptr;
+
+void relay(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    emit LogRelay::instance()->message(type, text);
+    if (previousHandler)
+        previousHandler(type, context, text);
+}
+
+} // namespace
+
+LogRelay::LogRelay()
+{
+    qRegisterMetaType<QtMsgType>();
+}
+
+LogRelay *LogRelay::instance()
+{
+    // Threads may still write messages while the program's static objects are destroyed.
+    static LogRelay *relay = new LogRelay;
+    return relay;
+}
+
+void LogRelay::install()
+{
+    if (previousHandler)
+        return;
+    instance();
+    previousHandler = qInstallMessageHandler(relay);
+}
+
+} // namespace Core

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <core/core_global.h>
+#include <utils/id.h>
+
+#include <QHash>
+#include <QObject>
+#include <QVector>
+
+namespace Core {
+
+class IMode;
+
+/// Stands for the host's top-level modes and its central-widget area. User-interface thread only.
+class HOST_CORE_EXPORT ModeManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    static ModeManager *instance();
+
+    /// Registers a top-level mode, sorted by its priority; the first one becomes current. The manager never owns it.
+    static void addMode(IMode *mode);
+    /// Withdraws a top-level mode; when it was current, the first of the others becomes current.
+    static void removeMode(IMode *mode);
+    /// The top-level modes in the order in which they are shown.
+    static QVector<IMode *> modes();
+    /// The id of the current top-level mode.
+    static HX::Utils::Id currentMode();
+    /// Switches to another top-level mode; an unknown one is ignored.
+    static void activateMode(const HX::Utils::Id &id);
+
+    /// True while a central widget of that id is registered.
+    static bool existCenterWidget(const HX::Utils::Id &id);
+    /// Registers the central widget of that id, which is looked up in the object pool.
+    static void addCenterWidget(const HX::Utils::Id &id);
+    /// Takes it out of the central area again; the widget itself stays with its owner.
+    static void removeCenterWidget(const HX::Utils::Id &id);
+    /// Makes it the visible one.
+    static void setActivateCenterWidget(const HX::Utils::Id &id);
+    /// The id of the visible central widget; an invalid one when there is none.
+    static HX::Utils::Id activeCenterWidget();
+
+signals:
+    void modesChanged();
+    void currentModeChanged(const HX::Utils::Id &current, const HX::Utils::Id &previous);
+    void centerWidgetAdded(const HX::Utils::Id &id);
+    void centerWidgetRemoved(const HX::Utils::Id &id);
+    void centerWidgetActivated(const HX::Utils::Id &id);
+
+private:
+    ModeManager() = default;
+    void setCurrentMode(const HX::Utils::Id &id);
+    void setActive(const HX::Utils::Id &id);
+
+    QVector<IMode *> m_modes;
+    HX::Utils::Id m_currentMode;
+    QVector<HX::Utils::Id> m_centerWidgets;
+    HX::Utils::Id m_activeCenterWidget;
+    /// For each top-level mode, the central widget that it showed last.
+    QHash<HX::Utils::Id, HX::Utils::Id> m_lastCenterWidget;
+};
+
+} // namespace Core

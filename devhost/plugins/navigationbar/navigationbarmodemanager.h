@@ -1,0 +1,48 @@
+#pragma once
+
+#include <navigationbar/navigationbar_global.h>
+#include <utils/id.h>
+
+#include <QObject>
+#include <QVector>
+
+namespace NavigationBar {
+
+class INavigationBarMode;
+
+/// Stands for the manager of one navigation bar's modes. It never owns a mode. User-interface thread only.
+/// The virtual operations stand in the order of the host's table of virtual operations.
+class HOST_NAVIGATIONBAR_EXPORT NavigationBarModeManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit NavigationBarModeManager(QObject *parent = nullptr);
+    ~NavigationBarModeManager() override;
+
+    /// The id of the mode that is shown; an invalid one when there is none.
+    virtual HX::Utils::Id currentModeId() const;
+    /// Shows that mode; an unknown or disabled one is ignored.
+    virtual void activateMode(const HX::Utils::Id &id);
+    virtual bool containsMode(const HX::Utils::Id &id) const;
+    /// Registers a mode, sorted by its priority; a second registration of the same id is ignored.
+    virtual void addMode(INavigationBarMode *mode);
+    virtual void removeMode(INavigationBarMode *mode);
+
+    /// The ids of the registered modes in the order in which they are shown.
+    QVector<HX::Utils::Id> modes() const;
+    /// The registered mode of that id, null when there is none.
+    INavigationBarMode *mode(const HX::Utils::Id &id) const;
+
+signals:
+    void currentModeChanged(HX::Utils::Id current, HX::Utils::Id previous);
+    void modesChanged();
+
+private:
+    void setCurrentMode(const HX::Utils::Id &id);
+
+    QVector<INavigationBarMode *> m_modes;
+    HX::Utils::Id m_currentModeId;
+};
+
+} // namespace NavigationBar

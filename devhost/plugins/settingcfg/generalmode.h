@@ -1,0 +1,20 @@
+#pragma once
+
+#include <settingcfg/isettingcfgmode.h>
+
+namespace SettingCfg {
+
+/// The settings' sub-mode for what concerns the program itself.
+class GeneralMode : public ISettingCfgMode
+{
+    Q_OBJECT
+
+public:
+    explicit GeneralMode(QObject *parent = nullptr);
+
+    void retranslateUi() override;
+    QWidget *toolBar() const override;
+    bool isSettingMode() const override;
+};
+
+} // namespace SettingCfg

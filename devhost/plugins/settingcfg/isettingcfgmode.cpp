@@ -1,0 +1,12 @@
+#include <settingcfg/isettingcfgmode.h>
+
+namespace SettingCfg {
+
+ISettingCfgMode::ISettingCfgMode(QObject *parent)
+    : NavigationBar::INavigationBarMode(parent)
+{
+}
+
+ISettingCfgMode::~ISettingCfgMode() = default;
+
+} // namespace SettingCfg

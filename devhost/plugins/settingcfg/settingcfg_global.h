@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QtGlobal>
+
+#if defined(HOST_SETTINGCFG_LIBRARY)
+#define HOST_SETTINGCFG_EXPORT Q_DECL_EXPORT
+#else
+#define HOST_SETTINGCFG_EXPORT Q_DECL_IMPORT
+#endif

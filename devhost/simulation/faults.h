@@ -1,0 +1,70 @@
+#pragma once
+
+#include <simulation/simulation_global.h>
+
+#include <QString>
+#include <QVector>
+
+#include <functional>
+#include <mutex>
+
+namespace Simulation {
+
+/// What goes wrong, and at which call. Faults are chosen, never random.
+struct HOST_SIMULATION_EXPORT Fault
+{
+    enum Kind {
+        Fail,       ///< the device refuses the operation
+        Late,       ///< the operation answers `delayMs` later than it would
+        Disconnect, ///< the device drops off the network, so that the operation and all later ones fail
+        Cancel,     ///< the operation ends as if it had been cancelled
+        Run         ///< `action` runs on the calling thread, then the operation goes on
+    };
+    /// For `call`: the fault strikes at every call until the faults are cleared.
+    static constexpr int EveryCall = 0;
+
+    Kind kind = Fail;
+    /// The call at which the fault strikes, counted from 1 since it was armed; then it is spent.
+    int call = 1;
+    int delayMs = 0;
+    std::function<void()> action;
+
+    static Fault fail(int call = 1);
+    static Fault late(int delayMs, int call = 1);
+    static Fault disconnect(int call = 1);
+    static Fault cancel(int call = 1);
+    static Fault run(const std::function<void()> &action, int call = 1);
+};
+
+/// The faults that are armed, by operation name. Any thread.
+class HOST_SIMULATION_EXPORT Faults
+{
+public:
+    static Faults *instance();
+
+    /// Adds a fault; several may be armed for one operation. A name that is not in Operations::all()
+    /// logs a warning, since such a fault would never strike.
+    void arm(const QString &operation, const Fault &fault);
+    void clear();
+    /// How many faults are armed: those that have not struck yet and those that strike at every call.
+    int armedCount() const;
+
+    /// Counts a call of the operation and returns the faults that strike at it, in the order in which they
+    /// were armed. For beginOperation().
+    QVector<Fault> strike(const QString &operation);
+
+private:
+    struct Armed
+    {
+        QString operation;
+        Fault fault;
+        int calls = 0;
+    };
+
+    Faults() = default;
+
+    mutable std::mutex m_mutex;
+    QVector<Armed> m_armed;
+};
+
+} // namespace Simulation

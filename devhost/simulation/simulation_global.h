@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QtGlobal>
+
+#if defined(HOST_SIMULATION_LIBRARY)
+#define HOST_SIMULATION_EXPORT Q_DECL_EXPORT
+#else
+#define HOST_SIMULATION_EXPORT Q_DECL_IMPORT
+#endif
