@@ -1,0 +1,15 @@
+#include "devicelookup.h"
+
+#include <model/devicelist.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+std::shared_ptr<Model::Device> findDeviceByAddress(const QString &ip)
+{
+    const Model::DeviceList *devices = Model::DeviceList::instance();
+    return devices ? devices->getDeviceByIPAddr(ip) : nullptr;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,403 @@
+#include "engineerdocload.h"
+
+#include "devicelookup.h"
+#include "packagereader.h"
+#include "projectfilefacts.h"
+#include "zippackagehandle.h"
+
+#include <core/icore.h>
+#include <model/deviceconfigmanager.h>
+#include <model/serailizer.h>
+#include <modelcontrol/devicecontroler.h>
+
+#include <QDebug>
+#include <QFile>
+#include <QImageReader>
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <cmath>
+
+using Core::ICore;
+using Model::Materail;
+using ModelControl::DeviceControler;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Id of a device that is in no list.
+static const quint16 unlistedDeviceId = 65535;
+static const int defaultExchangePos = 8;
+
+/// Slot types of the output card and of the exchange card that may take its place.
+static const int outputCardType = 3;
+static const int exchangeCardType = 5;
+
+static const int smallThumbnailArea = 65536;
+static const int largeThumbnailArea = 262144;
+
+static bool isDescription(const QString &entry)
+{
+    return entry.endsWith(QLatin1String(".json"), Qt::CaseInsensitive);
+}
+
+static bool isPicture(const QString &entry)
+{
+    return entry.endsWith(QLatin1String(".png"), Qt::CaseInsensitive);
+}
+
+static QImage readPicture(QImageReader &reader)
+{
+    QImage image(reader.size(), QImage::Format_ARGB32);
+    if (!reader.read(&image))
+        return QImage();
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
+{
+    const auto isOutputOrExchange = [](int type) { return type == outputCardType || type == exchangeCardType; };
+    const bool typesAgree = package.getType() == target.getType()
+                            || (target.getPos() == exchangePos && isOutputOrExchange(package.getType())
+                                && isOutputOrExchange(target.getType()));
+    return typesAgree && package.getPos() == target.getPos() && package.getModelId() == target.getModelId();
+}
+
+static QImage thumbnailOf(const QImage &picture)
+{
+    // 32 bits, as the gallery has always computed it.
+    const auto area = static_cast<qint32>(static_cast<quint32>(picture.width()) * static_cast<quint32>(picture.height()));
+    if (area > smallThumbnailArea && area < largeThumbnailArea)
+        return picture.scaled(picture.width() / 10, picture.height() / 10, Qt::IgnoreAspectRatio,
+                              Qt::FastTransformation);
+    if (area <= largeThumbnailArea)
+        return picture;
+    const double ratio = static_cast<double>(picture.width()) / picture.height();
+    const float height = std::sqrt(static_cast<float>(largeThumbnailArea / ratio));
+    return picture.scaled(static_cast<int>(height * ratio), static_cast<int>(height), Qt::IgnoreAspectRatio,
+                          Qt::FastTransformation);
+}
+
+EngineerDocLoad::EngineerDocLoad(QObject *parent)
+    : QThread(parent)
+{
+}
+
+EngineerDocLoad::~EngineerDocLoad() = default;
+
+void EngineerDocLoad::setPackagePath(const QString &path)
+{
+    m_strPackagePath = path;
+}
+
+void EngineerDocLoad::setDeviceIp(const QString &ip)
+{
+    m_strDeviceIp = ip;
+}
+
+void EngineerDocLoad::cancel()
+{
+    m_bCancel = true;
+}
+
+int EngineerDocLoad::resultCode() const
+{
+    return m_nResultCode;
+}
+
+bool EngineerDocLoad::fail(LoadResultCode code)
+{
+    m_nResultCode = code;
+    return false;
+}
+
+bool EngineerDocLoad::stopIfCanceled()
+{
+    if (m_bCancel)
+        m_nResultCode = LoadUserCanceled;
+    return m_bCancel;
+}
+
+bool EngineerDocLoad::checkPackageFile()
+{
+    if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
+        return fail(LoadFileContentError);
+    return ZipPackageHandle::checkPacketChecksum(m_strPackagePath);
+}
+
+bool EngineerDocLoad::checkDevice()
+{
+    const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
+    if (!target)
+        return fail(LoadGetDeviceFailed);
+
+    const QStringList descriptions = ZipPackageHandle::extractJsonFiles(m_strPackagePath, ICore::ExtractJsonPath());
+    if (descriptions.isEmpty())
+        return fail(LoadJsonFileError);
+    m_pPackageDevice = unserailizeDevice(descriptions.first());
+    if (!m_pPackageDevice)
+        return fail(LoadGetDeviceFailed);
+
+    if (target->getModelID() != m_pPackageDevice->getModelID())
+        return fail(LoadDeviceTypeMismatch);
+    if (!target->getDeviceOnlineFlag())
+        return true;
+    if (!cardsAgree(*target))
+        return fail(LoadCardMismatch);
+    if (m_pPackageDevice->getCommunicationProtocolNumber() * 10 > target->getCommunicationProtocolNumber() * 10)
+        return fail(LoadProtocolVersionMismatch);
+    return true;
+}
+
+bool EngineerDocLoad::cardsAgree(const Model::Device &target)
+{
+    const auto targetSlots = target.getSlots();
+    const auto packageSlots = m_pPackageDevice->getSlots();
+    if (targetSlots.size() != packageSlots.size())
+        return false;
+
+    const Model::s_DeviceConfig *config =
+        Model::DeviceConfigManager::instance()->findDeviceConfigByID(m_pPackageDevice->getModelID());
+    const int exchangePos = config ? config->exchangePos : defaultExchangePos;
+    return std::all_of(targetSlots.begin(), targetSlots.end(), [&](const std::shared_ptr<Model::Slot> &targetSlot) {
+        return std::any_of(packageSlots.begin(), packageSlots.end(),
+                           [&](const std::shared_ptr<Model::Slot> &packageSlot) {
+                               return packageSlot && targetSlot && slotsMatch(*packageSlot, *targetSlot, exchangePos);
+                           });
+    });
+}
+
+std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString &path)
+{
+    if (!QFile::exists(path))
+        return nullptr;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        qDebug().noquote() << QStringLiteral("Open file [%1] failed").arg(path);
+        return nullptr;
+    }
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(QString::fromUtf8(file.readAll()).toUtf8(), &error);
+    if (document.isNull() || document.isEmpty()) {
+        // Shown to nobody: whoever asked reports a code of its own. It helps whoever stops here in a debugger.
+        const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error.errorString());
+        Q_UNUSED(reason)
+        return nullptr;
+    }
+    auto device = std::make_shared<Model::Device>(unlistedDeviceId, nullptr);
+    device->fromJson(document.object());
+    return device;
+}
+
+void EngineerDocLoad::run()
+{
+    m_bCancel = false;
+    const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
+    if (!target || !m_pPackageDevice) {
+        fail(LoadGetDeviceFailed);
+        return;
+    }
+
+    m_pPackageDevice->setIPAddress(m_strDeviceIp);
+    m_pPackageDevice->setNetMask(target->getNetMask());
+    m_pPackageDevice->setGateWay(target->getGateWay());
+    m_pPackageDevice->setMAC(target->getMAC());
+    m_pPackageDevice->setId(target->getId());
+    m_pPackageDevice->setCommunicationProtocol(target->getCommunicationProtocolNumber());
+
+    if (target->getDeviceOnlineFlag())
+        applyOnline(target);
+    else
+        applyOffline(target);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Offline
+
+void EngineerDocLoad::applyOffline(const std::shared_ptr<Model::Device> &target)
+{
+    const bool copied = offlineCopy();
+
+    // The model is replaced even when files are missing; the code of the copy tells the operator.
+    target->clearAll(true);
+    target->clearMaterial();
+    target->clearPreset();
+    target->fromJson(m_pPackageDevice->toJson());
+    if (!Model::Serailizer(ICore::deviceConfigFilePath()).serailize()) {
+        qDebug() << "Fail to serailize model data.";
+        if (copied)
+            fail(LoadSerializeFailed);
+        return;
+    }
+
+    for (const auto &materails : {target->getBKGs(), target->getLogos()}) {
+        for (const Talvik::weak_refrence<Materail> &reference : materails) {
+            if (const std::shared_ptr<Materail> materail = reference.lock())
+                refreshThumbnail(*materail);
+        }
+    }
+    if (copied)
+        stopIfCanceled();
+}
+
+bool EngineerDocLoad::offlineCopy()
+{
+    return copySourceToOfflineDevice() && !stopIfCanceled();
+}
+
+QString EngineerDocLoad::deviceFolder() const
+{
+    return QStringLiteral("%1/%2/").arg(ICore::deviceConfigFilePath(), m_strDeviceIp);
+}
+
+bool EngineerDocLoad::copySourceToOfflineDevice()
+{
+    PackageReader package(m_strPackagePath);
+    bool extracted = package.isOpen();
+    const QStringList entries = package.fileList();
+    for (auto entry = entries.begin(); extracted && entry != entries.end(); ++entry) {
+        if (!isDescription(*entry))
+            extracted = !package.extractFile(*entry, QStringLiteral("%1/%2").arg(deviceFolder(), *entry)).isEmpty();
+    }
+    if (!extracted) {
+        qDebug() << "Extract json file failed:" << m_strPackagePath;
+        return fail(LoadDecompressFailed);
+    }
+    return true;
+}
+
+bool EngineerDocLoad::copyConfigFileToDevice()
+{
+    PackageReader package(m_strPackagePath);
+    const QStringList entries = package.fileList();
+    const auto description = std::find_if(entries.begin(), entries.end(), isDescription);
+    if (description == entries.end())
+        return true;
+    const QString target = QStringLiteral("%1/%2.json").arg(deviceFolder(), m_strDeviceIp);
+    QFile::remove(target);
+    if (package.extractFile(*description, target).isEmpty()) {
+        qDebug() << "Extract json file failed:" << m_strPackagePath;
+        return fail(LoadDecompressFailed);
+    }
+    return true;
+}
+
+void EngineerDocLoad::refreshThumbnail(Materail &materail) const
+{
+    QString path;
+    if (materail.getType() == Materail::Background)
+        path = deviceFolder() + ProjectFileFacts::backgroundEntry(materail.getKeyNo());
+    else if (materail.getType() == Materail::Logo)
+        path = deviceFolder() + ProjectFileFacts::logoEntry(materail.getKeyNo());
+    QImageReader reader(path);
+    materail.setThumb(thumbnailOf(readPicture(reader)));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Online
+
+void EngineerDocLoad::applyOnline(const std::shared_ptr<Model::Device> &target)
+{
+    DeviceControler packageControler(m_pPackageDevice);
+    DeviceControler targetControler(target);
+
+    if (targetControler.canMVEEnable()) {
+        QString errorText;
+        if (!targetControler.enableMVR(m_pPackageDevice->getMVREnabled(), errorText)) {
+            qWarning().noquote() << "enable(disable) MVR failed: " << errorText;
+            fail(LoadImportFailed);
+            return;
+        }
+    }
+    if (!targetControler.copySlotDataToDevice(m_pPackageDevice)) {
+        qWarning() << "set slot data failed.";
+        fail(LoadImportFailed);
+        return;
+    }
+    const bool sent = onlineSend(target);
+    // Also after a failed send, whose code it replaces when it fails as well.
+    if (m_pPackageDevice->getMVREnabled() && !packageControler.copyMVRItemDataToDevice()) {
+        fail(LoadImportFailed);
+        return;
+    }
+    if (sent)
+        stopIfCanceled();
+}
+
+bool EngineerDocLoad::onlineSend(const std::shared_ptr<Model::Device> &target)
+{
+    if (!sendSourceToOnlineDevice(target) || stopIfCanceled())
+        return false;
+    emit signal_operatoerChanged(tr("Send Config to Device"));
+    if (!DeviceControler(m_pPackageDevice).copyModelToDevice())
+        return fail(LoadImportFailed);
+    return true;
+}
+
+bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Device> &target)
+{
+    PackageReader package(m_strPackagePath);
+    if (!package.isOpen())
+        return fail(LoadDecompressFailed);
+    const QStringList entries = package.fileList();
+    for (const QString &entry : entries) {
+        if (stopIfCanceled())
+            return false;
+        if (!isPicture(entry))
+            continue;
+        const QString path = QStringLiteral("%1/%2").arg(ICore::ExtractJsonPath(), entry);
+        if (package.extractFile(entry, path).isEmpty()) {
+            qDebug() << "Extract file failed:" << path;
+            return fail(LoadDecompressFailed);
+        }
+        if (!sendPicture(entry, path, target))
+            return false;
+    }
+    return true;
+}
+
+bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
+                                  const std::shared_ptr<Model::Device> &target)
+{
+    QImageReader reader(path);
+    const QSize size = reader.size();
+    if (size.width() < 1 || size.height() < 1)
+        return fail(LoadImageContentError);
+
+    // Where a picture belongs is read with case, what it is without.
+    const bool isLogo = entry.startsWith(ProjectFileFacts::logoFolder + QLatin1Char('/'));
+    if (!isLogo && !entry.startsWith(ProjectFileFacts::backgroundFolder + QLatin1Char('/')))
+        return true;
+    const QString name = isLogo ? ProjectFileFacts::logoFolder : ProjectFileFacts::backgroundFolder;
+    const QString digits = entry.toUpper().remove(name + QLatin1Char('/') + name + QLatin1Char('_')).remove(
+        QStringLiteral(".PNG"));
+    const quint16 number = digits.toUShort();
+
+    // Key numbers have 8 bits.
+    std::shared_ptr<Materail> materail;
+    for (const auto &reference : isLogo ? m_pPackageDevice->getLogos() : m_pPackageDevice->getBKGs()) {
+        const std::shared_ptr<Materail> candidate = reference.lock();
+        if (candidate && candidate->getKeyNo() == static_cast<quint8>(number)) {
+            materail = candidate;
+            break;
+        }
+    }
+    if (!materail || materail->size() != size)
+        return fail(LoadGalleryFileError);
+    // A cut file still tells its size, but its pixels are anything.
+    const QImage image = readPicture(reader);
+    if (image.isNull())
+        return fail(LoadGalleryFileError);
+
+    ICore::setOperatorType(ICore::OperatorLoad, (isLogo ? tr("LOGO:") : tr("BKG:")) + materail->getName());
+    if (!DeviceControler(target).createMaterailFromImage(image, isLogo ? Materail::Logo : Materail::Background,
+                                                         QString(), 0, QSize(0, 0),
+                                                         name + QLatin1Char('_') + QString::number(number)))
+        return fail(LoadApplyGalleryFailed);
+    if (!QFile::remove(path))
+        qDebug() << "Remove file failed:" << path;
+    return true;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

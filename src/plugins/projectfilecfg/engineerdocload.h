@@ -1,0 +1,87 @@
+#pragma once
+
+#include "operationresultcodes.h"
+
+#include <QImage>
+#include <QString>
+#include <QThread>
+
+#include <atomic>
+#include <memory>
+
+namespace Model {
+class Device;
+class Materail;
+} // namespace Model
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+class PackageReader;
+
+/// The job that applies a project file to one device, online or offline.
+///
+/// The two checks run on the caller's thread, before start(); what changes the device runs on a thread of
+/// its own. Every failure leaves a LoadResultCode. One object serves one run.
+class EngineerDocLoad : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit EngineerDocLoad(QObject *parent);
+    ~EngineerDocLoad() override;
+
+    void setPackagePath(const QString &path);
+    void setDeviceIp(const QString &ip);
+
+    /// True when the package is there and its checksum is right. A wrong checksum leaves the result code at
+    /// LoadSuccess, so that nothing is shown: the list does not offer such a package.
+    bool checkPackageFile();
+    /// True when the package's device description fits the target device; run() uses the description.
+    bool checkDevice();
+
+    /// Asks the job to end before the next picture, or to report the cancellation once the transfer is over.
+    /// Any thread; a request that comes before the thread has begun is lost.
+    void cancel();
+
+    /// The LoadResultCode; valid after a check returned false, or once QThread::finished was emitted.
+    int resultCode() const;
+
+    /// Reads a device description that the host has written. Null when the file cannot be read or is no
+    /// JSON document with content. Caller's thread.
+    std::shared_ptr<Model::Device> unserailizeDevice(const QString &path);
+
+    /// Extracts the device description to the target's directory under the target's address. True as well
+    /// when the package has none. No run uses it: an offline device gets its description from its model.
+    bool copyConfigFileToDevice();
+
+signals:
+    /// Progress for the waiting dialog, emitted from the job's thread (the name is part of the interface).
+    void signal_operatoerChanged(const QString &strOperType);
+
+protected:
+    void run() override;
+
+private:
+    bool cardsAgree(const Model::Device &target);
+    void applyOffline(const std::shared_ptr<Model::Device> &target);
+    void applyOnline(const std::shared_ptr<Model::Device> &target);
+    bool offlineCopy();
+    bool copySourceToOfflineDevice();
+    bool onlineSend(const std::shared_ptr<Model::Device> &target);
+    bool sendSourceToOnlineDevice(const std::shared_ptr<Model::Device> &target);
+    bool sendPicture(const QString &entry, const QString &path, const std::shared_ptr<Model::Device> &target);
+    void refreshThumbnail(Model::Materail &materail) const;
+    QString deviceFolder() const;
+    bool fail(LoadResultCode code);
+    bool stopIfCanceled();
+
+    std::atomic<bool> m_bCancel{false};
+    QString m_strPackagePath;
+    QString m_strDeviceIp;
+    std::shared_ptr<Model::Device> m_pPackageDevice;
+    std::atomic<int> m_nResultCode{LoadSuccess};
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <widgets/framelessdialog.h>
+
+class QLabel;
+class QPushButton;
+class QTextEdit;
+
+namespace Corvel {
+namespace Widgets {
+class FixedBitLineEditEx;
+}
+} // namespace Corvel
+
+/// The dialog in which a project gets its name and comment.
+///
+/// It keeps the comment to 100 characters and refuses the name of another project. It writes nothing: read
+/// the name and the comment after exec() returned QDialog::Accepted.
+class EngineerPropertySettingWidget : public HX::Widgets::FramelessDialog
+{
+    Q_OBJECT
+
+public:
+    /// `name` and `comment` are only remembered; setProjectName() and setComment() show them.
+    EngineerPropertySettingWidget(QWidget *parent, const QString &name, const QString &comment);
+    ~EngineerPropertySettingWidget() override;
+
+    /// Shows `name` and remembers it as the name that the project may keep.
+    void setProjectName(const QString &name);
+    /// Shows `comment`, cut to 100 characters.
+    void setComment(const QString &comment);
+
+    /// The name in its field, without leading and trailing blanks.
+    QString getProjectName();
+    QString getComment() const;
+
+private slots:
+    void slot_CommentTextChanged();
+    void slot_OkBtnClicked();
+    void slot_NameTextChanged();
+
+private:
+    void initUI();
+    void initConnects();
+    void retranslateUi();
+    void updateCounter();
+
+    QLabel *m_pNameLabel = nullptr;
+    QLabel *m_pCommentLabel = nullptr;
+    QLabel *m_pBlankLabel = nullptr;
+    QLabel *m_pCountLabel = nullptr;
+    QPushButton *m_pOkBtn = nullptr;
+    QPushButton *m_pCancelBtn = nullptr;
+    Corvel::Widgets::FixedBitLineEditEx *m_pNameEdit = nullptr;
+    QTextEdit *m_pCommentEdit = nullptr;
+    QString m_strOldName;
+    QString m_strName;
+    QString m_strComment;
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// How a save ended. The numbers are fixed: reserved ones are never given to anything else.
+enum BackupResultCode {
+    BackupSuccess = 0,
+    BackupExportBkgFailed = 1,
+    /// Reserved: a logo that cannot be written does not end a save.
+    BackupExportLogoFailed = 2,
+    BackupOfflineResourceIncomplete = 3,
+    BackupUserCanceled = 4,
+    BackupEncryptFailed = 5,
+    BackupSaveJsonFailed = 6,
+    BackupGetDeviceFailed = 7
+};
+
+/// How an apply ended. The numbers are fixed; 13 stays unused.
+enum LoadResultCode {
+    LoadSuccess = 0,
+    LoadUserCanceled = 1,
+    LoadFileContentError = 2,
+    LoadCardMismatch = 3,
+    /// Reserved: the hardware's version is not compared.
+    LoadHardwareVersionMismatch = 4,
+    LoadGetDeviceFailed = 5,
+    LoadDecompressFailed = 6,
+    LoadImportFailed = 7,
+    LoadJsonFileError = 8,
+    /// Shown to nobody.
+    LoadSerializeFailed = 9,
+    LoadDeviceTypeMismatch = 10,
+    LoadImageContentError = 11,
+    LoadProtocolVersionMismatch = 12,
+    LoadApplyGalleryFailed = 14,
+    LoadGalleryFileError = 15
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

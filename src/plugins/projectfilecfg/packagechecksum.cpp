@@ -1,0 +1,62 @@
+#include "packagechecksum.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace PackageChecksum {
+
+namespace {
+
+constexpr qint64 firstStep = 4 * 1024;
+constexpr qint64 largestStep = 1024 * 1024;
+
+/// Digests the chunk of `length` bytes that begins where the file stands. Empty when it cannot be read.
+QByteArray chunkDigest(QFile &file, qint64 length, QByteArray &buffer)
+{
+    QCryptographicHash digest(QCryptographicHash::Md5);
+    qint64 step = firstStep;
+    while (length > 0) {
+        const qint64 count = file.read(buffer.data(), std::min(step, length));
+        if (count <= 0) {
+            return QByteArray();
+        }
+        const char *end = buffer.constData() + count;
+        const char *zero = std::find(buffer.constData(), end, '\0');
+        digest.addData(buffer.constData(), int(zero - buffer.constData()));
+        if (zero != end) {
+            break;
+        }
+        length -= count;
+        step = std::min(step * 4, largestStep);
+    }
+    return digest.result().toHex();
+}
+
+} // namespace
+
+QString ofLeadingBytes(const QString &path, qint64 length)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        return QString();
+    }
+    QByteArray buffer(int(largestStep), Qt::Uninitialized);
+    QCryptographicHash digest(QCryptographicHash::Md5);
+    for (qint64 start = 0; start < length; start += chunkSize) {
+        const QByteArray digits =
+            file.seek(start) ? chunkDigest(file, std::min(chunkSize, length - start), buffer) : QByteArray();
+        if (digits.isEmpty()) {
+            break;
+        }
+        digest.addData(digits);
+    }
+    return QString::fromLatin1(digest.result().toHex());
+}
+
+} // namespace PackageChecksum
+} // namespace Internal
+} // namespace ProjectFileCfg

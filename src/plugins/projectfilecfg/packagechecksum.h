@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The checksum that a package's record carries. Packages that exist decide how it is formed.
+namespace PackageChecksum {
+
+/// The archive is digested in chunks of this many bytes.
+constexpr qint64 chunkSize = 10 * 1024 * 1024;
+
+/// The MD5 digest, in lower-case hexadecimal digits, over the digits of the digests of the chunks of the first
+/// `length` bytes of the file. A chunk's digest covers its bytes up to, not including, the first zero byte; the
+/// whole chunk where it holds none. Reads little more than what is digested, and stops where
+/// the file ends. Empty when it cannot be opened.
+QString ofLeadingBytes(const QString &path, qint64 length);
+
+} // namespace PackageChecksum
+
+} // namespace Internal
+} // namespace ProjectFileCfg

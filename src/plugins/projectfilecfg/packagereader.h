@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+class QuaZip;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// One package, held open while a job takes entries out of it. Not for use by two threads at once.
+class PackageReader
+{
+public:
+    explicit PackageReader(const QString &packetPath);
+    ~PackageReader();
+
+    /// False when the file is missing or no archive; the other operations then return nothing.
+    bool isOpen() const;
+
+    /// The names of all entries in the archive's order. Names of folders end in "/".
+    QStringList fileList() const;
+
+    /// The archive's comment; empty when there is none.
+    QString comment() const;
+
+    /// Extracts `entryName` to `destPath` (when empty: to its own name) and returns the absolute path written,
+    /// or an empty string. A folder's entry makes the folder. A file at the destination is replaced, but only
+    /// by a complete new one; what is written is an ordinary file with the user's default permissions.
+    ///
+    /// Refused, so that a package from elsewhere writes nothing outside the place that the caller names: a
+    /// name that is absolute, climbs out (by slashes or backslashes) or holds a NUL or a drive letter; an entry
+    /// that is a link or a special file; a destination that is a symbolic link or, where `destPath` is a
+    /// folder followed by the entry's name, leads through one below that folder; content above 64 MiB (names
+    /// ending in ".json"), 1 GiB (others) or the free space, whatever size the archive pretends.
+    QString extractFile(const QString &entryName, const QString &destPath);
+
+    /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
+    /// what extractFile returned for each, in the archive's order.
+    QStringList extractJsonFiles(const QString &destDir);
+
+private:
+    struct Entry;
+    struct Directory;
+
+    const Directory &directory() const;
+    bool readCurrentHeader() const;
+    bool goTo(const Entry &entry);
+    bool writeEntry(const Entry &entry, const QString &destPath, qint64 limit);
+
+    std::unique_ptr<QuaZip> m_zip;
+    mutable std::unique_ptr<Directory> m_directory;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,224 @@
+#include "packagewriter.h"
+
+#include "localecodec.h"
+#include "packagechecksum.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+
+#include <quazip.h>
+#include <quazipfile.h>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+namespace {
+
+constexpr qint64 blockSize = 256 * 1024;
+/// Above these the format needs its 64-bit extension, in which QuaZip no longer finds the comment.
+constexpr qint64 maxClassicSize = 0xFFFFFFFELL;
+constexpr int maxClassicEntries = 0xFFFE;
+/// Length of the record that ends an archive, without its comment.
+constexpr qint64 endRecordSize = 22;
+
+bool isAscii(const QString &name)
+{
+    return std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
+}
+
+/// Has the next entry's name marked as UTF-8 where that matters: other programs then show it right. The mark
+/// raises the version that the header says is needed, a byte that the checksum covers, so a plain name goes
+/// without, as it does in the packages that exist.
+void markEncoding(QuaZip &zip, const QString &name)
+{
+    if (isAscii(name)) {
+        zipClearFlags(zip.getZipFile(), ZIP_ENCODING_UTF8);
+    } else {
+        zipSetFlags(zip.getZipFile(), ZIP_ENCODING_UTF8);
+    }
+}
+
+bool isPicture(const QString &name)
+{
+    return name.endsWith(QLatin1String(".png"), Qt::CaseInsensitive);
+}
+
+/// The archive's time stamps begin in 1980 and end in 2107; others would be stored as garbage.
+QDateTime storableTime(const QDateTime &time)
+{
+    const QDateTime first(QDate(1980, 1, 1), QTime(0, 0));
+    const QDateTime last(QDate(2107, 12, 31), QTime(23, 59, 58));
+    return qBound(first, time, last);
+}
+
+/// An extra field that readers pass over: the growth hint of the Open Packaging Conventions.
+QByteArray paddingField(int size)
+{
+    constexpr int headerSize = 8;
+    if (size < headerSize) {
+        return QByteArray();
+    }
+    const char header[] = {'\x20', '\xA2', char(size - 4), 0, '\x28', '\xA0', 0, 0};
+    return QByteArray(header, headerSize) + QByteArray(size - headerSize, '\0');
+}
+
+/// The checksum is taken before the comment is written, and checked afterwards. Only the comment's length, in
+/// the archive's last two bytes, differs between the two. Where the last chunk holds the whole end record, the
+/// zero bytes in front of the length end the digested bytes before they reach it; where a chunk begins inside
+/// the end record, they may not.
+bool checksumOutlivesComment(qint64 archiveSize)
+{
+    const qint64 lastChunk = archiveSize % PackageChecksum::chunkSize;
+    return lastChunk == 0 || lastChunk >= endRecordSize;
+}
+
+} // namespace
+
+PackageWriter::PackageWriter(const QString &dirPath, const QString &packetPath)
+    : m_dirPath(dirPath)
+    , m_packetPath(QFileInfo(packetPath).absoluteFilePath())
+    , m_canonicalDirPath(QFileInfo(dirPath).canonicalFilePath())
+{}
+
+bool PackageWriter::scan()
+{
+    m_entries.clear();
+    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList());
+}
+
+bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders)
+{
+    const QFileInfo folder(path);
+    const QString canonicalPath = folder.canonicalFilePath();
+    if (!folder.isReadable() || !folder.isExecutable() || enclosingFolders.contains(canonicalPath)) {
+        return false;
+    }
+    enclosingFolders.append(canonicalPath);
+
+    // System entries are broken links and special files: listed so that they can be refused.
+    const QFileInfoList sources =
+        QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QFileInfo &source : sources) {
+        if (!staysInside(source) || m_entries.size() > maxClassicEntries) {
+            return false;
+        }
+        if (source.isDir()) {
+            const QString name = prefix + source.fileName() + QLatin1Char('/');
+            m_entries.append({name, source.absoluteFilePath(), 0});
+            if (!scanFolder(source.absoluteFilePath(), name, enclosingFolders)) {
+                return false;
+            }
+        }
+    }
+    for (const QFileInfo &source : sources) {
+        if (source.isDir() || source.absoluteFilePath() == m_packetPath) {
+            continue;
+        }
+        if (!source.isFile() || !source.isReadable() || source.size() > maxClassicSize) {
+            return false;
+        }
+        m_entries.append({prefix + source.fileName(), source.absoluteFilePath(), source.size()});
+    }
+    return m_entries.size() <= maxClassicEntries;
+}
+
+bool PackageWriter::staysInside(const QFileInfo &source) const
+{
+    if (!source.isSymLink()) {
+        return true;
+    }
+    const QString canonicalPath = source.canonicalFilePath();
+    return canonicalPath == m_canonicalDirPath || canonicalPath.startsWith(m_canonicalDirPath + QLatin1Char('/'));
+}
+
+bool PackageWriter::write(QFile &archive)
+{
+    constexpr int paddingSize = 32;
+    if (!writeEntries(archive, 0)) {
+        return false;
+    }
+    return checksumOutlivesComment(archive.size()) ||
+           (writeEntries(archive, paddingSize) && checksumOutlivesComment(archive.size()));
+}
+
+bool PackageWriter::writeEntries(QFile &archive, int paddingSize)
+{
+    if (!archive.resize(0) || !archive.seek(0)) {
+        return false;
+    }
+    useUtf8LocaleCodec();
+    QuaZip zip(&archive);
+    zip.setAutoClose(false);
+    if (!zip.open(QuaZip::mdCreate)) {
+        return false;
+    }
+    for (Entry &entry : m_entries) {
+        if (!writeEntry(zip, entry, paddingSize) || archive.pos() > maxClassicSize) {
+            return false;
+        }
+        paddingSize = 0;
+    }
+    zip.close();
+    return zip.getZipError() == UNZ_OK && archive.flush() && archive.error() == QFileDevice::NoError &&
+           archive.size() <= maxClassicSize;
+}
+
+bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize)
+{
+    markEncoding(zip, entry.name);
+    // Of a link's attributes those of its target count, else it would come out as a link again.
+    QuaZipNewInfo header(entry.name, QFileInfo(entry.sourcePath).canonicalFilePath());
+    header.dateTime = storableTime(header.dateTime);
+    header.extraLocal = paddingField(paddingSize);
+
+    // The level stays the default one also for what is stored: level 0 would lower the version that the header
+    // says is needed, which is one of the few bytes that the checksum covers.
+    const int method = entry.isFolder() || isPicture(entry.name) ? 0 : Z_DEFLATED;
+    QuaZipFile destination(&zip);
+    if (!destination.open(QIODevice::WriteOnly, header, nullptr, 0, method, Z_DEFAULT_COMPRESSION)) {
+        return false;
+    }
+    if (!entry.isFolder() && !copyContent(entry, destination)) {
+        return false;
+    }
+    destination.close();
+    return destination.getZipError() == UNZ_OK;
+}
+
+bool PackageWriter::copyContent(Entry &entry, QIODevice &destination)
+{
+    QFile source(entry.sourcePath);
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        return false;
+    }
+    QByteArray block(int(blockSize), Qt::Uninitialized);
+    entry.size = 0;
+    qint64 count = 0;
+    while ((count = source.read(block.data(), block.size())) > 0) {
+        entry.size += count;
+        if (entry.size > maxClassicSize || destination.write(block.constData(), count) != count) {
+            return false;
+        }
+    }
+    return count == 0;
+}
+
+bool PackageWriter::isListedIn(const QString &path) const
+{
+    useUtf8LocaleCodec();
+    QuaZip zip(path);
+    if (!zip.open(QuaZip::mdUnzip)) {
+        return false;
+    }
+    const QList<QuaZipFileInfo64> listed = zip.getFileInfoList64();
+    return std::equal(listed.begin(), listed.end(), m_entries.begin(), m_entries.end(),
+                      [](const QuaZipFileInfo64 &found, const Entry &written) {
+                          return found.name == written.name && qint64(found.uncompressedSize) == written.size;
+                      });
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QFileInfo>
+#include <QStringList>
+#include <QVector>
+
+class QFile;
+class QIODevice;
+class QuaZip;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Packs a directory tree into a zip archive, in bounded memory.
+///
+/// Names and order are those that packages always had: relative to the directory, "/" between levels, for each
+/// folder its own entry ("BKG/"), then its sub-folders, then its files, each sorted by name without regard to
+/// case. Hidden files are included. Pictures are stored, since they are compressed already; the rest is deflated.
+class PackageWriter
+{
+public:
+    /// `packetPath` is left out where it lies inside the directory.
+    PackageWriter(const QString &dirPath, const QString &packetPath);
+
+    /// Lists what is to be packed. False when the tree cannot be packed whole: a folder or file that cannot be
+    /// read, a special file, a link that is broken, leads outside or back to a folder that it lies in, or more
+    /// than an archive of the classic format holds. Other links are packed as what they point to.
+    bool scan();
+
+    /// Writes the archive, without a comment, over whatever `archive` (open for reading and writing) holds.
+    /// False when a source cannot be read or a write fails; what the file holds then is of no use.
+    bool write(QFile &archive);
+
+    /// True when the archive at `path` lists the very entries, in name, order and size, that were written.
+    bool isListedIn(const QString &path) const;
+
+private:
+    struct Entry
+    {
+        QString name;
+        QString sourcePath;
+        qint64 size;
+
+        bool isFolder() const { return name.endsWith(QLatin1Char('/')); }
+    };
+
+    bool scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders);
+    bool staysInside(const QFileInfo &source) const;
+    bool writeEntries(QFile &archive, int paddingSize);
+    bool writeEntry(QuaZip &zip, Entry &entry, int paddingSize);
+    bool copyContent(Entry &entry, QIODevice &destination);
+
+    QString m_dirPath;
+    QString m_packetPath;
+    QString m_canonicalDirPath;
+    QVector<Entry> m_entries;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

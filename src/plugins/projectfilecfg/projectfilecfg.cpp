@@ -1,0 +1,3 @@
+#include "projectfilecfg.h"
+
+projectfilecfg::projectfilecfg() = default;

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "projectfilecfg_global.h"
+
+/// Exported by the library since its first release; hosts in the field may refer to the symbol.
+class PROJECTFILECFG_EXPORT projectfilecfg
+{
+public:
+    projectfilecfg();
+};

@@ -1,0 +1,45 @@
+#include "projectfilecfgmode.h"
+
+#include <utils/icon.h>
+
+using Corvel::Utils::Icon;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+ProjectFileCfgMode::ProjectFileCfgMode(QObject *parent)
+    : SettingCfg::ISettingCfgMode(parent)
+{
+    setObjectName(QStringLiteral("ProjectFileCfgMode"));
+    setPriority(594);
+    setId("ProjectFileCfg");
+    setIcon(Icon::fromTheme(QStringLiteral("project_normal"), QString()));
+    setEnabled(true);
+    setVisible(false);
+    addStateIcon(Normal, Icon::fromTheme(QStringLiteral("project_normal"), QString()));
+    addStateIcon(Hover, Icon::fromTheme(QStringLiteral("project_hover_normal"), QString()));
+    // The host's theme holds the image under this name.
+    addStateIcon(Pressed, Icon::fromTheme(QStringLiteral("projecte_pressed_normal"), QString()));
+    retranslateUi();
+}
+
+ProjectFileCfgMode::~ProjectFileCfgMode() = default;
+
+void ProjectFileCfgMode::retranslateUi()
+{
+    setDisplayName(tr("Project File"));
+    setToolTip(tr("Switch to project file module"));
+}
+
+QWidget *ProjectFileCfgMode::toolBar() const
+{
+    return nullptr;
+}
+
+bool ProjectFileCfgMode::isSettingMode() const
+{
+    return true;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

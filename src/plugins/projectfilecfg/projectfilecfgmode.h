@@ -1,0 +1,24 @@
+#pragma once
+
+#include <settingcfg/isettingcfgmode.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The "Project File" entry of the host's settings area: what its button shows, and the id by which the
+/// host says that it became current. The panel is registered separately as "ProjectFileCfg.Central".
+class ProjectFileCfgMode : public SettingCfg::ISettingCfgMode
+{
+    Q_OBJECT
+
+public:
+    explicit ProjectFileCfgMode(QObject *parent);
+    ~ProjectFileCfgMode() override;
+
+    void retranslateUi() override;
+    QWidget *toolBar() const override;
+    bool isSettingMode() const override;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "projectfilecfg_global.h"
+
+#include <core/icorvelplugin.h>
+#include <utils/id.h>
+
+namespace ProjectFileCfg {
+
+namespace Internal {
+class EngineerDocOperWidget;
+class ProjectFileCfgMode;
+} // namespace Internal
+
+/// The plugin object. It registers the "Project File" sub-mode in the host's settings area, offers it only
+/// while the active device supports project files, and makes the panel when the sub-mode is first shown.
+///
+/// Everything runs on the user-interface thread.
+class PROJECTFILECFG_EXPORT ProjectFileCfgPlugin : public Core::ICorvelPlugin
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "Velmora.CorvelPlugin" FILE "projectfilecfg.json")
+
+public:
+    ProjectFileCfgPlugin();
+    ~ProjectFileCfgPlugin() override;
+
+    /// The one plugin object, null when there is none.
+    static ProjectFileCfgPlugin *instance();
+
+    /// Always true: a missing translation is worth a warning, but no reason to go without the plugin.
+    bool initialize(const QStringList &arguments, QString *errorString) override;
+    void extensionsInitialized() override;
+    bool delayedInitialize() override;
+    /// Takes the sub-mode and the panel out of the host and deletes them.
+    ShutdownFlag aboutToShutdown() override;
+
+    using Core::ICorvelPlugin::installTranslator;
+    /// Installs the plugin's texts in `language` from the host's translation directory; false when they are missing.
+    bool installTranslator(const QString &language) override;
+
+private:
+    void createConnects();
+    void destoryConnects();
+    void createModeConnects();
+    void destoryModeConnects();
+    void createModeWidgets();
+    void destoryModeWidgets();
+    void registerDefaultActions();
+
+    void currentModeChanged(HX::Utils::Id current, HX::Utils::Id previous);
+    void showOrLeavePanel(const HX::Utils::Id &current);
+    void withdrawMode();
+
+private slots:
+    void slotDeviceChanged();
+
+private:
+    Internal::ProjectFileCfgMode *m_pMode = nullptr;
+    Internal::EngineerDocOperWidget *m_pCenterWidget = nullptr;
+};
+
+} // namespace ProjectFileCfg

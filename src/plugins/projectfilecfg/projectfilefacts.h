@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// What several classes must agree on: stated here once.
+namespace ProjectFileFacts {
+
+/// Extension of a project file.
+constexpr QLatin1String packageExtension(".corvelpro");
+
+/// Keys of the info record in a package's archive comment.
+constexpr QLatin1String checksumKey("Checksum");
+constexpr QLatin1String projectNameKey("projectName");
+constexpr QLatin1String commentKey("comment");
+
+/// Folders of a device's directory, and so of a package. Without separators.
+constexpr QLatin1String backgroundFolder("BKG");
+constexpr QLatin1String logoFolder("LOGO");
+constexpr QLatin1String presetFolder("Preset");
+
+/// Format of the time stamp that is proposed as a project's comment.
+constexpr QLatin1String timeStampFormat("yyyyMMdd_hhmmss");
+
+/// The user's Documents folder, without a trailing separator.
+QString documentsPath();
+
+/// The one directory of all project files, with a trailing "/".
+QString projectFilesPath();
+
+/// True when `path` ends in the package extension, in any mix of upper and lower case.
+bool hasPackageExtension(const QString &path);
+
+/// Where a background or a logo lies in a device's directory, relative to it: "BKG/BKG_7.png".
+QString backgroundEntry(int keyNo);
+QString logoEntry(int keyNo);
+
+} // namespace ProjectFileFacts
+
+} // namespace Internal
+} // namespace ProjectFileCfg

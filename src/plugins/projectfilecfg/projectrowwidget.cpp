@@ -1,0 +1,63 @@
+#include "projectrowwidget.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QToolButton>
+#include <QVariant>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+ProjectRowWidget::ProjectRowWidget(QWidget *parent)
+    : QWidget(parent)
+{
+    setLayout(new QHBoxLayout);
+    m_pEditBtn = addButton("EngineerDocOperBlue", QStringLiteral(":resource/images/icon_setting_project_edit.png"));
+    addSeparator("EngineerFunctionLine");
+    m_pApplyBtn = addButton("EngineerDocOperBlue", QStringLiteral(":resource/images/icon_setting_project_apply.png"));
+    addSeparator("EngineerFunctionLine");
+    m_pSaveAsBtn = addButton("EngineerDocOperBlue", QStringLiteral(":resource/images/icon_setting_project_save.png"));
+    // The host's style sheet draws this one differently.
+    addSeparator("DeviceFunctionLine");
+    m_pDeleteBtn = addButton("EngineerDocOperRed", QStringLiteral(":resource/images/icon_setting_project_del.png"));
+}
+
+ProjectRowWidget::~ProjectRowWidget() = default;
+
+QToolButton *ProjectRowWidget::addButton(const char *styleProperty, const QString &icon)
+{
+    QToolButton *button = new QToolButton;
+    button->setProperty(styleProperty, true);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setIcon(QIcon(icon));
+    layout()->addWidget(button);
+    return button;
+}
+
+void ProjectRowWidget::addSeparator(const char *styleProperty)
+{
+    QFrame *line = new QFrame;
+    line->setProperty(styleProperty, true);
+    line->setFixedWidth(1);
+    line->setFrameShape(QFrame::VLine);
+    layout()->addWidget(line);
+}
+
+void ProjectRowWidget::setFilePath(const QString &path)
+{
+    m_strFilePath = path;
+    for (QToolButton *button : {m_pEditBtn, m_pApplyBtn, m_pSaveAsBtn, m_pDeleteBtn})
+        button->setProperty("FilePath", path);
+}
+
+void ProjectRowWidget::setTexts(const Texts &texts)
+{
+    m_pEditBtn->setText(texts.edit);
+    m_pApplyBtn->setText(texts.apply);
+    m_pSaveAsBtn->setText(texts.saveAs);
+    m_pDeleteBtn->setText(texts.remove);
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QWidget>
+
+class QToolButton;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The buttons of one row of the project table. Each carries the row's package as its property "FilePath".
+class ProjectRowWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The buttons' texts, translated once for all rows.
+    struct Texts
+    {
+        QString edit;
+        QString apply;
+        QString saveAs;
+        QString remove;
+    };
+
+    explicit ProjectRowWidget(QWidget *parent);
+    ~ProjectRowWidget() override;
+
+    QString filePath() const { return m_strFilePath; }
+    void setFilePath(const QString &path);
+    void setTexts(const Texts &texts);
+
+    QToolButton *editButton() const { return m_pEditBtn; }
+    QToolButton *applyButton() const { return m_pApplyBtn; }
+    QToolButton *saveAsButton() const { return m_pSaveAsBtn; }
+    QToolButton *deleteButton() const { return m_pDeleteBtn; }
+
+private:
+    QToolButton *addButton(const char *styleProperty, const QString &icon);
+    void addSeparator(const char *styleProperty);
+
+    QString m_strFilePath;
+    QToolButton *m_pEditBtn = nullptr;
+    QToolButton *m_pApplyBtn = nullptr;
+    QToolButton *m_pSaveAsBtn = nullptr;
+    QToolButton *m_pDeleteBtn = nullptr;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

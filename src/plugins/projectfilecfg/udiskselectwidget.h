@@ -1,0 +1,58 @@
+#pragma once
+
+#include <widgets/framelessdialog.h>
+
+#include <QMap>
+#include <QString>
+#include <QVector>
+
+class QAbstractButton;
+class QButtonGroup;
+class QLabel;
+class QListWidget;
+
+/// The dialog in which a mounted USB flash disk is chosen as the destination of a copy. The host dialog's OK accepts.
+class UDiskSelectWidget : public HX::Widgets::FramelessDialog
+{
+    Q_OBJECT
+
+public:
+    /// A mounted volume.
+    struct Volume
+    {
+        /// The device node, "/dev/sdb1", or a tag that names the volume, "LABEL=STICK".
+        QString device;
+        QString mountPath;
+        /// The volume's own label; unused where the device is a tag.
+        QString label;
+    };
+
+    /// Offers the USB flash disks that are mounted now; later ones do not appear while the dialog is open.
+    explicit UDiskSelectWidget(QWidget *parent);
+    /// The same for another list of mounted volumes.
+    UDiskSelectWidget(QWidget *parent, const QVector<Volume> &volumes);
+    ~UDiskSelectWidget() override;
+
+    /// The mount path of the chosen disk; empty when none was chosen or the dialog was rejected.
+    QString selectPath() const;
+    int diskCount() const;
+
+    /// Forgets the choice, then closes.
+    void reject() override;
+
+private slots:
+    void slot_cancelSelectUDisk();
+    void slot_DiskSelectChanged(QAbstractButton *button);
+
+private:
+    void initUI();
+    void scanDisks(const QVector<Volume> &volumes);
+    void fillList();
+
+    QLabel *m_pTitleLabel = nullptr;
+    QListWidget *m_pDiskList = nullptr;
+    QString m_strSelectPath;
+    /// Mount path to label.
+    QMap<QString, QString> m_mapDisk;
+    QButtonGroup *m_pButtonGroup = nullptr;
+};
