@@ -1,0 +1,11 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="aa">
+<context>
+    <name>Fixture</name>
+    <message>
+        <source>word</source>
+        <translation>word in aa</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,360 @@
+#include <simulation/journal.h>
+#include <widgets/framelessdialog.h>
+#include <widgets/framelessmessagebox.h>
+#include <widgets/waitingdialog.h>
+
+#include <support/testmain.h>
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+using Corvel::Widgets::WaitingDialog;
+using HX::Widgets::FramelessDialog;
+using HX::Widgets::FramelessMessageBox;
+
+namespace {
+
+/// Does this with the modal dialog that opens next.
+template<typename Act>
+void whenADialogOpens(Act act)
+{
+    QTimer::singleShot(0, [act]() { act(QApplication::activeModalWidget()); });
+}
+
+} // namespace
+
+class TstDialogs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void a_dialog_is_dragged_by_its_title_bar();
+    void the_right_button_does_not_drag();
+    void the_title_bar_shows_the_window_title();
+    void escape_and_the_close_button_reject();
+    void the_bottom_bar_accepts_and_rejects();
+    void a_hidden_bottom_bar_has_no_default_button();
+    void the_layout_goes_between_the_bars();
+
+    void a_box_closed_without_a_button_answers_the_harmless_one_data();
+    void a_box_closed_without_a_button_answers_the_harmless_one();
+    void a_pressed_button_is_the_answer();
+    void return_answers_like_escape_unless_told_otherwise();
+    void a_box_survives_the_deletion_of_its_parent();
+    void a_box_is_in_the_journal();
+    void markup_in_a_message_stays_what_it_is();
+
+    void the_waiting_dialog_returns_at_once_and_is_painted();
+    void the_waiting_dialog_blocks_the_other_windows();
+    void escape_does_not_close_the_waiting_dialog();
+    void a_key_does_not_press_cancel();
+    void the_cancel_button_tells();
+    void a_long_text_makes_the_waiting_dialog_higher();
+    void the_waiting_dialog_comes_back_after_its_parent_was_deleted();
+};
+
+void TstDialogs::a_dialog_is_dragged_by_its_title_bar()
+{
+    FramelessDialog dialog;
+    dialog.resize(400, 300);
+    dialog.move(50, 60);
+    dialog.show();
+    auto *titleBar = dialog.findChild<QWidget *>(QStringLiteral("TitleBar"));
+    QVERIFY(titleBar);
+    const QPoint before = dialog.pos();
+    QTest::mousePress(titleBar, Qt::LeftButton, Qt::NoModifier, QPoint(100, 20));
+    QMouseEvent drag(QEvent::MouseMove, QPoint(130, 60), titleBar->mapToGlobal(QPoint(130, 60)), Qt::LeftButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(titleBar, &drag);
+    QCOMPARE(dialog.pos(), before + QPoint(30, 40));
+    QTest::mouseRelease(titleBar, Qt::LeftButton, Qt::NoModifier, QPoint(100, 20));
+    QMouseEvent hover(QEvent::MouseMove, QPoint(5, 5), titleBar->mapToGlobal(QPoint(5, 5)), Qt::NoButton, Qt::NoButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(titleBar, &hover);
+    QCOMPARE(dialog.pos(), before + QPoint(30, 40));
+}
+
+void TstDialogs::the_right_button_does_not_drag()
+{
+    FramelessDialog dialog;
+    dialog.move(50, 60);
+    dialog.show();
+    auto *titleBar = dialog.findChild<QWidget *>(QStringLiteral("TitleBar"));
+    const QPoint before = dialog.pos();
+    QTest::mousePress(titleBar, Qt::RightButton, Qt::NoModifier, QPoint(10, 10));
+    QMouseEvent drag(QEvent::MouseMove, QPoint(40, 40), titleBar->mapToGlobal(QPoint(40, 40)), Qt::RightButton,
+                     Qt::RightButton, Qt::NoModifier);
+    QApplication::sendEvent(titleBar, &drag);
+    QCOMPARE(dialog.pos(), before);
+}
+
+void TstDialogs::the_title_bar_shows_the_window_title()
+{
+    FramelessDialog dialog;
+    dialog.setWindowTitle(QStringLiteral("A <b>title</b>"));
+    QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("TitleBarText"))->text(), QStringLiteral("A <b>title</b>"));
+    QVERIFY(dialog.windowFlags().testFlag(Qt::FramelessWindowHint));
+}
+
+void TstDialogs::escape_and_the_close_button_reject()
+{
+    FramelessDialog dialog;
+    whenADialogOpens([](QWidget *box) { QTest::keyClick(box, Qt::Key_Escape); });
+    QCOMPARE(dialog.exec(), int(QDialog::Rejected));
+    whenADialogOpens([](QWidget *box) {
+        QTest::mouseClick(box->findChild<QToolButton *>(QStringLiteral("TitleBarCloseButton")), Qt::LeftButton);
+    });
+    QCOMPARE(dialog.exec(), int(QDialog::Rejected));
+}
+
+void TstDialogs::the_bottom_bar_accepts_and_rejects()
+{
+    FramelessDialog dialog;
+    whenADialogOpens([](QWidget *box) {
+        QTest::mouseClick(box->findChild<QPushButton *>(QStringLiteral("FramelessDialogOk")), Qt::LeftButton);
+    });
+    QCOMPARE(dialog.exec(), int(QDialog::Accepted));
+    whenADialogOpens([](QWidget *box) {
+        QTest::mouseClick(box->findChild<QPushButton *>(QStringLiteral("FramelessDialogCancel")), Qt::LeftButton);
+    });
+    QCOMPARE(dialog.exec(), int(QDialog::Rejected));
+}
+
+void TstDialogs::a_hidden_bottom_bar_has_no_default_button()
+{
+    FramelessDialog dialog;
+    dialog.setBottomBarVisible(false);
+    auto *apply = new QPushButton(QStringLiteral("Apply"));
+    auto *layout = new QVBoxLayout;
+    layout->addWidget(apply);
+    dialog.setLayout(layout);
+    QSignalSpy pressed(apply, &QPushButton::clicked);
+    dialog.show();
+    QVERIFY(!dialog.findChild<QPushButton *>(QStringLiteral("FramelessDialogOk"))->isVisible());
+    QTest::keyClick(&dialog, Qt::Key_Return);
+    QCOMPARE(pressed.count(), 1);
+    QVERIFY(dialog.isVisible());
+}
+
+void TstDialogs::the_layout_goes_between_the_bars()
+{
+    FramelessDialog dialog;
+    dialog.setFixedSize(400, 300);
+    auto *content = new QLabel(QStringLiteral("content"));
+    auto *layout = new QVBoxLayout;
+    layout->addWidget(content);
+    dialog.setLayout(layout);
+    dialog.show();
+    auto *titleBar = dialog.findChild<QWidget *>(QStringLiteral("TitleBar"));
+    auto *bottomBar = dialog.findChild<QWidget *>(QStringLiteral("FramelessDialogBottomBar"));
+    const int top = content->mapTo(&dialog, QPoint(0, 0)).y();
+    QVERIFY(top >= titleBar->mapTo(&dialog, QPoint(0, titleBar->height())).y());
+    QVERIFY(top + content->height() <= bottomBar->mapTo(&dialog, QPoint(0, 0)).y());
+}
+
+void TstDialogs::a_box_closed_without_a_button_answers_the_harmless_one_data()
+{
+    QTest::addColumn<int>("buttons");
+    QTest::addColumn<int>("answer");
+    using B = QMessageBox;
+    QTest::newRow("OK") << int(B::Ok) << int(B::Ok);
+    QTest::newRow("Yes, No") << int(B::Yes | B::No) << int(B::No);
+    QTest::newRow("OK, Cancel") << int(B::Ok | B::Cancel) << int(B::Cancel);
+    QTest::newRow("Yes, No, Cancel") << int(B::Yes | B::No | B::Cancel) << int(B::Cancel);
+    QTest::newRow("Yes, OK") << int(B::Yes | B::Ok) << int(B::NoButton);
+}
+
+void TstDialogs::a_box_closed_without_a_button_answers_the_harmless_one()
+{
+    QFETCH(int, buttons);
+    QFETCH(int, answer);
+    const QMessageBox::StandardButtons offered(buttons);
+    const QString title = QStringLiteral("Remind");
+    whenADialogOpens([](QWidget *box) { QTest::keyClick(box, Qt::Key_Escape); });
+    QCOMPARE(int(FramelessMessageBox::question(nullptr, title, title, offered)), answer);
+    whenADialogOpens([](QWidget *box) { box->close(); });
+    QCOMPARE(int(FramelessMessageBox::warning(nullptr, title, title, offered)), answer);
+}
+
+void TstDialogs::a_pressed_button_is_the_answer()
+{
+    const QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    for (const QMessageBox::StandardButton wanted : {QMessageBox::Yes, QMessageBox::No, QMessageBox::Cancel}) {
+        whenADialogOpens([wanted](QWidget *box) {
+            QTest::mouseClick(qobject_cast<FramelessMessageBox *>(box)->button(wanted), Qt::LeftButton);
+        });
+        QCOMPARE(FramelessMessageBox::question(nullptr, QStringLiteral("t"), QStringLiteral("x"), buttons), wanted);
+    }
+}
+
+void TstDialogs::return_answers_like_escape_unless_told_otherwise()
+{
+    const QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No;
+    const QString text = QStringLiteral("x");
+    whenADialogOpens([](QWidget *box) { QTest::keyClick(box, Qt::Key_Return); });
+    QCOMPARE(FramelessMessageBox::question(nullptr, text, text, buttons), QMessageBox::No);
+    whenADialogOpens([](QWidget *box) { QTest::keyClick(box, Qt::Key_Return); });
+    QCOMPARE(FramelessMessageBox::question(nullptr, text, text, buttons, QMessageBox::Yes), QMessageBox::Yes);
+}
+
+void TstDialogs::a_box_survives_the_deletion_of_its_parent()
+{
+    auto *parent = new QWidget;
+    whenADialogOpens([parent](QWidget *) { delete parent; });
+    QCOMPARE(FramelessMessageBox::question(parent, QStringLiteral("t"), QStringLiteral("x"),
+                                           QMessageBox::Yes | QMessageBox::No),
+             QMessageBox::No);
+}
+
+void TstDialogs::a_box_is_in_the_journal()
+{
+    Simulation::Journal::instance()->clear();
+    whenADialogOpens([](QWidget *box) { box->close(); });
+    FramelessMessageBox::warning(nullptr, QStringLiteral("Remind"), QStringLiteral("No disk"));
+    const auto entries = Simulation::Journal::instance()->entries(QStringLiteral("FramelessMessageBox.warning"));
+    QCOMPARE(entries.size(), 1);
+    QCOMPARE(entries.first().arguments.value(QStringLiteral("title")).toString(), QStringLiteral("Remind"));
+    QCOMPARE(entries.first().arguments.value(QStringLiteral("text")).toString(), QStringLiteral("No disk"));
+    QCOMPARE(entries.first().arguments.value(QStringLiteral("buttons")).toInt(), int(QMessageBox::Ok));
+}
+
+void TstDialogs::markup_in_a_message_stays_what_it_is()
+{
+    const QString text = QStringLiteral("<b>name</b>");
+    QString shown;
+    whenADialogOpens([&shown](QWidget *box) {
+        const auto *label = box->findChild<QLabel *>(QStringLiteral("FramelessMessageBoxText"));
+        shown = label->textFormat() == Qt::PlainText ? label->text() : QString();
+        box->close();
+    });
+    FramelessMessageBox::information(nullptr, QStringLiteral("t"), text);
+    QCOMPARE(shown, text);
+}
+
+void TstDialogs::the_waiting_dialog_returns_at_once_and_is_painted()
+{
+    /// Counts how often it is asked to paint.
+    class PaintCounter : public QObject
+    {
+    public:
+        int count = 0;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            count += event->type() == QEvent::Paint;
+            return false;
+        }
+    } counter;
+    WaitingDialog *dialog = WaitingDialog::instance();
+    auto *label = dialog->findChild<QLabel *>(QStringLiteral("WaitingDialogText"));
+    label->installEventFilter(&counter);
+
+    dialog->showWaitingDialog(QStringLiteral("Please wait"), WaitingDialog::LevelNormal);
+    QVERIFY(dialog->isVisible());
+    QCOMPARE(dialog->text(), QStringLiteral("Please wait"));
+    QVERIFY(counter.count > 0);
+    const int paintedBefore = counter.count;
+    dialog->showWaitingDialog(QStringLiteral("Almost done"), WaitingDialog::LevelNormal);
+    QVERIFY(counter.count > paintedBefore);
+    dialog->hideWaitingDialog();
+    QVERIFY(!dialog->isVisible());
+}
+
+void TstDialogs::the_waiting_dialog_blocks_the_other_windows()
+{
+    QPushButton other;
+    other.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    WaitingDialog *dialog = WaitingDialog::instance();
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QCOMPARE(QApplication::activeModalWidget(), dialog);
+    QSignalSpy clicked(&other, &QPushButton::clicked);
+    QTest::mouseClick(other.windowHandle(), Qt::LeftButton, Qt::NoModifier, other.rect().center());
+    QCOMPARE(clicked.count(), 0);
+    dialog->hideWaitingDialog();
+    QTest::mouseClick(other.windowHandle(), Qt::LeftButton, Qt::NoModifier, other.rect().center());
+    QCOMPARE(clicked.count(), 1);
+}
+
+void TstDialogs::escape_does_not_close_the_waiting_dialog()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QVERIFY(dialog->isVisible());
+    QVERIFY(!dialog->close());
+    QVERIFY(dialog->isVisible());
+    QCOMPARE(cancelled.count(), 0);
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::a_key_does_not_press_cancel()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        QWidget *focus = dialog->focusWidget();
+        QTest::keyClick(focus ? focus : dialog, key);
+    }
+    QCOMPARE(cancelled.count(), 0);
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::the_cancel_button_tells()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    auto *button = dialog->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel"));
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    dialog->setButtonText(QStringLiteral("Stop"));
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QVERIFY(button->isVisible());
+    QCOMPARE(button->text(), QStringLiteral("Stop"));
+    QTest::mouseClick(button, Qt::LeftButton);
+    QCOMPARE(cancelled.count(), 1);
+    QVERIFY(dialog->isVisible());
+    dialog->hideWaitingDialog();
+
+    dialog->setCanelVisible(false);
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QVERIFY(!dialog->isCanelVisible());
+    QVERIFY(!button->isVisible());
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::a_long_text_makes_the_waiting_dialog_higher()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    auto *label = dialog->findChild<QLabel *>(QStringLiteral("WaitingDialogText"));
+    dialog->showWaitingDialog(QStringLiteral("short"), 0);
+    const QSize shortSize = dialog->size();
+    dialog->showWaitingDialog(QStringLiteral("a text of many words ").repeated(20), 0);
+    QCOMPARE(dialog->width(), shortSize.width());
+    QVERIFY(dialog->height() > shortSize.height());
+    QVERIFY(label->height() >= label->heightForWidth(label->width()));
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::the_waiting_dialog_comes_back_after_its_parent_was_deleted()
+{
+    const QPointer<WaitingDialog> orphan = WaitingDialog::instance();
+    QCOMPARE(WaitingDialog::instance(nullptr, 0), orphan.data());
+    auto *parent = new QWidget;
+    orphan->setParent(parent, orphan->windowFlags());
+    delete parent;
+    QVERIFY(!orphan);
+    WaitingDialog *next = WaitingDialog::instance();
+    next->showWaitingDialog(QStringLiteral("x"), 0);
+    QVERIFY(next->isVisible());
+    next->hideWaitingDialog();
+}
+
+TEST_MAIN(TstDialogs)
+#include "tst_dialogs.moc"

@@ -1,0 +1,155 @@
+#include <core/hostsettings.h>
+#include <core/icore.h>
+#include <core/icorvelplugin.h>
+#include <core/language.h>
+#include <navigationbar/inavigationbarmode.h>
+#include <navigationbar/navigationbarmodemanager.h>
+#include <widgets/icenterwidget.h>
+
+#include <support/testmain.h>
+
+#include <QSignalSpy>
+
+namespace {
+
+/// A plugin with texts in zh_CN alone.
+class Plugin : public Core::ICorvelPlugin
+{
+public:
+    bool initialize(const QStringList &, QString *) override { return true; }
+    void extensionsInitialized() override {}
+    bool installTranslator(const QString &language) override
+    {
+        asked.append(language);
+        return language == QLatin1String("zh_CN");
+    }
+
+    QStringList asked;
+};
+
+class Mode : public NavigationBar::INavigationBarMode
+{
+public:
+    explicit Mode(const Plugin &plugin)
+        : m_plugin(plugin)
+    {
+        setId("Mode");
+    }
+    void retranslateUi() override { pluginsReady.append(!m_plugin.asked.isEmpty()); }
+    QWidget *toolBar() const override { return nullptr; }
+
+    QVector<bool> pluginsReady;
+
+private:
+    const Plugin &m_plugin;
+};
+
+class Page : public Corvel::Widgets::ICenterWidget
+{
+public:
+    Page()
+        : ICenterWidget("Page")
+    {
+    }
+    void retranslateUi() override { title = QCoreApplication::translate("Core::DeviceCard", "Offline"); }
+
+    QString title;
+};
+
+} // namespace
+
+class TstLanguage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void the_host_changes_its_language_while_it_runs();
+    void plugins_are_asked_before_the_modes_are();
+    void the_language_that_is_in_force_changes_nothing();
+    void a_plugin_without_texts_is_named();
+    void settings_can_be_read_from_any_thread();
+};
+
+void TstLanguage::init()
+{
+    Core::HostSettings settings;
+    settings.trPath = QStringLiteral(HOST_TRANSLATION_DIRECTORY);
+    Core::applySettings(settings);
+}
+
+void TstLanguage::cleanup()
+{
+    Core::switchLanguage(QStringLiteral("en"));
+}
+
+void TstLanguage::the_host_changes_its_language_while_it_runs()
+{
+    Page page;
+    QSignalSpy changed(Core::ICore::instance(), &Core::ICore::languageChanged);
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    QCOMPARE(Core::ICore::overrideLanguage(), QStringLiteral("zh_CN"));
+    QTRY_COMPARE(page.title, QStringLiteral("离线"));
+    Core::switchLanguage(QStringLiteral("en"));
+    QTRY_COMPARE(page.title, QStringLiteral("Offline"));
+    QCOMPARE(changed.count(), 2);
+}
+
+void TstLanguage::plugins_are_asked_before_the_modes_are()
+{
+    Plugin plugin;
+    plugin.addObject(&plugin);
+    NavigationBar::NavigationBarModeManager manager;
+    Mode mode(plugin);
+    manager.addMode(&mode);
+    QSignalSpy modesChanged(&manager, &NavigationBar::NavigationBarModeManager::modesChanged);
+
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    plugin.removeObject(&plugin);
+    QCOMPARE(plugin.asked, QStringList({QStringLiteral("zh_CN")}));
+    QCOMPARE(mode.pluginsReady, QVector<bool>({true}));
+    QCOMPARE(modesChanged.count(), 1);
+}
+
+void TstLanguage::the_language_that_is_in_force_changes_nothing()
+{
+    Plugin plugin;
+    plugin.addObject(&plugin);
+    Core::switchLanguage(QStringLiteral("en"));
+    plugin.removeObject(&plugin);
+    QCOMPARE(plugin.asked, QStringList());
+}
+
+void TstLanguage::a_plugin_without_texts_is_named()
+{
+    TestSupport::ExpectMessage host(QtWarningMsg, QRegularExpression(QStringLiteral("no texts of the host in \"fr\"")), 1);
+    TestSupport::ExpectMessage warning(QtWarningMsg, QRegularExpression(QStringLiteral("\"Mute\" has no texts in \"fr\"")), 1);
+    Plugin plugin;
+    plugin.setObjectName(QStringLiteral("Mute"));
+    plugin.addObject(&plugin);
+    Core::switchLanguage(QStringLiteral("fr"));
+    // The texts in the sources are English: a plugin needs none for it.
+    Core::switchLanguage(QStringLiteral("en"));
+    plugin.removeObject(&plugin);
+    QCOMPARE(plugin.asked, QStringList({QStringLiteral("fr"), QStringLiteral("en")}));
+}
+
+void TstLanguage::settings_can_be_read_from_any_thread()
+{
+    Core::HostSettings settings;
+    settings.deviceConfigFilePath = QStringLiteral("/devices");
+    settings.extractJsonPath = QStringLiteral("/extracted");
+    Core::applySettings(settings);
+    QStringList read;
+    std::unique_ptr<QThread> thread(QThread::create([&read]() {
+        read = QStringList({Core::ICore::deviceConfigFilePath(), Core::ICore::ExtractJsonPath()});
+    }));
+    thread->start();
+    thread->wait();
+    QCOMPARE(read, QStringList({QStringLiteral("/devices"), QStringLiteral("/extracted")}));
+}
+
+TEST_MAIN(TstLanguage)
+#include "tst_language.moc"

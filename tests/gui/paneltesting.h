@@ -1,0 +1,186 @@
+#pragma once
+
+#include <engineerdocoperwidget.h>
+
+#include <core/hostsettings.h>
+#include <simulation/session/session.h>
+#include <support/packagebuilder.h>
+
+#include <QComboBox>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSemaphore>
+#include <QStandardPaths>
+#include <QTableWidget>
+#include <QThreadPool>
+#include <QToolButton>
+#include <QtConcurrentRun>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+/// What the tests of the panel share: project files, a site, the panel's parts as its user finds them, and ways
+/// to wait for scans, to hold them back and to look at their end.
+namespace PanelTesting {
+
+using ProjectFileCfg::Internal::EngineerDocOperWidget;
+
+/// Written out here, so that the product's own idea of it is tested too.
+inline QString projectFilesPath()
+{
+    return QStandardPaths::standardLocations(QStandardPaths::DocumentsLocation).value(0) +
+           QStringLiteral("/Velmora/Tarvo/ProjectFiles/");
+}
+
+inline QString projectFile(const QString &name)
+{
+    return projectFilesPath() + name + QStringLiteral(".corvelpro");
+}
+
+/// The directory as a first start finds it, or an empty one.
+inline bool removeProjectFilesDirectory()
+{
+    return QDir(projectFilesPath()).removeRecursively();
+}
+inline bool clearProjectFilesDirectory()
+{
+    return removeProjectFilesDirectory() && QDir().mkpath(projectFilesPath());
+}
+
+/// The file at `path` becomes that many minutes old.
+inline bool makeOld(const QString &path, int minutes)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) &&
+           file.setFileTime(QDateTime::currentDateTime().addSecs(-60 * minutes), QFileDevice::FileModificationTime);
+}
+
+/// A valid package in the file at `path`, which is complete when it appears there.
+inline bool writePackage(const QString &path, const QString &comment, int minutesOld = 0)
+{
+    const QString aside = QDir::homePath() + QStringLiteral("/aside.zip");
+    TestSupport::PackageBuilder package;
+    package.file("device.json", "{}").record(QStringLiteral("a name that nobody sees"), comment);
+    QFile::remove(path);
+    return package.write(aside) && makeOld(aside, minutesOld) && QFile::rename(aside, path);
+}
+
+/// The site "small" with its host around it, changed before it comes up where a test needs that.
+class RunningSite
+{
+public:
+    explicit RunningSite(const std::function<void(Simulation::Site &)> &change = {})
+    {
+        QString error;
+        std::optional<Simulation::Site> site =
+            Simulation::Site::fromFile(Simulation::builtInSite(QStringLiteral("small")), error);
+        if (!site)
+            qFatal("No site: %s", qPrintable(error));
+        if (change)
+            change(*site);
+        Core::HostSettings settings = Core::hostSettings();
+        settings.deviceConfigFilePath = QDir::homePath() + QStringLiteral("/devices");
+        settings.extractJsonPath = QDir::homePath() + QStringLiteral("/extracted");
+        Core::applySettings(settings);
+        m_session = std::make_unique<Simulation::Session>(*site, settings.deviceConfigFilePath);
+    }
+
+    Simulation::Session *operator->() const { return m_session.get(); }
+
+private:
+    std::unique_ptr<Simulation::Session> m_session;
+};
+
+/// Waits until all work of the thread pool has ended and the user-interface thread knows of it.
+inline void settle()
+{
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+}
+
+/// While it lives, everything that is given to the thread pool waits.
+class HeldThreadPool
+{
+public:
+    HeldThreadPool()
+        : m_threads(QThreadPool::globalInstance()->maxThreadCount())
+    {
+        QThreadPool::globalInstance()->waitForDone();
+        QThreadPool::globalInstance()->setMaxThreadCount(1);
+        QtConcurrent::run([this] { m_end.acquire(); });
+    }
+    ~HeldThreadPool()
+    {
+        m_end.release();
+        QThreadPool::globalInstance()->waitForDone();
+        QThreadPool::globalInstance()->setMaxThreadCount(m_threads);
+    }
+    Q_DISABLE_COPY(HeldThreadPool)
+
+private:
+    const int m_threads;
+    QSemaphore m_end;
+};
+
+/// The panel and its parts, found where the user finds them.
+class Panel
+{
+public:
+    explicit Panel(QWidget *parent = nullptr)
+        : widget(std::make_unique<EngineerDocOperWidget>(parent))
+    {}
+
+    EngineerDocOperWidget *operator->() const { return widget.get(); }
+
+    QLayoutItem *item(int index) const { return widget->layout()->itemAt(index); }
+    QHBoxLayout *row(int index) const { return qobject_cast<QHBoxLayout *>(item(index)->layout()); }
+    template<typename T>
+    T *inRow(int rowIndex, int index) const
+    {
+        return qobject_cast<T *>(row(rowIndex)->itemAt(index)->widget());
+    }
+
+    QLabel *deviceLabel() const { return inRow<QLabel>(1, 1); }
+    QComboBox *deviceCombo() const { return inRow<QComboBox>(1, 2); }
+    QPushButton *saveProject() const { return inRow<QPushButton>(3, 1); }
+    QPushButton *allSaveAs() const { return inRow<QPushButton>(3, 3); }
+    QPushButton *allDelete() const { return inRow<QPushButton>(3, 4); }
+    QTableWidget *table() const { return inRow<QTableWidget>(4, 1); }
+    QFrame *separator() const { return qobject_cast<QFrame *>(item(5)->widget()); }
+    QPushButton *importProject() const { return inRow<QPushButton>(7, 1); }
+    QPushButton *applyOthers() const { return inRow<QPushButton>(7, 2); }
+
+    QStringList names() const { return column(0); }
+    QStringList comments() const { return column(1); }
+    QList<QToolButton *> rowButtons(int tableRow) const
+    {
+        return table()->cellWidget(tableRow, 2)->findChildren<QToolButton *>();
+    }
+
+    /// Starts a scan, as every operation that changes the directory does, and waits for its end.
+    void rescan() const
+    {
+        QMetaObject::invokeMethod(widget.get(), "slot_projectFilesChanged");
+        settle();
+    }
+
+    std::unique_ptr<EngineerDocOperWidget> widget;
+
+private:
+    QStringList column(int index) const
+    {
+        QStringList texts;
+        for (int tableRow = 0; tableRow < table()->rowCount(); ++tableRow)
+            texts.append(table()->item(tableRow, index)->text());
+        return texts;
+    }
+};
+
+} // namespace PanelTesting

@@ -1,0 +1,557 @@
+#include "paneltesting.h"
+#include "translatedtexts.h"
+
+#include <support/answerbook.h>
+#include <support/journalmatchers.h>
+#include <support/testmain.h>
+
+#include <model/deviceeditor.h>
+#include <model/objectbrige.h>
+#include <simulation/faults.h>
+#include <simulation/journal.h>
+#include <widgets/waitingdialog.h>
+
+#include <QStorageInfo>
+
+using namespace PanelTesting;
+using namespace TestSupport;
+using Corvel::Widgets::WaitingDialog;
+using Simulation::Fault;
+using Simulation::Faults;
+using Simulation::Journal;
+
+namespace {
+
+const QString mainHall = QStringLiteral("192.168.1.11");
+const QString sideStage = QStringLiteral("192.168.1.12");
+const QString foyer = QStringLiteral("192.168.1.20");
+const QString touringRack = QStringLiteral("192.168.1.30");   // offline
+const QString boothSwitcher = QStringLiteral("192.168.1.40"); // without support for project files
+
+const QString updateOnlineDevice = QStringLiteral("OperationAdapter.updateOnlineDevice");
+const QString updateDeviceInfo = QStringLiteral("DeviceControler.updateDeviceInfo");
+
+void activate(const std::shared_ptr<Model::Device> &device)
+{
+    Model::object_brige::instance()->setActiveDevice(device);
+}
+
+/// A site where no device is active.
+RunningSite siteWithoutActiveDevice()
+{
+    return RunningSite([](Simulation::Site &site) { site.activeDevice.clear(); });
+}
+
+void changeDevice(const std::shared_ptr<Model::Device> &device, const std::function<void(Model::DeviceData &)> &change)
+{
+    Model::DeviceEditor editor(*device);
+    Model::DeviceData data = editor.data();
+    change(data);
+    editor.replace(data);
+}
+
+QStringList markList(const QComboBox *combo, int index)
+{
+    return combo->itemData(index, Qt::UserRole + 1).toStringList();
+}
+
+QStringList markedAddresses(const QComboBox *combo)
+{
+    QStringList addresses;
+    for (int i = 0; i < combo->count(); ++i)
+        addresses.append(markList(combo, i).value(3));
+    return addresses;
+}
+
+QString selectedAddress(const Panel &panel)
+{
+    return markedAddresses(panel.deviceCombo()).value(panel.deviceCombo()->currentIndex());
+}
+
+void select(const Panel &panel, const QString &ip)
+{
+    panel.deviceCombo()->setCurrentIndex(markedAddresses(panel.deviceCombo()).indexOf(ip));
+}
+
+/// Hiding and showing the panel is how its user gets to see a changed list of devices.
+void showAgain(const Panel &panel)
+{
+    panel->hide();
+    panel->show();
+}
+
+/// The address of the device on which the panel's commands work, as they tell: "Save Project" makes that device the
+/// active one before it asks for a name, or asks for a device when there is none.
+QString boundAddress(const Panel &panel, const RunningSite &site)
+{
+    if (!Model::object_brige::instance()->activeDevice())
+        activate(site->device(boothSwitcher));
+    AnswerBook book;
+    book.expectDialog(QStringLiteral("QDialog"), [](QDialog *dialog) { dialog->reject(); });
+    click(panel.saveProject());
+    if (book.seen().isEmpty())
+        return QStringLiteral("no dialog came");
+    if (book.seen().first().className.contains(QStringLiteral("FramelessMessageBox"))) {
+        const QString text = book.seen().first().text;
+        return text == QStringLiteral("Please select a device.") ? QString() : text;
+    }
+    return Model::object_brige::instance()->activeDevice()->getIPAddress();
+}
+
+/// What the waiting dialog showed while a host operation ran.
+struct SeenWhileRunning
+{
+    bool visible = false;
+    QString text;
+    bool onMainThread = false;
+
+    Fault look()
+    {
+        return Fault::run([this] {
+            onMainThread = QThread::currentThread() == qApp->thread();
+            visible = WaitingDialog::instance()->isVisible();
+            text = WaitingDialog::instance()->text();
+        });
+    }
+};
+
+} // namespace
+
+class TstDeviceBinding : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void selector_lists_devices_with_support_in_the_host_s_order();
+    void entries_carry_tool_tip_and_mark_list();
+    void long_texts_are_elided_in_the_middle_to_260_pixels();
+    void the_active_device_is_selected();
+    void the_active_device_wins_over_the_selection();
+    void without_an_active_device_the_selection_is_found_by_its_address();
+    void a_selection_that_left_the_list_leaves_no_device_and_the_old_text_is_asked_for();
+    void an_active_device_without_support_is_bound_but_not_offered();
+    void showing_the_panel_refills_the_selector();
+    void refilling_never_counts_as_a_choice();
+    void without_a_device_list_the_selector_stays_empty_and_unconnected();
+
+    void choosing_a_device_binds_it();
+    void an_entry_without_marks_changes_nothing();
+    void an_entry_with_wrong_marks_unbinds_the_device();
+
+    void bytes_are_whole_mebibytes_rounded_down_data();
+    void bytes_are_whole_mebibytes_rounded_down();
+    void free_space_is_that_of_the_volume();
+    void a_path_without_a_volume_has_no_space();
+    void estimate_is_used_bytes_rounded_down_plus_ten_mebibytes();
+    void an_empty_device_fits();
+
+    void an_online_device_is_synchronised_behind_the_waiting_dialog();
+    void a_failed_synchronisation_ends_the_save_and_the_waiting_dialog();
+    void an_offline_device_is_not_synchronised();
+    void the_factory_state_is_restored_behind_the_waiting_dialog();
+};
+
+void TstDeviceBinding::init()
+{
+    WarningGuard::clear();
+    QVERIFY(clearProjectFilesDirectory());
+}
+
+void TstDeviceBinding::selector_lists_devices_with_support_in_the_host_s_order()
+{
+    const RunningSite site;
+    const Panel panel;
+    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, sideStage, foyer, touringRack}));
+    QVERIFY(!site->device(boothSwitcher)->deviceConfig().supportProjectFile);
+}
+
+void TstDeviceBinding::entries_carry_tool_tip_and_mark_list()
+{
+    const RunningSite site;
+    const Panel panel;
+    const QComboBox *combo = panel.deviceCombo();
+    for (int i = 0; i < combo->count(); ++i) {
+        const std::shared_ptr<Model::Device> device = site->device(markedAddresses(combo).at(i));
+        QCOMPARE(combo->itemData(i, Qt::ToolTipRole).toString(), device->getDeviceInfo());
+        QCOMPARE(markList(combo, i), QStringList({device->getDeviceInfo(), device->getTypeString(), device->getName(),
+                                                  device->getIPAddress()}));
+    }
+}
+
+void TstDeviceBinding::long_texts_are_elided_in_the_middle_to_260_pixels()
+{
+    const RunningSite site;
+    const std::shared_ptr<Model::Device> device = site->device(mainHall);
+    changeDevice(device, [](Model::DeviceData &data) {
+        data.name = QStringLiteral("The big hall on the ground floor, behind the foyer, left of the stairs");
+    });
+    const Panel panel;
+    const QComboBox *combo = panel.deviceCombo();
+    const QString info = device->getDeviceInfo();
+    const QString text = combo->itemText(0);
+    QCOMPARE(text, combo->fontMetrics().elidedText(info, Qt::ElideMiddle, 260));
+    QVERIFY(text.length() < info.length());
+    QVERIFY(info.startsWith(text.left(8)));
+    QVERIFY(info.endsWith(text.right(8)));
+    QVERIFY(combo->fontMetrics().horizontalAdvance(text) <= 260);
+    QCOMPARE(combo->itemData(0, Qt::ToolTipRole).toString(), info);
+    QCOMPARE(markList(combo, 0).at(0), info);
+    QCOMPARE(combo->currentIndex(), 0);
+}
+
+void TstDeviceBinding::the_active_device_is_selected()
+{
+    const RunningSite site;
+    activate(site->device(foyer));
+    const Panel panel;
+    QCOMPARE(selectedAddress(panel), foyer);
+    panel->show();
+    QCOMPARE(boundAddress(panel, site), foyer);
+}
+
+void TstDeviceBinding::the_active_device_wins_over_the_selection()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    select(panel, foyer);
+    activate(site->device(sideStage));
+    showAgain(panel);
+    QCOMPARE(selectedAddress(panel), sideStage);
+    QCOMPARE(boundAddress(panel, site), sideStage);
+}
+
+void TstDeviceBinding::without_an_active_device_the_selection_is_found_by_its_address()
+{
+    const RunningSite site = siteWithoutActiveDevice();
+    const Panel panel;
+    panel->show();
+    select(panel, foyer);
+    changeDevice(site->device(foyer), [](Model::DeviceData &data) { data.name = QStringLiteral("Renamed"); });
+    showAgain(panel);
+    QCOMPARE(selectedAddress(panel), foyer);
+    QCOMPARE(panel.deviceCombo()->currentData(Qt::ToolTipRole).toString(), site->device(foyer)->getDeviceInfo());
+    QCOMPARE(site->device(foyer)->getName(), QStringLiteral("Renamed"));
+    QCOMPARE(boundAddress(panel, site), foyer);
+}
+
+void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_old_text_is_asked_for()
+{
+    const RunningSite site = siteWithoutActiveDevice();
+    // Two devices whose texts are the same once they are elided, although their addresses differ.
+    const QString address = QString(40, QLatin1Char('4'));
+    const auto addressWith = [&address](QChar digit) { return QString(address).replace(20, 1, digit); };
+    const auto rename = [](const QString &ip) {
+        return [ip](Model::DeviceData &data) {
+            data.name = QStringLiteral("Twin");
+            data.ip = ip;
+        };
+    };
+    changeDevice(site->device(sideStage), [&](Model::DeviceData &data) {
+        data.typeString = QStringLiteral("T");
+        rename(addressWith(QLatin1Char('1')))(data);
+    });
+    changeDevice(site->device(foyer), [&](Model::DeviceData &data) {
+        data.typeString = QStringLiteral("T");
+        rename(addressWith(QLatin1Char('2')))(data);
+    });
+    const Panel panel;
+    panel->show();
+    QCOMPARE(panel.deviceCombo()->itemText(1), panel.deviceCombo()->itemText(2));
+    select(panel, addressWith(QLatin1Char('1')));
+    QCOMPARE(panel.deviceCombo()->currentIndex(), 1);
+
+    Model::DeviceList::instance()->removeDevice(addressWith(QLatin1Char('1')));
+    showAgain(panel);
+    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, addressWith(QLatin1Char('2')), touringRack}));
+    QCOMPARE(panel.deviceCombo()->currentIndex(), 1);
+    QCOMPARE(boundAddress(panel, site), QString());
+}
+
+void TstDeviceBinding::an_active_device_without_support_is_bound_but_not_offered()
+{
+    const RunningSite site;
+    activate(site->device(boothSwitcher));
+    const Panel panel;
+    panel->show();
+    QVERIFY(!markedAddresses(panel.deviceCombo()).contains(boothSwitcher));
+    QCOMPARE(boundAddress(panel, site), boothSwitcher);
+}
+
+void TstDeviceBinding::showing_the_panel_refills_the_selector()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    Model::DeviceList::instance()->removeDevice(sideStage);
+    QCOMPARE(panel.deviceCombo()->count(), 4);
+    showAgain(panel);
+    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, foyer, touringRack}));
+    QCOMPARE(selectedAddress(panel), mainHall);
+}
+
+void TstDeviceBinding::refilling_never_counts_as_a_choice()
+{
+    // A choice gives the selector a tool tip.
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    activate(site->device(touringRack));
+    showAgain(panel);
+    panel->retranslateUi();
+    QCOMPARE(selectedAddress(panel), touringRack);
+    QCOMPARE(panel.deviceCombo()->toolTip(), QString());
+
+    select(panel, sideStage);
+    QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
+    showAgain(panel);
+    QCOMPARE(selectedAddress(panel), touringRack);
+    QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
+}
+
+void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconnected()
+{
+    std::unique_ptr<Panel> panel;
+    {
+        const RunningSite site;
+        panel = std::make_unique<Panel>();
+        QCOMPARE(panel->deviceCombo()->count(), 4);
+    }
+    QVERIFY(!Model::DeviceList::instance());
+    const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("DeviceList::instance() is nullptr!!!"), 1);
+    panel->widget->show();
+    QCOMPARE(panel->deviceCombo()->count(), 0);
+    // Were it connected, the panel would complain about an entry without marks.
+    panel->deviceCombo()->addItem(QStringLiteral("x"));
+    QCOMPARE(panel->deviceCombo()->currentText(), QStringLiteral("x"));
+}
+
+void TstDeviceBinding::choosing_a_device_binds_it()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    for (const QString &ip : {touringRack, sideStage, mainHall, foyer}) {
+        select(panel, ip);
+        QCOMPARE(panel.deviceCombo()->toolTip(), site->device(ip)->getDeviceInfo());
+        QCOMPARE(boundAddress(panel, site), ip);
+    }
+}
+
+void TstDeviceBinding::an_entry_without_marks_changes_nothing()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    select(panel, sideStage);
+    panel.deviceCombo()->setItemData(2, QVariant(), Qt::UserRole + 1);
+    {
+        const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("parameter is empty!!!"), 1);
+        panel.deviceCombo()->setCurrentIndex(2);
+    }
+    QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
+
+    // The device that was chosen before stays: an apply still finds one.
+    QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
+    panel.rescan();
+    AnswerBook book;
+    book.expectQuestion(QStringLiteral("Remind"), QString(), QMessageBox::Cancel);
+    QVERIFY(click(panel.rowButtons(0).at(1)));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+}
+
+void TstDeviceBinding::an_entry_with_wrong_marks_unbinds_the_device()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    const QStringList tooMany{QStringLiteral("tip"), QStringLiteral("b"), QStringLiteral("c"), sideStage,
+                              QStringLiteral("e")};
+    for (const QStringList &marks : {QStringList(tooMany.mid(0, 3)), tooMany}) {
+        showAgain(panel);
+        QCOMPARE(boundAddress(panel, site), mainHall);
+        panel.deviceCombo()->setItemData(1, marks, Qt::UserRole + 1);
+        {
+            const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("device mark list count error."), 1);
+            panel.deviceCombo()->setCurrentIndex(1);
+        }
+        QCOMPARE(panel.deviceCombo()->toolTip(), QStringLiteral("tip"));
+        QCOMPARE(boundAddress(panel, site), QString());
+    }
+}
+
+void TstDeviceBinding::bytes_are_whole_mebibytes_rounded_down_data()
+{
+    QTest::addColumn<qint64>("bytes");
+    QTest::addColumn<quint64>("mebibytes");
+    QTest::newRow("500 MiB") << Q_INT64_C(524288000) << Q_UINT64_C(500);
+    QTest::newRow("just below 500") << Q_INT64_C(524287999) << Q_UINT64_C(499);
+    QTest::newRow("just below 1") << Q_INT64_C(1048575) << Q_UINT64_C(0);
+    QTest::newRow("1") << Q_INT64_C(1048576) << Q_UINT64_C(1);
+    QTest::newRow("nothing") << Q_INT64_C(0) << Q_UINT64_C(0);
+    QTest::newRow("unknown") << Q_INT64_C(-1) << Q_UINT64_C(0);
+    QTest::newRow("more than 32 bits") << (Q_INT64_C(1) << 60) << (Q_UINT64_C(1) << 40);
+}
+
+void TstDeviceBinding::bytes_are_whole_mebibytes_rounded_down()
+{
+    QFETCH(qint64, bytes);
+    QFETCH(quint64, mebibytes);
+    QCOMPARE(quint64(EngineerDocOperWidget::wholeMebibytes(bytes)), mebibytes);
+}
+
+void TstDeviceBinding::free_space_is_that_of_the_volume()
+{
+    // Others write to the volume too, so it is asked before and after.
+    const QStorageInfo volume(projectFilesPath());
+    const quint64 before = quint64(volume.bytesAvailable());
+    const quint64 size = EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath()) << 20;
+    const quint64 after = quint64(QStorageInfo(projectFilesPath()).bytesAvailable());
+    const quint64 slack = 1024 * 1024 * 1024;
+    QVERIFY(size + slack > qMin(before, after));
+    QVERIFY(size < qMax(before, after) + slack);
+    QCOMPARE(WarningGuard::texts(QtDebugMsg),
+             QStringList(QStringLiteral("QStorageInfo rootPath: \"%1\"").arg(volume.rootPath())));
+}
+
+void TstDeviceBinding::a_path_without_a_volume_has_no_space()
+{
+    QCOMPARE(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath() + QStringLiteral("missing/")), 0ULL);
+}
+
+void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    // No volume has that much room, so the panel says what it reckons with.
+    const quint64 mebibyte = 1024 * 1024;
+    const quint64 huge = Q_UINT64_C(1) << 60;
+    const QVector<std::tuple<quint64, quint64, quint64>> cases{
+        {huge, 0, (huge >> 20) + 10},
+        {0, huge, (huge >> 20) + 10},
+        {huge + mebibyte / 2, mebibyte / 2 - 1, (huge >> 20) + 10},
+        {huge + mebibyte / 2, mebibyte / 2, (huge >> 20) + 11}};
+    for (const auto &[logos, others, expected] : cases) {
+        site->hardware(mainHall)->fixCounters(logos, others);
+        Journal::instance()->clear();
+        const ExpectMessage complaint(
+            QtCriticalMsg,
+            QRegularExpression(QStringLiteral("^m_strDefaultPath: \"%1\"   project file size: %2   "
+                                              "available space size: \\d+$")
+                                   .arg(QRegularExpression::escape(projectFilesPath()), QString::number(expected))),
+            1);
+        AnswerBook book;
+        book.expectWarning(QStringLiteral("Warning"),
+                           QStringLiteral("Insufficient default path space to perform current operation"));
+        QVERIFY(click(panel.saveProject()));
+        QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+        for (const char *operation : {"DeviceControler.calLogoMaterailCapacity", "DeviceControler.usedCapacity"}) {
+            const QVector<Simulation::JournalEntry> calls =
+                Journal::instance()->entries(QString::fromLatin1(operation));
+            QCOMPARE(calls.count(), 1);
+            QCOMPARE(calls.first().arguments.value(QStringLiteral("ip")).toString(), mainHall);
+        }
+    }
+}
+
+void TstDeviceBinding::an_empty_device_fits()
+{
+    // Ten mebibytes are there; what they are made of is told by the refusals above.
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    site->hardware(mainHall)->fixCounters(0, 0);
+    QVERIFY(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath()) > 10);
+    QCOMPARE(boundAddress(panel, site), mainHall);
+}
+
+void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialog()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    Journal::instance()->clear();
+    SeenWhileRunning seen;
+    Faults::instance()->arm(updateOnlineDevice, seen.look());
+    QCOMPARE(boundAddress(panel, site), mainHall);
+
+    QVERIFY(seen.onMainThread);
+    QVERIFY(seen.visible);
+    QCOMPARE(seen.text, QStringLiteral("Sync device data , please wait."));
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    VERIFY_JOURNAL_ORDER({QStringLiteral("WaitingDialog.showWaitingDialog"), updateOnlineDevice,
+                          QStringLiteral("WaitingDialog.hideWaitingDialog")});
+    const QVariantMap arguments = Journal::instance()->entries(updateOnlineDevice).value(0).arguments;
+    QCOMPARE(arguments.value(QStringLiteral("ip")).toString(), mainHall);
+    QCOMPARE(arguments.value(QStringLiteral("sn")).toString(), site->device(mainHall)->getSN());
+
+    const TranslatedTexts chinese(QStringLiteral("zh_CN"));
+    Faults::instance()->arm(updateOnlineDevice, seen.look());
+    QCOMPARE(boundAddress(panel, site), mainHall);
+    QCOMPARE(seen.text, QStringLiteral("正在同步设备数据，请稍候。"));
+}
+
+void TstDeviceBinding::a_failed_synchronisation_ends_the_save_and_the_waiting_dialog()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    Faults::instance()->arm(updateOnlineDevice, Fault::fail());
+    AnswerBook book;
+    book.expectWarning(QStringLiteral("Warning"), QStringLiteral("Failed to get device information"));
+    QVERIFY(click(panel.saveProject()));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+}
+
+void TstDeviceBinding::an_offline_device_is_not_synchronised()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    select(panel, touringRack);
+    Journal::instance()->clear();
+    QCOMPARE(boundAddress(panel, site), touringRack);
+    VERIFY_JOURNAL({QStringLiteral("object_brige.setActiveDevice")});
+}
+
+void TstDeviceBinding::the_factory_state_is_restored_behind_the_waiting_dialog()
+{
+    const RunningSite site;
+    const Panel panel;
+    panel->show();
+    {
+        AnswerBook book;
+        book.expectDialog(QStringLiteral("EngineerPropertySettingWidget"),
+                          [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
+        QVERIFY(click(panel.saveProject()));
+        QTRY_COMPARE(panel.names(), QStringList(QStringLiteral("Project1")));
+        QTRY_VERIFY(!WaitingDialog::instance()->isVisible());
+        QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    }
+
+    SeenWhileRunning seen;
+    Faults::instance()->arm(updateDeviceInfo, seen.look());
+    Faults::instance()->arm(updateDeviceInfo, Fault::fail());
+    Journal::instance()->clear();
+    AnswerBook book;
+    book.expectQuestion(QStringLiteral("Remind"), QString(), QMessageBox::No);
+    book.expectWarning(QStringLiteral("Warning"), QStringLiteral(" Restore factory failed "));
+    QVERIFY(click(panel.rowButtons(0).at(1)));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+
+    QVERIFY(seen.onMainThread);
+    QVERIFY(seen.visible);
+    QCOMPARE(seen.text, QStringLiteral("Restore factory,please wait..."));
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    QCOMPARE(Journal::instance()->entries(updateDeviceInfo).count(), 1);
+    const QVariantMap arguments = Journal::instance()->entries(updateDeviceInfo).first().arguments;
+    QCOMPARE(arguments.value(QStringLiteral("ip")).toString(), mainHall);
+    QCOMPARE(arguments.value(QStringLiteral("reset")).toInt(), 3);
+}
+
+TEST_MAIN(TstDeviceBinding)
+#include "tst_devicebinding.moc"

@@ -1,0 +1,949 @@
+#include <gui/paneltesting.h>
+
+#include <support/answerbook.h>
+#include <support/customsite.h>
+#include <support/journalmatchers.h>
+#include <support/testmain.h>
+#include <zippackagehandle.h>
+
+#include <model/objectbrige.h>
+#include <simulation/faults.h>
+#include <simulation/journal.h>
+#include <widgets/waitingdialog.h>
+
+#include <QThread>
+
+using namespace PanelTesting;
+using namespace TestSupport;
+using Corvel::Widgets::WaitingDialog;
+using ProjectFileCfg::Internal::EngineerPacketInfo;
+using ProjectFileCfg::Internal::ZipPackageHandle;
+using Simulation::Fault;
+using Simulation::Faults;
+using Simulation::HardwareState;
+using Simulation::Journal;
+
+static const QString targetIp = QStringLiteral("10.0.0.11");
+static const QString secondIp = QStringLiteral("10.0.0.12");
+static const QString offlineIp = QStringLiteral("10.0.0.13");
+/// The device from which the packages come; the site does not have it.
+static const QString sourceIp = QStringLiteral("10.0.0.77");
+
+static const QString backupQuestion =
+    QStringLiteral("Whether the current configuration needs to be backed up before the project file is imported?");
+static const QString syncText = QStringLiteral("Sync device data , please wait.");
+static const QString syncWarning = QStringLiteral("Import project file failed, as sync device from hardware failed.");
+
+static const QString question = QStringLiteral("FramelessMessageBox.question");
+static const QString warningBox = QStringLiteral("FramelessMessageBox.warning");
+static const QString showWaiting = QStringLiteral("WaitingDialog.showWaitingDialog");
+static const QString hideWaiting = QStringLiteral("WaitingDialog.hideWaitingDialog");
+static const QString updateOnline = QStringLiteral("OperationAdapter.updateOnlineDevice");
+static const QString updateInfo = QStringLiteral("DeviceControler.updateDeviceInfo");
+static const QString channel = QStringLiteral("DeviceControler.setChannelExclusive");
+static const QString operatorType = QStringLiteral("ICore.setOperatorType");
+static const QString setActive = QStringLiteral("object_brige.setActiveDevice");
+static const QString clearScreens = QStringLiteral("object_brige.clearScreenList");
+static const QString activateScreen = QStringLiteral("object_brige.setActivedScreen");
+static const QString selectScreen = QStringLiteral("object_brige.appendSelectedScreen");
+static const QString canEnable = QStringLiteral("DeviceControler.canMVEEnable");
+static const QString createPicture = QStringLiteral("DeviceControler.createMaterailFromImage");
+static const QString copyModel = QStringLiteral("DeviceControler.copyModelToDevice");
+static const QString cancelTask = QStringLiteral("DeviceControler.cancelCurrentTask");
+static const QString queryPicture = QStringLiteral("MaterialControl.queryMaterailData");
+
+namespace {
+
+/// What the user-interface thread did, in order.
+QStringList mainThreadOperations()
+{
+    QStringList operations;
+    for (const Simulation::JournalEntry &entry : Journal::instance()->entries()) {
+        if (entry.onMainThread)
+            operations.append(entry.operation);
+    }
+    return operations;
+}
+
+QVariantList argumentsOf(const QString &operation, const char *argument)
+{
+    QVariantList values;
+    for (const Simulation::JournalEntry &entry : Journal::instance()->entries(operation))
+        values.append(entry.arguments.value(QLatin1String(argument)));
+    return values;
+}
+
+/// From the thread of a job.
+void onMainThread(const std::function<void()> &act)
+{
+    QMetaObject::invokeMethod(qApp, act, Qt::BlockingQueuedConnection);
+}
+
+void clickCancel()
+{
+    click(WaitingDialog::instance()->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel")));
+}
+
+PackageBuilder onlyDescription(const QByteArray &description)
+{
+    PackageBuilder package;
+    package.file("device.json", description);
+    return package;
+}
+
+} // namespace
+
+using MakePackage = std::function<PackageBuilder()>;
+Q_DECLARE_METATYPE(MakePackage)
+Q_DECLARE_METATYPE(QMessageBox::StandardButton)
+
+/// Applying project files with the real panel, answered as its user would.
+class TstApplyFlow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    // The whole flow
+    void applying_makes_the_hardware_what_was_saved();
+    void applying_online_does_its_steps_in_order();
+    void applying_offline_neither_syncs_nor_resets();
+    void waiting_texts_of_an_online_apply();
+    void the_cancel_button_stays_as_it_was();
+    void progress_of_the_job_is_shown();
+    void applying_twice_works();
+    void the_device_chosen_in_the_selector_becomes_active_and_is_the_target();
+    void applying_selects_the_first_screen();
+    void applying_a_device_without_screens_clears_the_active_screen();
+
+    // The question
+    void cancelling_the_question_does_nothing_data();
+    void cancelling_the_question_does_nothing();
+    void yes_saves_a_project_first_and_then_applies();
+    void yes_with_a_failed_backup_applies_nothing();
+    void yes_with_a_cancelled_backup_applies_nothing();
+    void yes_with_all_names_taken_saves_without_a_name();
+
+    // Apply Others
+    void apply_others_applies_a_package_from_anywhere();
+    void apply_others_asks_for_one_file_in_the_current_directory();
+    void cancelling_the_chooser_does_nothing();
+    void apply_others_refuses_what_is_no_package_data();
+    void apply_others_refuses_what_is_no_package();
+
+    // Failures before the job
+    void without_a_device_both_ways_ask_for_one();
+    void a_selector_entry_with_three_marks_leaves_no_device();
+    void a_selector_entry_without_marks_keeps_the_device();
+    void an_active_device_that_went_away_ends_silently();
+    void a_selected_device_that_went_away_ends_silently();
+    void a_package_deleted_since_it_was_listed_is_reported();
+    void a_package_deleted_while_the_question_is_open_is_code_2();
+    void a_package_changed_since_it_was_listed_is_refused_silently();
+    void a_failing_sync_before_the_reset_only_logs();
+    void a_failing_sync_after_the_reset_only_logs();
+    void a_failing_reset_is_reported();
+
+    // Results of the job
+    void each_code_has_its_box_data();
+    void each_code_has_its_box();
+    void a_refused_package_leaves_the_hardware_alone_data();
+    void a_refused_package_leaves_the_hardware_alone();
+    void a_failed_serialisation_shows_nothing();
+    void the_channel_is_freed_before_the_box_and_synced_after_it();
+    void a_device_that_drops_off_during_a_load_is_left_offline();
+    void a_device_that_the_host_forgets_during_a_load_ends_it_with_the_box_alone();
+
+    // Cancelling and closing
+    void cancelling_between_operations_is_reported_as_cancelled();
+    void cancelling_interrupts_the_running_operation();
+    void cancel_does_nothing_after_the_end();
+    void deleting_the_panel_during_a_load_ends_it_quietly();
+
+private:
+    /// Puts the package among the listed ones under that name.
+    void list(PackageBuilder package, const QString &name = QStringLiteral("show"));
+    QString elsewhere(PackageBuilder package, const QString &name) const;
+    void clickApply(const QString &name = QStringLiteral("show"));
+    /// Lists the package and applies it without a backup; returns when the load has ended.
+    void applyAndWait(const PackageBuilder &package);
+    void waitForEndOfLoad(int loads = 1);
+    void expectQuestion(QMessageBox::StandardButton answer)
+    {
+        m_book->expectQuestion(QStringLiteral("Remind"), backupQuestion, answer);
+    }
+    HardwareState hardware(const QString &ip) const { return (*m_site)->hardware(ip)->state(); }
+    void selectDevice(const QString &ip);
+
+    std::optional<CustomSite> m_site;
+    std::optional<Panel> m_panel;
+    std::optional<AnswerBook> m_book;
+    QTemporaryDir m_elsewhere;
+};
+
+#define VERIFY_BOOK() QVERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()))
+#define COMPARE_STATES(actual, expected)                                                                               \
+    do {                                                                                                               \
+        const QStringList differences = (actual).differencesTo(expected);                                              \
+        QVERIFY2(differences.isEmpty(), qPrintable(differences.join(QLatin1Char('\n'))));                              \
+    } while (false)
+
+void TstApplyFlow::init()
+{
+    QVERIFY(clearProjectFilesDirectory());
+    m_site.emplace(QVector<CustomDevice>{
+        {richDevice(targetIp), true}, {plainDevice(secondIp), true}, {plainDevice(offlineIp), false}});
+    WaitingDialog::instance()->setCanelVisible(false);
+    m_panel.emplace();
+    (*m_panel)->resize(1200, 700);
+    (*m_panel)->show();
+    settle();
+    m_book.emplace();
+    WarningGuard::clear();
+    Journal::instance()->clear();
+}
+
+void TstApplyFlow::cleanup()
+{
+    settle();
+    m_book.reset();
+    m_panel.reset();
+    settle();
+    m_site.reset();
+}
+
+void TstApplyFlow::list(PackageBuilder package, const QString &name)
+{
+    QVERIFY(package.record(name, QStringLiteral("listed")).write(projectFile(name)));
+    m_panel->rescan();
+    QVERIFY(m_panel->names().contains(name));
+    Journal::instance()->clear();
+}
+
+QString TstApplyFlow::elsewhere(PackageBuilder package, const QString &name) const
+{
+    QString path = m_elsewhere.filePath(name);
+    if (!package.record(name, QString()).write(path))
+        qFatal("The package could not be written");
+    return path;
+}
+
+void TstApplyFlow::clickApply(const QString &name)
+{
+    const int row = m_panel->names().indexOf(name);
+    QVERIFY(row >= 0);
+    click(m_panel->table()->cellWidget(row, 2), QStringLiteral("Apply"));
+}
+
+void TstApplyFlow::applyAndWait(const PackageBuilder &package)
+{
+    list(package);
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    waitForEndOfLoad();
+}
+
+void TstApplyFlow::waitForEndOfLoad(int loads)
+{
+    QTRY_COMPARE_WITH_TIMEOUT(Journal::instance()->count(clearScreens), loads, 30000);
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+}
+
+void TstApplyFlow::selectDevice(const QString &ip)
+{
+    QComboBox *combo = m_panel->deviceCombo();
+    for (int i = 0; i < combo->count(); ++i) {
+        if (combo->itemData(i, Qt::UserRole + 1).toStringList().value(3) == ip)
+            combo->setCurrentIndex(i);
+    }
+    Journal::instance()->clear();
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// The whole flow
+
+void TstApplyFlow::applying_makes_the_hardware_what_was_saved()
+{
+    const HardwareState source = richDevice(sourceIp);
+    const HardwareState before = hardware(targetIp);
+    applyAndWait(packageOf(source));
+    COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+    QCOMPARE(hardware(targetIp).identity.mac, before.identity.mac);
+    QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
+    // The model follows what is on the device now.
+    QCOMPARE(int((*m_site)->device(targetIp)->getBKGs().size()), source.backgrounds.size());
+    QCOMPARE((*m_site)->device(targetIp)->getBKGs().front().lock()->getName(), QStringLiteral("Opening"));
+}
+
+void TstApplyFlow::applying_online_does_its_steps_in_order()
+{
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    const QString difference = sequenceDifference(
+        mainThreadOperations(), {question,     showWaiting, updateOnline, hideWaiting,  showWaiting,    updateInfo,
+                                 hideWaiting,  showWaiting, updateOnline, hideWaiting,  channel,        showWaiting,
+                                 operatorType, showWaiting, operatorType, hideWaiting,  channel,        showWaiting,
+                                 updateOnline, hideWaiting, setActive,    clearScreens, activateScreen, selectScreen});
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+
+    QCOMPARE(argumentsOf(updateInfo, "reset"), QVariantList{3});
+    QCOMPARE(argumentsOf(channel, "exclusive"), (QVariantList{true, false}));
+    QCOMPARE(argumentsOf(operatorType, "type"),
+             (QVariantList{QStringLiteral("OperatorLoad"), QStringLiteral("OperatorNone")}));
+    QCOMPARE(argumentsOf(operatorType, "text"), (QVariantList{QString(), QString()}));
+    QCOMPARE(argumentsOf(updateOnline, "ip"), (QVariantList{targetIp, targetIp, targetIp}));
+    // The package is sent between the announcement and the end.
+    VERIFY_JOURNAL_ORDER({channel, operatorType, canEnable, copyModel, operatorType, channel});
+}
+
+void TstApplyFlow::applying_offline_neither_syncs_nor_resets()
+{
+    selectDevice(offlineIp);
+    const HardwareState source = richDevice(sourceIp);
+    applyAndWait(packageOf(source));
+    const QString difference = sequenceDifference(mainThreadOperations(),
+                                                  {question, setActive, showWaiting, operatorType, operatorType,
+                                                   hideWaiting, setActive, clearScreens, activateScreen, selectScreen});
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    QCOMPARE((*m_site)->device(offlineIp)->getName(), source.identity.name);
+    QVERIFY(QFile::exists(m_site->devicePath(offlineIp) + QStringLiteral("/BKG/BKG_7.png")));
+}
+
+void TstApplyFlow::waiting_texts_of_an_online_apply()
+{
+    applyAndWait(packageOf(richDevice(sourceIp)));
+    QCOMPARE(argumentsOf(showWaiting, "text"), (QVariantList{syncText, QStringLiteral("Restore factory,please wait..."),
+                                                             syncText, QStringLiteral("Start save project file"),
+                                                             QStringLiteral("Send Config to Device"), syncText}));
+}
+
+void TstApplyFlow::the_cancel_button_stays_as_it_was()
+{
+    for (const bool visible : {true, false}) {
+        WaitingDialog::instance()->setCanelVisible(visible);
+        applyAndWait(packageOf(plainDevice(sourceIp)));
+        QCOMPARE(WaitingDialog::instance()->isCanelVisible(), visible);
+        QCOMPARE(Journal::instance()->count(QStringLiteral("WaitingDialog.setCanelVisible")), 0);
+    }
+}
+
+void TstApplyFlow::progress_of_the_job_is_shown()
+{
+    QStringList shown;
+    Faults::instance()->arm(
+        createPicture, Fault::run([&] { onMainThread([&] { shown.append(WaitingDialog::instance()->text()); }); }));
+    Faults::instance()->arm(copyModel, Fault::run([&] {
+                                onMainThread([&] {
+                                    shown.append(WaitingDialog::instance()->text());
+                                    QVERIFY(WaitingDialog::instance()->isVisible());
+                                });
+                            }));
+    applyAndWait(packageOf(richDevice(sourceIp)));
+    QCOMPARE(shown, (QStringList{QStringLiteral("Start save project file"), QStringLiteral("Send Config to Device")}));
+    QCOMPARE(argumentsOf(operatorType, "text"),
+             (QVariantList{QString(), QStringLiteral("BKG:Opening"), QStringLiteral("BKG:Keynote"),
+                           QStringLiteral("LOGO:Sponsor"), QString()}));
+}
+
+void TstApplyFlow::applying_twice_works()
+{
+    applyAndWait(packageOf(richDevice(sourceIp)));
+    const HardwareState second = plainDevice(QStringLiteral("10.0.0.78"));
+    applyAndWait(packageOf(second));
+    COMPARE_STATES(hardware(targetIp).configuration(), second.configuration());
+}
+
+void TstApplyFlow::the_device_chosen_in_the_selector_becomes_active_and_is_the_target()
+{
+    const HardwareState first = hardware(targetIp);
+    const HardwareState source = richDevice(sourceIp);
+    selectDevice(secondIp);
+    QCOMPARE(Model::object_brige::instance()->activeDevice(), (*m_site)->device(targetIp));
+    applyAndWait(packageOf(source));
+    COMPARE_STATES(hardware(secondIp).configuration(), source.configuration());
+    COMPARE_STATES(hardware(targetIp), first);
+    QCOMPARE(Model::object_brige::instance()->activeDevice(), (*m_site)->device(secondIp));
+    QCOMPARE(m_panel->deviceCombo()->currentData(Qt::UserRole + 1).toStringList().value(3), secondIp);
+}
+
+void TstApplyFlow::applying_selects_the_first_screen()
+{
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    QCOMPARE(argumentsOf(clearScreens, "withActived"), QVariantList{false});
+    QCOMPARE(Model::object_brige::instance()->activedScreen()->id, 1);
+    QCOMPARE(int(Model::object_brige::instance()->selectedScreens().size()), 1);
+    QCOMPARE(Model::object_brige::instance()->selectedScreens().front()->id, 1);
+}
+
+void TstApplyFlow::applying_a_device_without_screens_clears_the_active_screen()
+{
+    HardwareState source = plainDevice(sourceIp);
+    source.screens.clear();
+    Model::object_brige::instance()->setActivedScreen((*m_site)->device(targetIp)->getScreens().front());
+    applyAndWait(packageOf(source));
+    QCOMPARE(argumentsOf(clearScreens, "withActived"), QVariantList{true});
+    QVERIFY(!Model::object_brige::instance()->activedScreen());
+    QCOMPARE(Journal::instance()->count(activateScreen), 0);
+    QCOMPARE(Journal::instance()->count(selectScreen), 0);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// The question
+
+void TstApplyFlow::cancelling_the_question_does_nothing_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::newRow("Cancel") << QMessageBox::Cancel;
+    QTest::newRow("Escape") << QMessageBox::NoButton;
+}
+
+void TstApplyFlow::cancelling_the_question_does_nothing()
+{
+    QFETCH(QMessageBox::StandardButton, answer);
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    expectQuestion(answer);
+    clickApply();
+    VERIFY_BOOK();
+    QCOMPARE(m_book->seen().first().buttons, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    settle();
+    VERIFY_JOURNAL({question});
+    COMPARE_STATES(hardware(targetIp), before);
+    QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
+}
+
+void TstApplyFlow::yes_saves_a_project_first_and_then_applies()
+{
+    const HardwareState before = hardware(targetIp);
+    const HardwareState source = plainDevice(sourceIp);
+    list(packageOf(source));
+    expectQuestion(QMessageBox::Yes);
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+    QCOMPARE(argumentsOf(operatorType, "type"),
+             (QVariantList{QStringLiteral("OperatorBackup"), QStringLiteral("OperatorNone"),
+                           QStringLiteral("OperatorLoad"), QStringLiteral("OperatorNone")}));
+
+    QTRY_COMPARE(m_panel->table()->rowCount(), 2);
+    EngineerPacketInfo info;
+    info.strFilePath = projectFile(QStringLiteral("Project1"));
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, QStringLiteral("Project1"));
+    QVERIFY2(QRegularExpression(QStringLiteral("^\\d{8}_\\d{6}$")).match(info.strComment).hasMatch(),
+             qPrintable(info.strComment));
+
+    // What was saved brings back what was there before.
+    expectQuestion(QMessageBox::No);
+    clickApply(QStringLiteral("Project1"));
+    waitForEndOfLoad(2);
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstApplyFlow::yes_with_a_failed_backup_applies_nothing()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(queryPicture, Fault::fail());
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("Failed to export bkg"));
+    clickApply();
+    QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
+    settle();
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+    QVERIFY(!QFile::exists(projectFile(QStringLiteral("Project1"))));
+
+    // The package does not wait for the next backup either.
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"),
+                         [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
+    Journal::instance()->clear();
+    click(m_panel->saveProject());
+    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    settle();
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    VERIFY_BOOK();
+}
+
+void TstApplyFlow::yes_with_a_cancelled_backup_applies_nothing()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(queryPicture, Fault::run([] { onMainThread(clickCancel); }));
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
+    settle();
+    QCOMPARE(argumentsOf(QStringLiteral("DeviceControler.cancelOperator"), "command"),
+             (QVariantList{QVariant(QVariantList{4, 10})}));
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+    QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
+}
+
+void TstApplyFlow::yes_with_all_names_taken_saves_without_a_name()
+{
+    for (int number = 1; number <= 999; ++number) {
+        QFile taken(projectFile(QStringLiteral("Project%1").arg(number)));
+        QVERIFY(taken.open(QIODevice::WriteOnly));
+    }
+    const HardwareState source = plainDevice(sourceIp);
+    list(packageOf(source));
+    expectQuestion(QMessageBox::Yes);
+    clickApply();
+    waitForEndOfLoad();
+    EngineerPacketInfo info;
+    info.strFilePath = projectFile(QString());
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, QString());
+    COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Apply Others
+
+void TstApplyFlow::apply_others_applies_a_package_from_anywhere()
+{
+    const HardwareState source = richDevice(sourceIp);
+    const QString path = elsewhere(packageOf(source), QString::fromUtf8("演出 🎬.corvelpro"));
+    m_book->expectFileDialog(QStringLiteral("Project file"), {path});
+    expectQuestion(QMessageBox::No);
+    click(m_panel->applyOthers());
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+    QVERIFY(QFile::exists(path));
+    QCOMPARE(m_panel->table()->rowCount(), 0);
+}
+
+void TstApplyFlow::apply_others_asks_for_one_file_in_the_current_directory()
+{
+    // Where the user was the last time does not matter.
+    m_book->expectFileDialog(QStringLiteral("Project file"),
+                             {elsewhere(packageOf(plainDevice(sourceIp)), QStringLiteral("show.corvelpro"))});
+    expectQuestion(QMessageBox::Cancel);
+    click(m_panel->applyOthers());
+    m_book->expectFileDialog(QStringLiteral("Project file"), {});
+    click(m_panel->applyOthers());
+    const AnswerBook::Seen dialog = m_book->seen().value(2);
+    QCOMPARE(dialog.directory, QStringLiteral("."));
+    QCOMPARE(dialog.nameFilters, QStringList{QStringLiteral("file(*.corvelpro)")});
+    QCOMPARE(dialog.fileMode, QFileDialog::ExistingFile);
+    QCOMPARE(dialog.acceptMode, QFileDialog::AcceptOpen);
+}
+
+void TstApplyFlow::cancelling_the_chooser_does_nothing()
+{
+    m_book->expectFileDialog(QStringLiteral("Project file"), {});
+    click(m_panel->applyOthers());
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({});
+}
+
+void TstApplyFlow::apply_others_refuses_what_is_no_package_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("text") << QByteArray("no archive");
+    QTest::newRow("archive without record") << packageOf(plainDevice(sourceIp)).build();
+    QTest::newRow("wrong checksum") << packageOf(plainDevice(sourceIp))
+                                           .recordWithChecksum(QString(32, QLatin1Char('0')), QString(), QString())
+                                           .build();
+}
+
+void TstApplyFlow::apply_others_refuses_what_is_no_package()
+{
+    QFETCH(QByteArray, bytes);
+    const QString path = m_elsewhere.filePath(QStringLiteral("odd.corvelpro"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    file.close();
+    m_book->expectFileDialog(QStringLiteral("Project file"), {path});
+    m_book->expectWarning(QStringLiteral("Remind"),
+                          QStringLiteral("The file does not exist or the file format is incorrect."));
+    click(m_panel->applyOthers());
+    VERIFY_BOOK();
+    VERIFY_JOURNAL({warningBox});
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Failures before the job
+
+void TstApplyFlow::without_a_device_both_ways_ask_for_one()
+{
+    m_panel.reset();
+    Model::object_brige::instance()->setActiveDevice({});
+    m_panel.emplace();
+    (*m_panel)->resize(1200, 700);
+    (*m_panel)->show();
+    list(packageOf(plainDevice(sourceIp)));
+    m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral("Please select a device."));
+    clickApply();
+    VERIFY_BOOK();
+    m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral("Please select a device."));
+    click(m_panel->applyOthers());
+    VERIFY_BOOK();
+    VERIFY_JOURNAL({warningBox, warningBox});
+}
+
+void TstApplyFlow::a_selector_entry_with_three_marks_leaves_no_device()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    QComboBox *combo = m_panel->deviceCombo();
+    combo->addItem(QStringLiteral("odd"));
+    combo->setItemData(combo->count() - 1, QStringList{"a", "b", "c"}, Qt::UserRole + 1);
+    {
+        const ExpectMessage expected(QtCriticalMsg, QStringLiteral("device mark list count error."), 1);
+        combo->setCurrentIndex(combo->count() - 1);
+    }
+    for (int i = 0; i < 2; ++i) {
+        m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral("Please select a device."));
+        if (i == 0)
+            clickApply();
+        else
+            click(m_panel->applyOthers());
+        VERIFY_BOOK();
+    }
+}
+
+void TstApplyFlow::a_selector_entry_without_marks_keeps_the_device()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    QComboBox *combo = m_panel->deviceCombo();
+    combo->addItem(QStringLiteral("odd"));
+    {
+        const ExpectMessage expected(QtCriticalMsg, QStringLiteral("parameter is empty!!!"), 1);
+        combo->setCurrentIndex(combo->count() - 1);
+    }
+    expectQuestion(QMessageBox::Cancel);
+    clickApply();
+    VERIFY_BOOK();
+}
+
+void TstApplyFlow::an_active_device_that_went_away_ends_silently()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Model::object_brige::instance()->setActiveDevice({});
+    Journal::instance()->clear();
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question});
+}
+
+void TstApplyFlow::a_selected_device_that_went_away_ends_silently()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    selectDevice(secondIp);
+    Model::DeviceList::instance()->removeDevice(secondIp);
+    Journal::instance()->clear();
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question});
+    QCOMPARE(Model::object_brige::instance()->activeDevice(), (*m_site)->device(targetIp));
+}
+
+void TstApplyFlow::a_package_deleted_since_it_was_listed_is_reported()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    // The list must not hear of it before the click.
+    const HeldThreadPool held;
+    QVERIFY(QFile::remove(projectFile(QStringLiteral("show"))));
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("The file does not exist."));
+    clickApply();
+    VERIFY_BOOK();
+    VERIFY_JOURNAL({warningBox});
+}
+
+void TstApplyFlow::a_package_deleted_while_the_question_is_open_is_code_2()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [](QDialog *dialog) {
+        QVERIFY(QFile::remove(projectFile(QStringLiteral("show"))));
+        click(qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog)->button(QMessageBox::No));
+    });
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Incorrect file content"));
+    clickApply();
+    VERIFY_BOOK();
+    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, warningBox});
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstApplyFlow::a_package_changed_since_it_was_listed_is_refused_silently()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    QFile file(projectFile(QStringLiteral("show")));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    // Within the bytes that the checksum covers: the magic number's neighbour, the version that is needed.
+    QVERIFY(file.seek(4) && file.write("\x15", 1) == 1);
+    file.close();
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting});
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstApplyFlow::a_failing_sync_before_the_reset_only_logs()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(updateOnline, Fault::fail());
+    const ExpectMessage expected(QtWarningMsg, syncWarning, 1);
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting});
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstApplyFlow::a_failing_sync_after_the_reset_only_logs()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(updateOnline, Fault::fail(2));
+    const ExpectMessage expected(QtWarningMsg, syncWarning, 1);
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, showWaiting,
+                    updateOnline, hideWaiting});
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+}
+
+void TstApplyFlow::a_failing_reset_is_reported()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(updateInfo, Fault::fail());
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral(" Restore factory failed "));
+    clickApply();
+    VERIFY_BOOK();
+    VERIFY_JOURNAL(
+        {question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, warningBox});
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Results of the job
+
+void TstApplyFlow::each_code_has_its_box_data()
+{
+    QTest::addColumn<MakePackage>("package");
+    QTest::addColumn<QString>("failing");
+    QTest::addColumn<QString>("text");
+    const MakePackage rich = [] { return packageOf(richDevice(sourceIp)); };
+    QTest::newRow("0, no box") << rich << QString() << QString();
+    QTest::newRow("6, damaged entry") << MakePackage([] {
+        PackageBuilder package = packageOf(richDevice(sourceIp));
+        package.claimCrc(1);
+        return package;
+    }) << QString() << QStringLiteral("Failed to decompress file");
+    QTest::newRow("7, device refuses the model") << rich << copyModel << QStringLiteral("Project file import failed");
+    QTest::newRow("11, no picture") << MakePackage([] {
+        PackageBuilder package = packageOf(plainDevice(sourceIp));
+        package.file("BKG/BKG_1.png", "no picture");
+        return package;
+    }) << QString() << QStringLiteral("Incorrect file content");
+    QTest::newRow("14, device refuses a picture") << rich << createPicture << QStringLiteral("apply gallery failed");
+    QTest::newRow("15, picture of no material") << MakePackage([] {
+        PackageBuilder package = packageOf(plainDevice(sourceIp));
+        package.file("BKG/BKG_1.png", pngOf(noisePicture({4, 4}, 1)));
+        return package;
+    }) << QString() << QStringLiteral("Incorrect gallery file.");
+}
+
+void TstApplyFlow::each_code_has_its_box()
+{
+    QFETCH(MakePackage, package);
+    QFETCH(QString, failing);
+    QFETCH(QString, text);
+    list(package());
+    if (!failing.isEmpty())
+        Faults::instance()->arm(failing, Fault::fail());
+    expectQuestion(QMessageBox::No);
+    if (!text.isEmpty())
+        m_book->expectWarning(QStringLiteral("Remind"), text);
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
+}
+
+void TstApplyFlow::a_refused_package_leaves_the_hardware_alone_data()
+{
+    QTest::addColumn<MakePackage>("package");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("3, cards") << MakePackage([] {
+        HardwareState source = plainDevice(sourceIp);
+        source.cards.removeLast();
+        return packageOf(source);
+    }) << QStringLiteral("Input or output card mismatch");
+    QTest::newRow("5, no device in the description")
+        << MakePackage([] { return onlyDescription("null"); }) << QStringLiteral("Failed to get device information");
+    QTest::newRow("8, no description") << MakePackage([] {
+        PackageBuilder package;
+        package.file("notes.txt", "none");
+        return package;
+    }) << QStringLiteral("Incorrect JSON file");
+    QTest::newRow("10, another model") << MakePackage([] { return packageOf(plainDevice(sourceIp, otherModel)); })
+                                       << QStringLiteral("Device type mismatch");
+    QTest::newRow("12, newer protocol") << MakePackage([] {
+        HardwareState source = plainDevice(sourceIp);
+        source.protocolNumber = 3;
+        return packageOf(source);
+    }) << QStringLiteral("Protocol version mismatch");
+}
+
+void TstApplyFlow::a_refused_package_leaves_the_hardware_alone()
+{
+    QFETCH(MakePackage, package);
+    QFETCH(QString, text);
+    const HardwareState before = hardware(targetIp);
+    list(package());
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Remind"), text);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, warningBox});
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstApplyFlow::a_failed_serialisation_shows_nothing()
+{
+    selectDevice(offlineIp);
+    Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Fault::fail());
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    VERIFY_BOOK();
+    QCOMPARE(Faults::instance()->armedCount(), 0);
+}
+
+void TstApplyFlow::the_channel_is_freed_before_the_box_and_synced_after_it()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(copyModel, Fault::fail());
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Project file import failed"));
+    clickApply();
+    waitForEndOfLoad();
+    const QStringList operations = mainThreadOperations();
+    const QString difference = sequenceDifference(operations.mid(operations.lastIndexOf(operatorType)),
+                                                  {operatorType, hideWaiting, channel, warningBox, showWaiting,
+                                                   updateOnline, hideWaiting, setActive, clearScreens});
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+}
+
+void TstApplyFlow::a_device_that_drops_off_during_a_load_is_left_offline()
+{
+    list(packageOf(richDevice(sourceIp)));
+    Faults::instance()->arm(createPicture, Fault::disconnect());
+    expectQuestion(QMessageBox::No);
+    // The multi-viewer's items, which are sent all the same, fail as well.
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Project file import failed"));
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QVERIFY(!(*m_site)->device(targetIp)->getDeviceOnlineFlag());
+    QCOMPARE(argumentsOf(channel, "exclusive"), QVariantList{true});
+    QCOMPARE(Journal::instance()->count(updateOnline), 2);
+}
+
+void TstApplyFlow::a_device_that_the_host_forgets_during_a_load_ends_it_with_the_box_alone()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(copyModel, Fault::run([] { Model::DeviceList::instance()->removeDevice(targetIp); }));
+    Faults::instance()->arm(copyModel, Fault::fail());
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Project file import failed"));
+    clickApply();
+    QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
+    settle();
+    const QStringList operations = mainThreadOperations();
+    QCOMPARE(operations.mid(operations.lastIndexOf(operatorType)),
+             (QStringList{operatorType, hideWaiting, warningBox}));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Cancelling and closing
+
+void TstApplyFlow::cancelling_between_operations_is_reported_as_cancelled()
+{
+    // A load before it must not leave a connection that cancels once more.
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    list(packageOf(richDevice(sourceIp)));
+    WaitingDialog::instance()->setCanelVisible(true);
+    Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(cancelTask), 1);
+    QCOMPARE(Journal::instance()->count(createPicture), 0);
+    QCOMPARE(Journal::instance()->count(copyModel), 0);
+}
+
+void TstApplyFlow::cancelling_interrupts_the_running_operation()
+{
+    list(packageOf(richDevice(sourceIp)));
+    WaitingDialog::instance()->setCanelVisible(true);
+    // Would take ten minutes if nobody cancelled it.
+    Faults::instance()->arm(createPicture, Fault::run([] { onMainThread(clickCancel); }));
+    Faults::instance()->arm(createPicture, Fault::late(600000));
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("apply gallery failed"));
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(cancelTask), 1);
+    QCOMPARE(Journal::instance()->count(createPicture), 1);
+    QCOMPARE(Journal::instance()->count(copyModel), 0);
+}
+
+void TstApplyFlow::cancel_does_nothing_after_the_end()
+{
+    WaitingDialog::instance()->setCanelVisible(true);
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    Journal::instance()->clear();
+    emit WaitingDialog::instance()->signal_canelLoad();
+    VERIFY_JOURNAL({});
+}
+
+void TstApplyFlow::deleting_the_panel_during_a_load_ends_it_quietly()
+{
+    list(packageOf(richDevice(sourceIp)));
+    QPointer<QThread> job;
+    Faults::instance()->arm(createPicture, Fault::run([&] {
+                                QThread *const thread = QThread::currentThread();
+                                onMainThread([&, thread] {
+                                    job = thread;
+                                    m_panel.reset();
+                                });
+                            }));
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    QTRY_VERIFY(!m_panel);
+    QTRY_VERIFY(!job);
+    VERIFY_BOOK();
+    QCOMPARE(argumentsOf(operatorType, "type").last().toString(), QStringLiteral("OperatorNone"));
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    QCOMPARE(Journal::instance()->count(createPicture), 1);
+    QCOMPARE(Journal::instance()->count(copyModel), 0);
+    m_panel.emplace();
+}
+
+TEST_MAIN(TstApplyFlow)
+#include "tst_applyflow.moc"

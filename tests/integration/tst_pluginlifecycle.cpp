@@ -1,0 +1,547 @@
+#include <core/modemanager.h>
+#include <extensionsystem/iplugin.h>
+#include <extensionsystem/objectpool.h>
+#include <extensionsystem/pluginmanager.h>
+#include <model/objectbrige.h>
+#include <navigationbar/inavigationbarmode.h>
+#include <settingcfg/settingcfgmodemanager.h>
+#include <simulation/faults.h>
+#include <simulation/journal.h>
+#include <support/answerbook.h>
+#include <support/gate.h>
+#include <support/journalmatchers.h>
+#include <support/testmain.h>
+#include <support/testsite.h>
+#include <widgets/icenterwidget.h>
+#include <widgets/waitingdialog.h>
+
+#include <QLibrary>
+#include <QLineEdit>
+#include <QPointer>
+#include <QThreadPool>
+#include <QtConcurrentRun>
+
+using namespace TestSupport;
+using Core::ModeManager;
+using Corvel::Widgets::ICenterWidget;
+using Corvel::Widgets::WaitingDialog;
+using HX::ExtensionSystem::IPlugin;
+using HX::ExtensionSystem::ObjectPool;
+using HX::ExtensionSystem::PluginManager;
+using HX::ExtensionSystem::PluginSpec;
+using HX::Utils::Id;
+using Model::object_brige;
+using SettingCfg::SettingCfgModeManager;
+using Simulation::Faults;
+using Simulation::Journal;
+using Simulation::JournalEntry;
+
+static const char subMode[] = "ProjectFileCfg";
+static const char panelId[] = "ProjectFileCfg.Central";
+
+/// The plugin as it is shipped: found by its metadata, loaded and driven by the host's plugin manager.
+class TstPluginLifecycle : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void the_metadata_alone_brings_it_up_after_what_it_needs();
+    void the_entry_point_gives_the_one_object();
+    void after_its_end_the_entry_point_makes_a_new_one();
+    void the_class_knows_its_one_object_as_long_as_it_lives();
+    void it_registers_its_sub_mode_whatever_device_is_active();
+    void it_is_in_the_object_pool_and_the_panel_is_not_yet();
+    void a_missing_translation_is_one_warning();
+    void its_texts_come_from_the_translation_directory();
+
+    void without_having_been_shown_it_touches_no_center_widget();
+    void the_panel_is_made_after_the_mode_manager_has_finished();
+    void the_first_activation_enters_the_panel_twice();
+    void later_activations_enter_the_same_panel_once();
+    void another_mode_takes_the_panel_out();
+
+    void no_active_device_changes_nothing();
+    void a_supporting_device_registers_nothing_twice();
+    void a_device_without_support_withdraws_the_shown_sub_mode();
+    void a_device_without_support_activates_nothing_behind_another_top_level_mode();
+    void a_device_without_support_activates_nothing_when_another_sub_mode_is_shown();
+    void a_sub_mode_that_is_first_in_the_list_is_activated_again();
+    void a_supporting_device_brings_the_sub_mode_back_with_fresh_texts();
+    void another_device_without_support_removes_nothing_twice();
+
+    void shutting_down_before_the_panel_exists();
+    void shutting_down_takes_everything_out();
+    void shutting_down_while_the_panel_is_shown();
+    void shutting_down_during_a_backup();
+    void shutting_down_during_a_scan();
+    void it_can_be_loaded_again();
+
+private:
+    void start();
+    IPlugin *plugin() const;
+    static ICenterWidget *panel();
+    static SettingCfgModeManager *subModes() { return SettingCfgModeManager::instance(); }
+    void makeActive(const QString &ip) { object_brige::instance()->setActiveDevice((*m_site)->device(ip)); }
+    /// Shows the sub-mode in the settings area and lets the plugin follow.
+    static void showSubMode(const char *id);
+    /// The journal's calls that name the panel or the sub-mode.
+    static QStringList calls(const char *id);
+
+    QScopedPointer<TestSite> m_site;
+    QScopedPointer<PluginManager> m_manager;
+};
+
+void TstPluginLifecycle::init()
+{
+    m_site.reset(new TestSite);
+    Core::HostSettings settings = Core::hostSettings();
+    settings.language = QStringLiteral("en");
+    settings.trPath = QStringLiteral(HOST_TRANSLATION_DIRECTORY);
+    Core::applySettings(settings);
+    WarningGuard::clear();
+}
+
+void TstPluginLifecycle::cleanup()
+{
+    m_manager.reset();
+    QThreadPool::globalInstance()->waitForDone();
+    QThreadPool::globalInstance()->setMaxThreadCount(QThread::idealThreadCount());
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    m_site.reset();
+}
+
+void TstPluginLifecycle::start()
+{
+    m_manager.reset(new PluginManager);
+    m_manager->setPluginDirectory(QStringLiteral(HOST_PLUGIN_DIRECTORY));
+    m_manager->loadPlugins();
+    QCOMPARE(m_manager->errors(), QStringList());
+    QVERIFY(plugin());
+}
+
+IPlugin *TstPluginLifecycle::plugin() const
+{
+    const PluginSpec *spec = m_manager->plugin(QStringLiteral("projectfilecfg"));
+    return spec ? spec->plugin() : nullptr;
+}
+
+ICenterWidget *TstPluginLifecycle::panel()
+{
+    for (ICenterWidget *widget : ObjectPool::instance()->objectsOfType<ICenterWidget>()) {
+        if (widget->id() == panelId)
+            return widget;
+    }
+    return nullptr;
+}
+
+void TstPluginLifecycle::showSubMode(const char *id)
+{
+    ModeManager::activateMode("SettingCfg");
+    subModes()->activateMode(id);
+    QCoreApplication::processEvents();
+}
+
+QStringList TstPluginLifecycle::calls(const char *id)
+{
+    QStringList calls;
+    for (const JournalEntry &entry : Journal::instance()->entries()) {
+        if (entry.arguments.value("id").toString() == QLatin1String(id))
+            calls.append(entry.operation);
+    }
+    return calls;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Coming up
+
+void TstPluginLifecycle::the_metadata_alone_brings_it_up_after_what_it_needs()
+{
+    start();
+    const PluginSpec *spec = m_manager->plugin("projectfilecfg");
+    QCOMPARE(spec->state(), PluginSpec::Running);
+    QCOMPARE(spec->version(), QString("2.0.0"));
+    QVERIFY(spec->isRequired());
+    QStringList order;
+    for (const PluginSpec *one : m_manager->loadOrder())
+        order.append(one->name());
+    QCOMPARE(order, QStringList({"core", "navigationbar", "settingcfg", "projectfilecfg"}));
+    QCOMPARE(plugin()->objectName(), QString("ProjectFileCfgPlugin"));
+    QCOMPARE(plugin()->metaObject()->className(), "ProjectFileCfg::ProjectFileCfgPlugin");
+}
+
+void TstPluginLifecycle::the_entry_point_gives_the_one_object()
+{
+    start();
+    using EntryPoint = QObject *(*)();
+    QLibrary library(m_manager->plugin("projectfilecfg")->fileName());
+    const auto instance = reinterpret_cast<EntryPoint>(library.resolve("qt_plugin_instance"));
+    QVERIFY(instance);
+    QCOMPARE(instance(), static_cast<QObject *>(plugin()));
+    QCOMPARE(instance(), static_cast<QObject *>(plugin()));
+}
+
+void TstPluginLifecycle::after_its_end_the_entry_point_makes_a_new_one()
+{
+    start();
+    using EntryPoint = QObject *(*)();
+    QLibrary library(m_manager->plugin("projectfilecfg")->fileName());
+    const auto instance = reinterpret_cast<EntryPoint>(library.resolve("qt_plugin_instance"));
+    QVERIFY(instance);
+    const QPointer<QObject> first = instance();
+    m_manager->shutdown();
+    QVERIFY(first.isNull());
+    const QScopedPointer<QObject> second(instance());
+    QVERIFY(second);
+    QCOMPARE(instance(), second.data());
+    QVERIFY(second->inherits("ProjectFileCfg::ProjectFileCfgPlugin"));
+}
+
+void TstPluginLifecycle::the_class_knows_its_one_object_as_long_as_it_lives()
+{
+    start();
+    using Instance = QObject *(*)();
+    QLibrary library(m_manager->plugin("projectfilecfg")->fileName());
+    // ProjectFileCfg::ProjectFileCfgPlugin::instance(); the object is its QObject base, at the same address.
+    const auto instance =
+        reinterpret_cast<Instance>(library.resolve("_ZN14ProjectFileCfg20ProjectFileCfgPlugin8instanceEv"));
+    QVERIFY(instance);
+    QCOMPARE(instance(), static_cast<QObject *>(plugin()));
+    m_manager->shutdown();
+    QVERIFY(!instance());
+}
+
+void TstPluginLifecycle::it_registers_its_sub_mode_whatever_device_is_active()
+{
+    makeActive(m_site->boothSwitcher);
+    start();
+    QVERIFY(subModes()->containsMode(subMode));
+    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.addMode"});
+    QCOMPARE(subModes()->mode(subMode)->displayName(), QString("Project File"));
+}
+
+void TstPluginLifecycle::it_is_in_the_object_pool_and_the_panel_is_not_yet()
+{
+    start();
+    QVERIFY(ObjectPool::instance()->objects().contains(plugin()));
+    QVERIFY(!panel());
+}
+
+void TstPluginLifecycle::a_missing_translation_is_one_warning()
+{
+    Core::HostSettings settings = Core::hostSettings();
+    settings.trPath = m_site->path("nowhere");
+    Core::applySettings(settings);
+    const ExpectMessage warning(QtWarningMsg, "Load projectfilecfg Language failed!", 1);
+    start();
+    QVERIFY(subModes()->containsMode(subMode));
+    QCOMPARE(m_manager->plugin("projectfilecfg")->state(), PluginSpec::Running);
+}
+
+void TstPluginLifecycle::its_texts_come_from_the_translation_directory()
+{
+    Core::HostSettings settings = Core::hostSettings();
+    settings.language = QStringLiteral("zh_CN");
+    Core::applySettings(settings);
+    // The host's own texts are not what is tested here.
+    const ExpectMessage hostTexts(QtWarningMsg, QRegularExpression("no texts of the host"), ExpectMessage::AnyNumber);
+    start();
+    const QString name = subModes()->mode(subMode)->displayName();
+    QVERIFY(!name.isEmpty());
+    QVERIFY2(name != QLatin1String("Project File"), qPrintable(name));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Following the mode
+
+void TstPluginLifecycle::without_having_been_shown_it_touches_no_center_widget()
+{
+    start();
+    showSubMode("General");
+    subModes()->activateMode(Id());
+    QCoreApplication::processEvents();
+    QStringList distinct = calls(panelId);
+    distinct.removeDuplicates();
+    QCOMPARE(distinct, QStringList{"ModeManager.existCenterWidget"});
+    QVERIFY(!panel());
+}
+
+void TstPluginLifecycle::the_panel_is_made_after_the_mode_manager_has_finished()
+{
+    start();
+    showSubMode("General");
+    Journal::instance()->clear();
+    subModes()->activateMode(subMode);
+    QVERIFY(!panel());
+    QCOMPARE(calls(panelId), QStringList());
+    QTRY_VERIFY(panel());
+}
+
+void TstPluginLifecycle::the_first_activation_enters_the_panel_twice()
+{
+    start();
+    showSubMode("General");
+    Journal::instance()->clear();
+    showSubMode(subMode);
+    QCOMPARE(calls(panelId), QStringList({"ICenterWidget.enterWindow", "ModeManager.existCenterWidget",
+                                          "ModeManager.addCenterWidget", "ModeManager.setActivateCenterWidget",
+                                          "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
+    QCOMPARE(ModeManager::activeCenterWidget(), Id(panelId));
+    QVERIFY(panel());
+}
+
+void TstPluginLifecycle::later_activations_enter_the_same_panel_once()
+{
+    start();
+    showSubMode(subMode);
+    const QPointer<ICenterWidget> first = panel();
+    showSubMode("General");
+    Journal::instance()->clear();
+    showSubMode(subMode);
+    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.addCenterWidget",
+                                          "ModeManager.setActivateCenterWidget", "ICenterWidget.raiseWindow",
+                                          "ICenterWidget.enterWindow"}));
+    QVERIFY(first);
+    QCOMPARE(panel(), first.data());
+}
+
+void TstPluginLifecycle::another_mode_takes_the_panel_out()
+{
+    start();
+    showSubMode(subMode);
+    Journal::instance()->clear();
+    showSubMode("General");
+    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.removeCenterWidget",
+                                          "ICenterWidget.leaveWindow"}));
+    QVERIFY(panel());
+    QVERIFY(!ModeManager::existCenterWidget(panelId));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Following the device
+
+void TstPluginLifecycle::no_active_device_changes_nothing()
+{
+    start();
+    Journal::instance()->clear();
+    object_brige::instance()->setActiveDevice({});
+    QVERIFY(subModes()->containsMode(subMode));
+    makeActive(m_site->boothSwitcher);
+    QVERIFY(!subModes()->containsMode(subMode));
+    Journal::instance()->clear();
+    object_brige::instance()->setActiveDevice({});
+    QVERIFY(!subModes()->containsMode(subMode));
+    QCOMPARE(calls(subMode), QStringList());
+}
+
+void TstPluginLifecycle::a_supporting_device_registers_nothing_twice()
+{
+    start();
+    subModes()->mode(subMode)->setDisplayName("not translated again");
+    Journal::instance()->clear();
+    makeActive(m_site->foyer);
+    QCOMPARE(calls(subMode), QStringList());
+    QCOMPARE(subModes()->mode(subMode)->displayName(), QString("not translated again"));
+}
+
+void TstPluginLifecycle::a_device_without_support_withdraws_the_shown_sub_mode()
+{
+    start();
+    showSubMode(subMode);
+    QCOMPARE(subModes()->modes().first(), Id("General"));
+    Journal::instance()->clear();
+    makeActive(m_site->boothSwitcher);
+    VERIFY_JOURNAL_ORDER({"NavigationBarModeManager.activateMode", "NavigationBarModeManager.removeMode"});
+    QCOMPARE(calls("General").first(), QString("NavigationBarModeManager.activateMode"));
+    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(subModes()->currentModeId(), Id("General"));
+    QVERIFY(!subModes()->containsMode(subMode));
+    QCoreApplication::processEvents();
+    QVERIFY(!ModeManager::existCenterWidget(panelId));
+    QVERIFY(panel());
+}
+
+void TstPluginLifecycle::a_device_without_support_activates_nothing_behind_another_top_level_mode()
+{
+    start();
+    showSubMode(subMode);
+    ModeManager::activateMode("Devices");
+    QCoreApplication::processEvents();
+    QCOMPARE(ModeManager::currentMode(), Id("Devices"));
+    QCOMPARE(subModes()->currentModeId(), Id(subMode));
+    Journal::instance()->clear();
+    makeActive(m_site->boothSwitcher);
+    QCOMPARE(Journal::instance()->count("NavigationBarModeManager.activateMode"), 0);
+    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QVERIFY(!subModes()->containsMode(subMode));
+}
+
+void TstPluginLifecycle::a_device_without_support_activates_nothing_when_another_sub_mode_is_shown()
+{
+    start();
+    showSubMode("General");
+    Journal::instance()->clear();
+    makeActive(m_site->boothSwitcher);
+    QCOMPARE(Journal::instance()->count("NavigationBarModeManager.activateMode"), 0);
+    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(subModes()->currentModeId(), Id("General"));
+}
+
+void TstPluginLifecycle::a_sub_mode_that_is_first_in_the_list_is_activated_again()
+{
+    start();
+    showSubMode(subMode);
+    NavigationBar::INavigationBarMode *general = subModes()->mode("General");
+    subModes()->removeMode(general);
+    QCOMPARE(subModes()->modes(), QVector<Id>{Id(subMode)});
+    Journal::instance()->clear();
+    makeActive(m_site->boothSwitcher);
+    QCOMPARE(calls(subMode),
+             QStringList({"NavigationBarModeManager.activateMode", "NavigationBarModeManager.removeMode"}));
+    QVERIFY(!subModes()->containsMode(subMode));
+    subModes()->addMode(general);
+}
+
+void TstPluginLifecycle::a_supporting_device_brings_the_sub_mode_back_with_fresh_texts()
+{
+    start();
+    NavigationBar::INavigationBarMode *mode = subModes()->mode(subMode);
+    makeActive(m_site->boothSwitcher);
+    QVERIFY(!subModes()->containsMode(subMode));
+    mode->setDisplayName("old text");
+    Journal::instance()->clear();
+    makeActive(m_site->foyer);
+    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.addMode"});
+    QCOMPARE(subModes()->mode(subMode), mode);
+    QCOMPARE(mode->displayName(), QString("Project File"));
+}
+
+void TstPluginLifecycle::another_device_without_support_removes_nothing_twice()
+{
+    start();
+    makeActive(m_site->boothSwitcher);
+    object_brige::instance()->setActiveDevice({});
+    Journal::instance()->clear();
+    makeActive(m_site->boothSwitcher);
+    QCOMPARE(calls(subMode), QStringList());
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Going down
+
+void TstPluginLifecycle::shutting_down_before_the_panel_exists()
+{
+    start();
+    const QPointer<QObject> mode = subModes()->mode(subMode);
+    Journal::instance()->clear();
+    QCOMPARE(int(plugin()->aboutToShutdown()), 0);
+    QCOMPARE(calls(panelId), QStringList());
+    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QVERIFY(mode.isNull());
+    QVERIFY(!subModes()->containsMode(subMode));
+    QVERIFY(!ObjectPool::instance()->objects().contains(plugin()));
+}
+
+void TstPluginLifecycle::shutting_down_takes_everything_out()
+{
+    start();
+    showSubMode(subMode);
+    showSubMode("General");
+    const QPointer<QObject> mode = subModes()->mode(subMode);
+    const QPointer<QObject> center = panel();
+    const QPointer<QObject> object = plugin();
+    Journal::instance()->clear();
+    m_manager->shutdown();
+    QVERIFY(mode.isNull());
+    QVERIFY(center.isNull());
+    QVERIFY(object.isNull());
+    QCOMPARE(calls(panelId), QStringList{"ICenterWidget.leaveWindow"});
+    QVERIFY(!subModes()->containsMode(subMode));
+    QCOMPARE(ObjectPool::instance()->objects(), QList<QObject *>());
+}
+
+void TstPluginLifecycle::shutting_down_while_the_panel_is_shown()
+{
+    start();
+    showSubMode(subMode);
+    const QPointer<QObject> center = panel();
+    QVERIFY(center);
+    m_manager->shutdown();
+    QVERIFY(center.isNull());
+    QCoreApplication::processEvents();
+    QVERIFY(!panel());
+}
+
+void TstPluginLifecycle::shutting_down_during_a_backup()
+{
+    start();
+    showSubMode(subMode);
+    // The window is not shown by the plugins; the panel in it must be, to be clicked.
+    panel()->window()->show();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+
+    Gate gate;
+    Faults::instance()->arm("MaterialControl.queryMaterailData", gate.fault());
+    AnswerBook book;
+    book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) {
+        dialog->findChild<QLineEdit *>()->setText("Show");
+        click(dialog, QStringLiteral("OK"));
+    });
+    QVERIFY(click(panel(), QStringLiteral("Save Project")));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    const QPointer<QThread> job = gate.waitForThread();
+    QVERIFY(job);
+    QVERIFY(WaitingDialog::instance()->isVisible());
+
+    m_manager->shutdown();
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    QCOMPARE(Journal::instance()->entries("ICore.setOperatorType").last().arguments["type"].toString(),
+             QString("OperatorNone"));
+    QVERIFY(job);
+    gate.open();
+    QTRY_VERIFY(job.isNull());
+    QCOMPARE(Journal::instance()->count("MaterialControl.queryMaterailData"), 1);
+    QVERIFY(!QFile::exists(QDir::homePath() + "/Documents/Velmora/Tarvo/ProjectFiles/Show.corvelpro"));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+}
+
+void TstPluginLifecycle::shutting_down_during_a_scan()
+{
+    QThreadPool *pool = QThreadPool::globalInstance();
+    start();
+    QVERIFY(pool->waitForDone());
+    pool->setMaxThreadCount(1);
+    Gate gate;
+    QtConcurrent::run(gate.action());
+    QVERIFY(gate.waitForThread());
+    const QString projects = QDir::homePath() + QStringLiteral("/Documents/Velmora/Tarvo/ProjectFiles");
+    QVERIFY(QDir(projects).removeRecursively());
+    showSubMode(subMode);
+    QVERIFY(panel());
+    m_manager->shutdown();
+    QVERIFY(!QDir(projects).exists());
+    gate.open();
+    QVERIFY(pool->waitForDone());
+    // The scan ran to its end all the same.
+    QVERIFY(QDir(projects).exists());
+    QCoreApplication::processEvents();
+}
+
+void TstPluginLifecycle::it_can_be_loaded_again()
+{
+    start();
+    showSubMode(subMode);
+    m_manager.reset();
+    start();
+    QVERIFY(subModes()->containsMode(subMode));
+    Journal::instance()->clear();
+    showSubMode(subMode);
+    QVERIFY(panel());
+    QCOMPARE(calls(panelId).count("ICenterWidget.enterWindow"), 2);
+}
+
+TEST_MAIN(TstPluginLifecycle)
+#include "tst_pluginlifecycle.moc"

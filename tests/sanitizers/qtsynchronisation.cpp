@@ -1,0 +1,121 @@
+// Tells ThreadSanitizer how Qt synchronises threads.
+//
+// Debian's Qt is not instrumented, so its atomics and futexes are invisible: data that a worker hands over
+// through a queued signal, a contended QMutex or a QFuture looks like a race. Each function here stands
+// before one of Qt's own, says what that one guarantees, and calls it. Nothing is suppressed: accesses that
+// are not ordered by one of these guarantees are still reported (must_race shows it).
+
+#include <qglobal.h>
+#include <qnamespace.h>
+
+#include <dlfcn.h>
+
+class QObject;
+
+extern "C" void __tsan_acquire(void *address);
+extern "C" void __tsan_release(void *address);
+
+// As Qt Test uses it to print signals; declared in a private header of Qt.
+struct QSignalSpyCallbackSet
+{
+    void (*signalBegin)(QObject *, int, void **);
+    void (*slotBegin)(QObject *, int, void **);
+    void (*signalEnd)(QObject *, int);
+    void (*slotEnd)(QObject *, int);
+};
+Q_CORE_EXPORT void qt_register_signal_spy_callbacks(QSignalSpyCallbackSet *callbacks);
+
+namespace {
+
+// Stands for the event queues and the thread pool: what was done before an emission, the start of a task or
+// its end is seen by who is called later on its behalf.
+char handover;
+
+void beforeEmission(QObject *, int, void **)
+{
+    __tsan_release(&handover);
+}
+
+bool beforeEvent(void **)
+{
+    __tsan_acquire(&handover);
+    return false;
+}
+
+template<typename Function>
+Function *next(const char *symbol)
+{
+    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, symbol));
+}
+
+__attribute__((constructor)) void watchEvents()
+{
+    static QSignalSpyCallbackSet callbacks = {beforeEmission, nullptr, nullptr, nullptr};
+    qt_register_signal_spy_callbacks(&callbacks);
+    QInternal::registerCallback(QInternal::EventNotifyCallback, beforeEvent);
+}
+
+} // namespace
+
+// Defines, under Qt's mangled name, a function that does `before`, calls Qt's own, and does `after`.
+#define STAND_BEFORE(result, name, symbol, parameters, arguments, before, after)                                       \
+    extern "C" Q_DECL_EXPORT result name parameters __asm__(symbol);                                                   \
+    extern "C" result name parameters                                                                                  \
+    {                                                                                                                  \
+        static auto *const own = next<result parameters>(symbol);                                                      \
+        before;                                                                                                        \
+        after(own arguments);                                                                                          \
+    }
+
+#define RETURN(call) return call
+#define CALL(call) call
+#define CALL_THEN_ACQUIRE_SELF(call)                                                                                   \
+    call;                                                                                                              \
+    __tsan_acquire(self)
+#define CALL_THEN_ACQUIRE_HANDOVER(call)                                                                               \
+    call;                                                                                                              \
+    __tsan_acquire(&handover)
+#define RETURN_AFTER_ACQUIRE_SELF(call)                                                                                \
+    const bool locked = call;                                                                                          \
+    if (locked)                                                                                                        \
+        __tsan_acquire(self);                                                                                          \
+    return locked
+#define RETURN_AFTER_ACQUIRE_HANDOVER(call)                                                                            \
+    const bool done = call;                                                                                            \
+    __tsan_acquire(&handover);                                                                                         \
+    return done
+
+// Mutexes: an unlock is seen by the next lock. The fast paths are inline, and so instrumented.
+STAND_BEFORE(void, lock, "_ZN6QMutex4lockEv", (void *self), (self), , CALL_THEN_ACQUIRE_SELF)
+STAND_BEFORE(bool, tryLock, "_ZN6QMutex7tryLockEi", (void *self, int timeout), (self, timeout), ,
+             RETURN_AFTER_ACQUIRE_SELF)
+STAND_BEFORE(void, unlock, "_ZN6QMutex6unlockEv", (void *self), (self), __tsan_release(self), CALL)
+STAND_BEFORE(void, lockInternal, "_ZN11QBasicMutex12lockInternalEv", (void *self), (self), , CALL_THEN_ACQUIRE_SELF)
+STAND_BEFORE(bool, lockInternalTimed, "_ZN11QBasicMutex12lockInternalEi", (void *self, int timeout), (self, timeout), ,
+             RETURN_AFTER_ACQUIRE_SELF)
+STAND_BEFORE(void, unlockInternal, "_ZN11QBasicMutex14unlockInternalEv", (void *self), (self), __tsan_release(self),
+             CALL)
+
+// Threads: the end of a thread, which emits finished(), is seen by who waited for it.
+STAND_BEFORE(bool, wait, "_ZN7QThread4waitEm", (void *self, unsigned long time), (self, time), ,
+             RETURN_AFTER_ACQUIRE_HANDOVER)
+STAND_BEFORE(bool, waitDeadline, "_ZN7QThread4waitE14QDeadlineTimer", (void *self, qint64 time, quint64 type),
+             (self, time, type), , RETURN_AFTER_ACQUIRE_HANDOVER)
+
+// The thread pool: who starts a task is seen by the task, which asks first whether it was cancelled.
+STAND_BEFORE(void, startTask, "_ZN11QThreadPool5startEP9QRunnablei", (void *self, void *task, int priority),
+             (self, task, priority), __tsan_release(&handover), CALL)
+STAND_BEFORE(bool, isCanceled, "_ZNK20QFutureInterfaceBase10isCanceledEv", (void *self), (self), ,
+             RETURN_AFTER_ACQUIRE_HANDOVER)
+STAND_BEFORE(bool, waitForDone, "_ZN11QThreadPool11waitForDoneEi", (void *self, int timeout), (self, timeout), ,
+             RETURN_AFTER_ACQUIRE_HANDOVER)
+
+// Futures: results and the end of a task are seen by who waited for them, or is told by an event.
+STAND_BEFORE(void, reportResults, "_ZN20QFutureInterfaceBase18reportResultsReadyEii", (void *self, int begin, int end),
+             (self, begin, end), __tsan_release(&handover), CALL)
+STAND_BEFORE(void, reportFinished, "_ZN20QFutureInterfaceBase14reportFinishedEv", (void *self), (self),
+             __tsan_release(&handover), CALL)
+STAND_BEFORE(void, waitForResult, "_ZN20QFutureInterfaceBase13waitForResultEi", (void *self, int index), (self, index),
+             , CALL_THEN_ACQUIRE_HANDOVER)
+STAND_BEFORE(void, waitForFinished, "_ZN20QFutureInterfaceBase15waitForFinishedEv", (void *self), (self), ,
+             CALL_THEN_ACQUIRE_HANDOVER)

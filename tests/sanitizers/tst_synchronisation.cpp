@@ -1,0 +1,117 @@
+#include <support/signalrecorder.h>
+#include <support/testmain.h>
+
+#include <QFutureWatcher>
+#include <QMutex>
+#include <QThread>
+#include <QtConcurrent>
+
+using namespace TestSupport;
+
+/// Hands plain data from thread to thread in each way that the product uses. Under ThreadSanitizer a report here
+/// means that the sanitizer does not know one of Qt's guarantees.
+class TstSynchronisation : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void results_of_a_thread_are_seen_when_it_has_finished();
+    void signals_carry_strings_across_threads();
+    void contended_mutexes_order_what_they_guard();
+    void results_of_pool_work_are_seen_by_its_watcher();
+};
+
+namespace {
+
+class Job : public QThread
+{
+    Q_OBJECT
+
+public:
+    QString name;
+    int result = 0;
+
+signals:
+    void progress(const QString &text);
+
+protected:
+    void run() override
+    {
+        for (int i = 0; i < 50; ++i) {
+            emit progress(QStringLiteral("%1 %2").arg(name, QString::number(i)));
+            result += i;
+        }
+    }
+};
+
+} // namespace
+
+void TstSynchronisation::results_of_a_thread_are_seen_when_it_has_finished()
+{
+    for (int round = 0; round < 50; ++round) {
+        Job job;
+        int seen = -1;
+        connect(&job, &QThread::finished, this, [&]() { seen = job.result; });
+        job.start();
+        QTRY_COMPARE(seen, 1225);
+        QVERIFY(job.wait());
+    }
+}
+
+void TstSynchronisation::signals_carry_strings_across_threads()
+{
+    Job job;
+    job.name = QStringLiteral("step");
+    SignalRecorder<QString> progress(&job, &Job::progress);
+    job.start();
+    QTRY_COMPARE(progress.count(), 50);
+    QCOMPARE(progress.values().last(), QStringLiteral("step 49"));
+    QVERIFY(job.wait());
+}
+
+void TstSynchronisation::contended_mutexes_order_what_they_guard()
+{
+    QMutex plain;
+    QMutex recursive(QMutex::Recursive);
+    QStringList guarded;
+    int counter = 0;
+    const auto work = [&]() {
+        for (int i = 0; i < 500; ++i) {
+            {
+                const QMutexLocker locker(&plain);
+                guarded.append(QString::number(i));
+            }
+            const QMutexLocker outer(&recursive);
+            const QMutexLocker inner(&recursive);
+            ++counter;
+        }
+    };
+    QFuture<void> one = QtConcurrent::run(work);
+    QFuture<void> two = QtConcurrent::run(work);
+    work();
+    one.waitForFinished();
+    two.waitForFinished();
+    QCOMPARE(guarded.size(), 1500);
+    QCOMPARE(counter, 1500);
+}
+
+void TstSynchronisation::results_of_pool_work_are_seen_by_its_watcher()
+{
+    for (int round = 0; round < 50; ++round) {
+        QStringList input{QStringLiteral("a"), QString::number(round)};
+        auto shared = std::make_shared<QStringList>();
+        QFutureWatcher<QString> watcher;
+        QString result;
+        connect(&watcher, &QFutureWatcher<QString>::finished, this,
+                [&]() { result = watcher.result() + shared->first(); });
+        watcher.setFuture(QtConcurrent::run([input, shared]() {
+            shared->append(QStringLiteral("!"));
+            return input.join(QString());
+        }));
+        QTRY_COMPARE(result, QStringLiteral("a%1!").arg(round));
+    }
+}
+
+TEST_MAIN_CORE(TstSynchronisation)
+
+#include "tst_synchronisation.moc"

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace TestSupport {
+
+/// Compares two sequences. Returns an empty string when they are equal, else the first difference with
+/// its surroundings, to be read in a failure message.
+QString sequenceDifference(const QStringList &actual, const QStringList &expected);
+
+/// The operations in the journal of the simulated site must be exactly these, in this order:
+///
+///     VERIFY_JOURNAL({"DeviceControler.restoreFactory", "DeviceControler.copyModelToDevice"});
+QString journalDifference(const QStringList &expected);
+/// These operations must occur in this order; others may stand before, between and after them.
+QString journalOrderDifference(const QStringList &expected);
+
+} // namespace TestSupport
+
+#define VERIFY_JOURNAL(...)                                                                                            \
+    do {                                                                                                               \
+        const QString difference = TestSupport::journalDifference(__VA_ARGS__);                                        \
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));                                                        \
+    } while (false)
+#define VERIFY_JOURNAL_ORDER(...)                                                                                      \
+    do {                                                                                                               \
+        const QString difference = TestSupport::journalOrderDifference(__VA_ARGS__);                                   \
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));                                                        \
+    } while (false)

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "testhome.h"
+#include "warningguard.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QtTest>
+
+// The main function of a test program, by what the class under test needs at least. Each gives the
+// test a private home (TestHome) and fails it for every warning that it did not expect (WarningGuard).
+// The test class needs a default constructor and a "#include "tst_x.moc"" after the macro.
+//
+//     TEST_MAIN_CORE(TstX)  no graphics at all
+//     TEST_MAIN_GUI(TstX)   pictures, but no widgets
+//     TEST_MAIN(TstX)       widgets
+#define TEST_MAIN_WITH(Application, TestClass)                                                                         \
+    int main(int argc, char *argv[])                                                                                   \
+    {                                                                                                                  \
+        TestSupport::TestHome home;                                                                                    \
+        Application application(argc, argv);                                                                           \
+        TestClass test;                                                                                                \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                                     \
+        return TestSupport::runTest(&test, argc, argv);                                                                \
+    }
+#define TEST_MAIN_CORE(TestClass) TEST_MAIN_WITH(QCoreApplication, TestClass)
+#define TEST_MAIN_GUI(TestClass) TEST_MAIN_WITH(QGuiApplication, TestClass)
+#define TEST_MAIN(TestClass) TEST_MAIN_WITH(QApplication, TestClass)

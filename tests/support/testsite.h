@@ -1,0 +1,70 @@
+#pragma once
+
+#include <core/hostsettings.h>
+#include <simulation/network.h>
+#include <simulation/session/session.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace TestSupport {
+
+/// The built-in "small" site for one test function, with directories of its own: five devices of which
+/// `mainHall`, `sideStage` and `foyer` are online, `touringRack` is offline and `boothSwitcher` is of a model
+/// without project files. `mainHall` is the active one.
+class TestSite
+{
+public:
+    const QString mainHall = QStringLiteral("192.168.1.11");
+    const QString sideStage = QStringLiteral("192.168.1.12");
+    const QString foyer = QStringLiteral("192.168.1.20");
+    const QString touringRack = QStringLiteral("192.168.1.30");
+    const QString boothSwitcher = QStringLiteral("192.168.1.40");
+
+    TestSite()
+    {
+        Core::HostSettings settings = Core::hostSettings();
+        settings.deviceConfigFilePath = path(QStringLiteral("devices"));
+        settings.extractJsonPath = path(QStringLiteral("extracted"));
+        Core::applySettings(settings);
+        QDir().mkpath(settings.deviceConfigFilePath);
+
+        QString error;
+        const auto site = Simulation::Site::fromFile(Simulation::builtInSite(QStringLiteral("small")), error);
+        if (!site)
+            qFatal("The built-in site cannot be read: %s", qPrintable(error));
+        m_session = std::make_unique<Simulation::Session>(*site, settings.deviceConfigFilePath);
+        if (!m_session->error().isEmpty())
+            qFatal("The site cannot be brought up: %s", qPrintable(m_session->error()));
+    }
+
+    Simulation::Session *operator->() const { return m_session.get(); }
+
+    /// A path in the site's private folder.
+    QString path(const QString &name) const { return m_dir.filePath(name); }
+    /// A path in the device's configuration directory; that directory itself without a `name`.
+    QString devicePath(const QString &ip, const QString &name = QString()) const
+    {
+        const QString directory = path(QStringLiteral("devices/") + ip);
+        return name.isEmpty() ? directory : directory + QLatin1Char('/') + name;
+    }
+
+    Simulation::HardwareState hardware(const QString &ip) const { return m_session->hardware(ip)->state(); }
+    /// Changes what an online device holds; the host's model follows.
+    void changeHardware(const QString &ip, const std::function<void(Simulation::HardwareState &)> &change) const
+    {
+        m_session->hardware(ip)->change(change);
+        m_session->plug(ip);
+    }
+    /// Makes the host forget the device. Any thread.
+    static void removeFromDeviceList(const QString &ip) { Model::DeviceList::instance()->removeDevice(ip); }
+
+private:
+    QTemporaryDir m_dir;
+    std::unique_ptr<Simulation::Session> m_session;
+};
+
+} // namespace TestSupport

@@ -1,0 +1,787 @@
+#include "engineerdocbackup.h"
+#include "packagetesting.h"
+#include "zippackagehandle.h"
+
+#include <model/deviceeditor.h>
+#include <simulation/faults.h>
+#include <simulation/journal.h>
+#include <support/journalmatchers.h>
+#include <support/packagebuilder.h>
+#include <support/signalrecorder.h>
+#include <support/testmain.h>
+#include <support/testsite.h>
+
+#include <QJsonDocument>
+#include <QTextCodec>
+
+#include <dlfcn.h>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+using namespace TestSupport;
+using Simulation::Fault;
+using Simulation::Faults;
+using Simulation::HardwareState;
+using Simulation::Journal;
+using Simulation::JournalEntry;
+using Simulation::PictureState;
+using Simulation::PresetState;
+
+/// Called on the thread that is about to make a directory. Between looking up a device and using it the job
+/// calls no operation of the host, so this is how a test gets in there.
+static std::function<void(const QByteArray &path)> s_beforeMkdir;
+
+// Stands before the C library's.
+extern "C" Q_DECL_EXPORT int mkdir(const char *path, mode_t mode) noexcept
+{
+    using Function = int (*)(const char *, mode_t);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "mkdir"));
+    if (s_beforeMkdir)
+        s_beforeMkdir(path);
+    return original(path, mode);
+}
+
+static const QString serailize = QStringLiteral("Serailizer.serailize");
+static const QString query = QStringLiteral("MaterialControl.queryMaterailData");
+static const QString load = QStringLiteral("ImageStorager.load");
+static const QString packPreset = QStringLiteral("PresetControl.presetFullDetail2Binary");
+
+static QStringList times(int count, const QStringList &operations)
+{
+    QStringList all;
+    for (int i = 0; i < count; ++i)
+        all += operations;
+    return all;
+}
+
+class TstEngineerDocBackup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void a_save_calls_the_host_in_this_order_and_on_the_jobs_thread();
+    void the_package_holds_exactly_the_devices_files();
+    void the_record_carries_name_comment_and_checksum();
+    void the_serialiser_gets_the_configuration_path();
+    void backgrounds_are_opaque_pictures_pixel_by_pixel();
+    void logos_keep_their_alpha_pixel_by_pixel();
+    void key_numbers_0_and_255_name_their_pictures();
+    void presets_are_streamed_byte_arrays();
+    void preset_numbers_0_and_65535_name_their_files();
+    void an_empty_preset_is_length_zero();
+    void a_device_without_pictures_and_presets_is_saved();
+    void other_files_of_the_device_are_carried_unchanged();
+    void without_a_path_the_package_goes_to_the_users_documents();
+    void a_path_separator_in_the_name_is_used_as_it_stands();
+    void chinese_and_emoji_survive_whatever_the_locale_codec_is();
+    void saving_under_the_same_name_replaces_the_package();
+
+    void progress_names_each_background_and_no_logo();
+    void a_name_with_place_markers_is_shown_as_it_is();
+
+    void a_failing_serialiser_ends_with_6();
+    void an_unwritable_configuration_path_ends_with_6();
+    void a_failing_serialiser_comes_before_an_unknown_device();
+    void an_unknown_device_ends_with_7();
+    void a_device_that_vanishes_on_the_way_ends_with_7_data();
+    void a_device_that_vanishes_on_the_way_ends_with_7();
+    void a_background_that_cannot_be_fetched_ends_with_1();
+    void a_device_that_drops_off_ends_with_1();
+    void a_background_that_fails_while_cancelled_ends_with_4();
+    void a_picture_that_cannot_be_written_does_not_end_the_save_data();
+    void a_picture_that_cannot_be_written_does_not_end_the_save();
+    void an_unopenable_preset_ends_silently_without_a_package();
+    void a_full_disk_under_a_preset_ends_with_5();
+    void a_full_disk_under_the_package_keeps_the_old_one();
+    void a_file_in_the_projects_directorys_place_ends_with_5();
+
+    void an_offline_device_is_saved_from_its_directory();
+    void an_offline_device_keeps_its_files_and_only_its_presets_are_made_anew();
+    void an_offline_device_without_a_picture_ends_with_3_data();
+    void an_offline_device_without_a_picture_ends_with_3();
+
+    void left_over_files_are_neither_saved_nor_kept();
+    void links_in_the_stage_folders_are_not_followed();
+    void staged_files_are_gone_when_packing_failed();
+
+    void a_cancelled_save_ends_at_the_next_point_data();
+    void a_cancelled_save_ends_at_the_next_point();
+    void a_request_before_the_start_is_lost();
+    void a_request_while_the_package_is_written_comes_too_late();
+
+private:
+    /// Runs a job to its end and returns its result code, -1 when it does not come.
+    int save(const QString &ip, const QString &name = QStringLiteral("Show"), const QString &comment = QString());
+    /// A fault that asks the running job to cancel.
+    Fault cancelJob(int call = 1);
+    /// Unpacks with another program than the product and returns the entries' names, sorted.
+    QStringList unpack(const QString &packagePath);
+    QString packagePath(const QString &name = QStringLiteral("Show")) const;
+    QString unpacked(const QString &entry) const { return m_site->path("unpacked/" + entry); }
+    QString stage(const QString &name) const { return m_site->devicePath(m_site->mainHall, name); }
+    void makePackageDirectory() { QDir().mkpath(m_projects); }
+
+    QScopedPointer<TestSite> m_site;
+    QString m_projects;
+    EngineerDocBackup *m_job = nullptr;
+    QVector<QString> m_progress;
+};
+
+void TstEngineerDocBackup::init()
+{
+    m_site.reset(new TestSite);
+    m_projects = m_site->path("projects/");
+    m_progress.clear();
+    WarningGuard::clear();
+}
+
+void TstEngineerDocBackup::cleanup()
+{
+    s_beforeMkdir = nullptr;
+    m_site.reset();
+}
+
+int TstEngineerDocBackup::save(const QString &ip, const QString &name, const QString &comment)
+{
+    EngineerDocBackup job(nullptr, QString());
+    job.setProjectPath(m_projects);
+    job.setDeviceIp(ip);
+    job.setProjectInfo(name, comment);
+    const SignalRecorder<QString> progress(&job, &EngineerDocBackup::signal_operatoerChanged);
+    const SignalRecorder<> finished(&job, &QThread::finished);
+    m_job = &job;
+    job.start(QThread::InheritPriority);
+    const bool ended = QTest::qWaitFor([&finished] { return !finished.isEmpty(); }, 60000);
+    job.wait();
+    m_job = nullptr;
+    m_progress = progress.values();
+    return ended ? job.resultCode() : -1;
+}
+
+Fault TstEngineerDocBackup::cancelJob(int call)
+{
+    return Fault::run([this] { m_job->cancel(); }, call);
+}
+
+QStringList TstEngineerDocBackup::unpack(const QString &packagePath)
+{
+    const QString python = "import sys, zipfile\n"
+                           "z = zipfile.ZipFile(sys.argv[1])\n"
+                           "z.extractall(sys.argv[2])\n"
+                           "print('\\n'.join(z.namelist()))\n";
+    QDir(m_site->path("unpacked")).removeRecursively();
+    const Run outcome = runPython(python, {packagePath, m_site->path("unpacked")});
+    if (outcome.exitCode != 0)
+        return {QStringLiteral("cannot be unpacked: ") + outcome.errors};
+    QStringList names = QString::fromUtf8(outcome.output).split('\n', Qt::SkipEmptyParts);
+    names.sort();
+    return names;
+}
+
+QString TstEngineerDocBackup::packagePath(const QString &name) const
+{
+    return m_projects + name + ".corvelpro";
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What is saved
+
+void TstEngineerDocBackup::a_save_calls_the_host_in_this_order_and_on_the_jobs_thread()
+{
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    VERIFY_JOURNAL(QStringList{serailize} + times(7, {query, load}) + times(4, {load}) + times(6, {packPreset}));
+
+    QStringList arguments;
+    quintptr thread = 0;
+    for (const JournalEntry &entry : Journal::instance()->entries()) {
+        QVERIFY(!entry.onMainThread);
+        if (thread == 0)
+            thread = entry.threadId;
+        QCOMPARE(entry.threadId, thread);
+        if (entry.operation == query)
+            arguments.append(QStringLiteral("%1 %2 %3")
+                                 .arg(entry.arguments["ip"].toString(), entry.arguments["keyNo"].toString(),
+                                      entry.arguments["picture"].toString()));
+        else if (entry.operation == load)
+            arguments.append(entry.arguments["imageKey"].toString() + ' ' + entry.arguments["format"].toString());
+        else if (entry.operation == packPreset)
+            arguments.append(entry.arguments["number"].toString());
+    }
+    const QString asOpaque = ' ' + QString::number(QImage::Format_RGB32);
+    const QString withAlpha = ' ' + QString::number(QImage::Format_ARGB32);
+    QStringList expected;
+    for (const int keyNo : {0, 1, 2, 3, 4, 7, 12})
+        expected << QStringLiteral("192.168.1.11 %1 true").arg(keyNo)
+                 << QStringLiteral("192.168.1.11/background/%1").arg(keyNo) + asOpaque;
+    for (const int keyNo : {0, 1, 2, 5})
+        expected << QStringLiteral("192.168.1.11/logo/%1").arg(keyNo) + withAlpha;
+    for (int number = 1; number <= 6; ++number)
+        expected << QString::number(number);
+    const QString difference = sequenceDifference(arguments, expected);
+    QVERIFY2(difference.isEmpty(), qPrintable(difference));
+}
+
+void TstEngineerDocBackup::the_package_holds_exactly_the_devices_files()
+{
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QStringList expected{"192.168.1.11.json", "BKG/", "LOGO/", "Preset/"};
+    for (const int keyNo : {0, 1, 2, 3, 4, 7, 12})
+        expected.append(QStringLiteral("BKG/BKG_%1.png").arg(keyNo));
+    for (const int keyNo : {0, 1, 2, 5})
+        expected.append(QStringLiteral("LOGO/LOGO_%1.png").arg(keyNo));
+    for (int number = 1; number <= 6; ++number)
+        expected.append(QStringLiteral("Preset/%1.RPst").arg(number));
+    expected.sort();
+    QCOMPARE(unpack(packagePath()), expected);
+
+    const QJsonDocument description = QJsonDocument::fromJson(readFile(unpacked("192.168.1.11.json")));
+    QCOMPARE(description.object(), (*m_site)->device(m_site->mainHall)->toJson());
+}
+
+void TstEngineerDocBackup::the_record_carries_name_comment_and_checksum()
+{
+    QCOMPARE(save(m_site->mainHall, "Gala 2026", "after the rehearsal\nsecond line"), int(BackupSuccess));
+    const QByteArray bytes = readFile(packagePath("Gala 2026"));
+    const int commentAt = bytes.lastIndexOf(QByteArray("PK\5\6", 4)) + 22;
+    const QJsonObject record = QJsonDocument::fromJson(bytes.mid(commentAt)).object();
+    QCOMPARE(record.value("projectName").toString(), QString("Gala 2026"));
+    QCOMPARE(record.value("comment").toString(), QString("after the rehearsal\nsecond line"));
+    QCOMPARE(record.value("Checksum").toString().toLatin1(), PackageBuilder::checksum(bytes, bytes.size() - commentAt));
+}
+
+void TstEngineerDocBackup::the_serialiser_gets_the_configuration_path()
+{
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(Journal::instance()->entries(serailize).first().arguments["configPath"].toString(),
+             m_site->path("devices"));
+}
+
+void TstEngineerDocBackup::backgrounds_are_opaque_pictures_pixel_by_pixel()
+{
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    unpack(packagePath());
+    const HardwareState hardware = m_site->hardware(m_site->mainHall);
+    QCOMPARE(hardware.backgrounds.size(), 7);
+    for (auto it = hardware.backgrounds.begin(); it != hardware.backgrounds.end(); ++it) {
+        const QImage picture(unpacked(QStringLiteral("BKG/BKG_%1.png").arg(it.key())), "PNG");
+        QVERIFY(!picture.hasAlphaChannel());
+        QCOMPARE(picture.convertToFormat(QImage::Format_RGB32), it->pixels);
+    }
+}
+
+void TstEngineerDocBackup::logos_keep_their_alpha_pixel_by_pixel()
+{
+    QImage everyAlpha(256, 3, QImage::Format_ARGB32);
+    for (int alpha = 0; alpha < 256; ++alpha) {
+        everyAlpha.setPixel(alpha, 0, qRgba(255, 128, 1, alpha));
+        everyAlpha.setPixel(alpha, 1, qRgba(0, 0, 0, alpha));
+        everyAlpha.setPixel(alpha, 2, qRgba(alpha, 255 - alpha, 77, 255));
+    }
+    m_site->changeHardware(m_site->mainHall, [&everyAlpha](HardwareState &state) {
+        state.logos.insert(9, PictureState{"alpha", everyAlpha});
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    unpack(packagePath());
+    const HardwareState hardware = m_site->hardware(m_site->mainHall);
+    QCOMPARE(hardware.logos.size(), 5);
+    for (auto it = hardware.logos.begin(); it != hardware.logos.end(); ++it) {
+        const QImage picture(unpacked(QStringLiteral("LOGO/LOGO_%1.png").arg(it.key())), "PNG");
+        QVERIFY(picture.hasAlphaChannel());
+        QCOMPARE(picture.convertToFormat(QImage::Format_ARGB32), it->pixels);
+    }
+}
+
+void TstEngineerDocBackup::key_numbers_0_and_255_name_their_pictures()
+{
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        const PictureState background = state.backgrounds.first();
+        const PictureState logo = state.logos.first();
+        state.backgrounds = {{0, background}, {255, background}};
+        state.logos = {{0, logo}, {255, logo}};
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    const QStringList pictures = unpack(packagePath()).filter(".png");
+    QCOMPARE(pictures, QStringList({"BKG/BKG_0.png", "BKG/BKG_255.png", "LOGO/LOGO_0.png", "LOGO/LOGO_255.png"}));
+}
+
+void TstEngineerDocBackup::presets_are_streamed_byte_arrays()
+{
+    const QByteArray everyByte = [] {
+        QByteArray bytes;
+        for (int byte = 0; byte < 256; ++byte)
+            bytes.append(char(byte));
+        return bytes;
+    }();
+    m_site->changeHardware(m_site->mainHall, [&](HardwareState &state) {
+        state.presets.insert(300, PresetState{"all", everyByte});
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    unpack(packagePath());
+    QCOMPARE(readFile(unpacked("Preset/300.RPst")), QByteArray::fromHex("00000100") + everyByte);
+    const HardwareState hardware = m_site->hardware(m_site->mainHall);
+    for (auto it = hardware.presets.begin(); it != hardware.presets.end(); ++it) {
+        const QByteArray bytes = readFile(unpacked(QStringLiteral("Preset/%1.RPst").arg(it.key())));
+        QCOMPARE(bytes.mid(4), it->bytes);
+    }
+}
+
+void TstEngineerDocBackup::preset_numbers_0_and_65535_name_their_files()
+{
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        state.presets = {{0, PresetState{"first", "a"}}, {65535, PresetState{"last", "b"}}};
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    const QStringList presets = unpack(packagePath()).filter(".RPst");
+    QCOMPARE(presets, QStringList({"Preset/0.RPst", "Preset/65535.RPst"}));
+    QCOMPARE(readFile(unpacked("Preset/65535.RPst")), QByteArray::fromHex("0000000162"));
+}
+
+void TstEngineerDocBackup::an_empty_preset_is_length_zero()
+{
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        state.presets = {{1, PresetState{"null", QByteArray()}}, {2, PresetState{"empty", QByteArray("")}}};
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    unpack(packagePath());
+    QCOMPARE(readFile(unpacked("Preset/1.RPst")).toHex(), QByteArray("00000000"));
+    QCOMPARE(readFile(unpacked("Preset/2.RPst")).toHex(), QByteArray("00000000"));
+}
+
+void TstEngineerDocBackup::a_device_without_pictures_and_presets_is_saved()
+{
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        state.backgrounds.clear();
+        state.logos.clear();
+        state.presets.clear();
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(unpack(packagePath()), QStringList({"192.168.1.11.json", "BKG/", "LOGO/", "Preset/"}));
+    VERIFY_JOURNAL({serailize});
+    QVERIFY(m_progress.isEmpty());
+}
+
+void TstEngineerDocBackup::other_files_of_the_device_are_carried_unchanged()
+{
+    const QByteArray content = noise(10000);
+    QVERIFY(writeFile(stage("host/licence.bin"), content));
+    QVERIFY(writeFile(stage("BKG.txt"), "not staged"));
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    const QStringList names = unpack(packagePath());
+    QVERIFY(names.contains("host/licence.bin"));
+    QCOMPARE(readFile(unpacked("host/licence.bin")), content);
+    QCOMPARE(readFile(unpacked("BKG.txt")), QByteArray("not staged"));
+    QCOMPARE(readFile(stage("host/licence.bin")), content);
+}
+
+void TstEngineerDocBackup::without_a_path_the_package_goes_to_the_users_documents()
+{
+    const QString expected =
+        QDir::homePath() + QStringLiteral("/Documents/Velmora/Tarvo/ProjectFiles/Default.corvelpro");
+    QFile::remove(expected);
+    EngineerDocBackup job(nullptr, m_site->touringRack);
+    job.setProjectInfo("Default", QString());
+    job.start();
+    QVERIFY(job.wait(60000));
+    QCOMPARE(job.resultCode(), int(BackupSuccess));
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(expected));
+}
+
+void TstEngineerDocBackup::a_path_separator_in_the_name_is_used_as_it_stands()
+{
+    QVERIFY(QDir().mkpath(m_projects + "tour/day 1"));
+    QCOMPARE(save(m_site->mainHall, "tour/day 1/Show"), int(BackupSuccess));
+    EngineerPacketInfo info;
+    info.strFilePath = m_projects + "tour/day 1/Show.corvelpro";
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, QString("tour/day 1/Show"));
+}
+
+void TstEngineerDocBackup::chinese_and_emoji_survive_whatever_the_locale_codec_is()
+{
+    const QString name = QString::fromUtf8("年会 🎬 主会场");
+    const QString comment = QString::fromUtf8("彩排之后 👩‍🎤 – Größe");
+    const QString carried = QString::fromUtf8("说明/读我🎉.txt");
+    QVERIFY(writeFile(stage(carried), "read me"));
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO 8859-1"));
+    const int code = save(m_site->mainHall, name, comment);
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+
+    QCOMPARE(code, int(BackupSuccess));
+    EngineerPacketInfo info;
+    info.strFilePath = packagePath(name);
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, name);
+    QCOMPARE(info.strComment, comment);
+    QVERIFY(unpack(packagePath(name)).contains(carried));
+    QCOMPARE(readFile(unpacked(carried)), QByteArray("read me"));
+}
+
+void TstEngineerDocBackup::saving_under_the_same_name_replaces_the_package()
+{
+    QCOMPARE(save(m_site->mainHall, "Show", "first"), int(BackupSuccess));
+    QCOMPARE(save(m_site->foyer, "Show", "second"), int(BackupSuccess));
+    EngineerPacketInfo info;
+    info.strFilePath = packagePath();
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strComment, QString("second"));
+    QVERIFY(unpack(packagePath()).contains("192.168.1.20.json"));
+    QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Progress
+
+void TstEngineerDocBackup::progress_names_each_background_and_no_logo()
+{
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(m_progress, QVector<QString>(
+                             {"Saving the gallery [BKG:Opening beams]...", "Saving the gallery [BKG:Keynote aurora]...",
+                              "Saving the gallery [BKG:Walk-in bokeh]...", "Saving the gallery [BKG:Stage blue]...",
+                              "Saving the gallery [BKG:Panel aurora]...", "Saving the gallery [BKG:Award gold]...",
+                              "Saving the gallery [BKG:Finale beams]..."}));
+}
+
+void TstEngineerDocBackup::a_name_with_place_markers_is_shown_as_it_is()
+{
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        const QImage pixels = state.backgrounds.first().pixels;
+        state.backgrounds = {{1, PictureState{"50%1off %2 %%", pixels}}};
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(m_progress, QVector<QString>{"Saving the gallery [BKG:50%1off %2 %%]..."});
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What goes wrong
+
+void TstEngineerDocBackup::a_failing_serialiser_ends_with_6()
+{
+    Faults::instance()->arm(serailize, Fault::fail());
+    QCOMPARE(save(m_site->mainHall), int(BackupSaveJsonFailed));
+    QCOMPARE(WarningGuard::count(QtDebugMsg, "Fail to serailize model data."), 1);
+    VERIFY_JOURNAL({serailize});
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::an_unwritable_configuration_path_ends_with_6()
+{
+    QVERIFY(QDir(m_site->path("devices")).removeRecursively());
+    QVERIFY(writeFile(m_site->path("devices"), "in the way"));
+    QCOMPARE(save(m_site->mainHall), int(BackupSaveJsonFailed));
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_failing_serialiser_comes_before_an_unknown_device()
+{
+    Faults::instance()->arm(serailize, Fault::fail());
+    QCOMPARE(save("10.0.0.1"), int(BackupSaveJsonFailed));
+}
+
+void TstEngineerDocBackup::an_unknown_device_ends_with_7()
+{
+    QCOMPARE(save("10.0.0.1"), int(BackupGetDeviceFailed));
+    VERIFY_JOURNAL({serailize});
+    QVERIFY(!QFile::exists(packagePath()));
+    QVERIFY(!QFile::exists(m_site->devicePath("10.0.0.1")));
+}
+
+void TstEngineerDocBackup::a_device_that_vanishes_on_the_way_ends_with_7_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("call");
+    QTest::addColumn<QStringList>("calls");
+    const QStringList backgrounds = QStringList{serailize} + times(7, {query, load});
+    QTest::newRow("before it is looked up") << serailize << 1 << QStringList{serailize};
+    QTest::newRow("before the backgrounds") << QString() << 0 << QStringList{serailize};
+    QTest::newRow("before the logos") << load << 7 << backgrounds;
+    QTest::newRow("before the presets") << load << 11 << backgrounds + times(4, {load});
+}
+
+void TstEngineerDocBackup::a_device_that_vanishes_on_the_way_ends_with_7()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, call);
+    QFETCH(QStringList, calls);
+    const auto vanish = [ip = m_site->mainHall] { TestSite::removeFromDeviceList(ip); };
+    if (operation.isEmpty())
+        s_beforeMkdir = [vanish](const QByteArray &path) {
+            if (path.endsWith("/BKG"))
+                vanish();
+        };
+    else
+        Faults::instance()->arm(operation, Fault::run(vanish, call));
+    QCOMPARE(save(m_site->mainHall), int(BackupGetDeviceFailed));
+    VERIFY_JOURNAL(calls);
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_background_that_cannot_be_fetched_ends_with_1()
+{
+    Faults::instance()->arm(query, Fault::fail(3));
+    QCOMPARE(save(m_site->mainHall), int(BackupExportBkgFailed));
+    VERIFY_JOURNAL(QStringList{serailize} + times(2, {query, load}) + QStringList{query});
+    QCOMPARE(m_progress.size(), 3);
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_device_that_drops_off_ends_with_1()
+{
+    Faults::instance()->arm(query, Fault::disconnect(7));
+    QCOMPARE(save(m_site->mainHall), int(BackupExportBkgFailed));
+    QVERIFY(!(*m_site)->device(m_site->mainHall)->getDeviceOnlineFlag());
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_background_that_fails_while_cancelled_ends_with_4()
+{
+    Faults::instance()->arm(query, cancelJob(2));
+    Faults::instance()->arm(query, Fault::fail(2));
+    QCOMPARE(save(m_site->mainHall), int(BackupUserCanceled));
+    VERIFY_JOURNAL({serailize, query, load, query});
+}
+
+void TstEngineerDocBackup::a_picture_that_cannot_be_written_does_not_end_the_save_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::addColumn<QString>("missing");
+    QTest::newRow("background") << 2 << "BKG/BKG_1.png";
+    QTest::newRow("logo") << 8 << "LOGO/LOGO_0.png";
+}
+
+void TstEngineerDocBackup::a_picture_that_cannot_be_written_does_not_end_the_save()
+{
+    QFETCH(int, call);
+    QFETCH(QString, missing);
+    Faults::instance()->arm(load, Fault::fail(call));
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    const QStringList pictures = unpack(packagePath()).filter(".png");
+    QCOMPARE(pictures.size(), 10);
+    QVERIFY(!pictures.contains(missing));
+}
+
+void TstEngineerDocBackup::an_unopenable_preset_ends_silently_without_a_package()
+{
+    Faults::instance()->arm(packPreset, Fault::run([this] { QDir().mkpath(stage("Preset/2.RPst")); }, 2));
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QVERIFY(!QFile::exists(packagePath()));
+    QCOMPARE(Journal::instance()->count(packPreset), 2);
+    QCOMPARE(WarningGuard::count(QtDebugMsg, "Device [Main hall] serailize error,reason: Is a directory"), 1);
+}
+
+void TstEngineerDocBackup::a_full_disk_under_a_preset_ends_with_5()
+{
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        state.presets = {{1, PresetState{"large", noise(3 * MiB)}}, {2, PresetState{"small", "small"}}};
+    });
+    QScopedPointer<FullDisk> fullDisk;
+    Faults::instance()->arm(packPreset, Fault::run([&fullDisk] { fullDisk.reset(new FullDisk(MiB)); }));
+    // The package itself would have room again.
+    Faults::instance()->arm(packPreset, Fault::run([&fullDisk] { fullDisk.reset(); }, 2));
+    const int code = save(m_site->mainHall);
+    QVERIFY(fullDisk);
+    fullDisk.reset();
+    QCOMPARE(code, int(BackupEncryptFailed));
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_full_disk_under_the_package_keeps_the_old_one()
+{
+    QCOMPARE(save(m_site->mainHall, "Show", "the old one"), int(BackupSuccess));
+    const QByteArray before = readFile(packagePath());
+    QVERIFY(writeFile(stage("large.bin"), noise(3 * MiB)));
+    int code = -1;
+    {
+        const FullDisk fullDisk(MiB);
+        code = save(m_site->mainHall, "Show", "the new one");
+    }
+    QCOMPARE(code, int(BackupEncryptFailed));
+    QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+    QVERIFY(readFile(packagePath()) == before);
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath()));
+}
+
+void TstEngineerDocBackup::a_file_in_the_projects_directorys_place_ends_with_5()
+{
+    QVERIFY(writeFile(m_site->path("projects"), "in the way"));
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QCOMPARE(readFile(m_site->path("projects")), QByteArray("in the way"));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Offline devices
+
+void TstEngineerDocBackup::an_offline_device_is_saved_from_its_directory()
+{
+    QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
+    VERIFY_JOURNAL(QStringList{serailize} + times(3, {packPreset}));
+    QVERIFY(m_progress.isEmpty());
+    QCOMPARE(unpack(packagePath()),
+             QStringList({"192.168.1.30.json", "BKG/", "BKG/BKG_0.png", "BKG/BKG_1.png", "LOGO/", "LOGO/LOGO_0.png",
+                          "LOGO/LOGO_1.png", "Preset/", "Preset/1.RPst", "Preset/2.RPst", "Preset/3.RPst"}));
+    for (const char *picture : {"BKG/BKG_0.png", "BKG/BKG_1.png", "LOGO/LOGO_0.png", "LOGO/LOGO_1.png"})
+        QCOMPARE(readFile(unpacked(picture)), readFile(m_site->devicePath(m_site->touringRack, picture)));
+}
+
+void TstEngineerDocBackup::an_offline_device_keeps_its_files_and_only_its_presets_are_made_anew()
+{
+    const QString device = m_site->devicePath(m_site->touringRack);
+    QVERIFY(writeFile(device + "/BKG/spare.png", "spare"));
+    QVERIFY(writeFile(device + "/LOGO/.hidden/deep/note", "note"));
+    QVERIFY(writeFile(device + "/Preset/99.RPst", "old"));
+    QVERIFY(writeFile(device + "/Preset/.old/nested/1.RPst", "old"));
+    const QByteArray background = readFile(device + "/BKG/BKG_0.png");
+    QVERIFY(!background.isEmpty());
+
+    QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
+    QCOMPARE(readFile(device + "/BKG/BKG_0.png"), background);
+    QCOMPARE(readFile(device + "/BKG/spare.png"), QByteArray("spare"));
+    QCOMPARE(readFile(device + "/LOGO/.hidden/deep/note"), QByteArray("note"));
+    QCOMPARE(contents(device + "/Preset"), QStringList({"1.RPst", "2.RPst", "3.RPst"}));
+    const QStringList names = unpack(packagePath());
+    QVERIFY(names.contains("BKG/spare.png"));
+    QVERIFY(names.contains("LOGO/.hidden/deep/note"));
+    QCOMPARE(names.filter(QRegularExpression("^Preset/.")).size(), 3);
+}
+
+void TstEngineerDocBackup::an_offline_device_without_a_picture_ends_with_3_data()
+{
+    QTest::addColumn<QString>("missing");
+    QTest::newRow("first background") << "BKG/BKG_0.png";
+    QTest::newRow("last background") << "BKG/BKG_1.png";
+    QTest::newRow("logo with key number 3") << "LOGO/LOGO_3.png";
+}
+
+void TstEngineerDocBackup::an_offline_device_without_a_picture_ends_with_3()
+{
+    QFETCH(QString, missing);
+    Model::DeviceEditor editor(*(*m_site)->device(m_site->touringRack));
+    Model::DeviceData data = editor.data();
+    data.logos.push_back(std::make_shared<Model::Materail>(Model::Materail::Logo, 3, "third", QSize(8, 8), data.ip));
+    editor.replace(data);
+    const QString logo3 = m_site->devicePath(m_site->touringRack, "LOGO/LOGO_3.png");
+    QVERIFY(QFile::copy(m_site->devicePath(m_site->touringRack, "LOGO/LOGO_0.png"), logo3));
+    QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
+    QVERIFY(QFile::remove(packagePath()));
+    QVERIFY(QFile::remove(m_site->devicePath(m_site->touringRack, missing)));
+    Journal::instance()->clear();
+
+    QCOMPARE(save(m_site->touringRack), int(BackupOfflineResourceIncomplete));
+    VERIFY_JOURNAL({serailize});
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Stage folders
+
+void TstEngineerDocBackup::left_over_files_are_neither_saved_nor_kept()
+{
+    for (const char *folder : {"BKG", "LOGO", "Preset"}) {
+        QVERIFY(writeFile(stage(folder) + "/old.png", "old"));
+        QVERIFY(writeFile(stage(folder) + "/.hidden", "old"));
+        QVERIFY(writeFile(stage(folder) + "/nested/.deep/.old", "old"));
+        QVERIFY(QDir().mkpath(stage(folder) + "/empty"));
+    }
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    const QStringList names = unpack(packagePath());
+    QCOMPARE(names.filter("old") + names.filter("hidden") + names.filter("empty"), QStringList());
+    QCOMPARE(names.size(), 4 + 7 + 4 + 6);
+    QCOMPARE(contents(m_site->devicePath(m_site->mainHall)),
+             QStringList({"192.168.1.11.json", "BKG", "LOGO", "Preset"}));
+}
+
+void TstEngineerDocBackup::links_in_the_stage_folders_are_not_followed()
+{
+    const QString outside = m_site->path("outside");
+    QVERIFY(writeFile(outside + "/precious.png", "precious"));
+    for (const char *folder : {"BKG", "LOGO"}) {
+        QVERIFY(QDir().mkpath(stage(folder) + "/nested"));
+        QVERIFY(QFile::link(outside, stage(folder) + "/folder"));
+        QVERIFY(QFile::link(outside + "/precious.png", stage(folder) + "/file.png"));
+        QVERIFY(QFile::link(outside, stage(folder) + "/nested/folder"));
+        QVERIFY(QFile::link(m_site->path("nowhere"), stage(folder) + "/broken"));
+    }
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(readFile(outside + "/precious.png"), QByteArray("precious"));
+    QCOMPARE(unpack(packagePath()).size(), 4 + 7 + 4 + 6);
+    QCOMPARE(contents(m_site->devicePath(m_site->mainHall)),
+             QStringList({"192.168.1.11.json", "BKG", "LOGO", "Preset"}));
+}
+
+void TstEngineerDocBackup::staged_files_are_gone_when_packing_failed()
+{
+    QVERIFY(writeFile(m_site->path("projects"), "in the way"));
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QCOMPARE(contents(m_site->devicePath(m_site->mainHall)),
+             QStringList({"192.168.1.11.json", "BKG", "LOGO", "Preset"}));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Cancelling
+
+void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("call");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QStringList>("calls");
+    const auto backgrounds = [](int count) { return QStringList{serailize} + times(count, {query, load}); };
+    const auto logos = [&](int count) { return backgrounds(7) + times(count, {load}); };
+    const auto presets = [&](int count) { return logos(4) + times(count, {packPreset}); };
+
+    QTest::newRow("before background 1") << serailize << 1 << int(BackupUserCanceled) << backgrounds(0);
+    for (int done = 1; done < 7; ++done) {
+        QTest::addRow("while background %d is fetched", done)
+            << query << done << int(BackupUserCanceled) << backgrounds(done);
+        QTest::addRow("before background %d", done + 1) << load << done << int(BackupUserCanceled) << backgrounds(done);
+    }
+    for (int done = 0; done < 4; ++done)
+        QTest::addRow("before logo %d", done + 1) << load << 7 + done << int(BackupUserCanceled) << logos(done);
+    QTest::newRow("before the preset stage") << load << 11 << int(BackupSuccess) << presets(0);
+    QTest::newRow("before preset 1") << QString() << 0 << int(BackupUserCanceled) << presets(0);
+    for (int done = 1; done < 6; ++done)
+        QTest::addRow("before preset %d", done + 1) << packPreset << done << int(BackupUserCanceled) << presets(done);
+}
+
+void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, call);
+    QFETCH(int, code);
+    QFETCH(QStringList, calls);
+    if (operation.isEmpty())
+        s_beforeMkdir = [this](const QByteArray &path) {
+            // The folder is made twice: with the other stage folders, and anew for the presets.
+            if (path.endsWith("/Preset") && Journal::instance()->count(load) == 11)
+                m_job->cancel();
+        };
+    else
+        Faults::instance()->arm(operation, cancelJob(call));
+    QCOMPARE(save(m_site->mainHall), code);
+    VERIFY_JOURNAL(calls);
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_request_before_the_start_is_lost()
+{
+    EngineerDocBackup job(nullptr, m_site->touringRack);
+    job.setProjectPath(m_projects);
+    job.setProjectInfo("Show", QString());
+    job.cancel();
+    job.start();
+    QVERIFY(job.wait(60000));
+    QCOMPARE(job.resultCode(), int(BackupSuccess));
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath()));
+}
+
+void TstEngineerDocBackup::a_request_while_the_package_is_written_comes_too_late()
+{
+    Faults::instance()->arm(packPreset, cancelJob(6));
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath()));
+}
+
+TEST_MAIN_GUI(TstEngineerDocBackup)
+#include "tst_engineerdocbackup.moc"

@@ -1,0 +1,414 @@
+#include "packagereader.h"
+#include "packagetesting.h"
+#include "zippackagehandle.h"
+
+#include <support/packagebuilder.h>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <JlCompress.h>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+using TestSupport::PackageBuilder;
+
+class TstPackageReader : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void what_is_no_archive_is_not_open();
+    void the_list_is_that_of_the_archiver();
+    void every_entry_comes_out_whole_in_any_order();
+    void paths_are_returned_as_the_archiver_returns_them();
+    void a_missing_entry_gives_nothing();
+    void a_name_longer_than_256_bytes_is_extracted();
+    void of_two_entries_of_one_name_the_first_counts();
+
+    void json_entries_of_any_case_are_extracted_to_their_sub_folders();
+    void json_entries_need_an_existing_package_with_the_extension();
+    void a_json_entry_that_cannot_be_extracted_gives_an_empty_path();
+
+    void a_name_that_could_lead_outside_is_refused_data();
+    void a_name_that_could_lead_outside_is_refused();
+    void a_backslash_inside_a_name_is_part_of_it();
+    void an_entry_that_is_no_file_is_refused_data();
+    void an_entry_that_is_no_file_is_refused();
+    void a_destination_through_a_link_is_refused();
+    void the_callers_own_folder_may_be_a_link();
+    void a_destination_that_is_a_link_is_refused();
+    void a_link_that_the_package_brings_is_never_followed();
+
+    void a_damaged_entry_leaves_the_previous_file_data();
+    void a_damaged_entry_leaves_the_previous_file();
+    void a_full_disk_leaves_the_previous_file();
+    void a_previous_file_is_replaced_even_when_it_may_not_be_written();
+    void files_get_the_default_permissions();
+    void a_description_above_its_limit_is_refused();
+    void content_above_the_claimed_size_is_refused();
+
+private:
+    void write(const PackageBuilder &builder) { QVERIFY(builder.write(m_package)); }
+    QString destination(const QString &name) const { return m_out + '/' + name; }
+
+    QScopedPointer<QTemporaryDir> m_temp;
+    QString m_package;
+    QString m_out;
+};
+
+void TstPackageReader::init()
+{
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+    m_package = m_temp->path() + "/package.corvelpro";
+    m_out = m_temp->path() + "/out/deep";
+    QVERIFY(QDir().mkpath(m_out));
+}
+
+void TstPackageReader::cleanup()
+{
+    m_temp.reset();
+}
+
+void TstPackageReader::what_is_no_archive_is_not_open()
+{
+    for (const QByteArray &bytes : {QByteArray(), QByteArray("text"), QByteArray(70000, '\0')}) {
+        QVERIFY(writeFile(m_package, bytes));
+        PackageReader reader(m_package);
+        QVERIFY(!reader.isOpen());
+        QCOMPARE(reader.fileList(), QStringList());
+        QCOMPARE(reader.comment(), QString());
+        QCOMPARE(reader.extractFile("a.txt", destination("a.txt")), QString());
+        QCOMPARE(reader.extractJsonFiles(m_out), QStringList());
+    }
+    QVERIFY(!PackageReader(m_temp->path() + "/missing").isOpen());
+    QVERIFY(!QFileInfo::exists(m_temp->path() + "/missing"));
+}
+
+void TstPackageReader::the_list_is_that_of_the_archiver()
+{
+    QVERIFY(makeDeviceTree(m_temp->path() + "/device"));
+    QCOMPARE(run("zip", {"-q", "-r", m_package, "."}, m_temp->path() + "/device").exitCode, 0);
+    const QStringList names = PackageReader(m_package).fileList();
+    QVERIFY(names.size() > 10);
+    QCOMPARE(names, JlCompress::getFileList(m_package));
+}
+
+void TstPackageReader::every_entry_comes_out_whole_in_any_order()
+{
+    const QString device = m_temp->path() + "/device";
+    QVERIFY(makeDeviceTree(device));
+    QVERIFY(writeFile(device + "/large.bin", noise(3 * MiB)));
+    QCOMPARE(ZipPackageHandle().compressDir(device, m_package, true), 0);
+    PackageReader reader(m_package);
+    QStringList names = reader.fileList();
+    for (int turn = 0; turn < 2; ++turn) {
+        for (const QString &name : qAsConst(names)) {
+            QVERIFY2(!reader.extractFile(name, destination(name)).isEmpty(), qPrintable(name));
+        }
+        QCOMPARE(contents(m_out), contents(device));
+        for (const QString &name : qAsConst(names)) {
+            QVERIFY(readFile(destination(name)) == readFile(device + '/' + name));
+        }
+        std::reverse(names.begin(), names.end());
+        QVERIFY(QDir(m_out).removeRecursively());
+    }
+}
+
+void TstPackageReader::paths_are_returned_as_the_archiver_returns_them()
+{
+    write(PackageBuilder().folder("A").file("A/b.txt", "b"));
+    for (const QString &name : {QString("A/"), QString("A/b.txt")}) {
+        const QString expected = JlCompress::extractFile(m_package, name, m_temp->path() + "//plain/" + name);
+        QVERIFY(!expected.isEmpty());
+        QCOMPARE(ZipPackageHandle::extractFile(m_package, name, m_temp->path() + "//ours/" + name),
+                 QString(expected).replace("plain", "ours"));
+    }
+    const QString current = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_out));
+    QCOMPARE(PackageReader(m_package).extractFile("A/b.txt", QString()), destination("A/b.txt"));
+    QVERIFY(QDir::setCurrent(current));
+}
+
+void TstPackageReader::a_missing_entry_gives_nothing()
+{
+    write(PackageBuilder().file("a.txt", "a"));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.extractFile("b.txt", destination("b.txt")), QString());
+    QCOMPARE(reader.extractFile("A.TXT", destination("A.TXT")), QString());
+    QCOMPARE(reader.extractFile("", destination("x")), QString());
+    QCOMPARE(reader.extractFile("a.txt", destination("folder/")), QString());
+    QCOMPARE(contents(m_out), QStringList());
+}
+
+void TstPackageReader::a_name_longer_than_256_bytes_is_extracted()
+{
+    const QByteArray name = QByteArray("long").repeated(30) + '/' + QByteArray("name").repeated(30) + '/' +
+                            QByteArray("path").repeated(30) + ".txt";
+    write(PackageBuilder().file("before.txt", "x").file(name, "deep"));
+    QVERIFY(!PackageReader(m_package).extractFile(name, destination(name)).isEmpty());
+    QCOMPARE(readFile(destination(name)), QByteArray("deep"));
+}
+
+void TstPackageReader::of_two_entries_of_one_name_the_first_counts()
+{
+    write(PackageBuilder().file("a.txt", "first").file("a.txt", "second"));
+    QVERIFY(!PackageReader(m_package).extractFile("a.txt", destination("a.txt")).isEmpty());
+    QCOMPARE(readFile(destination("a.txt")), QByteArray("first"));
+}
+
+void TstPackageReader::json_entries_of_any_case_are_extracted_to_their_sub_folders()
+{
+    write(PackageBuilder()
+              .file("device.json", "1")
+              .file("A/B.Json", "2")
+              .file("BKG/BKG_0.png", "3")
+              .file("json.txt", "4")
+              .file("X.JSON", "5"));
+    QCOMPARE(ZipPackageHandle::extractJsonFiles(m_package, m_out),
+             (QStringList{destination("device.json"), destination("A/B.Json"), destination("X.JSON")}));
+    QCOMPARE(contents(m_out), (QStringList{"A", "A/B.Json", "X.JSON", "device.json"}));
+    QCOMPARE(readFile(destination("A/B.Json")), QByteArray("2"));
+}
+
+void TstPackageReader::json_entries_need_an_existing_package_with_the_extension()
+{
+    write(PackageBuilder().file("device.json", "1"));
+    const QString odd = m_temp->path() + "/PACKAGE.CorvelPro";
+    const QString other = m_temp->path() + "/package.zip";
+    QVERIFY(QFile::copy(m_package, odd) && QFile::copy(m_package, other));
+    QCOMPARE(ZipPackageHandle::extractJsonFiles(odd, m_out).size(), 1);
+    QCOMPARE(ZipPackageHandle::extractJsonFiles(other, m_out), QStringList());
+    QCOMPARE(ZipPackageHandle::extractJsonFiles(m_temp->path() + "/missing.corvelpro", m_out), QStringList());
+}
+
+void TstPackageReader::a_json_entry_that_cannot_be_extracted_gives_an_empty_path()
+{
+    write(PackageBuilder().file("../up.json", "1").file("good.json", "2").file("bad.json", "3").claimCrc(1));
+    QCOMPARE(ZipPackageHandle::extractJsonFiles(m_package, m_out), (QStringList{"", destination("good.json"), ""}));
+    QCOMPARE(contents(m_temp->path()), (QStringList{"out", "out/deep", "out/deep/good.json", "package.corvelpro"}));
+}
+
+void TstPackageReader::a_name_that_could_lead_outside_is_refused_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("climbs out") << QByteArray("../x.txt");
+    QTest::newRow("climbs out further") << QByteArray("../../../x.txt");
+    QTest::newRow("climbs out behind a prefix") << QByteArray("BKG/../../x.txt");
+    QTest::newRow("climbs and comes back") << QByteArray("BKG/../x.txt");
+    QTest::newRow("ends in a climb") << QByteArray("BKG/..");
+    QTest::newRow("folder that climbs out") << QByteArray("../up/");
+    QTest::newRow("climbs out with spaces") << QByteArray(".. /x.txt");
+    QTest::newRow("absolute") << QByteArray("/tmp/zip-reader-absolute.txt");
+    QTest::newRow("absolute with two slashes") << QByteArray("//tmp/zip-reader-absolute.txt");
+    QTest::newRow("backslash climb") << QByteArray("..\\x.txt");
+    QTest::newRow("backslash climb behind a prefix") << QByteArray("BKG\\..\\..\\x.txt");
+    QTest::newRow("absolute with a backslash") << QByteArray("\\x.txt");
+    QTest::newRow("drive letter") << QByteArray("C:x.txt");
+    QTest::newRow("drive letter and path") << QByteArray("c:/x.txt");
+    QTest::newRow("drive letter behind a prefix") << QByteArray("BKG/C:/x.txt");
+    QTest::newRow("NUL") << QByteArray("x.txt\0.png", 10);
+}
+
+void TstPackageReader::a_name_that_could_lead_outside_is_refused()
+{
+    QFETCH(QByteArray, name);
+    write(PackageBuilder().file(name, "bad").file("good.txt", "good"));
+    const QStringList before = contents(m_temp->path());
+    PackageReader reader(m_package);
+    QCOMPARE(reader.fileList().size(), 2);
+    const QString listed = reader.fileList().first();
+    QVERIFY(!listed.isEmpty());
+    QCOMPARE(reader.extractFile(listed, destination(listed)), QString());
+    QCOMPARE(reader.extractFile(listed, destination("harmless.txt")), QString());
+    QCOMPARE(contents(m_temp->path()), before);
+    QVERIFY(!QFileInfo::exists("/tmp/zip-reader-absolute.txt"));
+    QVERIFY(!reader.extractFile("good.txt", destination("good.txt")).isEmpty());
+}
+
+void TstPackageReader::a_backslash_inside_a_name_is_part_of_it()
+{
+    write(PackageBuilder().file("a\\b.txt", "x"));
+    QCOMPARE(PackageReader(m_package).extractFile("a\\b.txt", destination("a\\b.txt")), destination("a\\b.txt"));
+    QCOMPARE(contents(m_out), QStringList{"a\\b.txt"});
+}
+
+void TstPackageReader::an_entry_that_is_no_file_is_refused_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<quint32>("mode");
+    QTest::newRow("link") << QByteArray("x") << quint32(PackageBuilder::SymbolicLink);
+    QTest::newRow("link in a folder's name") << QByteArray("x/") << quint32(PackageBuilder::SymbolicLink);
+    QTest::newRow("pipe") << QByteArray("x") << quint32(PackageBuilder::Fifo);
+    QTest::newRow("character device") << QByteArray("x") << quint32(0020644);
+    QTest::newRow("block device") << QByteArray("x") << quint32(0060644);
+    QTest::newRow("socket") << QByteArray("x") << quint32(0140644);
+    QTest::newRow("folder in a file's name") << QByteArray("x") << quint32(PackageBuilder::Directory);
+}
+
+void TstPackageReader::an_entry_that_is_no_file_is_refused()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(quint32, mode);
+    write(PackageBuilder().file(name, "/etc/passwd", PackageBuilder::Stored, mode));
+    QCOMPARE(PackageReader(m_package).extractFile(name, destination(name)), QString());
+    QCOMPARE(contents(m_out), QStringList());
+}
+
+void TstPackageReader::a_destination_through_a_link_is_refused()
+{
+    write(PackageBuilder().file("BKG/sub/x.png", "x").folder("BKG/new"));
+    const QString outside = m_temp->path() + "/outside";
+    QVERIFY(QDir().mkpath(outside + "/sub"));
+    QVERIFY(QFile::link(outside, destination("BKG")));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.extractFile("BKG/sub/x.png", destination("BKG/sub/x.png")), QString());
+    QCOMPARE(reader.extractFile("BKG/new/", destination("BKG/new/")), QString());
+    QCOMPARE(contents(outside), QStringList{"sub"});
+
+    // The same one level further down.
+    QVERIFY(QFile::remove(destination("BKG")));
+    QVERIFY(QDir().mkpath(destination("BKG")));
+    QVERIFY(QFile::link(outside, destination("BKG/sub")));
+    QCOMPARE(reader.extractFile("BKG/sub/x.png", destination("BKG/sub/x.png")), QString());
+    QCOMPARE(contents(outside), QStringList{"sub"});
+}
+
+void TstPackageReader::the_callers_own_folder_may_be_a_link()
+{
+    write(PackageBuilder().file("BKG/x.png", "x"));
+    const QString link = m_temp->path() + "/link";
+    QVERIFY(QFile::link(m_out, link));
+    QCOMPARE(PackageReader(m_package).extractFile("BKG/x.png", link + "/BKG/x.png"), link + "/BKG/x.png");
+    QCOMPARE(readFile(destination("BKG/x.png")), QByteArray("x"));
+}
+
+void TstPackageReader::a_destination_that_is_a_link_is_refused()
+{
+    write(PackageBuilder().file("x.png", "new"));
+    const QString outside = m_temp->path() + "/outside.png";
+    QVERIFY(writeFile(outside, "old"));
+    QVERIFY(QFile::link(outside, destination("x.png")));
+    QVERIFY(QFile::link(outside, destination("other.png")));
+    QVERIFY(QFile::link(m_temp->path() + "/nowhere", destination("broken.png")));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.extractFile("x.png", destination("x.png")), QString());
+    QCOMPARE(reader.extractFile("x.png", destination("other.png")), QString());
+    QCOMPARE(reader.extractFile("x.png", destination("broken.png")), QString());
+    QCOMPARE(readFile(outside), QByteArray("old"));
+    QVERIFY(!QFileInfo::exists(m_temp->path() + "/nowhere"));
+}
+
+void TstPackageReader::a_link_that_the_package_brings_is_never_followed()
+{
+    const QString outside = m_temp->path() + "/outside";
+    QVERIFY(QDir().mkpath(outside));
+    write(PackageBuilder().symbolicLink("BKG", QFile::encodeName(outside)).file("BKG/x.png", "x"));
+    PackageReader reader(m_package);
+    for (const QString &name : reader.fileList()) {
+        reader.extractFile(name, destination(name));
+    }
+    QCOMPARE(contents(outside), QStringList());
+}
+
+void TstPackageReader::a_damaged_entry_leaves_the_previous_file_data()
+{
+    QTest::addColumn<QByteArray>("package");
+    const QByteArray bytes = noise(500000);
+    QTest::newRow("wrong checksum") << PackageBuilder().file("x.png", bytes).claimCrc(7).build();
+    QTest::newRow("wrong checksum, stored")
+        << PackageBuilder().file("x.png", bytes, PackageBuilder::Stored).claimCrc(7).build();
+    QTest::newRow("claims more than it has") << PackageBuilder().file("x.png", bytes).claimSize(600000).build();
+    QTest::newRow("claims less than it has") << PackageBuilder().file("x.png", bytes).claimSize(400000).build();
+    QTest::newRow("unknown method") << PackageBuilder().file("x.png", bytes).claimMethod(99).build();
+    QTest::newRow("encrypted") << PackageBuilder().file("x.png", bytes).claimFlags(1).build();
+    QByteArray overwritten = PackageBuilder().file("x.png", QByteArray(500000, 'x')).build();
+    overwritten.replace(60, 40, noise(40));
+    QTest::newRow("overwritten") << overwritten;
+}
+
+void TstPackageReader::a_damaged_entry_leaves_the_previous_file()
+{
+    QFETCH(QByteArray, package);
+    QVERIFY(writeFile(m_package, package));
+    QVERIFY(writeFile(destination("x.png"), "previous"));
+    QCOMPARE(PackageReader(m_package).extractFile("x.png", destination("x.png")), QString());
+    QCOMPARE(readFile(destination("x.png")), QByteArray("previous"));
+    QCOMPARE(contents(m_out), QStringList{"x.png"});
+}
+
+void TstPackageReader::a_full_disk_leaves_the_previous_file()
+{
+    write(PackageBuilder().file("x.png", noise(500000)));
+    QVERIFY(writeFile(destination("x.png"), "previous"));
+    PackageReader reader(m_package);
+    for (int limit : {0, 1, 300000, 499999}) {
+        const FullDisk disk(limit);
+        QCOMPARE(reader.extractFile("x.png", destination("x.png")), QString());
+        QCOMPARE(readFile(destination("x.png")), QByteArray("previous"));
+        QCOMPARE(contents(m_out), QStringList{"x.png"});
+    }
+    // The archive is still good for the next try.
+    QVERIFY(!reader.extractFile("x.png", destination("x.png")).isEmpty());
+    QCOMPARE(QFileInfo(destination("x.png")).size(), 500000);
+}
+
+void TstPackageReader::a_previous_file_is_replaced_even_when_it_may_not_be_written()
+{
+    write(PackageBuilder().file("x.png", "new", PackageBuilder::Stored, 0100444));
+    QVERIFY(writeFile(destination("x.png"), "previous"));
+    QCOMPARE(run("chmod", {"444", destination("x.png")}).exitCode, 0);
+    QCOMPARE(run("chmod", {"-R", "a+rX", m_temp->path()}).exitCode, 0);
+    QCOMPARE(run("chmod", {"777", m_out}).exitCode, 0);
+    const OrdinaryUser user;
+    for (int turn = 0; turn < 2; ++turn) {
+        QCOMPARE(PackageReader(m_package).extractFile("x.png", destination("x.png")), destination("x.png"));
+        QCOMPARE(readFile(destination("x.png")), QByteArray("new"));
+    }
+}
+
+void TstPackageReader::files_get_the_default_permissions()
+{
+    const mode_t oldMask = umask(027);
+    write(PackageBuilder()
+              .file("set-uid", "x", PackageBuilder::Stored, 0104777)
+              .file("locked", "x", PackageBuilder::Stored, 0100000));
+    PackageReader reader(m_package);
+    for (const QString &name : reader.fileList()) {
+        reader.extractFile(name, destination(name));
+    }
+    umask(oldMask);
+    for (const QString &name : {QString("set-uid"), QString("locked")}) {
+        struct stat status;
+        QCOMPARE(stat(QFile::encodeName(destination(name)).constData(), &status), 0);
+        QCOMPARE(int(status.st_mode), 0100640);
+    }
+}
+
+void TstPackageReader::a_description_above_its_limit_is_refused()
+{
+    const QByteArray atLimit(int(64 * MiB), ' ');
+    write(PackageBuilder().file("a.json", atLimit).file("b.Json", atLimit + ' ').file("c.bin", atLimit + ' '));
+    PackageReader reader(m_package);
+    QVERIFY(!reader.extractFile("a.json", destination("a.json")).isEmpty());
+    QCOMPARE(reader.extractFile("b.Json", destination("b.Json")), QString());
+    QVERIFY(!reader.extractFile("c.bin", destination("c.bin")).isEmpty());
+    QCOMPARE(contents(m_out), (QStringList{"a.json", "c.bin"}));
+}
+
+void TstPackageReader::content_above_the_claimed_size_is_refused()
+{
+    // What counts is what comes out, not what the archive says.
+    write(PackageBuilder().file("b.json", QByteArray(int(64 * MiB) + 1, ' ')).claimSize(10));
+    QCOMPARE(PackageReader(m_package).extractFile("b.json", destination("b.json")), QString());
+    QCOMPARE(contents(m_out), QStringList());
+    write(PackageBuilder().file("x.png", "x").claimSize(quint32(1024 * MiB) + 1));
+    QCOMPARE(PackageReader(m_package).extractFile("x.png", destination("x.png")), QString());
+}
+
+QTEST_GUILESS_MAIN(TstPackageReader)
+#include "tst_packagereader.moc"

@@ -1,0 +1,346 @@
+#include "packagechecksum.h"
+#include "packagetesting.h"
+#include "packagewriter.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <JlCompress.h>
+
+using namespace PackageTesting;
+using ProjectFileCfg::Internal::PackageWriter;
+namespace PackageChecksum = ProjectFileCfg::Internal::PackageChecksum;
+
+class TstPackageWriter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void names_and_order_are_those_of_compressing_the_directory();
+    void leading_bytes_are_those_of_compressing_the_directory();
+    void pictures_are_stored_and_the_rest_is_deflated();
+    void packed_bytes_come_out_again_with_another_unpacker();
+    void other_unpackers_take_the_archive_without_a_warning();
+    void an_archive_without_entries_counts_as_unreadable();
+    void a_name_longer_than_256_bytes_is_packed();
+    void a_time_before_1980_is_stored_as_1980();
+    void the_package_itself_is_left_out_of_its_directory();
+
+    void a_link_to_a_file_inside_is_packed_as_the_file();
+    void a_link_to_a_folder_inside_is_packed_as_the_folder();
+    void what_cannot_be_packed_whole_is_refused_data();
+    void what_cannot_be_packed_whole_is_refused();
+    void what_may_not_be_read_is_refused_data();
+    void what_may_not_be_read_is_refused();
+    void a_file_above_the_classic_format_is_refused();
+    void a_full_disk_makes_writing_fail();
+    void a_source_that_is_gone_makes_writing_fail();
+    void another_archive_is_not_taken_for_the_written_one();
+
+    void the_end_record_never_begins_a_chunk_data();
+    void the_end_record_never_begins_a_chunk();
+    void memory_stays_bounded();
+
+private:
+    bool pack();
+
+    QScopedPointer<QTemporaryDir> m_temp;
+    QString m_dir;
+    QString m_archive;
+};
+
+void TstPackageWriter::init()
+{
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+    m_dir = m_temp->path() + "/device";
+    m_archive = m_temp->path() + "/archive.zip";
+    QVERIFY(QDir().mkpath(m_dir));
+}
+
+void TstPackageWriter::cleanup()
+{
+    m_temp.reset();
+}
+
+bool TstPackageWriter::pack()
+{
+    PackageWriter writer(m_dir, m_archive);
+    QFile archive(m_archive);
+    return writer.scan() && archive.open(QIODevice::ReadWrite | QIODevice::Truncate) && writer.write(archive) &&
+           writer.isListedIn(m_archive);
+}
+
+void TstPackageWriter::names_and_order_are_those_of_compressing_the_directory()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    for (const char *name : {"b.txt", "A.txt", "a_1.txt", "C/x.txt", "c2/D/y.txt", "c2/e.txt", "_.txt", "Z", "0"}) {
+        QVERIFY(writeFile(m_dir + "/order/" + name, "x"));
+    }
+    QVERIFY(pack());
+    const QString plain = m_temp->path() + "/plain.zip";
+    QVERIFY(JlCompress::compressDir(plain, m_dir, true, QDir::Hidden));
+    QCOMPARE(JlCompress::getFileList(m_archive), JlCompress::getFileList(plain));
+    QVERIFY(JlCompress::getFileList(m_archive).contains(".hidden/.secret"));
+    QVERIFY(JlCompress::getFileList(m_archive).contains("Empty/"));
+}
+
+void TstPackageWriter::leading_bytes_are_those_of_compressing_the_directory()
+{
+    // The first entry decides: once a folder, once a stored picture, once a deflated file.
+    for (const char *first : {"folder/a.txt", "a.png", "a.txt"}) {
+        QVERIFY(QDir(m_dir).removeRecursively());
+        QVERIFY(writeFile(m_dir + '/' + first, noise(1000)));
+        QVERIFY(pack());
+        const QString plain = m_temp->path() + "/plain.zip";
+        QVERIFY(JlCompress::compressDir(plain, m_dir, true));
+        QCOMPARE(readFile(m_archive).left(6), readFile(plain).left(6));
+        QCOMPARE(readFile(m_archive).left(6), QByteArray("PK\x03\x04\x14\0", 6));
+    }
+}
+
+void TstPackageWriter::pictures_are_stored_and_the_rest_is_deflated()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    QVERIFY(pack());
+    const Run listing = runPython("import sys, zipfile\n"
+                                  "for i in zipfile.ZipFile(sys.argv[1]).infolist():\n"
+                                  "    print(i.compress_type, i.filename)\n",
+                                  {m_archive});
+    QVERIFY2(listing.output.contains("0 BKG/BKG_0.png\n"), listing.output);
+    QVERIFY2(listing.output.contains("0 BKG/BKG_12.PNG\n"), listing.output);
+    QVERIFY2(listing.output.contains("8 192.168.0.10.json\n"), listing.output);
+    QVERIFY2(listing.output.contains("8 Preset/1.RPst\n"), listing.output);
+}
+
+void TstPackageWriter::packed_bytes_come_out_again_with_another_unpacker()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    QVERIFY(pack());
+    const QString out = m_temp->path() + "/out";
+    const Run unpacked = runPython("import sys, zipfile\n"
+                                   "zipfile.ZipFile(sys.argv[1]).extractall(sys.argv[2])\n",
+                                   {m_archive, out});
+    QVERIFY2(unpacked.exitCode == 0, unpacked.errors);
+    QCOMPARE(contents(out), contents(m_dir));
+    for (const QString &name : contents(m_dir)) {
+        QCOMPARE(readFile(out + '/' + name), readFile(m_dir + '/' + name));
+    }
+}
+
+void TstPackageWriter::other_unpackers_take_the_archive_without_a_warning()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    QVERIFY(pack());
+    QCOMPARE(complaints(m_archive), QString());
+}
+
+void TstPackageWriter::an_archive_without_entries_counts_as_unreadable()
+{
+    QVERIFY(!pack());
+    QCOMPARE(QFileInfo(m_archive).size(), 22);
+}
+
+void TstPackageWriter::a_name_longer_than_256_bytes_is_packed()
+{
+    const QString part = QString::fromUtf8("很长的文件夹名字").repeated(8);
+    const QString name = part + '/' + part + '/' + part + "/x.txt";
+    QVERIFY(writeFile(m_dir + '/' + name, "deep"));
+    QVERIFY(pack());
+    QVERIFY(JlCompress::getFileList(m_archive).contains(name));
+    QCOMPARE(complaints(m_archive), QString());
+}
+
+void TstPackageWriter::a_time_before_1980_is_stored_as_1980()
+{
+    QVERIFY(writeFile(m_dir + "/old.txt", "old"));
+    QCOMPARE(run("touch", {"-d", "1970-01-02 00:00:00", m_dir + "/old.txt"}).exitCode, 0);
+    QVERIFY(pack());
+    const Run time = runPython("import sys, zipfile\n"
+                               "print(zipfile.ZipFile(sys.argv[1]).infolist()[0].date_time)\n",
+                               {m_archive});
+    QCOMPARE(time.output, QByteArray("(1980, 1, 1, 0, 0, 0)\n"));
+}
+
+void TstPackageWriter::the_package_itself_is_left_out_of_its_directory()
+{
+    m_archive = m_dir + "/project.corvelpro";
+    QVERIFY(writeFile(m_dir + "/a.txt", "a"));
+    QVERIFY(pack());
+    QVERIFY(pack());
+    QCOMPARE(JlCompress::getFileList(m_archive), QStringList{"a.txt"});
+}
+
+void TstPackageWriter::a_link_to_a_file_inside_is_packed_as_the_file()
+{
+    QVERIFY(writeFile(m_dir + "/data/real.txt", "content"));
+    QVERIFY(QFile::link("data/real.txt", m_dir + "/link.txt"));
+    QVERIFY(pack());
+    const Run content = run("unzip", {"-p", m_archive, "link.txt"});
+    QCOMPARE(content.output, QByteArray("content"));
+    const QString out = m_temp->path() + "/out";
+    QCOMPARE(run("unzip", {"-q", m_archive, "-d", out}).exitCode, 0);
+    QVERIFY(!QFileInfo(out + "/link.txt").isSymLink());
+}
+
+void TstPackageWriter::a_link_to_a_folder_inside_is_packed_as_the_folder()
+{
+    QVERIFY(writeFile(m_dir + "/data/real.txt", "content"));
+    QVERIFY(QFile::link("data", m_dir + "/more"));
+    QVERIFY(pack());
+    QCOMPARE(JlCompress::getFileList(m_archive), (QStringList{"data/", "data/real.txt", "more/", "more/real.txt"}));
+}
+
+void TstPackageWriter::what_cannot_be_packed_whole_is_refused_data()
+{
+    QTest::addColumn<QStringList>("recipe");
+    QTest::newRow("link to a file outside") << QStringList{"ln", "-s", "/etc/passwd", "%1/link"};
+    QTest::newRow("link to a folder outside") << QStringList{"ln", "-s", "/usr", "%1/link"};
+    QTest::newRow("link to a folder whose name begins alike") << QStringList{"ln", "-s", "../device2", "%1/link"};
+    QTest::newRow("link that climbs out") << QStringList{"ln", "-s", "../outside.txt", "%1/link"};
+    QTest::newRow("broken link") << QStringList{"ln", "-s", "nowhere", "%1/link"};
+    QTest::newRow("link to itself") << QStringList{"ln", "-s", "link", "%1/link"};
+    QTest::newRow("link to the packed folder") << QStringList{"ln", "-s", ".", "%1/link"};
+    QTest::newRow("link to an enclosing folder") << QStringList{"ln", "-s", "..", "%1/sub/link"};
+    QTest::newRow("pipe") << QStringList{"mkfifo", "%1/pipe"};
+    QTest::newRow("device") << QStringList{"ln", "-s", "/dev/null", "%1/device"};
+}
+
+void TstPackageWriter::what_cannot_be_packed_whole_is_refused()
+{
+    QFETCH(QStringList, recipe);
+    QVERIFY(writeFile(m_dir + "/sub/good.txt", "good"));
+    QVERIFY(writeFile(m_temp->path() + "/outside.txt", "outside"));
+    QVERIFY(QDir().mkpath(m_temp->path() + "/device2"));
+    QVERIFY(PackageWriter(m_dir, m_archive).scan());
+    recipe.replaceInStrings("%1", m_dir);
+    QCOMPARE(run(recipe.takeFirst(), recipe).exitCode, 0);
+    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+}
+
+void TstPackageWriter::what_may_not_be_read_is_refused_data()
+{
+    QTest::addColumn<QString>("locked");
+    QTest::newRow("file") << "/sub/file.txt";
+    QTest::newRow("folder") << "/sub";
+}
+
+void TstPackageWriter::what_may_not_be_read_is_refused()
+{
+    QFETCH(QString, locked);
+    QVERIFY(writeFile(m_dir + "/sub/file.txt", "x"));
+    QCOMPARE(run("chmod", {"-R", "a+rX", m_temp->path()}).exitCode, 0);
+    {
+        const OrdinaryUser user;
+        QVERIFY(PackageWriter(m_dir, m_archive).scan());
+    }
+    QCOMPARE(run("chmod", {"a-rwx", m_dir + locked}).exitCode, 0);
+    {
+        const OrdinaryUser user;
+        QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+    }
+    QCOMPARE(run("chmod", {"u+rwx", m_dir + locked}).exitCode, 0);
+}
+
+void TstPackageWriter::a_file_above_the_classic_format_is_refused()
+{
+    QFile file(m_dir + "/huge.bin");
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(0xFFFFFFFELL));
+    QVERIFY(PackageWriter(m_dir, m_archive).scan());
+    QVERIFY(file.resize(0xFFFFFFFFLL));
+    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+}
+
+void TstPackageWriter::a_full_disk_makes_writing_fail()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    QVERIFY(pack());
+    const qint64 size = QFileInfo(m_archive).size();
+    // Wherever in the archive the disk becomes full: in an entry, in the central directory, at its last byte.
+    for (qint64 limit : {qint64(0), qint64(100), size / 2, size - 300, size - 23, size - 1}) {
+        const FullDisk disk(limit);
+        QVERIFY2(!pack(), qPrintable(QString::number(limit)));
+    }
+    const FullDisk disk(size);
+    QVERIFY(pack());
+}
+
+void TstPackageWriter::a_source_that_is_gone_makes_writing_fail()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    PackageWriter writer(m_dir, m_archive);
+    QVERIFY(writer.scan());
+    QVERIFY(QFile::remove(m_dir + "/LOGO/LOGO_3.png"));
+    QFile archive(m_archive);
+    QVERIFY(archive.open(QIODevice::ReadWrite));
+    QVERIFY(!writer.write(archive));
+}
+
+void TstPackageWriter::another_archive_is_not_taken_for_the_written_one()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    PackageWriter writer(m_dir, m_archive);
+    QFile archive(m_archive);
+    QVERIFY(writer.scan());
+    QVERIFY(archive.open(QIODevice::ReadWrite));
+    QVERIFY(writer.write(archive));
+    QVERIFY(writer.isListedIn(m_archive));
+
+    QVERIFY(writeFile(m_dir + "/LOGO/LOGO_3.png", noise(101)));
+    QVERIFY(pack());
+    QVERIFY(!writer.isListedIn(m_archive));
+    QVERIFY(QFile::remove(m_dir + "/LOGO/LOGO_3.png"));
+    QVERIFY(pack());
+    QVERIFY(!writer.isListedIn(m_archive));
+}
+
+void TstPackageWriter::the_end_record_never_begins_a_chunk_data()
+{
+    QTest::addColumn<qint64>("excess");
+    for (int excess : {1, 2, 3, 4, 5, 6, 7, 21}) {
+        QTest::newRow(qPrintable(QString::number(excess))) << qint64(excess);
+    }
+}
+
+void TstPackageWriter::the_end_record_never_begins_a_chunk()
+{
+    QFETCH(qint64, excess);
+    // Pictures are stored, so each byte of the picture is one of the archive.
+    QVERIFY(writeFile(m_dir + "/first.txt", "the entry that takes the padding"));
+    QVERIFY(writeFile(m_dir + "/picture.png", noise(1000)));
+    QVERIFY(pack());
+    const qint64 overhead = QFileInfo(m_archive).size() - 1000;
+    QVERIFY(writeFile(m_dir + "/picture.png", noise(PackageChecksum::chunkSize + excess - overhead)));
+    QVERIFY(pack());
+
+    const qint64 size = QFileInfo(m_archive).size();
+    QVERIFY2(size % PackageChecksum::chunkSize >= 22, qPrintable(QString::number(size)));
+    QCOMPARE(size, PackageChecksum::chunkSize + excess + 32);
+    QCOMPARE(complaints(m_archive), QString());
+}
+
+void TstPackageWriter::memory_stays_bounded()
+{
+    const auto peak = [] {
+        const QByteArray status = readFile("/proc/self/status");
+        return status.mid(status.indexOf("VmHWM:") + 6, 20).simplified().split(' ').first().toLongLong() * 1024;
+    };
+    for (const char *name : {"/stored.png", "/deflated.bin"}) {
+        QFile file(m_dir + name);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.resize(150 * MiB));
+    }
+    QFile reset("/proc/self/clear_refs");
+    QVERIFY(reset.open(QIODevice::WriteOnly));
+    QVERIFY(reset.write("5") == 1 && reset.flush());
+    const qint64 before = peak();
+    QVERIFY(pack());
+    QVERIFY2(peak() - before < 16 * MiB, qPrintable(QString::number((peak() - before) / MiB)));
+}
+
+QTEST_GUILESS_MAIN(TstPackageWriter)
+#include "tst_packagewriter.moc"

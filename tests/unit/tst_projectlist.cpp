@@ -1,0 +1,303 @@
+#include "packagetesting.h"
+#include "projectlist.h"
+
+#include <support/packagebuilder.h>
+#include <support/testmain.h>
+
+#include <QtConcurrentRun>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+using TestSupport::PackageBuilder;
+
+class TstProjectList : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void a_missing_directory_is_created_and_lists_nothing();
+    void a_directory_that_cannot_be_created_leaves_the_list();
+    void packages_are_listed_newest_first_with_their_records();
+    void the_name_is_the_files_and_not_the_records();
+    void the_name_ends_at_the_first_dot();
+    void a_known_package_is_not_read_again();
+    void a_known_package_moves_with_its_time();
+    void a_renamed_package_is_read_again();
+    void a_deleted_package_leaves_the_list();
+    void what_is_no_valid_package_is_left_out_data();
+    void what_is_no_valid_package_is_left_out();
+    void an_extension_in_capitals_is_listed();
+    void other_files_and_sub_directories_are_left_out();
+
+    void a_scan_started_earlier_never_replaces_a_later_ones_list();
+    void scans_that_end_in_order_replace_each_other();
+    void superseded_scans_leave_a_list_that_was_changed_by_hand();
+    void superseding_tells_whether_scans_are_running();
+    void scans_in_many_threads_leave_the_list_of_the_last_one();
+
+private:
+    /// Writes a valid package whose file was changed `age` seconds ago.
+    bool addPackage(const QString &fileName, const QString &comment, int age = 0);
+    void scan() { m_list->scanProjectFiles(m_path, m_list->beginScan()); }
+    QStringList names() const;
+    QStringList comments() const;
+
+    QScopedPointer<QTemporaryDir> m_temp;
+    QScopedPointer<ProjectList> m_list;
+    QString m_path;
+    QDateTime m_now;
+};
+
+void TstProjectList::init()
+{
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+    m_path = m_temp->path() + "/ProjectFiles/";
+    QVERIFY(QDir().mkpath(m_path));
+    m_list.reset(new ProjectList);
+    m_now = QDateTime::currentDateTime();
+}
+
+bool TstProjectList::addPackage(const QString &fileName, const QString &comment, int age)
+{
+    PackageBuilder package;
+    package.file("device.json", "{}").record("recorded name", comment);
+    if (!package.write(m_path + fileName))
+        return false;
+    QFile file(m_path + fileName);
+    return file.open(QIODevice::ReadWrite) && file.setFileTime(m_now.addSecs(-age), QFileDevice::FileModificationTime);
+}
+
+QStringList TstProjectList::names() const
+{
+    QStringList names;
+    for (const EngineerPacketInfo &info : m_list->projects)
+        names.append(info.strProjectName);
+    return names;
+}
+
+QStringList TstProjectList::comments() const
+{
+    QStringList comments;
+    for (const EngineerPacketInfo &info : m_list->projects)
+        comments.append(info.strComment);
+    return comments;
+}
+
+void TstProjectList::a_missing_directory_is_created_and_lists_nothing()
+{
+    m_path = m_temp->path() + "/a/b/ProjectFiles/";
+    scan();
+    QVERIFY(QDir(m_path).exists());
+    QVERIFY(m_list->projects.isEmpty());
+}
+
+void TstProjectList::a_directory_that_cannot_be_created_leaves_the_list()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    scan();
+    QCOMPARE(names(), QStringList{"A"});
+    QVERIFY(writeFile(m_temp->path() + "/file", "in the way"));
+    m_list->scanProjectFiles(m_temp->path() + "/file/ProjectFiles/", m_list->beginScan());
+    QCOMPARE(names(), QStringList{"A"});
+}
+
+void TstProjectList::packages_are_listed_newest_first_with_their_records()
+{
+    QVERIFY(addPackage("Middle.corvelpro", "second", 60));
+    QVERIFY(addPackage("Oldest.corvelpro", "third", 3600));
+    QVERIFY(addPackage("Newest.corvelpro", "first", 1));
+    scan();
+    QCOMPARE(names(), QStringList({"Newest", "Middle", "Oldest"}));
+    QCOMPARE(comments(), QStringList({"first", "second", "third"}));
+    QCOMPARE(m_list->projects.first().strFilePath, m_path + "Newest.corvelpro");
+    QCOMPARE(m_list->projects.first().strChecksum.size(), 32);
+}
+
+void TstProjectList::the_name_is_the_files_and_not_the_records()
+{
+    QVERIFY(addPackage("From the file.corvelpro", QString()));
+    scan();
+    QCOMPARE(names(), QStringList{"From the file"});
+}
+
+void TstProjectList::the_name_ends_at_the_first_dot()
+{
+    QVERIFY(addPackage("Show v1.2.corvelpro", QString()));
+    scan();
+    QCOMPARE(names(), QStringList{"Show v1"});
+}
+
+void TstProjectList::a_known_package_is_not_read_again()
+{
+    QVERIFY(addPackage("A.corvelpro", "before"));
+    scan();
+    const QString checksum = m_list->projects.first().strChecksum;
+    QVERIFY(addPackage("A.corvelpro", "after"));
+    scan();
+    QCOMPARE(comments(), QStringList{"before"});
+    // Not even a broken one is noticed.
+    QVERIFY(writeFile(m_path + "A.corvelpro", "no package"));
+    scan();
+    QCOMPARE(comments(), QStringList{"before"});
+    QCOMPARE(m_list->projects.first().strChecksum, checksum);
+}
+
+void TstProjectList::a_known_package_moves_with_its_time()
+{
+    QVERIFY(addPackage("A.corvelpro", "a", 10));
+    QVERIFY(addPackage("B.corvelpro", "b", 20));
+    scan();
+    QCOMPARE(names(), QStringList({"A", "B"}));
+    QVERIFY(addPackage("B.corvelpro", "b", 5));
+    scan();
+    QCOMPARE(names(), QStringList({"B", "A"}));
+}
+
+void TstProjectList::a_renamed_package_is_read_again()
+{
+    QVERIFY(addPackage("A.corvelpro", "before"));
+    scan();
+    QVERIFY(addPackage("A.corvelpro", "after"));
+    QVERIFY(QFile::rename(m_path + "A.corvelpro", m_path + "B.corvelpro"));
+    scan();
+    QCOMPARE(names(), QStringList{"B"});
+    QCOMPARE(comments(), QStringList{"after"});
+}
+
+void TstProjectList::a_deleted_package_leaves_the_list()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QVERIFY(addPackage("B.corvelpro", "b", 5));
+    scan();
+    QVERIFY(QFile::remove(m_path + "A.corvelpro"));
+    scan();
+    QCOMPARE(names(), QStringList{"B"});
+}
+
+void TstProjectList::what_is_no_valid_package_is_left_out_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    PackageBuilder good;
+    good.file("device.json", noise(2000));
+    const QByteArray archive = good.build();
+    const QByteArray package = PackageBuilder(good).record("name", "comment").build();
+    QByteArray damaged = package;
+    damaged[2] = damaged.at(2) ^ 1;
+
+    QTest::newRow("empty file") << QByteArray();
+    QTest::newRow("text") << QByteArray("no package");
+    QTest::newRow("zip without a record") << archive;
+    QTest::newRow("truncated in the record") << package.left(package.size() - 10);
+    QTest::newRow("truncated in the archive") << package.left(1000);
+    QTest::newRow("one bit flipped at its start") << damaged;
+    QTest::newRow("wrong checksum")
+        << PackageBuilder(good).recordWithChecksum(QString(32, 'a'), "name", "comment").build();
+    QTest::newRow("record of two keys") << PackageBuilder(good)
+                                               .comment("{\"Checksum\":\"" + PackageBuilder::checksum(archive, 0) +
+                                                        "\",\"projectName\":\"name\"}")
+                                               .build();
+    QTest::newRow("record that is no JSON") << PackageBuilder(good).comment("Checksum projectName comment").build();
+}
+
+void TstProjectList::what_is_no_valid_package_is_left_out()
+{
+    QFETCH(QByteArray, bytes);
+    QVERIFY(addPackage("Good.corvelpro", "good"));
+    QVERIFY(writeFile(m_path + "Bad.corvelpro", bytes));
+    scan();
+    QCOMPARE(names(), QStringList{"Good"});
+}
+
+void TstProjectList::an_extension_in_capitals_is_listed()
+{
+    QVERIFY(addPackage("LOUD.CORVELPRO", "loud"));
+    scan();
+    QCOMPARE(names(), QStringList{"LOUD"});
+    QCOMPARE(comments(), QStringList{"loud"});
+}
+
+void TstProjectList::other_files_and_sub_directories_are_left_out()
+{
+    QVERIFY(addPackage("Show.zip", "another extension"));
+    QVERIFY(addPackage("Show.corvelpro.part", "another extension"));
+    QVERIFY(addPackage(".Hidden.corvelpro", "hidden"));
+    QVERIFY(QDir().mkpath(m_path + "Folder.corvelpro"));
+    QVERIFY(QDir().mkpath(m_path + "sub"));
+    QVERIFY(addPackage("sub/Show.corvelpro", "further down"));
+    scan();
+    QCOMPARE(names(), QStringList());
+}
+
+void TstProjectList::a_scan_started_earlier_never_replaces_a_later_ones_list()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    const quint64 earlier = m_list->beginScan();
+    const quint64 later = m_list->beginScan();
+    m_list->scanProjectFiles(m_path, later);
+    QCOMPARE(names(), QStringList{"A"});
+    QVERIFY(addPackage("B.corvelpro", "b"));
+    m_list->scanProjectFiles(m_path, earlier);
+    QCOMPARE(names(), QStringList{"A"});
+}
+
+void TstProjectList::scans_that_end_in_order_replace_each_other()
+{
+    const quint64 first = m_list->beginScan();
+    const quint64 second = m_list->beginScan();
+    QVERIFY(addPackage("A.corvelpro", "a", 5));
+    m_list->scanProjectFiles(m_path, first);
+    QCOMPARE(names(), QStringList{"A"});
+    QVERIFY(addPackage("B.corvelpro", "b"));
+    m_list->scanProjectFiles(m_path, second);
+    QCOMPARE(names(), QStringList({"B", "A"}));
+}
+
+void TstProjectList::superseded_scans_leave_a_list_that_was_changed_by_hand()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    scan();
+    const quint64 running = m_list->beginScan();
+    m_list->projects.clear();
+    QVERIFY(m_list->supersedeScans());
+    m_list->scanProjectFiles(m_path, running);
+    QVERIFY(m_list->projects.isEmpty());
+    scan();
+    QCOMPARE(names(), QStringList{"A"});
+}
+
+void TstProjectList::superseding_tells_whether_scans_are_running()
+{
+    QVERIFY(!m_list->supersedeScans());
+    const quint64 running = m_list->beginScan();
+    QVERIFY(m_list->supersedeScans());
+    QVERIFY(!m_list->supersedeScans());
+    m_list->scanProjectFiles(m_path, running);
+    QVERIFY(!m_list->supersedeScans());
+    scan();
+    QVERIFY(!m_list->supersedeScans());
+}
+
+void TstProjectList::scans_in_many_threads_leave_the_list_of_the_last_one()
+{
+    const int scans = 50;
+    QVERIFY(addPackage("A.corvelpro", "a", 100));
+    QVector<QFuture<void>> running;
+    for (int i = 0; i < scans; ++i) {
+        if (i == scans / 2)
+            QVERIFY(addPackage("B.corvelpro", "b"));
+        const quint64 number = m_list->beginScan();
+        running.append(QtConcurrent::run([this, number] { m_list->scanProjectFiles(m_path, number); }));
+        const QMutexLocker locker(&m_list->mutex);
+        QVERIFY(m_list->projects.size() <= 2);
+    }
+    for (QFuture<void> &one : running)
+        one.waitForFinished();
+    QCOMPARE(names(), QStringList({"B", "A"}));
+    QCOMPARE(comments(), QStringList({"b", "a"}));
+}
+
+TEST_MAIN_CORE(TstProjectList)
+#include "tst_projectlist.moc"

@@ -1,0 +1,799 @@
+#include "packagechecksum.h"
+#include "packagetesting.h"
+#include "zippackagehandle.h"
+
+#include <support/packagebuilder.h>
+
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+#include <QTextCodec>
+#include <QThread>
+#include <QtTest>
+
+#include <JlCompress.h>
+
+#include <cstring>
+#include <memory>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+using TestSupport::PackageBuilder;
+
+namespace {
+
+/// The checksum step by step as packages have always been given it: whole chunks are read, and each is taken
+/// as a text that ends at its first zero byte.
+QString literalChecksum(const QString &path, qint64 commentBytes)
+{
+    constexpr qint64 chunkSize = 0xA00000;
+    // One byte more than a chunk, so that a chunk without a zero byte ends behind its last one.
+    std::unique_ptr<char[]> buffer(new char[chunkSize + 1]);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return QString();
+    }
+    qint64 remaining = file.size() - commentBytes;
+    QByteArray accumulator;
+    while (qMin(remaining, chunkSize) > 0) {
+        const qint64 count = file.read(buffer.get(), qMin(remaining, chunkSize));
+        if (count <= 0) {
+            break;
+        }
+        remaining -= count;
+        buffer[count] = '\0';
+        accumulator +=
+            QCryptographicHash::hash(QByteArray(buffer.get(), int(std::strlen(buffer.get()))), QCryptographicHash::Md5)
+                .toHex();
+    }
+    return QString::fromLatin1(QCryptographicHash::hash(accumulator, QCryptographicHash::Md5).toHex());
+}
+
+QByteArray rawComment(const QString &path)
+{
+    return runPython("import sys, zipfile\n"
+                     "sys.stdout.buffer.write(zipfile.ZipFile(sys.argv[1]).comment)\n",
+                     {path})
+        .output;
+}
+
+QString jsonRecord(const QJsonObject &object)
+{
+    return QString::fromUtf8(QJsonDocument(object).toJson());
+}
+
+} // namespace
+
+class TstZipPackageHandle : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void a_record_starts_empty();
+    void a_packed_directory_carries_its_record();
+    void the_record_has_three_keys_in_sorted_order_and_ends_in_a_newline();
+    void names_and_comments_in_every_script_survive_data();
+    void names_and_comments_in_every_script_survive();
+    void any_operation_makes_utf8_the_locale_codec();
+    void other_unpackers_take_a_package_without_a_warning();
+    void packing_replaces_an_older_package();
+    void packing_a_missing_directory_creates_nothing();
+    void packing_an_empty_directory_creates_nothing();
+    void packing_onto_a_directory_fails_and_leaves_it_alone();
+    void packing_makes_the_folder_of_the_package();
+    void packing_on_a_full_disk_leaves_the_old_package();
+    void packing_a_link_that_leads_outside_leaves_the_old_package();
+    void packing_with_a_comment_that_cannot_be_read_back_leaves_the_old_package();
+    void packages_around_a_multiple_of_the_chunk_are_valid_at_once_data();
+    void packages_around_a_multiple_of_the_chunk_are_valid_at_once();
+
+    void the_comment_of_a_missing_file_is_empty();
+    void the_comment_of_an_existing_file_of_any_name_is_read();
+    void a_text_file_is_no_package();
+    void an_odd_file_is_no_package_data();
+    void an_odd_file_is_no_package();
+    void a_missing_file_is_logged();
+
+    void a_new_comment_leaves_the_entries_and_the_checksum_alone();
+    void no_tail_of_an_older_comment_stays();
+    void a_null_comment_removes_the_old_one();
+    void the_longest_comment_is_written_and_a_longer_one_refused();
+    void a_comment_is_not_written_to_what_is_no_archive();
+    void a_new_comment_on_a_full_disk_leaves_the_old_package();
+    void a_new_comment_keeps_the_permissions();
+    void a_new_comment_goes_through_a_link();
+    void readers_meet_the_old_or_the_new_comment_and_nothing_else();
+
+    void records_are_read_leniently_data();
+    void records_are_read_leniently();
+    void a_refused_record_leaves_the_fields_alone();
+    void a_record_with_another_checksum_is_invalid_but_read();
+    void a_record_with_too_few_keys_makes_the_package_invalid_even_with_the_right_checksum();
+    void a_record_without_checksum_is_invalid();
+
+    void the_checksum_is_the_literal_one_data();
+    void the_checksum_is_the_literal_one();
+    void the_checksum_of_packages_by_other_programs_is_the_literal_one();
+    void two_small_packages_have_the_same_checksum();
+    void the_checksum_of_what_cannot_be_opened_is_empty();
+
+    void compressDir_answers_as_it_always_did();
+    void extractDir_answers_as_it_always_did();
+    void extractDir_writes_nothing_outside();
+    void writeTextChecksum_makes_a_digest_the_comment();
+
+private:
+    EngineerPacketInfo packed(const QString &name = "Project1", const QString &comment = "20240229_101530");
+    void verifyNoFragment();
+
+    QScopedPointer<QTemporaryDir> m_temp;
+    QString m_device;
+    QString m_folder;
+    QString m_package;
+};
+
+void TstZipPackageHandle::init()
+{
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+    m_device = m_temp->path() + "/device";
+    m_folder = m_temp->path() + "/ProjectFiles";
+    m_package = m_folder + "/Project1.corvelpro";
+    QVERIFY(QDir().mkpath(m_folder));
+    QVERIFY(makeDeviceTree(m_device));
+}
+
+void TstZipPackageHandle::cleanup()
+{
+    m_temp.reset();
+}
+
+EngineerPacketInfo TstZipPackageHandle::packed(const QString &name, const QString &comment)
+{
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    info.strProjectName = name;
+    info.strComment = comment;
+    if (!ZipPackageHandle::compressEngineerPacket(m_device, info)) {
+        qWarning("the package could not be made");
+    }
+    return info;
+}
+
+void TstZipPackageHandle::verifyNoFragment()
+{
+    QCOMPARE(contents(m_folder), QStringList{"Project1.corvelpro"});
+}
+
+void TstZipPackageHandle::a_record_starts_empty()
+{
+    const EngineerPacketInfo info;
+    QVERIFY(info.strFilePath.isEmpty() && info.strProjectName.isEmpty());
+    QVERIFY(info.strComment.isEmpty() && info.strChecksum.isEmpty());
+}
+
+void TstZipPackageHandle::a_packed_directory_carries_its_record()
+{
+    const EngineerPacketInfo written = packed("Show", "opening night");
+    QVERIFY(QRegularExpression("^[0-9a-f]{32}$").match(written.strChecksum).hasMatch());
+    verifyNoFragment();
+
+    EngineerPacketInfo read;
+    read.strFilePath = m_package;
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(read));
+    QCOMPARE(read.strProjectName, QString("Show"));
+    QCOMPARE(read.strComment, QString("opening night"));
+    QCOMPARE(read.strChecksum, written.strChecksum);
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(ZipPackageHandle::checkPacketChecksum(m_package));
+    QVERIFY(ZipPackageHandle::getFileList(m_package).contains("BKG/BKG_0.png"));
+}
+
+void TstZipPackageHandle::the_record_has_three_keys_in_sorted_order_and_ends_in_a_newline()
+{
+    const EngineerPacketInfo info = packed("Name", "Text");
+    QCOMPARE(rawComment(m_package), "{\n    \"Checksum\": \"" + info.strChecksum.toLatin1() +
+                                        "\",\n    \"comment\": \"Text\",\n    \"projectName\": \"Name\"\n}\n");
+}
+
+void TstZipPackageHandle::names_and_comments_in_every_script_survive_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("Chinese") << QString::fromUtf8("项目文件 备注");
+    QTest::newRow("emoji") << QString::fromUtf8("🎬🎉👩‍👩‍👧");
+    QTest::newRow("quotes and lines") << QString("\"a\\b\"\n\t{}");
+    QTest::newRow("signature of the end record") << QString("PK\x05\x06");
+    QTest::newRow("empty") << QString("");
+}
+
+void TstZipPackageHandle::names_and_comments_in_every_script_survive()
+{
+    QFETCH(QString, text);
+    packed(text, text);
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, text);
+    QCOMPARE(info.strComment, text);
+    QCOMPARE(QString::fromUtf8(rawComment(m_package)), ZipPackageHandle::getZipComment(m_package));
+    QVERIFY(ZipPackageHandle::getFileList(m_package).contains(QString::fromUtf8("设备/图片.txt")));
+}
+
+void TstZipPackageHandle::any_operation_makes_utf8_the_locale_codec()
+{
+    packed();
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    const QVector<std::function<void()>> operations{
+        [&] { ZipPackageHandle::getZipComment(m_package); },
+        [&] { ZipPackageHandle::setZipComment(m_package, "x"); },
+        [&] { ZipPackageHandle::parseEngineerInfo(info, "{}"); },
+        [&] { ZipPackageHandle::checkPacketChecksum("missing"); },
+        [&] { ZipPackageHandle::compressEngineerPacket("missing", info); },
+        [&] { ZipPackageHandle::calcPacketChecksum(m_package); },
+    };
+    const auto restore = qScopeGuard([] { QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8")); });
+    for (const auto &operation : operations) {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+        operation();
+        QCOMPARE(QTextCodec::codecForLocale()->name(), QByteArray("UTF-8"));
+    }
+}
+
+void TstZipPackageHandle::other_unpackers_take_a_package_without_a_warning()
+{
+    packed(QString::fromUtf8("项目 🎬"), "x");
+    QCOMPARE(complaints(m_package), QString());
+}
+
+void TstZipPackageHandle::packing_replaces_an_older_package()
+{
+    packed("old", "a long comment that is longer than the new one");
+    QVERIFY(QDir(m_device).removeRecursively());
+    QVERIFY(writeFile(m_device + "/only.json", "{}"));
+    packed("new", "short");
+    QCOMPARE(ZipPackageHandle::getFileList(m_package), QStringList{"only.json"});
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    verifyNoFragment();
+}
+
+void TstZipPackageHandle::packing_a_missing_directory_creates_nothing()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = m_temp->path() + "/new/Project1.corvelpro";
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_temp->path() + "/missing", info));
+    QVERIFY(!QFileInfo::exists(m_temp->path() + "/new"));
+}
+
+void TstZipPackageHandle::packing_an_empty_directory_creates_nothing()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QVERIFY(QDir().mkpath(m_temp->path() + "/empty"));
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_temp->path() + "/empty", info));
+    QCOMPARE(contents(m_folder), QStringList());
+}
+
+void TstZipPackageHandle::packing_onto_a_directory_fails_and_leaves_it_alone()
+{
+    QVERIFY(writeFile(m_package + "/Project1.corvelpro", "kept"));
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_device, info));
+    QCOMPARE(contents(m_folder), (QStringList{"Project1.corvelpro", "Project1.corvelpro/Project1.corvelpro"}));
+}
+
+void TstZipPackageHandle::packing_makes_the_folder_of_the_package()
+{
+    m_package = m_folder + "/with/separators.corvelpro";
+    packed();
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+}
+
+void TstZipPackageHandle::packing_on_a_full_disk_leaves_the_old_package()
+{
+    packed();
+    const QByteArray old = readFile(m_package);
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    info.strComment = QString(200, 'x');
+    // From nothing to one byte less than is needed: in the entries, the directory, the record.
+    const qint64 needed = old.size() - QString("20240229_101530Project1").size() + 200;
+    for (qint64 limit : {qint64(0), qint64(1000), needed - 300, needed - 250, needed - 1}) {
+        {
+            const FullDisk disk(limit);
+            QVERIFY2(!ZipPackageHandle::compressEngineerPacket(m_device, info), qPrintable(QString::number(limit)));
+        }
+        QVERIFY(readFile(m_package) == old);
+        verifyNoFragment();
+    }
+    const FullDisk disk(needed);
+    QVERIFY(ZipPackageHandle::compressEngineerPacket(m_device, info));
+}
+
+void TstZipPackageHandle::packing_a_link_that_leads_outside_leaves_the_old_package()
+{
+    packed();
+    const QByteArray old = readFile(m_package);
+    QVERIFY(QFile::link("/etc/passwd", m_device + "/link"));
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_device, info));
+    QVERIFY(readFile(m_package) == old);
+    verifyNoFragment();
+}
+
+void TstZipPackageHandle::packing_with_a_comment_that_cannot_be_read_back_leaves_the_old_package()
+{
+    packed();
+    const QByteArray old = readFile(m_package);
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    info.strComment = QString(70000, 'x');
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_device, info));
+    QVERIFY(readFile(m_package) == old);
+    verifyNoFragment();
+}
+
+void TstZipPackageHandle::packages_around_a_multiple_of_the_chunk_are_valid_at_once_data()
+{
+    QTest::addColumn<int>("chunks");
+    QTest::addColumn<int>("excess");
+    for (int excess = -1; excess <= 7; ++excess) {
+        QTest::addRow("1 chunk %+d", excess) << 1 << excess;
+    }
+    QTest::addRow("2 chunks +2") << 2 << 2;
+}
+
+void TstZipPackageHandle::packages_around_a_multiple_of_the_chunk_are_valid_at_once()
+{
+    QFETCH(int, chunks);
+    QFETCH(int, excess);
+    QVERIFY(QDir(m_device).removeRecursively());
+    QVERIFY(writeFile(m_device + "/a.png", noise(1000)));
+    QCOMPARE(ZipPackageHandle().compressDir(m_device, m_package, true), 0);
+    const qint64 overhead = QFileInfo(m_package).size() - 1000;
+    QVERIFY(writeFile(m_device + "/a.png", noise(chunks * PackageChecksum::chunkSize + excess - overhead)));
+
+    packed("Project1", QString(300, 'x'));
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    // Its comment may take any length later.
+    for (const QString &comment : {QString(), QString(1, 'x'), QString(0xFF, 'x'), QString(5000, 'x')}) {
+        EngineerPacketInfo info;
+        info.strFilePath = m_package;
+        QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+        QVERIFY(ZipPackageHandle::setZipComment(
+            m_package, jsonRecord({{"Checksum", info.strChecksum}, {"projectName", "n"}, {"comment", comment}})));
+        QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    }
+}
+
+void TstZipPackageHandle::the_comment_of_a_missing_file_is_empty()
+{
+    QCOMPARE(ZipPackageHandle::getZipComment(m_folder + "/missing.corvelpro"), QString());
+    QCOMPARE(ZipPackageHandle::getZipComment(m_folder + "/missing.zip"), QString());
+    QVERIFY(!ZipPackageHandle::setZipComment(m_folder + "/missing.corvelpro", "x"));
+    QVERIFY(!ZipPackageHandle::setZipComment(m_folder + "/missing.zip", "x"));
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_folder + "/missing.corvelpro"));
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_folder + "/missing.zip"));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_folder + "/missing.corvelpro"));
+    QCOMPARE(ZipPackageHandle::getFileList(m_folder + "/missing.corvelpro"), QStringList());
+    QCOMPARE(contents(m_folder), QStringList());
+}
+
+void TstZipPackageHandle::the_comment_of_an_existing_file_of_any_name_is_read()
+{
+    packed();
+    const QString other = m_folder + "/renamed.txt";
+    QVERIFY(QFile::rename(m_package, other));
+    QVERIFY(!ZipPackageHandle::getZipComment(other).isEmpty());
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(other));
+    QVERIFY(ZipPackageHandle::checkPacketChecksum(other));
+    QVERIFY(ZipPackageHandle::setZipComment(other, "new"));
+    QCOMPARE(ZipPackageHandle::getZipComment(other), QString("new"));
+}
+
+void TstZipPackageHandle::a_text_file_is_no_package()
+{
+    QVERIFY(writeFile(m_package, "only a text"));
+    QCOMPARE(ZipPackageHandle::getZipComment(m_package), QString());
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
+}
+
+void TstZipPackageHandle::an_odd_file_is_no_package_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("text") << QByteArray("text");
+    QTest::newRow("zeros") << QByteArray(100000, '\0');
+    const QByteArray good = PackageBuilder().file("a.json", "{}").record("n", "c").build();
+    QTest::newRow("truncated in the record") << good.left(good.size() - 1);
+    QTest::newRow("truncated in the entries") << good.left(20);
+    QTest::newRow("end record only") << good.right(good.size() - good.indexOf("PK\x05\x06"));
+    QTest::newRow("no comment") << PackageBuilder().file("a.json", "{}").build();
+    QTest::newRow("comment that is no JSON") << PackageBuilder().file("a.json", "{}").comment("{]").build();
+    QTest::newRow("list as comment") << PackageBuilder().file("a.json", "{}").comment("[1,2,3]").build();
+}
+
+void TstZipPackageHandle::an_odd_file_is_no_package()
+{
+    QFETCH(QByteArray, bytes);
+    QVERIFY(writeFile(m_package, bytes));
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
+    QVERIFY(!ZipPackageHandle::getZipFileEngineerInfo(info));
+    QVERIFY(readFile(m_package) == bytes);
+}
+
+void TstZipPackageHandle::a_missing_file_is_logged()
+{
+    static QString logged;
+    logged.clear();
+    const QtMessageHandler old =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &text) {
+            logged += QString::number(type) + '|' + text + '|' + context.file + '|' + context.function;
+        });
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    const bool found = ZipPackageHandle::getZipFileEngineerInfo(info);
+    qInstallMessageHandler(old);
+    QVERIFY(!found);
+    QVERIFY2(logged.startsWith("0|File is not exist|src/plugins/projectfilecfg/zippackagehandle"), qPrintable(logged));
+    QVERIFY2(logged.contains("getZipFileEngineerInfo("), qPrintable(logged));
+}
+
+void TstZipPackageHandle::a_new_comment_leaves_the_entries_and_the_checksum_alone()
+{
+    const EngineerPacketInfo info = packed();
+    const QByteArray old = readFile(m_package);
+    const qint64 archiveSize = old.size() - rawComment(m_package).size();
+    const QString record =
+        jsonRecord({{"Checksum", info.strChecksum}, {"projectName", "other"}, {"comment", "another comment"}});
+    QVERIFY(ZipPackageHandle::setZipComment(m_package, record));
+
+    const QByteArray edited = readFile(m_package);
+    // All but the length of the comment, which ends the archive.
+    QVERIFY(edited.left(int(archiveSize) - 2) == old.left(int(archiveSize) - 2));
+    QCOMPARE(edited.size() - archiveSize, qint64(record.toUtf8().size()));
+    QCOMPARE(QString::fromUtf8(rawComment(m_package)), record);
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    QCOMPARE(complaints(m_package), QString());
+    verifyNoFragment();
+}
+
+void TstZipPackageHandle::no_tail_of_an_older_comment_stays()
+{
+    packed();
+    const qint64 archiveSize = QFileInfo(m_package).size() - rawComment(m_package).size();
+    QRandomGenerator random(7);
+    QVector<int> lengths{60000, 1, 60000, 0};
+    for (int edit = 0; edit < 20; ++edit) {
+        lengths.append(random.bounded(65513));
+    }
+    for (int length : lengths) {
+        const QString comment(length, 'c');
+        QVERIFY(ZipPackageHandle::setZipComment(m_package, comment));
+        QCOMPARE(QFileInfo(m_package).size(), archiveSize + length);
+        QCOMPARE(ZipPackageHandle::getZipComment(m_package), comment);
+    }
+    QCOMPARE(complaints(m_package), QString());
+}
+
+void TstZipPackageHandle::a_null_comment_removes_the_old_one()
+{
+    packed();
+    QVERIFY(ZipPackageHandle::setZipComment(m_package, QString()));
+    QCOMPARE(rawComment(m_package), QByteArray());
+    QCOMPARE(ZipPackageHandle::getZipComment(m_package), QString());
+}
+
+void TstZipPackageHandle::the_longest_comment_is_written_and_a_longer_one_refused()
+{
+    packed();
+    const QString longest = QString(65510, 'c') + QString::fromUtf8("长");
+    QVERIFY(ZipPackageHandle::setZipComment(m_package, longest));
+    QCOMPARE(ZipPackageHandle::getZipComment(m_package), longest);
+    const QByteArray old = readFile(m_package);
+    QVERIFY(!ZipPackageHandle::setZipComment(m_package, longest + 'c'));
+    QVERIFY(!ZipPackageHandle::setZipComment(m_package, QString(100000, 'c')));
+    QVERIFY(readFile(m_package) == old);
+    verifyNoFragment();
+}
+
+void TstZipPackageHandle::a_comment_is_not_written_to_what_is_no_archive()
+{
+    for (const QByteArray &bytes : {QByteArray(), QByteArray("text"), QByteArray(70000, '\0')}) {
+        QVERIFY(writeFile(m_package, bytes));
+        QVERIFY(!ZipPackageHandle::setZipComment(m_package, "x"));
+        QVERIFY(readFile(m_package) == bytes);
+        verifyNoFragment();
+    }
+}
+
+void TstZipPackageHandle::a_new_comment_on_a_full_disk_leaves_the_old_package()
+{
+    packed();
+    const QByteArray old = readFile(m_package);
+    const int archiveSize = old.size() - rawComment(m_package).size();
+    // In the copy, in the directory, in the comment, at its last byte.
+    for (int limit : {0, 100, archiveSize - 10, archiveSize, archiveSize + 499}) {
+        {
+            const FullDisk disk(limit);
+            QVERIFY2(!ZipPackageHandle::setZipComment(m_package, QString(500, 'c')),
+                     qPrintable(QString::number(limit)));
+        }
+        QVERIFY(readFile(m_package) == old);
+        verifyNoFragment();
+    }
+    const FullDisk disk(archiveSize + 500);
+    QVERIFY(ZipPackageHandle::setZipComment(m_package, QString(500, 'c')));
+}
+
+void TstZipPackageHandle::a_new_comment_keeps_the_permissions()
+{
+    packed();
+    const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+    QVERIFY(QFile::setPermissions(m_package, permissions));
+    QVERIFY(ZipPackageHandle::setZipComment(m_package, "x"));
+    struct stat status;
+    QCOMPARE(stat(QFile::encodeName(m_package).constData(), &status), 0);
+    QCOMPARE(int(status.st_mode & 0777), 0640);
+}
+
+void TstZipPackageHandle::a_new_comment_goes_through_a_link()
+{
+    packed();
+    const QString link = m_temp->path() + "/link.corvelpro";
+    QVERIFY(QFile::link(m_package, link));
+    QVERIFY(ZipPackageHandle::setZipComment(link, "x"));
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(ZipPackageHandle::getZipComment(m_package), QString("x"));
+}
+
+void TstZipPackageHandle::readers_meet_the_old_or_the_new_comment_and_nothing_else()
+{
+    const QString first(60000, 'a');
+    const QString second(10, 'b');
+    packed();
+    QVERIFY(ZipPackageHandle::setZipComment(m_package, first));
+    bool written = true;
+    QScopedPointer<QThread> writer(QThread::create([&] {
+        for (int edit = 0; edit < 40; ++edit) {
+            written = ZipPackageHandle::setZipComment(m_package, edit % 2 ? first : second) && written;
+        }
+    }));
+    writer->start();
+    bool whole = true;
+    do {
+        const QString met = ZipPackageHandle::getZipComment(m_package);
+        whole = whole && (met == first || met == second);
+    } while (!writer->isFinished());
+    QVERIFY(writer->wait());
+    QVERIFY(written);
+    QVERIFY(whole);
+}
+
+void TstZipPackageHandle::records_are_read_leniently_data()
+{
+    QTest::addColumn<QString>("json");
+    QTest::addColumn<bool>("accepted");
+    QTest::addColumn<QStringList>("fields");
+    QTest::newRow("three keys") << R"({"Checksum":"1","projectName":"2","comment":"3"})" << true
+                                << QStringList{"1", "2", "3"};
+    QTest::newRow("four keys") << R"({"Checksum":"1","projectName":"2","comment":"3","x":"4"})" << true
+                               << QStringList{"1", "2", "3"};
+    QTest::newRow("two keys") << R"({"Checksum":"1","projectName":"2"})" << false << QStringList();
+    QTest::newRow("no checksum") << R"({"projectName":"2","comment":"3","x":"4"})" << true << QStringList{"", "2", "3"};
+    QTest::newRow("three other keys") << R"({"a":"1","b":"2","c":"3"})" << true << QStringList{"", "", ""};
+    QTest::newRow("wrong types") << R"({"Checksum":1,"projectName":null,"comment":["3"]})" << true
+                                 << QStringList{"", "", ""};
+    QTest::newRow("list") << "[1,2,3]" << false << QStringList();
+    QTest::newRow("empty") << "" << false << QStringList();
+    QTest::newRow("no JSON") << "hello" << false << QStringList();
+    QTest::newRow("cut off") << R"({"Checksum":"1","projectName":"2","comment":"3")" << false << QStringList();
+    QTest::newRow("Chinese") << QString::fromUtf8(R"({"Checksum":"1","projectName":"项目","comment":"🎬"})") << true
+                             << QStringList{"1", QString::fromUtf8("项目"), QString::fromUtf8("🎬")};
+}
+
+void TstZipPackageHandle::records_are_read_leniently()
+{
+    QFETCH(QString, json);
+    QFETCH(bool, accepted);
+    QFETCH(QStringList, fields);
+    EngineerPacketInfo info;
+    info.strFilePath = "kept";
+    QCOMPARE(ZipPackageHandle::parseEngineerInfo(info, json), accepted);
+    QCOMPARE(info.strFilePath, QString("kept"));
+    if (accepted) {
+        QCOMPARE((QStringList{info.strChecksum, info.strProjectName, info.strComment}), fields);
+    }
+}
+
+void TstZipPackageHandle::a_refused_record_leaves_the_fields_alone()
+{
+    EngineerPacketInfo info;
+    info.strChecksum = "old";
+    QVERIFY(!ZipPackageHandle::parseEngineerInfo(info, R"({"Checksum":"1","projectName":"2"})"));
+    QCOMPARE(info.strChecksum, QString("old"));
+}
+
+void TstZipPackageHandle::a_record_with_another_checksum_is_invalid_but_read()
+{
+    const EngineerPacketInfo written = packed();
+    QVERIFY(ZipPackageHandle::setZipComment(
+        m_package,
+        jsonRecord({{"Checksum", written.strChecksum.toUpper()}, {"projectName", "name"}, {"comment", "text"}})));
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QVERIFY(!ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, QString("name"));
+    QCOMPARE(info.strComment, QString("text"));
+    QCOMPARE(info.strChecksum, written.strChecksum.toUpper());
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
+}
+
+void TstZipPackageHandle::a_record_with_too_few_keys_makes_the_package_invalid_even_with_the_right_checksum()
+{
+    const EngineerPacketInfo written = packed();
+    QVERIFY(ZipPackageHandle::setZipComment(m_package,
+                                            jsonRecord({{"Checksum", written.strChecksum}, {"projectName", "n"}})));
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
+    QVERIFY(ZipPackageHandle::setZipComment(
+        m_package,
+        jsonRecord({{"Checksum", written.strChecksum}, {"projectName", "n"}, {"comment", "c"}, {"more", 1}})));
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(ZipPackageHandle::checkPacketChecksum(m_package));
+}
+
+void TstZipPackageHandle::a_record_without_checksum_is_invalid()
+{
+    packed();
+    QVERIFY(
+        ZipPackageHandle::setZipComment(m_package, jsonRecord({{"a", "1"}, {"projectName", "n"}, {"comment", "c"}})));
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
+}
+
+void TstZipPackageHandle::the_checksum_is_the_literal_one_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<QString>("content");
+    const qint64 chunk = PackageChecksum::chunkSize;
+    for (qint64 size : {qint64(100), chunk - 200, chunk, chunk + 1, 2 * chunk, 3 * chunk + 12345}) {
+        QTest::addRow("noise %lld", size) << size << "noise";
+        QTest::addRow("without zero bytes %lld", size) << size << "nonzero";
+        QTest::addRow("zeros %lld", size) << size << "zeros";
+        QTest::addRow("late zero bytes %lld", size) << size << "late";
+    }
+}
+
+void TstZipPackageHandle::the_checksum_is_the_literal_one()
+{
+    QFETCH(qint64, size);
+    QFETCH(QString, content);
+    QByteArray bytes(int(size), content == "zeros" ? '\0' : 'x');
+    if (content == "noise") {
+        bytes = noise(size);
+    } else if (content == "late") {
+        // Behind the first, the small and the large reading steps, and as a chunk's last byte.
+        for (qint64 at : {qint64(4095), PackageChecksum::chunkSize + 4096, 2 * PackageChecksum::chunkSize - 1,
+                          2 * PackageChecksum::chunkSize + 3000000}) {
+            if (at < size) {
+                bytes[int(at)] = '\0';
+            }
+        }
+    }
+    const QByteArray record = "{\"comment\": \"\xE9\xA1\xB9\"}";
+    QVERIFY(PackageBuilder().file("a.png", bytes, PackageBuilder::Stored).comment(record).write(m_package));
+    const QString expected = literalChecksum(m_package, record.size());
+    QCOMPARE(ZipPackageHandle::calcPacketChecksum(m_package), expected);
+    QCOMPARE(QString::fromLatin1(PackageBuilder::checksum(readFile(m_package), record.size())), expected);
+
+    // The same bytes as no zip file: here the first chunk, too, may lack a zero byte.
+    const QString raw = m_temp->path() + "/raw";
+    QVERIFY(writeFile(raw, bytes));
+    QCOMPARE(PackageChecksum::ofLeadingBytes(raw, size), literalChecksum(raw, 0));
+    QCOMPARE(PackageChecksum::ofLeadingBytes(raw, size - 50), literalChecksum(raw, 50));
+}
+
+void TstZipPackageHandle::the_checksum_of_packages_by_other_programs_is_the_literal_one()
+{
+    QVERIFY(writeFile(m_device + "/large.png", noise(12 * MiB)));
+    const QString withPython = m_folder + "/python.corvelpro";
+    const Run python = runPython("import sys, zipfile, os\n"
+                                 "with zipfile.ZipFile(sys.argv[1], 'w', zipfile.ZIP_STORED) as z:\n"
+                                 "    z.write(sys.argv[2] + '/large.png', 'BKG/BKG_1.png')\n"
+                                 "    z.writestr('device.json', '{}')\n",
+                                 {withPython, m_device});
+    QVERIFY2(python.exitCode == 0, python.errors);
+    const QString withZip = m_folder + "/infozip.corvelpro";
+    QCOMPARE(run("zip", {"-q", "-r", withZip + ".zip", "."}, m_device).exitCode, 0);
+    QVERIFY(QFile::rename(withZip + ".zip", withZip));
+
+    for (const QString &path : {withPython, withZip}) {
+        const QString checksum = ZipPackageHandle::calcPacketChecksum(path);
+        QCOMPARE(checksum, literalChecksum(path, 0));
+        QVERIFY(ZipPackageHandle::setZipComment(
+            path, jsonRecord({{"Checksum", checksum}, {"projectName", "n"}, {"comment", "c"}})));
+        QVERIFY(ZipPackageHandle::isValidEngineerPacket(path));
+        QVERIFY(ZipPackageHandle::checkPacketChecksum(path));
+        QCOMPARE(complaints(path), QString());
+    }
+}
+
+void TstZipPackageHandle::two_small_packages_have_the_same_checksum()
+{
+    const QString first = packed().strChecksum;
+    QVERIFY(writeFile(m_device + "/more.bin", noise(100000)));
+    QCOMPARE(packed().strChecksum, first);
+}
+
+void TstZipPackageHandle::the_checksum_of_what_cannot_be_opened_is_empty()
+{
+    QVERIFY(writeFile(m_package, "text"));
+    QCOMPARE(ZipPackageHandle::calcPacketChecksum(m_package), QString());
+    QCOMPARE(ZipPackageHandle::calcPacketChecksum(m_folder + "/missing.corvelpro"), QString());
+}
+
+void TstZipPackageHandle::compressDir_answers_as_it_always_did()
+{
+    ZipPackageHandle handle;
+    QCOMPARE(handle.compressDir(m_temp->path() + "/missing", m_package, true), 2);
+    QCOMPARE(handle.compressDir(m_device, m_package, false), 1);
+    QCOMPARE(contents(m_folder), QStringList());
+    QVERIFY(writeFile(m_package, "old"));
+    QCOMPARE(handle.compressDir(m_device, m_package, false), 1);
+    QCOMPARE(readFile(m_package), QByteArray("old"));
+    QCOMPARE(handle.compressDir(m_device, m_package, true), 0);
+    QVERIFY(ZipPackageHandle::getFileList(m_package).contains("BKG/BKG_0.png"));
+    QCOMPARE(handle.compressDir(m_device, m_device, true), 1);
+}
+
+void TstZipPackageHandle::extractDir_answers_as_it_always_did()
+{
+    ZipPackageHandle handle;
+    const QString out = m_temp->path() + "/out";
+    QCOMPARE(handle.extractDir(m_package, out, true), 2);
+    packed();
+    QCOMPARE(handle.extractDir(m_package, out, false), 0);
+    QCOMPARE(contents(out), contents(m_device));
+    QCOMPARE(handle.extractDir(m_package, out, false), 1);
+    QCOMPARE(handle.extractDir(m_package, out, true), 0);
+    QVERIFY(QFileInfo::exists(m_package));
+    QVERIFY(writeFile(m_package, "text"));
+    QCOMPARE(handle.extractDir(m_package, out, true), 3);
+}
+
+void TstZipPackageHandle::extractDir_writes_nothing_outside()
+{
+    QVERIFY(PackageBuilder().file("good.txt", "x").file("../bad.txt", "x").write(m_package));
+    QCOMPARE(ZipPackageHandle().extractDir(m_package, m_temp->path() + "/out", true), 3);
+    QVERIFY(!QFileInfo::exists(m_temp->path() + "/bad.txt"));
+    QVERIFY(!QFileInfo::exists(m_temp->path() + "/out/good.txt"));
+}
+
+void TstZipPackageHandle::writeTextChecksum_makes_a_digest_the_comment()
+{
+    const QByteArray bytes = PackageBuilder().file("a.txt", "plain text", PackageBuilder::Stored).build();
+    QVERIFY(writeFile(m_package, bytes));
+    QVERIFY(ZipPackageHandle::writeTextChecksum(m_package));
+    const QByteArray text = QString::fromUtf8(bytes.constData(), bytes.size()).toLatin1();
+    QCOMPARE(ZipPackageHandle::getZipComment(m_package),
+             QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex()));
+    QVERIFY(!ZipPackageHandle::writeTextChecksum(m_folder + "/missing.corvelpro"));
+    QVERIFY(!ZipPackageHandle::writeTextChecksum(m_folder + "/missing.zip"));
+    QVERIFY(writeFile(m_package, "text"));
+    QVERIFY(!ZipPackageHandle::writeTextChecksum(m_package));
+}
+
+QTEST_GUILESS_MAIN(TstZipPackageHandle)
+#include "tst_zippackagehandle.moc"
