@@ -101,6 +101,10 @@ HardwareState HardwareState::configuration() const
     copy.identity = Identity();
     copy.protocolNumber = 0;
     copy.capacity = 0;
+    for (CardState &card : copy.cards) {
+        card.type = 0;
+        card.modelId = 0;
+    }
     return copy;
 }
 

@@ -81,8 +81,8 @@ struct HOST_SIMULATION_EXPORT HardwareState
     /// Bytes for pictures and presets; 0 is without limit.
     quint64 capacity = 0;
 
-    /// The same without what belongs to the single device (identity, protocol number, capacity): what a
-    /// configuration that was saved from one device and applied to another makes equal.
+    /// The same without what belongs to the single device (identity, protocol number, capacity, which card sits
+    /// where): what a configuration that was saved from one device and applied to another makes equal.
     HardwareState configuration() const;
     /// What a factory reset leaves: identity, protocol number, capacity and the cards.
     HardwareState afterFactoryReset() const;

@@ -291,11 +291,10 @@ private slots:
         QVERIFY(apply(device(), device(sideStage), source));
         const HardwareState after = hardware(sideStage)->state();
         QCOMPARE(after.identity.name, target.identity.name);
+        QCOMPARE(source.configuration().differencesTo(after.configuration()), QStringList());
         // The sites' cards differ in one type, which applying never changes.
-        QCOMPARE(source.configuration().differencesTo(after.configuration()),
-                 QStringList(QStringLiteral("cards differs")));
-        for (int i = 0; i < source.cards.size(); ++i)
-            QCOMPARE(after.cards.at(i).settings, source.cards.at(i).settings);
+        for (int i = 0; i < target.cards.size(); ++i)
+            QCOMPARE(after.cards.at(i).type, target.cards.at(i).type);
     }
 
     void sending_a_model_removes_presets_and_screens_that_it_does_not_have()

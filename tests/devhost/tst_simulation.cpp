@@ -293,6 +293,8 @@ private slots:
         other.identity.ip = QStringLiteral("10.0.0.2");
         other.protocolNumber = 9;
         other.capacity = 5;
+        other.cards.first().type += 1;
+        other.cards.first().modelId += 1;
         QVERIFY(one != other);
         QVERIFY(one.configuration() == other.configuration());
     }
