@@ -2,6 +2,8 @@
 
 #include <support/testmain.h>
 
+#include <QCoreApplication>
+
 using HX::ExtensionSystem::PluginManager;
 using HX::ExtensionSystem::PluginSpec;
 
@@ -32,7 +34,7 @@ private slots:
 private:
     /// Makes the directory of plugins consist of these fixtures.
     void have(const QStringList &fixtures);
-    QStringList calls() const { return qApp->property("calls").toStringList(); }
+    QStringList calls() const { return QCoreApplication::instance()->property("calls").toStringList(); }
     QStringList calls(const QString &operation) const { return calls().filter(QLatin1Char('.') + operation); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -41,7 +43,7 @@ private:
 void TstPluginManager::init()
 {
     m_directory = std::make_unique<QTemporaryDir>();
-    qApp->setProperty("calls", QStringList());
+    QCoreApplication::instance()->setProperty("calls", QStringList());
 }
 
 void TstPluginManager::have(const QStringList &fixtures)
@@ -78,15 +80,15 @@ void TstPluginManager::plugins_come_up_after_those_they_need_and_go_down_before_
     manager.shutdown();
 
     QCOMPARE(manager.errors(), QStringList());
-    QCOMPARE(calls(), QStringList({QStringLiteral("zeta.constructed"), QStringLiteral("middle.constructed"),
-                                   QStringLiteral("alpha.constructed"), QStringLiteral("zeta.initialize"),
-                                   QStringLiteral("middle.initialize"), QStringLiteral("alpha.initialize"),
-                                   QStringLiteral("alpha.extensionsInitialized"),
-                                   QStringLiteral("middle.extensionsInitialized"),
-                                   QStringLiteral("zeta.extensionsInitialized"),
-                                   QStringLiteral("alpha.aboutToShutdown"), QStringLiteral("middle.aboutToShutdown"),
-                                   QStringLiteral("zeta.aboutToShutdown"), QStringLiteral("alpha.destroyed"),
-                                   QStringLiteral("middle.destroyed"), QStringLiteral("zeta.destroyed")}));
+    QCOMPARE(calls(),
+             QStringList({QStringLiteral("zeta.constructed"), QStringLiteral("middle.constructed"),
+                          QStringLiteral("alpha.constructed"), QStringLiteral("zeta.initialize"),
+                          QStringLiteral("middle.initialize"), QStringLiteral("alpha.initialize"),
+                          QStringLiteral("alpha.extensionsInitialized"), QStringLiteral("middle.extensionsInitialized"),
+                          QStringLiteral("zeta.extensionsInitialized"), QStringLiteral("alpha.aboutToShutdown"),
+                          QStringLiteral("middle.aboutToShutdown"), QStringLiteral("zeta.aboutToShutdown"),
+                          QStringLiteral("alpha.destroyed"), QStringLiteral("middle.destroyed"),
+                          QStringLiteral("zeta.destroyed")}));
 }
 
 void TstPluginManager::delayed_initialization_comes_from_the_event_loop()
@@ -141,8 +143,9 @@ void TstPluginManager::a_missing_dependency_is_named_with_its_version()
     manager.setPluginDirectory(m_directory->path());
     manager.loadPlugins();
 
-    QCOMPARE(manager.errors(),
-             QStringList({QStringLiteral("Plugin \"orphan\" needs plugin \"nowhere\" in version 3.1.0, which is missing")}));
+    QCOMPARE(
+        manager.errors(),
+        QStringList({QStringLiteral("Plugin \"orphan\" needs plugin \"nowhere\" in version 3.1.0, which is missing")}));
     QCOMPARE(manager.plugin(QStringLiteral("orphan"))->state(), PluginSpec::Read);
     QCOMPARE(manager.plugin(QStringLiteral("zeta"))->state(), PluginSpec::Running);
     QVERIFY(calls().filter(QStringLiteral("orphan")).isEmpty());
@@ -171,7 +174,8 @@ void TstPluginManager::a_plugin_provides_the_versions_from_compatible_to_current
 
     const PluginSpec *spec = manager.plugin(name);
     QCOMPARE(spec->state(), provided ? PluginSpec::Running : PluginSpec::Read);
-    const QString error = QStringLiteral("Plugin \"%1\" needs plugin \"zeta\" in version %2, but versions 1.2.0 to 1.4.0 are there");
+    const QString error =
+        QStringLiteral("Plugin \"%1\" needs plugin \"zeta\" in version %2, but versions 1.2.0 to 1.4.0 are there");
     QCOMPARE(spec->errorString(), provided ? QString() : error.arg(name, needed));
 }
 
@@ -200,8 +204,8 @@ void TstPluginManager::a_plugin_that_needs_itself_is_refused()
     PluginManager manager;
     manager.setPluginDirectory(m_directory->path());
 
-    QCOMPARE(manager.errors(), QStringList({QStringLiteral(
-                                   "Plugin \"selfish\" depends on itself: selfish (1.0.0) -> selfish (1.0.0)")}));
+    QCOMPARE(manager.errors(),
+             QStringList({QStringLiteral("Plugin \"selfish\" depends on itself: selfish (1.0.0) -> selfish (1.0.0)")}));
     QVERIFY(manager.loadOrder().isEmpty());
 }
 
@@ -209,12 +213,18 @@ void TstPluginManager::broken_metadata_is_refused_data()
 {
     QTest::addColumn<QString>("fixture");
     QTest::addColumn<QString>("error");
-    QTest::newRow("no name") << "nameless" << "has no Name";
-    QTest::newRow("no version") << "versionless" << "has no usable Version";
-    QTest::newRow("letters in the version") << "odd_version" << "has no usable Version";
-    QTest::newRow("compatible with a later version") << "odd_compat" << "has no usable CompatVersion";
-    QTest::newRow("dependencies are no list") << "odd_list" << "that are not a list";
-    QTest::newRow("dependency without version") << "odd_dependency" << "without a usable Name and Version";
+    QTest::newRow("no name") << "nameless"
+                             << "has no Name";
+    QTest::newRow("no version") << "versionless"
+                                << "has no usable Version";
+    QTest::newRow("letters in the version") << "odd_version"
+                                            << "has no usable Version";
+    QTest::newRow("compatible with a later version") << "odd_compat"
+                                                     << "has no usable CompatVersion";
+    QTest::newRow("dependencies are no list") << "odd_list"
+                                              << "that are not a list";
+    QTest::newRow("dependency without version") << "odd_dependency"
+                                                << "without a usable Name and Version";
 }
 
 void TstPluginManager::broken_metadata_is_refused()
@@ -282,8 +292,8 @@ void TstPluginManager::a_plugin_that_cannot_initialize_takes_only_its_dependents
     QCOMPARE(manager.plugin(QStringLiteral("refusing"))->errorString(), reason);
     QCOMPARE(manager.plugin(QStringLiteral("needs_refusing"))->errorString(),
              QStringLiteral("Plugin \"needs_refusing\" needs plugin \"refusing\" in version 1.0.0, "
-                            "which cannot be used: ")
-                 + reason);
+                            "which cannot be used: ") +
+                 reason);
     QCOMPARE(manager.plugin(QStringLiteral("zeta"))->state(), PluginSpec::Running);
     QVERIFY(!manager.hasRequiredError());
 
