@@ -2,6 +2,7 @@
 
 #include <support/answerbook.h>
 #include <support/customsite.h>
+#include <support/gate.h>
 #include <support/journalmatchers.h>
 #include <support/testmain.h>
 #include <zippackagehandle.h>
@@ -161,6 +162,7 @@ private slots:
     void cancelling_interrupts_the_running_operation();
     void cancel_does_nothing_after_the_end();
     void deleting_the_panel_during_a_load_ends_it_quietly();
+    void deleting_the_panel_before_it_hears_of_the_end_frees_the_device();
 
 private:
     /// Puts the package among the listed ones under that name.
@@ -935,13 +937,37 @@ void TstApplyFlow::deleting_the_panel_during_a_load_ends_it_quietly()
                             }));
     expectQuestion(QMessageBox::No);
     clickApply();
-    QTRY_VERIFY(!m_panel);
-    QTRY_VERIFY(!job);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_panel, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(!job, 30000);
     VERIFY_BOOK();
     QCOMPARE(argumentsOf(operatorType, "type").last().toString(), QStringLiteral("OperatorNone"));
     QVERIFY(!WaitingDialog::instance()->isVisible());
     QCOMPARE(Journal::instance()->count(createPicture), 1);
     QCOMPARE(Journal::instance()->count(copyModel), 0);
+    // Freed at the end of the load, not while it was still sending.
+    QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
+    VERIFY_JOURNAL_ORDER({channel, createPicture, channel});
+    QCOMPARE(argumentsOf(channel, "exclusive"), (QVariantList{true, false}));
+    m_panel.emplace();
+}
+
+void TstApplyFlow::deleting_the_panel_before_it_hears_of_the_end_frees_the_device()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Gate gate;
+    Faults::instance()->arm(copyModel, gate.fault());
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    const QPointer<QThread> job = gate.waitForThread();
+    QVERIFY(job);
+    gate.open();
+    QVERIFY(job->wait(60000));
+    QVERIFY((*m_site)->hardware(targetIp)->isChannelExclusive());
+    m_panel.reset();
+    QTRY_VERIFY_WITH_TIMEOUT(!job, 30000);
+    QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
+    QCOMPARE(argumentsOf(channel, "exclusive"), (QVariantList{true, false}));
     m_panel.emplace();
 }
 

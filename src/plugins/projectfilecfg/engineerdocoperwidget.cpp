@@ -16,6 +16,7 @@
 #include <widgets/waitingdialog.h>
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDebug>
 #include <QFile>
@@ -94,6 +95,12 @@ static void releaseJob(Job *&job, QObject *panel)
     job = nullptr;
 }
 
+static void freeChannel(const std::shared_ptr<Model::Device> &device)
+{
+    if (device && device->getDeviceOnlineFlag())
+        DeviceControler(device).setChannelExclusive(false);
+}
+
 EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
     : ICenterWidget("ProjectFileCfg.Central", parent)
     , m_pProjects(std::make_shared<ProjectList>())
@@ -125,8 +132,13 @@ EngineerDocOperWidget::~EngineerDocOperWidget()
     if (m_pDocBackup)
         m_pDocBackup->cancel();
     releaseJob(m_pDocBackup, this);
-    if (m_pDocLoad)
+    if (m_pDocLoad) {
         m_pDocLoad->cancel();
+        // The job is destroyed when its thread has ended, and only then may others use the device again.
+        if (m_nOperatorType == OperatorLoad)
+            connect(m_pDocLoad, &QObject::destroyed, qApp,
+                    [address = m_strDeviceIP] { freeChannel(findDeviceByAddress(address)); });
+    }
     releaseJob(m_pDocLoad, this);
     release(m_pSaveasWatcher, this);
     release(m_pImportWatcher, this);
@@ -566,8 +578,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (!device)
         return false;
-    if (device->getDeviceOnlineFlag())
-        DeviceControler(device).setChannelExclusive(false);
+    freeChannel(device);
     ICore::setOperatorType(ICore::OperatorBackup, QString());
     m_nOperatorType = OperatorBackup;
 
@@ -620,9 +631,7 @@ void EngineerDocOperWidget::slot_backupFinished()
 
     slot_projectFilesChanged();
     updateButtonState();
-    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
-    if (device && device->getDeviceOnlineFlag())
-        DeviceControler(device).setChannelExclusive(false);
+    freeChannel(Model::object_brige::instance()->activeDevice());
 }
 
 void EngineerDocOperWidget::slot_cancelOperator()
@@ -789,8 +798,7 @@ void EngineerDocOperWidget::slot_loadFinished()
     const int code = m_pDocLoad ? m_pDocLoad->resultCode() : int(LoadSuccess);
     const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
-    if (online)
-        DeviceControler(device).setChannelExclusive(false);
+    freeChannel(device);
     showLoadResult(code);
     if (!guard || !device)
         return;
