@@ -188,10 +188,6 @@
         <source>There are no plugins in %1.</source>
         <translation>%1 中没有插件。</translation>
     </message>
-    <message>
-        <source>Site</source>
-        <translation>现场</translation>
-    </message>
 </context>
 <context>
     <name>SettingCfg::GeneralMode</name>
