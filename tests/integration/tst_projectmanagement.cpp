@@ -134,7 +134,6 @@ private slots:
     void renaming_onto_another_file_keeps_the_name_and_reports();
     void an_unwritable_record_ends_silently();
     void the_table_may_be_rebuilt_while_the_dialog_is_open();
-    void the_panel_may_be_deleted_while_the_dialog_is_open();
 
     // Saving one elsewhere
     void saving_one_elsewhere_copies_it();
@@ -167,6 +166,8 @@ private slots:
     // Closing
     void deleting_the_panel_during_an_import_is_quiet();
     void deleting_the_panel_during_a_save_is_quiet();
+    void deleting_the_panel_while_its_dialog_is_open_starts_nothing_data();
+    void deleting_the_panel_while_its_dialog_is_open_starts_nothing();
 
 private:
     void list(const QString &name, const QString &comment = QStringLiteral("a comment"));
@@ -613,20 +614,6 @@ void TstProjectManagement::the_table_may_be_rebuilt_while_the_dialog_is_open()
     QCOMPARE(m_panel->table()->rowCount(), 2);
 }
 
-void TstProjectManagement::the_panel_may_be_deleted_while_the_dialog_is_open()
-{
-    list(QStringLiteral("show"));
-    const QByteArray before = readFile(projectFile(QStringLiteral("show")));
-    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [&](QDialog *) { m_panel.reset(); });
-    QWidget *buttons = row(QStringLiteral("show"));
-    // Not by a mouse click, after which the deleted button would still be touched by the event's sender.
-    QMetaObject::invokeMethod(buttons->findChild<QToolButton *>(), "click", Qt::QueuedConnection);
-    waitForAnswers();
-    settle();
-    QCOMPARE(readFile(projectFile(QStringLiteral("show"))), before);
-    m_panel.emplace();
-}
-
 // ---------------------------------------------------------------------------------------------------------------------
 // Saving one elsewhere
 
@@ -1039,6 +1026,48 @@ void TstProjectManagement::deleting_the_panel_during_a_save_is_quiet()
     VERIFY_BOOK();
     // What had been asked for is done to its end.
     QVERIFY(QFile::exists(target));
+    m_panel.emplace();
+}
+
+void TstProjectManagement::deleting_the_panel_while_its_dialog_is_open_starts_nothing_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("dialog");
+    const QString properties = QStringLiteral("EngineerPropertySettingWidget");
+    const QString files = QStringLiteral("QFileDialog");
+    const QString box = QStringLiteral("HX::Widgets::FramelessMessageBox");
+    QTest::newRow("saving") << QStringLiteral("Save Project") << properties;
+    QTest::newRow("editing") << QStringLiteral("Edit") << properties;
+    QTest::newRow("applying") << QStringLiteral("Apply") << box;
+    QTest::newRow("applying from elsewhere") << QStringLiteral("Apply Others") << files;
+    QTest::newRow("importing") << QStringLiteral("Import Project") << files;
+    QTest::newRow("saving one elsewhere") << QStringLiteral("Save as") << files;
+    QTest::newRow("saving all elsewhere") << QStringLiteral("ALL Save as") << files;
+    QTest::newRow("deleting") << QStringLiteral("Delete") << box;
+    QTest::newRow("deleting all") << QStringLiteral("All Delete") << box;
+}
+
+void TstProjectManagement::deleting_the_panel_while_its_dialog_is_open_starts_nothing()
+{
+    QFETCH(QString, button);
+    QFETCH(QString, dialog);
+    list(QStringLiteral("show"));
+    const QByteArray before = readFile(projectFile(QStringLiteral("show")));
+    m_book->expectDialog(dialog, [&](QDialog *) { m_panel.reset(); });
+    QAbstractButton *pressed = nullptr;
+    for (QAbstractButton *one : (*m_panel)->findChildren<QAbstractButton *>()) {
+        if (one->text() == button)
+            pressed = one;
+    }
+    QVERIFY(pressed);
+    // Not by a mouse click, after which the deleted button would still be touched by the event's sender.
+    QMetaObject::invokeMethod(pressed, "click", Qt::QueuedConnection);
+    waitForAnswers();
+    QVERIFY(!m_panel);
+    settle();
+    QCOMPARE(readFile(projectFile(QStringLiteral("show"))), before);
+    QCOMPARE(Journal::instance()->count(QStringLiteral("ICore.setOperatorType")), 0);
+    QVERIFY(!WaitingDialog::instance()->isVisible());
     m_panel.emplace();
 }
 

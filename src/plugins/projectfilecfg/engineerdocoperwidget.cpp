@@ -940,20 +940,26 @@ static QString projectFileFilter(const QString &fileWord)
     return QStringLiteral("%1(*%2)").arg(fileWord, Facts::packageExtension);
 }
 
+/// What the user chose; nothing when he cancelled, or when the panel has gone meanwhile and the dialog with it. Such a
+/// dialog must be on the heap, which those of QFileDialog's static functions are not.
+static QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
+{
+    const int answer = dialog->exec();
+    if (!dialog)
+        return QStringList();
+    dialog->deleteLater();
+    return answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
+}
+
 QStringList EngineerDocOperWidget::selectProjectFiles(bool bMulti)
 {
-    const QPointer<QFileDialog> dialog = new QFileDialog(this);
+    auto *dialog = new QFileDialog(this);
     dialog->setWindowTitle(tr("Project file"));
     dialog->setDirectory(QStringLiteral("."));
     dialog->setNameFilter(projectFileFilter(tr("file")));
     dialog->setFileMode(bMulti ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
     dialog->setViewMode(QFileDialog::Detail);
-    const int answer = dialog->exec();
-    if (!dialog)
-        return QStringList();
-    const QStringList files = answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
-    dialog->deleteLater();
-    return files;
+    return chosenFiles(dialog);
 }
 
 void EngineerDocOperWidget::slot_importProject()
@@ -999,9 +1005,10 @@ void EngineerDocOperWidget::slot_singleFileSaveas()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     const QString suggested = m_strDocumentsPath + QLatin1Char('/') + QFileInfo(path).fileName();
-    const QString target =
-        QFileDialog::getSaveFileName(this, tr("choose Des Directory"), suggested, projectFileFilter(tr("file")),
-                                     nullptr, QFileDialog::DontConfirmOverwrite);
+    auto *dialog = new QFileDialog(this, tr("choose Des Directory"), suggested, projectFileFilter(tr("file")));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    const QString target = chosenFiles(dialog).value(0);
     if (!guard || target.isEmpty() || target == m_strDocumentsPath)
         return;
     if (QFile::exists(target)) {
@@ -1017,8 +1024,10 @@ void EngineerDocOperWidget::slot_singleFileSaveas()
 void EngineerDocOperWidget::slot_saveasProject()
 {
     const QPointer<EngineerDocOperWidget> guard(this);
-    const QString target = QFileDialog::getExistingDirectory(this, tr("choose Des Directory"), m_strDocumentsPath,
-                                                             QFileDialog::ShowDirsOnly);
+    auto *dialog = new QFileDialog(this, tr("choose Des Directory"), m_strDocumentsPath);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    const QString target = chosenFiles(dialog).value(0);
     if (!guard || target.isEmpty() || target == m_strDocumentsPath)
         return;
 
