@@ -7,12 +7,17 @@
 #include <support/testmain.h>
 #include <zippackagehandle.h>
 
+#include <core/icore.h>
 #include <model/objectbrige.h>
 #include <simulation/faults.h>
 #include <simulation/journal.h>
 #include <widgets/waitingdialog.h>
 
+#include <QSemaphore>
 #include <QThread>
+#include <QTranslator>
+
+#include <utility>
 
 using namespace PanelTesting;
 using namespace TestSupport;
@@ -85,6 +90,21 @@ void clickCancel()
     click(WaitingDialog::instance()->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel")));
 }
 
+/// Acts once on the user-interface thread, when a text is translated there after it was armed.
+class ActingTranslator : public QTranslator
+{
+public:
+    std::function<void()> act;
+
+    bool isEmpty() const override { return false; }
+    QString translate(const char *, const char *, const char *, int) const override
+    {
+        if (QThread::currentThread() == thread() && act)
+            std::exchange(const_cast<ActingTranslator *>(this)->act, nullptr)();
+        return QString();
+    }
+};
+
 PackageBuilder onlyDescription(const QByteArray &description)
 {
     PackageBuilder package;
@@ -153,6 +173,7 @@ private slots:
     void a_refused_package_leaves_the_hardware_alone_data();
     void a_refused_package_leaves_the_hardware_alone();
     void a_failed_serialisation_shows_nothing();
+    void a_load_that_fails_at_once_is_not_missed();
     void the_channel_is_freed_before_the_box_and_synced_after_it();
     void a_device_that_drops_off_during_a_load_is_left_offline();
     void a_device_that_the_host_forgets_during_a_load_ends_it_with_the_box_alone();
@@ -249,7 +270,7 @@ void TstApplyFlow::applyAndWait(const PackageBuilder &package)
 
 void TstApplyFlow::waitForEndOfLoad(int loads)
 {
-    QTRY_COMPARE_WITH_TIMEOUT(Journal::instance()->count(clearScreens), loads, 30000);
+    QTRY_COMPARE(Journal::instance()->count(clearScreens), loads);
     QVERIFY(!WaitingDialog::instance()->isVisible());
 }
 
@@ -831,6 +852,38 @@ void TstApplyFlow::a_failed_serialisation_shows_nothing()
     applyAndWait(packageOf(plainDevice(sourceIp)));
     VERIFY_BOOK();
     QCOMPARE(Faults::instance()->armedCount(), 0);
+}
+
+void TstApplyFlow::a_load_that_fails_at_once_is_not_missed()
+{
+    selectDevice(offlineIp);
+    QSemaphore begun;
+    QThread *job = nullptr;
+    Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Fault::run([&] {
+                                job = QThread::currentThread();
+                                begun.release();
+                            }));
+    Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Fault::fail());
+    // Between the start of the thread and the first connection the panel asks for the waiting dialog. If the host has
+    // to make it anew, it translates the text of its button: time enough for a job that does not wait.
+    ActingTranslator translator;
+    QCoreApplication::installTranslator(&translator);
+    bool wasBetween = false;
+    QObject context;
+    connect(Core::ICore::instance(), &Core::ICore::operatorTypeChanged, &context, [&](auto type) {
+        if (type != Core::ICore::OperatorLoad)
+            return;
+        delete static_cast<QObject *>(WaitingDialog::instance());
+        translator.act = [&] {
+            wasBetween = true;
+            if (begun.tryAcquire(1, 500))
+                job->wait();
+        };
+    });
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    QCoreApplication::removeTranslator(&translator);
+    QVERIFY(wasBetween);
+    QCOMPARE(argumentsOf(operatorType, "type").last().toString(), QStringLiteral("OperatorNone"));
 }
 
 void TstApplyFlow::the_channel_is_freed_before_the_box_and_synced_after_it()

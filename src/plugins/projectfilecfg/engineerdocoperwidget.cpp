@@ -32,6 +32,7 @@
 #include <QMutexLocker>
 #include <QPointer>
 #include <QPushButton>
+#include <QSemaphore>
 #include <QSet>
 #include <QStandardItemModel>
 #include <QStorageInfo>
@@ -770,11 +771,17 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     // "save" although a load starts: operators know the text.
     showWaiting(tr("Start save project file"));
     ICore::setOperatorType(ICore::OperatorLoad, QString());
+    // The job begins its work only when all connections are made: the end of one that failed at once would be told to
+    // nobody, and the waiting dialog would stay for ever.
+    const auto connected = std::make_shared<QSemaphore>();
+    connect(
+        m_pDocLoad, &QThread::started, m_pDocLoad, [connected] { connected->acquire(); }, Qt::DirectConnection);
     m_pDocLoad->start(QThread::InheritPriority);
     connect(WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, this,
             &EngineerDocOperWidget::slot_cancelOperator);
     connect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this, &EngineerDocOperWidget::slot_operatorChanged);
     connect(m_pDocLoad, &QThread::finished, this, &EngineerDocOperWidget::slot_loadFinished);
+    connected->release();
     return true;
 }
 
