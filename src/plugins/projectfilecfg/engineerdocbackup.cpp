@@ -11,6 +11,7 @@
 #include <modelcontrol/materialcontrol.h>
 #include <modelcontrol/presetcontrol.h>
 
+#include <QBuffer>
 #include <QDataStream>
 #include <QDebug>
 #include <QDir>
@@ -39,11 +40,27 @@ static void emptyFolder(const QString &path)
     }
 }
 
-static void savePicture(const QString &imageKey, QImage::Format format, const QString &path)
+/// Writes the whole content of a staged file that was just opened: the package must not carry a cut one.
+static bool writeWhole(QFile &file, const QByteArray &content)
 {
-    // A picture that cannot be written does not end the save.
-    if (!ImageStorager::instance()->load(imageKey, format).toImage().save(path, "PNG"))
+    if (file.write(content) != content.size() || !file.flush())
+        return false;
+    file.close();
+    return file.error() == QFileDevice::NoError;
+}
+
+/// A picture that does not come to be is left out and does not end the save. False only for one that was begun
+/// and is cut.
+static bool savePicture(const QString &imageKey, QImage::Format format, const QString &path)
+{
+    QBuffer picture;
+    QFile file(path);
+    if (!ImageStorager::instance()->load(imageKey, format).toImage().save(&picture, "PNG")
+        || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         qDebug() << "Save picture failed:" << path;
+        return true;
+    }
+    return writeWhole(file, picture.data());
 }
 
 EngineerDocBackup::EngineerDocBackup(QObject *parent, const QString &ip)
@@ -170,8 +187,11 @@ bool EngineerDocBackup::exportBackgrounds()
             m_nResultCode = m_bCancel ? BackupUserCanceled : BackupExportBkgFailed;
             return false;
         }
-        savePicture(background->imageKey(), QImage::Format_RGB32,
-                    stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo()));
+        if (!savePicture(background->imageKey(), QImage::Format_RGB32,
+                         stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo()))) {
+            m_nResultCode = BackupEncryptFailed;
+            return false;
+        }
     }
     return true;
 }
@@ -186,9 +206,13 @@ bool EngineerDocBackup::exportLogos()
     for (const Talvik::weak_refrence<Materail> &reference : device->getLogos()) {
         if (stopIfCanceled())
             return false;
-        if (const std::shared_ptr<Materail> logo = reference.lock())
-            savePicture(logo->imageKey(), QImage::Format_ARGB32,
-                        stagingDirectory() + ProjectFileFacts::logoEntry(logo->getKeyNo()));
+        const std::shared_ptr<Materail> logo = reference.lock();
+        if (logo
+            && !savePicture(logo->imageKey(), QImage::Format_ARGB32,
+                            stagingDirectory() + ProjectFileFacts::logoEntry(logo->getKeyNo()))) {
+            m_nResultCode = BackupEncryptFailed;
+            return false;
+        }
     }
     return true;
 }
@@ -249,15 +273,14 @@ bool EngineerDocBackup::writePreset(const QString &path, const QByteArray &detai
                                   .arg(deviceName, file.errorString());
         return false;
     }
-    QDataStream stream(&file);
+    QByteArray content;
+    QDataStream stream(&content, QIODevice::WriteOnly);
     // A null array would be streamed as the length 0xffffffff.
     stream << (detail.isNull() ? QByteArray("") : detail);
-    if (stream.status() != QDataStream::Ok || !file.flush()) {
-        // The package would carry a cut preset, so it must not come to be.
+    if (!writeWhole(file, content)) {
         m_nResultCode = BackupEncryptFailed;
         return false;
     }
-    file.close();
     return true;
 }
 
