@@ -1,6 +1,7 @@
 #include "engineerdocload.h"
 
 #include "devicelookup.h"
+#include "durablefile.h"
 #include "packagereader.h"
 #include "projectfilefacts.h"
 #include "zippackagehandle.h"
@@ -253,13 +254,14 @@ QString EngineerDocLoad::deviceFolder() const
 bool EngineerDocLoad::copySourceToOfflineDevice()
 {
     PackageReader package(m_strPackagePath);
-    bool extracted = package.isOpen();
-    const QStringList entries = package.fileList();
-    for (auto entry = entries.begin(); extracted && entry != entries.end(); ++entry) {
-        if (!isDescription(*entry))
-            extracted = !package.extractFile(*entry, QStringLiteral("%1/%2").arg(deviceFolder(), *entry)).isEmpty();
-    }
-    if (!extracted) {
+    QStringList entries = package.fileList();
+    entries.erase(std::remove_if(entries.begin(), entries.end(), isDescription), entries.end());
+    const bool extracted =
+        package.isOpen() && std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
+            return !package.extractFile(entry, QStringLiteral("%1/%2").arg(deviceFolder(), entry)).isEmpty();
+        });
+    // On the disk before the description that names them, which the host writes next.
+    if (!extracted || (!entries.isEmpty() && !DurableFile::flushTree(deviceFolder()))) {
         qDebug() << "Extract json file failed:" << m_strPackagePath;
         return fail(LoadDecompressFailed);
     }

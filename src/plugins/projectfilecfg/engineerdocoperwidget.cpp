@@ -1,11 +1,13 @@
 #include "engineerdocoperwidget.h"
 
 #include "devicelookup.h"
+#include "durablefile.h"
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
 #include "engineerpropertysettingwidget.h"
 #include "projectfilefacts.h"
 #include "projectrowwidget.h"
+#include "replacingfile.h"
 
 #include <core/icore.h>
 #include <model/devicelist.h>
@@ -26,8 +28,6 @@
 #include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLabel>
 #include <QMutexLocker>
 #include <QPointer>
@@ -891,7 +891,7 @@ QString EngineerDocOperWidget::saveAsConcurrent(const QStringList &files, const 
         const QFileInfo source(file);
         const QString target =
             bDestIsDir ? QStringLiteral("%1/%2").arg(destination, source.fileName()) : destination;
-        if (!QFile::copy(file, target))
+        if (!copyToFreeName(file, target))
             failed.append(source.baseName());
     }
     return failed.isEmpty() ? QString() : tr("save as [%1] failed").arg(failed.join(QStringLiteral(", ")));
@@ -914,7 +914,7 @@ QString EngineerDocOperWidget::importProjectFiles(const QStringList &files, cons
             continue;
         if (!ZipPackageHandle::isValidEngineerPacket(file))
             return tr("The file[%1] context is invalid.").arg(file);
-        if (!QFile::copy(file, QStringLiteral("%1/%2").arg(dirPath, source.fileName())))
+        if (!copyToFreeName(file, QStringLiteral("%1/%2").arg(dirPath, source.fileName())))
             failed.append(source.baseName());
     }
     return failed.isEmpty() ? QString()
@@ -1146,25 +1146,22 @@ void EngineerDocOperWidget::slot_editProjectInfo()
     if (entry == projects->projects.end())
         return;
 
-    const QString name = dialog->getProjectName();
-    const QString comment = dialog->getComment();
-    const QJsonObject record{{Facts::checksumKey, entry->strChecksum},
-                             {Facts::projectNameKey, name},
-                             {Facts::commentKey, comment}};
-    if (!ZipPackageHandle::setZipComment(path, QString::fromUtf8(QJsonDocument(record).toJson())))
+    EngineerPacketInfo edited = *entry;
+    edited.strProjectName = dialog->getProjectName();
+    edited.strComment = dialog->getComment();
+    // A kill between here and the renaming leaves the new name in the record alone; the list shows file names.
+    if (!ZipPackageHandle::setEngineerInfo(edited))
         return;
 
-    const QString newPath = m_strDefaultPath + name + Facts::packageExtension;
-    if (newPath != path && !QFile::rename(path, newPath)) {
+    edited.strFilePath = m_strDefaultPath + edited.strProjectName + Facts::packageExtension;
+    if (edited.strFilePath != path && !DurableFile::renameDurably(path, edited.strFilePath)) {
         qWarning() << "File rename failed.";
         FramelessMessageBox::warning(this, tr("Remind"), tr("File rename failed"), QMessageBox::Ok);
         return;
     }
     if (row)
-        row->setFilePath(newPath);
-    entry->strFilePath = newPath;
-    entry->strProjectName = name;
-    entry->strComment = comment;
+        row->setFilePath(edited.strFilePath);
+    *entry = edited;
     if (m_pProjects->supersedeScans())
         slot_projectFilesChanged();
     updateProjectTable();

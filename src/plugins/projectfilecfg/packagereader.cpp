@@ -2,6 +2,7 @@
 
 #include "localecodec.h"
 #include "replacingfile.h"
+#include "streamcopy.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,7 +19,6 @@ namespace Internal {
 
 namespace {
 
-constexpr qint64 blockSize = 256 * 1024;
 constexpr qint64 maxDescriptionSize = 64LL * 1024 * 1024;
 constexpr qint64 maxEntrySize = 1024LL * 1024 * 1024;
 
@@ -97,20 +97,6 @@ qint64 freeSpace(const QString &folder)
     const auto space = std::filesystem::space(QFile::encodeName(folder).toStdString(), error);
 #endif
     return error ? maxEntrySize : qint64(std::min<std::uintmax_t>(space.available, maxEntrySize));
-}
-
-bool copyAtMost(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied)
-{
-    QByteArray block(int(blockSize), Qt::Uninitialized);
-    qint64 count = 0;
-    *copied = 0;
-    while ((count = source.read(block.data(), block.size())) > 0) {
-        *copied += count;
-        if (*copied > limit || destination.write(block.constData(), count) != count) {
-            return false;
-        }
-    }
-    return count == 0;
 }
 
 } // namespace
@@ -220,19 +206,24 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
     if (entry.size > limit || isFolder(destPath) || !goTo(entry)) {
         return false;
     }
-    ReplacingFile destination(destPath);
+    const QString folderPath = QFileInfo(destPath).absolutePath();
+    if (!m_tidiedFolders.contains(folderPath)) {
+        ReplacingFile::removeStaleFragments(folderPath);
+        m_tidiedFolders.insert(folderPath);
+    }
+    ReplacingFile destination(destPath, ReplacingFile::NotFlushed);
     QuaZipFile source(m_zip.get());
     if (!destination.create() || !source.open(QIODevice::ReadOnly)) {
         return false;
     }
-    limit = std::min(limit, freeSpace(QFileInfo(destPath).absolutePath()));
+    limit = std::min(limit, freeSpace(folderPath));
     qint64 copied = 0;
-    if (entry.size > limit || !copyAtMost(source, destination.file(), limit, &copied) || copied != entry.size) {
+    if (entry.size > limit || !copyStream(source, destination.file(), limit, &copied) || copied != entry.size) {
         return false;
     }
     // Closing compares the checksum of what was read.
     source.close();
-    return source.getZipError() == UNZ_OK && destination.commit(ReplacingFile::NotFlushed);
+    return source.getZipError() == UNZ_OK && destination.commit();
 }
 
 QStringList PackageReader::extractJsonFiles(const QString &destDir)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QSet>
 #include <QStringList>
 
 #include <memory>
@@ -52,6 +53,8 @@ private:
 
     std::unique_ptr<QuaZip> m_zip;
     mutable std::unique_ptr<Directory> m_directory;
+    /// Those that this object has cleared of stale fragments.
+    QSet<QString> m_tidiedFolders;
 };
 
 } // namespace Internal

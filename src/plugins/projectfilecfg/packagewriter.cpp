@@ -2,6 +2,8 @@
 
 #include "localecodec.h"
 #include "packagechecksum.h"
+#include "replacingfile.h"
+#include "streamcopy.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -17,7 +19,6 @@ namespace Internal {
 
 namespace {
 
-constexpr qint64 blockSize = 256 * 1024;
 /// Above these the format needs its 64-bit extension, in which QuaZip no longer finds the comment.
 constexpr qint64 maxClassicSize = 0xFFFFFFFELL;
 constexpr int maxClassicEntries = 0xFFFE;
@@ -114,7 +115,8 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         }
     }
     for (const QFileInfo &source : sources) {
-        if (source.isDir() || source.absoluteFilePath() == m_packetPath) {
+        if (source.isDir() || source.absoluteFilePath() == m_packetPath ||
+            ReplacingFile::isFragment(source.fileName())) {
             continue;
         }
         if (!source.isFile() || !source.isReadable() || source.size() > maxClassicSize) {
@@ -194,16 +196,7 @@ bool PackageWriter::copyContent(Entry &entry, QIODevice &destination)
     if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         return false;
     }
-    QByteArray block(int(blockSize), Qt::Uninitialized);
-    entry.size = 0;
-    qint64 count = 0;
-    while ((count = source.read(block.data(), block.size())) > 0) {
-        entry.size += count;
-        if (entry.size > maxClassicSize || destination.write(block.constData(), count) != count) {
-            return false;
-        }
-    }
-    return count == 0;
+    return copyStream(source, destination, maxClassicSize, &entry.size);
 }
 
 bool PackageWriter::isListedIn(const QString &path) const

@@ -1,6 +1,8 @@
 #include "projectlist.h"
 
+#include "durablefile.h"
 #include "projectfilefacts.h"
+#include "replacingfile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -25,9 +27,9 @@ bool ProjectList::supersedeScans()
 
 void ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
 {
-    QDir directory(dirPath);
-    if (!directory.exists() && !directory.mkpath(QStringLiteral(".")))
+    if (!DurableFile::makeFolder(dirPath))
         return;
+    ReplacingFile::removeStaleFragments(dirPath);
 
     QHash<QString, EngineerPacketInfo> known;
     {
@@ -40,7 +42,7 @@ void ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
 
     QList<EngineerPacketInfo> found;
     const QFileInfoList entries =
-        directory.entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
+        QDir(dirPath).entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
                                 QDir::Dirs | QDir::Files | QDir::Drives, QDir::Time);
     for (const QFileInfo &entry : entries) {
         EngineerPacketInfo info = known.value(entry.filePath());

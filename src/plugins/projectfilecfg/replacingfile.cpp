@@ -1,17 +1,15 @@
 #include "replacingfile.h"
 
+#include "durablefile.h"
+#include "streamcopy.h"
+
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QUuid>
 
-#include <filesystem>
-
-#ifdef Q_OS_WIN
-#include <io.h>
-#else
-#include <fcntl.h>
-#include <unistd.h>
-#endif
+#include <limits>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -24,52 +22,20 @@ QString behindLink(const QString &path)
     return linkedPath.isEmpty() ? QFileInfo(path).absoluteFilePath() : linkedPath;
 }
 
-QString fragmentPath(const QString &targetPath)
+QString fragmentName()
 {
     // Not the target's name with something added: that could be longer than a name may be.
     const QString id = QUuid::createUuid().toString().remove(QLatin1Char('{')).remove(QLatin1Char('}'));
-    return QFileInfo(targetPath).absolutePath() + QStringLiteral("/.") + id + QStringLiteral(".part");
-}
-
-std::filesystem::path nativePath(const QString &path)
-{
-#ifdef Q_OS_WIN
-    return path.toStdWString();
-#else
-    return QFile::encodeName(path).toStdString();
-#endif
-}
-
-bool flushToDisk(int handle)
-{
-#ifdef Q_OS_WIN
-    return _commit(handle) == 0;
-#else
-    return fsync(handle) == 0;
-#endif
-}
-
-/// Makes the renaming itself outlive a power failure, where the platform has a way to. Not an error where it
-/// has none: the target is whole either way.
-void flushDirectory(const QString &path)
-{
-#ifdef Q_OS_WIN
-    Q_UNUSED(path)
-#else
-    const int handle = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (handle < 0) {
-        return;
-    }
-    flushToDisk(handle);
-    ::close(handle);
-#endif
+    return QLatin1Char('.') + id + QStringLiteral(".part");
 }
 
 } // namespace
 
-ReplacingFile::ReplacingFile(const QString &targetPath)
+ReplacingFile::ReplacingFile(const QString &targetPath, Durability durability)
     : m_targetPath(behindLink(targetPath))
-    , m_fragment(fragmentPath(m_targetPath))
+    , m_folderPath(QFileInfo(m_targetPath).absolutePath())
+    , m_fragment(m_folderPath + QLatin1Char('/') + fragmentName())
+    , m_durability(durability)
 {}
 
 ReplacingFile::~ReplacingFile()
@@ -82,38 +48,77 @@ ReplacingFile::~ReplacingFile()
 
 bool ReplacingFile::create()
 {
-    return QDir().mkpath(QFileInfo(m_targetPath).absolutePath()) &&
-           m_fragment.open(QIODevice::ReadWrite | QIODevice::Truncate);
+    const bool hasFolder =
+        m_durability == FlushedToDisk ? DurableFile::makeFolder(m_folderPath) : QDir().mkpath(m_folderPath);
+    return hasFolder && openFragment();
 }
 
-bool ReplacingFile::createFromTarget()
+bool ReplacingFile::openFragment()
 {
-    return QFile::copy(m_targetPath, m_fragment.fileName()) && m_fragment.open(QIODevice::ReadWrite) &&
-           m_fragment.size() == QFileInfo(m_targetPath).size();
+    if (m_durability == FlushedToDisk)
+        removeStaleFragments(m_folderPath);
+    return m_fragment.open(QIODevice::ReadWrite | QIODevice::Truncate);
 }
 
-bool ReplacingFile::commit(Durability durability)
+bool ReplacingFile::createFrom(const QString &sourcePath)
 {
-    if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError) {
+    QFile source(sourcePath);
+    qint64 copied = 0;
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !openFragment() ||
+        !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied))
         return false;
-    }
-    if (durability == FlushedToDisk && !flushToDisk(m_fragment.handle())) {
+    // Not an error where it fails: a stick's file system knows no permissions.
+    m_fragment.setPermissions(source.permissions());
+    return m_fragment.flush() && m_fragment.seek(0);
+}
+
+// docs/package-format.md says what a cut between any two of these steps leaves behind.
+bool ReplacingFile::commit(ExistingTarget existing)
+{
+    if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError)
         return false;
-    }
+    if (m_durability == FlushedToDisk && !DurableFile::flush(m_fragment.handle()))
+        return false;
     m_fragment.close();
-    if (m_fragment.error() != QFileDevice::NoError) {
+    if (m_fragment.error() != QFileDevice::NoError)
         return false;
+
+    const auto rename = existing == Kept ? DurableFile::renameToFreeName : DurableFile::replace;
+    if (m_durability == NotFlushed) {
+        m_isCommitted = rename(path(), m_targetPath);
+        return m_isCommitted;
     }
-    std::error_code error;
-    std::filesystem::rename(nativePath(m_fragment.fileName()), nativePath(m_targetPath), error);
-    if (error) {
+    const DurableFile::Folder folder(m_folderPath);
+    m_isCommitted = folder.isOpen() && rename(path(), m_targetPath);
+    return m_isCommitted && folder.flush();
+}
+
+bool ReplacingFile::isFragment(const QString &fileName)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("\\A\\.[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\\.part\\z"));
+    return pattern.match(fileName).hasMatch();
+}
+
+void ReplacingFile::removeStaleFragments(const QString &folderPath)
+{
+    const QDateTime yesterday = QDateTime::currentDateTime().addDays(-1);
+    const QFileInfoList candidates =
+        QDir(folderPath)
+            .entryInfoList({QStringLiteral(".*.part")}, QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
+    for (const QFileInfo &candidate : candidates) {
+        if (isFragment(candidate.fileName()) && candidate.lastModified() < yesterday)
+            QFile::remove(candidate.filePath());
+    }
+}
+
+bool copyToFreeName(const QString &sourcePath, const QString &targetPath)
+{
+    // Asked again when it is renamed; here it saves the copying.
+    if (QFileInfo::exists(targetPath))
         return false;
-    }
-    m_isCommitted = true;
-    if (durability == FlushedToDisk) {
-        flushDirectory(QFileInfo(m_targetPath).absolutePath());
-    }
-    return true;
+    ReplacingFile copy(targetPath, ReplacingFile::FlushedToDisk);
+    return copy.createFrom(sourcePath) && copy.commit(ReplacingFile::Kept);
 }
 
 } // namespace Internal

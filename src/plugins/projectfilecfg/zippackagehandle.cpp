@@ -78,6 +78,16 @@ bool writeVerifiedComment(ReplacingFile &replacement, const QString &comment)
            PackageReader(replacement.path()).comment() == written;
 }
 
+/// Copies the package aside and gives the copy the comment.
+bool copyAsideWithComment(const QString &packetPath, const QString &comment, ReplacingFile &replacement)
+{
+    // QuaZip's add mode would make an empty archive of a file that is missing or is none. A package that may not
+    // be written stays as it is, although its folder would let it be replaced.
+    return isWorthOpening(packetPath) && PackageReader(packetPath).isOpen() && QFileInfo(packetPath).isWritable() &&
+           replacement.createFrom(packetPath) && writeVerifiedComment(replacement, comment) &&
+           PackageReader(replacement.path()).fileList() == PackageReader(packetPath).fileList();
+}
+
 bool packAside(PackageWriter &writer, ReplacingFile &package)
 {
     return writer.scan() && package.create() && writer.write(package.file()) && writer.isListedIn(package.path());
@@ -100,7 +110,7 @@ bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPa
         return false;
     }
     PackageWriter writer(dirPath, info.strFilePath);
-    ReplacingFile package(info.strFilePath);
+    ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
     if (!packAside(writer, package)) {
         return false;
     }
@@ -109,7 +119,7 @@ bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPa
         return false;
     }
     return writeVerifiedComment(package, recordOf(info)) && writer.isListedIn(package.path()) &&
-           checkPacketChecksum(package.path()) && package.commit(ReplacingFile::FlushedToDisk);
+           checkPacketChecksum(package.path()) && package.commit();
 }
 
 bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info)
@@ -163,13 +173,16 @@ QString ZipPackageHandle::getZipComment(const QString &packetPath)
 bool ZipPackageHandle::setZipComment(const QString &packetPath, const QString &comment)
 {
     useUtf8LocaleCodec();
-    // QuaZip's add mode would make an empty archive of a file that is missing or is none.
-    if (!isWorthOpening(packetPath) || !PackageReader(packetPath).isOpen()) {
-        return false;
-    }
-    ReplacingFile package(packetPath);
-    return package.createFromTarget() && writeVerifiedComment(package, comment) &&
-           getFileList(package.path()) == getFileList(packetPath) && package.commit(ReplacingFile::FlushedToDisk);
+    ReplacingFile package(packetPath, ReplacingFile::FlushedToDisk);
+    return copyAsideWithComment(packetPath, comment, package) && package.commit();
+}
+
+bool ZipPackageHandle::setEngineerInfo(const EngineerPacketInfo &info)
+{
+    useUtf8LocaleCodec();
+    ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
+    return copyAsideWithComment(info.strFilePath, recordOf(info), package) && checkPacketChecksum(package.path()) &&
+           package.commit();
 }
 
 bool ZipPackageHandle::parseEngineerInfo(EngineerPacketInfo &info, const QString &commentJson)
@@ -202,8 +215,8 @@ int ZipPackageHandle::compressDir(const QString &dirPath, const QString &packetP
         return NotPacked;
     }
     PackageWriter writer(dirPath, packetPath);
-    ReplacingFile package(packetPath);
-    return packAside(writer, package) && package.commit(ReplacingFile::FlushedToDisk) ? Packed : NotPacked;
+    ReplacingFile package(packetPath, ReplacingFile::FlushedToDisk);
+    return packAside(writer, package) && package.commit() ? Packed : NotPacked;
 }
 
 int ZipPackageHandle::extractDir(const QString &packetPath, const QString &destDir, bool overwrite)

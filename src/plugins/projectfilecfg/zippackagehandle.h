@@ -32,7 +32,8 @@ class ZipPackageHandle
 public:
     /// Packs the tree below `dirPath` into the package `info.strFilePath` and writes its record from `info`,
     /// whose checksum it fills in. False when the directory does not exist, cannot be packed whole, or the
-    /// package as read back is not the one written: whatever was at the path before is then untouched.
+    /// package as read back is not the one written: whatever was at the path before is then untouched. False as
+    /// well when the finished package is in place but its name could not be flushed to disk.
     static bool compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info);
 
     /// Fills `info` from the record of the package `info.strFilePath`. True when the record can be read and
@@ -65,9 +66,14 @@ public:
     static QString getZipComment(const QString &packetPath);
 
     /// Replaces the archive's comment and leaves its entries alone. True only after the new comment was read
-    /// back; otherwise the package is what it was. A comment above 65,513 bytes of UTF-8 is refused: QuaZip
+    /// back and flushed to disk; otherwise the package is what it was, unless flushing its name was what failed. A comment above 65,513 bytes of UTF-8 is refused: QuaZip
     /// could not find the end of the archive any more.
     static bool setZipComment(const QString &packetPath, const QString &comment);
+
+    /// Writes `info` as the record of the package `info.strFilePath`, in the same way. The checksum goes in as
+    /// it is; when it is not the package's, which another program may have replaced since it was listed, nothing
+    /// is written: a valid package stays valid.
+    static bool setEngineerInfo(const EngineerPacketInfo &info);
 
     /// Reads a record: a JSON object of at least three keys. A missing key, or one that is no string, gives
     /// an empty field. `info.strFilePath` is left as it is; on failure so are the others.

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QString>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Steps on files and folders that no kill cuts in two, and what makes them outlive a power failure.
+namespace DurableFile {
+
+/// A folder, opened so that what is made or renamed in it can be flushed. Open it before the change: where that
+/// is not possible, the operation ends while nothing has happened yet.
+class Folder
+{
+public:
+    explicit Folder(const QString &path);
+    ~Folder();
+
+    bool isOpen() const;
+    /// True as well on platforms and file systems that have no way to flush a folder.
+    bool flush() const;
+
+private:
+    Q_DISABLE_COPY(Folder)
+
+    int m_handle = -1;
+};
+
+/// Flushes an open file: true means that its bytes are on the disk, and not only in the system's memory.
+bool flush(int handle);
+
+/// Flushes everything that was written below the folder so far. For many files: one by one takes milliseconds each.
+bool flushTree(const QString &folderPath);
+
+/// Makes the folder and those that lead there, and flushes them. True when it was there already.
+bool makeFolder(const QString &path);
+
+/// Renames within a volume, over the file at `to` if there is one. Not flushed.
+bool replace(const QString &from, const QString &to);
+
+/// The same, but fails where anything is at `to`. Not flushed.
+bool renameToFreeName(const QString &from, const QString &to);
+
+/// renameToFreeName(), flushed. QFile::rename() cannot stand here: what it cannot rename it writes anew, and a
+/// kill on the way leaves half a file under the new name.
+bool renameDurably(const QString &from, const QString &to);
+
+} // namespace DurableFile
+
+} // namespace Internal
+} // namespace ProjectFileCfg
