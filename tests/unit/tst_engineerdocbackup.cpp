@@ -1,3 +1,4 @@
+#include "encodedpictures.h"
 #include "engineerdocbackup.h"
 #include "packagetesting.h"
 #include "zippackagehandle.h"
@@ -14,7 +15,12 @@
 #include <QJsonDocument>
 #include <QTextCodec>
 
+#include <QTimer>
+
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
@@ -79,6 +85,9 @@ private slots:
     void chinese_and_emoji_survive_whatever_the_locale_codec_is();
     void saving_under_the_same_name_replaces_the_package();
 
+    void the_next_picture_is_fetched_while_one_is_written();
+    void a_second_save_encodes_only_what_changed();
+
     void progress_names_each_background_and_no_logo();
     void a_name_with_place_markers_is_shown_as_it_is();
 
@@ -126,6 +135,7 @@ private:
 
     QScopedPointer<TestSite> m_site;
     QString m_projects;
+    std::shared_ptr<EncodedPictures> m_encoded;
     EngineerDocBackup *m_job = nullptr;
     QVector<QString> m_progress;
 };
@@ -133,6 +143,7 @@ private:
 void TstEngineerDocBackup::init()
 {
     m_site.reset(new TestSite);
+    m_encoded = std::make_shared<EncodedPictures>();
     m_projects = m_site->path("projects/");
     m_progress.clear();
     WarningGuard::clear();
@@ -150,6 +161,7 @@ int TstEngineerDocBackup::save(const QString &ip, const QString &name, const QSt
     job.setProjectPath(m_projects);
     job.setDeviceIp(ip);
     job.setProjectInfo(name, comment);
+    job.setEncodedPictures(m_encoded);
     const SignalRecorder<QString> progress(&job, &EngineerDocBackup::signal_operatoerChanged);
     const SignalRecorder<> finished(&job, &QThread::finished);
     m_job = &job;
@@ -429,6 +441,55 @@ void TstEngineerDocBackup::saving_under_the_same_name_replaces_the_package()
     QCOMPARE(info.strComment, QString("second"));
     QVERIFY(unpack(packagePath()).contains("192.168.1.20.json"));
     QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+}
+
+void TstEngineerDocBackup::the_next_picture_is_fetched_while_one_is_written()
+{
+    // Who writes into a pipe waits for its reader, and that is whoever is asked for the next picture.
+    const QString pipe = stage("BKG/BKG_0.png");
+    bool made = false;
+    QByteArray written;
+    Faults::instance()->arm(query, Fault::run([&] { made = ::mkfifo(QFile::encodeName(pipe).constData(), 0600) == 0; }));
+    Faults::instance()->arm(query, Fault::run(
+                                       [&] {
+                                           QFile file(pipe);
+                                           if (file.open(QIODevice::ReadOnly))
+                                               written = file.readAll();
+                                           QFile::remove(pipe);
+                                       },
+                                       2));
+    // A job that does not go on would wait for ever.
+    int rescue = -1;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, this,
+            [&] { rescue = ::open(QFile::encodeName(pipe).constData(), O_RDONLY | O_NONBLOCK); });
+    timer.start(40000);
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QVERIFY(made);
+    QCOMPARE(rescue, -1);
+    QCOMPARE(QImage::fromData(written, "PNG").convertToFormat(QImage::Format_RGB32),
+             m_site->hardware(m_site->mainHall).backgrounds.value(0).pixels);
+}
+
+void TstEngineerDocBackup::a_second_save_encodes_only_what_changed()
+{
+    QCOMPARE(save(m_site->mainHall, "First"), int(BackupSuccess));
+    QCOMPARE(m_encoded->encodedCount(), 11);
+    unpack(packagePath("First"));
+    const QByteArray before = readFile(unpacked("BKG/BKG_2.png"));
+    const QByteArray unchanged = readFile(unpacked("LOGO/LOGO_5.png"));
+
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        QImage &pixels = state.backgrounds[2].pixels;
+        pixels.setPixel(0, 0, pixels.pixel(0, 0) ^ 1);
+    });
+    QCOMPARE(save(m_site->mainHall, "Second"), int(BackupSuccess));
+    QCOMPARE(m_encoded->encodedCount(), 12);
+    unpack(packagePath("Second"));
+    QVERIFY(readFile(unpacked("BKG/BKG_2.png")) != before);
+    QCOMPARE(QImage(unpacked("BKG/BKG_2.png")).convertToFormat(QImage::Format_RGB32),
+             m_site->hardware(m_site->mainHall).backgrounds.value(2).pixels);
+    QCOMPARE(readFile(unpacked("LOGO/LOGO_5.png")), unchanged);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -1,7 +1,10 @@
 #include "engineerdocbackup.h"
 
 #include "devicelookup.h"
+#include "encodedpictures.h"
+#include "picturewriter.h"
 #include "projectfilefacts.h"
+#include "stagedfile.h"
 #include "zippackagehandle.h"
 
 #include <core/icore.h>
@@ -11,7 +14,6 @@
 #include <modelcontrol/materialcontrol.h>
 #include <modelcontrol/presetcontrol.h>
 
-#include <QBuffer>
 #include <QDataStream>
 #include <QDebug>
 #include <QDir>
@@ -40,33 +42,16 @@ static void emptyFolder(const QString &path)
     }
 }
 
-/// Writes the whole content of a staged file that was just opened: the package must not carry a cut one.
-static bool writeWhole(QFile &file, const QByteArray &content)
+static QImage loadPicture(const QString &imageKey, QImage::Format format)
 {
-    if (file.write(content) != content.size() || !file.flush())
-        return false;
-    file.close();
-    return file.error() == QFileDevice::NoError;
-}
-
-/// A picture that does not come to be is left out and does not end the save. False only for one that was begun
-/// and is cut.
-static bool savePicture(const QString &imageKey, QImage::Format format, const QString &path)
-{
-    QBuffer picture;
-    QFile file(path);
-    if (!ImageStorager::instance()->load(imageKey, format).toImage().save(&picture, "PNG")
-        || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        qDebug() << "Save picture failed:" << path;
-        return true;
-    }
-    return writeWhole(file, picture.data());
+    return ImageStorager::instance()->load(imageKey, format).toImage();
 }
 
 EngineerDocBackup::EngineerDocBackup(QObject *parent, const QString &ip)
     : QThread(parent)
     , m_strDeviceIp(ip)
     , m_strProjectPath(ProjectFileFacts::projectFilesPath())
+    , m_pEncodedPictures(std::make_shared<EncodedPictures>())
 {
 }
 
@@ -86,6 +71,11 @@ void EngineerDocBackup::setProjectInfo(const QString &name, const QString &comme
 void EngineerDocBackup::setProjectPath(const QString &directory)
 {
     m_strProjectPath = directory;
+}
+
+void EngineerDocBackup::setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures)
+{
+    m_pEncodedPictures = pictures;
 }
 
 void EngineerDocBackup::cancel()
@@ -115,8 +105,14 @@ void EngineerDocBackup::run()
     const bool online = device->getDeviceOnlineFlag();
     if (online) {
         prepareStageFolders();
-        if (!exportBackgrounds() || !exportLogos())
+        // A picture that cannot be written does not end the save, so fetching the next one need not wait for it.
+        PictureWriter writer(m_pEncodedPictures);
+        if (!exportBackgrounds(writer) || !exportLogos(writer))
             return;
+        if (!writer.waitForDone()) {
+            m_nResultCode = BackupEncryptFailed;
+            return;
+        }
     } else if (!offlineResourcesComplete()) {
         m_nResultCode = BackupOfflineResourceIncomplete;
         return;
@@ -168,7 +164,7 @@ bool EngineerDocBackup::stopIfCanceled()
     return m_bCancel;
 }
 
-bool EngineerDocBackup::exportBackgrounds()
+bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
 {
     const std::shared_ptr<Model::Device> device = findDevice();
     if (!device)
@@ -187,17 +183,14 @@ bool EngineerDocBackup::exportBackgrounds()
             m_nResultCode = m_bCancel ? BackupUserCanceled : BackupExportBkgFailed;
             return false;
         }
-        if (!savePicture(background->imageKey(), QImage::Format_RGB32,
-                         stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo()))) {
-            m_nResultCode = BackupEncryptFailed;
-            return false;
-        }
+        writer.write(loadPicture(background->imageKey(), QImage::Format_RGB32),
+                     stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo()));
     }
     return true;
 }
 
 // Unlike backgrounds, logos are in the image store already and are small: no query, no progress text.
-bool EngineerDocBackup::exportLogos()
+bool EngineerDocBackup::exportLogos(PictureWriter &writer)
 {
     const std::shared_ptr<Model::Device> device = findDevice();
     if (!device)
@@ -206,13 +199,9 @@ bool EngineerDocBackup::exportLogos()
     for (const Talvik::weak_refrence<Materail> &reference : device->getLogos()) {
         if (stopIfCanceled())
             return false;
-        const std::shared_ptr<Materail> logo = reference.lock();
-        if (logo
-            && !savePicture(logo->imageKey(), QImage::Format_ARGB32,
-                            stagingDirectory() + ProjectFileFacts::logoEntry(logo->getKeyNo()))) {
-            m_nResultCode = BackupEncryptFailed;
-            return false;
-        }
+        if (const std::shared_ptr<Materail> logo = reference.lock())
+            writer.write(loadPicture(logo->imageKey(), QImage::Format_ARGB32),
+                         stagingDirectory() + ProjectFileFacts::logoEntry(logo->getKeyNo()));
     }
     return true;
 }

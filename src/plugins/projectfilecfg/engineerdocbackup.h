@@ -15,6 +15,9 @@ class Device;
 namespace ProjectFileCfg {
 namespace Internal {
 
+class EncodedPictures;
+class PictureWriter;
+
 /// The job that saves one device's configuration into a project file, on a thread of its own.
 ///
 /// It has the host write the device models, stages pictures and presets in the device's configuration
@@ -33,6 +36,9 @@ public:
     void setProjectInfo(const QString &name, const QString &comment);
     /// Before start(): the directory that receives the package, with a trailing separator.
     void setProjectPath(const QString &directory);
+
+    /// Before start(): the pictures that earlier saves encoded. Without a call the job begins with none.
+    void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures);
 
     /// Asks the job to end before the next picture or preset. Any thread; a request that comes before the
     /// thread has begun is lost, and one that comes while the package is written comes too late.
@@ -56,8 +62,8 @@ private:
     QString deviceDirectory() const;
     QString stagingDirectory() const;
     void prepareStageFolders() const;
-    bool exportBackgrounds();
-    bool exportLogos();
+    bool exportBackgrounds(PictureWriter &writer);
+    bool exportLogos(PictureWriter &writer);
     bool offlineResourcesComplete() const;
     bool LoadPreset();
     bool writePreset(const QString &path, const QByteArray &detail, const QString &deviceName);
@@ -70,6 +76,7 @@ private:
     QString m_strProjectPath;
     std::atomic<bool> m_bCancel{false};
     std::atomic<int> m_nResultCode{BackupSuccess};
+    std::shared_ptr<EncodedPictures> m_pEncodedPictures;
 };
 
 } // namespace Internal

@@ -2,6 +2,7 @@
 
 #include "devicelookup.h"
 #include "durablefile.h"
+#include "encodedpictures.h"
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
 #include "engineerpropertysettingwidget.h"
@@ -109,6 +110,7 @@ EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
     , m_strDefaultPath(Facts::projectFilesPath())
     , m_strDocumentsPath(Facts::documentsPath())
     , m_mutex(m_pProjects->mutex)
+    , m_pEncodedPictures(std::make_shared<EncodedPictures>())
 {
     m_pFileWatcher = new QFileSystemWatcher;
     m_pFileWatcher->addPath(m_strDefaultPath);
@@ -587,6 +589,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     m_pDocBackup->setProjectPath(m_strDefaultPath);
     m_pDocBackup->setDeviceIp(m_strDeviceIP);
     m_pDocBackup->setProjectInfo(name, comment);
+    m_pDocBackup->setEncodedPictures(m_pEncodedPictures);
 
     WaitingDialog *waiting = WaitingDialog::instance();
     waiting->setCanelVisible(true);

@@ -24,6 +24,7 @@ class Device;
 namespace ProjectFileCfg {
 namespace Internal {
 
+class EncodedPictures;
 class EngineerDocBackup;
 class EngineerDocLoad;
 class ProjectRowWidget;
@@ -133,6 +134,8 @@ private:
     QString m_strDefaultPath;
     QString m_strDocumentsPath;
     QMutex &m_mutex;
+    /// Kept from save to save.
+    const std::shared_ptr<EncodedPictures> m_pEncodedPictures;
 };
 
 } // namespace Internal

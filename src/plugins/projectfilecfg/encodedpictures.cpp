@@ -1,0 +1,67 @@
+#include "encodedpictures.h"
+
+#include <QBuffer>
+#include <QCryptographicHash>
+#include <QDataStream>
+#include <QImage>
+#include <QMutexLocker>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+static QByteArray encode(const QImage &picture)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    return picture.save(&buffer, "PNG") ? bytes : QByteArray();
+}
+
+static QByteArray digestOf(const QImage &picture)
+{
+    // One pixel, encoded, shows what the encoder adds: resolution, texts, colour table, colour space. Only a
+    // picture's offset does not go with a part of it.
+    const QByteArray additions = encode(picture.copy(0, 0, 1, 1));
+    QByteArray facts;
+    QDataStream(&facts, QIODevice::WriteOnly)
+        << int(picture.format()) << picture.size() << picture.offset() << additions;
+
+    QCryptographicHash digest(QCryptographicHash::Sha3_256);
+    digest.addData(facts);
+    for (int row = 0; row < picture.height(); ++row)
+        digest.addData(reinterpret_cast<const char *>(picture.constScanLine(row)), picture.bytesPerLine());
+    return digest.result();
+}
+
+EncodedPictures::EncodedPictures(int capacity)
+    : m_pictures(capacity)
+{}
+
+EncodedPictures::~EncodedPictures() = default;
+
+QByteArray EncodedPictures::png(const QImage &picture)
+{
+    if (picture.isNull())
+        return QByteArray();
+    const QByteArray digest = digestOf(picture);
+    {
+        const QMutexLocker locker(&m_mutex);
+        if (const QByteArray *known = m_pictures.object(digest))
+            return *known;
+    }
+    // Not under the lock: this is what takes its time, and several threads are at it.
+    const QByteArray bytes = encode(picture);
+    const QMutexLocker locker(&m_mutex);
+    ++m_nEncoded;
+    if (!bytes.isEmpty())
+        m_pictures.insert(digest, new QByteArray(bytes), bytes.size());
+    return bytes;
+}
+
+int EncodedPictures::encodedCount() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_nEncoded;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg
