@@ -73,6 +73,18 @@ QByteArray cutPng(const QImage &image)
     return png.left(png.size() / 2);
 }
 
+/// A description with two backgrounds, the first one's picture, and those bytes as the second one's.
+PackageBuilder packageWithSecondPicture(const QByteArray &bytes)
+{
+    HardwareState source = plainDevice(sourceIp);
+    source.backgrounds.insert(1, {QStringLiteral("Opening"), noisePicture({16, 9}, 1)});
+    source.backgrounds.insert(2, {QStringLiteral("Keynote"), noisePicture({9, 16}, 2)});
+    PackageBuilder package = descriptionOnly(descriptionOf(source));
+    package.file("BKG/BKG_1.png", pngOf(source.backgrounds.value(1).pixels));
+    package.file("BKG/BKG_2.png", bytes, PackageBuilder::Stored);
+    return package;
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(std::function<void(Simulation::HardwareState &)>)
@@ -138,6 +150,10 @@ private slots:
     void a_picture_that_cannot_be_removed_is_no_error();
     void a_bad_picture_ends_the_transfer_data();
     void a_bad_picture_ends_the_transfer();
+    void a_bad_picture_behind_a_good_one_ends_the_transfer_at_its_turn_data();
+    void a_bad_picture_behind_a_good_one_ends_the_transfer_at_its_turn();
+    void a_failed_send_comes_before_a_bad_picture_behind_it();
+    void a_picture_that_is_in_the_package_twice_is_sent_twice();
     void a_damaged_entry_is_code_6();
     void a_target_that_went_away_before_the_start_is_code_5();
     void a_run_without_check_is_code_5();
@@ -164,6 +180,7 @@ private slots:
     // Cancelling
     void cancelling_online_is_seen_at_every_point_data();
     void cancelling_online_is_seen_at_every_point();
+    void cancelling_comes_before_a_bad_picture_behind_it();
     void cancelling_does_not_hide_an_earlier_failure();
     void cancelling_before_the_thread_starts_is_lost();
     void cancelling_during_the_offline_copy_is_seen_after_it();
@@ -816,6 +833,57 @@ void TstEngineerDocLoad::a_bad_picture_ends_the_transfer()
     QCOMPARE(readFile(m_site->extractPath() + QLatin1Char('/') + QString::fromUtf8(entry)), bytes);
 }
 
+void TstEngineerDocLoad::a_bad_picture_behind_a_good_one_ends_the_transfer_at_its_turn_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("isDamaged");
+    QTest::addColumn<int>("code");
+    QTest::newRow("cut off") << cutPng(noisePicture({9, 16}, 2)) << false << 15;
+    QTest::newRow("other size") << pngOf(noisePicture({9, 9}, 2)) << false << 15;
+    QTest::newRow("no picture") << QByteArray("no picture at all") << false << 11;
+    QTest::newRow("damaged entry") << pngOf(noisePicture({9, 16}, 2)) << true << 6;
+}
+
+void TstEngineerDocLoad::a_bad_picture_behind_a_good_one_ends_the_transfer_at_its_turn()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, isDamaged);
+    QFETCH(int, code);
+    const ExpectMessage libraryNoise(QtWarningMsg, QRegularExpression(QStringLiteral("^libpng ")),
+                                     ExpectMessage::AnyNumber);
+    PackageBuilder package = packageWithSecondPicture(bytes);
+    if (isDamaged)
+        package.claimCrc(1);
+    // While the first picture is sent, nothing is known of the second one.
+    int codeWhileSending = -1;
+    const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(package), onlineIp);
+    Faults::instance()->arm(createPicture, Fault::run([&] { codeWhileSending = job->resultCode(); }));
+    QCOMPARE(runJob(*job), code);
+    QCOMPARE(codeWhileSending, 0);
+    VERIFY_JOURNAL({canEnable, enableMvr, copySlots, operatorType, createPicture, copyMvrItems});
+}
+
+void TstEngineerDocLoad::a_failed_send_comes_before_a_bad_picture_behind_it()
+{
+    const ExpectMessage libraryNoise(QtWarningMsg, QRegularExpression(QStringLiteral("^libpng ")),
+                                     ExpectMessage::AnyNumber);
+    Faults::instance()->arm(createPicture, Fault::fail());
+    QCOMPARE(apply(packageWithSecondPicture(cutPng(noisePicture({9, 16}, 2))), onlineIp), 14);
+    VERIFY_JOURNAL({canEnable, enableMvr, copySlots, operatorType, createPicture, copyMvrItems});
+}
+
+void TstEngineerDocLoad::a_picture_that_is_in_the_package_twice_is_sent_twice()
+{
+    HardwareState source = plainDevice(sourceIp);
+    source.backgrounds.insert(1, {QStringLiteral("Opening"), noisePicture({16, 9}, 1)});
+    PackageBuilder package = packageOf(source);
+    package.file("BKG/BKG_1.png", pngOf(noisePicture({16, 9}, 2)));
+    QCOMPARE(apply(package, onlineIp), 0);
+    VERIFY_JOURNAL({canEnable, enableMvr, copySlots, operatorType, createPicture, operatorType, createPicture, copyModel,
+                    copyMvrItems});
+    QCOMPARE(onlineState().backgrounds.value(1).pixels, source.backgrounds.value(1).pixels);
+}
+
 void TstEngineerDocLoad::a_damaged_entry_is_code_6()
 {
     HardwareState source = plainDevice(sourceIp);
@@ -1127,6 +1195,17 @@ void TstEngineerDocLoad::cancelling_online_is_seen_at_every_point()
     // Nothing is extracted for an entry that is not sent.
     QCOMPARE(contents(m_site->extractPath()), extracted);
     QCOMPARE(progress.count(), calls.contains(copyModel) ? 1 : 0);
+}
+
+void TstEngineerDocLoad::cancelling_comes_before_a_bad_picture_behind_it()
+{
+    const ExpectMessage libraryNoise(QtWarningMsg, QRegularExpression(QStringLiteral("^libpng ")),
+                                     ExpectMessage::AnyNumber);
+    const std::unique_ptr<EngineerDocLoad> job =
+        checkedJob(write(packageWithSecondPicture(cutPng(noisePicture({9, 16}, 2)))), onlineIp);
+    Faults::instance()->arm(createPicture, Fault::run([&] { job->cancel(); }));
+    QCOMPARE(runJob(*job), 1);
+    VERIFY_JOURNAL({canEnable, enableMvr, copySlots, operatorType, createPicture, copyMvrItems});
 }
 
 void TstEngineerDocLoad::cancelling_does_not_hide_an_earlier_failure()

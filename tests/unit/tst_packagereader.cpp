@@ -26,6 +26,8 @@ private slots:
     void every_entry_comes_out_whole_in_any_order();
     void paths_are_returned_as_the_archiver_returns_them();
     void a_missing_entry_gives_nothing();
+    void reading_an_entry_gives_what_extracting_it_writes();
+    void reading_refuses_what_extracting_refuses();
     void a_name_longer_than_256_bytes_is_extracted();
     void of_two_entries_of_one_name_the_first_counts();
 
@@ -143,6 +145,37 @@ void TstPackageReader::a_missing_entry_gives_nothing()
     QCOMPARE(reader.extractFile("", destination("x")), QString());
     QCOMPARE(reader.extractFile("a.txt", destination("folder/")), QString());
     QCOMPARE(contents(m_out), QStringList());
+}
+
+void TstPackageReader::reading_an_entry_gives_what_extracting_it_writes()
+{
+    const QByteArray large = noise(3 * MiB);
+    write(PackageBuilder().file("a.txt", large).file("b.txt", large, PackageBuilder::Stored).file("c.txt", "c"));
+    PackageReader reader(m_package);
+    for (const QString &name : {QStringLiteral("c.txt"), QStringLiteral("b.txt"), QStringLiteral("a.txt")}) {
+        const QByteArray content = reader.read(name, 3 * MiB);
+        QVERIFY(!reader.extractFile(name, destination(name)).isEmpty());
+        QCOMPARE(content, readFile(destination(name)));
+    }
+    QCOMPARE(reader.read("a.txt", 3 * MiB - 1), QByteArray());
+}
+
+void TstPackageReader::reading_refuses_what_extracting_refuses()
+{
+    write(PackageBuilder()
+              .file("../up.txt", "bad")
+              .file("damaged.txt", "bad")
+              .claimCrc(1)
+              .file("longer.txt", "bad", PackageBuilder::Stored)
+              .claimSize(2)
+              .symbolicLink("link.txt", "bad")
+              .file("good.txt", "good"));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.fileList().size(), 5);
+    for (const char *name : {"../up.txt", "damaged.txt", "longer.txt", "link.txt", "missing.txt", ""})
+        QCOMPARE(reader.read(name, MiB), QByteArray());
+    QCOMPARE(reader.read("good.txt", MiB), QByteArray("good"));
+    QCOMPARE(PackageReader(m_out).read("good.txt", MiB), QByteArray());
 }
 
 void TstPackageReader::a_name_longer_than_256_bytes_is_extracted()

@@ -3,6 +3,7 @@
 #include "devicelookup.h"
 #include "durablefile.h"
 #include "packagereader.h"
+#include "picturedecoder.h"
 #include "projectfilefacts.h"
 #include "zippackagehandle.h"
 
@@ -37,6 +38,9 @@ static const int exchangeCardType = 5;
 static const int smallThumbnailArea = 65536;
 static const int largeThumbnailArea = 262144;
 
+/// Pictures whose files are larger than this are decoded at their turn only.
+static const qint64 maxSizeAhead = 64 * 1024 * 1024;
+
 static bool isDescription(const QString &entry)
 {
     return entry.endsWith(QLatin1String(".json"), Qt::CaseInsensitive);
@@ -47,12 +51,34 @@ static bool isPicture(const QString &entry)
     return entry.endsWith(QLatin1String(".png"), Qt::CaseInsensitive);
 }
 
-static QImage readPicture(QImageReader &reader)
+static bool isLogoEntry(const QString &entry)
 {
-    QImage image(reader.size(), QImage::Format_ARGB32);
-    if (!reader.read(&image))
-        return QImage();
-    return image.convertToFormat(QImage::Format_ARGB32);
+    return entry.startsWith(ProjectFileFacts::logoFolder + QLatin1Char('/'));
+}
+
+/// Where a picture belongs is read with case, what it is without.
+static bool isGalleryEntry(const QString &entry)
+{
+    return isLogoEntry(entry) || entry.startsWith(ProjectFileFacts::backgroundFolder + QLatin1Char('/'));
+}
+
+static bool isGalleryPicture(const QString &entry)
+{
+    return isPicture(entry) && isGalleryEntry(entry);
+}
+
+static QString galleryFolder(const QString &entry)
+{
+    return isLogoEntry(entry) ? ProjectFileFacts::logoFolder : ProjectFileFacts::backgroundFolder;
+}
+
+static quint16 galleryNumber(const QString &entry)
+{
+    const QString folder = galleryFolder(entry);
+    return entry.toUpper()
+        .remove(folder + QLatin1Char('/') + folder + QLatin1Char('_'))
+        .remove(QStringLiteral(".PNG"))
+        .toUShort();
 }
 
 static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
@@ -292,7 +318,7 @@ void EngineerDocLoad::refreshThumbnail(Materail &materail) const
     else if (materail.getType() == Materail::Logo)
         path = deviceFolder() + ProjectFileFacts::logoEntry(materail.getKeyNo());
     QImageReader reader(path);
-    materail.setThumb(thumbnailOf(readPicture(reader)));
+    materail.setThumb(thumbnailOf(PictureDecoder::read(reader)));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -342,59 +368,75 @@ bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Devi
     if (!package.isOpen())
         return fail(LoadDecompressFailed);
     const QStringList entries = package.fileList();
-    for (const QString &entry : entries) {
+    PictureDecoder decoder;
+    auto ahead = entries.begin();
+    for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
         if (stopIfCanceled())
             return false;
-        if (!isPicture(entry))
+        if (!isPicture(*entry))
             continue;
-        const QString path = QStringLiteral("%1/%2").arg(ICore::ExtractJsonPath(), entry);
-        if (package.extractFile(entry, path).isEmpty()) {
+        if (ahead <= entry) {
+            ahead = std::find_if(entry + 1, entries.end(), isGalleryPicture);
+            if (ahead != entries.end())
+                decodeAhead(package, *ahead, decoder);
+        }
+        const QString path = QStringLiteral("%1/%2").arg(ICore::ExtractJsonPath(), *entry);
+        if (package.extractFile(*entry, path).isEmpty()) {
             qDebug() << "Extract file failed:" << path;
             return fail(LoadDecompressFailed);
         }
-        if (!sendPicture(entry, path, target))
+        if (!sendPicture(*entry, path, target, decoder))
             return false;
     }
     return true;
 }
 
+/// Has a picture decoded while the one before it is sent. What is wrong with it comes to light at its own turn,
+/// when it is extracted and read as if nothing had been done before.
+void EngineerDocLoad::decodeAhead(PackageReader &package, const QString &entry, PictureDecoder &decoder) const
+{
+    if (const std::shared_ptr<Materail> materail = findMaterail(entry))
+        decoder.begin(entry, package.read(entry, maxSizeAhead), materail->size());
+}
+
+std::shared_ptr<Materail> EngineerDocLoad::findMaterail(const QString &entry) const
+{
+    // Key numbers have 8 bits.
+    const auto keyNo = static_cast<quint8>(galleryNumber(entry));
+    for (const auto &reference : isLogoEntry(entry) ? m_pPackageDevice->getLogos() : m_pPackageDevice->getBKGs()) {
+        const std::shared_ptr<Materail> candidate = reference.lock();
+        if (candidate && candidate->getKeyNo() == keyNo)
+            return candidate;
+    }
+    return nullptr;
+}
+
 bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
-                                  const std::shared_ptr<Model::Device> &target)
+                                  const std::shared_ptr<Model::Device> &target, PictureDecoder &decoder)
 {
     QImageReader reader(path);
     const QSize size = reader.size();
     if (size.width() < 1 || size.height() < 1)
         return fail(LoadImageContentError);
 
-    // Where a picture belongs is read with case, what it is without.
-    const bool isLogo = entry.startsWith(ProjectFileFacts::logoFolder + QLatin1Char('/'));
-    if (!isLogo && !entry.startsWith(ProjectFileFacts::backgroundFolder + QLatin1Char('/')))
+    if (!isGalleryEntry(entry))
         return true;
-    const QString name = isLogo ? ProjectFileFacts::logoFolder : ProjectFileFacts::backgroundFolder;
-    const QString digits = entry.toUpper().remove(name + QLatin1Char('/') + name + QLatin1Char('_')).remove(
-        QStringLiteral(".PNG"));
-    const quint16 number = digits.toUShort();
-
-    // Key numbers have 8 bits.
-    std::shared_ptr<Materail> materail;
-    for (const auto &reference : isLogo ? m_pPackageDevice->getLogos() : m_pPackageDevice->getBKGs()) {
-        const std::shared_ptr<Materail> candidate = reference.lock();
-        if (candidate && candidate->getKeyNo() == static_cast<quint8>(number)) {
-            materail = candidate;
-            break;
-        }
-    }
+    const std::shared_ptr<Materail> materail = findMaterail(entry);
     if (!materail || materail->size() != size)
         return fail(LoadGalleryFileError);
+    QImage image = decoder.take(entry);
+    if (image.isNull())
+        image = PictureDecoder::read(reader);
     // A cut file still tells its size, but its pixels are anything.
-    const QImage image = readPicture(reader);
     if (image.isNull())
         return fail(LoadGalleryFileError);
 
+    const bool isLogo = isLogoEntry(entry);
     ICore::setOperatorType(ICore::OperatorLoad, (isLogo ? tr("LOGO:") : tr("BKG:")) + materail->getName());
     if (!DeviceControler(target).createMaterailFromImage(image, isLogo ? Materail::Logo : Materail::Background,
                                                          QString(), 0, QSize(0, 0),
-                                                         name + QLatin1Char('_') + QString::number(number)))
+                                                         galleryFolder(entry) + QLatin1Char('_')
+                                                             + QString::number(galleryNumber(entry))))
         return fail(LoadApplyGalleryFailed);
     if (!QFile::remove(path))
         qDebug() << "Remove file failed:" << path;

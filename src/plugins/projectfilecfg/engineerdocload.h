@@ -18,6 +18,7 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 class PackageReader;
+class PictureDecoder;
 
 /// The job that applies a project file to one device, online or offline.
 ///
@@ -70,7 +71,10 @@ private:
     bool copySourceToOfflineDevice();
     bool onlineSend(const std::shared_ptr<Model::Device> &target);
     bool sendSourceToOnlineDevice(const std::shared_ptr<Model::Device> &target);
-    bool sendPicture(const QString &entry, const QString &path, const std::shared_ptr<Model::Device> &target);
+    void decodeAhead(PackageReader &package, const QString &entry, PictureDecoder &decoder) const;
+    std::shared_ptr<Model::Materail> findMaterail(const QString &entry) const;
+    bool sendPicture(const QString &entry, const QString &path, const std::shared_ptr<Model::Device> &target,
+                     PictureDecoder &decoder);
     void refreshThumbnail(Model::Materail &materail) const;
     QString deviceFolder() const;
     bool fail(LoadResultCode code);

@@ -4,6 +4,7 @@
 #include "replacingfile.h"
 #include "streamcopy.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
@@ -201,29 +202,40 @@ bool PackageReader::goTo(const Entry &entry)
            unzGoToFilePos64(m_zip->getUnzFile(), &position) == UNZ_OK;
 }
 
+bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64 limit)
+{
+    QuaZipFile source(m_zip.get());
+    qint64 copied = 0;
+    if (entry.size > limit || !goTo(entry) || !source.open(QIODevice::ReadOnly)
+        || !copyStream(source, destination, limit, &copied) || copied != entry.size)
+        return false;
+    // Closing compares the checksum of what was read.
+    source.close();
+    return source.getZipError() == UNZ_OK;
+}
+
 bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint64 limit)
 {
-    if (entry.size > limit || isFolder(destPath) || !goTo(entry)) {
+    if (entry.size > limit || isFolder(destPath))
         return false;
-    }
     const QString folderPath = QFileInfo(destPath).absolutePath();
     if (!m_tidiedFolders.contains(folderPath)) {
         ReplacingFile::removeStaleFragments(folderPath);
         m_tidiedFolders.insert(folderPath);
     }
     ReplacingFile destination(destPath, ReplacingFile::NotFlushed);
-    QuaZipFile source(m_zip.get());
-    if (!destination.create() || !source.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    limit = std::min(limit, freeSpace(folderPath));
-    qint64 copied = 0;
-    if (entry.size > limit || !copyStream(source, destination.file(), limit, &copied) || copied != entry.size) {
-        return false;
-    }
-    // Closing compares the checksum of what was read.
-    source.close();
-    return source.getZipError() == UNZ_OK && destination.commit();
+    return destination.create()
+           && copyEntry(entry, destination.file(), std::min(limit, freeSpace(folderPath))) && destination.commit();
+}
+
+QByteArray PackageReader::read(const QString &entryName, qint64 limit)
+{
+    const auto entry = directory().entries.constFind(entryName);
+    QBuffer content;
+    content.open(QIODevice::WriteOnly);
+    const bool isRead = entry != directory().entries.constEnd() && entry->isOrdinary && isSafeName(entryName) &&
+                        copyEntry(*entry, content, std::min(limit, maxEntrySize));
+    return isRead ? content.data() : QByteArray();
 }
 
 QStringList PackageReader::extractJsonFiles(const QString &destDir)

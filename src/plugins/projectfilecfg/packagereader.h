@@ -1,11 +1,13 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QSet>
 #include <QStringList>
 
 #include <memory>
 
+class QIODevice;
 class QuaZip;
 
 namespace ProjectFileCfg {
@@ -38,6 +40,10 @@ public:
     /// ending in ".json"), 1 GiB (others) or the free space, whatever size the archive pretends.
     QString extractFile(const QString &entryName, const QString &destPath);
 
+    /// The content of `entryName`, for what is too small to need a file. Empty when the entry is missing, refused as
+    /// by extractFile, damaged, or larger than `limit` bytes.
+    QByteArray read(const QString &entryName, qint64 limit);
+
     /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
     /// what extractFile returned for each, in the archive's order.
     QStringList extractJsonFiles(const QString &destDir);
@@ -49,6 +55,7 @@ private:
     const Directory &directory() const;
     bool readCurrentHeader() const;
     bool goTo(const Entry &entry);
+    bool copyEntry(const Entry &entry, QIODevice &destination, qint64 limit);
     bool writeEntry(const Entry &entry, const QString &destPath, qint64 limit);
 
     std::unique_ptr<QuaZip> m_zip;

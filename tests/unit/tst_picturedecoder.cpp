@@ -1,0 +1,85 @@
+#include "picturedecoder.h"
+
+#include <support/customsite.h>
+#include <support/testmain.h>
+
+using namespace ProjectFileCfg::Internal;
+using namespace TestSupport;
+
+class TstPictureDecoder : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void a_picture_that_was_begun_is_taken_once();
+    void pictures_are_taken_in_any_order();
+    void a_picture_that_was_not_begun_is_empty();
+    void what_cannot_be_decoded_is_an_empty_picture_data();
+    void what_cannot_be_decoded_is_an_empty_picture();
+    void its_end_does_not_need_the_pictures();
+};
+
+static const QString one = QStringLiteral("one");
+static const QString two = QStringLiteral("two");
+
+void TstPictureDecoder::a_picture_that_was_begun_is_taken_once()
+{
+    const QImage picture = noisePicture({60, 40}, 1);
+    PictureDecoder decoder;
+    decoder.begin(one, pngOf(picture), picture.size());
+    const QImage taken = decoder.take(one);
+    QCOMPARE(taken.format(), QImage::Format_ARGB32);
+    QCOMPARE(taken, picture.convertToFormat(QImage::Format_ARGB32));
+    QVERIFY(decoder.take(one).isNull());
+}
+
+void TstPictureDecoder::pictures_are_taken_in_any_order()
+{
+    const QImage opaque = noisePicture({60, 40}, 1);
+    const QImage logo = noisePicture({30, 20}, 2, QImage::Format_ARGB32);
+    PictureDecoder decoder;
+    decoder.begin(one, pngOf(opaque), opaque.size());
+    decoder.begin(two, pngOf(logo), logo.size());
+    QCOMPARE(decoder.take(two), logo);
+    QCOMPARE(decoder.take(one), opaque.convertToFormat(QImage::Format_ARGB32));
+}
+
+void TstPictureDecoder::a_picture_that_was_not_begun_is_empty()
+{
+    PictureDecoder decoder;
+    QVERIFY(decoder.take(one).isNull());
+}
+
+void TstPictureDecoder::what_cannot_be_decoded_is_an_empty_picture_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QSize>("size");
+    const QByteArray good = pngOf(noisePicture({60, 40}, 1));
+    QTest::newRow("nothing") << QByteArray() << QSize(60, 40);
+    QTest::newRow("no picture") << QByteArray("no picture at all") << QSize(60, 40);
+    QTest::newRow("another size") << good << QSize(40, 60);
+    QTest::newRow("cut off") << good.left(good.size() / 2) << QSize(60, 40);
+}
+
+void TstPictureDecoder::what_cannot_be_decoded_is_an_empty_picture()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QSize, size);
+    const ExpectMessage libraryNoise(QtWarningMsg, QRegularExpression(QStringLiteral("^libpng ")),
+                                     ExpectMessage::AnyNumber);
+    PictureDecoder decoder;
+    decoder.begin(one, bytes, size);
+    QVERIFY(decoder.take(one).isNull());
+}
+
+void TstPictureDecoder::its_end_does_not_need_the_pictures()
+{
+    const QImage picture = noisePicture({400, 300}, 1);
+    const QByteArray bytes = pngOf(picture);
+    PictureDecoder decoder;
+    for (int number = 0; number < 20; ++number)
+        decoder.begin(QString::number(number), bytes, picture.size());
+}
+
+TEST_MAIN_GUI(TstPictureDecoder)
+#include "tst_picturedecoder.moc"
