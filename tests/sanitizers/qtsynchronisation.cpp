@@ -76,10 +76,10 @@ __attribute__((constructor)) void watchEvents()
     call;                                                                                                              \
     __tsan_acquire(&handover)
 #define RETURN_AFTER_ACQUIRE_SELF(call)                                                                                \
-    const bool locked = call;                                                                                          \
-    if (locked)                                                                                                        \
+    const bool acquired = call;                                                                                        \
+    if (acquired)                                                                                                      \
         __tsan_acquire(self);                                                                                          \
-    return locked
+    return acquired
 #define RETURN_AFTER_ACQUIRE_HANDOVER(call)                                                                            \
     const bool done = call;                                                                                            \
     __tsan_acquire(&handover);                                                                                         \
@@ -95,6 +95,16 @@ STAND_BEFORE(bool, lockInternalTimed, "_ZN11QBasicMutex12lockInternalEi", (void 
              RETURN_AFTER_ACQUIRE_SELF)
 STAND_BEFORE(void, unlockInternal, "_ZN11QBasicMutex14unlockInternalEv", (void *self), (self), __tsan_release(self),
              CALL)
+
+// Semaphores: what was done before a release is seen by who acquired.
+STAND_BEFORE(void, acquire, "_ZN10QSemaphore7acquireEi", (void *self, int number), (self, number), ,
+             CALL_THEN_ACQUIRE_SELF)
+STAND_BEFORE(bool, tryAcquire, "_ZN10QSemaphore10tryAcquireEi", (void *self, int number), (self, number), ,
+             RETURN_AFTER_ACQUIRE_SELF)
+STAND_BEFORE(bool, tryAcquireTimed, "_ZN10QSemaphore10tryAcquireEii", (void *self, int number, int timeout),
+             (self, number, timeout), , RETURN_AFTER_ACQUIRE_SELF)
+STAND_BEFORE(void, release, "_ZN10QSemaphore7releaseEi", (void *self, int number), (self, number),
+             __tsan_release(self), CALL)
 
 // Threads: the end of a thread, which emits finished(), is seen by who waited for it.
 STAND_BEFORE(bool, wait, "_ZN7QThread4waitEm", (void *self, unsigned long time), (self, time), ,

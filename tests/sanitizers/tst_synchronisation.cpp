@@ -3,6 +3,7 @@
 
 #include <QFutureWatcher>
 #include <QMutex>
+#include <QSemaphore>
 #include <QThread>
 #include <QtConcurrent>
 
@@ -18,6 +19,7 @@ private slots:
     void results_of_a_thread_are_seen_when_it_has_finished();
     void signals_carry_strings_across_threads();
     void contended_mutexes_order_what_they_guard();
+    void semaphores_order_what_was_done_before_a_release();
     void results_of_pool_work_are_seen_by_its_watcher();
 };
 
@@ -93,6 +95,28 @@ void TstSynchronisation::contended_mutexes_order_what_they_guard()
     two.waitForFinished();
     QCOMPARE(guarded.size(), 1500);
     QCOMPARE(counter, 1500);
+}
+
+void TstSynchronisation::semaphores_order_what_was_done_before_a_release()
+{
+    for (int round = 0; round < 50; ++round) {
+        QSemaphore asked;
+        QSemaphore answered;
+        QString text;
+        QFuture<void> other = QtConcurrent::run([&]() {
+            asked.acquire();
+            text += QLatin1Char('b');
+            answered.release();
+        });
+        text = QString::number(round) + QLatin1Char('a');
+        asked.release();
+        if (round % 2 == 0)
+            answered.acquire();
+        else
+            QVERIFY(answered.tryAcquire(1, patience));
+        QCOMPARE(text, QString::number(round) + QStringLiteral("ab"));
+        other.waitForFinished();
+    }
 }
 
 void TstSynchronisation::results_of_pool_work_are_seen_by_its_watcher()
