@@ -267,7 +267,7 @@ void TstDialogs::the_waiting_dialog_blocks_the_other_windows()
 {
     QPushButton other;
     other.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    QVERIFY(QTest::qWaitForWindowExposed(&other, TestSupport::patience));
     WaitingDialog *dialog = WaitingDialog::instance();
     dialog->showWaitingDialog(QStringLiteral("x"), 0);
     QCOMPARE(QApplication::activeModalWidget(), dialog);

@@ -7,6 +7,22 @@
 #include <QGuiApplication>
 #include <QtTest>
 
+// Qt Test gives up on an event after five seconds. On a loaded machine one step of a save or an apply can take that
+// long under a sanitizer, and a test that waits longer costs nothing unless it fails.
+#undef QTRY_VERIFY
+#undef QTRY_VERIFY2
+#undef QTRY_COMPARE
+#define QTRY_VERIFY(expression) QTRY_VERIFY_WITH_TIMEOUT((expression), TestSupport::patience)
+#define QTRY_VERIFY2(expression, message) QTRY_VERIFY2_WITH_TIMEOUT((expression), (message), TestSupport::patience)
+#define QTRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT((actual), expected, TestSupport::patience)
+
+namespace TestSupport {
+
+/// How long a test waits for an event that must come, in milliseconds.
+constexpr int patience = 60000;
+
+} // namespace TestSupport
+
 // The main function of a test program, by what the class under test needs at least. Each gives the
 // test a private home (TestHome) and fails it for every warning that it did not expect (WarningGuard).
 // The test class needs a default constructor and a "#include "tst_x.moc"" after the macro.
