@@ -22,8 +22,9 @@ bool writeDevice(const Device &device, const QString &configPath)
     QSaveFile file(directory.filePath(ip + QLatin1String(".json")));
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(QJsonDocument(device.toJson()).toJson());
-    return file.commit();
+    const QByteArray description = QJsonDocument(device.toJson()).toJson();
+    // QSaveFile commits an empty file when its buffer could not be written.
+    return file.write(description) == description.size() && file.flush() && file.commit();
 }
 
 } // namespace
