@@ -26,7 +26,8 @@ struct Plan
         ReadOnly,
         /// From the n-th call on there is nothing at all any more, as when a stick is pulled.
         Gone,
-        /// The process is killed before the n-th call, or half-way through it when it writes.
+        /// The process is killed before the n-th call that changes something or flushes it, or half-way through
+        /// it when it writes.
         Kill
     };
 
@@ -50,7 +51,6 @@ struct Report
     QVector<int> calls = QVector<int>(KindCount);
     /// Files that were given the extension of a package before their content was flushed.
     QStringList namedBeforeFlushed;
-    int total() const;
 };
 
 /// Ends it.

@@ -1,0 +1,124 @@
+#include "operations.h"
+
+#include <support/testmain.h>
+
+#include <QProcess>
+
+#include <csignal>
+
+using namespace FaultTesting;
+using FaultPoints::Plan;
+
+/// Kills a process at each step of each operation in turn, until it reaches the end, and looks at what it left.
+class TstKills : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+
+    void a_killed_process_leaves_whole_packages_data();
+    void a_killed_process_leaves_whole_packages();
+
+private:
+    enum End { Killed, Succeeded, Failed };
+    static End runToStep(Operation operation, int step);
+
+    Workplace m_place;
+    Inspector m_inspector{m_place};
+    QMap<QString, int> m_points;
+};
+
+namespace {
+
+const QString performOption = QStringLiteral("--perform");
+
+/// The process that is killed, unless the operation has fewer steps.
+int performAndDie(const QStringList &arguments)
+{
+    const Workplace place;
+    Workshop workshop(place);
+    Plan plan;
+    plan.effect = Plan::Kill;
+    plan.number = arguments.value(3).toInt();
+    const Outcome outcome = workshop.perform(Operation(arguments.value(2).toInt()), plan);
+    return outcome.isSuccess && !outcome.report.struck ? 0 : 1;
+}
+
+} // namespace
+
+TstKills::End TstKills::runToStep(Operation operation, int step)
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.start(QCoreApplication::applicationFilePath(),
+                  {performOption, QString::number(operation), QString::number(step)});
+    constexpr int minute = 60000;
+    if (!process.waitForFinished(5 * minute))
+        return Failed;
+    // For QProcess, a process that ended by a signal has crashed, and its exit code is the signal.
+    if (process.exitStatus() == QProcess::CrashExit)
+        return process.exitCode() == SIGKILL ? Killed : Failed;
+    return process.exitCode() == 0 ? Succeeded : Failed;
+}
+
+void TstKills::initTestCase()
+{
+    QCOMPARE(runToStep(Save, 0), Succeeded);
+    m_inspector.setReference(m_place.target(Save));
+    QVERIFY(m_inspector.hasReference());
+}
+
+void TstKills::cleanupTestCase()
+{
+    int sum = 0;
+    for (auto points = m_points.begin(); points != m_points.end(); ++points) {
+        qInfo().noquote() << "kill points:" << points.key() + ':' << points.value();
+        sum += points.value();
+    }
+    qInfo().noquote() << "kill points in all:" << sum;
+}
+
+void TstKills::a_killed_process_leaves_whole_packages_data()
+{
+    QTest::addColumn<int>("operation");
+    for (int operation = 0; operation < OperationCount; ++operation)
+        QTest::newRow(qPrintable(operationName(Operation(operation)))) << operation;
+}
+
+void TstKills::a_killed_process_leaves_whole_packages()
+{
+    QFETCH(int, operation);
+    // Beyond any operation; here something must be wrong with this test.
+    constexpr int tooMany = 1000;
+    for (int step = 1; step < tooMany; ++step) {
+        const End end = runToStep(Operation(operation), step);
+        QVERIFY2(end != Failed, qPrintable(QStringLiteral("at step %1").arg(step)));
+        const QStringList complaints = m_inspector.complaintsAfter(Operation(operation), end == Killed);
+        QVERIFY2(complaints.isEmpty(),
+                 qPrintable(QStringLiteral("at step %1: ").arg(step) + complaints.join(QStringLiteral("; "))));
+        if (end == Succeeded) {
+            QVERIFY(m_inspector.isDone(Operation(operation)));
+            return;
+        }
+        ++m_points[operationName(Operation(operation))];
+    }
+    QFAIL("The operation does not end");
+}
+
+int main(int argc, char *argv[])
+{
+    if (argc == 4 && QString::fromLocal8Bit(argv[1]) == performOption) {
+        // In the home of the process that started it.
+        QApplication application(argc, argv);
+        return performAndDie(application.arguments());
+    }
+    TestSupport::TestHome home;
+    QApplication application(argc, argv);
+    TstKills test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return TestSupport::runTest(&test, argc, argv);
+}
+
+#include "tst_kills.moc"
