@@ -218,6 +218,10 @@ Size writeWatched(int descriptor, Size size, Call call)
         call(size / 2);
         die();
     }
+    if (state().plan.effect == Plan::Kill && judge(Write, true, true).isKilled) {
+        call(size - 1);
+        die();
+    }
     if (verdict.isHalf && size > 1) {
         state().dirtyFiles.insert(inodeOf(descriptor));
         return call(size / 2);

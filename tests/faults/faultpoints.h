@@ -26,8 +26,8 @@ struct Plan
         ReadOnly,
         /// From the n-th call on there is nothing at all any more, as when a stick is pulled.
         Gone,
-        /// The process is killed before the n-th call that changes something or flushes it, or half-way through
-        /// it when it writes.
+        /// The process is killed before the n-th call that changes something or flushes it. A write counts twice:
+        /// half of it is written first, then all but its last byte.
         Kill
     };
 

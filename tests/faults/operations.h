@@ -176,10 +176,11 @@ public:
     }
     Q_DISABLE_COPY(Workshop)
 
-    /// Puts the files back and does the operation, with the plan in force from the moment on when the operator has
-    /// decided until the operation's own work is over.
-    Outcome perform(Operation operation, const FaultPoints::Plan &plan)
+    /// Puts the files back and does the operation, with the plan in force below the watched folders, from the moment
+    /// on when the operator has decided until the operation's own work is over.
+    Outcome perform(Operation operation, const FaultPoints::Plan &plan, const QStringList &watchedFolders)
     {
+        m_watchedFolders = watchedFolders;
         m_place.reset();
         select(operation == ApplyOffline ? offlineIp : onlineIp);
         m_panel->rescan();
@@ -225,7 +226,7 @@ public:
     }
 
 private:
-    void arm() { FaultPoints::arm(m_place.all(), m_plan); }
+    void arm() { FaultPoints::arm(m_watchedFolders, m_plan); }
     void disarm() { m_outcome.report = FaultPoints::disarm(); }
 
     void select(const QString &ip)
@@ -381,6 +382,7 @@ private:
     std::unique_ptr<Panel> m_panel;
     std::unique_ptr<TestSupport::AnswerBook> m_book;
     FaultPoints::Plan m_plan;
+    QStringList m_watchedFolders;
     Outcome m_outcome;
 };
 

@@ -59,7 +59,7 @@ bool mayLeaveFragment(const Plan &plan)
 void TstFaults::initTestCase()
 {
     m_workshop = std::make_unique<Workshop>(m_place);
-    QVERIFY(m_workshop->perform(Save, Plan()).isSuccess);
+    QVERIFY(m_workshop->perform(Save, Plan(), m_place.all()).isSuccess);
     m_inspector.setReference(m_place.target(Save));
     QVERIFY(m_inspector.hasReference());
 }
@@ -79,10 +79,13 @@ void TstFaults::each_package_is_whole_and_success_is_true_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<Plan>("plan");
+    // Projects and devices may lie on different disks.
+    QTest::addColumn<bool>("onlyDevices");
     struct Disturbance
     {
         const char *name;
         Plan plan;
+        bool onlyDevices;
     };
     const auto once = [](FaultPoints::Kind kind, int error) {
         Plan plan;
@@ -96,26 +99,27 @@ void TstFaults::each_package_is_whole_and_success_is_true_data()
         return plan;
     };
     const Disturbance disturbances[] = {
-        {"open: no permission", once(FaultPoints::Open, EACCES)},
-        {"open: gone", once(FaultPoints::Open, ENOENT)},
-        {"write: full disk", once(FaultPoints::Write, ENOSPC)},
-        {"write: read-only", once(FaultPoints::Write, EROFS)},
-        {"flush: full disk", once(FaultPoints::Flush, ENOSPC)},
-        {"flush: input/output error", once(FaultPoints::Flush, EIO)},
-        {"rename: no permission", once(FaultPoints::Rename, EACCES)},
-        {"rename: gone", once(FaultPoints::Rename, ENOENT)},
-        {"rename: full disk", once(FaultPoints::Rename, ENOSPC)},
-        {"mkdir: full disk", once(FaultPoints::MakeFolder, ENOSPC)},
-        {"mkdir: no permission", once(FaultPoints::MakeFolder, EACCES)},
-        {"remove: no permission", once(FaultPoints::Remove, EACCES)},
-        {"the disk is full from then on", lasting(Plan::FullDisk)},
-        {"the disk is read-only from then on", lasting(Plan::ReadOnly)},
-        {"the disk is gone from then on", lasting(Plan::Gone)},
+        {"open: no permission", once(FaultPoints::Open, EACCES), false},
+        {"open: gone", once(FaultPoints::Open, ENOENT), false},
+        {"write: full disk", once(FaultPoints::Write, ENOSPC), false},
+        {"write: read-only", once(FaultPoints::Write, EROFS), false},
+        {"flush: full disk", once(FaultPoints::Flush, ENOSPC), false},
+        {"flush: input/output error", once(FaultPoints::Flush, EIO), false},
+        {"rename: no permission", once(FaultPoints::Rename, EACCES), false},
+        {"rename: gone", once(FaultPoints::Rename, ENOENT), false},
+        {"rename: full disk", once(FaultPoints::Rename, ENOSPC), false},
+        {"mkdir: full disk", once(FaultPoints::MakeFolder, ENOSPC), false},
+        {"mkdir: no permission", once(FaultPoints::MakeFolder, EACCES), false},
+        {"remove: no permission", once(FaultPoints::Remove, EACCES), false},
+        {"the disk is full from then on", lasting(Plan::FullDisk), false},
+        {"the disk is read-only from then on", lasting(Plan::ReadOnly), false},
+        {"the disk is gone from then on", lasting(Plan::Gone), false},
+        {"the devices' disk is full from then on", lasting(Plan::FullDisk), true},
     };
     for (int operation = 0; operation < OperationCount; ++operation) {
         for (const Disturbance &disturbance : disturbances)
             QTest::newRow(qPrintable(operationName(Operation(operation)) + ", " + disturbance.name))
-                << operation << disturbance.plan;
+                << operation << disturbance.plan << disturbance.onlyDevices;
     }
 }
 
@@ -138,10 +142,12 @@ void TstFaults::each_package_is_whole_and_success_is_true()
 {
     QFETCH(int, operation);
     QFETCH(Plan, plan);
+    QFETCH(bool, onlyDevices);
+    const QStringList folders = onlyDevices ? QStringList{m_place.devices()} : m_place.all();
     // The least number of steps beyond which something must be wrong with this test.
     constexpr int tooMany = 2000;
     for (plan.number = 1; plan.number < tooMany; ++plan.number) {
-        const Outcome outcome = m_workshop->perform(Operation(operation), plan);
+        const Outcome outcome = m_workshop->perform(Operation(operation), plan, folders);
         verify(Operation(operation), plan, outcome);
         if (QTest::currentTestFailed())
             return;
@@ -164,7 +170,7 @@ void TstFaults::without_an_exclusive_rename_copies_and_edits_work_too()
         // The first renaming of each that must not replace anything; an edit writes its record before that.
         plan.number = operation == Edit ? 2 : 1;
         plan.error = EINVAL;
-        const Outcome outcome = m_workshop->perform(operation, plan);
+        const Outcome outcome = m_workshop->perform(operation, plan, m_place.all());
         QVERIFY(outcome.report.struck);
         QVERIFY2(outcome.isSuccess, qPrintable(operationName(operation) + ' ' + outcome.message));
         verify(operation, plan, outcome);

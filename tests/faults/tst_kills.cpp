@@ -42,7 +42,7 @@ int performAndDie(const QStringList &arguments)
     Plan plan;
     plan.effect = Plan::Kill;
     plan.number = arguments.value(3).toInt();
-    const Outcome outcome = workshop.perform(Operation(arguments.value(2).toInt()), plan);
+    const Outcome outcome = workshop.perform(Operation(arguments.value(2).toInt()), plan, place.all());
     return outcome.isSuccess && !outcome.report.struck ? 0 : 1;
 }
 
