@@ -126,7 +126,8 @@ Verdict judge(Kind kind, bool changes, bool needsRoom)
     case Plan::FailOnce:
         break;
     case Plan::FullDisk:
-        verdict.fails = needsRoom;
+    case Plan::FullForAWhile:
+        verdict.fails = needsRoom && (s.plan.effect == Plan::FullDisk || number < s.plan.number + 4);
         verdict.error = ENOSPC;
         verdict.isHalf = first && kind == Write;
         break;

@@ -22,6 +22,8 @@ struct Plan
         FailOnce,
         /// From the n-th call on the disk is full: half of a write goes through, then nothing that needs room.
         FullDisk,
+        /// The same, but after four calls there is room again: long enough for a file to be given up.
+        FullForAWhile,
         /// From the n-th call on nothing can be changed.
         ReadOnly,
         /// From the n-th call on there is nothing at all any more, as when a stick is pulled.

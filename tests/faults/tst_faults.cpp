@@ -114,7 +114,7 @@ void TstFaults::each_package_is_whole_and_success_is_true_data()
         {"the disk is full from then on", lasting(Plan::FullDisk), false},
         {"the disk is read-only from then on", lasting(Plan::ReadOnly), false},
         {"the disk is gone from then on", lasting(Plan::Gone), false},
-        {"the devices' disk is full from then on", lasting(Plan::FullDisk), true},
+        {"the devices' disk is full for a while", lasting(Plan::FullForAWhile), true},
     };
     for (int operation = 0; operation < OperationCount; ++operation) {
         for (const Disturbance &disturbance : disturbances)
