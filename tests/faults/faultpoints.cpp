@@ -380,22 +380,10 @@ static mode_t modeOf(int flags, va_list arguments)
     static const auto next = original<int(int, const char *, int, ...)>(name);                                         \
     return openWatched(path, flags, [&] { return next(directory, path, flags, mode); });
 
-FAULT_POINT int open(const char *path, int flags, ...)
-{
-    OPEN_BODY("open")
-}
-FAULT_POINT int open64(const char *path, int flags, ...)
-{
-    OPEN_BODY("open64")
-}
-FAULT_POINT int openat(int directory, const char *path, int flags, ...)
-{
-    OPENAT_BODY("openat")
-}
-FAULT_POINT int openat64(int directory, const char *path, int flags, ...)
-{
-    OPENAT_BODY("openat64")
-}
+FAULT_POINT int open(const char *path, int flags, ...){OPEN_BODY("open")} FAULT_POINT
+    int open64(const char *path, int flags, ...){OPEN_BODY("open64")} FAULT_POINT
+    int openat(int directory, const char *path, int flags, ...){OPENAT_BODY("openat")} FAULT_POINT
+    int openat64(int directory, const char *path, int flags, ...){OPENAT_BODY("openat64")}
 
 FAULT_POINT int close(int descriptor)
 {
@@ -418,7 +406,8 @@ FAULT_POINT int close(int descriptor)
 FAULT_POINT ssize_t write(int descriptor, const void *bytes, size_t count)
 {
     static const auto next = original<ssize_t(int, const void *, size_t)>("write");
-    return writeWatched(descriptor, ssize_t(count), [&](ssize_t size) { return next(descriptor, bytes, size_t(size)); });
+    return writeWatched(descriptor, ssize_t(count),
+                        [&](ssize_t size) { return next(descriptor, bytes, size_t(size)); });
 }
 FAULT_POINT ssize_t pwrite(int descriptor, const void *bytes, size_t count, off_t offset)
 {

@@ -20,7 +20,9 @@
 #include <QMap>
 #include <QTextEdit>
 #include <QThreadPool>
+#include <QTimer>
 
+#include <cstdio>
 #include <memory>
 
 /// The operations on project files, each once with everything around it: the files that are there before, the
@@ -38,8 +40,8 @@ enum Operation { Save, SaveOver, Edit, SaveAs, Import, ApplyOffline, Delete, Ope
 
 inline QString operationName(Operation operation)
 {
-    static const char *const names[] = {"save",   "save over an older one", "edit", "save as", "import",
-                                        "apply offline", "delete"};
+    static const char *const names[] = {"save",   "save over an older one", "edit",  "save as",
+                                        "import", "apply offline",          "delete"};
     return QLatin1String(names[operation]);
 }
 
@@ -53,6 +55,18 @@ static const QString newComment = QStringLiteral("after");
 static const QByteArray oldDeviceFile = "the device's own";
 
 using Files = QMap<QString, QByteArray>;
+
+/// Straight to the output: after thousands of log lines Qt Test prints no more of them.
+inline void printPoints(const char *what, const QMap<QString, int> &points)
+{
+    int sum = 0;
+    for (auto point = points.begin(); point != points.end(); ++point) {
+        std::printf("%s points, %s: %d\n", what, qPrintable(point.key()), point.value());
+        sum += point.value();
+    }
+    std::printf("%s points in all: %d\n", what, sum);
+    std::fflush(stdout);
+}
 
 /// The folders and files. Needs no application object and leaves the host alone.
 class Workplace
@@ -187,8 +201,10 @@ public:
         TestSupport::WarningGuard::clear();
         Simulation::Journal::instance()->clear();
         // Whatever goes wrong may be logged.
-        const TestSupport::ExpectMessage warnings(QtWarningMsg, QRegularExpression(), TestSupport::ExpectMessage::AnyNumber);
-        const TestSupport::ExpectMessage errors(QtCriticalMsg, QRegularExpression(), TestSupport::ExpectMessage::AnyNumber);
+        const TestSupport::ExpectMessage warnings(QtWarningMsg, QRegularExpression(),
+                                                  TestSupport::ExpectMessage::AnyNumber);
+        const TestSupport::ExpectMessage errors(QtCriticalMsg, QRegularExpression(),
+                                                TestSupport::ExpectMessage::AnyNumber);
 
         m_outcome = Outcome();
         m_plan = plan;
@@ -275,10 +291,19 @@ private:
         return types.isEmpty() ||
                types.last().arguments.value(QStringLiteral("type")) == QStringLiteral("OperatorNone");
     }
-    void waitForJob()
+    /// Without the pauses of QTest::qWaitFor, which would take most of the time of a thousand operations.
+    template<typename Condition>
+    static void waitFor(Condition isMet)
     {
-        if (!QTest::qWaitFor([] { return isIdle(); }, 120000))
-            qFatal("The job does not end");
+        constexpr int patience = 120000;
+        QTimer guard;
+        guard.setSingleShot(true);
+        guard.start(patience);
+        while (!isMet()) {
+            if (!guard.isActive())
+                qFatal("The operation does not end");
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
     }
     static bool logged(const QString &text)
     {
@@ -296,7 +321,7 @@ private:
         expectProperties(QStringLiteral("new"));
         expectResult();
         TestSupport::click(m_panel->saveProject());
-        waitForJob();
+        waitFor(&isIdle);
         disarm();
         // A preset that cannot be opened ends a save without a word and without a package: that is deliberate.
         m_outcome.isSuccess = m_outcome.message.isEmpty() && !logged(QStringLiteral("serailize error,reason"));
@@ -334,8 +359,7 @@ private:
         press();
         // Behind the copying and before the scan that follows it.
         QtConcurrent::run([this] { disarm(); });
-        if (!QTest::qWaitFor([this] { return !m_outcome.message.isEmpty(); }, 120000))
-            qFatal("The copying does not end");
+        waitFor([this] { return !m_outcome.message.isEmpty(); });
         QThreadPool::globalInstance()->waitForDone();
         QThreadPool::globalInstance()->setMaxThreadCount(QThread::idealThreadCount());
         m_outcome.isSuccess = m_outcome.message == success;
@@ -358,7 +382,7 @@ private:
         expectQuestion(QMessageBox::No);
         expectResult();
         TestSupport::click(row(QStringLiteral("show")), QStringLiteral("Apply"));
-        waitForJob();
+        waitFor(&isIdle);
         disarm();
         const bool hasRun = Simulation::Journal::instance()->count(QStringLiteral("ICore.setOperatorType")) > 0;
         // A package that is no valid one any more is not applied, and a device description that the host could not

@@ -67,12 +67,7 @@ void TstFaults::initTestCase()
 void TstFaults::cleanupTestCase()
 {
     m_workshop.reset();
-    int sum = 0;
-    for (auto points = m_points.begin(); points != m_points.end(); ++points) {
-        qInfo().noquote() << "fault points:" << points.key() << points.value();
-        sum += points.value();
-    }
-    qInfo().noquote() << "fault points in all:" << sum;
+    printPoints("fault", m_points);
 }
 
 void TstFaults::each_package_is_whole_and_success_is_true_data()
@@ -135,7 +130,8 @@ void TstFaults::verify(Operation operation, const Plan &plan, const Outcome &out
         return;
     QVERIFY2(m_inspector.isDone(operation, missing), where + "success was reported, but it is not done");
     const QStringList unflushed = m_inspector.unflushed(operation);
-    QVERIFY2(unflushed.isEmpty(), where + "success was reported before this was on disk: " + unflushed.join(' ').toUtf8());
+    QVERIFY2(unflushed.isEmpty(),
+             where + "success was reported before this was on disk: " + unflushed.join(' ').toUtf8());
 }
 
 void TstFaults::each_package_is_whole_and_success_is_true()
@@ -159,7 +155,7 @@ void TstFaults::each_package_is_whole_and_success_is_true()
     QVERIFY(plan.number < tooMany);
     const QString kind =
         plan.effect == Plan::FailOnce ? FaultPoints::kindName(plan.kind) : QStringLiteral("lasting failures");
-    m_points[operationName(Operation(operation)) + ", " + kind + ':'] += plan.number - 1;
+    m_points[operationName(Operation(operation)) + ", " + kind] += plan.number - 1;
 }
 
 void TstFaults::without_an_exclusive_rename_copies_and_edits_work_too()

@@ -72,12 +72,7 @@ void TstKills::initTestCase()
 
 void TstKills::cleanupTestCase()
 {
-    int sum = 0;
-    for (auto points = m_points.begin(); points != m_points.end(); ++points) {
-        qInfo().noquote() << "kill points:" << points.key() + ':' << points.value();
-        sum += points.value();
-    }
-    qInfo().noquote() << "kill points in all:" << sum;
+    printPoints("kill", m_points);
 }
 
 void TstKills::a_killed_process_leaves_whole_packages_data()

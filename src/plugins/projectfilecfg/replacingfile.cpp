@@ -67,8 +67,10 @@ bool ReplacingFile::createFrom(const QString &sourcePath)
     if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !openFragment() ||
         !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied))
         return false;
-    // Not an error where it fails: a stick's file system knows no permissions.
-    m_fragment.setPermissions(source.permissions());
+    // What this user may do with the source is no permission of the file. Not an error where it fails: a stick's
+    // file system knows no permissions.
+    constexpr QFile::Permissions thisUser = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
+    m_fragment.setPermissions(source.permissions() & ~thisUser);
     return m_fragment.flush() && m_fragment.seek(0);
 }
 

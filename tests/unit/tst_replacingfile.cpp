@@ -1,0 +1,303 @@
+#include "durablefile.h"
+#include "packagereader.h"
+#include "packagetesting.h"
+#include "projectlist.h"
+#include "replacingfile.h"
+#include "zippackagehandle.h"
+
+#include <support/packagebuilder.h>
+#include <support/testmain.h>
+
+#include <QDateTime>
+#include <QTemporaryDir>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+using TestSupport::PackageBuilder;
+
+/// Files that are replaced, copied and renamed whole or not at all, and what killed processes left of such work.
+class TstReplacingFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void a_fragment_is_hidden_and_goes_with_its_object();
+    void a_target_that_must_be_kept_is_kept();
+    void a_copy_has_the_bytes_and_permissions_of_its_source();
+    void a_copy_replaces_nothing();
+    void a_copy_makes_no_folder();
+    void a_copy_does_not_write_through_a_broken_link();
+    void a_renaming_replaces_nothing();
+    void a_missing_folder_is_made_with_those_that_lead_there();
+    void a_file_in_a_folders_place_is_told();
+
+    void only_old_fragments_are_stale();
+    void what_is_no_fragment_is_never_stale_data();
+    void what_is_no_fragment_is_never_stale();
+    void scanning_saving_editing_copying_and_extracting_remove_stale_fragments_data();
+    void scanning_saving_editing_copying_and_extracting_remove_stale_fragments();
+    void fragments_are_not_packed();
+
+    void a_record_is_written_with_the_checksum_that_it_has();
+    void a_record_for_another_package_is_refused();
+    void a_package_that_may_not_be_written_keeps_its_record();
+
+private:
+    QString path(const QString &name) const { return m_temp->filePath(name); }
+    bool addFragment(const QString &folder, int hoursOld, const QString &name = fragment()) const;
+    static QString fragment() { return QStringLiteral(".01234567-89ab-cdef-0123-456789abcdef.part"); }
+
+    QScopedPointer<QTemporaryDir> m_temp;
+};
+
+void TstReplacingFile::init()
+{
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+}
+
+bool TstReplacingFile::addFragment(const QString &folder, int hoursOld, const QString &name) const
+{
+    if (!writeFile(path(folder) + '/' + name, "half a package"))
+        return false;
+    QFile file(path(folder) + '/' + name);
+    return file.open(QIODevice::ReadWrite) &&
+           file.setFileTime(QDateTime::currentDateTime().addSecs(-3600 * hoursOld), QFileDevice::FileModificationTime);
+}
+
+void TstReplacingFile::a_fragment_is_hidden_and_goes_with_its_object()
+{
+    QVERIFY(writeFile(path("target"), "old"));
+    {
+        ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+        QVERIFY(file.create());
+        QCOMPARE(file.file().write("new"), qint64(3));
+        const QString name = QFileInfo(file.path()).fileName();
+        QVERIFY2(ReplacingFile::isFragment(name), qPrintable(name));
+        QCOMPARE(contents(m_temp->path()), (QStringList{name, "target"}));
+    }
+    QCOMPARE(contents(m_temp->path()), QStringList{"target"});
+    QCOMPARE(readFile(path("target")), QByteArray("old"));
+}
+
+void TstReplacingFile::a_target_that_must_be_kept_is_kept()
+{
+    for (const auto durability : {ReplacingFile::FlushedToDisk, ReplacingFile::NotFlushed}) {
+        QVERIFY(writeFile(path("target"), "old"));
+        for (const bool keep : {true, false}) {
+            ReplacingFile file(path("target"), durability);
+            QVERIFY(file.create());
+            QCOMPARE(file.file().write("new"), qint64(3));
+            QCOMPARE(file.commit(keep ? ReplacingFile::Kept : ReplacingFile::Replaced), !keep);
+            QCOMPARE(readFile(path("target")), QByteArray(keep ? "old" : "new"));
+        }
+    }
+    QCOMPARE(contents(m_temp->path()), QStringList{"target"});
+}
+
+void TstReplacingFile::a_copy_has_the_bytes_and_permissions_of_its_source()
+{
+    const QByteArray bytes = noise(3 * MiB + 1);
+    QVERIFY(writeFile(path("source"), bytes));
+    // As from a medium that cannot be written.
+    QVERIFY(QFile::setPermissions(path("source"), QFile::ReadOwner | QFile::ReadGroup));
+    QVERIFY(copyToFreeName(path("source"), path("copy")));
+    QVERIFY(readFile(path("copy")) == bytes);
+    struct stat status;
+    QCOMPARE(stat(QFile::encodeName(path("copy")).constData(), &status), 0);
+    QCOMPARE(int(status.st_mode & 0777), 0440);
+    QCOMPARE(contents(m_temp->path()), (QStringList{"copy", "source"}));
+}
+
+void TstReplacingFile::a_copy_replaces_nothing()
+{
+    QVERIFY(writeFile(path("source"), "new"));
+    QVERIFY(writeFile(path("copy"), "old"));
+    QVERIFY(QDir().mkpath(path("folder")));
+    QVERIFY(!copyToFreeName(path("source"), path("copy")));
+    QVERIFY(!copyToFreeName(path("source"), path("source")));
+    QVERIFY(!copyToFreeName(path("source"), path("folder")));
+    QVERIFY(!copyToFreeName(path("missing"), path("new")));
+    QCOMPARE(readFile(path("copy")), QByteArray("old"));
+    QCOMPARE(readFile(path("source")), QByteArray("new"));
+    QCOMPARE(contents(m_temp->path()), (QStringList{"copy", "folder", "source"}));
+}
+
+void TstReplacingFile::a_copy_makes_no_folder()
+{
+    QVERIFY(writeFile(path("source"), "new"));
+    QVERIFY(!copyToFreeName(path("source"), path("stick/copy")));
+    QCOMPARE(contents(m_temp->path()), QStringList{"source"});
+}
+
+void TstReplacingFile::a_copy_does_not_write_through_a_broken_link()
+{
+    QVERIFY(writeFile(path("source"), "new"));
+    QVERIFY(QFile::link(path("missing"), path("copy")));
+    QVERIFY(!copyToFreeName(path("source"), path("copy")));
+    QCOMPARE(contents(m_temp->path()), (QStringList{"copy", "source"}));
+}
+
+void TstReplacingFile::a_renaming_replaces_nothing()
+{
+    QVERIFY(writeFile(path("from"), "new"));
+    QVERIFY(writeFile(path("taken"), "old"));
+    QVERIFY(!DurableFile::renameDurably(path("from"), path("taken")));
+    QVERIFY(!DurableFile::renameDurably(path("missing"), path("free")));
+    QVERIFY(!DurableFile::renameDurably(path("from"), path("no folder/free")));
+    QCOMPARE(contents(m_temp->path()), (QStringList{"from", "taken"}));
+    QCOMPARE(readFile(path("taken")), QByteArray("old"));
+    QVERIFY(DurableFile::renameDurably(path("from"), path("free")));
+    QCOMPARE(contents(m_temp->path()), (QStringList{"free", "taken"}));
+    QCOMPARE(readFile(path("free")), QByteArray("new"));
+}
+
+void TstReplacingFile::a_missing_folder_is_made_with_those_that_lead_there()
+{
+    QVERIFY(DurableFile::makeFolder(path("a/b/c/")));
+    QVERIFY(DurableFile::makeFolder(path("a/b/c")));
+    QCOMPARE(contents(m_temp->path()), (QStringList{"a", "a/b", "a/b/c"}));
+}
+
+void TstReplacingFile::a_file_in_a_folders_place_is_told()
+{
+    QVERIFY(writeFile(path("a"), "a file"));
+    QVERIFY(!DurableFile::makeFolder(path("a")));
+    QVERIFY(!DurableFile::makeFolder(path("a/b/c")));
+    QVERIFY(!DurableFile::flushTree(path("missing")));
+}
+
+void TstReplacingFile::only_old_fragments_are_stale()
+{
+    QVERIFY(addFragment("folder", 25, ".00000000-0000-0000-0000-000000000001.part"));
+    QVERIFY(addFragment("folder", 23, ".00000000-0000-0000-0000-000000000002.part"));
+    QVERIFY(addFragment("folder", -30, ".00000000-0000-0000-0000-000000000003.part"));
+    ReplacingFile::removeStaleFragments(path("folder"));
+    QCOMPARE(contents(path("folder")),
+             (QStringList{".00000000-0000-0000-0000-000000000002.part", ".00000000-0000-0000-0000-000000000003.part"}));
+}
+
+void TstReplacingFile::what_is_no_fragment_is_never_stale_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("visible") << fragment().mid(1);
+    QTest::newRow("another extension") << fragment() + ".corvelpro";
+    QTest::newRow("no id") << ".show.part";
+    QTest::newRow("another form of id") << ".{01234567-89ab-cdef-0123-456789abcdef}.part";
+    QTest::newRow("longer") << fragment().insert(1, 'a');
+    QTest::newRow("with a line end") << fragment() + '\n';
+}
+
+void TstReplacingFile::what_is_no_fragment_is_never_stale()
+{
+    QFETCH(QString, name);
+    QVERIFY(!ReplacingFile::isFragment(name));
+    QVERIFY(addFragment("folder", 1000, name));
+    ReplacingFile::removeStaleFragments(path("folder"));
+    QCOMPARE(contents(path("folder")), QStringList{name});
+    // Nor is a folder or a link.
+    QVERIFY(QDir().mkpath(path("other/") + fragment()));
+    ReplacingFile::removeStaleFragments(path("other"));
+    QCOMPARE(contents(path("other")), QStringList{fragment()});
+}
+
+void TstReplacingFile::scanning_saving_editing_copying_and_extracting_remove_stale_fragments_data()
+{
+    QTest::addColumn<QString>("work");
+    for (const char *work : {"scan", "save", "edit", "copy", "extract"})
+        QTest::newRow(work) << QString(work);
+}
+
+void TstReplacingFile::scanning_saving_editing_copying_and_extracting_remove_stale_fragments()
+{
+    QFETCH(QString, work);
+    const QString young = fragment().replace('0', 'f');
+    QVERIFY(addFragment("folder", 48));
+    QVERIFY(addFragment("folder", 1, young));
+    const QString package = path("folder/show.corvelpro");
+    QVERIFY(PackageBuilder().file("a.txt", "text").record("show", "comment").write(package));
+    EngineerPacketInfo info;
+    info.strFilePath = package;
+
+    if (work == "scan") {
+        ProjectList list;
+        list.scanProjectFiles(path("folder/"), list.beginScan());
+        QCOMPARE(list.projects.size(), 1);
+    } else if (work == "save") {
+        QVERIFY(makeDeviceTree(path("device")));
+        QVERIFY(ZipPackageHandle::compressEngineerPacket(path("device"), info));
+    } else if (work == "edit") {
+        QVERIFY(ZipPackageHandle::setZipComment(package, "another"));
+    } else if (work == "copy") {
+        QVERIFY(writeFile(path("source"), "bytes"));
+        QVERIFY(copyToFreeName(path("source"), path("folder/copy")));
+    } else {
+        QVERIFY(!PackageReader(package).extractFile("a.txt", path("folder/a.txt")).isEmpty());
+    }
+    const QStringList left = contents(path("folder"));
+    QVERIFY2(!left.contains(fragment()), qPrintable(left.join(' ')));
+    QVERIFY2(left.contains(young), qPrintable(left.join(' ')));
+}
+
+void TstReplacingFile::fragments_are_not_packed()
+{
+    QVERIFY(makeDeviceTree(path("device")));
+    QVERIFY(addFragment("device/BKG", 0));
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    QVERIFY(ZipPackageHandle::compressEngineerPacket(path("device"), info));
+    const QStringList entries = ZipPackageHandle::getFileList(info.strFilePath);
+    QVERIFY(entries.contains("BKG/BKG_0.png"));
+    QVERIFY2(entries.filter(".part").isEmpty(), qPrintable(entries.join(' ')));
+}
+
+void TstReplacingFile::a_record_is_written_with_the_checksum_that_it_has()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    QVERIFY(PackageBuilder().file("a.txt", "text").record("show", "before").write(info.strFilePath));
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    EngineerPacketInfo edited = info;
+    edited.strProjectName = QString::fromUtf8("演出");
+    edited.strComment = "after";
+    QVERIFY(ZipPackageHandle::setEngineerInfo(edited));
+    EngineerPacketInfo read;
+    read.strFilePath = info.strFilePath;
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(read));
+    QCOMPARE(read.strProjectName, edited.strProjectName);
+    QCOMPARE(read.strComment, edited.strComment);
+    QCOMPARE(read.strChecksum, info.strChecksum);
+}
+
+void TstReplacingFile::a_record_for_another_package_is_refused()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    QVERIFY(PackageBuilder().file("a.txt", "text").record("show", "before").write(info.strFilePath));
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    // Another program replaces it by one whose first bytes differ, and its checksum with them.
+    QVERIFY(PackageBuilder().file("a.txt", "text").claimVersionNeeded(10).record("other", "b").write(info.strFilePath));
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(info.strFilePath));
+    const QByteArray replaced = readFile(info.strFilePath);
+    info.strComment = "after";
+    QVERIFY(!ZipPackageHandle::setEngineerInfo(info));
+    QVERIFY(readFile(info.strFilePath) == replaced);
+    QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
+}
+
+void TstReplacingFile::a_package_that_may_not_be_written_keeps_its_record()
+{
+    const QString package = path("show.corvelpro");
+    QVERIFY(PackageBuilder().file("a.txt", "text").record("show", "before").write(package));
+    QCOMPARE(run("chmod", {"777", m_temp->path()}).exitCode, 0);
+    QCOMPARE(run("chmod", {"444", package}).exitCode, 0);
+    const QByteArray before = readFile(package);
+    const OrdinaryUser user;
+    QVERIFY(!ZipPackageHandle::setZipComment(package, "another"));
+    QVERIFY(readFile(package) == before);
+}
+
+TEST_MAIN_CORE(TstReplacingFile)
+#include "tst_replacingfile.moc"
