@@ -111,6 +111,7 @@ EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
     , m_strDocumentsPath(Facts::documentsPath())
     , m_mutex(m_pProjects->mutex)
     , m_pEncodedPictures(std::make_shared<EncodedPictures>())
+    , m_projectIcon(QStringLiteral(":resource/images/icon_project_normal.png"))
 {
     m_pFileWatcher = new QFileSystemWatcher;
     m_pFileWatcher->addPath(m_strDefaultPath);
@@ -312,27 +313,31 @@ void EngineerDocOperWidget::updateProjectTable()
     for (const EngineerPacketInfo &info : qAsConst(m_listProjectInfo))
         pending.insert(info.strFilePath);
 
+    const ProjectRowWidget::Texts texts{tr("Edit"), tr("Apply"), tr("Save as"), tr("Delete")};
     int row = 0;
     for (const EngineerPacketInfo &info : qAsConst(m_listProjectInfo)) {
-        while (row < m_pProjectTable->rowCount() && !pending.contains(rowWidget(row)->filePath()))
+        while (row < m_pProjectTable->rowCount() && rowWidget(row) && !pending.contains(rowWidget(row)->filePath()))
             m_pProjectTable->removeRow(row);
-        if (row == m_pProjectTable->rowCount() || rowWidget(row)->filePath() != info.strFilePath)
-            insertTableRow(row);
-        setTableRow(row, info);
+        // All that follow are new: made at once, since the view looks at all its rows for each that is inserted.
+        if (row == m_pProjectTable->rowCount())
+            m_pProjectTable->setRowCount(m_listProjectInfo.size());
+        else if (rowWidget(row) && rowWidget(row)->filePath() != info.strFilePath)
+            m_pProjectTable->insertRow(row);
+        if (!rowWidget(row))
+            fillTableRow(row);
+        setTableRow(row, info, texts);
         pending.remove(info.strFilePath);
         ++row;
     }
     m_pProjectTable->setRowCount(row);
 }
 
-void EngineerDocOperWidget::insertTableRow(int row)
+void EngineerDocOperWidget::fillTableRow(int row)
 {
-    m_pProjectTable->insertRow(row);
-    m_pProjectTable->setItem(
-        row, 0, new QTableWidgetItem(QIcon(QStringLiteral(":resource/images/icon_project_normal.png")), QString()));
+    m_pProjectTable->setItem(row, 0, new QTableWidgetItem(m_projectIcon, QString()));
     m_pProjectTable->setItem(row, 1, new QTableWidgetItem);
 
-    auto *widget = new ProjectRowWidget(this);
+    auto *widget = new ProjectRowWidget(m_rowIcons, m_pProjectTable->viewport());
     connect(widget->editButton(), &QAbstractButton::clicked, this, &EngineerDocOperWidget::slot_editProjectInfo);
     connect(widget->applyButton(), &QAbstractButton::clicked, this, &EngineerDocOperWidget::slot_applyPoject);
     connect(widget->saveAsButton(), &QAbstractButton::clicked, this, &EngineerDocOperWidget::slot_singleFileSaveas);
@@ -340,14 +345,14 @@ void EngineerDocOperWidget::insertTableRow(int row)
     m_pProjectTable->setCellWidget(row, 2, widget);
 }
 
-void EngineerDocOperWidget::setTableRow(int row, const EngineerPacketInfo &info)
+void EngineerDocOperWidget::setTableRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts)
 {
     QString name = QFileInfo(info.strFilePath).fileName();
     name.remove(Facts::packageExtension);
     m_pProjectTable->item(row, 0)->setText(name);
     m_pProjectTable->item(row, 1)->setText(info.strComment);
     rowWidget(row)->setFilePath(info.strFilePath);
-    rowWidget(row)->setTexts({tr("Edit"), tr("Apply"), tr("Save as"), tr("Delete")});
+    rowWidget(row)->setTexts(texts);
 }
 
 ProjectRowWidget *EngineerDocOperWidget::rowWidget(int row) const

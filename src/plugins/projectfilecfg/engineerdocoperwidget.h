@@ -2,10 +2,12 @@
 
 #include "operationresultcodes.h"
 #include "projectlist.h"
+#include "projectrowwidget.h"
 
 #include <widgets/icenterwidget.h>
 
 #include <QFuture>
+#include <QIcon>
 
 #include <memory>
 
@@ -27,7 +29,6 @@ namespace Internal {
 class EncodedPictures;
 class EngineerDocBackup;
 class EngineerDocLoad;
-class ProjectRowWidget;
 
 /// The panel of the "Project File" mode: a device selector, the table of project files and every operation on them.
 ///
@@ -82,8 +83,8 @@ private:
 
     void updateProjectTable();
     void updateButtonState();
-    void setTableRow(int row, const EngineerPacketInfo &info);
-    void insertTableRow(int row);
+    void fillTableRow(int row);
+    void setTableRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts);
     ProjectRowWidget *rowWidget(int row) const;
 
     void initDevice();
@@ -136,6 +137,8 @@ private:
     QMutex &m_mutex;
     /// Kept from save to save.
     const std::shared_ptr<EncodedPictures> m_pEncodedPictures;
+    const QIcon m_projectIcon;
+    const ProjectRowWidget::Icons m_rowIcons;
 };
 
 } // namespace Internal

@@ -2,42 +2,49 @@
 
 #include <QFrame>
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QToolButton>
 #include <QVariant>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-ProjectRowWidget::ProjectRowWidget(QWidget *parent)
+ProjectRowWidget::Icons::Icons()
+    : edit(QStringLiteral(":resource/images/icon_setting_project_edit.png"))
+    , apply(QStringLiteral(":resource/images/icon_setting_project_apply.png"))
+    , saveAs(QStringLiteral(":resource/images/icon_setting_project_save.png"))
+    , remove(QStringLiteral(":resource/images/icon_setting_project_del.png"))
+{
+}
+
+ProjectRowWidget::ProjectRowWidget(const Icons &icons, QWidget *parent)
     : QWidget(parent)
 {
     setLayout(new QHBoxLayout);
-    m_pEditBtn = addButton("EngineerDocOperBlue", QStringLiteral(":resource/images/icon_setting_project_edit.png"));
+    m_pEditBtn = addButton("EngineerDocOperBlue", icons.edit);
     addSeparator("EngineerFunctionLine");
-    m_pApplyBtn = addButton("EngineerDocOperBlue", QStringLiteral(":resource/images/icon_setting_project_apply.png"));
+    m_pApplyBtn = addButton("EngineerDocOperBlue", icons.apply);
     addSeparator("EngineerFunctionLine");
-    m_pSaveAsBtn = addButton("EngineerDocOperBlue", QStringLiteral(":resource/images/icon_setting_project_save.png"));
+    m_pSaveAsBtn = addButton("EngineerDocOperBlue", icons.saveAs);
     // The host's style sheet draws this one differently.
     addSeparator("DeviceFunctionLine");
-    m_pDeleteBtn = addButton("EngineerDocOperRed", QStringLiteral(":resource/images/icon_setting_project_del.png"));
+    m_pDeleteBtn = addButton("EngineerDocOperRed", icons.remove);
 }
 
 ProjectRowWidget::~ProjectRowWidget() = default;
 
-QToolButton *ProjectRowWidget::addButton(const char *styleProperty, const QString &icon)
+QToolButton *ProjectRowWidget::addButton(const char *styleProperty, const QIcon &icon)
 {
-    QToolButton *button = new QToolButton;
+    QToolButton *button = new QToolButton(this);
     button->setProperty(styleProperty, true);
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    button->setIcon(QIcon(icon));
+    button->setIcon(icon);
     layout()->addWidget(button);
     return button;
 }
 
 void ProjectRowWidget::addSeparator(const char *styleProperty)
 {
-    QFrame *line = new QFrame;
+    QFrame *line = new QFrame(this);
     line->setProperty(styleProperty, true);
     line->setFixedWidth(1);
     line->setFrameShape(QFrame::VLine);

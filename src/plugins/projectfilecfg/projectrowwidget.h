@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QWidget>
 
 class QToolButton;
@@ -22,7 +23,18 @@ public:
         QString remove;
     };
 
-    explicit ProjectRowWidget(QWidget *parent);
+    /// The buttons' icons, read once for all rows.
+    struct Icons
+    {
+        Icons();
+
+        const QIcon edit;
+        const QIcon apply;
+        const QIcon saveAs;
+        const QIcon remove;
+    };
+
+    ProjectRowWidget(const Icons &icons, QWidget *parent);
     ~ProjectRowWidget() override;
 
     QString filePath() const { return m_strFilePath; }
@@ -35,7 +47,7 @@ public:
     QToolButton *deleteButton() const { return m_pDeleteBtn; }
 
 private:
-    QToolButton *addButton(const char *styleProperty, const QString &icon);
+    QToolButton *addButton(const char *styleProperty, const QIcon &icon);
     void addSeparator(const char *styleProperty);
 
     QString m_strFilePath;
