@@ -1,0 +1,199 @@
+#pragma once
+
+#include <QByteArray>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+
+/// What the benchmarks share: pairs of two ways measured in turn, and the rows that benchmarks/run makes its
+/// table and chart of.
+namespace Benchmark {
+
+constexpr qint64 KiB = 1024;
+constexpr qint64 MiB = 1024 * KiB;
+
+[[noreturn]] inline void fail(const QString &why)
+{
+    std::fprintf(stderr, "benchmark: %s\n", qPrintable(why));
+    std::exit(1);
+}
+
+inline void require(bool condition, const QString &why)
+{
+    if (!condition)
+        fail(why);
+}
+
+/// The times of one way, in milliseconds.
+struct Times
+{
+    QVector<double> milliseconds;
+
+    double median() const
+    {
+        QVector<double> sorted = milliseconds;
+        std::sort(sorted.begin(), sorted.end());
+        return sorted.at(sorted.size() / 2);
+    }
+    double least() const { return *std::min_element(milliseconds.begin(), milliseconds.end()); }
+    double most() const { return *std::max_element(milliseconds.begin(), milliseconds.end()); }
+
+    QJsonObject toJson() const
+    {
+        return {{"median", median()}, {"least", least()}, {"most", most()}, {"runs", milliseconds.size()}};
+    }
+};
+
+inline double millisecondsOf(const std::function<void()> &work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+struct Pair
+{
+    Times plain;
+    Times ours;
+};
+
+/// Measures both ways in turn. `check` compares what they made after each pair and ends the program where that
+/// differs, so that only equal results are timed.
+inline Pair inTurn(int pairs, const std::function<void()> &plain, const std::function<void()> &ours,
+                   const std::function<void()> &check = {})
+{
+    Pair times;
+    for (int pair = 0; pair < pairs; ++pair) {
+        times.plain.milliseconds.append(millisecondsOf(plain));
+        times.ours.milliseconds.append(millisecondsOf(ours));
+        if (check)
+            check();
+    }
+    return times;
+}
+
+/// The program's command line and its rows:
+///
+///     <program> [--quick] [--rows FILE] [NAME ...]      all benchmarks where none is named
+///
+/// The rows go to standard output as text and to FILE as one JSON object a line.
+class Report
+{
+public:
+    explicit Report(QStringList arguments)
+    {
+        arguments.removeFirst();
+        m_isQuick = arguments.removeAll(QStringLiteral("--quick")) > 0;
+        const int rows = arguments.indexOf(QStringLiteral("--rows"));
+        if (rows >= 0) {
+            require(rows + 1 < arguments.size(), "--rows needs a file");
+            m_file.setFileName(arguments.at(rows + 1));
+            require(m_file.open(QIODevice::WriteOnly | QIODevice::Append), "cannot write " + m_file.fileName());
+            arguments.erase(arguments.begin() + rows, arguments.begin() + rows + 2);
+        }
+        m_wanted = arguments;
+    }
+
+    bool isQuick() const { return m_isQuick; }
+    int pairs() const { return m_isQuick ? 3 : 5; }
+    bool isWanted(const QString &name) const { return m_wanted.isEmpty() || m_wanted.contains(name); }
+    /// False when a limit was missed.
+    bool allMet() const { return m_allMet; }
+
+    /// Ours must be at least `limit` times as fast as the plain way.
+    void faster(const QString &what, const QString &plainWay, const Pair &times, double limit)
+    {
+        compare(what, plainWay, times, times.plain.median() / times.ours.median(), ">=", limit);
+    }
+    /// Ours may take at most `limit` times the time of the other way.
+    void within(const QString &what, const QString &otherWay, const Pair &times, double limit)
+    {
+        compare(what, otherWay, times, times.ours.median() / times.plain.median(), "<=", limit);
+    }
+    /// The same without a limit: for the reader's judgement.
+    void related(const QString &what, const QString &otherWay, const Pair &times)
+    {
+        compare(what, otherWay, times, times.ours.median() / times.plain.median(), "", 0);
+    }
+    /// A figure that may not be above `limit`.
+    void atMost(const QString &what, double value, const QString &unit, double limit)
+    {
+        QJsonObject row = judged(what, value, "<=", limit);
+        row.insert("unit", unit);
+        write(row);
+        std::printf("%-58s %10.2f %-4s <= %g: %s\n", qPrintable(what), value, qPrintable(unit), limit,
+                    value <= limit ? "reached" : "MISSED");
+        std::fflush(stdout);
+    }
+    /// How the cost of a work grows: points of size and milliseconds, and of memory above the start in MiB.
+    void growth(const QString &work, const QString &unit, const QVector<QVector<double>> &points)
+    {
+        QJsonArray array;
+        for (const QVector<double> &point : points) {
+            QJsonArray values;
+            std::printf("%-40s", qPrintable(work));
+            for (double value : point) {
+                values.append(value);
+                std::printf(" %12.2f", value);
+            }
+            std::printf("   (%s, ms, MiB)\n", qPrintable(unit));
+            array.append(values);
+        }
+        write({{"growth", work}, {"unit", unit}, {"points", array}});
+        std::fflush(stdout);
+    }
+
+private:
+    QJsonObject judged(const QString &what, double value, const char *sign, double limit)
+    {
+        const bool isMet = *sign == '\0' || (*sign == '>' ? value >= limit : value <= limit);
+        m_allMet = m_allMet && isMet;
+        QJsonObject row{{"what", what}, {"value", value}, {"met", isMet}};
+        if (*sign) {
+            row.insert("sign", sign);
+            row.insert("limit", limit);
+        }
+        return row;
+    }
+    void compare(const QString &what, const QString &plainWay, const Pair &times, double ratio, const char *sign,
+                 double limit)
+    {
+        QJsonObject row = judged(what, ratio, sign, limit);
+        row.insert("plainWay", plainWay);
+        row.insert("plain", times.plain.toJson());
+        row.insert("ours", times.ours.toJson());
+        write(row);
+        std::printf("%-58s %9.1f (%.1f-%.1f) %9.1f (%.1f-%.1f)  x%.2f %s", qPrintable(what), times.plain.median(),
+                    times.plain.least(), times.plain.most(), times.ours.median(), times.ours.least(), times.ours.most(),
+                    ratio, sign);
+        if (*sign)
+            std::printf(" %g: %s", limit, row.value("met").toBool() ? "reached" : "MISSED");
+        std::printf("\n");
+        std::fflush(stdout);
+    }
+    void write(const QJsonObject &row)
+    {
+        if (m_file.isOpen()) {
+            m_file.write(QJsonDocument(row).toJson(QJsonDocument::Compact) + '\n');
+            m_file.flush();
+        }
+    }
+
+    bool m_isQuick = false;
+    bool m_allMet = true;
+    QStringList m_wanted;
+    QFile m_file;
+};
+
+} // namespace Benchmark
