@@ -1,5 +1,6 @@
 #include "operations.h"
 
+#include <durablefile.h>
 #include <support/testmain.h>
 
 #include <cerrno>
@@ -21,6 +22,8 @@ private slots:
     void each_package_is_whole_and_success_is_true_data();
     void each_package_is_whole_and_success_is_true();
     void without_an_exclusive_rename_copies_and_edits_work_too();
+    void without_an_exclusive_rename_nothing_is_replaced();
+    void a_file_system_without_flushing_of_folders_is_no_failure();
 
 private:
     void verify(Operation operation, const Plan &plan, const Outcome &outcome);
@@ -170,6 +173,41 @@ void TstFaults::without_an_exclusive_rename_copies_and_edits_work_too()
         QVERIFY(outcome.report.struck);
         QVERIFY2(outcome.isSuccess, qPrintable(operationName(operation) + ' ' + outcome.message));
         verify(operation, plan, outcome);
+    }
+}
+
+void TstFaults::without_an_exclusive_rename_nothing_is_replaced()
+{
+    m_place.reset();
+    const QString from = m_place.travelled();
+    const QString link = m_place.stick() + "/link";
+    QVERIFY(QFile::link(m_place.stick() + "/missing", link));
+    Plan plan;
+    plan.kind = FaultPoints::Rename;
+    plan.number = 1;
+    plan.error = EINVAL;
+    for (const QString &to : {m_place.show(), link}) {
+        FaultPoints::arm(m_place.all(), plan);
+        const bool renamed = ProjectFileCfg::Internal::DurableFile::renameToFreeName(from, to);
+        QVERIFY(FaultPoints::disarm().struck);
+        QVERIFY(!renamed);
+        QVERIFY(QFile::exists(from));
+    }
+    QVERIFY(QFileInfo(link).isSymLink());
+}
+
+void TstFaults::a_file_system_without_flushing_of_folders_is_no_failure()
+{
+    Plan plan;
+    plan.kind = FaultPoints::Flush;
+    // Behind the file's own flushing and its closing.
+    plan.number = 3;
+    for (const int error : {EINVAL, ENOTSUP}) {
+        plan.error = error;
+        const Outcome outcome = m_workshop->perform(SaveAs, plan, m_place.all());
+        QVERIFY(outcome.report.struck);
+        QVERIFY2(outcome.isSuccess, qPrintable(outcome.message));
+        QVERIFY(m_inspector.isDone(SaveAs));
     }
 }
 
