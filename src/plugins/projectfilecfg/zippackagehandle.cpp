@@ -102,7 +102,7 @@ void removeFiles(const QStringList &paths)
 
 } // namespace
 
-// docs/package-format.md says what a crash in each of these steps leaves behind.
+// docs/package-format.md says what a cut in each of these steps leaves behind.
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info)
 {
     useUtf8LocaleCodec();
@@ -169,7 +169,7 @@ QString ZipPackageHandle::getZipComment(const QString &packetPath)
     return isWorthOpening(packetPath) ? PackageReader(packetPath).comment() : QString();
 }
 
-// docs/package-format.md says what a crash in each of these steps leaves behind.
+// docs/package-format.md says what a cut in each of these steps leaves behind.
 bool ZipPackageHandle::setZipComment(const QString &packetPath, const QString &comment)
 {
     useUtf8LocaleCodec();
