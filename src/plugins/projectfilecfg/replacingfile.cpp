@@ -48,6 +48,9 @@ ReplacingFile::~ReplacingFile()
 
 bool ReplacingFile::create()
 {
+    // Nearly always it is there, and a package has thousands of entries.
+    if (openFragment())
+        return true;
     const bool hasFolder =
         m_durability == FlushedToDisk ? DurableFile::makeFolder(m_folderPath) : QDir().mkpath(m_folderPath);
     return hasFolder && openFragment();
