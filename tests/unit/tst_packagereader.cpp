@@ -3,15 +3,39 @@
 #include "zippackagehandle.h"
 
 #include <support/packagebuilder.h>
+#include <support/testmain.h>
 
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <JlCompress.h>
 
+#include <algorithm>
+#include <dlfcn.h>
+#include <sys/statvfs.h>
+
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
+
+/// How much room the disk claims to have; -1 for the truth.
+static qint64 s_freeBytes = -1;
+
+// Stands before the C library's, which the C++ library asks. The name is given as such, since with large files the
+// header means another one.
+extern "C" Q_DECL_EXPORT int claimedSpace(const char *path, struct statvfs *status) noexcept __asm__("statvfs");
+int claimedSpace(const char *path, struct statvfs *status) noexcept
+{
+    using Function = int (*)(const char *, struct statvfs *);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statvfs"));
+    const int result = original(path, status);
+    if (s_freeBytes >= 0) {
+        status->f_frsize = 1;
+        status->f_bavail = fsblkcnt_t(s_freeBytes);
+    }
+    return result;
+}
 
 class TstPackageReader : public QObject
 {
@@ -30,6 +54,10 @@ private slots:
     void reading_refuses_what_extracting_refuses();
     void a_name_longer_than_256_bytes_is_extracted();
     void of_two_entries_of_one_name_the_first_counts();
+    void the_longest_name_is_listed_whole();
+    void a_list_that_is_broken_half_way_counts_as_none();
+    void without_a_destination_an_entry_goes_to_its_own_name();
+    void files_around_the_size_of_a_block_come_out_whole();
 
     void json_entries_of_any_case_are_extracted_to_their_sub_folders();
     void json_entries_need_an_existing_package_with_the_extension();
@@ -38,6 +66,10 @@ private slots:
     void a_name_that_could_lead_outside_is_refused_data();
     void a_name_that_could_lead_outside_is_refused();
     void a_backslash_inside_a_name_is_part_of_it();
+    void a_name_that_only_looks_odd_is_extracted_data();
+    void a_name_that_only_looks_odd_is_extracted();
+    void what_other_archivers_note_about_a_file_does_not_matter_data();
+    void what_other_archivers_note_about_a_file_does_not_matter();
     void an_entry_that_is_no_file_is_refused_data();
     void an_entry_that_is_no_file_is_refused();
     void a_destination_through_a_link_is_refused();
@@ -52,6 +84,8 @@ private slots:
     void files_get_the_default_permissions();
     void a_description_above_its_limit_is_refused();
     void content_above_the_claimed_size_is_refused();
+    void an_entry_above_its_limit_does_not_even_make_its_folder();
+    void content_above_the_free_space_is_refused();
 
 private:
     void write(const PackageBuilder &builder) { QVERIFY(builder.write(m_package)); }
@@ -73,6 +107,7 @@ void TstPackageReader::init()
 
 void TstPackageReader::cleanup()
 {
+    s_freeBytes = -1;
     m_temp.reset();
 }
 
@@ -194,6 +229,48 @@ void TstPackageReader::of_two_entries_of_one_name_the_first_counts()
     QCOMPARE(readFile(destination("a.txt")), QByteArray("first"));
 }
 
+void TstPackageReader::the_longest_name_is_listed_whole()
+{
+    const QByteArray name = QByteArray("0123456789abcde/").repeated(4096).left(65535);
+    write(PackageBuilder().file(name, "x").file("after.txt", "y"));
+    QCOMPARE(PackageReader(m_package).fileList(), (QStringList{QString::fromLatin1(name), "after.txt"}));
+}
+
+void TstPackageReader::a_list_that_is_broken_half_way_counts_as_none()
+{
+    QByteArray package = PackageBuilder().file("a.txt", "a").file("b.txt", "b").file("c.txt", "c").build();
+    // The signature of the second of three headers in the archive's directory.
+    const QByteArray signature("PK\x01\x02");
+    package[package.indexOf(signature, package.indexOf(signature) + 1)] = 'X';
+    QVERIFY(writeFile(m_package, package));
+    PackageReader reader(m_package);
+    QVERIFY(reader.isOpen());
+    QCOMPARE(reader.fileList(), QStringList());
+    QCOMPARE(reader.extractFile("a.txt", destination("a.txt")), QString());
+    QCOMPARE(contents(m_out), QStringList());
+}
+
+void TstPackageReader::without_a_destination_an_entry_goes_to_its_own_name()
+{
+    write(PackageBuilder().file("folder/a.txt", "a"));
+    const QString before = QDir::currentPath();
+    const auto restore = qScopeGuard([before] { QDir::setCurrent(before); });
+    QVERIFY(QDir::setCurrent(m_out));
+    QCOMPARE(PackageReader(m_package).extractFile("folder/a.txt", QString()), destination("folder/a.txt"));
+    QCOMPARE(readFile(destination("folder/a.txt")), QByteArray("a"));
+}
+
+void TstPackageReader::files_around_the_size_of_a_block_come_out_whole()
+{
+    for (int block : {4096, 65536, 262144, 524288, 1048576}) {
+        for (int size : {block - 1, block, block + 1}) {
+            write(PackageBuilder().file("x.bin", noise(size).left(size)));
+            QVERIFY(!PackageReader(m_package).extractFile("x.bin", destination("x.bin")).isEmpty());
+            QVERIFY(readFile(destination("x.bin")) == noise(size).left(size));
+        }
+    }
+}
+
 void TstPackageReader::json_entries_of_any_case_are_extracted_to_their_sub_folders()
 {
     write(PackageBuilder()
@@ -243,6 +320,9 @@ void TstPackageReader::a_name_that_could_lead_outside_is_refused_data()
     QTest::newRow("absolute with a backslash") << QByteArray("\\x.txt");
     QTest::newRow("drive letter") << QByteArray("C:x.txt");
     QTest::newRow("drive letter and path") << QByteArray("c:/x.txt");
+    QTest::newRow("drive letter alone") << QByteArray("C:");
+    QTest::newRow("drive letter as a folder") << QByteArray("C:/");
+    QTest::newRow("empty") << QByteArray("");
     QTest::newRow("drive letter behind a prefix") << QByteArray("BKG/C:/x.txt");
     QTest::newRow("NUL") << QByteArray("x.txt\0.png", 10);
 }
@@ -255,7 +335,7 @@ void TstPackageReader::a_name_that_could_lead_outside_is_refused()
     PackageReader reader(m_package);
     QCOMPARE(reader.fileList().size(), 2);
     const QString listed = reader.fileList().first();
-    QVERIFY(!listed.isEmpty());
+    QCOMPARE(listed.toUtf8(), name);
     QCOMPARE(reader.extractFile(listed, destination(listed)), QString());
     QCOMPARE(reader.extractFile(listed, destination("harmless.txt")), QString());
     QCOMPARE(contents(m_temp->path()), before);
@@ -268,6 +348,44 @@ void TstPackageReader::a_backslash_inside_a_name_is_part_of_it()
     write(PackageBuilder().file("a\\b.txt", "x"));
     QCOMPARE(PackageReader(m_package).extractFile("a\\b.txt", destination("a\\b.txt")), destination("a\\b.txt"));
     QCOMPARE(contents(m_out), QStringList{"a\\b.txt"});
+}
+
+void TstPackageReader::a_name_that_only_looks_odd_is_extracted_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    for (const char *name :
+         {"x", "1:2.txt", "ab:c.txt", ":x", "..x", "x..", "...", "a/..b/c", ".hidden", "a//b", "l/i/n/k", " "}) {
+        QTest::newRow(name) << QByteArray(name);
+    }
+}
+
+void TstPackageReader::a_name_that_only_looks_odd_is_extracted()
+{
+    QFETCH(QByteArray, name);
+    write(PackageBuilder().file(name, "content"));
+    QVERIFY(!PackageReader(m_package).extractFile(name, destination(name)).isEmpty());
+    QCOMPARE(readFile(destination(name)), QByteArray("content"));
+}
+
+void TstPackageReader::what_other_archivers_note_about_a_file_does_not_matter_data()
+{
+    QTest::addColumn<quint32>("mode");
+    QTest::addColumn<quint16>("flags");
+    QTest::newRow("no type") << 0u << quint16(0);
+    QTest::newRow("permissions without a type") << 0777u << quint16(0);
+    QTest::newRow("every permission") << 0107777u << quint16(0);
+    QTest::newRow("best compression") << 0100644u << quint16(2);
+    QTest::newRow("fastest compression") << 0100644u << quint16(6);
+    QTest::newRow("UTF-8") << 0100644u << quint16(0x800);
+}
+
+void TstPackageReader::what_other_archivers_note_about_a_file_does_not_matter()
+{
+    QFETCH(quint32, mode);
+    QFETCH(quint16, flags);
+    write(PackageBuilder().file("x.txt", "content", PackageBuilder::Deflated, mode).claimFlags(flags));
+    QVERIFY(!PackageReader(m_package).extractFile("x.txt", destination("x.txt")).isEmpty());
+    QCOMPARE(readFile(destination("x.txt")), QByteArray("content"));
 }
 
 void TstPackageReader::an_entry_that_is_no_file_is_refused_data()
@@ -443,5 +561,26 @@ void TstPackageReader::content_above_the_claimed_size_is_refused()
     QCOMPARE(PackageReader(m_package).extractFile("x.png", destination("x.png")), QString());
 }
 
-QTEST_GUILESS_MAIN(TstPackageReader)
+void TstPackageReader::an_entry_above_its_limit_does_not_even_make_its_folder()
+{
+    write(PackageBuilder().file("folder/x.png", "x").claimSize(quint32(1024 * MiB) + 1));
+    QCOMPARE(PackageReader(m_package).extractFile("folder/x.png", destination("folder/x.png")), QString());
+    QCOMPARE(contents(m_out), QStringList());
+}
+
+void TstPackageReader::content_above_the_free_space_is_refused()
+{
+    write(PackageBuilder().file("x.png", "12345678"));
+    QVERIFY(writeFile(destination("x.png"), "previous"));
+    PackageReader reader(m_package);
+    s_freeBytes = 7;
+    QCOMPARE(reader.extractFile("x.png", destination("x.png")), QString());
+    QCOMPARE(readFile(destination("x.png")), QByteArray("previous"));
+    QCOMPARE(contents(m_out), QStringList{"x.png"});
+    s_freeBytes = 8;
+    QCOMPARE(reader.extractFile("x.png", destination("x.png")), destination("x.png"));
+    QCOMPARE(readFile(destination("x.png")), QByteArray("12345678"));
+}
+
+TEST_MAIN_CORE(TstPackageReader)
 #include "tst_packagereader.moc"

@@ -2,7 +2,11 @@
 #include "packagetesting.h"
 #include "packagewriter.h"
 
+#include <support/testmain.h>
+
+#include <QScopeGuard>
 #include <QTemporaryDir>
+#include <QTextCodec>
 #include <QtTest>
 
 #include <JlCompress.h>
@@ -26,7 +30,13 @@ private slots:
     void other_unpackers_take_the_archive_without_a_warning();
     void an_archive_without_entries_counts_as_unreadable();
     void a_name_longer_than_256_bytes_is_packed();
+    void only_a_name_that_is_not_plain_is_marked_as_utf8();
+    void names_are_utf8_whatever_the_locale_codec_is();
     void a_time_before_1980_is_stored_as_1980();
+    void a_time_behind_2107_is_stored_as_the_last_of_2107();
+    void whatever_the_file_held_before_is_gone();
+    void scanning_again_lists_nothing_twice();
+    void files_around_the_size_of_a_block_go_in_whole();
     void the_package_itself_is_left_out_of_its_directory();
 
     void a_link_to_a_file_inside_is_packed_as_the_file();
@@ -36,16 +46,22 @@ private slots:
     void what_may_not_be_read_is_refused_data();
     void what_may_not_be_read_is_refused();
     void a_file_above_the_classic_format_is_refused();
+    void more_entries_than_the_classic_format_holds_are_refused();
     void a_full_disk_makes_writing_fail();
     void a_source_that_is_gone_makes_writing_fail();
     void another_archive_is_not_taken_for_the_written_one();
 
     void the_end_record_never_begins_a_chunk_data();
     void the_end_record_never_begins_a_chunk();
+    void the_padding_is_a_field_that_readers_pass_over();
+    void an_archive_that_needs_no_padding_has_none_data();
+    void an_archive_that_needs_no_padding_has_none();
     void memory_stays_bounded();
 
 private:
     bool pack();
+    /// Packs so that without padding the archive would be that much longer than a chunk.
+    void packWithExcess(qint64 excess);
 
     QScopedPointer<QTemporaryDir> m_temp;
     QString m_dir;
@@ -72,6 +88,18 @@ bool TstPackageWriter::pack()
     QFile archive(m_archive);
     return writer.scan() && archive.open(QIODevice::ReadWrite | QIODevice::Truncate) && writer.write(archive) &&
            writer.isListedIn(m_archive);
+}
+
+void TstPackageWriter::packWithExcess(qint64 excess)
+{
+    // Pictures are stored, so each byte of the picture is one of the archive.
+    QVERIFY(writeFile(m_dir + "/first.txt", "the entry that takes the padding"));
+    QVERIFY(writeFile(m_dir + "/picture.png", noise(1000)));
+    QVERIFY(pack());
+    const qint64 overhead = QFileInfo(m_archive).size() - QFileInfo(m_dir + "/picture.png").size();
+    const qint64 size = PackageChecksum::chunkSize + excess - overhead;
+    QVERIFY(writeFile(m_dir + "/picture.png", noise(size).left(int(size))));
+    QVERIFY(pack());
 }
 
 void TstPackageWriter::names_and_order_are_those_of_compressing_the_directory()
@@ -165,6 +193,90 @@ void TstPackageWriter::a_time_before_1980_is_stored_as_1980()
     QCOMPARE(time.output, QByteArray("(1980, 1, 1, 0, 0, 0)\n"));
 }
 
+void TstPackageWriter::a_time_behind_2107_is_stored_as_the_last_of_2107()
+{
+    QVERIFY(writeFile(m_dir + "/new.txt", "new"));
+    QCOMPARE(run("touch", {"-d", "2150-06-01 12:00:00", m_dir + "/new.txt"}).exitCode, 0);
+    if (QFileInfo(m_dir + "/new.txt").lastModified().date().year() != 2150)
+        QSKIP("This file system cannot store a time so late.");
+    QVERIFY(pack());
+    const Run time = runPython("import sys, zipfile\n"
+                               "print(zipfile.ZipFile(sys.argv[1]).infolist()[0].date_time)\n",
+                               {m_archive});
+    QCOMPARE(time.output, QByteArray("(2107, 12, 31, 23, 59, 58)\n"));
+}
+
+void TstPackageWriter::only_a_name_that_is_not_plain_is_marked_as_utf8()
+{
+    // To either side of where plain characters end.
+    for (const QString &name : {QString("plain~\x7F.txt"), QString("first\u0080.txt"), QString("\u00E4.txt")}) {
+        QVERIFY(writeFile(m_dir + '/' + name, "x"));
+    }
+    QVERIFY(pack());
+    const Run listing = runPython("import sys, zipfile\n"
+                                  "for i in zipfile.ZipFile(sys.argv[1]).infolist():\n"
+                                  "    print(ascii(i.filename), i.flag_bits & 0x800)\n",
+                                  {m_archive});
+    QStringList lines = QString::fromLatin1(listing.output).split('\n', Qt::SkipEmptyParts);
+    lines.sort();
+    QCOMPARE(lines, (QStringList{"'\\xe4.txt' 2048", "'first\\x80.txt' 2048", "'plain~\\x7f.txt' 0"}));
+}
+
+void TstPackageWriter::names_are_utf8_whatever_the_locale_codec_is()
+{
+    const auto restore = qScopeGuard([] { QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8")); });
+    const QString name = QString::fromUtf8("图片.txt");
+    QVERIFY(writeFile(m_dir + '/' + name, "x"));
+    PackageWriter writer(m_dir, m_archive);
+    QFile archive(m_archive);
+    QVERIFY(writer.scan() && archive.open(QIODevice::ReadWrite));
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    QVERIFY(writer.write(archive));
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    QVERIFY(writer.isListedIn(m_archive));
+    QVERIFY(readFile(m_archive).contains(name.toUtf8()));
+}
+
+void TstPackageWriter::whatever_the_file_held_before_is_gone()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    QVERIFY(pack());
+    const QByteArray fresh = readFile(m_archive);
+    QFile archive(m_archive);
+    QVERIFY(archive.open(QIODevice::ReadWrite | QIODevice::Truncate));
+    QVERIFY(archive.write(noise(2 * fresh.size())) > 0);
+    PackageWriter writer(m_dir, m_archive);
+    QVERIFY(writer.scan() && writer.write(archive));
+    QVERIFY(readFile(m_archive) == fresh);
+}
+
+void TstPackageWriter::scanning_again_lists_nothing_twice()
+{
+    QVERIFY(makeDeviceTree(m_dir));
+    PackageWriter writer(m_dir, m_archive);
+    QFile archive(m_archive);
+    QVERIFY(writer.scan() && writer.scan() && archive.open(QIODevice::ReadWrite) && writer.write(archive));
+    QStringList names = JlCompress::getFileList(m_archive);
+    QVERIFY(!names.isEmpty());
+    QCOMPARE(names.removeDuplicates(), 0);
+}
+
+void TstPackageWriter::files_around_the_size_of_a_block_go_in_whole()
+{
+    for (int block : {1, 4096, 65536, 262144, 524288, 1048576}) {
+        for (int size : {block - 1, block, block + 1}) {
+            QVERIFY(writeFile(m_dir + QString("/%1.bin").arg(size), noise(size).left(size)));
+        }
+    }
+    QVERIFY(pack());
+    const QString out = m_temp->path() + "/out";
+    QCOMPARE(run("unzip", {"-q", m_archive, "-d", out}).exitCode, 0);
+    QCOMPARE(contents(out), contents(m_dir));
+    for (const QString &name : contents(m_dir)) {
+        QVERIFY2(readFile(out + '/' + name) == readFile(m_dir + '/' + name), qPrintable(name));
+    }
+}
+
 void TstPackageWriter::the_package_itself_is_left_out_of_its_directory()
 {
     m_archive = m_dir + "/project.corvelpro";
@@ -255,6 +367,22 @@ void TstPackageWriter::a_file_above_the_classic_format_is_refused()
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
 }
 
+void TstPackageWriter::more_entries_than_the_classic_format_holds_are_refused()
+{
+    const auto add = [this](int number) {
+        QFile file(m_dir + "/files/" + QString::number(number));
+        return file.open(QIODevice::WriteOnly);
+    };
+    QVERIFY(QDir().mkpath(m_dir + "/files"));
+    // The folder is an entry as well.
+    for (int i = 0; i < 65533; ++i) {
+        QVERIFY(add(i));
+    }
+    QVERIFY(PackageWriter(m_dir, m_archive).scan());
+    QVERIFY(add(65533));
+    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+}
+
 void TstPackageWriter::a_full_disk_makes_writing_fail()
 {
     QVERIFY(makeDeviceTree(m_dir));
@@ -309,18 +437,43 @@ void TstPackageWriter::the_end_record_never_begins_a_chunk_data()
 void TstPackageWriter::the_end_record_never_begins_a_chunk()
 {
     QFETCH(qint64, excess);
-    // Pictures are stored, so each byte of the picture is one of the archive.
-    QVERIFY(writeFile(m_dir + "/first.txt", "the entry that takes the padding"));
-    QVERIFY(writeFile(m_dir + "/picture.png", noise(1000)));
-    QVERIFY(pack());
-    const qint64 overhead = QFileInfo(m_archive).size() - 1000;
-    QVERIFY(writeFile(m_dir + "/picture.png", noise(PackageChecksum::chunkSize + excess - overhead)));
-    QVERIFY(pack());
-
+    packWithExcess(excess);
     const qint64 size = QFileInfo(m_archive).size();
     QVERIFY2(size % PackageChecksum::chunkSize >= 22, qPrintable(QString::number(size)));
     QCOMPARE(size, PackageChecksum::chunkSize + excess + 32);
     QCOMPARE(complaints(m_archive), QString());
+}
+
+void TstPackageWriter::the_padding_is_a_field_that_readers_pass_over()
+{
+    packWithExcess(1);
+    // The first entry's local header: fixed part, name, extra field, content.
+    const QByteArray archive = readFile(m_archive).left(200);
+    const int nameSize = int(strlen("first.txt"));
+    QCOMPARE(archive.mid(26, 2), QByteArray("\x09\0", 2));
+    QCOMPARE(archive.mid(28, 2), QByteArray("\x20\0", 2));
+    // The growth hint of the Open Packaging Conventions: ID, length of the rest, signature, no reserve, padding.
+    QCOMPARE(archive.mid(30 + nameSize, 32), QByteArray("\x20\xA2\x1C\0\x28\xA0\0\0", 8) + QByteArray(24, '\0'));
+    const Run content = run("unzip", {"-p", m_archive, "first.txt"});
+    QCOMPARE(content.output, QByteArray("the entry that takes the padding"));
+    // The other entries have none.
+    const QByteArray rest = readFile(m_archive).mid(readFile(m_archive).indexOf("picture.png") - 30);
+    QCOMPARE(rest.mid(28, 2), QByteArray("\0\0", 2));
+}
+
+void TstPackageWriter::an_archive_that_needs_no_padding_has_none_data()
+{
+    QTest::addColumn<qint64>("excess");
+    for (int excess : {-1, 0, 22, 23}) {
+        QTest::newRow(qPrintable(QString::number(excess))) << qint64(excess);
+    }
+}
+
+void TstPackageWriter::an_archive_that_needs_no_padding_has_none()
+{
+    QFETCH(qint64, excess);
+    packWithExcess(excess);
+    QCOMPARE(QFileInfo(m_archive).size(), PackageChecksum::chunkSize + excess);
 }
 
 void TstPackageWriter::memory_stays_bounded()
@@ -342,5 +495,5 @@ void TstPackageWriter::memory_stays_bounded()
     QVERIFY2(peak() - before < 16 * MiB, qPrintable(QString::number((peak() - before) / MiB)));
 }
 
-QTEST_GUILESS_MAIN(TstPackageWriter)
+TEST_MAIN_CORE(TstPackageWriter)
 #include "tst_packagewriter.moc"

@@ -3,6 +3,7 @@
 #include "zippackagehandle.h"
 
 #include <support/packagebuilder.h>
+#include <support/testmain.h>
 
 #include <QCryptographicHash>
 #include <QJsonDocument>
@@ -231,6 +232,9 @@ void TstZipPackageHandle::any_operation_makes_utf8_the_locale_codec()
     info.strFilePath = m_package;
     const QVector<std::function<void()>> operations{
         [&] { ZipPackageHandle::getZipComment(m_package); },
+        [&] { ZipPackageHandle::getZipComment("missing"); },
+        [&] { ZipPackageHandle::setZipComment("missing", "x"); },
+        [&] { ZipPackageHandle::writeTextChecksum("missing"); },
         [&] { ZipPackageHandle::setZipComment(m_package, "x"); },
         [&] { ZipPackageHandle::parseEngineerInfo(info, "{}"); },
         [&] { ZipPackageHandle::checkPacketChecksum("missing"); },
@@ -795,5 +799,5 @@ void TstZipPackageHandle::writeTextChecksum_makes_a_digest_the_comment()
     QVERIFY(!ZipPackageHandle::writeTextChecksum(m_package));
 }
 
-QTEST_GUILESS_MAIN(TstZipPackageHandle)
+TEST_MAIN_CORE(TstZipPackageHandle)
 #include "tst_zippackagehandle.moc"

@@ -1,0 +1,97 @@
+#include "packagechecksum.h"
+#include "packagetesting.h"
+
+#include <support/packagebuilder.h>
+#include <support/testmain.h>
+
+#include <QTemporaryDir>
+
+using namespace PackageTesting;
+using TestSupport::PackageBuilder;
+namespace PackageChecksum = ProjectFileCfg::Internal::PackageChecksum;
+
+class TstPackageChecksum : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void a_chunk_is_10_mebibytes();
+    void every_length_gives_the_checksum_step_by_step_data();
+    void every_length_gives_the_checksum_step_by_step();
+    void what_follows_the_length_does_not_count();
+    void a_file_that_ends_before_the_length_is_taken_as_it_is();
+    void no_bytes_give_the_digest_of_nothing();
+    void what_cannot_be_opened_gives_nothing();
+
+private:
+    QTemporaryDir m_temp;
+};
+
+void TstPackageChecksum::a_chunk_is_10_mebibytes()
+{
+    // Packages that exist were made so.
+    QCOMPARE(PackageChecksum::chunkSize, Q_INT64_C(10485760));
+}
+
+void TstPackageChecksum::every_length_gives_the_checksum_step_by_step_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<int>("zeroAt");
+    const int chunk = int(PackageChecksum::chunkSize);
+    // Around powers of two, where a reader's blocks may end, and around a chunk.
+    for (int base : {1, 4096, 8192, 16384, 65536, 262144, 1048576, chunk, chunk + 4096}) {
+        for (int length : {base - 1, base, base + 1}) {
+            QTest::addRow("%d without a zero byte", length) << length << -1;
+            if (length > 0) {
+                QTest::addRow("%d, the first is zero", length) << length << 0;
+                QTest::addRow("%d, the last is zero", length) << length << length - 1;
+            }
+        }
+    }
+}
+
+void TstPackageChecksum::every_length_gives_the_checksum_step_by_step()
+{
+    QFETCH(int, length);
+    QFETCH(int, zeroAt);
+    QByteArray bytes(length, 'x');
+    for (int i = 0; i < length; i += 1000)
+        bytes[i] = char('a' + i / 1000 % 26);
+    if (zeroAt >= 0)
+        bytes[zeroAt] = '\0';
+    const QString path = m_temp.path() + "/file";
+    QVERIFY(writeFile(path, bytes));
+    QCOMPARE(PackageChecksum::ofLeadingBytes(path, length), QString::fromLatin1(PackageBuilder::checksum(bytes, 0)));
+}
+
+void TstPackageChecksum::what_follows_the_length_does_not_count()
+{
+    const QString path = m_temp.path() + "/file";
+    QVERIFY(writeFile(path, QByteArray(5000, 'x') + "comment"));
+    QCOMPARE(PackageChecksum::ofLeadingBytes(path, 5000),
+             QString::fromLatin1(PackageBuilder::checksum(QByteArray(5000, 'x'), 0)));
+}
+
+void TstPackageChecksum::a_file_that_ends_before_the_length_is_taken_as_it_is()
+{
+    // As when it is cut while it is read.
+    const QString path = m_temp.path() + "/file";
+    QVERIFY(writeFile(path, QByteArray(int(PackageChecksum::chunkSize), 'x')));
+    QCOMPARE(PackageChecksum::ofLeadingBytes(path, 2 * PackageChecksum::chunkSize),
+             QString::fromLatin1(PackageBuilder::checksum(readFile(path), 0)));
+}
+
+void TstPackageChecksum::no_bytes_give_the_digest_of_nothing()
+{
+    const QString path = m_temp.path() + "/file";
+    QVERIFY(writeFile(path, "x"));
+    QCOMPARE(PackageChecksum::ofLeadingBytes(path, 0), QString("d41d8cd98f00b204e9800998ecf8427e"));
+}
+
+void TstPackageChecksum::what_cannot_be_opened_gives_nothing()
+{
+    QCOMPARE(PackageChecksum::ofLeadingBytes(m_temp.path() + "/missing", 10), QString());
+}
+
+TEST_MAIN_CORE(TstPackageChecksum)
+#include "tst_packagechecksum.moc"
