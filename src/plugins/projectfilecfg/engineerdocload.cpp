@@ -4,6 +4,7 @@
 #include "durablefile.h"
 #include "packagereader.h"
 #include "picturedecoder.h"
+#include "picturereader.h"
 #include "projectfilefacts.h"
 #include "zippackagehandle.h"
 
@@ -14,7 +15,7 @@
 
 #include <QDebug>
 #include <QFile>
-#include <QImageReader>
+#include <QHash>
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -38,8 +39,9 @@ static const int exchangeCardType = 5;
 static const int smallThumbnailArea = 65536;
 static const int largeThumbnailArea = 262144;
 
-/// Pictures whose files are larger than this are decoded at their turn only.
-static const qint64 maxSizeAhead = 64 * 1024 * 1024;
+/// Pictures with larger files or more pixels are decoded at their turn only, since two are in memory otherwise.
+static const qint64 maxSizeAhead = 32 * 1024 * 1024;
+static const qint64 maxPixelsAhead = 16 * 1024 * 1024;
 
 static bool isDescription(const QString &entry)
 {
@@ -79,6 +81,30 @@ static quint16 galleryNumber(const QString &entry)
         .remove(folder + QLatin1Char('/') + folder + QLatin1Char('_'))
         .remove(QStringLiteral(".PNG"))
         .toUShort();
+}
+
+/// What a description may have, so that one from elsewhere does not fill the memory: each member, element or bracket
+/// takes some eighty bytes once it is parsed.
+static const qint64 maxDescriptionBytes = 16 * 1024 * 1024;
+static const int maxDescriptionParts = 1024 * 1024;
+
+static QJsonDocument parseDescription(QFile &file, QJsonParseError &error)
+{
+    if (file.size() > maxDescriptionBytes)
+        return QJsonDocument();
+    const QByteArray json = QString::fromUtf8(file.readAll()).toUtf8();
+    const auto beginsPart = [](char c) { return c == ',' || c == ':' || c == '[' || c == '{'; };
+    if (std::count_if(json.begin(), json.end(), beginsPart) > maxDescriptionParts)
+        return QJsonDocument();
+    return QJsonDocument::fromJson(json, &error);
+}
+
+/// Each name once: a further entry of the same name stands behind the first one, which alone counts.
+static QStringList entriesOf(const PackageReader &package)
+{
+    QStringList entries = package.fileList();
+    entries.removeDuplicates();
+    return entries;
 }
 
 static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
@@ -203,8 +229,8 @@ std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString 
         qDebug().noquote() << QStringLiteral("Open file [%1] failed").arg(path);
         return nullptr;
     }
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(QString::fromUtf8(file.readAll()).toUtf8(), &error);
+    QJsonParseError error{};
+    const QJsonDocument document = parseDescription(file, error);
     if (document.isNull() || document.isEmpty()) {
         // Shown to nobody: whoever asked reports a code of its own. It helps whoever stops here in a debugger.
         const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error.errorString());
@@ -257,10 +283,11 @@ void EngineerDocLoad::applyOffline(const std::shared_ptr<Model::Device> &target)
         return;
     }
 
+    QHash<QString, QImage> thumbnails;
     for (const auto &materails : {target->getBKGs(), target->getLogos()}) {
         for (const Talvik::weak_refrence<Materail> &reference : materails) {
             if (const std::shared_ptr<Materail> materail = reference.lock())
-                refreshThumbnail(*materail);
+                refreshThumbnail(*materail, thumbnails);
         }
     }
     if (copied)
@@ -280,7 +307,7 @@ QString EngineerDocLoad::deviceFolder() const
 bool EngineerDocLoad::copySourceToOfflineDevice()
 {
     PackageReader package(m_strPackagePath);
-    QStringList entries = package.fileList();
+    QStringList entries = entriesOf(package);
     entries.erase(std::remove_if(entries.begin(), entries.end(), isDescription), entries.end());
     const bool extracted =
         package.isOpen() && std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
@@ -310,15 +337,18 @@ bool EngineerDocLoad::copyConfigFileToDevice()
     return true;
 }
 
-void EngineerDocLoad::refreshThumbnail(Materail &materail) const
+void EngineerDocLoad::refreshThumbnail(Materail &materail, QHash<QString, QImage> &known) const
 {
     QString path;
     if (materail.getType() == Materail::Background)
         path = deviceFolder() + ProjectFileFacts::backgroundEntry(materail.getKeyNo());
     else if (materail.getType() == Materail::Logo)
         path = deviceFolder() + ProjectFileFacts::logoEntry(materail.getKeyNo());
-    QImageReader reader(path);
-    materail.setThumb(thumbnailOf(PictureDecoder::read(reader)));
+    // Any number of them may have the same number, and so the same picture.
+    auto thumbnail = known.find(path);
+    if (thumbnail == known.end())
+        thumbnail = known.insert(path, thumbnailOf(PictureReader(path).read()));
+    materail.setThumb(*thumbnail);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -367,7 +397,7 @@ bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Devi
     PackageReader package(m_strPackagePath);
     if (!package.isOpen())
         return fail(LoadDecompressFailed);
-    const QStringList entries = package.fileList();
+    const QStringList entries = entriesOf(package);
     PictureDecoder decoder;
     auto ahead = entries.begin();
     for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
@@ -395,7 +425,8 @@ bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Devi
 /// when it is extracted and read as if nothing had been done before.
 void EngineerDocLoad::decodeAhead(PackageReader &package, const QString &entry, PictureDecoder &decoder) const
 {
-    if (const std::shared_ptr<Materail> materail = findMaterail(entry))
+    const std::shared_ptr<Materail> materail = findMaterail(entry);
+    if (materail && qint64(materail->size().width()) * materail->size().height() <= maxPixelsAhead)
         decoder.begin(entry, package.read(entry, maxSizeAhead), materail->size());
 }
 
@@ -414,8 +445,8 @@ std::shared_ptr<Materail> EngineerDocLoad::findMaterail(const QString &entry) co
 bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
                                   const std::shared_ptr<Model::Device> &target, PictureDecoder &decoder)
 {
-    QImageReader reader(path);
-    const QSize size = reader.size();
+    PictureReader picture(path);
+    const QSize size = picture.size();
     if (size.width() < 1 || size.height() < 1)
         return fail(LoadImageContentError);
 
@@ -425,9 +456,9 @@ bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
     if (!materail || materail->size() != size)
         return fail(LoadGalleryFileError);
     QImage image = decoder.take(entry);
+    // A cut file still tells its size, and so does one that is too large to be read.
     if (image.isNull())
-        image = PictureDecoder::read(reader);
-    // A cut file still tells its size, but its pixels are anything.
+        image = picture.read();
     if (image.isNull())
         return fail(LoadGalleryFileError);
 

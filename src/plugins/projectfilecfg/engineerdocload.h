@@ -2,6 +2,7 @@
 
 #include "operationresultcodes.h"
 
+#include <QHash>
 #include <QImage>
 #include <QString>
 #include <QThread>
@@ -48,8 +49,9 @@ public:
     /// The LoadResultCode; valid after a check returned false, or once QThread::finished was emitted.
     int resultCode() const;
 
-    /// Reads a device description that the host has written. Null when the file cannot be read or is no
-    /// JSON document with content. Caller's thread.
+    /// Reads a device description that the host has written. Null when the file cannot be read, is no JSON
+    /// document with content, or is too much for the memory: above 16 MiB, or above 1,048,576 members,
+    /// elements and brackets. Caller's thread.
     std::shared_ptr<Model::Device> unserailizeDevice(const QString &path);
 
     /// Extracts the device description to the target's directory under the target's address. True as well
@@ -75,7 +77,8 @@ private:
     std::shared_ptr<Model::Materail> findMaterail(const QString &entry) const;
     bool sendPicture(const QString &entry, const QString &path, const std::shared_ptr<Model::Device> &target,
                      PictureDecoder &decoder);
-    void refreshThumbnail(Model::Materail &materail) const;
+    /// `known` holds the thumbnails that were made before, by the paths of their pictures.
+    void refreshThumbnail(Model::Materail &materail, QHash<QString, QImage> &known) const;
     QString deviceFolder() const;
     bool fail(LoadResultCode code);
     bool stopIfCanceled();

@@ -1,6 +1,7 @@
 #include "packagereader.h"
 
 #include "localecodec.h"
+#include "projectfilefacts.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
 
@@ -22,6 +23,14 @@ namespace {
 
 constexpr qint64 maxDescriptionSize = 64LL * 1024 * 1024;
 constexpr qint64 maxEntrySize = 1024LL * 1024 * 1024;
+/// Of all entries together. A package itself is smaller, and its pictures are as large outside as inside.
+constexpr quint64 maxContentSize = 4 * quint64(maxEntrySize);
+/// In characters, of all names together: 256 for each of as many entries as there can be.
+constexpr int maxNamesLength = 16 * 1024 * 1024;
+constexpr int maxDepth = 64;
+constexpr int maxEntries = 65535;
+/// One counts; the user interface waits for all.
+constexpr int maxDescriptions = 1000;
 
 bool isFolder(const QString &entryName)
 {
@@ -49,9 +58,36 @@ bool isSafeName(const QString &entryName)
         return false;
     }
     const QStringList parts = name.split(QLatin1Char('/'));
-    return std::none_of(parts.begin(), parts.end(), [](const QString &part) {
-        return part.trimmed() == QLatin1String("..") || hasDriveLetter(part);
-    });
+    // A file called "." would be written aside in the folder above.
+    return parts.size() <= maxDepth && parts.last() != QLatin1String(".") &&
+           std::none_of(parts.begin(), parts.end(), [](const QString &part) {
+               return part.trimmed() == QLatin1String("..") || hasDriveLetter(part);
+           });
+}
+
+bool isCalledLikeAFolder(const QString &name)
+{
+    using namespace ProjectFileFacts;
+    return name.compare(backgroundFolder, Qt::CaseInsensitive) == 0 ||
+           name.compare(logoFolder, Qt::CaseInsensitive) == 0 || name.compare(presetFolder, Qt::CaseInsensitive) == 0;
+}
+
+bool isCalledLikeAFile(const QString &name)
+{
+    return isJson(name) || name.endsWith(QLatin1String(".png"), Qt::CaseInsensitive) ||
+           name.endsWith(QLatin1String(".RPst"), Qt::CaseInsensitive);
+}
+
+/// A folder that is called like the files of packages, or a file that is called like their folders, would be in the
+/// way of every package that is extracted to the same place later.
+bool blocksLaterPackages(const QString &entryName)
+{
+    const QString name = QDir::cleanPath(entryName);
+    if (!isFolder(entryName) && isCalledLikeAFolder(name)) {
+        return true;
+    }
+    const QStringList folders = name.split(QLatin1Char('/')).mid(0, name.count(QLatin1Char('/')) + isFolder(entryName));
+    return std::any_of(folders.begin(), folders.end(), isCalledLikeAFile);
 }
 
 /// False for links, devices and the like, and for what only a password opens. Archives that were not made on
@@ -75,10 +111,11 @@ bool isSymbolicLink(const QString &path)
 /// The caller's own folder may be reached through a link; what the archive adds to it may not.
 bool leadsThroughLink(const QString &entryName, const QString &destPath)
 {
-    const QString path = QFileInfo(destPath).absoluteFilePath();
-    const QString relativePath = QLatin1Char('/') + entryName;
+    // Both without dots and doubled separators, behind which a folder would not be recognised.
+    const QString path = QDir::cleanPath(QFileInfo(destPath).absoluteFilePath());
+    const QString relativePath = QLatin1Char('/') + QDir::cleanPath(entryName);
     if (!path.endsWith(relativePath)) {
-        return isSymbolicLink(QDir::cleanPath(path));
+        return isSymbolicLink(path);
     }
     for (int end = path.indexOf(QLatin1Char('/'), path.size() - relativePath.size() + 1); end >= 0;
          end = path.indexOf(QLatin1Char('/'), end + 1)) {
@@ -104,9 +141,9 @@ qint64 freeSpace(const QString &folder)
 
 struct PackageReader::Entry
 {
-    unz64_file_pos position;
-    qint64 size;
-    bool isOrdinary;
+    unz64_file_pos position{};
+    qint64 size = 0;
+    bool isOrdinary = false;
 };
 
 struct PackageReader::Directory
@@ -114,13 +151,28 @@ struct PackageReader::Directory
     QStringList names;
     /// So that taking an entry does not walk over those before it. Of two of the same name the first counts.
     QHash<QString, Entry> entries;
+    /// Of all names, of all contents, and of these as they are packed.
+    qint64 namesLength = 0;
+    quint64 contentSize = 0;
+    quint64 packedSize = 0;
+
+    /// False for what no honest archive says of itself: it was made to fill the memory or the disk, with contents
+    /// that no file of `archiveSize` holds unless the entries share them.
+    bool isCredible(qint64 archiveSize) const
+    {
+        return names.size() <= maxEntries && namesLength <= maxNamesLength && contentSize <= maxContentSize &&
+               packedSize <= quint64(archiveSize);
+    }
 };
 
 PackageReader::PackageReader(const QString &packetPath)
 {
     useUtf8LocaleCodec();
     m_zip.reset(new QuaZip(packetPath));
-    m_zip->open(QuaZip::mdUnzip);
+    // Opening a pipe would wait for somebody who writes into it.
+    if (QFileInfo(packetPath).isFile()) {
+        m_zip->open(QuaZip::mdUnzip);
+    }
 }
 
 PackageReader::~PackageReader() = default;
@@ -146,13 +198,12 @@ const PackageReader::Directory &PackageReader::directory() const
         return *m_directory;
     }
     m_directory.reset(new Directory);
-    for (bool more = m_zip->isOpen() && m_zip->goToFirstFile(); more; more = m_zip->goToNextFile()) {
-        if (!readCurrentHeader()) {
-            *m_directory = Directory();
-            break;
-        }
+    const qint64 archiveSize = QFileInfo(m_zip->getZipName()).size();
+    bool isSound = true;
+    for (bool more = m_zip->isOpen() && m_zip->goToFirstFile(); more && isSound; more = m_zip->goToNextFile()) {
+        isSound = readCurrentHeader() && m_directory->isCredible(archiveSize);
     }
-    if (m_zip->getZipError() != UNZ_OK) {
+    if (!isSound || m_zip->getZipError() != UNZ_OK) {
         *m_directory = Directory();
     }
     return *m_directory;
@@ -174,6 +225,10 @@ bool PackageReader::readCurrentHeader() const
     entry.size = qint64(info.uncompressed_size);
     entry.isOrdinary = isOrdinary(info, entryName);
     m_directory->names.append(entryName);
+    m_directory->namesLength += entryName.size();
+    // Many of the largest numbers must not add up to a small one.
+    m_directory->contentSize += std::min<quint64>(info.uncompressed_size, maxContentSize + 1);
+    m_directory->packedSize += std::min<quint64>(info.compressed_size, maxContentSize + 1);
     if (!m_directory->entries.contains(entryName)) {
         m_directory->entries.insert(entryName, entry);
     }
@@ -185,7 +240,7 @@ QString PackageReader::extractFile(const QString &entryName, const QString &dest
     const QString target = destPath.isEmpty() ? entryName : destPath;
     const auto entry = directory().entries.constFind(entryName);
     if (entry == directory().entries.constEnd() || !entry->isOrdinary || !isSafeName(entryName) ||
-        leadsThroughLink(entryName, target)) {
+        blocksLaterPackages(entryName) || leadsThroughLink(entryName, target)) {
         return QString();
     }
     const bool extracted = isFolder(entryName)
@@ -241,9 +296,13 @@ QByteArray PackageReader::read(const QString &entryName, qint64 limit)
 QStringList PackageReader::extractJsonFiles(const QString &destDir)
 {
     QStringList writtenPaths;
+    qint64 size = 0;
     for (const QString &entryName : fileList()) {
         if (isJson(entryName)) {
-            writtenPaths.append(extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName)));
+            size += directory().entries.value(entryName).size;
+            const bool isWithinLimits = size <= maxDescriptionSize && writtenPaths.size() < maxDescriptions;
+            writtenPaths.append(isWithinLimits ? extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName))
+                                               : QString());
         }
     }
     return writtenPaths;

@@ -23,7 +23,9 @@ public:
     /// False when the file is missing or no archive; the other operations then return nothing.
     bool isOpen() const;
 
-    /// The names of all entries in the archive's order. Names of folders end in "/".
+    /// The names of all entries in the archive's order. Names of folders end in "/". Empty as well where the
+    /// archive's directory is damaged or cannot be true: entries of more than 4 GiB in all, packed ones of more than
+    /// the file has, more than 65,535 of them, or names of more than 16 million characters.
     QStringList fileList() const;
 
     /// The archive's comment; empty when there is none.
@@ -34,7 +36,9 @@ public:
     /// by a complete new one; what is written is an ordinary file with the user's default permissions.
     ///
     /// Refused, so that a package from elsewhere writes nothing outside the place that the caller names: a
-    /// name that is absolute, climbs out (by slashes or backslashes) or holds a NUL or a drive letter; an entry
+    /// name that is absolute, climbs out (by slashes or backslashes), holds a NUL or a drive letter, or leads
+    /// through more than 63 folders; a folder called like the files of a package (".png", ".json", ".RPst") and a
+    /// file called like its folders, which would block the packages that come later; an entry
     /// that is a link or a special file; a destination that is a symbolic link or, where `destPath` is a
     /// folder followed by the entry's name, leads through one below that folder; content above 64 MiB (names
     /// ending in ".json"), 1 GiB (others) or the free space, whatever size the archive pretends.
@@ -45,7 +49,8 @@ public:
     QByteArray read(const QString &entryName, qint64 limit);
 
     /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
-    /// what extractFile returned for each, in the archive's order.
+    /// what extractFile returned for each, in the archive's order. What is beyond 64 MiB of
+    /// them together, or beyond the 1,000th, is not extracted.
     QStringList extractJsonFiles(const QString &destDir);
 
 private:

@@ -1,7 +1,8 @@
 #include "picturedecoder.h"
 
+#include "picturereader.h"
+
 #include <QBuffer>
-#include <QImageReader>
 #include <QtConcurrentRun>
 
 namespace ProjectFileCfg {
@@ -10,8 +11,9 @@ namespace Internal {
 static QImage decode(QByteArray bytes, const QSize &size)
 {
     QBuffer buffer(&bytes);
-    QImageReader reader(&buffer, "png");
-    return reader.size() == size ? PictureDecoder::read(reader) : QImage();
+    buffer.open(QIODevice::ReadOnly);
+    PictureReader reader(&buffer);
+    return reader.size() == size ? reader.read() : QImage();
 }
 
 PictureDecoder::PictureDecoder()
@@ -23,14 +25,6 @@ PictureDecoder::~PictureDecoder()
 {
     m_pool.clear();
     m_pool.waitForDone();
-}
-
-QImage PictureDecoder::read(QImageReader &reader)
-{
-    QImage image(reader.size(), QImage::Format_ARGB32);
-    if (!reader.read(&image))
-        return QImage();
-    return image.convertToFormat(QImage::Format_ARGB32);
 }
 
 void PictureDecoder::begin(const QString &name, const QByteArray &bytes, const QSize &size)

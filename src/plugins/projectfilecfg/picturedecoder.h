@@ -7,8 +7,6 @@
 #include <QString>
 #include <QThreadPool>
 
-class QImageReader;
-
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -21,9 +19,6 @@ public:
     PictureDecoder();
     /// Waits for a picture that is being decoded.
     ~PictureDecoder();
-
-    /// The picture at which the reader stands, with 32 bits per pixel; empty when it cannot be read whole.
-    static QImage read(QImageReader &reader);
 
     /// Begins with the PNG file `bytes`, to be taken under that name. One that tells another size is not decoded.
     void begin(const QString &name, const QByteArray &bytes, const QSize &size);
