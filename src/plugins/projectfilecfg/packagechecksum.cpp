@@ -38,12 +38,8 @@ QByteArray chunkDigest(QFile &file, qint64 length, QByteArray &buffer)
 
 } // namespace
 
-QString ofLeadingBytes(const QString &path, qint64 length)
+QString ofLeadingBytes(QFile &file, qint64 length)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        return QString();
-    }
     QByteArray buffer(int(largestStep), Qt::Uninitialized);
     QCryptographicHash digest(QCryptographicHash::Md5);
     for (qint64 start = 0; start < length; start += chunkSize) {

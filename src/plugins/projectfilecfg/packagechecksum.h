@@ -2,6 +2,8 @@
 
 #include <QString>
 
+class QFile;
+
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -14,8 +16,8 @@ constexpr qint64 chunkSize = 10 * 1024 * 1024;
 /// The MD5 digest, in lower-case hexadecimal digits, over the digits of the digests of the chunks of the first
 /// `length` bytes of the file. A chunk's digest covers its bytes up to, not including, the first zero byte; the
 /// whole chunk where it holds none. Reads little more than what is digested, and stops where
-/// the file ends. Empty when it cannot be opened.
-QString ofLeadingBytes(const QString &path, qint64 length);
+/// the file ends. `file` is open for reading.
+QString ofLeadingBytes(QFile &file, qint64 length);
 
 } // namespace PackageChecksum
 

@@ -1,6 +1,8 @@
 #include "packagereader.h"
 
 #include "localecodec.h"
+#include "packagechecksum.h"
+#include "packagefile.h"
 #include "projectfilefacts.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
@@ -168,9 +170,11 @@ struct PackageReader::Directory
 PackageReader::PackageReader(const QString &packetPath)
 {
     useUtf8LocaleCodec();
-    m_zip.reset(new QuaZip(packetPath));
+    m_file.reset(new PackageFile(packetPath));
+    m_zip.reset(new QuaZip(m_file.get()));
+    m_zip->setAutoClose(false);
     // Opening a pipe would wait for somebody who writes into it.
-    if (QFileInfo(packetPath).isFile()) {
+    if (QFileInfo(packetPath).isFile() && m_file->open()) {
         m_zip->open(QuaZip::mdUnzip);
     }
 }
@@ -190,6 +194,12 @@ QStringList PackageReader::fileList() const
 QString PackageReader::comment() const
 {
     return m_zip->isOpen() ? m_zip->getComment() : QString();
+}
+
+QString PackageReader::checksum() const
+{
+    return isOpen() ? PackageChecksum::ofLeadingBytes(m_file->file(), m_file->size() - comment().toUtf8().size())
+                    : QString();
 }
 
 const PackageReader::Directory &PackageReader::directory() const

@@ -13,6 +13,8 @@ class QuaZip;
 namespace ProjectFileCfg {
 namespace Internal {
 
+class PackageFile;
+
 /// One package, held open while a job takes entries out of it. Not for use by two threads at once.
 class PackageReader
 {
@@ -30,6 +32,9 @@ public:
 
     /// The archive's comment; empty when there is none.
     QString comment() const;
+
+    /// The checksum of the archive without its comment (see PackageChecksum); empty when it is not open.
+    QString checksum() const;
 
     /// Extracts `entryName` to `destPath` (when empty: to its own name) and returns the absolute path written,
     /// or an empty string. A folder's entry makes the folder. A file at the destination is replaced, but only
@@ -63,6 +68,7 @@ private:
     bool copyEntry(const Entry &entry, QIODevice &destination, qint64 limit);
     bool writeEntry(const Entry &entry, const QString &destPath, qint64 limit);
 
+    std::unique_ptr<PackageFile> m_file;
     std::unique_ptr<QuaZip> m_zip;
     mutable std::unique_ptr<Directory> m_directory;
     /// Those that this object has cleared of stale fragments.

@@ -1,7 +1,6 @@
 #include "zippackagehandle.h"
 
 #include "localecodec.h"
-#include "packagechecksum.h"
 #include "packagereader.h"
 #include "packagewriter.h"
 #include "projectfilefacts.h"
@@ -31,20 +30,11 @@ bool isWorthOpening(const QString &packetPath)
     return QFileInfo::exists(packetPath) || ProjectFileFacts::hasPackageExtension(packetPath);
 }
 
-QString checksumOf(const PackageReader &package, const QString &packetPath)
-{
-    if (!package.isOpen()) {
-        return QString();
-    }
-    const qint64 commentSize = package.comment().toUtf8().size();
-    return PackageChecksum::ofLeadingBytes(packetPath, QFileInfo(packetPath).size() - commentSize);
-}
-
 bool hasOwnChecksum(const QString &packetPath, EngineerPacketInfo &info)
 {
     const PackageReader package(packetPath);
     return ZipPackageHandle::parseEngineerInfo(info, package.comment()) &&
-           info.strChecksum == checksumOf(package, packetPath);
+           info.strChecksum == package.checksum();
 }
 
 QString recordOf(const EngineerPacketInfo &info)
@@ -202,7 +192,7 @@ bool ZipPackageHandle::parseEngineerInfo(EngineerPacketInfo &info, const QString
 
 QString ZipPackageHandle::calcPacketChecksum(const QString &packetPath)
 {
-    return checksumOf(PackageReader(packetPath), packetPath);
+    return PackageReader(packetPath).checksum();
 }
 
 int ZipPackageHandle::compressDir(const QString &dirPath, const QString &packetPath, bool overwrite)

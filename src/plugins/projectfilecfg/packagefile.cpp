@@ -1,0 +1,66 @@
+#include "packagefile.h"
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The longest comment, the record that ends an archive, and the mark of a 64-bit one before it.
+static const qint64 endSize = 0xFFFF + 22 + 20;
+
+PackageFile::PackageFile(const QString &path)
+    : m_file(path)
+{}
+
+PackageFile::~PackageFile() = default;
+
+bool PackageFile::open()
+{
+    if (!m_file.open(QIODevice::ReadOnly) || m_file.isSequential())
+        return false;
+    m_nSize = m_file.size();
+    const qint64 expected = std::min(m_nSize, endSize);
+    if (!m_file.seek(m_nSize - expected))
+        return false;
+    m_end = m_file.read(expected);
+    // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
+    return m_end.size() == expected && QIODevice::open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+bool PackageFile::isSequential() const
+{
+    return false;
+}
+
+qint64 PackageFile::size() const
+{
+    return m_nSize;
+}
+
+bool PackageFile::seek(qint64 position)
+{
+    m_nPosition = position;
+    return QIODevice::seek(position);
+}
+
+qint64 PackageFile::readData(char *data, qint64 maxSize)
+{
+    qint64 count = 0;
+    const qint64 endStart = m_nSize - m_end.size();
+    if (m_nPosition >= endStart) {
+        count = std::min(maxSize, m_nSize - m_nPosition);
+        std::copy_n(m_end.constData() + (m_nPosition - endStart), std::max<qint64>(count, 0), data);
+    } else {
+        count = m_file.seek(m_nPosition) ? m_file.read(data, maxSize) : -1;
+    }
+    m_nPosition += std::max<qint64>(count, 0);
+    return count;
+}
+
+qint64 PackageFile::writeData(const char *, qint64)
+{
+    return -1;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QFile>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// A package's file as the zip library reads it. The library looks for the end of an archive, and for the mark of a
+/// 64-bit one, by going backwards through the last 64 KiB in small steps, each of which is a read of the file; here
+/// these bytes are read once. Not for use by two threads at once.
+class PackageFile : public QIODevice
+{
+public:
+    explicit PackageFile(const QString &path);
+    ~PackageFile() override;
+
+    /// Opens the file to read it; false when that fails, or when it is none that can be read anywhere, as a pipe.
+    bool open();
+
+    bool isSequential() const override;
+    qint64 size() const override;
+    bool seek(qint64 position) override;
+
+    /// The file itself, for who reads other parts of it.
+    QFile &file() { return m_file; }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override;
+    qint64 writeData(const char *data, qint64 maxSize) override;
+
+private:
+    QFile m_file;
+    QByteArray m_end;
+    qint64 m_nSize = 0;
+    qint64 m_nPosition = 0;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg
