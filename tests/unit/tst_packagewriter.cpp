@@ -47,6 +47,7 @@ private slots:
     void what_may_not_be_read_is_refused();
     void a_file_above_the_classic_format_is_refused();
     void more_entries_than_the_classic_format_holds_are_refused();
+    void pictures_that_are_together_above_the_classic_format_are_refused_at_once();
     void a_full_disk_makes_writing_fail();
     void a_source_that_is_gone_makes_writing_fail();
     void another_archive_is_not_taken_for_the_written_one();
@@ -381,6 +382,28 @@ void TstPackageWriter::more_entries_than_the_classic_format_holds_are_refused()
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(add(65533));
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+}
+
+void TstPackageWriter::pictures_that_are_together_above_the_classic_format_are_refused_at_once()
+{
+    // Headers, twice the names, and the record that ends an archive.
+    constexpr qint64 besides = 22 + (76 + 2 * 5) + 3 * (76 + 2 * 7);
+    constexpr qint64 most = 0xFFFFFFFELL - besides;
+    QVERIFY(QDir().mkpath(m_dir + "/BKGD"));
+    QVector<QFile *> pictures;
+    for (int number = 0; number < 3; ++number) {
+        auto *file = new QFile(m_dir + QStringLiteral("/%1_0.PNG").arg(number), this);
+        QVERIFY(file->open(QIODevice::WriteOnly));
+        QVERIFY(file->resize(number < 2 ? 0x60000000LL : most - 2 * 0x60000000LL));
+        pictures.append(file);
+    }
+    QVERIFY(PackageWriter(m_dir, m_archive).scan());
+    QVERIFY(pictures.last()->resize(pictures.last()->size() + 1));
+    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+    // What is deflated may well become small enough.
+    QVERIFY(pictures.last()->rename(m_dir + "/2_0.bin"));
+    QVERIFY(PackageWriter(m_dir, m_archive).scan());
+    qDeleteAll(pictures);
 }
 
 void TstPackageWriter::a_full_disk_makes_writing_fail()

@@ -87,7 +87,18 @@ PackageWriter::PackageWriter(const QString &dirPath, const QString &packetPath)
 bool PackageWriter::scan()
 {
     m_entries.clear();
-    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList());
+    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList()) && leastSize() <= maxClassicSize;
+}
+
+/// What is stored takes its own size, so some trees are seen to be too large without writing 4 GiB first.
+qint64 PackageWriter::leastSize() const
+{
+    constexpr qint64 headersSize = 30 + 46;
+    qint64 size = endRecordSize;
+    for (const Entry &entry : m_entries) {
+        size += headersSize + 2 * entry.name.toUtf8().size() + (isPicture(entry.name) ? entry.size : 0);
+    }
+    return size;
 }
 
 bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders)

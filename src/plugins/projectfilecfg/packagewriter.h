@@ -45,6 +45,7 @@ private:
     };
 
     bool scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders);
+    qint64 leastSize() const;
     bool staysInside(const QFileInfo &source) const;
     bool writeEntries(QFile &archive, int paddingSize);
     bool writeEntry(QuaZip &zip, Entry &entry, int paddingSize);

@@ -1,0 +1,213 @@
+// Saving and applying against the same steps done one after another, on a simulated device.
+//
+//     bench_jobs [--quick] [--rows FILE] [saving] [applying]
+
+#include "benchmark.h"
+
+#include "encodedpictures.h"
+#include "engineerdocbackup.h"
+#include "engineerdocload.h"
+#include "packagereader.h"
+#include "projectfilefacts.h"
+#include "zippackagehandle.h"
+
+#include <support/customsite.h>
+
+#include <core/icore.h>
+#include <imagestorager/imagestorager.h>
+#include <model/serailizer.h>
+#include <modelcontrol/devicecontroler.h>
+#include <modelcontrol/materialcontrol.h>
+#include <modelcontrol/presetcontrol.h>
+#include <simulation/journal.h>
+#include <simulation/operation.h>
+#include <simulation/picturegenerator.h>
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QImageReader>
+
+using namespace Benchmark;
+using namespace ProjectFileCfg::Internal;
+using namespace TestSupport;
+using Simulation::HardwareState;
+
+namespace {
+
+const QString sourceIp = QStringLiteral("10.0.0.11");
+const QString targetIp = QStringLiteral("10.0.0.12");
+
+/// A device with so many pictures of a show, opaque and 1920 by 1080.
+HardwareState showDevice(const QString &ip, int pictures)
+{
+    HardwareState state = plainDevice(ip);
+    const QStringList generators = Simulation::PictureGenerator::backgroundNames();
+    for (int number = 0; number < pictures; ++number) {
+        const QString name = generators.at(number % generators.size());
+        state.backgrounds.insert(
+            quint8(number), {name, Simulation::PictureGenerator::background(name, QSize(1920, 1080), quint32(number))});
+    }
+    for (int number = 0; number < 100; ++number)
+        state.presets.insert(quint16(number), {QStringLiteral("p"), QByteArray("preset data ").repeated(100)});
+    return state;
+}
+
+/// The pictures as a save stages them, one after another.
+void stageOneAfterAnother(const CustomSite &site)
+{
+    const auto device = site->device(sourceIp);
+    for (const auto &reference : device->getBKGs()) {
+        const auto background = reference.lock();
+        const std::map<Model::Materail::ParameterType, std::any> request{{Model::Materail::Picture, QImage()}};
+        require(ModelControl::MaterialControl(background).queryMaterailData(request), "a picture is missing");
+        const QImage picture = ImageStorager::instance()->load(background->imageKey(), QImage::Format_RGB32).toImage();
+        require(picture.save(
+                    site.devicePath(sourceIp) + "/" + ProjectFileFacts::backgroundEntry(background->getKeyNo()), "PNG"),
+                "a picture cannot be written");
+    }
+}
+
+void plainSave(const CustomSite &site, const QString &package)
+{
+    const QString folder = site.devicePath(sourceIp);
+    require(Model::Serailizer(Core::ICore::deviceConfigFilePath()).serailize(), "cannot serialise");
+    for (const char *name : {"BKG", "LOGO", "Preset"}) {
+        QDir(folder + "/" + name).removeRecursively();
+        QDir().mkpath(folder + "/" + name);
+    }
+    stageOneAfterAnother(site);
+    for (const auto &preset : site->device(sourceIp)->getPresets()) {
+        QByteArray detail;
+        require(ModelControl::PresetControl(preset).presetFullDetail2Binary(detail), "cannot pack a preset");
+        QFile file(folder + "/Preset/" + QString::number(preset->getNumber()) + ".RPst");
+        require(file.open(QIODevice::WriteOnly), "cannot write a preset");
+        QDataStream stream(&file);
+        stream << detail;
+    }
+    EngineerPacketInfo info;
+    info.strFilePath = package;
+    info.strProjectName = "Show";
+    require(ZipPackageHandle::compressEngineerPacket(folder, info), "packing failed");
+}
+
+void save(const QString &folder, const QString &name, const std::shared_ptr<EncodedPictures> &encoded)
+{
+    EngineerDocBackup job(nullptr, sourceIp);
+    job.setProjectPath(folder);
+    job.setProjectInfo(name, QString());
+    if (encoded)
+        job.setEncodedPictures(encoded);
+    job.start();
+    require(job.wait() && job.resultCode() == BackupSuccess, "the save failed");
+}
+
+/// The contents of both packages are the same, byte by byte.
+void compareContents(const QString &one, const QString &other)
+{
+    PackageReader first(one);
+    PackageReader second(other);
+    require(first.fileList() == second.fileList() && first.fileList().size() > 100, "other entries");
+    for (const QString &name : first.fileList())
+        require(first.read(name, 64 * MiB) == second.read(name, 64 * MiB), "another content of " + name);
+}
+
+void saving(Report &report)
+{
+    const int pictures = report.isQuick() ? 8 : 32;
+    const CustomSite site({{showDevice(sourceIp, pictures), true}});
+    const QString folder = site.path() + "/projects/";
+    QDir().mkpath(folder);
+    const auto plain = [&] { plainSave(site, folder + "plain.corvelpro"); };
+    const auto check = [&] { compareContents(folder + "plain.corvelpro", folder + "ours.corvelpro"); };
+    report.faster(QStringLiteral("save %1 pictures of 1920 x 1080").arg(pictures), "one picture after another",
+                  inTurn(
+                      report.pairs(), plain, [&] { save(folder, "ours", nullptr); }, check),
+                  1.8);
+    const auto encoded = std::make_shared<EncodedPictures>();
+    save(folder, "ours", encoded);
+    report.faster("second save of the same pictures", "one picture after another",
+                  inTurn(
+                      report.pairs(), plain, [&] { save(folder, "ours", encoded); }, check),
+                  5);
+}
+
+void applying(Report &report)
+{
+    const int pictures = report.isQuick() ? 8 : 32;
+    const HardwareState source = showDevice(sourceIp, pictures);
+    const CustomSite site({{plainDevice(targetIp), true}});
+    const QString package = site.path() + "/show.corvelpro";
+    require(packageOf(source).record("show", QString()).write(package), "cannot write the package");
+
+    // Sixty megabytes a second: what is left of a link of one gigabit.
+    Simulation::Pace pace;
+    pace.throughput = 60e6;
+    Simulation::setPace(pace);
+    const auto device = [&site] { return site->device(targetIp); };
+    const auto job = [&] {
+        auto load = std::make_unique<EngineerDocLoad>(nullptr);
+        load->setDeviceIp(targetIp);
+        load->setPackagePath(package);
+        require(load->checkPackageFile() && load->checkDevice(), "the package does not fit");
+        return load;
+    };
+    // What goes over the link and nothing else: pictures that are decoded already.
+    auto packageDevice = job()->unserailizeDevice(Core::ICore::ExtractJsonPath() + "/" + sourceIp + ".json");
+    require(packageDevice != nullptr, "no description");
+    packageDevice->setIPAddress(targetIp);
+    QVector<QPair<QString, QImage>> decoded;
+    for (const QString &name : PackageReader(package).fileList().filter(".png")) {
+        const QImage picture = QImage::fromData(PackageReader(package).read(name, 64 * MiB), "PNG");
+        decoded.append({QFileInfo(name).completeBaseName(), picture.convertToFormat(QImage::Format_ARGB32)});
+    }
+    const auto transfers = [&] {
+        ModelControl::DeviceControler target(device());
+        QString error;
+        require(target.canMVEEnable() && target.enableMVR(packageDevice->getMVREnabled(), error) &&
+                    target.copySlotDataToDevice(packageDevice),
+                "the device refuses");
+        for (const auto &picture : decoded)
+            require(target.createMaterailFromImage(picture.second, Model::Materail::Background, QString(), 0,
+                                                   QSize(0, 0), picture.first),
+                    "the device refuses a picture");
+        ModelControl::DeviceControler controler(packageDevice);
+        require(controler.copyModelToDevice() && controler.copyMVRItemDataToDevice(), "the device refuses the model");
+    };
+    std::unique_ptr<EngineerDocLoad> load;
+    Pair times;
+    for (int pair = 0; pair < report.pairs(); ++pair) {
+        times.plain.milliseconds.append(millisecondsOf(transfers));
+        const auto expected = site->hardware(targetIp)->state().backgrounds;
+        site->hardware(targetIp)->change([](HardwareState &state) { state.backgrounds.clear(); });
+        load = job();
+        times.ours.milliseconds.append(millisecondsOf([&] {
+            load->start();
+            require(load->wait() && load->resultCode() == LoadSuccess, "the apply failed");
+        }));
+        const auto actual = site->hardware(targetIp)->state().backgrounds;
+        require(actual.size() == pictures && actual.keys() == expected.keys(), "pictures are missing");
+        for (quint8 number : actual.keys())
+            require(actual.value(number).pixels == expected.value(number).pixels, "other pixels");
+        Simulation::Journal::instance()->clear();
+    }
+    report.within(QStringLiteral("apply %1 pictures of 1920 x 1080 to a device").arg(pictures), "the transfers alone",
+                  times, 1.1);
+    Simulation::setPace(Simulation::Pace());
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_LOGGING_RULES", "*.debug=false");
+    const QTemporaryDir home;
+    qputenv("HOME", QFile::encodeName(home.path()));
+    QGuiApplication application(argc, argv);
+    Report report(application.arguments());
+    if (report.isWanted("saving"))
+        saving(report);
+    if (report.isWanted("applying"))
+        applying(report);
+    return report.allMet() ? 0 : 1;
+}
