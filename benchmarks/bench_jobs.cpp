@@ -37,19 +37,29 @@ namespace {
 const QString sourceIp = QStringLiteral("10.0.0.11");
 const QString targetIp = QStringLiteral("10.0.0.12");
 
-/// A device with so many pictures of a show, opaque and 1920 by 1080.
-HardwareState showDevice(const QString &ip, int pictures)
+/// A device with so many pictures of a show.
+HardwareState showDevice(const QString &ip, int pictures, const QSize &size)
 {
     HardwareState state = plainDevice(ip);
     const QStringList generators = Simulation::PictureGenerator::backgroundNames();
     for (int number = 0; number < pictures; ++number) {
         const QString name = generators.at(number % generators.size());
-        state.backgrounds.insert(
-            quint8(number), {name, Simulation::PictureGenerator::background(name, QSize(1920, 1080), quint32(number))});
+        state.backgrounds.insert(quint8(number),
+                                 {name, Simulation::PictureGenerator::background(name, size, quint32(number))});
     }
     for (int number = 0; number < 100; ++number)
         state.presets.insert(quint16(number), {QStringLiteral("p"), QByteArray("preset data ").repeated(100)});
     return state;
+}
+
+QSize pictureSize(const Report &report)
+{
+    return report.isQuick() ? QSize(960, 540) : QSize(1920, 1080);
+}
+
+QString inWords(int pictures, const QSize &size)
+{
+    return QStringLiteral("%1 pictures of %2 x %3").arg(pictures).arg(size.width()).arg(size.height());
 }
 
 /// The pictures as a save stages them, one after another.
@@ -113,13 +123,14 @@ void compareContents(const QString &one, const QString &other)
 
 void saving(Report &report)
 {
-    const int pictures = report.isQuick() ? 8 : 32;
-    const CustomSite site({{showDevice(sourceIp, pictures), true}});
+    const int pictures = report.isQuick() ? 8 : 24;
+    const QSize size = pictureSize(report);
+    const CustomSite site({{showDevice(sourceIp, pictures, size), true}});
     const QString folder = site.path() + "/projects/";
     QDir().mkpath(folder);
     const auto plain = [&] { plainSave(site, folder + "plain.corvelpro"); };
     const auto check = [&] { compareContents(folder + "plain.corvelpro", folder + "ours.corvelpro"); };
-    report.faster(QStringLiteral("save %1 pictures of 1920 x 1080").arg(pictures), "one picture after another",
+    report.faster("save " + inWords(pictures, size), "one picture after another",
                   inTurn(
                       report.pairs(), plain, [&] { save(folder, "ours", nullptr); }, check),
                   1.8);
@@ -133,8 +144,9 @@ void saving(Report &report)
 
 void applying(Report &report)
 {
-    const int pictures = report.isQuick() ? 8 : 32;
-    const HardwareState source = showDevice(sourceIp, pictures);
+    const int pictures = report.isQuick() ? 8 : 24;
+    const QSize size = pictureSize(report);
+    const HardwareState source = showDevice(sourceIp, pictures, size);
     const CustomSite site({{plainDevice(targetIp), true}});
     const QString package = site.path() + "/show.corvelpro";
     require(packageOf(source).record("show", QString()).write(package), "cannot write the package");
@@ -190,8 +202,7 @@ void applying(Report &report)
             require(actual.value(number).pixels == expected.value(number).pixels, "other pixels");
         Simulation::Journal::instance()->clear();
     }
-    report.within(QStringLiteral("apply %1 pictures of 1920 x 1080 to a device").arg(pictures), "the transfers alone",
-                  times, 1.1);
+    report.within("apply " + inWords(pictures, size) + " to a device", "the transfers alone", times, 1.1);
     Simulation::setPace(Simulation::Pace());
 }
 
