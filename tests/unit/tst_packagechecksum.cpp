@@ -10,6 +10,12 @@ using namespace PackageTesting;
 using TestSupport::PackageBuilder;
 namespace PackageChecksum = ProjectFileCfg::Internal::PackageChecksum;
 
+static QString checksumOf(const QString &path, qint64 length)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? PackageChecksum::ofLeadingBytes(file, length) : QString();
+}
+
 class TstPackageChecksum : public QObject
 {
     Q_OBJECT
@@ -21,7 +27,6 @@ private slots:
     void what_follows_the_length_does_not_count();
     void a_file_that_ends_before_the_length_is_taken_as_it_is();
     void no_bytes_give_the_digest_of_nothing();
-    void what_cannot_be_opened_gives_nothing();
 
 private:
     QTemporaryDir m_temp;
@@ -61,14 +66,14 @@ void TstPackageChecksum::every_length_gives_the_checksum_step_by_step()
         bytes[zeroAt] = '\0';
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, bytes));
-    QCOMPARE(PackageChecksum::ofLeadingBytes(path, length), QString::fromLatin1(PackageBuilder::checksum(bytes, 0)));
+    QCOMPARE(checksumOf(path, length), QString::fromLatin1(PackageBuilder::checksum(bytes, 0)));
 }
 
 void TstPackageChecksum::what_follows_the_length_does_not_count()
 {
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, QByteArray(5000, 'x') + "comment"));
-    QCOMPARE(PackageChecksum::ofLeadingBytes(path, 5000),
+    QCOMPARE(checksumOf(path, 5000),
              QString::fromLatin1(PackageBuilder::checksum(QByteArray(5000, 'x'), 0)));
 }
 
@@ -77,7 +82,7 @@ void TstPackageChecksum::a_file_that_ends_before_the_length_is_taken_as_it_is()
     // As when it is cut while it is read.
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, QByteArray(int(PackageChecksum::chunkSize), 'x')));
-    QCOMPARE(PackageChecksum::ofLeadingBytes(path, 2 * PackageChecksum::chunkSize),
+    QCOMPARE(checksumOf(path, 2 * PackageChecksum::chunkSize),
              QString::fromLatin1(PackageBuilder::checksum(readFile(path), 0)));
 }
 
@@ -85,12 +90,7 @@ void TstPackageChecksum::no_bytes_give_the_digest_of_nothing()
 {
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, "x"));
-    QCOMPARE(PackageChecksum::ofLeadingBytes(path, 0), QString("d41d8cd98f00b204e9800998ecf8427e"));
-}
-
-void TstPackageChecksum::what_cannot_be_opened_gives_nothing()
-{
-    QCOMPARE(PackageChecksum::ofLeadingBytes(m_temp.path() + "/missing", 10), QString());
+    QCOMPARE(checksumOf(path, 0), QString("d41d8cd98f00b204e9800998ecf8427e"));
 }
 
 TEST_MAIN_CORE(TstPackageChecksum)
