@@ -214,6 +214,7 @@ int main(int argc, char *argv[])
     qputenv("QT_LOGGING_RULES", "*.debug=false");
     const QTemporaryDir home;
     qputenv("HOME", QFile::encodeName(home.path()));
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
     QGuiApplication application(argc, argv);
     Report report(application.arguments());
     if (report.isWanted("saving"))

@@ -234,8 +234,10 @@ void packing(Report &report, const QString &folder, const QString &device, doubl
         report.pairs(), [&] { require(plainPack(device, plain), "plain packing failed"); },
         [&] { require(ZipPackageHandle::compressEngineerPacket(device, ours), "packing failed"); },
         [&] {
-            require(ours.strChecksum == plain.strChecksum && ZipPackageHandle::isValidEngineerPacket(plain.strFilePath),
-                    "other checksum");
+            // Each way accepts the other's record and checksum.
+            EngineerPacketInfo read = packageAt(ours.strFilePath);
+            require(plainRecord(read) && ZipPackageHandle::isValidEngineerPacket(plain.strFilePath),
+                    "a checksum is wrong");
             require(ZipPackageHandle::getFileList(ours.strFilePath) == JlCompress::getFileList(plain.strFilePath),
                     "other names");
         });

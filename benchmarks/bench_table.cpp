@@ -332,7 +332,9 @@ int main(int argc, char *argv[])
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path()));
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_LOGGING_RULES", "*.debug=false");
+    // The platform without windows and the panel without devices have much to say.
+    qputenv("QT_LOGGING_RULES", "default=false");
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
     Application application(argc, argv);
     Core::applyLook();
     Report report(application.arguments());

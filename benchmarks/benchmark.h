@@ -22,10 +22,11 @@ namespace Benchmark {
 constexpr qint64 KiB = 1024;
 constexpr qint64 MiB = 1024 * KiB;
 
+/// Ends the program otherwise than a missed limit does, with 1.
 [[noreturn]] inline void fail(const QString &why)
 {
     std::fprintf(stderr, "benchmark: %s\n", qPrintable(why));
-    std::exit(1);
+    std::exit(2);
 }
 
 inline void require(bool condition, const QString &why)
