@@ -103,6 +103,8 @@ private slots:
     void a_picture_that_cannot_be_written_does_not_end_the_save_data();
     void a_picture_that_cannot_be_written_does_not_end_the_save();
     void an_unopenable_preset_ends_silently_without_a_package();
+    void a_preset_that_cannot_be_serialised_ends_silently_without_a_package();
+    void a_full_disk_under_a_preset_ends_with_5_data();
     void a_full_disk_under_a_preset_ends_with_5();
     void a_full_disk_under_the_package_keeps_the_old_one();
     void a_file_in_the_projects_directorys_place_ends_with_5();
@@ -621,6 +623,9 @@ void TstEngineerDocBackup::a_picture_that_cannot_be_written_does_not_end_the_sav
     const QStringList pictures = unpack(packagePath()).filter(".png");
     QCOMPARE(pictures.size(), 10);
     QVERIFY(!pictures.contains(missing));
+    const QStringList said = WarningGuard::texts(QtDebugMsg).filter("Save picture failed:");
+    QCOMPARE(said.size(), 1);
+    QVERIFY2(said.first().contains(missing), qPrintable(said.first()));
 }
 
 void TstEngineerDocBackup::an_unopenable_preset_ends_silently_without_a_package()
@@ -632,13 +637,32 @@ void TstEngineerDocBackup::an_unopenable_preset_ends_silently_without_a_package(
     QCOMPARE(WarningGuard::count(QtDebugMsg, "Device [Main hall] serailize error,reason: Is a directory"), 1);
 }
 
+void TstEngineerDocBackup::a_preset_that_cannot_be_serialised_ends_silently_without_a_package()
+{
+    Faults::instance()->arm(packPreset, Fault::fail(2));
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QVERIFY(!QFile::exists(packagePath()));
+    QCOMPARE(Journal::instance()->count(packPreset), 2);
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("could not be serialised").size(), 1);
+}
+
+void TstEngineerDocBackup::a_full_disk_under_a_preset_ends_with_5_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("room");
+    QTest::newRow("noticed while it is written") << int(3 * MiB) << int(MiB);
+    QTest::newRow("noticed when it is flushed") << 100 << 50;
+}
+
 void TstEngineerDocBackup::a_full_disk_under_a_preset_ends_with_5()
 {
-    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
-        state.presets = {{1, PresetState{"large", noise(3 * MiB)}}, {2, PresetState{"small", "small"}}};
+    QFETCH(int, size);
+    QFETCH(int, room);
+    m_site->changeHardware(m_site->mainHall, [size](HardwareState &state) {
+        state.presets = {{1, PresetState{"large", noise(size)}}, {2, PresetState{"small", "small"}}};
     });
     QScopedPointer<FullDisk> fullDisk;
-    Faults::instance()->arm(packPreset, Fault::run([&fullDisk] { fullDisk.reset(new FullDisk(MiB)); }));
+    Faults::instance()->arm(packPreset, Fault::run([&fullDisk, room] { fullDisk.reset(new FullDisk(room)); }));
     // The package itself would have room again.
     Faults::instance()->arm(packPreset, Fault::run([&fullDisk] { fullDisk.reset(); }, 2));
     const int code = save(m_site->mainHall);

@@ -67,6 +67,15 @@ QByteArray pngWithoutSize()
     return png.replace(chunkAt + chunkLength, 4, reinterpret_cast<const char *>(&crc), 4);
 }
 
+/// One frame, of one colour.
+QByteArray gifOfSize(char width, char height)
+{
+    const char bytes[] = {'G',   'I', 'F',    '8', '9',    'a',    width,  0,      height, 0, '\x80', 0,
+                          0,     0,   0,      0,   '\xFF', '\xFF', '\xFF', ',',    0,      0, 0,      0,
+                          width, 0,   height, 0,   0,      2,      2,      '\x44', 1,      0, ';'};
+    return QByteArray(bytes, int(sizeof bytes));
+}
+
 QByteArray cutPng(const QImage &image)
 {
     const QByteArray png = pngOf(image);
@@ -142,12 +151,15 @@ private slots:
     void failing_multiviewer_items_replace_the_code_of_a_failed_send();
     void key_numbers_have_eight_bits_data();
     void key_numbers_have_eight_bits();
+    void of_two_materials_of_one_number_the_first_counts();
     void folders_are_read_with_case_and_endings_without_data();
     void folders_are_read_with_case_and_endings_without();
     void pictures_elsewhere_are_extracted_and_left();
     void an_applied_picture_is_removed_from_the_extraction_folder();
     void a_picture_whose_apply_failed_is_left();
     void a_picture_that_cannot_be_removed_is_no_error();
+    void a_picture_of_one_pixel_is_a_picture_data();
+    void a_picture_of_one_pixel_is_a_picture();
     void a_bad_picture_ends_the_transfer_data();
     void a_bad_picture_ends_the_transfer();
     void a_bad_picture_behind_a_good_one_ends_the_transfer_at_its_turn_data();
@@ -727,6 +739,22 @@ void TstEngineerDocLoad::key_numbers_have_eight_bits()
     QCOMPARE((isLogo ? state.logos : state.backgrounds).keys(), QList<quint8>{quint8(keyNo)});
 }
 
+void TstEngineerDocLoad::of_two_materials_of_one_number_the_first_counts()
+{
+    HardwareState source = plainDevice(sourceIp);
+    const QImage picture = noisePicture({16, 9}, 1);
+    source.backgrounds.insert(1, {QStringLiteral("First"), picture});
+    QJsonObject description = QJsonDocument::fromJson(descriptionOf(source)).object();
+    QJsonArray materials = description.value(QStringLiteral("materials")).toArray();
+    QJsonObject second = materials.first().toObject();
+    second.insert(QStringLiteral("name"), QStringLiteral("Second"));
+    second.insert(QStringLiteral("width"), 17);
+    materials.append(second);
+    description.insert(QStringLiteral("materials"), materials);
+    PackageBuilder package = descriptionOnly(QJsonDocument(description).toJson());
+    QCOMPARE(apply(package.file("BKG/BKG_1.png", pngOf(picture)), onlineIp), 0);
+}
+
 void TstEngineerDocLoad::folders_are_read_with_case_and_endings_without_data()
 {
     QTest::addColumn<QByteArray>("entry");
@@ -797,6 +825,23 @@ void TstEngineerDocLoad::a_picture_that_cannot_be_removed_is_no_error()
     QVERIFY(logged.first().contains(path));
 }
 
+void TstEngineerDocLoad::a_picture_of_one_pixel_is_a_picture_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("one pixel") << QSize(1, 1);
+    QTest::newRow("one pixel wide") << QSize(1, 5);
+    QTest::newRow("one pixel high") << QSize(5, 1);
+}
+
+void TstEngineerDocLoad::a_picture_of_one_pixel_is_a_picture()
+{
+    QFETCH(QSize, size);
+    HardwareState source = plainDevice(sourceIp);
+    source.backgrounds.insert(1, {QStringLiteral("Opening"), noisePicture(size, 1)});
+    QCOMPARE(apply(packageOf(source), onlineIp), 0);
+    QCOMPARE(onlineState().backgrounds.value(1).pixels, source.backgrounds.value(1).pixels);
+}
+
 void TstEngineerDocLoad::a_bad_picture_ends_the_transfer_data()
 {
     QTest::addColumn<QByteArray>("entry");
@@ -813,6 +858,9 @@ void TstEngineerDocLoad::a_bad_picture_ends_the_transfer_data()
     QTest::newRow("empty") << QByteArray("BKG/BKG_1.png") << QByteArray() << 11;
     QTest::newRow("no picture") << QByteArray("BKG/BKG_1.png") << QByteArray("no picture at all") << 11;
     QTest::newRow("0 by 0") << QByteArray("BKG/BKG_1.png") << pngWithoutSize() << 11;
+    // Behind a picture's name may be a picture of another format, and those can be without width or height.
+    QTest::newRow("without width") << QByteArray("BKG/BKG_1.png") << gifOfSize(0, 5) << 11;
+    QTest::newRow("without height") << QByteArray("BKG/BKG_1.png") << gifOfSize(5, 0) << 11;
     QTest::newRow("no picture, in another folder") << QByteArray("Extra/cover.png") << QByteArray("none") << 11;
 }
 

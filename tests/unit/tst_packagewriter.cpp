@@ -337,20 +337,28 @@ void TstPackageWriter::what_cannot_be_packed_whole_is_refused()
 void TstPackageWriter::what_may_not_be_read_is_refused_data()
 {
     QTest::addColumn<QString>("locked");
-    QTest::newRow("file") << "/sub/file.txt";
-    QTest::newRow("folder") << "/sub";
+    QTest::addColumn<QString>("mode");
+    QTest::newRow("file") << "/sub/file.txt"
+                          << "a-rwx";
+    QTest::newRow("folder") << "/sub"
+                            << "a-rwx";
+    QTest::newRow("folder that may not be listed") << "/sub"
+                                                   << "a-r";
+    QTest::newRow("folder that may not be entered") << "/sub"
+                                                    << "a-x";
 }
 
 void TstPackageWriter::what_may_not_be_read_is_refused()
 {
     QFETCH(QString, locked);
+    QFETCH(QString, mode);
     QVERIFY(writeFile(m_dir + "/sub/file.txt", "x"));
     QCOMPARE(run("chmod", {"-R", "a+rX", m_temp->path()}).exitCode, 0);
     {
         const OrdinaryUser user;
         QVERIFY(PackageWriter(m_dir, m_archive).scan());
     }
-    QCOMPARE(run("chmod", {"a-rwx", m_dir + locked}).exitCode, 0);
+    QCOMPARE(run("chmod", {mode, m_dir + locked}).exitCode, 0);
     {
         const OrdinaryUser user;
         QVERIFY(!PackageWriter(m_dir, m_archive).scan());
