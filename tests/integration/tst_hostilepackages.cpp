@@ -1,0 +1,569 @@
+#include <engineerdocload.h>
+#include <projectlist.h>
+#include <zippackagehandle.h>
+
+#include <data/hostilepackages.h>
+#include <gui/paneltesting.h>
+#include <support/answerbook.h>
+#include <support/customsite.h>
+#include <support/signalrecorder.h>
+#include <support/testmain.h>
+
+#include <model/serailizer.h>
+
+#include <QDirIterator>
+
+#include <ctime>
+#include <functional>
+#include <malloc.h>
+#include <optional>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace ProjectFileCfg::Internal;
+using namespace TestSupport;
+using TestData::HostilePackage;
+
+namespace {
+
+const QString onlineIp = QString::fromLatin1(TestData::onlineAddress);
+const QString offlineIp = QString::fromLatin1(TestData::offlineAddress);
+
+/// What README.md says of one package.
+struct Expectation
+{
+    QString listed;
+    QString online;
+    QString offline;
+    QString edited;
+};
+
+/// The rows of the table, in their order: "| `name` | listed | online | offline | edited | why |".
+QVector<QPair<QByteArray, Expectation>> readTable()
+{
+    QVector<QPair<QByteArray, Expectation>> rows;
+    QFile file(QStringLiteral(TEST_DATA_DIRECTORY "/README.md"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("No table: %s", qPrintable(file.errorString()));
+    while (!file.atEnd()) {
+        const QStringList cells = QString::fromUtf8(file.readLine()).trimmed().split(QLatin1Char('|'));
+        if (cells.size() < 7 || !cells.at(1).trimmed().startsWith(QLatin1Char('`')))
+            continue;
+        const auto cell = [&cells](int column) { return cells.at(column).trimmed(); };
+        rows.append({cell(1).remove(QLatin1Char('`')).toUtf8(), {cell(2), cell(3), cell(4), cell(5)}});
+    }
+    return rows;
+}
+
+QString yesNo(bool yes)
+{
+    return yes ? QStringLiteral("yes") : QStringLiteral("no");
+}
+
+bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) &&
+           file.write(bytes) == bytes.size() && file.flush();
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What an operation touches
+
+/// Everything below a folder: what it is, its size, when it was changed, where it leads to.
+using Snapshot = QMap<QString, QString>;
+
+QString stateOf(const QString &path)
+{
+    struct stat status;
+    if (lstat(QFile::encodeName(path).constData(), &status) != 0)
+        return QStringLiteral("gone");
+    QString state =
+        QStringLiteral("mode %1, inode %2").arg(QString::number(status.st_mode, 8), QString::number(status.st_ino));
+    // The size of a folder tells nothing, its time tells what came and went.
+    state += QStringLiteral(", changed %1.%2")
+                 .arg(QString::number(status.st_mtim.tv_sec), QString::number(status.st_mtim.tv_nsec));
+    if (!S_ISDIR(status.st_mode))
+        state += QStringLiteral(", %1 bytes").arg(status.st_size);
+    if (S_ISLNK(status.st_mode))
+        state += QStringLiteral(", to ") + QFile::symLinkTarget(path);
+    return state;
+}
+
+/// Leaves out what `mayChange` names: files, and folders with all that is in them.
+Snapshot snapshot(const QString &root, const QStringList &mayChange)
+{
+    Snapshot found;
+    const std::function<void(const QString &)> walk = [&](const QString &folder) {
+        found.insert(folder, stateOf(folder));
+        const QStringList names =
+            QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        for (const QString &name : names) {
+            const QString path = folder + QLatin1Char('/') + name;
+            if (mayChange.contains(path))
+                continue;
+            if (QFileInfo(path).isDir() && !QFileInfo(path).isSymLink())
+                walk(path);
+            else
+                found.insert(path, stateOf(path));
+        }
+    };
+    walk(root);
+    return found;
+}
+
+QString difference(const Snapshot &before, const Snapshot &after)
+{
+    QString text;
+    for (auto it = before.begin(); it != before.end(); ++it) {
+        if (after.value(it.key()) != it.value())
+            text += QStringLiteral("\n%1: was %2; is %3")
+                        .arg(it.key(), it.value(), after.value(it.key(), QStringLiteral("gone")));
+    }
+    for (auto it = after.begin(); it != after.end(); ++it) {
+        if (!before.contains(it.key()))
+            text += QStringLiteral("\n%1: is new").arg(it.key());
+    }
+    return text;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What an operation costs
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool costsCount = false;
+#else
+constexpr bool costsCount = true;
+#endif
+
+/// The process's time and memory since it was made. A sanitizer's own cost is not the product's: such builds are
+/// guarded by the time that a test program has as a whole.
+class Costs
+{
+public:
+    Costs()
+        : m_time(std::clock())
+    {
+        if (!costsCount)
+            return;
+        // What earlier operations gave back must not hide what this one takes.
+        malloc_trim(0);
+        QFile reset(QStringLiteral("/proc/self/clear_refs"));
+        if (!reset.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || reset.write("5") != 1)
+            qFatal("The peak of the memory cannot be reset: %s", qPrintable(reset.errorString()));
+        m_memory = kibibytes("VmRSS:");
+    }
+
+    void stop()
+    {
+        seconds = double(std::clock() - m_time) / CLOCKS_PER_SEC;
+        mebibytes = costsCount ? (kibibytes("VmHWM:") - m_memory) / 1024 : 0;
+    }
+
+    /// Processor time: on a machine that is busy otherwise, the clock on the wall tells little.
+    double seconds = 0;
+    /// The peak above what was in use at the beginning.
+    qint64 mebibytes = 0;
+
+private:
+    static qint64 kibibytes(const QByteArray &key)
+    {
+        QFile status(QStringLiteral("/proc/self/status"));
+        if (!status.open(QIODevice::ReadOnly))
+            qFatal("No /proc/self/status");
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith(key))
+                return line.mid(key.size()).simplified().split(' ').first().toLongLong();
+        }
+        qFatal("%s is not told", key.constData());
+        return 0;
+    }
+
+    std::clock_t m_time;
+    qint64 m_memory = 0;
+};
+
+/// While it lives, the libraries may complain about what they read.
+class LibraryNoise
+{
+    const ExpectMessage m_expected{QtWarningMsg,
+                                   QRegularExpression(QStringLiteral("^libpng |^QFile::at: Cannot set file position")),
+                                   ExpectMessage::AnyNumber};
+};
+
+} // namespace
+
+/// Every package of tests/data against every operation that may meet it.
+class TstHostilePackages : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanup();
+    void cleanupTestCase();
+
+    void the_table_and_the_recipe_name_the_same_packages();
+    void the_honest_package_is_applied_to_both_devices();
+    void an_operation_ends_as_the_table_says_data();
+    void an_operation_ends_as_the_table_says();
+    void what_is_no_file_is_not_opened_data();
+    void what_is_no_file_is_not_opened();
+    void the_panel_imports_and_lists_what_the_table_says();
+
+private:
+    /// A fresh site and, in a folder of its own, the package. Below the test's home lies nothing else that may change.
+    void setUp(const HostilePackage &package);
+    QString list() const;
+    QString edit();
+    QString apply(const QString &packagePath, const QString &ip) const;
+    /// What came of it, as the table has it; `m_costs` tells what it took.
+    QString operate(const QString &operation);
+    template<typename Operation>
+    auto measured(const Operation &operation)
+    {
+        m_costs.emplace();
+        const auto result = operation();
+        m_costs->stop();
+        return result;
+    }
+    QStringList mayChange(const QString &operation) const;
+
+    QVector<HostilePackage> m_packages;
+    /// The one that was made last: some take longer to make than to refuse.
+    QPair<QByteArray, QByteArray> m_made;
+    QString m_root;
+    QString m_package;
+    QString m_honestPackage;
+    std::optional<CustomSite> m_site;
+    std::optional<Costs> m_costs;
+    double m_longest = 0;
+    qint64 m_largest = 0;
+};
+
+void TstHostilePackages::initTestCase()
+{
+    m_packages = TestData::hostilePackages();
+    // Deep enough that most ways out still end in what is compared.
+    m_root = QDir::homePath();
+    const QString temporary = m_root + QStringLiteral("/a/b/c/d");
+    QVERIFY(QDir().mkpath(temporary));
+    qputenv("TMPDIR", QFile::encodeName(temporary));
+    QVERIFY(writeFile(m_root + QStringLiteral("/a/b/c/d/victim/file.png"), "a file that nobody may touch"));
+    m_honestPackage = m_root + QStringLiteral("/honest.corvelpro");
+    QVERIFY(writeFile(m_honestPackage, TestData::honestPackage()));
+}
+
+void TstHostilePackages::cleanup()
+{
+    m_site.reset();
+    if (!m_package.isEmpty())
+        QDir(QFileInfo(m_package).path()).removeRecursively();
+    m_package.clear();
+    QVERIFY2(!QFile::exists(QString::fromLatin1(TestData::absoluteEscape)), "a file got out of the folders");
+}
+
+void TstHostilePackages::cleanupTestCase()
+{
+    if (costsCount)
+        qInfo("At most %.1f s and %lld MiB in one operation", m_longest, static_cast<long long>(m_largest));
+}
+
+void TstHostilePackages::setUp(const HostilePackage &package)
+{
+    m_site.emplace(QVector<CustomDevice>{{plainDevice(onlineIp), true}, {plainDevice(offlineIp), false}});
+    QVERIFY(Model::Serailizer(m_site->configPath()).serailize());
+    m_package = m_root + QStringLiteral("/package/hostile.corvelpro");
+    if (m_made.first != package.name)
+        m_made = {package.name, package.bytes()};
+    QVERIFY(writeFile(m_package, m_made.second));
+    if (package.linksInTheWay) {
+        const QString victim = m_root + QStringLiteral("/a/b/c/d/victim");
+        for (const QString &folder : {m_site->extractPath(), m_site->devicePath(offlineIp)}) {
+            QVERIFY(QDir().mkpath(folder));
+            QVERIFY(QFile::link(victim, folder + QStringLiteral("/linked")));
+            QVERIFY(QFile::link(victim + QStringLiteral("/file.png"), folder + QStringLiteral("/linked.png")));
+            QVERIFY(QFile::link(victim + QStringLiteral("/file.png"), folder + QStringLiteral("/linked.json")));
+        }
+    }
+}
+
+QString TstHostilePackages::list() const
+{
+    ProjectList list;
+    list.scanProjectFiles(QFileInfo(m_package).path(), list.beginScan());
+    return yesNo(list.projects.size() == 1 && list.projects.first().strFilePath == m_package);
+}
+
+/// As the panel does it; the new record must be the package's and all else what it was.
+QString TstHostilePackages::edit()
+{
+    EngineerPacketInfo before;
+    before.strFilePath = m_package;
+    const bool wasListed = ZipPackageHandle::getZipFileEngineerInfo(before);
+    const QStringList entries = ZipPackageHandle::getFileList(m_package);
+    const QString record = QString::fromUtf8(
+        PackageBuilder::infoRecord(before.strChecksum, QStringLiteral("edited"), QStringLiteral("new")));
+    QFile file(m_package);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("unreadable");
+    const QByteArray bytes = file.readAll();
+    file.close();
+
+    const bool edited = measured([&] { return ZipPackageHandle::setZipComment(m_package, record); });
+
+    if (QDir(QFileInfo(m_package).path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size() != 1)
+        return QStringLiteral("a fragment is left");
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("gone");
+    const QByteArray bytesAfter = file.readAll();
+    if (!edited)
+        return bytesAfter == bytes ? yesNo(false) : QStringLiteral("failed and changed the package");
+    EngineerPacketInfo after;
+    after.strFilePath = m_package;
+    if (ZipPackageHandle::getZipFileEngineerInfo(after) != wasListed)
+        return wasListed ? QStringLiteral("no longer valid") : QStringLiteral("valid all of a sudden");
+    if (after.strProjectName != QStringLiteral("edited") || after.strComment != QStringLiteral("new"))
+        return QStringLiteral("another record");
+    if (ZipPackageHandle::getFileList(m_package) != entries)
+        return QStringLiteral("other entries");
+    return yesNo(true);
+}
+
+/// The code with which the job ends, or "-" where it refuses the package without one.
+QString TstHostilePackages::apply(const QString &packagePath, const QString &ip) const
+{
+    EngineerDocLoad job(nullptr);
+    job.setDeviceIp(ip);
+    job.setPackagePath(packagePath);
+    if (!job.checkPackageFile())
+        return job.resultCode() == LoadSuccess ? QStringLiteral("-") : QString::number(job.resultCode());
+    if (!job.checkDevice())
+        return QString::number(job.resultCode());
+    job.start(QThread::InheritPriority);
+    job.wait();
+    return QString::number(job.resultCode());
+}
+
+QString TstHostilePackages::operate(const QString &operation)
+{
+    if (operation == QStringLiteral("edit"))
+        return edit();
+    return measured([&] {
+        if (operation == QStringLiteral("list"))
+            return list();
+        if (operation == QStringLiteral("import"))
+            return yesNo(ZipPackageHandle::isValidEngineerPacket(m_package));
+        if (operation == QStringLiteral("check"))
+            return yesNo(ZipPackageHandle::checkPacketChecksum(m_package));
+        return apply(m_package, operation == QStringLiteral("apply online") ? onlineIp : offlineIp);
+    });
+}
+
+QStringList TstHostilePackages::mayChange(const QString &operation) const
+{
+    if (operation == QStringLiteral("edit"))
+        return {QFileInfo(m_package).path()};
+    if (operation == QStringLiteral("apply online"))
+        return {m_site->extractPath()};
+    // The host writes the descriptions of all devices, each into its own folder.
+    if (operation == QStringLiteral("apply offline"))
+        return {m_site->extractPath(), m_site->devicePath(offlineIp), m_site->devicePath(onlineIp)};
+    return QStringList();
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+
+void TstHostilePackages::the_table_and_the_recipe_name_the_same_packages()
+{
+    QVector<QByteArray> inTable;
+    for (const auto &row : readTable())
+        inTable.append(row.first);
+    QVector<QByteArray> inRecipe;
+    for (const HostilePackage &package : TestData::hostilePackages())
+        inRecipe.append(package.name);
+    for (const QByteArray &name : qAsConst(inRecipe))
+        QCOMPARE(inRecipe.count(name), 1);
+    for (int number = 0; number < qMin(inTable.size(), inRecipe.size()); ++number)
+        QCOMPARE(inTable.at(number), inRecipe.at(number));
+    QCOMPARE(inTable.size(), inRecipe.size());
+    QVERIFY(inRecipe.size() >= 120);
+}
+
+void TstHostilePackages::the_honest_package_is_applied_to_both_devices()
+{
+    setUp({"honest", TestData::honestPackage});
+    QCOMPARE(apply(m_honestPackage, onlineIp), QStringLiteral("0"));
+    QCOMPARE(apply(m_honestPackage, offlineIp), QStringLiteral("0"));
+    QCOMPARE((*m_site)->hardware(onlineIp)->state().backgrounds.size(), 1);
+    QVERIFY(QFile::exists(m_site->devicePath(offlineIp) + QStringLiteral("/LOGO/LOGO_2.png")));
+}
+
+void TstHostilePackages::an_operation_ends_as_the_table_says_data()
+{
+    QTest::addColumn<int>("package");
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QString>("outcome");
+
+    QMap<QByteArray, Expectation> table;
+    for (const auto &row : readTable())
+        table.insert(row.first, row.second);
+    for (int number = 0; number < m_packages.size(); ++number) {
+        const QByteArray &name = m_packages.at(number).name;
+        const Expectation expected = table.value(name);
+        const auto row = [&](const char *operation, const QString &outcome) {
+            QTest::addRow("%s: %s", name.constData(), operation) << number << QString::fromLatin1(operation) << outcome;
+        };
+        row("list", expected.listed);
+        row("import", expected.listed);
+        row("check", expected.listed);
+        row("apply online", expected.online);
+        row("apply offline", expected.offline);
+        row("edit", expected.edited);
+    }
+}
+
+void TstHostilePackages::an_operation_ends_as_the_table_says()
+{
+    QFETCH(int, package);
+    QFETCH(QString, operation);
+    QFETCH(QString, outcome);
+    const LibraryNoise noise;
+    setUp(m_packages.at(package));
+    const Snapshot before = snapshot(m_root, mayChange(operation));
+    const QStringList foldersBefore =
+        QDir(m_site->devicePath(onlineIp)).entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
+
+    const QString came = operate(operation);
+
+    QCOMPARE(came, outcome);
+    const QString changes = difference(before, snapshot(m_root, mayChange(operation)));
+    QVERIFY2(changes.isEmpty(), qPrintable(changes));
+    QCOMPARE(QDir(m_site->devicePath(onlineIp)).entryList(QDir::AllEntries | QDir::Hidden | QDir::System),
+             foldersBefore);
+    QDirIterator fragments(m_site->path(), {QStringLiteral("*.part")}, QDir::Files | QDir::Hidden,
+                           QDirIterator::Subdirectories);
+    QVERIFY2(!fragments.hasNext(), "a fragment is left");
+    if (costsCount) {
+        QVERIFY2(m_costs->seconds < 10, qPrintable(QStringLiteral("%1 s").arg(m_costs->seconds)));
+        QVERIFY2(m_costs->mebibytes <= 256, qPrintable(QStringLiteral("%1 MiB").arg(m_costs->mebibytes)));
+    }
+    m_longest = qMax(m_longest, m_costs->seconds);
+    m_largest = qMax(m_largest, m_costs->mebibytes);
+
+    // Nothing stays that harms who comes next.
+    if (operation.startsWith(QStringLiteral("apply")) && !m_packages.at(package).linksInTheWay)
+        QCOMPARE(apply(m_honestPackage, operation == QStringLiteral("apply online") ? onlineIp : offlineIp),
+                 QStringLiteral("0"));
+}
+
+void TstHostilePackages::what_is_no_file_is_not_opened_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<bool>("throughLink");
+    for (const bool throughLink : {false, true}) {
+        for (const char *kind : {"folder", "pipe", "socket", "/dev/zero", "missing"})
+            QTest::addRow("%s%s", kind, throughLink ? " behind a link" : "")
+                << QString::fromLatin1(kind) << throughLink;
+    }
+}
+
+void TstHostilePackages::what_is_no_file_is_not_opened()
+{
+    QFETCH(QString, kind);
+    QFETCH(bool, throughLink);
+    setUp({"replaced below", [] { return QByteArray(); }});
+    QVERIFY(QFile::remove(m_package));
+    const QString object = throughLink ? QFileInfo(m_package).path() + QStringLiteral("/object") : m_package;
+    const QByteArray nativeObject = QFile::encodeName(object);
+    if (kind == QStringLiteral("folder")) {
+        QVERIFY(QDir().mkpath(object));
+    } else if (kind == QStringLiteral("pipe")) {
+        // Nobody writes into it: who opens it to read waits for ever.
+        QCOMPARE(mkfifo(nativeObject.constData(), 0600), 0);
+    } else if (kind == QStringLiteral("socket")) {
+        const int handle = socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        QVERIFY(nativeObject.size() < int(sizeof address.sun_path));
+        qstrcpy(address.sun_path, nativeObject.constData());
+        QCOMPARE(bind(handle, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+        close(handle);
+    } else if (kind != QStringLiteral("missing")) {
+        QVERIFY(QFile::link(kind, object));
+    }
+    if (throughLink)
+        QVERIFY(QFile::link(object, m_package));
+
+    const Snapshot before = snapshot(m_root, QStringList());
+    QCOMPARE(list(), QStringLiteral("no"));
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
+    QVERIFY(!ZipPackageHandle::setZipComment(m_package, QStringLiteral("x")));
+    QCOMPARE(ZipPackageHandle::getFileList(m_package), QStringList());
+    const QString expected = kind == QStringLiteral("missing") ? QStringLiteral("2") : QStringLiteral("-");
+    QCOMPARE(apply(m_package, onlineIp), expected);
+    QCOMPARE(apply(m_package, offlineIp), expected);
+    const QString changes = difference(before, snapshot(m_root, QStringList()));
+    QVERIFY2(changes.isEmpty(), qPrintable(changes));
+}
+
+void TstHostilePackages::the_panel_imports_and_lists_what_the_table_says()
+{
+    const LibraryNoise noise;
+    // Those that a scan, a table or a box could stumble over.
+    const QVector<QByteArray> kinds{"record_", "comment_", "cut_", "end_record_", "junk_", "zip64_", "file_is_"};
+    const PanelTesting::RunningSite site;
+    QVERIFY(PanelTesting::clearProjectFilesDirectory());
+    QMap<QByteArray, Expectation> table;
+    for (const auto &row : readTable())
+        table.insert(row.first, row.second);
+    QStringList valid;
+    QStringList invalid;
+    for (const HostilePackage &package : qAsConst(m_packages)) {
+        const auto isOfKind = [&package](const QByteArray &kind) { return package.name.startsWith(kind); };
+        if (std::none_of(kinds.begin(), kinds.end(), isOfKind))
+            continue;
+        const QString path = m_root + QStringLiteral("/elsewhere/%1.corvelpro").arg(QString::fromLatin1(package.name));
+        QVERIFY(writeFile(path, package.bytes()));
+        (table.value(package.name).listed == QStringLiteral("yes") ? valid : invalid).append(path);
+    }
+    QVERIFY(valid.size() > 20 && invalid.size() > 20);
+    QStringList expectedNames;
+    for (const QString &path : qAsConst(valid))
+        expectedNames.append(QFileInfo(path).baseName());
+    expectedNames.sort();
+    const auto listedNames = [](const PanelTesting::Panel &panel) {
+        QStringList names = panel.names();
+        names.sort();
+        return names;
+    };
+
+    const PanelTesting::Panel panel;
+    panel->show();
+    PanelTesting::settle();
+    AnswerBook book;
+    const QString chooserTitle = QStringLiteral("Project file");
+    book.expectFileDialog(chooserTitle, valid);
+    book.expectInformation(QStringLiteral("Remind"), QStringLiteral("Import as success"));
+    click(panel.importProject());
+    QTRY_VERIFY2_WITH_TIMEOUT(book.isSatisfied(), qPrintable(book.report()), 60000);
+    PanelTesting::settle();
+    QCOMPARE(listedNames(panel), expectedNames);
+    for (const QString &path : qAsConst(invalid)) {
+        book.expectFileDialog(chooserTitle, {path});
+        book.expectWarning(QStringLiteral("Warning"), QStringLiteral("The file[%1] context is invalid.").arg(path));
+        click(panel.importProject());
+        QTRY_VERIFY2_WITH_TIMEOUT(book.isSatisfied(), qPrintable(book.report()), 60000);
+    }
+    // Put there by hand they are not listed either.
+    for (const QString &path : qAsConst(invalid))
+        QVERIFY(QFile::copy(path, PanelTesting::projectFilesPath() + QFileInfo(path).fileName()));
+    panel.rescan();
+    QCOMPARE(listedNames(panel), expectedNames);
+}
+
+TEST_MAIN(TstHostilePackages)
+#include "tst_hostilepackages.moc"
