@@ -173,8 +173,7 @@ PackageReader::PackageReader(const QString &packetPath)
     m_file.reset(new PackageFile(packetPath));
     m_zip.reset(new QuaZip(m_file.get()));
     m_zip->setAutoClose(false);
-    // Opening a pipe would wait for somebody who writes into it.
-    if (QFileInfo(packetPath).isFile() && m_file->open()) {
+    if (m_file->open()) {
         m_zip->open(QuaZip::mdUnzip);
     }
 }
@@ -208,7 +207,7 @@ const PackageReader::Directory &PackageReader::directory() const
         return *m_directory;
     }
     m_directory.reset(new Directory);
-    const qint64 archiveSize = QFileInfo(m_zip->getZipName()).size();
+    const qint64 archiveSize = m_file->size();
     bool isSound = true;
     for (bool more = m_zip->isOpen() && m_zip->goToFirstFile(); more && isSound; more = m_zip->goToNextFile()) {
         isSound = readCurrentHeader() && m_directory->isCredible(archiveSize);

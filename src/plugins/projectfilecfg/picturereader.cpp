@@ -53,7 +53,8 @@ bool isReadable(QIODevice &file)
         if (descriptionBytes > maxDescriptionBytes || packedDescriptions > maxPackedDescriptions)
             return false;
         // What follows the end is not read.
-        if (type == "IEND" || !file.seek(file.pos() + length + checksumSize))
+        const qint64 next = file.pos() + length + checksumSize;
+        if (type == "IEND" || next > file.size() || !file.seek(next))
             break;
     }
     return file.seek(0);
