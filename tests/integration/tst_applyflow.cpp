@@ -17,6 +17,7 @@
 #include <QThread>
 #include <QTranslator>
 
+#include <atomic>
 #include <utility>
 
 using namespace PanelTesting;
@@ -184,6 +185,8 @@ private slots:
     void cancel_does_nothing_after_the_end();
     void deleting_the_panel_during_a_load_ends_it_quietly();
     void deleting_the_panel_before_it_hears_of_the_end_frees_the_device();
+    void a_picture_that_is_announced_when_the_panel_has_gone_is_not_the_last_word();
+    void the_loaded_device_is_freed_when_another_one_was_selected_meanwhile();
 
 private:
     /// Puts the package among the listed ones under that name.
@@ -1022,6 +1025,53 @@ void TstApplyFlow::deleting_the_panel_before_it_hears_of_the_end_frees_the_devic
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
     QCOMPARE(argumentsOf(channel, "exclusive"), (QVariantList{true, false}));
     m_panel.emplace();
+}
+
+void TstApplyFlow::a_picture_that_is_announced_when_the_panel_has_gone_is_not_the_last_word()
+{
+    list(packageOf(richDevice(sourceIp)));
+    std::atomic<int> told{Core::ICore::OperatorNone};
+    const auto listening = connect(
+        Core::ICore::instance(), &Core::ICore::operatorTypeChanged, Core::ICore::instance(),
+        [&told](auto type) { told = type; }, Qt::DirectConnection);
+    std::atomic<bool> isGone{false};
+    QPointer<QThread> job;
+    const auto announcing = connect(
+        Journal::instance(), &Journal::recorded, Journal::instance(),
+        [&](const Simulation::JournalEntry &entry) {
+            if (entry.operation != operatorType || entry.onMainThread || isGone.exchange(true))
+                return;
+            QThread *const thread = QThread::currentThread();
+            onMainThread([&, thread] {
+                job = thread;
+                m_panel.reset();
+            });
+        },
+        Qt::DirectConnection);
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    QTRY_VERIFY(!m_panel);
+    QTRY_VERIFY(!job);
+    disconnect(announcing);
+    disconnect(listening);
+    QCOMPARE(told, int(Core::ICore::OperatorNone));
+    m_panel.emplace();
+}
+
+void TstApplyFlow::the_loaded_device_is_freed_when_another_one_was_selected_meanwhile()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(copyModel, Fault::run([&] {
+                                onMainThread([&] {
+                                    Model::object_brige::instance()->setActiveDevice((*m_site)->device(secondIp));
+                                    // The selector follows, as when the language is switched.
+                                    (*m_panel)->retranslateUi();
+                                });
+                            }));
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    waitForEndOfLoad();
+    QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
 }
 
 TEST_MAIN(TstApplyFlow)

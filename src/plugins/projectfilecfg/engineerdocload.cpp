@@ -148,6 +148,11 @@ void EngineerDocLoad::setDeviceIp(const QString &ip)
     m_strDeviceIp = ip;
 }
 
+QString EngineerDocLoad::deviceIp() const
+{
+    return m_strDeviceIp;
+}
+
 void EngineerDocLoad::cancel()
 {
     m_bCancel = true;

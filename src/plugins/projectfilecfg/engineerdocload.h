@@ -35,6 +35,7 @@ public:
 
     void setPackagePath(const QString &path);
     void setDeviceIp(const QString &ip);
+    QString deviceIp() const;
 
     /// True when the package is there and its checksum is right. A wrong checksum leaves the result code at
     /// LoadSuccess, so that nothing is shown: the list does not offer such a package.

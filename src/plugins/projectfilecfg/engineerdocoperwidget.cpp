@@ -103,6 +103,23 @@ static void freeChannel(const std::shared_ptr<Model::Device> &device)
         DeviceControler(device).setChannelExclusive(false);
 }
 
+/// How often a job was started in this process: tells whether one that ends late is still the last.
+static int s_startedJobs = 0;
+
+static void tellOperation(ICore::OperatorDeviceType type)
+{
+    if (type != ICore::OperatorNone)
+        ++s_startedJobs;
+    ICore::setOperatorType(type, QString());
+}
+
+/// False when nobody waits for that copying or importing any more. Its future would not do: the work may be over and the
+/// panel not yet know of it.
+static bool isAwaited(const QFutureWatcher<QString> *watcher)
+{
+    return watcher && !watcher->isFinished();
+}
+
 EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
     : ICenterWidget("ProjectFileCfg.Central", parent)
     , m_pProjects(std::make_shared<ProjectList>())
@@ -127,9 +144,9 @@ EngineerDocOperWidget::~EngineerDocOperWidget()
     release(m_pFileWatcher, this);
 
     // Nobody is left to end what the host believes to be running, nor to hide its modal dialog.
-    const bool copying = m_saveasFuture.isRunning() || m_importFuture.isRunning();
+    const bool copying = isAwaited(m_pSaveasWatcher) || isAwaited(m_pImportWatcher);
     if (m_nOperatorType != OperatorNone)
-        ICore::setOperatorType(ICore::OperatorNone, QString());
+        tellOperation(ICore::OperatorNone);
     if (m_nOperatorType != OperatorNone || copying)
         WaitingDialog::instance()->hideWaitingDialog();
 
@@ -138,10 +155,14 @@ EngineerDocOperWidget::~EngineerDocOperWidget()
     releaseJob(m_pDocBackup, this);
     if (m_pDocLoad) {
         m_pDocLoad->cancel();
-        // The job is destroyed when its thread has ended, and only then may others use the device again.
+        // The job is destroyed when its thread has ended. Only then may others use the device again, and until then it
+        // may have told the host of one more picture.
         if (m_nOperatorType == OperatorLoad)
-            connect(m_pDocLoad, &QObject::destroyed, qApp,
-                    [address = m_strDeviceIP] { freeChannel(findDeviceByAddress(address)); });
+            connect(m_pDocLoad, &QObject::destroyed, qApp, [address = m_pDocLoad->deviceIp(), number = s_startedJobs] {
+                if (number == s_startedJobs)
+                    tellOperation(ICore::OperatorNone);
+                freeChannel(findDeviceByAddress(address));
+            });
     }
     releaseJob(m_pDocLoad, this);
     release(m_pSaveasWatcher, this);
@@ -587,7 +608,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     if (!device)
         return false;
     freeChannel(device);
-    ICore::setOperatorType(ICore::OperatorBackup, QString());
+    tellOperation(ICore::OperatorBackup);
     m_nOperatorType = OperatorBackup;
 
     m_pDocBackup = new EngineerDocBackup(nullptr, QString());
@@ -621,7 +642,7 @@ void EngineerDocOperWidget::slot_backupFinished()
     disconnect(WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, this,
                &EngineerDocOperWidget::slot_cancelOperator);
     WaitingDialog::instance()->hideWaitingDialog();
-    ICore::setOperatorType(ICore::OperatorNone, QString());
+    tellOperation(ICore::OperatorNone);
     m_nOperatorType = OperatorNone;
     slot_projectFilesChanged();
 
@@ -778,7 +799,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     m_nOperatorType = OperatorLoad;
     // "save" although a load starts: operators know the text.
     showWaiting(tr("Start save project file"));
-    ICore::setOperatorType(ICore::OperatorLoad, QString());
+    tellOperation(ICore::OperatorLoad);
     // The job begins its work only when all connections are made: the end of one that failed at once would be told to
     // nobody, and the waiting dialog would stay for ever.
     const auto connected = std::make_shared<QSemaphore>();
@@ -800,7 +821,7 @@ void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 
 void EngineerDocOperWidget::slot_loadFinished()
 {
-    ICore::setOperatorType(ICore::OperatorNone, QString());
+    tellOperation(ICore::OperatorNone);
     disconnect(WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, this,
                &EngineerDocOperWidget::slot_cancelOperator);
     if (m_pDocLoad)
@@ -813,7 +834,8 @@ void EngineerDocOperWidget::slot_loadFinished()
     const int code = m_pDocLoad ? m_pDocLoad->resultCode() : int(LoadSuccess);
     const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
-    freeChannel(device);
+    // The host may have made another device the active one, and so the selected one, since the load was started.
+    freeChannel(m_pDocLoad ? findDeviceByAddress(m_pDocLoad->deviceIp()) : device);
     showLoadResult(code);
     if (!guard || !device)
         return;
@@ -935,8 +957,11 @@ void EngineerDocOperWidget::onImportFinished()
     WaitingDialog::instance()->hideWaitingDialog();
     const QPointer<EngineerDocOperWidget> guard(this);
     showCopyResult(m_importFuture.result(), tr("Import as success"));
-    if (guard)
-        connectFileWatcher(true);
+    if (!guard)
+        return;
+    connectFileWatcher(true);
+    // Others may have changed the directory while the box was open.
+    slot_projectFilesChanged();
 }
 
 void EngineerDocOperWidget::showCopyResult(const QString &failure, const QString &success)
