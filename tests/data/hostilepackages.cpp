@@ -22,6 +22,13 @@ constexpr quint32 GiB = 1024u * MiB;
 // ---------------------------------------------------------------------------------------------------------------------
 // What the packages are made of
 
+/// All bytes of the literal, zero bytes too.
+template<int sizeWithEnd>
+QByteArray raw(const char (&bytes)[sizeWithEnd])
+{
+    return QByteArray(bytes, sizeWithEnd - 1);
+}
+
 QByteArray picture()
 {
     return TestSupport::pngOf(TestSupport::noisePicture({16, 9}, 1));
@@ -167,9 +174,9 @@ QByteArray recordOfSize(int size)
 QByteArray zip64Records(quint64 entries, quint64 centralSize, quint64 centralStart, quint64 recordAt)
 {
     const auto little = [](auto value) { return ZipArchive::little(value); };
-    return QByteArray("PK\6\6", 4) + little(quint64(44)) + little(quint16(45)) + little(quint16(45)) +
-           little(quint32(0)) + little(quint32(0)) + little(entries) + little(entries) + little(centralSize) +
-           little(centralStart) + QByteArray("PK\6\7", 4) + little(quint32(0)) + little(recordAt) + little(quint32(1));
+    return raw("PK\6\6") + little(quint64(44)) + little(quint16(45)) + little(quint16(45)) + little(quint32(0)) +
+           little(quint32(0)) + little(entries) + little(entries) + little(centralSize) + little(centralStart) +
+           raw("PK\6\7") + little(quint32(0)) + little(recordAt) + little(quint32(1));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -218,8 +225,8 @@ void Corpus::addNames()
     add("name_has_a_drive_letter", withEntry("C:\\escaped.png"));
     add("name_is_relative_to_a_drive", withEntry("c:escaped.png"));
     add("name_has_a_drive_letter_behind_a_folder", withEntry("BKG/C:/escaped.png"));
-    add("name_holds_nul", withEntry(QByteArray("other.png\0.png", 14)));
-    add("name_holds_nul_only", withEntry(QByteArray("\0", 1)));
+    add("name_holds_nul", withEntry(raw("other.png\0.png")));
+    add("name_holds_nul_only", withEntry(raw("\0")));
     add("name_holds_newline", withEntry("other\n.png"));
     add("name_holds_control_characters", withEntry("other\r\b\x1b[2J\x7f.png"));
     add("name_holds_place_markers", withEntry("other%1%2%99.png"));
@@ -492,7 +499,7 @@ void Corpus::addEndRecords()
     add("junk_before", [] { return QByteArray(500, 'x') + sealed(honest()); });
     add("junk_before_with_its_checksum", [] {
         // As a package that unpacks itself would be.
-        const QByteArray junk = QByteArray("MZ\x90\0\3", 5).leftJustified(500, '\0');
+        const QByteArray junk = raw("MZ\x90\0\3").leftJustified(500, '\0');
         const QByteArray checksum = PackageBuilder::checksum(junk, 0);
         return junk +
                honest().recordWithChecksum(QString::fromLatin1(checksum), QStringLiteral("x"), QString()).build();
@@ -508,13 +515,13 @@ void Corpus::addEndRecords()
     add("junk_of_100_kilobytes_behind", [] { return sealed(honest()) + QByteArray(100 * 1024, 'x'); });
     add("junk_between_directory_and_end",
         patched([](ZipArchive &archive) { archive.insertBeforeEnd(QByteArray(100, 'x')); }));
-    add("end_record_twice", [] { return sealed(honest()) + QByteArray("PK\5\6", 4) + QByteArray(18, '\0'); });
+    add("end_record_twice", [] { return sealed(honest()) + raw("PK\5\6") + QByteArray(18, '\0'); });
     add("end_record_of_another_archive_behind",
         [] { return sealed(honest()) + PackageBuilder().file("other.txt", "other").comment("other").build(); });
     add("end_record_in_the_comment", [] {
         const QByteArray record =
             PackageBuilder::infoRecord(QString::fromLatin1(rightChecksum()), QStringLiteral("x"), QStringLiteral("x"));
-        const QByteArray inner = QByteArray("PK\5\6", 4) + QByteArray(18, '\0');
+        const QByteArray inner = raw("PK\5\6") + QByteArray(18, '\0');
         return honest().comment(record + inner).build();
     });
     add("end_record_in_the_comment_leads_to_another_directory", [] {
@@ -622,7 +629,7 @@ void Corpus::addHeaders()
         patched([](ZipArchive &a) { a.bytes.replace(a.lastContent(), 20, QByteArray(20, '\xff')); }));
     add("content_refers_to_what_was_never_there", patched([](ZipArchive &a) {
             // A fixed block that begins with a match.
-            a.bytes.replace(a.lastContent(), 4, QByteArray("\x4b\x04\x02\x00", 4));
+            a.bytes.replace(a.lastContent(), 4, raw("\x4b\x04\x02\x00"));
         }));
     add("content_is_encrypted",
         patched([](ZipArchive &a) { a.set16(a.lastLocal() + 6, 1).set16(a.lastCentral() + 8, 1); }));
@@ -728,30 +735,28 @@ void Corpus::addPictures()
     add("picture_has_a_chunk_without_end",
         withPicture([] { return Png::signature() + Png::header(16, 9) + Png::big32(0x7fffffff) + "tEXt" + "Title"; }));
     add("picture_has_an_unknown_critical_chunk", withPicture([] { return pngWith(Png::chunk("ABCD", "x")); }));
-    add("picture_has_a_broken_profile", withPicture([] {
-            return pngWith(Png::chunk("iCCP", QByteArray("x\0\0", 3) + Png::deflated(QByteArray(128, 'x'))));
-        }));
+    add("picture_has_a_broken_profile",
+        withPicture([] { return pngWith(Png::chunk("iCCP", raw("x\0\0") + Png::deflated(QByteArray(128, 'x')))); }));
     add("picture_has_a_bomb_for_a_text", withPicture([] {
-            return pngWith(Png::chunk("zTXt", QByteArray("Title\0\0", 7) + Png::deflated(QByteArray(7900000, 'x'))));
+            return pngWith(Png::chunk("zTXt", raw("Title\0\0") + Png::deflated(QByteArray(7900000, 'x'))));
         }));
     add("picture_has_bombs_for_texts", withPicture([] {
             const QByteArray bomb = Png::deflated(QByteArray(7900000, 'x'));
             QByteArray texts;
             for (int number = 0; number < 100; ++number)
-                texts += Png::chunk("zTXt", "Title" + QByteArray::number(number) + QByteArray("\0\0", 2) + bomb);
+                texts += Png::chunk("zTXt", "Title" + QByteArray::number(number) + raw("\0\0") + bomb);
             return pngWith(texts);
         }));
     add("picture_has_bombs_for_texts_at_its_end", withPicture([] {
             const QByteArray bomb = Png::deflated(QByteArray(7900000, 'x'));
             QByteArray texts;
             for (int number = 0; number < 100; ++number)
-                texts += Png::chunk("iTXt", "Title" + QByteArray::number(number) + QByteArray("\0\1\0\0\0", 5) + bomb);
+                texts += Png::chunk("iTXt", "Title" + QByteArray::number(number) + raw("\0\1\0\0\0") + bomb);
             const QByteArray png = Png::blank(16, 9);
             return png.chopped(12) + texts + Png::end();
         }));
-    add("picture_has_40_megabytes_of_text", withPicture([] {
-            return pngWith(Png::chunk("tEXt", QByteArray("Title\0", 6) + QByteArray(7900000, 'x')).repeated(5));
-        }));
+    add("picture_has_40_megabytes_of_text",
+        withPicture([] { return pngWith(Png::chunk("tEXt", raw("Title\0") + QByteArray(7900000, 'x')).repeated(5)); }));
     add("picture_has_a_million_chunks",
         withPicture([] { return pngWith(Png::chunk("abCd", QByteArray()).repeated(1000000)); }));
     add("picture_has_junk_behind", withPicture([] { return picture() + QByteArray(1000, 'x'); }));
@@ -759,13 +764,11 @@ void Corpus::addPictures()
     add("picture_is_a_bitmap", withPicture([] { return savedAs("BMP"); }));
     add("picture_is_a_pixmap_text", withPicture([] { return savedAs("XPM"); }));
     add("picture_is_a_gif", withPicture([] {
-            return QByteArray("GIF89a\x10\0\x09\0\x80\0\0\xff\xff\xff\0\0\0,"
-                              "\0\0\0\0\x10\0\x09\0\0\2\x0b\x84\x8f\xa9\xcb\xed\x0f\xa3\x9c\x12\0;",
-                              45);
+            return raw("GIF89a\x10\0\x09\0\x80\0\0\xff\xff\xff\0\0\0,"
+                       "\0\0\0\0\x10\0\x09\0\0\2\x0b\x84\x8f\xa9\xcb\xed\x0f\xa3\x9c\x12\0;");
         }));
     add("picture_is_a_gif_of_65535_by_65535", withPicture(65535, 65535, [] {
-            return QByteArray(
-                "GIF89a\xff\xff\xff\xff\x80\0\0\xff\xff\xff\0\0\0,\0\0\0\0\xff\xff\xff\xff\0\2\2\x4c\1\0;", 35);
+            return raw("GIF89a\xff\xff\xff\xff\x80\0\0\xff\xff\xff\0\0\0,\0\0\0\0\xff\xff\xff\xff\0\2\2\x4c\1\0;");
         }));
     add("picture_is_a_drawing", withPicture([] {
             return QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"16\" height=\"9\"><rect width=\"9\" "
@@ -773,7 +776,7 @@ void Corpus::addPictures()
         }));
     add("picture_is_an_icon", withPicture([] {
             const QByteArray png = picture();
-            return QByteArray("\0\0\1\0\1\0\x10\x09\0\0\1\0\x20\0", 14) + ZipArchive::little(quint32(png.size())) +
+            return raw("\0\0\1\0\1\0\x10\x09\0\0\1\0\x20\0") + ZipArchive::little(quint32(png.size())) +
                    ZipArchive::little(quint32(22)) + png;
         }));
     add("picture_is_a_page", withPicture([] { return QByteArray("<html><body>no picture</body></html>"); }));
@@ -808,9 +811,11 @@ void Corpus::addRecords()
     add("record_is_cut_off", withComment(checksum + "\"projectName\":\"x\",\"comment\":"));
     add("record_has_junk_behind", withComment(checksum + "\"projectName\":\"x\",\"comment\":\"x\"} junk"));
     add("record_has_a_zero_byte_behind",
-        withComment(checksum + "\"projectName\":\"x\",\"comment\":\"x\"}" + QByteArray("\0junk", 5)));
+        withComment(checksum + "\"projectName\":\"x\",\"comment\":\"x\"}" + raw("\0junk")));
     add("record_has_two_members", withComment(checksum + "\"projectName\":\"x\"}"));
     add("record_has_the_same_member_three_times", withComment(checksum + "\"comment\":\"x\",\"comment\":\"y\"}"));
+    add("record_has_the_same_object_twice", withRecord("\"projectName\":\"x\",\"a\":[1],\"a\":[2]")).libraryLeaks =
+        true;
     add("record_has_no_checksum", withComment("{\"projectName\":\"x\",\"comment\":\"x\",\"other\":\"x\"}"));
     add("record_has_an_empty_checksum", withComment("{\"Checksum\":\"\",\"projectName\":\"x\",\"comment\":\"x\"}"));
     add("record_has_a_wrong_checksum", [] {
@@ -865,12 +870,13 @@ void Corpus::addDescriptions()
     add("description_is_an_array", withDescription([] { return QByteArray("[") + description() + "]"; }));
     add("description_is_a_number", withDescription([] { return QByteArray("42"); }));
     add("description_is_an_empty_object", withDescription([] { return QByteArray("{}"); }));
-    add("description_is_binary_json",
-        withDescription([] { return QByteArray("qbjs\1\0\0\0\x10\0\0\0\1\0\0\0\0\0\0\0", 20); }));
+    add("description_is_binary_json", withDescription([] { return raw("qbjs\1\0\0\0\x10\0\0\0\1\0\0\0\0\0\0\0"); }));
     add("description_is_not_utf8", withDescription([] { return description().replace("Device", "D\xff\xfe"); }));
     add("description_has_zero_bytes", withDescription([] { return description() + QByteArray(10, '\0'); }));
     add("description_has_lone_surrogates", withMember([] { return QByteArray("\"a\\ud800\":\"\\udfff\""); }));
     add("description_has_the_same_member_twice", withMember([] { return QByteArray("\"modelId\":1"); }));
+    add("description_has_the_same_object_twice", withMember([] { return "\"x\":{\"a\":[]},\"x\":{\"b\":[]}"; }))
+        .libraryLeaks = true;
     add("description_is_nested_1000_times",
         withMember([] { return "\"x\":" + QByteArray("[").repeated(1000) + QByteArray("]").repeated(1000); }));
     add("settings_are_nested_1000_times", withDescription([] {
@@ -954,9 +960,9 @@ void Corpus::addOtherFiles()
     add("file_is_a_text", [] { return QByteArray("This is no package.\n").repeated(100); });
     add("file_is_zeros", [] { return QByteArray(MiB, '\0'); });
     add("file_is_a_picture", [] { return picture(); });
-    add("file_is_a_7z_archive", [] { return QByteArray("7z\xbc\xaf\x27\x1c\0\4", 8) + QByteArray(100, '\0'); });
-    add("file_is_a_gzip_stream", [] { return QByteArray("\x1f\x8b\x08\0", 4) + QByteArray(100, 'x'); });
-    add("file_is_signatures_only", [] { return QByteArray("PK\3\4PK\1\2PK\5\6PK\6\6PK\6\7", 20).repeated(2000); });
+    add("file_is_a_7z_archive", [] { return raw("7z\xbc\xaf\x27\x1c\0\4") + QByteArray(100, '\0'); });
+    add("file_is_a_gzip_stream", [] { return raw("\x1f\x8b\x08\0") + QByteArray(100, 'x'); });
+    add("file_is_signatures_only", [] { return raw("PK\3\4PK\1\2PK\5\6PK\6\6PK\6\7").repeated(2000); });
     add("file_has_60_megabytes_without_a_zero", [] {
         const QByteArray junk(60 * MiB, 'x');
         return junk + sealed(honest());

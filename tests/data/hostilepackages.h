@@ -19,6 +19,8 @@ struct HostilePackage
     std::function<QByteArray()> bytes;
     /// The package itself is in order: it meets links in the folders into which it is extracted.
     bool linksInTheWay = false;
+    /// Qt 5.15 loses the arrays and objects of a member that stands in an object twice.
+    bool libraryLeaks = false;
 };
 
 /// All of them, in the order of README.md. Made anew on every run and the same on every run.

@@ -8,21 +8,29 @@ namespace Internal {
 /// What several classes must agree on: stated here once.
 namespace ProjectFileFacts {
 
+/// The length is counted by the compiler alone: not every one takes strlen for a constant, clang with a sanitizer
+/// does not.
+template<int sizeWithEnd>
+constexpr QLatin1String literal(const char (&text)[sizeWithEnd])
+{
+    return QLatin1String(text, sizeWithEnd - 1);
+}
+
 /// Extension of a project file.
-constexpr QLatin1String packageExtension(".corvelpro");
+constexpr QLatin1String packageExtension = literal(".corvelpro");
 
 /// Keys of the info record in a package's archive comment.
-constexpr QLatin1String checksumKey("Checksum");
-constexpr QLatin1String projectNameKey("projectName");
-constexpr QLatin1String commentKey("comment");
+constexpr QLatin1String checksumKey = literal("Checksum");
+constexpr QLatin1String projectNameKey = literal("projectName");
+constexpr QLatin1String commentKey = literal("comment");
 
 /// Folders of a device's directory, and so of a package. Without separators.
-constexpr QLatin1String backgroundFolder("BKG");
-constexpr QLatin1String logoFolder("LOGO");
-constexpr QLatin1String presetFolder("Preset");
+constexpr QLatin1String backgroundFolder = literal("BKG");
+constexpr QLatin1String logoFolder = literal("LOGO");
+constexpr QLatin1String presetFolder = literal("Preset");
 
 /// Format of the time stamp that is proposed as a project's comment.
-constexpr QLatin1String timeStampFormat("yyyyMMdd_hhmmss");
+constexpr QLatin1String timeStampFormat = literal("yyyyMMdd_hhmmss");
 
 /// The user's Documents folder, without a trailing separator.
 QString documentsPath();

@@ -1,0 +1,121 @@
+// Every entry of an archive into a folder, out of which nothing may get.
+//
+// The first byte of the input tells what the rest is: 0 the archive itself; anything else the names of its entries, one
+// a line, in an archive that is otherwise in order. A name that ends in "@" is that of a link.
+#include "fuzzing.h"
+
+#include <packagereader.h>
+
+#include <support/packagebuilder.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+
+using namespace ProjectFileCfg::Internal;
+using TestSupport::PackageBuilder;
+
+namespace {
+
+/// A folder in the memory's file system: "out" is the destination, and the rest must stay what it is.
+class Ground
+{
+public:
+    Ground()
+    {
+        QByteArray pattern("/dev/shm/projectfilecfg-fuzz-XXXXXX");
+        FUZZ_VERIFY(mkdtemp(pattern.data()));
+        m_root = QString::fromLatin1(pattern);
+        FUZZ_VERIFY(QDir().mkpath(m_root + QStringLiteral("/a/victim")) &&
+                    QDir().mkpath(m_root + QStringLiteral("/a/current")));
+        QFile file(m_root + QStringLiteral("/a/victim/file"));
+        FUZZ_VERIFY(file.open(QIODevice::WriteOnly) && file.write("untouched") == 9);
+        // A relative name that is taken as it stands would end there.
+        FUZZ_VERIFY(QDir::setCurrent(m_root + QStringLiteral("/a/current")));
+        clear();
+        m_before = outside();
+    }
+    ~Ground() { QDir(m_root).removeRecursively(); }
+    Q_DISABLE_COPY(Ground)
+
+    QString out() const { return m_root + QStringLiteral("/a/out"); }
+
+    void clear() const
+    {
+        FUZZ_VERIFY(QDir(out()).removeRecursively() && QDir().mkpath(out()));
+        FUZZ_VERIFY(QFile::link(m_root + QStringLiteral("/a/victim"), out() + QStringLiteral("/linked")));
+        FUZZ_VERIFY(QFile::link(m_root + QStringLiteral("/a/victim/file"), out() + QStringLiteral("/linked.png")));
+    }
+
+    bool isUntouched() const { return outside() == m_before; }
+
+private:
+    QStringList outside() const
+    {
+        QStringList found;
+        const auto list = [&found](const QString &folder) {
+            const QFileInfoList infos =
+                QDir(folder).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+            for (const QFileInfo &info : infos)
+                found.append(info.filePath() + QLatin1Char(' ') + QString::number(info.isFile() ? info.size() : 0));
+        };
+        for (const char *folder : {"", "/a", "/a/victim", "/a/current"})
+            list(m_root + QLatin1String(folder));
+        return found;
+    }
+
+    QString m_root;
+    QStringList m_before;
+};
+
+QByteArray archiveWith(const QByteArray &names)
+{
+    PackageBuilder package;
+    for (const QByteArray &name : names.split('\n')) {
+        if (name.endsWith('@'))
+            package.symbolicLink(name.chopped(1), "../victim");
+        else if (name.endsWith('/'))
+            package.folder(name);
+        else
+            package.file(name.left(0xffff), "content", PackageBuilder::Stored);
+    }
+    return package.build();
+}
+
+} // namespace
+
+int LLVMFuzzerInitialize(int *, char ***)
+{
+    Fuzzing::beQuiet();
+    return 0;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    static Fuzzing::MemoryFile file;
+    static const Ground ground;
+    if (size == 0)
+        return 0;
+    const QByteArray input = QByteArray::fromRawData(reinterpret_cast<const char *>(data + 1), int(size - 1));
+    const QByteArray archive = data[0] == 0 ? input : archiveWith(input);
+    file.setContent(archive.constData(), std::size_t(archive.size()));
+
+    PackageReader package(file.path());
+    for (const QString &path : package.extractJsonFiles(ground.out()))
+        FUZZ_VERIFY(path.isEmpty() || QFileInfo(path).isFile());
+    for (const QString &name : package.fileList()) {
+        const QString path = package.extractFile(name, ground.out() + QLatin1Char('/') + name);
+        FUZZ_VERIFY(path.isEmpty() || QFileInfo::exists(path));
+    }
+    FUZZ_VERIFY(ground.isUntouched());
+    QDirIterator written(ground.out(), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                         QDirIterator::Subdirectories);
+    while (written.hasNext()) {
+        const QString path = written.next();
+        FUZZ_VERIFY(!written.fileInfo().isSymLink() || written.fileName().startsWith(QStringLiteral("linked")));
+        FUZZ_VERIFY(!path.endsWith(QStringLiteral(".part")) ||
+                    package.fileList().filter(QStringLiteral(".part")).size() > 0);
+    }
+    ground.clear();
+    return 0;
+}

@@ -1,0 +1,28 @@
+// What a scan and the test before an import or an apply do with one file.
+#include "fuzzing.h"
+
+#include <zippackagehandle.h>
+
+using namespace ProjectFileCfg::Internal;
+
+int LLVMFuzzerInitialize(int *, char ***)
+{
+    Fuzzing::beQuiet();
+    return 0;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    static Fuzzing::MemoryFile file;
+    file.setContent(data, size);
+    EngineerPacketInfo info;
+    info.strFilePath = file.path();
+    const bool isListed = ZipPackageHandle::getZipFileEngineerInfo(info);
+    FUZZ_VERIFY(ZipPackageHandle::isValidEngineerPacket(file.path()) == isListed);
+    FUZZ_VERIFY(ZipPackageHandle::checkPacketChecksum(file.path()) == isListed);
+    if (isListed)
+        FUZZ_VERIFY(info.strChecksum == ZipPackageHandle::calcPacketChecksum(file.path()));
+    // A header of the directory has 46 bytes at least.
+    FUZZ_VERIFY(std::size_t(ZipPackageHandle::getFileList(file.path()).size()) <= size / 46);
+    return 0;
+}
