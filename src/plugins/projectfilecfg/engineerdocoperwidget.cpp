@@ -834,8 +834,10 @@ void EngineerDocOperWidget::slot_loadFinished()
     const int code = m_pDocLoad ? m_pDocLoad->resultCode() : int(LoadSuccess);
     const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
+    freeChannel(device);
     // The host may have made another device the active one, and so the selected one, since the load was started.
-    freeChannel(m_pDocLoad ? findDeviceByAddress(m_pDocLoad->deviceIp()) : device);
+    if (m_pDocLoad && m_pDocLoad->deviceIp() != m_strDeviceIP)
+        freeChannel(findDeviceByAddress(m_pDocLoad->deviceIp()));
     showLoadResult(code);
     if (!guard || !device)
         return;
