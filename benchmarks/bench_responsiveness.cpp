@@ -209,7 +209,9 @@ private:
         const bool isMet = limit == 0 || shortest.ms <= limit;
         std::printf("  %-42s %6.1f s   longest pause %6.1f ms, %5.1f of them at work   %s\n", what,
                     double(timer.elapsed()) / 1000, shortest.ms, shortest.busyMs,
-                    limit == 0 ? "(no limit)" : isMet ? "(limit 50 ms) met" : "(limit 50 ms) MISSED");
+                    limit == 0 ? "(no limit)"
+                    : isMet    ? "(limit 50 ms) met"
+                               : "(limit 50 ms) MISSED");
         std::fflush(stdout);
         return isMet;
     }

@@ -55,8 +55,7 @@ int main(int argc, char *argv[])
                                   QStringLiteral("directory"));
     parser.addOptions({site, language, plugins, work, open, pace, tour});
     parser.process(application);
-    const QString tourDirectory =
-        parser.isSet(tour) ? QDir::current().absoluteFilePath(parser.value(tour)) : QString();
+    const QString tourDirectory = parser.isSet(tour) ? QDir::current().absoluteFilePath(parser.value(tour)) : QString();
     if (!tourDirectory.isEmpty()) {
         makePrivateHome(tourDirectory);
         QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);

@@ -35,8 +35,8 @@ void OperatorHand::onNextBox(const QString &text, const QString &button)
     onNextDialog([this, text, button](QDialog *dialog) {
         const auto *box = qobject_cast<FramelessMessageBox *>(dialog);
         if (!box)
-            throw TourFailure(QStringLiteral("expected the message \"%1\", met the dialog \"%2\"")
-                                  .arg(text, dialog->windowTitle()));
+            throw TourFailure(
+                QStringLiteral("expected the message \"%1\", met the dialog \"%2\"").arg(text, dialog->windowTitle()));
         if (box->text() != text)
             throw TourFailure(QStringLiteral("expected the message \"%1\", met \"%2\"").arg(text, box->text()));
         press(dialog, button);
@@ -50,7 +50,8 @@ void OperatorHand::onNextFileDialog(const QStringList &paths)
         auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
         if (!fileDialog || !edit)
             throw TourFailure(QStringLiteral("expected a file dialog, met \"%1\"").arg(dialog->windowTitle()));
-        edit->setText(paths.count() == 1 ? paths.first() : QStringLiteral("\"%1\"").arg(paths.join(QStringLiteral("\" \""))));
+        edit->setText(paths.count() == 1 ? paths.first()
+                                         : QStringLiteral("\"%1\"").arg(paths.join(QStringLiteral("\" \""))));
         QMetaObject::invokeMethod(fileDialog, "accept");
     });
 }

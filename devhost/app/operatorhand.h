@@ -56,7 +56,9 @@ private:
 class TourFailure
 {
 public:
-    explicit TourFailure(const QString &text) : m_text(text) {}
+    explicit TourFailure(const QString &text)
+        : m_text(text)
+    {}
     QString text() const { return m_text; }
 
 private:

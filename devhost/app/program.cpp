@@ -24,7 +24,8 @@ Program::Options Program::defaultOptions()
 {
     Options options;
     options.siteFile = Simulation::builtInSite(QStringLiteral("default"));
-    options.language = QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_CN") : QStringLiteral("en");
+    options.language =
+        QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_CN") : QStringLiteral("en");
     options.pluginDirectory = besideTheProgram(QStringLiteral("plugins"));
     options.translationDirectory = besideTheProgram(QStringLiteral("translations"));
     options.workDirectory = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
@@ -34,8 +35,7 @@ Program::Options Program::defaultOptions()
 
 Program::Program(const Options &options)
     : m_options(options)
-{
-}
+{}
 
 Program::~Program() = default;
 

@@ -31,8 +31,8 @@ using HX::Widgets::FramelessMessageBox;
 static const QString firstProject = QStringLiteral("Evening show");
 static const QString editedProject = QStringLiteral("Evening show 晚会 🎬");
 static const QString projectExtension = QStringLiteral(".corvelpro");
-static const QString backupQuestion = QStringLiteral(
-    "Whether the current configuration needs to be backed up before the project file is imported?");
+static const QString backupQuestion =
+    QStringLiteral("Whether the current configuration needs to be backed up before the project file is imported?");
 
 static QTextStream &out()
 {
@@ -50,8 +50,7 @@ Tour::Tour(Simulation::Session &session, QWidget *window, const QString &directo
     , m_window(window)
     , m_directory(directory)
     , m_hand(window, directory)
-{
-}
+{}
 
 int Tour::run()
 {
@@ -138,8 +137,8 @@ void Tour::pressInRow(const QString &project, const QString &button)
 
 QString Tour::projectPath(const QString &name) const
 {
-    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
-           + QStringLiteral("/Velmora/Tarvo/ProjectFiles/") + name + projectExtension;
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
+           QStringLiteral("/Velmora/Tarvo/ProjectFiles/") + name + projectExtension;
 }
 
 void Tour::selectDevice(const QString &ip)
@@ -278,8 +277,8 @@ void Tour::saveProjectAs()
         m_hand.waitUntilIdle();
         QFile copy(target);
         QFile original(projectPath(editedProject));
-        require(copy.open(QIODevice::ReadOnly) && original.open(QIODevice::ReadOnly)
-                    && copy.readAll() == original.readAll(),
+        require(copy.open(QIODevice::ReadOnly) && original.open(QIODevice::ReadOnly) &&
+                    copy.readAll() == original.readAll(),
                 QStringLiteral("the copy differs from the project file"));
         return QStringLiteral("the copy is equal, %1").arg(mebibytes(target));
     });
@@ -318,16 +317,18 @@ void Tour::applyToSecondDevice()
         const Simulation::HardwareState before = m_session.hardware(ip)->state();
         require(before.configuration() != m_saved.configuration(), QStringLiteral("the devices were equal before"));
         m_hand.onNextDialog([this](QDialog *dialog) {
-            require(qobject_cast<FramelessMessageBox *>(dialog)
-                        && static_cast<FramelessMessageBox *>(dialog)->text() == backupQuestion,
+            require(qobject_cast<FramelessMessageBox *>(dialog) &&
+                        static_cast<FramelessMessageBox *>(dialog)->text() == backupQuestion,
                     QStringLiteral("expected the question about a backup"));
             m_hand.takePicture(QStringLiteral("06-backup-first"));
             m_hand.press(dialog, QStringLiteral("Yes"));
         });
         pressInRow(editedProject, QStringLiteral("Apply"));
         m_hand.waitUntil(
-            [] { return WaitingDialog::instance()->isVisible()
-                        && WaitingDialog::instance()->text().startsWith(QStringLiteral("LOGO:")); },
+            [] {
+                return WaitingDialog::instance()->isVisible() &&
+                       WaitingDialog::instance()->text().startsWith(QStringLiteral("LOGO:"));
+            },
             QStringLiteral("the apply to send logos"));
         m_hand.takePicture(QStringLiteral("07-applying"));
         m_hand.waitUntilIdle();
@@ -335,7 +336,10 @@ void Tour::applyToSecondDevice()
         const QString backup = projects().value(0);
         QString difference = packageDifference(projectPath(backup), before, backup, table()->item(0, 1)->text());
         require(difference.isEmpty(), QStringLiteral("the backup: ") + difference);
-        difference = m_session.hardware(ip)->state().configuration().differencesTo(m_saved.configuration())
+        difference = m_session.hardware(ip)
+                         ->state()
+                         .configuration()
+                         .differencesTo(m_saved.configuration())
                          .join(QStringLiteral("; "));
         require(difference.isEmpty(), difference);
         return QStringLiteral("\"%1\" holds what it had before, and it is equal to the saved device now").arg(backup);
@@ -350,8 +354,8 @@ void Tour::refuseOtherModel()
         const Simulation::HardwareState before = m_session.hardware(ip)->state();
         m_hand.onNextBox(backupQuestion, QStringLiteral("No"));
         m_hand.onNextDialog([this](QDialog *dialog) {
-            require(qobject_cast<FramelessMessageBox *>(dialog)
-                        && static_cast<FramelessMessageBox *>(dialog)->text() == QStringLiteral("Device type mismatch"),
+            require(qobject_cast<FramelessMessageBox *>(dialog) &&
+                        static_cast<FramelessMessageBox *>(dialog)->text() == QStringLiteral("Device type mismatch"),
                     QStringLiteral("expected the refusal"));
             m_hand.takePicture(QStringLiteral("08-refused"));
             m_hand.press(dialog, QStringLiteral("OK"));
@@ -371,8 +375,10 @@ void Tour::cancelApply()
         m_hand.onNextBox(backupQuestion, QStringLiteral("No"));
         pressInRow(editedProject, QStringLiteral("Apply"));
         m_hand.waitUntil(
-            [] { return WaitingDialog::instance()->isVisible()
-                        && WaitingDialog::instance()->text().startsWith(QStringLiteral("BKG:")); },
+            [] {
+                return WaitingDialog::instance()->isVisible() &&
+                       WaitingDialog::instance()->text().startsWith(QStringLiteral("BKG:"));
+            },
             QStringLiteral("the apply to send backgrounds"));
         QString message;
         m_hand.onNextDialog([this, &message](QDialog *dialog) {
@@ -389,7 +395,10 @@ void Tour::cancelApply()
         m_hand.onNextBox(backupQuestion, QStringLiteral("No"));
         pressInRow(editedProject, QStringLiteral("Apply"));
         m_hand.waitUntilIdle();
-        const QString difference = m_session.hardware(ip)->state().configuration().differencesTo(m_saved.configuration())
+        const QString difference = m_session.hardware(ip)
+                                       ->state()
+                                       .configuration()
+                                       .differencesTo(m_saved.configuration())
                                        .join(QStringLiteral("; "));
         require(difference.isEmpty(), difference);
         return QStringLiteral("it is as it was saved");
@@ -439,9 +448,7 @@ void Tour::showChinese()
         m_hand.waitUntilIdle();
         Core::switchLanguage(QStringLiteral("en"));
         m_hand.waitUntil(
-            [this] {
-                return table()->cellWidget(0, 2)->findChild<QToolButton *>()->text() == QStringLiteral("Edit");
-            },
+            [this] { return table()->cellWidget(0, 2)->findChild<QToolButton *>()->text() == QStringLiteral("Edit"); },
             QStringLiteral("the rows in English"), 20000);
         return QStringLiteral("four screens in Chinese, and back");
     });

@@ -56,8 +56,8 @@ void TstFixedBitLineEditEx::a_text_beyond_the_limit_is_cut_at_whole_characters_d
     const QString start(61, QLatin1Char('a'));
     QTest::newRow("emoji across the limit") << start + grin << start;
     const QString composed = QStringLiteral("e\u0301");
-    QTest::newRow("accent across the limit") << QString(63, QLatin1Char('a')) + composed
-                                             << QString(63, QLatin1Char('a'));
+    QTest::newRow("accent across the limit")
+        << QString(63, QLatin1Char('a')) + composed << QString(63, QLatin1Char('a'));
 }
 
 void TstFixedBitLineEditEx::a_text_beyond_the_limit_is_cut_at_whole_characters()

@@ -84,8 +84,8 @@ void TstIPlugin::the_pool_takes_an_object_once()
 
 void TstIPlugin::a_deleted_object_leaves_the_pool()
 {
-    TestSupport::ExpectMessage warning(QtWarningMsg,
-                                       QRegularExpression(QStringLiteral("deleted without leaving the object pool")), 1);
+    TestSupport::ExpectMessage warning(
+        QtWarningMsg, QRegularExpression(QStringLiteral("deleted without leaving the object pool")), 1);
     Plugin plugin;
     plugin.addObject(this);
     auto *object = new QObject;

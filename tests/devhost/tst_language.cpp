@@ -49,8 +49,7 @@ class Page : public Corvel::Widgets::ICenterWidget
 public:
     Page()
         : ICenterWidget("Page")
-    {
-    }
+    {}
     void retranslateUi() override { title = QCoreApplication::translate("Core::DeviceCard", "Offline"); }
 
     QString title;
@@ -124,8 +123,10 @@ void TstLanguage::the_language_that_is_in_force_changes_nothing()
 
 void TstLanguage::a_plugin_without_texts_is_named()
 {
-    TestSupport::ExpectMessage host(QtWarningMsg, QRegularExpression(QStringLiteral("no texts of the host in \"fr\"")), 1);
-    TestSupport::ExpectMessage warning(QtWarningMsg, QRegularExpression(QStringLiteral("\"Mute\" has no texts in \"fr\"")), 1);
+    TestSupport::ExpectMessage host(QtWarningMsg, QRegularExpression(QStringLiteral("no texts of the host in \"fr\"")),
+                                    1);
+    TestSupport::ExpectMessage warning(QtWarningMsg,
+                                       QRegularExpression(QStringLiteral("\"Mute\" has no texts in \"fr\"")), 1);
     Plugin plugin;
     plugin.setObjectName(QStringLiteral("Mute"));
     plugin.addObject(&plugin);

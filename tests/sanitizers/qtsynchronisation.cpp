@@ -103,8 +103,8 @@ STAND_BEFORE(bool, tryAcquire, "_ZN10QSemaphore10tryAcquireEi", (void *self, int
              RETURN_AFTER_ACQUIRE_SELF)
 STAND_BEFORE(bool, tryAcquireTimed, "_ZN10QSemaphore10tryAcquireEii", (void *self, int number, int timeout),
              (self, number, timeout), , RETURN_AFTER_ACQUIRE_SELF)
-STAND_BEFORE(void, release, "_ZN10QSemaphore7releaseEi", (void *self, int number), (self, number),
-             __tsan_release(self), CALL)
+STAND_BEFORE(void, release, "_ZN10QSemaphore7releaseEi", (void *self, int number), (self, number), __tsan_release(self),
+             CALL)
 
 // Threads: the end of a thread, which emits finished(), is seen by who waited for it.
 STAND_BEFORE(bool, wait, "_ZN7QThread4waitEm", (void *self, unsigned long time), (self, time), ,

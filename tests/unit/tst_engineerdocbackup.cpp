@@ -451,7 +451,8 @@ void TstEngineerDocBackup::the_next_picture_is_fetched_while_one_is_written()
     const QString pipe = stage("BKG/BKG_0.png");
     bool made = false;
     QByteArray written;
-    Faults::instance()->arm(query, Fault::run([&] { made = ::mkfifo(QFile::encodeName(pipe).constData(), 0600) == 0; }));
+    Faults::instance()->arm(query,
+                            Fault::run([&] { made = ::mkfifo(QFile::encodeName(pipe).constData(), 0600) == 0; }));
     Faults::instance()->arm(query, Fault::run(
                                        [&] {
                                            QFile file(pipe);

@@ -73,8 +73,7 @@ void TstPackageChecksum::what_follows_the_length_does_not_count()
 {
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, QByteArray(5000, 'x') + "comment"));
-    QCOMPARE(checksumOf(path, 5000),
-             QString::fromLatin1(PackageBuilder::checksum(QByteArray(5000, 'x'), 0)));
+    QCOMPARE(checksumOf(path, 5000), QString::fromLatin1(PackageBuilder::checksum(QByteArray(5000, 'x'), 0)));
 }
 
 void TstPackageChecksum::a_file_that_ends_before_the_length_is_taken_as_it_is()

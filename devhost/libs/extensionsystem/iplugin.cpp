@@ -31,8 +31,7 @@ public:
 
 IPlugin::IPlugin()
     : d(new Private)
-{
-}
+{}
 
 IPlugin::~IPlugin()
 {

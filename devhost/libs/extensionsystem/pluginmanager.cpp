@@ -82,9 +82,8 @@ QVector<const PluginSpec *> PluginManager::loadOrder() const
 
 PluginSpec *PluginManager::find(const QString &name) const
 {
-    const auto found = std::find_if(m_specs.begin(), m_specs.end(), [&name](const std::unique_ptr<PluginSpec> &spec) {
-        return spec->name() == name;
-    });
+    const auto found = std::find_if(m_specs.begin(), m_specs.end(),
+                                    [&name](const std::unique_ptr<PluginSpec> &spec) { return spec->name() == name; });
     return found == m_specs.end() ? nullptr : found->get();
 }
 
@@ -121,9 +120,10 @@ bool PluginManager::resolve(PluginSpec *spec, Resolution &resolution)
             spec->fail(QStringLiteral("Plugin \"%1\" needs plugin \"%2\" in version %3, which is missing")
                            .arg(spec->name(), dependency.name, dependency.version));
         } else if (provider->state() != PluginSpec::Invalid && !provider->provides(dependency)) {
-            spec->fail(QStringLiteral("Plugin \"%1\" needs plugin \"%2\" in version %3, but versions %4 to %5 are there")
-                           .arg(spec->name(), dependency.name, dependency.version,
-                                provider->compatVersion(), provider->version()));
+            spec->fail(
+                QStringLiteral("Plugin \"%1\" needs plugin \"%2\" in version %3, but versions %4 to %5 are there")
+                    .arg(spec->name(), dependency.name, dependency.version, provider->compatVersion(),
+                         provider->version()));
         } else {
             resolve(provider, resolution);
         }
@@ -145,8 +145,7 @@ bool PluginManager::refuseAfterFailedDependency(PluginSpec *spec) const
         const PluginSpec *provider = find(dependency.name);
         if (provider && provider->hasError()) {
             spec->fail(QStringLiteral("Plugin \"%1\" needs plugin \"%2\" in version %3, which cannot be used: %4")
-                           .arg(spec->name(), dependency.name, dependency.version,
-                                provider->errorString()));
+                           .arg(spec->name(), dependency.name, dependency.version, provider->errorString()));
             return true;
         }
     }
@@ -212,9 +211,8 @@ QStringList PluginManager::errors() const
 
 bool PluginManager::hasRequiredError() const
 {
-    return std::any_of(m_specs.begin(), m_specs.end(), [](const std::unique_ptr<PluginSpec> &spec) {
-        return spec->hasError() && spec->isRequired();
-    });
+    return std::any_of(m_specs.begin(), m_specs.end(),
+                       [](const std::unique_ptr<PluginSpec> &spec) { return spec->hasError() && spec->isRequired(); });
 }
 
 } // namespace ExtensionSystem

@@ -56,8 +56,8 @@ QString PluginSpec::name() const
 
 bool PluginSpec::provides(const PluginDependency &dependency) const
 {
-    return m_name == dependency.name && compareVersions(m_compatVersion, dependency.version) <= 0
-           && compareVersions(dependency.version, m_version) <= 0;
+    return m_name == dependency.name && compareVersions(m_compatVersion, dependency.version) <= 0 &&
+           compareVersions(dependency.version, m_version) <= 0;
 }
 
 bool PluginSpec::readMetaData()

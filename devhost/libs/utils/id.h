@@ -16,8 +16,12 @@ class HOST_UTILS_EXPORT Id
 {
 public:
     Id() = default;
-    Id(const char *name) : m_name(name) {}
-    explicit Id(const QString &name) : m_name(name.toUtf8()) {}
+    Id(const char *name)
+        : m_name(name)
+    {}
+    explicit Id(const QString &name)
+        : m_name(name.toUtf8())
+    {}
 
     bool isValid() const { return !m_name.isEmpty(); }
     QString toString() const { return QString::fromUtf8(m_name); }

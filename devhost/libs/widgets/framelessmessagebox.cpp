@@ -175,9 +175,8 @@ QMessageBox::StandardButton FramelessMessageBox::run(Kind kind, QWidget *parent,
                                                      QMessageBox::StandardButton defaultButton)
 {
     Simulation::Journal::instance()->record(
-        operationName(kind), {{QStringLiteral("title"), title},
-                              {QStringLiteral("text"), text},
-                              {QStringLiteral("buttons"), int(buttons)}});
+        operationName(kind),
+        {{QStringLiteral("title"), title}, {QStringLiteral("text"), text}, {QStringLiteral("buttons"), int(buttons)}});
     // The parent may be deleted while the box is open and takes the box with it.
     const QPointer<FramelessMessageBox> box =
         new FramelessMessageBox(kind, parent, title, text, buttons, defaultButton);
@@ -189,8 +188,7 @@ QMessageBox::StandardButton FramelessMessageBox::run(Kind kind, QWidget *parent,
     return answer;
 }
 
-QMessageBox::StandardButton FramelessMessageBox::information(QWidget *parent, const QString &title,
-                                                             const QString &text,
+QMessageBox::StandardButton FramelessMessageBox::information(QWidget *parent, const QString &title, const QString &text,
                                                              QMessageBox::StandardButtons buttons,
                                                              QMessageBox::StandardButton defaultButton)
 {

@@ -19,8 +19,7 @@ void record(const QString &operation, const HX::Utils::Id &id)
 ICenterWidget::ICenterWidget(const HX::Utils::Id &id, QWidget *parent)
     : QWidget(parent)
     , m_id(id)
-{
-}
+{}
 
 ICenterWidget::~ICenterWidget() = default;
 

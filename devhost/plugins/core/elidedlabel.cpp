@@ -10,8 +10,8 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
     setToolTip(shown == text() ? QString() : text());
     QPainter painter(this);
-    style()->drawItemText(&painter, contentsRect(), int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(), shown,
-                          foregroundRole());
+    style()->drawItemText(&painter, contentsRect(), int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(),
+                          shown, foregroundRole());
 }
 
 } // namespace Core

@@ -37,7 +37,7 @@ void ICore::setOperatorType(OperatorDeviceType type, const QString &text)
 {
     const QString typeName = QString::fromLatin1(QMetaEnum::fromType<OperatorDeviceType>().valueToKey(type));
     Simulation::Journal::instance()->record(QStringLiteral("ICore.setOperatorType"),
-                                           {{QStringLiteral("type"), typeName}, {QStringLiteral("text"), text}});
+                                            {{QStringLiteral("type"), typeName}, {QStringLiteral("text"), text}});
     emit instance()->operatorTypeChanged(type, text);
 }
 

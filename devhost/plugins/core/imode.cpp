@@ -4,8 +4,7 @@ namespace Core {
 
 IMode::IMode(QObject *parent)
     : QObject(parent)
-{
-}
+{}
 
 IMode::~IMode() = default;
 

@@ -46,8 +46,9 @@ void installHostTexts()
     static std::unique_ptr<QTranslator> qtTexts;
     static std::unique_ptr<QTranslator> hostTexts;
     const QString language = ICore::overrideLanguage();
-    replaceTexts(qtTexts, QStringLiteral("%1/qtbase_%2.qm")
-                              .arg(QLibraryInfo::location(QLibraryInfo::TranslationsPath), language));
+    replaceTexts(
+        qtTexts,
+        QStringLiteral("%1/qtbase_%2.qm").arg(QLibraryInfo::location(QLibraryInfo::TranslationsPath), language));
     const bool found = replaceTexts(hostTexts, QStringLiteral("%1/devhost_%2.qm").arg(ICore::trPath(), language));
     if (!found && language != sourceLanguage)
         qWarning() << "There are no texts of the host in" << language;

@@ -54,9 +54,10 @@ void LogView::addOperation(ICore::OperatorDeviceType type, const QString &text)
 
 void LogView::addLine(const QString &colour, const QString &kind, const QString &text)
 {
-    appendHtml(QStringLiteral("<span style=\"color:%1\">%2</span> <span style=\"color:%3; white-space:pre-wrap\">%4 %5</span>")
-                   .arg(quietColour, QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz")), colour,
-                        kind.leftJustified(10).toHtmlEscaped(), text.toHtmlEscaped()));
+    appendHtml(
+        QStringLiteral("<span style=\"color:%1\">%2</span> <span style=\"color:%3; white-space:pre-wrap\">%4 %5</span>")
+            .arg(quietColour, QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz")), colour,
+                 kind.leftJustified(10).toHtmlEscaped(), text.toHtmlEscaped()));
 }
 
 } // namespace Core

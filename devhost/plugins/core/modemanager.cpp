@@ -14,7 +14,7 @@ namespace {
 void record(const char *operation, const HX::Utils::Id &id)
 {
     Simulation::Journal::instance()->record(QStringLiteral("ModeManager.") + QLatin1String(operation),
-                                           {{QStringLiteral("id"), id.toString()}});
+                                            {{QStringLiteral("id"), id.toString()}});
 }
 
 } // namespace
@@ -30,9 +30,8 @@ void ModeManager::addMode(IMode *mode)
     QVector<IMode *> &modes = instance()->m_modes;
     if (modes.contains(mode))
         return;
-    const auto position = std::upper_bound(modes.begin(), modes.end(), mode, [](const IMode *a, const IMode *b) {
-        return a->priority() < b->priority();
-    });
+    const auto position = std::upper_bound(
+        modes.begin(), modes.end(), mode, [](const IMode *a, const IMode *b) { return a->priority() < b->priority(); });
     modes.insert(position, mode);
     emit instance()->modesChanged();
     if (!currentMode().isValid())
@@ -64,9 +63,8 @@ void ModeManager::activateMode(const HX::Utils::Id &id)
 {
     record("activateMode", id);
     const QVector<IMode *> &modes = instance()->m_modes;
-    const bool known = std::any_of(modes.begin(), modes.end(), [&id](const IMode *mode) {
-        return mode->id() == id && mode->enabled();
-    });
+    const bool known = std::any_of(modes.begin(), modes.end(),
+                                   [&id](const IMode *mode) { return mode->id() == id && mode->enabled(); });
     if (known && id != currentMode())
         instance()->setCurrentMode(id);
 }

@@ -4,8 +4,7 @@ namespace NavigationBar {
 
 INavigationBarMode::INavigationBarMode(QObject *parent)
     : Core::IMode(parent)
-{
-}
+{}
 
 INavigationBarMode::~INavigationBarMode() = default;
 

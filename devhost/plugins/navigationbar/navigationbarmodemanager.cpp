@@ -13,7 +13,7 @@ namespace {
 void record(const char *operation, const HX::Utils::Id &id)
 {
     Simulation::Journal::instance()->record(QStringLiteral("NavigationBarModeManager.") + QLatin1String(operation),
-                                           {{QStringLiteral("id"), id.toString()}});
+                                            {{QStringLiteral("id"), id.toString()}});
 }
 
 } // namespace
@@ -53,10 +53,9 @@ void NavigationBarModeManager::addMode(INavigationBarMode *mode)
     record("addMode", mode->id());
     if (containsMode(mode->id()))
         return;
-    const auto position = std::upper_bound(m_modes.begin(), m_modes.end(), mode,
-                                           [](const INavigationBarMode *a, const INavigationBarMode *b) {
-                                               return a->priority() < b->priority();
-                                           });
+    const auto position = std::upper_bound(
+        m_modes.begin(), m_modes.end(), mode,
+        [](const INavigationBarMode *a, const INavigationBarMode *b) { return a->priority() < b->priority(); });
     m_modes.insert(position, mode);
     emit modesChanged();
 }
@@ -82,9 +81,8 @@ QVector<HX::Utils::Id> NavigationBarModeManager::modes() const
 
 INavigationBarMode *NavigationBarModeManager::mode(const HX::Utils::Id &id) const
 {
-    const auto found = std::find_if(m_modes.begin(), m_modes.end(), [&id](const INavigationBarMode *mode) {
-        return mode->id() == id;
-    });
+    const auto found = std::find_if(m_modes.begin(), m_modes.end(),
+                                    [&id](const INavigationBarMode *mode) { return mode->id() == id; });
     return found == m_modes.end() ? nullptr : *found;
 }
 

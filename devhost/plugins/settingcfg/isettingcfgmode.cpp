@@ -4,8 +4,7 @@ namespace SettingCfg {
 
 ISettingCfgMode::ISettingCfgMode(QObject *parent)
     : NavigationBar::INavigationBarMode(parent)
-{
-}
+{}
 
 ISettingCfgMode::~ISettingCfgMode() = default;
 

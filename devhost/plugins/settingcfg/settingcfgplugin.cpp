@@ -70,8 +70,8 @@ void SettingCfgPlugin::enterSettings()
 void SettingCfgPlugin::showOrHideGeneral()
 {
     const HX::Utils::Id page = m_generalWidget->id();
-    const bool wanted = ModeManager::currentMode() == m_settingsMode->id()
-                        && SettingCfgModeManager::instance()->currentModeId() == m_generalMode->id();
+    const bool wanted = ModeManager::currentMode() == m_settingsMode->id() &&
+                        SettingCfgModeManager::instance()->currentModeId() == m_generalMode->id();
     const bool shown = ModeManager::existCenterWidget(page);
     if (wanted && !shown) {
         ModeManager::addCenterWidget(page);

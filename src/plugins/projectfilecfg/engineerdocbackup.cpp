@@ -52,8 +52,7 @@ EngineerDocBackup::EngineerDocBackup(QObject *parent, const QString &ip)
     , m_strDeviceIp(ip)
     , m_strProjectPath(ProjectFileFacts::projectFilesPath())
     , m_pEncodedPictures(std::make_shared<EncodedPictures>())
-{
-}
+{}
 
 EngineerDocBackup::~EngineerDocBackup() = default;
 
@@ -214,8 +213,8 @@ bool EngineerDocBackup::offlineResourcesComplete() const
 
     for (const Talvik::weak_refrence<Materail> &reference : device->getBKGs()) {
         const std::shared_ptr<Materail> background = reference.lock();
-        if (background
-            && !QFile::exists(stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo())))
+        if (background &&
+            !QFile::exists(stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo())))
             return false;
     }
     for (const Talvik::weak_refrence<Materail> &reference : device->getLogos()) {
@@ -258,8 +257,8 @@ bool EngineerDocBackup::writePreset(const QString &path, const QByteArray &detai
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        qDebug().noquote() << QStringLiteral("Device [%1] serailize error,reason: %2")
-                                  .arg(deviceName, file.errorString());
+        qDebug().noquote()
+            << QStringLiteral("Device [%1] serailize error,reason: %2").arg(deviceName, file.errorString());
         return false;
     }
     QByteArray content;

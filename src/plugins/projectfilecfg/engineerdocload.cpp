@@ -110,16 +110,17 @@ static QStringList entriesOf(const PackageReader &package)
 static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
 {
     const auto isOutputOrExchange = [](int type) { return type == outputCardType || type == exchangeCardType; };
-    const bool typesAgree = package.getType() == target.getType()
-                            || (target.getPos() == exchangePos && isOutputOrExchange(package.getType())
-                                && isOutputOrExchange(target.getType()));
+    const bool typesAgree = package.getType() == target.getType() ||
+                            (target.getPos() == exchangePos && isOutputOrExchange(package.getType()) &&
+                             isOutputOrExchange(target.getType()));
     return typesAgree && package.getPos() == target.getPos() && package.getModelId() == target.getModelId();
 }
 
 static QImage thumbnailOf(const QImage &picture)
 {
     // 32 bits, as the gallery has always computed it.
-    const auto area = static_cast<qint32>(static_cast<quint32>(picture.width()) * static_cast<quint32>(picture.height()));
+    const auto area =
+        static_cast<qint32>(static_cast<quint32>(picture.width()) * static_cast<quint32>(picture.height()));
     if (area > smallThumbnailArea && area < largeThumbnailArea)
         return picture.scaled(picture.width() / 10, picture.height() / 10, Qt::IgnoreAspectRatio,
                               Qt::FastTransformation);
@@ -133,8 +134,7 @@ static QImage thumbnailOf(const QImage &picture)
 
 EngineerDocLoad::EngineerDocLoad(QObject *parent)
     : QThread(parent)
-{
-}
+{}
 
 EngineerDocLoad::~EngineerDocLoad() = default;
 
@@ -469,10 +469,9 @@ bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
 
     const bool isLogo = isLogoEntry(entry);
     ICore::setOperatorType(ICore::OperatorLoad, (isLogo ? tr("LOGO:") : tr("BKG:")) + materail->getName());
-    if (!DeviceControler(target).createMaterailFromImage(image, isLogo ? Materail::Logo : Materail::Background,
-                                                         QString(), 0, QSize(0, 0),
-                                                         galleryFolder(entry) + QLatin1Char('_')
-                                                             + QString::number(galleryNumber(entry))))
+    if (!DeviceControler(target).createMaterailFromImage(
+            image, isLogo ? Materail::Logo : Materail::Background, QString(), 0, QSize(0, 0),
+            galleryFolder(entry) + QLatin1Char('_') + QString::number(galleryNumber(entry))))
         return fail(LoadApplyGalleryFailed);
     if (!QFile::remove(path))
         qDebug() << "Remove file failed:" << path;

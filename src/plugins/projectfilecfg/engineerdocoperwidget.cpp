@@ -113,8 +113,8 @@ static void tellOperation(ICore::OperatorDeviceType type)
     ICore::setOperatorType(type, QString());
 }
 
-/// False when nobody waits for that copying or importing any more. Its future would not do: the work may be over and the
-/// panel not yet know of it.
+/// False when nobody waits for that copying or importing any more. Its future would not do: the work may be over and
+/// the panel not yet know of it.
 static bool isAwaited(const QFutureWatcher<QString> *watcher)
 {
     return watcher && !watcher->isFinished();
@@ -424,9 +424,9 @@ void EngineerDocOperWidget::initDevice()
             continue;
         auto *item = new QStandardItem(elidedDeviceInfo(*device));
         item->setToolTip(device->getDeviceInfo());
-        item->setData(QStringList{device->getDeviceInfo(), device->getTypeString(), device->getName(),
-                                  device->getIPAddress()},
-                      deviceMarkRole);
+        item->setData(
+            QStringList{device->getDeviceInfo(), device->getTypeString(), device->getName(), device->getIPAddress()},
+            deviceMarkRole);
         if (device->getIPAddress() == m_strDeviceIP) {
             matchedAddress = device->getIPAddress();
             selection = item->text();
@@ -745,8 +745,8 @@ void EngineerDocOperWidget::slot_applyOtherProject()
     if (ZipPackageHandle::getZipFileEngineerInfo(info))
         askBackupBeforeApply(info.strFilePath);
     else
-        FramelessMessageBox::warning(this, tr("Remind"),
-                                     tr("The file does not exist or the file format is incorrect."), QMessageBox::Ok);
+        FramelessMessageBox::warning(this, tr("Remind"), tr("The file does not exist or the file format is incorrect."),
+                                     QMessageBox::Ok);
 }
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
@@ -921,8 +921,7 @@ QString EngineerDocOperWidget::saveAsConcurrent(const QStringList &files, const 
     QStringList failed;
     for (const QString &file : files) {
         const QFileInfo source(file);
-        const QString target =
-            bDestIsDir ? QStringLiteral("%1/%2").arg(destination, source.fileName()) : destination;
+        const QString target = bDestIsDir ? QStringLiteral("%1/%2").arg(destination, source.fileName()) : destination;
         if (!copyToFreeName(file, target))
             failed.append(source.baseName());
     }
@@ -949,8 +948,7 @@ QString EngineerDocOperWidget::importProjectFiles(const QStringList &files, cons
         if (!copyToFreeName(file, QStringLiteral("%1/%2").arg(dirPath, source.fileName())))
             failed.append(source.baseName());
     }
-    return failed.isEmpty() ? QString()
-                            : tr("Import project file [%1] failed").arg(failed.join(QStringLiteral(", ")));
+    return failed.isEmpty() ? QString() : tr("Import project file [%1] failed").arg(failed.join(QStringLiteral(", ")));
 }
 
 void EngineerDocOperWidget::onImportFinished()
@@ -1099,9 +1097,8 @@ void EngineerDocOperWidget::slot_deleteProject()
     const QString path = button->property("FilePath").toString();
 
     const QPointer<EngineerDocOperWidget> guard(this);
-    const QMessageBox::StandardButton answer =
-        FramelessMessageBox::question(this, tr("Remind"), tr("Confirm to delete the selected project file?"),
-                                      QMessageBox::Yes | QMessageBox::No);
+    const QMessageBox::StandardButton answer = FramelessMessageBox::question(
+        this, tr("Remind"), tr("Confirm to delete the selected project file?"), QMessageBox::Yes | QMessageBox::No);
     if (!guard || answer != QMessageBox::Yes)
         return;
     if (!QFile::exists(path)) {

@@ -22,8 +22,8 @@ static const int maxCommentLength = 100;
 
 static bool splitsSurrogatePair(const QString &text, int position)
 {
-    return position > 0 && position < text.length() && text.at(position).isLowSurrogate()
-           && text.at(position - 1).isHighSurrogate();
+    return position > 0 && position < text.length() && text.at(position).isLowSurrogate() &&
+           text.at(position - 1).isHighSurrogate();
 }
 
 /// Drops what exceeds the limit: the characters that end at the caret, since they were typed or pasted last.
@@ -207,8 +207,7 @@ void EngineerPropertySettingWidget::slot_CommentTextChanged()
         QTextCursor cursor = m_pCommentEdit->textCursor();
         cursor.setPosition(caret);
         m_pCommentEdit->setTextCursor(cursor);
-        connect(m_pCommentEdit, &QTextEdit::textChanged, this,
-                &EngineerPropertySettingWidget::slot_CommentTextChanged);
+        connect(m_pCommentEdit, &QTextEdit::textChanged, this, &EngineerPropertySettingWidget::slot_CommentTextChanged);
     }
     m_strComment = text;
     updateCounter();

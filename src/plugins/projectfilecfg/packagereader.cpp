@@ -270,8 +270,8 @@ bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64
 {
     QuaZipFile source(m_zip.get());
     qint64 copied = 0;
-    if (entry.size > limit || !goTo(entry) || !source.open(QIODevice::ReadOnly)
-        || !copyStream(source, destination, limit, &copied) || copied != entry.size)
+    if (entry.size > limit || !goTo(entry) || !source.open(QIODevice::ReadOnly) ||
+        !copyStream(source, destination, limit, &copied) || copied != entry.size)
         return false;
     // Closing compares the checksum of what was read.
     source.close();
@@ -288,8 +288,8 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
         m_tidiedFolders.insert(folderPath);
     }
     ReplacingFile destination(destPath, ReplacingFile::NotFlushed);
-    return destination.create()
-           && copyEntry(entry, destination.file(), std::min(limit, freeSpace(folderPath))) && destination.commit();
+    return destination.create() && copyEntry(entry, destination.file(), std::min(limit, freeSpace(folderPath))) &&
+           destination.commit();
 }
 
 QByteArray PackageReader::read(const QString &entryName, qint64 limit)

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
 #include <QSet>
+#include <QString>
 #include <QStringList>
 
 #include <memory>

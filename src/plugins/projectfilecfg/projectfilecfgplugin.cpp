@@ -47,7 +47,9 @@ bool ProjectFileCfgPlugin::initialize(const QStringList &, QString *)
     Internal::useUtf8LocaleCodec();
 
     if (!installTranslator(ICore::overrideLanguage()))
-        qWarning().nospace().noquote() << "Load " << "projectfilecfg" << " Language failed!";
+        qWarning().nospace().noquote() << "Load "
+                                       << "projectfilecfg"
+                                       << " Language failed!";
     addObject(this);
     m_pMode = new Internal::ProjectFileCfgMode(nullptr);
     SettingCfgModeManager::instance()->addMode(m_pMode);

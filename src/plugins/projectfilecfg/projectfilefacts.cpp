@@ -13,8 +13,8 @@ QString documentsPath()
 
 QString projectFilesPath()
 {
-    return documentsPath()
-           + QStringLiteral("/%1/%2/ProjectFiles/").arg(QStringLiteral("Velmora"), QStringLiteral("Tarvo"));
+    return documentsPath() +
+           QStringLiteral("/%1/%2/ProjectFiles/").arg(QStringLiteral("Velmora"), QStringLiteral("Tarvo"));
 }
 
 bool hasPackageExtension(const QString &path)

@@ -41,9 +41,8 @@ void ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
     }
 
     QList<EngineerPacketInfo> found;
-    const QFileInfoList entries =
-        QDir(dirPath).entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
-                                QDir::Dirs | QDir::Files | QDir::Drives, QDir::Time);
+    const QFileInfoList entries = QDir(dirPath).entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
+                                                              QDir::Dirs | QDir::Files | QDir::Drives, QDir::Time);
     for (const QFileInfo &entry : entries) {
         EngineerPacketInfo info = known.value(entry.filePath());
         if (info.strFilePath.isEmpty()) {

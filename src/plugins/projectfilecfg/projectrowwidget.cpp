@@ -13,8 +13,7 @@ ProjectRowWidget::Icons::Icons()
     , apply(QStringLiteral(":resource/images/icon_setting_project_apply.png"))
     , saveAs(QStringLiteral(":resource/images/icon_setting_project_save.png"))
     , remove(QStringLiteral(":resource/images/icon_setting_project_del.png"))
-{
-}
+{}
 
 ProjectRowWidget::ProjectRowWidget(const Icons &icons, QWidget *parent)
     : QWidget(parent)

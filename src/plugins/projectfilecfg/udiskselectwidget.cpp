@@ -25,8 +25,7 @@ static QVector<UDiskSelectWidget::Volume> mountedVolumes()
 
 UDiskSelectWidget::UDiskSelectWidget(QWidget *parent)
     : UDiskSelectWidget(parent, mountedVolumes())
-{
-}
+{}
 
 UDiskSelectWidget::UDiskSelectWidget(QWidget *parent, const QVector<Volume> &volumes)
     : HX::Widgets::FramelessDialog(parent)

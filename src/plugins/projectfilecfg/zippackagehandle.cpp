@@ -33,8 +33,7 @@ bool isWorthOpening(const QString &packetPath)
 bool hasOwnChecksum(const QString &packetPath, EngineerPacketInfo &info)
 {
     const PackageReader package(packetPath);
-    return ZipPackageHandle::parseEngineerInfo(info, package.comment()) &&
-           info.strChecksum == package.checksum();
+    return ZipPackageHandle::parseEngineerInfo(info, package.comment()) && info.strChecksum == package.checksum();
 }
 
 QString recordOf(const EngineerPacketInfo &info)

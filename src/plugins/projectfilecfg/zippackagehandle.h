@@ -66,8 +66,8 @@ public:
     static QString getZipComment(const QString &packetPath);
 
     /// Replaces the archive's comment and leaves its entries alone. True only after the new comment was read
-    /// back and flushed to disk; otherwise the package is what it was, unless flushing its name was what failed. A comment above 65,513 bytes of UTF-8 is refused: QuaZip
-    /// could not find the end of the archive any more.
+    /// back and flushed to disk; otherwise the package is what it was, unless flushing its name was what failed. A
+    /// comment above 65,513 bytes of UTF-8 is refused: QuaZip could not find the end of the archive any more.
     static bool setZipComment(const QString &packetPath, const QString &comment);
 
     /// Writes `info` as the record of the package `info.strFilePath`, in the same way. The checksum goes in as
