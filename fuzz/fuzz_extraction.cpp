@@ -29,7 +29,7 @@ public:
         FUZZ_VERIFY(QDir().mkpath(m_root + QStringLiteral("/a/victim")) &&
                     QDir().mkpath(m_root + QStringLiteral("/a/current")));
         QFile file(m_root + QStringLiteral("/a/victim/file"));
-        FUZZ_VERIFY(file.open(QIODevice::WriteOnly) && file.write("untouched") == 9);
+        FUZZ_VERIFY(file.open(QIODevice::WriteOnly) && file.write("untouched") == 9 && file.flush());
         // A relative name that is taken as it stands would end there.
         FUZZ_VERIFY(QDir::setCurrent(m_root + QStringLiteral("/a/current")));
         clear();

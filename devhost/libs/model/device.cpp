@@ -24,6 +24,14 @@ T number(const QJsonValue &value)
     return static_cast<T>(wanted);
 }
 
+/// A coordinate or an extent; 0 where the far corner of a rectangle could leave the limits of int.
+int coordinate(const QJsonValue &value)
+{
+    constexpr int limit = std::numeric_limits<int>::max() / 4;
+    const int wanted = number<int>(value);
+    return wanted >= -limit && wanted <= limit ? wanted : 0;
+}
+
 QString text(const QJsonObject &object, const char *key)
 {
     return object.value(QLatin1String(key)).toString();
@@ -79,8 +87,8 @@ std::shared_ptr<Screen> screenFromJson(const QJsonObject &object)
     screen->id = number<int>(object.value(QLatin1String("id")));
     screen->name = text(object, "name");
     screen->geometry =
-        QRect(number<int>(object.value(QLatin1String("x"))), number<int>(object.value(QLatin1String("y"))),
-              number<int>(object.value(QLatin1String("width"))), number<int>(object.value(QLatin1String("height"))));
+        QRect(coordinate(object.value(QLatin1String("x"))), coordinate(object.value(QLatin1String("y"))),
+              coordinate(object.value(QLatin1String("width"))), coordinate(object.value(QLatin1String("height"))));
     return screen;
 }
 
