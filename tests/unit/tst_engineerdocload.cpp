@@ -189,6 +189,13 @@ private slots:
     void nothing_is_written_outside();
     void a_description_that_climbs_out_is_code_5();
 
+    // Changes between check and run
+    void a_package_that_was_replaced_after_its_check_is_code_6_data();
+    void a_package_that_was_replaced_after_its_check_is_code_6();
+    void a_package_that_is_replaced_while_it_is_sent_is_sent_as_it_was();
+    void a_device_that_went_offline_after_its_check_is_code_7();
+    void a_device_that_came_online_after_its_check_is_code_7();
+
     // Cancelling
     void cancelling_online_is_seen_at_every_point_data();
     void cancelling_online_is_seen_at_every_point();
@@ -1187,6 +1194,65 @@ void TstEngineerDocLoad::a_description_that_climbs_out_is_code_5()
     package.file("../evil.json", descriptionOf(plainDevice(sourceIp)));
     QCOMPARE(check(package, onlineIp), 5);
     QCOMPARE(contents(m_site->path()), before);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Changes between check and run
+
+void TstEngineerDocLoad::a_package_that_was_replaced_after_its_check_is_code_6_data()
+{
+    QTest::addColumn<QString>("ip");
+    QTest::newRow("online") << onlineIp;
+    QTest::newRow("offline") << offlineIp;
+}
+
+void TstEngineerDocLoad::a_package_that_was_replaced_after_its_check_is_code_6()
+{
+    QFETCH(QString, ip);
+    const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(packageOf(richDevice(QStringLiteral("10.0.0.77")))), ip);
+    // The same pictures by number and size: nothing else would tell.
+    HardwareState other = richDevice(QStringLiteral("10.0.0.78"));
+    other.settings.insert(QStringLiteral("brightness"), 13);
+    other.identity.name = QStringLiteral("another name of another length");
+    write(packageOf(other));
+    QCOMPARE(runJob(*job), int(LoadDecompressFailed));
+    QVERIFY(onlineState().backgrounds.isEmpty());
+    QVERIFY(!QFile::exists(m_site->devicePath(offlineIp) + QStringLiteral("/BKG/BKG_1.png")));
+}
+
+void TstEngineerDocLoad::a_package_that_is_replaced_while_it_is_sent_is_sent_as_it_was()
+{
+    const HardwareState packed = richDevice(QStringLiteral("10.0.0.77"));
+    const QString path = write(packageOf(packed));
+    const std::unique_ptr<EngineerDocLoad> job = checkedJob(path, onlineIp);
+    const QString other =
+        write(packageOf(richDevice(QStringLiteral("10.0.0.78"))), QStringLiteral("other.corvelpro"));
+    Faults::instance()->arm(createPicture, Fault::run([&] {
+                                if (::rename(QFile::encodeName(other), QFile::encodeName(path)) != 0)
+                                    qFatal("The package could not be replaced");
+                            }));
+    QCOMPARE(runJob(*job), int(LoadSuccess));
+    QCOMPARE(onlineState().backgrounds[7].pixels, packed.backgrounds[7].pixels);
+    QCOMPARE(onlineState().logos[2].pixels, packed.logos[2].pixels);
+}
+
+void TstEngineerDocLoad::a_device_that_went_offline_after_its_check_is_code_7()
+{
+    const std::unique_ptr<EngineerDocLoad> job =
+        checkedJob(write(packageOf(richDevice(QStringLiteral("10.0.0.77")))), onlineIp);
+    (*m_site)->unplug(onlineIp);
+    QCOMPARE(runJob(*job), int(LoadImportFailed));
+    QVERIFY((*m_site)->device(onlineIp)->getBKGs().empty());
+}
+
+void TstEngineerDocLoad::a_device_that_came_online_after_its_check_is_code_7()
+{
+    const std::unique_ptr<EngineerDocLoad> job =
+        checkedJob(write(packageOf(richDevice(QStringLiteral("10.0.0.77")))), offlineIp);
+    (*m_site)->plug(offlineIp);
+    const HardwareState before = (*m_site)->hardware(offlineIp)->state();
+    QCOMPARE(runJob(*job), int(LoadImportFailed));
+    QVERIFY((*m_site)->hardware(offlineIp)->state() == before);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

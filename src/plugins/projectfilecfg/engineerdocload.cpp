@@ -13,8 +13,10 @@
 #include <model/serailizer.h>
 #include <modelcontrol/devicecontroler.h>
 
+#include <QDateTime>
 #include <QDebug>
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QJsonDocument>
 
@@ -42,6 +44,13 @@ static const int largeThumbnailArea = 262144;
 /// Pictures with larger files or more pixels are decoded at their turn only, since two are in memory otherwise.
 static const qint64 maxSizeAhead = 32 * 1024 * 1024;
 static const qint64 maxPixelsAhead = 16 * 1024 * 1024;
+
+/// Tells a package from another one that takes its place.
+static QPair<qint64, QDateTime> stampOf(const QString &path)
+{
+    const QFileInfo file(path);
+    return {file.size(), file.lastModified()};
+}
 
 static bool isDescription(const QString &entry)
 {
@@ -189,6 +198,9 @@ bool EngineerDocLoad::checkDevice()
     if (!target)
         return fail(LoadGetDeviceFailed);
 
+    // Before the description is read: a package that is replaced from here on must not pass for the one that was checked.
+    m_checkedPackage = stampOf(m_strPackagePath);
+    m_bCheckedOnline = target->getDeviceOnlineFlag();
     const QStringList descriptions = ZipPackageHandle::extractJsonFiles(m_strPackagePath, ICore::ExtractJsonPath());
     if (descriptions.isEmpty())
         return fail(LoadJsonFileError);
@@ -198,7 +210,7 @@ bool EngineerDocLoad::checkDevice()
 
     if (target->getModelID() != m_pPackageDevice->getModelID())
         return fail(LoadDeviceTypeMismatch);
-    if (!target->getDeviceOnlineFlag())
+    if (!m_bCheckedOnline)
         return true;
     if (!cardsAgree(*target))
         return fail(LoadCardMismatch);
@@ -263,10 +275,20 @@ void EngineerDocLoad::run()
     m_pPackageDevice->setId(target->getId());
     m_pPackageDevice->setCommunicationProtocol(target->getCommunicationProtocolNumber());
 
-    if (target->getDeviceOnlineFlag())
+    // What was checked and done before does not hold for the other kind of device: one that went offline has been reset
+    // and would stay empty, one that came online has neither been compared nor reset.
+    if (target->getDeviceOnlineFlag() != m_bCheckedOnline)
+        fail(LoadImportFailed);
+    else if (m_bCheckedOnline)
         applyOnline(target);
     else
         applyOffline(target);
+}
+
+bool EngineerDocLoad::isCheckedPackage(const PackageReader &package) const
+{
+    // Asked when the package is open: a later replacement does not change what is read.
+    return package.isOpen() && stampOf(m_strPackagePath) == m_checkedPackage;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -315,7 +337,7 @@ bool EngineerDocLoad::copySourceToOfflineDevice()
     QStringList entries = entriesOf(package);
     entries.erase(std::remove_if(entries.begin(), entries.end(), isDescription), entries.end());
     const bool extracted =
-        package.isOpen() && std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
+        isCheckedPackage(package) && std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
             return !package.extractFile(entry, QStringLiteral("%1/%2").arg(deviceFolder(), entry)).isEmpty();
         });
     // On the disk before the description that names them, which the host writes next.
@@ -400,7 +422,7 @@ bool EngineerDocLoad::onlineSend(const std::shared_ptr<Model::Device> &target)
 bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Device> &target)
 {
     PackageReader package(m_strPackagePath);
-    if (!package.isOpen())
+    if (!isCheckedPackage(package))
         return fail(LoadDecompressFailed);
     const QStringList entries = entriesOf(package);
     PictureDecoder decoder;

@@ -2,8 +2,10 @@
 
 #include "operationresultcodes.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QImage>
+#include <QPair>
 #include <QString>
 #include <QThread>
 
@@ -40,7 +42,9 @@ public:
     /// True when the package is there and its checksum is right. A wrong checksum leaves the result code at
     /// LoadSuccess, so that nothing is shown: the list does not offer such a package.
     bool checkPackageFile();
-    /// True when the package's device description fits the target device; run() uses the description.
+    /// True when the package's device description fits the target device; run() uses the description. It ends with
+    /// LoadDecompressFailed when the package is another one by then, so that no device gets parts of two packages, and
+    /// with LoadImportFailed when the device has gone offline or come online since.
     bool checkDevice();
 
     /// Asks the job to end before the next picture, or to report the cancellation once the transfer is over.
@@ -67,6 +71,7 @@ protected:
     void run() override;
 
 private:
+    bool isCheckedPackage(const PackageReader &package) const;
     bool cardsAgree(const Model::Device &target);
     void applyOffline(const std::shared_ptr<Model::Device> &target);
     void applyOnline(const std::shared_ptr<Model::Device> &target);
@@ -88,6 +93,9 @@ private:
     QString m_strPackagePath;
     QString m_strDeviceIp;
     std::shared_ptr<Model::Device> m_pPackageDevice;
+    /// Size and time of the package, and what the device was, at the check.
+    QPair<qint64, QDateTime> m_checkedPackage;
+    bool m_bCheckedOnline = false;
     std::atomic<int> m_nResultCode{LoadSuccess};
 };
 
