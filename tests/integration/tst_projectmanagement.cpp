@@ -3,6 +3,7 @@
 
 #include <support/answerbook.h>
 #include <support/freespace.h>
+#include <support/heldfile.h>
 #include <support/testmain.h>
 #include <zippackagehandle.h>
 
@@ -47,33 +48,6 @@ QStringList waitingTexts()
         texts.append(entry.arguments.value(QStringLiteral("text")).toString());
     return texts;
 }
-
-/// A named pipe: whoever opens it to read waits until release(). So a copy can be held where it is.
-class HeldFile
-{
-public:
-    explicit HeldFile(const QString &path)
-        : m_path(QFile::encodeName(path))
-    {
-        QFile::remove(path);
-        if (mkfifo(m_path.constData(), 0600) != 0)
-            qFatal("No named pipe");
-    }
-    ~HeldFile()
-    {
-        // Frees whoever waits; who comes later finds nothing.
-        const int end = open(m_path.constData(), O_RDWR | O_NONBLOCK);
-        unlink(m_path.constData());
-        close(end);
-    }
-    Q_DISABLE_COPY(HeldFile)
-
-    /// Whoever waits, or comes next, finds an empty file. Waits itself until somebody comes.
-    void release() { close(open(m_path.constData(), O_WRONLY)); }
-
-private:
-    const QByteArray m_path;
-};
 
 /// Tells when the system has reported a change of the project-files directory, as it does to the panel.
 class DirectoryObserver
@@ -161,6 +135,7 @@ private slots:
     void importing_needs_more_space_than_the_files_data();
     void importing_needs_more_space_than_the_files();
     void an_import_does_not_follow_the_directory_until_its_end();
+    void what_others_bring_while_the_end_of_an_import_is_shown_is_listed();
     void importing_again_works_before_and_after_a_save();
 
     // Closing
@@ -953,6 +928,25 @@ void TstProjectManagement::an_import_does_not_follow_the_directory_until_its_end
     waitForAnswers();
     QTRY_COMPARE(m_panel->names(), QStringList{QStringLiteral("first")});
     QVERIFY(isFollowingTheDirectory());
+}
+
+void TstProjectManagement::what_others_bring_while_the_end_of_an_import_is_shown_is_listed()
+{
+    const QString file = elsewhere(QStringLiteral("imported.corvelpro"));
+    QVERIFY(writePackage(file, QString()));
+    m_book->expectFileDialog(chooserTitle, {file});
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [](QDialog *dialog) {
+        settle();
+        const DirectoryObserver observer;
+        QVERIFY(writePackage(projectFile(QStringLiteral("brought")), QString()));
+        QVERIFY(QTest::qWaitFor([&] { return observer.changes() > 0; }, patience));
+        click(qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog)->button(QMessageBox::Ok));
+    });
+    click(m_panel->importProject());
+    waitForAnswers();
+    settle();
+    QVERIFY(m_panel->names().contains(QStringLiteral("imported")));
+    QVERIFY(m_panel->names().contains(QStringLiteral("brought")));
 }
 
 void TstProjectManagement::importing_again_works_before_and_after_a_save()

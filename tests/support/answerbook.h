@@ -66,6 +66,10 @@ public:
     /// pressed when there are none. `title` must be exactly so, unless it is empty.
     void expectFileDialog(const QString &title, const QStringList &paths);
 
+    /// From now on a dialog that nobody expects is no failure: `act` gets it once it is shown, and sees to it that it
+    /// closes, at once or later.
+    void answerOthers(std::function<void(QDialog *)> act) { m_answerOthers = std::move(act); }
+
     /// Everything that was met so far, in order, the unexpected ones too.
     const QVector<Seen> &seen() const { return m_seen; }
     /// True when all that was expected came, in order, and nothing else.
@@ -90,9 +94,13 @@ private:
     void answer(QDialog *dialog);
 
     QVector<Expectation> m_expectations;
+    std::function<void(QDialog *)> m_answerOthers;
     QVector<Seen> m_seen;
     QStringList m_failures;
 };
+
+/// Types the (absolute) paths into a file dialog and clicks its accepting button.
+void typePaths(QFileDialog *dialog, const QStringList &paths);
 
 /// Clicks with the left mouse button, and fails the running test function when a person could not: when
 /// the button is missing, hidden or disabled. Returns whether it clicked.

@@ -140,11 +140,12 @@ inline QByteArray descriptionOf(const Simulation::HardwareState &state)
     return QJsonDocument(device.toJson()).toJson();
 }
 
-/// The entries of a package with that device, without an info record yet: description, presets, pictures.
-inline PackageBuilder packageOf(const Simulation::HardwareState &state)
+/// The entries of a package with that device, without an info record yet: description, presets, pictures. The version
+/// that unpackers need is one of the few bytes that the checksum of a small package covers.
+inline PackageBuilder packageOf(const Simulation::HardwareState &state, quint16 versionNeeded = 20)
 {
     PackageBuilder package;
-    package.file(state.identity.ip.toUtf8() + ".json", descriptionOf(state));
+    package.file(state.identity.ip.toUtf8() + ".json", descriptionOf(state)).claimVersionNeeded(versionNeeded);
     for (auto it = state.presets.begin(); it != state.presets.end(); ++it) {
         QByteArray bytes;
         QDataStream stream(&bytes, QIODevice::WriteOnly);

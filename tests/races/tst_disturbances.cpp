@@ -1,0 +1,254 @@
+#include "stage.h"
+
+#include <support/heldfile.h>
+#include <support/testmain.h>
+
+using namespace PanelTesting;
+using namespace Races;
+using namespace TestSupport;
+using Simulation::HardwareState;
+
+static const QString packageName = QStringLiteral("show");
+static const QString savedName = QStringLiteral("saved");
+
+/// Each disturbance at each point of each operation.
+///
+/// DISTURB_EVERY=n takes every n-th point only, beginning with another one for each disturbance.
+class TstDisturbances : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void an_operation_that_is_disturbed_leaves_everything_in_order_data();
+    void an_operation_that_is_disturbed_leaves_everything_in_order();
+    void pool_work_that_is_disturbed_leaves_everything_in_order_data();
+    void pool_work_that_is_disturbed_leaves_everything_in_order();
+
+private:
+    bool disturb(Operation operation, const QString &ip, Disturbance disturbance, int point);
+};
+
+/// Of work in the thread pool.
+enum Moment { BeforeItBegins, InTheMiddle, OverButNotYetTold, MomentCount };
+
+void TstDisturbances::an_operation_that_is_disturbed_leaves_everything_in_order_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<QString>("ip");
+    QTest::addColumn<int>("disturbance");
+    const QVector<QPair<Operation, QString>> operations{
+        {Save, richIp},   {Save, offlineIp}, {Apply, richIp},     {Apply, offlineIp}, {ApplyWithBackup, plainIp},
+        {Import, richIp}, {SaveAs, richIp},  {SaveAllAs, richIp}, {Edit, richIp},     {Delete, richIp},
+        {Scan, richIp}};
+    for (const auto &[operation, ip] : operations) {
+        for (int number = 0; number < disturbanceCount; ++number) {
+            const QString device = ip == offlineIp ? QStringLiteral(" (offline)") : QString();
+            QTest::addRow("%s%s, %s", qPrintable(nameOf(operation)), qPrintable(device),
+                          qPrintable(nameOf(Disturbance(number))))
+                << int(operation) << ip << number;
+        }
+    }
+}
+
+/// False when the operation had ended before that point.
+bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbance disturbance, int point)
+{
+    Stage stage;
+    const HardwareState packed = richDevice(QStringLiteral("10.0.0.77"));
+    stage.addPackage(packageName, packed);
+    stage.addPackage(QStringLiteral("other"), plainDevice(QStringLiteral("10.0.0.76")));
+    stage.openPanel();
+    bool isWell = stage.comesToRest();
+    stage.select(ip);
+    stage.brokenTruths({packageName, QStringLiteral("other")});
+    const HardwareState before = stage.site()->hardware(ip)->state();
+
+    Answers answers;
+    answers.name = savedName;
+    answers.comment = QStringLiteral("disturbed");
+    answers.question = QMessageBox::Yes;
+    switch (operation) {
+    case Import:
+        answers.paths = QStringList{stage.packageElsewhere(QStringLiteral("first.corvelpro"), packed),
+                                    stage.packageElsewhere(QStringLiteral("second.corvelpro"), packed)};
+        break;
+    case SaveAs:
+        answers.paths = QStringList{stage.elsewhere(QStringLiteral("copy.corvelpro"))};
+        break;
+    case SaveAllAs:
+        answers.paths = QStringList{stage.elsewhere(QString())};
+        break;
+    default:
+        break;
+    }
+    WarningGuard::clear();
+    stage.points().start();
+    bool isDisturbed = false;
+    stage.points().at(point, Stage::isOfTheEventLoop(disturbance), [&] {
+        isDisturbed = true;
+        stage.disturb(disturbance, ip, packageName);
+    });
+    const QString row = operation == Scan ? QStringLiteral("scanned") : packageName;
+    if (!stage.press(operation, answers, row))
+        qFatal("There is nothing to press");
+    isWell = stage.comesToRest() && isWell;
+    stage.points().forget();
+
+    QStringList broken;
+    if (!isWell)
+        broken.append(QStringLiteral("it never came to rest"));
+    QSet<QString> touched;
+    switch (operation) {
+    case Save:
+    case ApplyWithBackup:
+        touched = {savedName, QStringLiteral("Project1"), QString::fromUtf8("项目1")};
+        break;
+    case Import:
+        touched = {QStringLiteral("first"), QStringLiteral("second")};
+        break;
+    case Edit:
+        touched = {packageName, savedName};
+        break;
+    case Delete:
+    case Scan:
+        touched = {row};
+        break;
+    default:
+        break;
+    }
+    // A device that cannot be synchronised is told to the log alone.
+    const bool isLogged = WarningGuard::count(
+        QtWarningMsg, QStringLiteral("Import project file failed, as sync device from hardware failed."));
+    const QStringList boxes = stage.boxes();
+    const bool isOpen = stage.hasPanel() && disturbance != PanelReopened;
+    broken += stage.brokenTruthsAfterClosing(touched);
+
+    // A save leaves all or nothing.
+    if (operation == Save && QFile::exists(projectFile(savedName))) {
+        for (const char *entry :
+             {"BKG/BKG_1.png", "BKG/BKG_7.png", "LOGO/LOGO_2.png", "Preset/1.RPst", "Preset/300.RPst"}) {
+            if (!entriesOf(projectFile(savedName)).contains(QLatin1String(entry)))
+                broken.append(QStringLiteral("the package lacks ") + QLatin1String(entry));
+        }
+    }
+    // An apply does all, or nothing, or tells.
+    if ((operation == Apply || operation == ApplyWithBackup) && ip != offlineIp) {
+        const HardwareState after = stage.site()->hardware(ip)->state();
+        const bool isDone = after.configuration() == packed.configuration() ||
+                            after.configuration() == replacementDevice().configuration();
+        if (!isDone && after != before && boxes.isEmpty() && isOpen && !isLogged)
+            broken.append(QStringLiteral("applied in part, and nobody was told: ") +
+                          after.configuration().differencesTo(packed.configuration()).join(QStringLiteral("; ")));
+    }
+    if (!broken.isEmpty()) {
+        broken.prepend(QStringLiteral("%1 at point %2:").arg(nameOf(disturbance), QString::number(point)));
+        QTest::qFail(qPrintable(broken.join(QStringLiteral("\n  "))), __FILE__, __LINE__);
+    }
+    return isDisturbed;
+}
+
+void TstDisturbances::an_operation_that_is_disturbed_leaves_everything_in_order()
+{
+    QFETCH(int, operation);
+    QFETCH(QString, ip);
+    QFETCH(int, disturbance);
+    const int distance = qMax(1, qEnvironmentVariableIntValue("DISTURB_EVERY"));
+    int point = 1 + disturbance % distance;
+    while (disturb(Operation(operation), ip, Disturbance(disturbance), point) && !QTest::currentTestFailed())
+        point += distance;
+}
+
+void TstDisturbances::pool_work_that_is_disturbed_leaves_everything_in_order_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<int>("moment");
+    QTest::addColumn<int>("disturbance");
+    const char *const moments[] = {"before it begins", "in the middle", "over but not yet told"};
+    for (const Operation operation : {Import, SaveAs, SaveAllAs, Scan}) {
+        for (int moment = 0; moment < MomentCount; ++moment) {
+            for (int number = 0; number < disturbanceCount; ++number)
+                QTest::addRow("%s, %s, %s", qPrintable(nameOf(operation)), moments[moment],
+                              qPrintable(nameOf(Disturbance(number))))
+                    << int(operation) << moment << number;
+        }
+    }
+}
+
+void TstDisturbances::pool_work_that_is_disturbed_leaves_everything_in_order()
+{
+    QFETCH(int, operation);
+    QFETCH(int, moment);
+    QFETCH(int, disturbance);
+    const QString otherName = QStringLiteral("other");
+    const QString scannedName = QStringLiteral("scanned");
+    const HardwareState packed = richDevice(QStringLiteral("10.0.0.77"));
+    QThreadPool::globalInstance()->setMaxThreadCount(4);
+    Stage stage;
+    stage.addPackage(packageName, packed);
+    stage.addPackage(otherName, plainDevice(QStringLiteral("10.0.0.76")));
+    stage.openPanel();
+    QVERIFY(stage.comesToRest());
+    stage.brokenTruths({packageName, otherName});
+
+    Answers answers;
+    QSet<QString> touched;
+    QString heldPath = projectFile(otherName);
+    switch (operation) {
+    case Import:
+        answers.paths = QStringList{stage.packageElsewhere(QStringLiteral("first.corvelpro"), packed),
+                                    stage.packageElsewhere(QStringLiteral("second.corvelpro"), packed)};
+        touched = {QStringLiteral("first"), QStringLiteral("second")};
+        heldPath = answers.paths.last();
+        break;
+    case SaveAs:
+        answers.paths = QStringList{stage.elsewhere(QStringLiteral("copy.corvelpro"))};
+        break;
+    case SaveAllAs:
+        answers.paths = QStringList{stage.elsewhere(QString())};
+        break;
+    case Scan:
+        touched = {scannedName};
+        heldPath = projectFile(QStringLiteral("held"));
+        break;
+    }
+    std::optional<HeldThreadPool> heldPool;
+    std::optional<HeldFile> heldFile;
+    if (moment == BeforeItBegins) {
+        heldPool.emplace();
+    } else if (moment == InTheMiddle) {
+        // A listed package is not read again: the panel does not know that there is a pipe in its place.
+        const HeldThreadPool whileItIsReplaced;
+        heldFile.emplace(stage.elsewhere(QStringLiteral("pipe")));
+        QFile::remove(heldPath);
+        QVERIFY(QFile::link(stage.elsewhere(QStringLiteral("pipe")), heldPath));
+        touched += {otherName, QStringLiteral("held")};
+    }
+
+    bool isDisturbed = false;
+    const auto disturbNow = [&] {
+        isDisturbed = moment != InTheMiddle || heldFile->waitForReader();
+        if (moment == OverButNotYetTold)
+            QThreadPool::globalInstance()->waitForDone();
+        stage.disturb(Disturbance(disturbance), richIp, packageName);
+    };
+    // The first point is the file dialog, the second the waiting dialog, after which the work begins.
+    stage.points().start();
+    if (operation != Scan)
+        stage.points().at(2, true, disturbNow);
+    QVERIFY(stage.press(Operation(operation), answers, operation == Scan ? scannedName : otherName));
+    if (operation == Scan) {
+        QCoreApplication::processEvents();
+        disturbNow();
+    }
+    QTRY_VERIFY(isDisturbed);
+    if (heldFile)
+        QFile::remove(heldPath);
+    heldPool.reset();
+    heldFile.reset();
+    QVERIFY(stage.comesToRest());
+    const QStringList broken = stage.brokenTruthsAfterClosing(touched);
+    QVERIFY2(broken.isEmpty(), qPrintable(broken.join(QStringLiteral("\n  "))));
+}
+
+TEST_MAIN(TstDisturbances)
+#include "tst_disturbances.moc"
