@@ -101,7 +101,11 @@ private:
 /// Waits until all work of the thread pool has ended and the user-interface thread knows of it.
 inline void settle()
 {
-    QThreadPool::globalInstance()->waitForDone();
+    // An event may bring new work, as the report of a changed directory does.
+    do {
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
+    } while (QThreadPool::globalInstance()->activeThreadCount() > 0);
     QCoreApplication::processEvents();
 }
 
