@@ -17,9 +17,6 @@
 #include <QLineEdit>
 #include <QTextEdit>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 using namespace PackageTesting;
 using namespace PanelTesting;
 using namespace TestSupport;
@@ -909,7 +906,7 @@ void TstProjectManagement::an_import_does_not_follow_the_directory_until_its_end
 {
     const QString first = elsewhere(QStringLiteral("first.corvelpro"));
     const QString second = elsewhere(QStringLiteral("second.corvelpro"));
-    QVERIFY(writePackage(first, QString()));
+    QVERIFY(writePackage(first, QString()) && writeFile(second, "no package"));
     HeldFile held(second);
     const DirectoryObserver observer;
     m_book->expectFileDialog(chooserTitle, {first, second});
@@ -977,10 +974,11 @@ void TstProjectManagement::deleting_the_panel_during_an_import_is_quiet()
 {
     const QString first = elsewhere(QStringLiteral("first.corvelpro"));
     const QString second = elsewhere(QStringLiteral("second.corvelpro"));
-    QVERIFY(writePackage(second, QString()));
+    QVERIFY(writePackage(first, QString()) && writePackage(second, QString()));
     HeldFile held(first);
     m_book->expectFileDialog(chooserTitle, {first, second});
     click(m_panel->importProject());
+    QVERIFY(held.waitForReader());
     m_panel.reset();
     QVERIFY(!WaitingDialog::instance()->isVisible());
     held.release();
@@ -997,13 +995,14 @@ void TstProjectManagement::deleting_the_panel_during_a_save_is_quiet()
     m_book->expectFileDialog(saveTitle, {target});
     clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
     QCOMPARE(WaitingDialog::instance()->text(), saveWaiting);
+    QVERIFY(held.waitForReader());
     m_panel.reset();
     QVERIFY(!WaitingDialog::instance()->isVisible());
     held.release();
     settle();
     VERIFY_BOOK();
     // What had been asked for is done to its end.
-    QVERIFY(QFile::exists(target));
+    QCOMPARE(readFile(target), readFile(projectFile(QStringLiteral("show"))));
     m_panel.emplace();
 }
 

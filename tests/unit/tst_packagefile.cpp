@@ -10,6 +10,7 @@
 #include <cstdarg>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
@@ -114,8 +115,7 @@ void TstPackageFile::what_cannot_be_read_anywhere_is_not_opened()
     QVERIFY(!PackageFile(path("missing")).open());
     QVERIFY(!PackageFile(m_dir->path()).open());
     QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
-    QFile other(path("pipe"));
-    QVERIFY(other.open(QIODevice::ReadWrite));
+    // Nobody writes to it: opening it would not return.
     QVERIFY(!PackageFile(path("pipe")).open());
 }
 

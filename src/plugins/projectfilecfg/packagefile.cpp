@@ -1,5 +1,7 @@
 #include "packagefile.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 namespace ProjectFileCfg {
@@ -16,7 +18,8 @@ PackageFile::~PackageFile() = default;
 
 bool PackageFile::open()
 {
-    if (!m_file.open(QIODevice::ReadOnly) || m_file.isSequential())
+    // Opening a pipe would wait for somebody who writes to it.
+    if (!QFileInfo(m_file).isFile() || !m_file.open(QIODevice::ReadOnly))
         return false;
     m_nSize = m_file.size();
     const qint64 expected = std::min(m_nSize, endSize);
