@@ -108,6 +108,8 @@ void TstPictureReader::texts_are_counted_data()
     QTest::newRow("4 MiB") << text(limit) << true;
     QTest::newRow("above 4 MiB") << text(limit + 1) << false;
     QTest::newRow("above 4 MiB together") << text(limit / 2) + text(limit / 2 + 1) << false;
+    QTest::newRow("a packed one above 4 MiB")
+        << PngMaker::chunk("zTXt", QByteArray("Title\0\0", 7) + QByteArray(limit, 'x')) << false;
     QTest::newRow("four packed ones") << packed.repeated(4) << true;
     QTest::newRow("five packed ones") << packed.repeated(5) << false;
 }

@@ -51,8 +51,8 @@ qint64 PackageFile::readData(char *data, qint64 maxSize)
     qint64 count = 0;
     const qint64 endStart = m_nSize - m_end.size();
     if (m_nPosition >= endStart) {
-        count = std::min(maxSize, m_nSize - m_nPosition);
-        std::copy_n(m_end.constData() + (m_nPosition - endStart), std::max<qint64>(count, 0), data);
+        count = qBound<qint64>(0, m_nSize - m_nPosition, maxSize);
+        std::copy_n(m_end.constData() + (m_nPosition - endStart), count, data);
     } else {
         count = m_file.seek(m_nPosition) ? m_file.read(data, maxSize) : -1;
     }

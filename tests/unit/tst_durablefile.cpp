@@ -1,0 +1,283 @@
+#include "durablefile.h"
+#include "packagetesting.h"
+#include "replacingfile.h"
+
+#include <support/testmain.h>
+
+#include <QTemporaryDir>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+
+namespace {
+
+/// What the system answers to the steps that make a file outlive a power failure: 0 for what it would answer anyway, or
+/// the error that the step ends with. And which of them were taken, in their order.
+struct System
+{
+    int openFolder = 0;
+    int flushFile = 0;
+    int flushFolder = 0;
+    int flushDisk = 0;
+    int renameToFreeName = 0;
+    QStringList steps;
+};
+
+System s_system;
+
+template<typename Function>
+Function original(const char *name)
+{
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+bool failsWith(int error)
+{
+    errno = error;
+    return error != 0;
+}
+
+bool isFolder(int handle)
+{
+    struct stat status;
+    return fstat(handle, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+} // namespace
+
+// These stand before the C library's. On the thread that tests alone.
+
+extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    static const auto function = original<int (*)(const char *, int, mode_t)>("open");
+    return (flags & O_DIRECTORY) && failsWith(s_system.openFolder) ? -1 : function(path, flags, mode);
+}
+
+extern "C" Q_DECL_EXPORT int fsync(int handle)
+{
+    static const auto function = original<int (*)(int)>("fsync");
+    s_system.steps.append(isFolder(handle) ? QStringLiteral("flush folder") : QStringLiteral("flush file"));
+    return failsWith(isFolder(handle) ? s_system.flushFolder : s_system.flushFile) ? -1 : function(handle);
+}
+
+extern "C" Q_DECL_EXPORT int syncfs(int handle) noexcept
+{
+    static const auto function = original<int (*)(int)>("syncfs");
+    s_system.steps.append(QStringLiteral("flush disk"));
+    return failsWith(s_system.flushDisk) ? -1 : function(handle);
+}
+
+extern "C" Q_DECL_EXPORT int rename(const char *from, const char *to) noexcept
+{
+    static const auto function = original<int (*)(const char *, const char *)>("rename");
+    s_system.steps.append(QStringLiteral("rename"));
+    return function(from, to);
+}
+
+extern "C" Q_DECL_EXPORT int renameat2(int fromFolder, const char *from, int toFolder, const char *to,
+                                       unsigned int flags) noexcept
+{
+    static const auto function = original<int (*)(int, const char *, int, const char *, unsigned int)>("renameat2");
+    s_system.steps.append(QStringLiteral("rename to a free name"));
+    return failsWith(s_system.renameToFreeName) ? -1 : function(fromFolder, from, toFolder, to, flags);
+}
+
+/// What is flushed when, and what is left when the system refuses a step.
+class TstDurableFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void content_is_flushed_before_the_name_and_the_name_before_success_data();
+    void content_is_flushed_before_the_name_and_the_name_before_success();
+    void what_can_be_made_again_is_not_flushed();
+    void content_that_cannot_be_flushed_replaces_nothing();
+    void a_folder_that_cannot_be_opened_keeps_what_it_has();
+    void a_name_that_cannot_be_flushed_is_told_data();
+    void a_name_that_cannot_be_flushed_is_told();
+    void a_free_name_is_found_without_the_systems_help_data();
+    void a_free_name_is_found_without_the_systems_help();
+    void what_the_system_refuses_is_not_tried_another_way();
+    void a_folder_that_is_made_is_flushed_in_the_one_it_is_made_in();
+    void a_folder_that_was_there_is_not_flushed();
+    void a_tree_is_flushed_with_its_disk();
+    void a_copy_aside_is_read_from_its_beginning();
+    void no_handle_is_left_open();
+
+private:
+    QString path(const QString &name) const { return m_dir->filePath(name); }
+    bool replace(ReplacingFile::Durability durability, ReplacingFile::ExistingTarget existing) const;
+
+    QScopedPointer<QTemporaryDir> m_dir;
+};
+
+void TstDurableFile::init()
+{
+    s_system = System();
+    m_dir.reset(new QTemporaryDir);
+    QVERIFY(m_dir->isValid());
+}
+
+/// Writes "new" over what the target is.
+bool TstDurableFile::replace(ReplacingFile::Durability durability, ReplacingFile::ExistingTarget existing) const
+{
+    ReplacingFile file(path("target"), durability);
+    return file.create() && file.file().write("new") == 3 && file.commit(existing);
+}
+
+void TstDurableFile::content_is_flushed_before_the_name_and_the_name_before_success_data()
+{
+    QTest::addColumn<bool>("exists");
+    QTest::addColumn<QString>("rename");
+    QTest::newRow("replaced") << true << "rename";
+    QTest::newRow("free") << false << "rename to a free name";
+}
+
+void TstDurableFile::content_is_flushed_before_the_name_and_the_name_before_success()
+{
+    QFETCH(bool, exists);
+    QFETCH(QString, rename);
+    QVERIFY(!exists || writeFile(path("target"), "old"));
+    QVERIFY(replace(ReplacingFile::FlushedToDisk, exists ? ReplacingFile::Replaced : ReplacingFile::Kept));
+    QCOMPARE(s_system.steps, (QStringList{"flush file", rename, "flush folder"}));
+    QCOMPARE(readFile(path("target")), QByteArray("new"));
+}
+
+void TstDurableFile::what_can_be_made_again_is_not_flushed()
+{
+    QVERIFY(replace(ReplacingFile::NotFlushed, ReplacingFile::Replaced));
+    QCOMPARE(s_system.steps, QStringList{"rename"});
+    QCOMPARE(readFile(path("target")), QByteArray("new"));
+}
+
+void TstDurableFile::content_that_cannot_be_flushed_replaces_nothing()
+{
+    QVERIFY(writeFile(path("target"), "old"));
+    s_system.flushFile = EIO;
+    QVERIFY(!replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
+    QCOMPARE(contents(m_dir->path()), QStringList{"target"});
+    QCOMPARE(readFile(path("target")), QByteArray("old"));
+}
+
+void TstDurableFile::a_folder_that_cannot_be_opened_keeps_what_it_has()
+{
+    QVERIFY(writeFile(path("target"), "old"));
+    s_system.openFolder = EMFILE;
+    QVERIFY(!replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
+    QVERIFY(!DurableFile::renameDurably(path("target"), path("free")));
+    QVERIFY(!DurableFile::makeFolder(path("folder")));
+    QVERIFY(!DurableFile::flushTree(m_dir->path()));
+    QCOMPARE(contents(m_dir->path()), QStringList{"target"});
+    QCOMPARE(readFile(path("target")), QByteArray("old"));
+    QCOMPARE(s_system.steps, QStringList{"flush file"});
+}
+
+void TstDurableFile::a_name_that_cannot_be_flushed_is_told_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::addColumn<bool>("isTold");
+    QTest::newRow("a broken disk") << EIO << true;
+    QTest::newRow("a full disk") << ENOSPC << true;
+    // Sticks and network shares: their folders cannot be flushed.
+    QTest::newRow("not known to the file system") << EINVAL << false;
+    QTest::newRow("not supported by the file system") << ENOTSUP << false;
+}
+
+void TstDurableFile::a_name_that_cannot_be_flushed_is_told()
+{
+    QFETCH(int, error);
+    QFETCH(bool, isTold);
+    s_system.flushFolder = error;
+    QCOMPARE(replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced), !isTold);
+    QCOMPARE(DurableFile::renameDurably(path("target"), path("free")), !isTold);
+    QCOMPARE(DurableFile::makeFolder(path("folder")), !isTold);
+}
+
+void TstDurableFile::a_free_name_is_found_without_the_systems_help_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("not known to the file system") << EINVAL;
+    QTest::newRow("not known to the system") << ENOSYS;
+}
+
+void TstDurableFile::a_free_name_is_found_without_the_systems_help()
+{
+    QFETCH(int, error);
+    s_system.renameToFreeName = error;
+    QVERIFY(writeFile(path("from"), "new") && writeFile(path("taken"), "old"));
+    QVERIFY(QFile::link(path("missing"), path("link")));
+    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("taken")));
+    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("link")));
+    QCOMPARE(readFile(path("taken")), QByteArray("old"));
+    QVERIFY(QFileInfo(path("link")).isSymLink());
+    QVERIFY(DurableFile::renameToFreeName(path("from"), path("free")));
+    QCOMPARE(readFile(path("free")), QByteArray("new"));
+    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("another")));
+}
+
+void TstDurableFile::what_the_system_refuses_is_not_tried_another_way()
+{
+    s_system.renameToFreeName = EACCES;
+    QVERIFY(writeFile(path("from"), "new"));
+    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("free")));
+    QCOMPARE(contents(m_dir->path()), QStringList{"from"});
+}
+
+void TstDurableFile::a_folder_that_is_made_is_flushed_in_the_one_it_is_made_in()
+{
+    QVERIFY(DurableFile::makeFolder(path("a/b")));
+    QCOMPARE(s_system.steps, (QStringList{"flush folder", "flush folder"}));
+    QCOMPARE(contents(m_dir->path()), (QStringList{"a", "a/b"}));
+}
+
+void TstDurableFile::a_folder_that_was_there_is_not_flushed()
+{
+    QVERIFY(DurableFile::makeFolder(m_dir->path()));
+    QCOMPARE(s_system.steps, QStringList());
+}
+
+void TstDurableFile::a_tree_is_flushed_with_its_disk()
+{
+    QVERIFY(DurableFile::flushTree(m_dir->path()));
+    QCOMPARE(s_system.steps, QStringList{"flush disk"});
+    s_system.flushDisk = EIO;
+    QVERIFY(!DurableFile::flushTree(m_dir->path()));
+}
+
+void TstDurableFile::a_copy_aside_is_read_from_its_beginning()
+{
+    QVERIFY(writeFile(path("source"), "content"));
+    ReplacingFile file(path("target"), ReplacingFile::NotFlushed);
+    QVERIFY(file.createFrom(path("source")));
+    QCOMPARE(file.file().readAll(), QByteArray("content"));
+}
+
+void TstDurableFile::no_handle_is_left_open()
+{
+    const auto openHandles = [] { return QDir(QStringLiteral("/proc/self/fd")).count(); };
+    QVERIFY(replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
+    const uint before = openHandles();
+    for (int i = 0; i < 10; ++i) {
+        QVERIFY(replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
+        QVERIFY(DurableFile::flushTree(m_dir->path()));
+    }
+    QCOMPARE(openHandles(), before);
+}
+
+TEST_MAIN(TstDurableFile)
+#include "tst_durablefile.moc"
