@@ -104,6 +104,7 @@ private slots:
     void the_dialog_shows_name_and_comment();
     void renaming_onto_another_file_keeps_the_name_and_reports();
     void an_unwritable_record_ends_silently();
+    void editing_leaves_no_dialog_behind();
     void the_table_may_be_rebuilt_while_the_dialog_is_open();
 
     // Saving one elsewhere
@@ -378,6 +379,8 @@ void TstProjectManagement::deleting_all_ignores_what_cannot_be_removed()
     const QFile::Permissions home = QFile::permissions(QDir::homePath());
     QVERIFY(QFile::setPermissions(QDir::homePath(), readable | QFile::WriteOwner));
     QVERIFY(QFile::setPermissions(projectFilesPath(), readable));
+    // The directory's change brings a scan, which would find the files again at any moment.
+    settle();
     {
         const OrdinaryUser user;
         m_book->expectQuestion(remind, deleteAllQuestion, QMessageBox::Yes);
@@ -563,6 +566,19 @@ void TstProjectManagement::an_unwritable_record_ends_silently()
     VERIFY_BOOK();
     QCOMPARE(readFile(path), QByteArray("no archive any more"));
     QCOMPARE(contents(projectFilesPath()), QStringList{QStringLiteral("show.corvelpro")});
+}
+
+void TstProjectManagement::editing_leaves_no_dialog_behind()
+{
+    list(QStringLiteral("show"));
+    const auto dialogs = [this] { return (*m_panel)->findChildren<QDialog *>().count(); };
+    const int before = dialogs();
+    expectProperties(QStringLiteral("show"), QStringLiteral("edited"));
+    clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [](QDialog *dialog) { dialog->reject(); });
+    clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    QTRY_COMPARE(dialogs(), before);
 }
 
 void TstProjectManagement::the_table_may_be_rebuilt_while_the_dialog_is_open()

@@ -1172,10 +1172,12 @@ void EngineerDocOperWidget::slot_editProjectInfo()
         new EngineerPropertySettingWidget(this, QString(), QString());
     dialog->setProjectName(entry->strProjectName);
     dialog->setComment(entry->strComment);
-    if (dialog->exec() != QDialog::Accepted || !dialog)
+    const int answer = dialog->exec();
+    if (!dialog)
         return;
+    dialog->deleteLater();
     entry = findEntry();
-    if (entry == projects->projects.end())
+    if (answer != QDialog::Accepted || entry == projects->projects.end())
         return;
 
     EngineerPacketInfo edited = *entry;
