@@ -16,10 +16,10 @@ PackageFile::PackageFile(const QString &path)
 
 PackageFile::~PackageFile() = default;
 
-bool PackageFile::open()
+bool PackageFile::open(OpenMode mode)
 {
     // Opening a pipe would wait for somebody who writes to it.
-    if (!QFileInfo(m_file).isFile() || !m_file.open(QIODevice::ReadOnly))
+    if (mode != QIODevice::ReadOnly || !QFileInfo(m_file).isFile() || !m_file.open(mode))
         return false;
     m_nSize = m_file.size();
     const qint64 expected = std::min(m_nSize, endSize);
@@ -27,7 +27,7 @@ bool PackageFile::open()
         return false;
     m_end = m_file.read(expected);
     // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
-    return m_end.size() == expected && QIODevice::open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    return m_end.size() == expected && QIODevice::open(mode | QIODevice::Unbuffered);
 }
 
 bool PackageFile::isSequential() const

@@ -14,8 +14,9 @@ public:
     explicit PackageFile(const QString &path);
     ~PackageFile() override;
 
-    /// Opens the file to read it; false when that fails, or when it is none that can be read anywhere, as a pipe.
-    bool open();
+    /// In the one mode there is, ReadOnly. False when that fails, or when it is no file that can be read anywhere, as
+    /// a pipe is not.
+    bool open(OpenMode mode) override;
 
     bool isSequential() const override;
     qint64 size() const override;

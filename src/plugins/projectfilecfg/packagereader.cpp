@@ -173,7 +173,7 @@ PackageReader::PackageReader(const QString &packetPath)
     m_file.reset(new PackageFile(packetPath));
     m_zip.reset(new QuaZip(m_file.get()));
     m_zip->setAutoClose(false);
-    if (m_file->open()) {
+    if (m_file->open(QIODevice::ReadOnly)) {
         m_zip->open(QuaZip::mdUnzip);
     }
 }
