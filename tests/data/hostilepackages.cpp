@@ -812,6 +812,12 @@ void Corpus::addRecords()
     add("record_has_junk_behind", withComment(checksum + "\"projectName\":\"x\",\"comment\":\"x\"} junk"));
     add("record_has_a_zero_byte_behind",
         withComment(checksum + "\"projectName\":\"x\",\"comment\":\"x\"}" + raw("\0junk")));
+    const QByteArray withZero = checksum + raw("\"projectName\":\"x\",\"comment\":\"a\0b\"}");
+    add("record_has_a_zero_byte_in_a_text", withComment(withZero));
+    add("record_has_a_zero_byte_in_a_text_and_the_directory_no_signature", [=] {
+        ZipArchive archive(honest().comment(withZero).build());
+        return archive.set32(archive.central(0), 0).bytes;
+    });
     add("record_has_two_members", withComment(checksum + "\"projectName\":\"x\"}"));
     add("record_has_the_same_member_three_times", withComment(checksum + "\"comment\":\"x\",\"comment\":\"y\"}"));
     add("record_has_the_same_object_twice", withRecord("\"projectName\":\"x\",\"a\":[1],\"a\":[2]")).libraryLeaks =

@@ -56,14 +56,32 @@ bool isFolder(int handle)
 
 // These stand before the C library's. On the thread that tests alone.
 
+// The same function, which the headers choose between.
+template<typename Open>
+int openUnlessFolderFails(Open function, const char *path, int flags, va_list arguments)
+{
+    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
+    return (flags & O_DIRECTORY) && failsWith(s_system.openFolder) ? -1 : function(path, flags, mode);
+}
+
 extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
 {
+    static const auto function = original<int (*)(const char *, int, mode_t)>("open");
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
+    const int handle = openUnlessFolderFails(function, path, flags, arguments);
     va_end(arguments);
-    static const auto function = original<int (*)(const char *, int, mode_t)>("open");
-    return (flags & O_DIRECTORY) && failsWith(s_system.openFolder) ? -1 : function(path, flags, mode);
+    return handle;
+}
+
+extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
+{
+    static const auto function = original<int (*)(const char *, int, mode_t)>("open64");
+    va_list arguments;
+    va_start(arguments, flags);
+    const int handle = openUnlessFolderFails(function, path, flags, arguments);
+    va_end(arguments);
+    return handle;
 }
 
 extern "C" Q_DECL_EXPORT int fsync(int handle)
@@ -107,6 +125,8 @@ private slots:
     void content_is_flushed_before_the_name_and_the_name_before_success();
     void what_can_be_made_again_is_not_flushed();
     void content_that_cannot_be_flushed_replaces_nothing();
+    void content_that_cannot_be_written_replaces_nothing();
+    void a_missing_folder_is_flushed_before_the_file_is_made();
     void a_folder_that_cannot_be_opened_keeps_what_it_has();
     void a_name_that_cannot_be_flushed_is_told_data();
     void a_name_that_cannot_be_flushed_is_told();
@@ -172,6 +192,32 @@ void TstDurableFile::content_that_cannot_be_flushed_replaces_nothing()
     QVERIFY(!replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
     QCOMPARE(readFile(path("target")), QByteArray("old"));
+}
+
+void TstDurableFile::content_that_cannot_be_written_replaces_nothing()
+{
+    QVERIFY(writeFile(path("target"), "old"));
+    // What fails at once, and what fails when the buffer is written.
+    for (const int size : {1000000, 10}) {
+        ReplacingFile file(path("target"), ReplacingFile::NotFlushed);
+        QVERIFY(file.create());
+        const FullDisk disk(0);
+        file.file().write(QByteArray(size, 'x'));
+        QVERIFY(!file.commit());
+    }
+    QCOMPARE(contents(m_dir->path()), QStringList{"target"});
+    QCOMPARE(readFile(path("target")), QByteArray("old"));
+}
+
+void TstDurableFile::a_missing_folder_is_flushed_before_the_file_is_made()
+{
+    for (const auto durability : {ReplacingFile::FlushedToDisk, ReplacingFile::NotFlushed}) {
+        s_system.steps.clear();
+        ReplacingFile file(path(QStringLiteral("folder%1/target").arg(durability)), durability);
+        QVERIFY(file.create());
+        const bool isFlushed = durability == ReplacingFile::FlushedToDisk;
+        QCOMPARE(s_system.steps, isFlushed ? QStringList{"flush folder"} : QStringList());
+    }
 }
 
 void TstDurableFile::a_folder_that_cannot_be_opened_keeps_what_it_has()

@@ -37,6 +37,8 @@ int claimedSpace(const char *path, struct statvfs *status) noexcept
     return result;
 }
 
+Q_DECLARE_METATYPE(TestSupport::PackageBuilder)
+
 class TstPackageReader : public QObject
 {
     Q_OBJECT
@@ -46,6 +48,10 @@ private slots:
     void cleanup();
 
     void what_is_no_archive_is_not_open();
+    void a_comment_ends_at_its_first_zero_byte_data();
+    void a_comment_ends_at_its_first_zero_byte();
+    void what_no_honest_archive_claims_is_not_listed_data();
+    void what_no_honest_archive_claims_is_not_listed();
     void the_list_is_that_of_the_archiver();
     void every_entry_comes_out_whole_in_any_order();
     void paths_are_returned_as_the_archiver_returns_them();
@@ -124,6 +130,62 @@ void TstPackageReader::what_is_no_archive_is_not_open()
     }
     QVERIFY(!PackageReader(m_temp->path() + "/missing").isOpen());
     QVERIFY(!QFileInfo::exists(m_temp->path() + "/missing"));
+}
+
+void TstPackageReader::a_comment_ends_at_its_first_zero_byte_data()
+{
+    QTest::addColumn<int>("flags");
+    QTest::addColumn<bool>("isReadable");
+    constexpr int utf8Names = 0x800;
+    QTest::newRow("names of any encoding") << 0 << true;
+    QTest::newRow("names in UTF-8") << utf8Names << true;
+    QTest::newRow("no first entry") << 0 << false;
+}
+
+void TstPackageReader::a_comment_ends_at_its_first_zero_byte()
+{
+    QFETCH(int, flags);
+    QFETCH(bool, isReadable);
+    QByteArray archive = PackageBuilder()
+                             .file("x.txt", "content")
+                             .claimFlags(quint16(flags))
+                             .comment(QByteArray("first\0second", 12))
+                             .build();
+    if (!isReadable)
+        archive.replace("PK\1\2", "none");
+    QVERIFY(writeFile(m_package, archive));
+    // Where it is left to chance, it changes from one time to the next.
+    for (int time = 0; time < 10; ++time)
+        QCOMPARE(PackageReader(m_package).comment(), QStringLiteral("first"));
+}
+
+void TstPackageReader::what_no_honest_archive_claims_is_not_listed_data()
+{
+    QTest::addColumn<PackageBuilder>("archive");
+    QTest::addColumn<int>("listed");
+    const auto withNames = [](int length) {
+        PackageBuilder builder;
+        for (int number = 0; length > 0; ++number, length -= 65535)
+            builder.file(QByteArray::number(number).rightJustified(qMin(length, 65535), 'x'), QByteArray());
+        return builder;
+    };
+    QTest::newRow("names of 16 MiB") << withNames(int(16 * MiB)) << 257;
+    QTest::newRow("names above 16 MiB") << withNames(int(16 * MiB) + 1) << 0;
+
+    constexpr quint32 GiB = 1024 * MiB;
+    PackageBuilder builder;
+    for (const char *name : {"1", "2", "3", "4"})
+        builder.file(name, "content").claimSize(GiB);
+    QTest::newRow("contents of 4 GiB") << builder << 4;
+    QTest::newRow("contents above 4 GiB") << builder.file("5", "content").claimSize(1) << 0;
+}
+
+void TstPackageReader::what_no_honest_archive_claims_is_not_listed()
+{
+    QFETCH(PackageBuilder, archive);
+    QFETCH(int, listed);
+    write(archive);
+    QCOMPARE(PackageReader(m_package).fileList().size(), listed);
 }
 
 void TstPackageReader::the_list_is_that_of_the_archiver()

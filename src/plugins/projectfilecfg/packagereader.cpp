@@ -190,9 +190,18 @@ QStringList PackageReader::fileList() const
     return directory().names;
 }
 
+// Straight from the archive's bytes: to QuaZip a zero byte ends it or does not, as the first entry says; where that one
+// cannot be read, as chance would have it.
 QString PackageReader::comment() const
 {
-    return m_zip->isOpen() ? m_zip->getComment() : QString();
+    unz_global_info64 info;
+    if (!m_zip->isOpen() || unzGetGlobalInfo64(m_zip->getUnzFile(), &info) != UNZ_OK) {
+        return QString();
+    }
+    QByteArray comment(int(info.size_comment), '\0');
+    return unzGetGlobalComment(m_zip->getUnzFile(), comment.data(), info.size_comment) < 0
+               ? QString()
+               : QString::fromUtf8(comment.constData());
 }
 
 QString PackageReader::checksum() const
