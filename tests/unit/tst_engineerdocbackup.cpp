@@ -104,6 +104,7 @@ private slots:
     void a_picture_that_cannot_be_written_does_not_end_the_save();
     void an_unopenable_preset_ends_silently_without_a_package();
     void a_preset_that_cannot_be_serialised_ends_silently_without_a_package();
+    void a_full_disk_under_a_picture_ends_with_5();
     void a_full_disk_under_a_preset_ends_with_5_data();
     void a_full_disk_under_a_preset_ends_with_5();
     void a_full_disk_under_the_package_keeps_the_old_one();
@@ -645,6 +646,17 @@ void TstEngineerDocBackup::a_preset_that_cannot_be_serialised_ends_silently_with
     QVERIFY(!QFile::exists(packagePath()));
     QCOMPARE(Journal::instance()->count(packPreset), 2);
     QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("could not be serialised").size(), 1);
+}
+
+void TstEngineerDocBackup::a_full_disk_under_a_picture_ends_with_5()
+{
+    QScopedPointer<FullDisk> fullDisk;
+    Faults::instance()->arm(load, Fault::run([&fullDisk] { fullDisk.reset(new FullDisk(50)); }));
+    const int code = save(m_site->mainHall);
+    QVERIFY(fullDisk);
+    fullDisk.reset();
+    QCOMPARE(code, int(BackupEncryptFailed));
+    QVERIFY(!QFile::exists(packagePath()));
 }
 
 void TstEngineerDocBackup::a_full_disk_under_a_preset_ends_with_5_data()
