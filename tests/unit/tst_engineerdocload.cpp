@@ -114,6 +114,8 @@ private slots:
     void a_wrong_checksum_fails_without_a_code();
     void a_right_checksum_passes();
     void an_unknown_target_is_code_5();
+    void a_description_that_fills_the_memory_is_code_5_data();
+    void a_description_that_fills_the_memory_is_code_5();
     void a_package_without_description_is_code_8();
     void a_file_without_the_extension_yields_no_description_code_8();
     void only_the_ending_of_the_description_counts();
@@ -323,6 +325,32 @@ void TstEngineerDocLoad::a_right_checksum_passes()
     job.setPackagePath(write(packageOf(plainDevice(sourceIp))));
     QVERIFY(job.checkPackageFile());
     QCOMPARE(job.resultCode(), 0);
+}
+
+void TstEngineerDocLoad::a_description_that_fills_the_memory_is_code_5_data()
+{
+    QTest::addColumn<QByteArray>("description");
+    QTest::addColumn<int>("code");
+    const QByteArray device = descriptionOf(plainDevice(sourceIp)).trimmed();
+    const int longest = 16 * 1024 * 1024;
+    QTest::newRow("16 MiB") << device.leftJustified(longest) << 0;
+    QTest::newRow("above 16 MiB") << device.leftJustified(longest + 1) << 5;
+
+    const auto withParts = [&device](int count) {
+        const auto beginsPart = [](char c) { return c == ',' || c == ':' || c == '[' || c == '{'; };
+        // One more for the comma before the member, its colon, and the array itself.
+        const int elements = count - int(std::count_if(device.begin(), device.end(), beginsPart)) - 2;
+        return device.left(device.size() - 1) + ",\"more\":[1" + QByteArray(",1").repeated(elements - 1) + "]}";
+    };
+    QTest::newRow("a million members") << withParts(1024 * 1024) << 0;
+    QTest::newRow("above a million members") << withParts(1024 * 1024 + 1) << 5;
+}
+
+void TstEngineerDocLoad::a_description_that_fills_the_memory_is_code_5()
+{
+    QFETCH(QByteArray, description);
+    QFETCH(int, code);
+    QCOMPARE(check(descriptionOnly(description), onlineIp), code);
 }
 
 void TstEngineerDocLoad::an_unknown_target_is_code_5()
@@ -1209,7 +1237,8 @@ void TstEngineerDocLoad::a_package_that_was_replaced_after_its_check_is_code_6_d
 void TstEngineerDocLoad::a_package_that_was_replaced_after_its_check_is_code_6()
 {
     QFETCH(QString, ip);
-    const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(packageOf(richDevice(QStringLiteral("10.0.0.77")))), ip);
+    const std::unique_ptr<EngineerDocLoad> job =
+        checkedJob(write(packageOf(richDevice(QStringLiteral("10.0.0.77")))), ip);
     // The same pictures by number and size: nothing else would tell.
     HardwareState other = richDevice(QStringLiteral("10.0.0.78"));
     other.settings.insert(QStringLiteral("brightness"), 13);
@@ -1225,8 +1254,7 @@ void TstEngineerDocLoad::a_package_that_is_replaced_while_it_is_sent_is_sent_as_
     const HardwareState packed = richDevice(QStringLiteral("10.0.0.77"));
     const QString path = write(packageOf(packed));
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(path, onlineIp);
-    const QString other =
-        write(packageOf(richDevice(QStringLiteral("10.0.0.78"))), QStringLiteral("other.corvelpro"));
+    const QString other = write(packageOf(richDevice(QStringLiteral("10.0.0.78"))), QStringLiteral("other.corvelpro"));
     Faults::instance()->arm(createPicture, Fault::run([&] {
                                 if (::rename(QFile::encodeName(other), QFile::encodeName(path)) != 0)
                                     qFatal("The package could not be replaced");
