@@ -56,8 +56,8 @@ function(add_host_test name)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         LABELS "${ARG_LABELS}"
-        TIMEOUT 900
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QTEST_FUNCTION_TIMEOUT=900000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
+        TIMEOUT 1800
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
 endfunction()
 
 # add_translations(<target> BASE <file base> LANGUAGES <codes>)
