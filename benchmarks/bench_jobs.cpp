@@ -52,6 +52,11 @@ HardwareState showDevice(const QString &ip, int pictures, const QSize &size)
     return state;
 }
 
+int picturesOf(const Report &report)
+{
+    return report.isQuick() ? 8 : 12;
+}
+
 QSize pictureSize(const Report &report)
 {
     return report.isQuick() ? QSize(960, 540) : QSize(1920, 1080);
@@ -123,7 +128,7 @@ void compareContents(const QString &one, const QString &other)
 
 void saving(Report &report)
 {
-    const int pictures = report.isQuick() ? 8 : 24;
+    const int pictures = picturesOf(report);
     const QSize size = pictureSize(report);
     const CustomSite site({{showDevice(sourceIp, pictures, size), true}});
     const QString folder = site.path() + "/projects/";
@@ -144,7 +149,7 @@ void saving(Report &report)
 
 void applying(Report &report)
 {
-    const int pictures = report.isQuick() ? 8 : 24;
+    const int pictures = picturesOf(report);
     const QSize size = pictureSize(report);
     const HardwareState source = showDevice(sourceIp, pictures, size);
     const CustomSite site({{plainDevice(targetIp), true}});
@@ -188,11 +193,11 @@ void applying(Report &report)
     std::unique_ptr<EngineerDocLoad> load;
     Pair times;
     for (int pair = 0; pair < report.pairs(); ++pair) {
-        times.plain.milliseconds.append(millisecondsOf(transfers));
+        times.plain.milliseconds.append(settledMillisecondsOf(transfers));
         const auto expected = site->hardware(targetIp)->state().backgrounds;
         site->hardware(targetIp)->change([](HardwareState &state) { state.backgrounds.clear(); });
         load = job();
-        times.ours.milliseconds.append(millisecondsOf([&] {
+        times.ours.milliseconds.append(settledMillisecondsOf([&] {
             load->start();
             require(load->wait() && load->resultCode() == LoadSuccess, "the apply failed");
         }));

@@ -26,6 +26,8 @@ private slots:
     void a_fragment_is_hidden_and_goes_with_its_object();
     void a_target_that_must_be_kept_is_kept();
     void a_copy_has_the_bytes_and_permissions_of_its_source();
+    void a_copy_shares_nothing_that_shows_with_its_source();
+    void a_file_that_is_written_in_many_steps_is_whole();
     void a_copy_replaces_nothing();
     void a_copy_makes_no_folder();
     void a_copy_does_not_write_through_a_broken_link();
@@ -109,6 +111,39 @@ void TstReplacingFile::a_copy_has_the_bytes_and_permissions_of_its_source()
     QCOMPARE(stat(QFile::encodeName(path("copy")).constData(), &status), 0);
     QCOMPARE(int(status.st_mode & 0777), 0440);
     QCOMPARE(contents(m_temp->path()), (QStringList{"copy", "source"}));
+}
+
+void TstReplacingFile::a_copy_shares_nothing_that_shows_with_its_source()
+{
+    const QByteArray content = QByteArray("the same in both ").repeated(3000);
+    QVERIFY(writeFile(path("source"), content));
+    ReplacingFile copy(path("target"), ReplacingFile::FlushedToDisk);
+    QVERIFY(copy.createFrom(path("source")));
+    QCOMPARE(copy.file().pos(), qint64(0));
+    QCOMPARE(copy.file().write("only here"), qint64(9));
+    QVERIFY(copy.file().resize(20000));
+    QVERIFY(copy.commit());
+    QCOMPARE(readFile(path("source")), content);
+    QCOMPARE(readFile(path("target")), "only here" + content.mid(9, 20000 - 9));
+}
+
+/// So much that the disk begins before the end, with numbers at the beginning that are known only then.
+void TstReplacingFile::a_file_that_is_written_in_many_steps_is_whole()
+{
+    ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+    QVERIFY(file.create());
+    QByteArray expected("begun");
+    QCOMPARE(file.file().write(expected), qint64(expected.size()));
+    for (int step = 0; step < 300; ++step) {
+        const QByteArray block(100000, char('a' + step % 26));
+        QCOMPARE(file.file().write(block), qint64(block.size()));
+        expected += block;
+    }
+    QVERIFY(file.file().seek(0));
+    QCOMPARE(file.file().write("ended"), qint64(5));
+    expected.replace(0, 5, "ended");
+    QVERIFY(file.commit());
+    QVERIFY(readFile(path("target")) == expected);
 }
 
 void TstReplacingFile::a_copy_replaces_nothing()

@@ -7,31 +7,22 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 
 #ifdef Q_OS_WIN
+#include <filesystem>
 #include <io.h>
 #else
 #include <fcntl.h>
 #include <unistd.h>
 #endif
+#ifdef Q_OS_LINUX
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#endif
 
 namespace ProjectFileCfg {
 namespace Internal {
 namespace DurableFile {
-
-namespace {
-
-std::filesystem::path nativePath(const QString &path)
-{
-#ifdef Q_OS_WIN
-    return path.toStdWString();
-#else
-    return QFile::encodeName(path).toStdString();
-#endif
-}
-
-} // namespace
 
 #ifdef Q_OS_WIN
 
@@ -80,6 +71,27 @@ bool flush(int handle)
 
 #endif
 
+bool shareContent(int from, int to)
+{
+#ifdef FICLONE
+    return ioctl(to, FICLONE, from) == 0;
+#else
+    Q_UNUSED(from)
+    Q_UNUSED(to)
+    return false;
+#endif
+}
+
+void beginFlush(int handle)
+{
+#ifdef Q_OS_LINUX
+    // From the beginning, since the zip library goes back to complete its headers. What is on its way already is passed.
+    sync_file_range(handle, 0, 0, SYNC_FILE_RANGE_WRITE);
+#else
+    Q_UNUSED(handle)
+#endif
+}
+
 bool flushTree(const QString &folderPath)
 {
 #ifdef Q_OS_LINUX
@@ -117,15 +129,20 @@ bool makeFolder(const QString &path)
 
 bool replace(const QString &from, const QString &to)
 {
+#ifdef Q_OS_WIN
+    // Here rename() would not replace.
     std::error_code error;
-    std::filesystem::rename(nativePath(from), nativePath(to), error);
+    std::filesystem::rename(from.toStdWString(), to.toStdWString(), error);
     return !error;
+#else
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+#endif
 }
 
 bool renameToFreeName(const QString &from, const QString &to)
 {
 #ifdef Q_OS_WIN
-    return _wrename(nativePath(from).c_str(), nativePath(to).c_str()) == 0;
+    return _wrename(from.toStdWString().c_str(), to.toStdWString().c_str()) == 0;
 #else
 #ifdef RENAME_NOREPLACE
     const QByteArray source = QFile::encodeName(from);

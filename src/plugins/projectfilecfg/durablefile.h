@@ -29,6 +29,14 @@ private:
 /// Flushes an open file: true means that its bytes are on the disk, and not only in the system's memory.
 bool flush(int handle);
 
+/// Makes the open, empty file `to` a copy of the open file `from` that shares its blocks until one of them is changed:
+/// nothing is read or written. False, and nothing changed, where the file system cannot.
+bool shareContent(int from, int to);
+
+/// Has the system begin to write what an open file holds so far, and does not wait for it: flush() then finds
+/// less to do. Does nothing where the platform has no such hint. A failure is told by the flush().
+void beginFlush(int handle);
+
 /// Flushes everything that was written below the folder so far. For many files: one by one takes milliseconds each.
 bool flushTree(const QString &folderPath);
 

@@ -4,7 +4,9 @@
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QImage>
+#include <QMessageAuthenticationCode>
 #include <QMutexLocker>
+#include <QUuid>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -16,7 +18,7 @@ static QByteArray encode(const QImage &picture)
     return picture.save(&buffer, "PNG") ? bytes : QByteArray();
 }
 
-static QByteArray digestOf(const QImage &picture)
+static QByteArray digestOf(const QImage &picture, const QByteArray &secret)
 {
     // One pixel, encoded, shows what the encoder adds: resolution, texts, colour table, colour space. Only a
     // picture's offset does not go with a part of it.
@@ -25,7 +27,7 @@ static QByteArray digestOf(const QImage &picture)
     QDataStream(&facts, QIODevice::WriteOnly)
         << int(picture.format()) << picture.size() << picture.offset() << additions;
 
-    QCryptographicHash digest(QCryptographicHash::Sha3_256);
+    QMessageAuthenticationCode digest(QCryptographicHash::Sha1, secret);
     digest.addData(facts);
     for (int row = 0; row < picture.height(); ++row)
         digest.addData(reinterpret_cast<const char *>(picture.constScanLine(row)), picture.bytesPerLine());
@@ -33,7 +35,8 @@ static QByteArray digestOf(const QImage &picture)
 }
 
 EncodedPictures::EncodedPictures(int capacity)
-    : m_pictures(capacity)
+    : m_secret(QUuid::createUuid().toRfc4122())
+    , m_pictures(capacity)
 {}
 
 EncodedPictures::~EncodedPictures() = default;
@@ -42,7 +45,7 @@ QByteArray EncodedPictures::png(const QImage &picture)
 {
     if (picture.isNull())
         return QByteArray();
-    const QByteArray digest = digestOf(picture);
+    const QByteArray digest = digestOf(picture, m_secret);
     {
         const QMutexLocker locker(&m_mutex);
         if (const QByteArray *known = m_pictures.object(digest))

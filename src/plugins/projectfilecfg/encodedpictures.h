@@ -12,8 +12,9 @@ namespace Internal {
 /// Remembers how pictures were encoded, so that a picture that did not change since the last save is not
 /// encoded again. Any thread.
 ///
-/// A picture is known by a digest (SHA3-256) of everything that decides on its file: format, size, every row of
-/// pixels, and what the encoder writes besides the pixels. The bytes are those that a fresh encoding would give.
+/// A picture is known by a digest (HMAC with SHA-1 and a secret that no other object has) of everything that decides
+/// on its file: format, size, every row of pixels, and what the encoder writes besides the pixels. The bytes are those
+/// that a fresh encoding would give.
 class EncodedPictures
 {
 public:
@@ -32,6 +33,7 @@ public:
 private:
     Q_DISABLE_COPY(EncodedPictures)
 
+    const QByteArray m_secret;
     mutable QMutex m_mutex;
     QCache<QByteArray, QByteArray> m_pictures;
     int m_nEncoded = 0;

@@ -54,7 +54,9 @@ qint64 PackageFile::readData(char *data, qint64 maxSize)
         count = qBound<qint64>(0, m_nSize - m_nPosition, maxSize);
         std::copy_n(m_end.constData() + (m_nPosition - endStart), count, data);
     } else {
-        count = m_file.seek(m_nPosition) ? m_file.read(data, maxSize) : -1;
+        // The zip library reads its numbers byte by byte, and each seek is a call of the system.
+        const bool isThere = m_file.pos() == m_nPosition || m_file.seek(m_nPosition);
+        count = isThere ? m_file.read(data, maxSize) : -1;
     }
     m_nPosition += std::max<qint64>(count, 0);
     return count;

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QUuid>
 
+#include <algorithm>
 #include <limits>
 
 namespace ProjectFileCfg {
@@ -31,10 +32,27 @@ QString fragmentName()
 
 } // namespace
 
+ReplacingFile::Fragment::Fragment(const QString &path, Durability durability)
+    : QFile(path)
+    , m_durability(durability)
+{}
+
+qint64 ReplacingFile::Fragment::writeData(const char *data, qint64 size)
+{
+    constexpr qint64 portion = 8 * 1024 * 1024;
+    const qint64 count = QFile::writeData(data, size);
+    m_nWaiting += std::max<qint64>(count, 0);
+    if (m_durability == FlushedToDisk && m_nWaiting >= portion) {
+        m_nWaiting = 0;
+        DurableFile::beginFlush(handle());
+    }
+    return count;
+}
+
 ReplacingFile::ReplacingFile(const QString &targetPath, Durability durability)
     : m_targetPath(behindLink(targetPath))
     , m_folderPath(QFileInfo(m_targetPath).absolutePath())
-    , m_fragment(m_folderPath + QLatin1Char('/') + fragmentName())
+    , m_fragment(m_folderPath + QLatin1Char('/') + fragmentName(), durability)
     , m_durability(durability)
 {}
 
@@ -67,7 +85,9 @@ bool ReplacingFile::createFrom(const QString &sourcePath)
 {
     QFile source(sourcePath);
     qint64 copied = 0;
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !openFragment() ||
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !openFragment())
+        return false;
+    if (!DurableFile::shareContent(source.handle(), m_fragment.handle()) &&
         !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied))
         return false;
     // What this user may do with the source is no permission of the file. Not an error where it fails: a stick's

@@ -58,11 +58,25 @@ public:
 private:
     Q_DISABLE_COPY(ReplacingFile)
 
+    /// While more is written, the disk takes what there is: else it stands idle until commit() waits for all of it.
+    class Fragment : public QFile
+    {
+    public:
+        Fragment(const QString &path, Durability durability);
+
+    protected:
+        qint64 writeData(const char *data, qint64 size) override;
+
+    private:
+        const Durability m_durability;
+        qint64 m_nWaiting = 0;
+    };
+
     bool openFragment();
 
     QString m_targetPath;
     QString m_folderPath;
-    QFile m_fragment;
+    Fragment m_fragment;
     Durability m_durability;
     bool m_isCommitted = false;
 };

@@ -55,8 +55,9 @@ bool writeComment(QFile &file, const QString &comment)
     // To QuaZip a null comment means: keep the old one.
     zip.setComment(comment.isNull() ? QLatin1String("") : comment);
     zip.close();
-    // QuaZip never cuts: behind a shorter comment the tail of the old one would stay.
-    return zip.getZipError() == UNZ_OK && file.flush() && file.resize(file.pos());
+    // QuaZip never cuts: behind a shorter comment the tail of the old one would stay. A cut at the end of the file
+    // would be none, but some file systems wait for the disk even so.
+    return zip.getZipError() == UNZ_OK && file.flush() && (file.size() == file.pos() || file.resize(file.pos()));
 }
 
 /// Replaces the comment in `replacement`, an archive written aside, and checks what a reader will find there.
