@@ -52,11 +52,6 @@ HardwareState showDevice(const QString &ip, int pictures, const QSize &size)
     return state;
 }
 
-int picturesOf(const Report &report)
-{
-    return report.isQuick() ? 8 : 12;
-}
-
 QSize pictureSize(const Report &report)
 {
     return report.isQuick() ? QSize(960, 540) : QSize(1920, 1080);
@@ -128,7 +123,7 @@ void compareContents(const QString &one, const QString &other)
 
 void saving(Report &report)
 {
-    const int pictures = picturesOf(report);
+    const int pictures = report.isQuick() ? 8 : 12;
     const QSize size = pictureSize(report);
     const CustomSite site({{showDevice(sourceIp, pictures, size), true}});
     const QString folder = site.path() + "/projects/";
@@ -149,7 +144,7 @@ void saving(Report &report)
 
 void applying(Report &report)
 {
-    const int pictures = picturesOf(report);
+    const int pictures = report.isQuick() ? 8 : 24;
     const QSize size = pictureSize(report);
     const HardwareState source = showDevice(sourceIp, pictures, size);
     const CustomSite site({{plainDevice(targetIp), true}});

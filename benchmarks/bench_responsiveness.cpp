@@ -1,9 +1,11 @@
-// How long the window stands still at most while the panel copies a package of 1 GB out and in, and while it scans
-// 1,000 packages. The development host with the built plugin in it, worked as an operator would; a longer pause than
-// the limit makes it exit with 1.
+// How long the window stands still at most while the panel saves and applies a device with large pictures and many
+// presets, copies a package of 1 GB out and in, and scans 1,000 packages. The development host with the built plugin
+// in it, worked as an operator would. What the panel does before a job starts, and filling the table, happens in one
+// go on the user-interface thread: that is told and not judged.
 //
-//     bench_responsiveness [copying] [listing]      both without arguments; copying needs 4 GB for temporary files
+//     bench_responsiveness [--rows FILE] [jobs] [copying] [listing]     all where none is named; needs 4 GB of disk
 
+#include "benchmark.h"
 #include "operatorhand.h"
 #include "program.h"
 
@@ -13,9 +15,14 @@
 #include <widgets/icenterwidget.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLineEdit>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -31,9 +38,12 @@ using ProjectFileCfg::Internal::ZipPackageHandle;
 
 namespace {
 
-constexpr qint64 MiB = 1024 * 1024;
+using Benchmark::MiB;
+
 constexpr double limitMs = 50;
 constexpr int packageCount = 1000;
+constexpr int pictureCount = 24;
+constexpr int presetCount = 2000;
 
 void require(bool condition, const QString &why)
 {
@@ -111,21 +121,50 @@ void makePackage(const QString &path, qint64 size)
     require(ZipPackageHandle::compressEngineerPacket(directory.path(), info), QStringLiteral("cannot pack ") + path);
 }
 
-class Benchmark
+/// The small site, whose active device has as much as a large show.
+void writeLargeSite(const QString &path)
+{
+    QFile small(Simulation::builtInSite(QStringLiteral("small")));
+    require(small.open(QIODevice::ReadOnly), small.fileName());
+    QJsonObject site = QJsonDocument::fromJson(small.readAll()).object();
+    QJsonArray devices = site.value("devices").toArray();
+    QJsonObject device = devices.at(0).toObject();
+    require(device.value("ip") == site.value("activeDevice"), QStringLiteral("another device is active"));
+    QJsonArray backgrounds;
+    for (int number = 0; number < pictureCount; ++number)
+        backgrounds.append(QJsonObject{{"keyNo", number},
+                                       {"name", QStringLiteral("Picture %1").arg(number)},
+                                       {"generator", "beams"},
+                                       {"width", 1920},
+                                       {"height", 1080},
+                                       {"seed", number}});
+    device.insert("backgrounds", backgrounds);
+    QJsonObject presets = device.value("presets").toObject();
+    presets.insert("count", presetCount);
+    device.insert("presets", presets);
+    devices.replace(0, device);
+    site.insert("devices", devices);
+    QFile file(path);
+    require(file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(site).toJson()) > 0, path);
+}
+
+class Responsiveness
 {
 public:
-    explicit Benchmark(const QString &folder)
+    Responsiveness(const QString &folder, Benchmark::Report &report)
         : m_folder(folder)
         , m_projects(folder + QStringLiteral("/Documents/Velmora/Tarvo/ProjectFiles/"))
+        , m_report(report)
     {}
 
-    bool run(const QStringList &wanted)
+    void run()
     {
         QDir().mkpath(m_projects);
         makePackage(small(), 100);
         makeListed(QStringLiteral("first"));
+        writeLargeSite(m_folder + QStringLiteral("/site.json"));
         Program::Options options = Program::defaultOptions();
-        options.siteFile = Simulation::builtInSite(QStringLiteral("small"));
+        options.siteFile = m_folder + QStringLiteral("/site.json");
         options.workDirectory = m_folder + QStringLiteral("/work");
         options.language = QStringLiteral("en");
         Program program(options);
@@ -136,84 +175,105 @@ public:
         m_probe = &probe;
         waitForRows(1);
 
-        bool met = true;
-        if (wanted.isEmpty() || wanted.contains(QStringLiteral("copying")))
-            met = benchmarkCopying() && met;
-        if (wanted.isEmpty() || wanted.contains(QStringLiteral("listing")))
-            met = benchmarkListing() && met;
-        return met;
+        if (m_report.isWanted(QStringLiteral("jobs")))
+            benchmarkJobs();
+        if (m_report.isWanted(QStringLiteral("copying")))
+            benchmarkCopying();
+        if (m_report.isWanted(QStringLiteral("listing")))
+            benchmarkListing();
     }
 
 private:
-    bool benchmarkCopying()
+    void benchmarkJobs()
+    {
+        const QString device = QStringLiteral(" of %1 pictures, %2 presets").arg(pictureCount).arg(presetCount);
+        const auto removeSaved = [this] {
+            remove(m_projects + QStringLiteral("Show.corvelpro"));
+            waitForRows(1);
+        };
+        measure(
+            QStringLiteral("save") + device, QStringLiteral("save: dialog and sync"), [this] { startSave(); },
+            [this] { waitForRows(2); }, removeSaved);
+        const auto apply = [this] {
+            m_hand->onNextBox(QStringLiteral("Whether the current configuration needs to be backed up before the "
+                                             "project file is imported?"),
+                              QStringLiteral("No"));
+            m_hand->press(table()->cellWidget(rowOf(QStringLiteral("Show")), 2), QStringLiteral("Apply"));
+        };
+        measure(
+            QStringLiteral("apply") + device, QStringLiteral("apply: pre-checks and restore"), apply, [] {}, [] {});
+        const auto edit = [this] {
+            m_hand->onNextDialog([this](QDialog *dialog) { m_hand->press(dialog, QStringLiteral("OK")); });
+            m_hand->press(table()->cellWidget(rowOf(QStringLiteral("Show")), 2), QStringLiteral("Edit"));
+        };
+        measure(
+            QStringLiteral("scan after an edit"), QStringLiteral("edit of the saved package"), edit, [] {}, [] {});
+        removeSaved();
+    }
+
+    void benchmarkCopying()
     {
         const QString large = m_projects + QStringLiteral("large.corvelpro");
         const QString elsewhere = m_folder + QStringLiteral("/large.corvelpro");
         makePackage(elsewhere, 1000 * MiB);
-        bool met = measure(
-            "import of a package of 1 GB", [&] { import(elsewhere); }, [&] { remove(large); });
+        measure(
+            QStringLiteral("import of a package of 1 GB"), QString(), [&] { import(elsewhere); },
+            [this] { waitForRows(2); }, [&] { remove(large); });
         remove(elsewhere);
-        const auto saveAgain = [&] { saveAs(elsewhere); };
-        met = measure("save as of a package of 1 GB", saveAgain, [&] { remove(elsewhere); }) && met;
+        measure(
+            QStringLiteral("save as of a package of 1 GB"), QString(), [&] { saveAs(elsewhere); },
+            [&] { require(QFileInfo(elsewhere).size() > 1000 * MiB, QStringLiteral("nothing was copied")); },
+            [&] { remove(elsewhere); });
         remove(large);
         waitForRows(1);
-        return met;
     }
 
-    bool benchmarkListing()
+    void benchmarkListing()
     {
-        const auto fill = [this] {
-            for (int i = 0; i < packageCount; ++i)
-                makeListed(QString::number(i));
-        };
-        const auto empty = [this] {
-            for (int i = 0; i < packageCount; ++i)
-                remove(m_projects + QString::number(i) + QStringLiteral(".corvelpro"));
-            waitForRows(1);
-        };
-        const auto refill = [&] {
-            empty();
-            fill();
-        };
+        for (int i = 0; i < packageCount; ++i)
+            makeListed(QString::number(i));
+        // The table is whole when the list is, so its first filling is one pause.
+        m_probe->restart();
+        waitForRows(1 + packageCount);
+        m_report.told(QStringLiteral("first listing of 1,000 packages"), m_probe->longest().ms, QStringLiteral("ms"));
         int rows = 1 + packageCount;
-        const auto wait = [&] { waitForRows(rows); };
-        fill();
-        // The table is whole when the list is, so its first filling is one pause, which is told and not judged.
-        measure("first listing of 1,000 packages", wait, refill, 0);
-        bool met = true;
         const auto addOne = [&] { makeListed(QStringLiteral("new %1").arg(++rows)); };
         addOne();
-        met = measure("scan of 1,000 packages, one of them new", wait, addOne) && met;
-        return met;
+        measure(
+            QStringLiteral("scan of 1,000 packages, one of them new"), QString(), [] {}, [&] { waitForRows(rows); },
+            addOne);
     }
 
     /// A pause that the program makes is there each time, one that the machine makes is not: the best of three runs
-    /// counts. `prepare` stands between two of them. Without a limit (0) one run is enough.
-    bool measure(const char *what, const std::function<void()> &work, const std::function<void()> &prepare,
-                 double limit = limitMs)
+    /// counts. `work` is what follows the `start`, whose own pause is told under `startName`, or counts as well where
+    /// that is empty. `prepare` stands between two runs.
+    void measure(const QString &what, const QString &startName, const std::function<void()> &start,
+                 const std::function<void()> &work, const std::function<void()> &prepare)
     {
         EventLoopProbe::Pause shortest;
-        QElapsedTimer timer;
-        for (int run = 0; run == 0 || (limit > 0 && run < 3 && shortest.ms > limit); ++run) {
+        EventLoopProbe::Pause ofStart;
+        for (int run = 0; run == 0 || (run < 3 && shortest.ms > limitMs); ++run) {
             if (run > 0)
                 prepare();
             // What was started before is not what is measured.
             m_hand->waitUntilIdle();
-            timer.start();
             m_probe->restart();
+            start();
+            const EventLoopProbe::Pause untilStarted = m_probe->longest();
+            if (!startName.isEmpty())
+                m_probe->restart();
+            m_hand->waitUntilIdle();
             work();
             const EventLoopProbe::Pause longest = m_probe->longest();
-            if (run == 0 || longest.ms < shortest.ms)
+            if (run == 0 || longest.ms < shortest.ms) {
                 shortest = longest;
+                ofStart = untilStarted;
+            }
         }
-        const bool isMet = limit == 0 || shortest.ms <= limit;
-        std::printf("  %-42s %6.1f s   longest pause %6.1f ms, %5.1f of them at work   %s\n", what,
-                    double(timer.elapsed()) / 1000, shortest.ms, shortest.busyMs,
-                    limit == 0 ? "(no limit)"
-                    : isMet    ? "(limit 50 ms) met"
-                               : "(limit 50 ms) MISSED");
-        std::fflush(stdout);
-        return isMet;
+        m_report.atMost(QStringLiteral("longest pause, ") + what, shortest.ms, QStringLiteral("ms"), limitMs);
+        std::printf("    %.1f ms of it at work\n", shortest.busyMs);
+        if (!startName.isEmpty())
+            m_report.told(QStringLiteral("  in one go, ") + startName, ofStart.ms, QStringLiteral("ms"));
     }
 
     static void remove(const QString &path) { require(QFile::remove(path), QStringLiteral("cannot remove ") + path); }
@@ -248,8 +308,6 @@ private:
         m_hand->onNextFileDialog({target});
         m_hand->onNextBox(QStringLiteral("save as success"), QStringLiteral("OK"));
         m_hand->press(table()->cellWidget(rowOf(QStringLiteral("large")), 2), QStringLiteral("Save as"));
-        m_hand->waitUntilIdle();
-        require(QFileInfo(target).size() > 1000 * MiB, QStringLiteral("nothing was copied"));
     }
 
     void import(const QString &path)
@@ -257,8 +315,17 @@ private:
         m_hand->onNextFileDialog({path});
         m_hand->onNextBox(QStringLiteral("Import as success"), QStringLiteral("OK"));
         m_hand->press(panel(), QStringLiteral("Import Project"));
-        m_hand->waitUntilIdle();
-        waitForRows(2);
+    }
+
+    void startSave()
+    {
+        m_hand->onNextDialog([this](QDialog *dialog) {
+            auto *name = dialog->findChild<QLineEdit *>();
+            require(name, QStringLiteral("expected the dialog for the name"));
+            name->setText(QStringLiteral("Show"));
+            m_hand->press(dialog, QStringLiteral("OK"));
+        });
+        m_hand->press(panel(), QStringLiteral("Save Project"));
     }
 
     QString small() const { return m_folder + QStringLiteral("/small.corvelpro"); }
@@ -269,6 +336,7 @@ private:
 
     const QString m_folder;
     const QString m_projects;
+    Benchmark::Report &m_report;
     OperatorHand *m_hand = nullptr;
     EventLoopProbe *m_probe = nullptr;
 };
@@ -287,9 +355,11 @@ int main(int argc, char *argv[])
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QApplication application(argc, argv);
     try {
-        return Benchmark(home.path()).run(application.arguments().mid(1)) ? 0 : 1;
+        Benchmark::Report report(application.arguments());
+        Responsiveness(home.path(), report).run();
+        return report.allMet() ? 0 : 1;
     } catch (const TourFailure &failure) {
         std::fprintf(stderr, "bench_responsiveness: %s\n", qPrintable(failure.text()));
-        return 1;
+        return 2;
     }
 }

@@ -95,7 +95,7 @@ inline Pair inTurn(int pairs, const std::function<void()> &plain, const std::fun
 
 /// The program's command line and its rows:
 ///
-///     <program> [--quick] [--rows FILE] [NAME ...]      all benchmarks where none is named
+///     <program> [--quick] [--rows FILE] [NAME ...]      all that are not long where none is named
 ///
 /// The rows go to standard output as text and to FILE as one JSON object a line.
 class Report
@@ -118,6 +118,7 @@ public:
     bool isQuick() const { return m_isQuick; }
     int pairs() const { return m_isQuick ? 3 : 5; }
     bool isWanted(const QString &name) const { return m_wanted.isEmpty() || m_wanted.contains(name); }
+    bool wantsAll() const { return m_wanted.isEmpty(); }
     /// False when a limit was missed.
     bool allMet() const { return m_allMet; }
 
@@ -139,11 +140,16 @@ public:
     /// A figure that may not be above `limit`.
     void atMost(const QString &what, double value, const QString &unit, double limit)
     {
-        QJsonObject row = judged(what, value, "<=", limit);
-        row.insert("unit", unit);
-        write(row);
+        figure(judged(what, value, "<=", limit), unit);
         std::printf("%-58s %10.2f %-4s <= %g: %s\n", qPrintable(what), value, qPrintable(unit), limit,
                     value <= limit ? "reached" : "MISSED");
+        std::fflush(stdout);
+    }
+    /// A figure for the reader's judgement.
+    void told(const QString &what, double value, const QString &unit)
+    {
+        figure(judged(what, value, "", 0), unit);
+        std::printf("%-58s %10.2f %s\n", qPrintable(what), value, qPrintable(unit));
         std::fflush(stdout);
     }
     /// How the cost of a work grows: points of size and milliseconds, and of memory above the start in MiB.
@@ -175,6 +181,11 @@ private:
             row.insert("limit", limit);
         }
         return row;
+    }
+    void figure(QJsonObject row, const QString &unit)
+    {
+        row.insert("unit", unit);
+        write(row);
     }
     void compare(const QString &what, const QString &plainWay, const Pair &times, double ratio, const char *sign,
                  double limit)

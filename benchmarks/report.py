@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes the table, results.json and chart.svg of the rows that the benchmarks wrote.
 
-    report.py ROWS FOLDER        exits with 1 when a limit was missed
+    report.py FOLDER ROWS ...    exits with 1 when a limit was missed; files of rows that are not there are passed over
 """
 
 import html
@@ -126,9 +126,11 @@ def curves(drawing, growths, top):
 
 
 def main():
-    rows_path, folder = sys.argv[1:3]
-    with open(rows_path, encoding="utf-8") as file:
-        everything = [json.loads(line) for line in file]
+    folder, *paths = sys.argv[1:]
+    everything = []
+    for path in filter(os.path.exists, paths):
+        with open(path, encoding="utf-8") as file:
+            everything += [json.loads(line) for line in file]
     rows = [row for row in everything if "what" in row]
     growths = [row for row in everything if "growth" in row]
 

@@ -85,7 +85,8 @@ bool shareContent(int from, int to)
 void beginFlush(int handle)
 {
 #ifdef Q_OS_LINUX
-    // From the beginning, since the zip library goes back to complete its headers. What is on its way already is passed.
+    // From the beginning, since the zip library goes back to complete its headers. What is on its way already is
+    // passed.
     sync_file_range(handle, 0, 0, SYNC_FILE_RANGE_WRITE);
 #else
     Q_UNUSED(handle)

@@ -190,6 +190,12 @@ QStringList PackageReader::fileList() const
     return directory().names;
 }
 
+qint64 PackageReader::entrySize(const QString &entryName) const
+{
+    const auto entry = directory().entries.constFind(entryName);
+    return entry == directory().entries.constEnd() ? -1 : entry->size;
+}
+
 // Straight from the archive's bytes: to QuaZip a zero byte ends it or does not, as the first entry says; where that one
 // cannot be read, as chance would have it.
 QString PackageReader::comment() const

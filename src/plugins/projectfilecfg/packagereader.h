@@ -30,6 +30,9 @@ public:
     /// the file has, more than 65,535 of them, or names of more than 16 million characters.
     QStringList fileList() const;
 
+    /// How large the content of `entryName` says that it is; -1 when there is no such entry.
+    qint64 entrySize(const QString &entryName) const;
+
     /// The archive's comment; empty when there is none.
     QString comment() const;
 

@@ -2,6 +2,7 @@
 
 #include "localecodec.h"
 #include "packagechecksum.h"
+#include "packagereader.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
 
@@ -50,9 +51,11 @@ bool isPicture(const QString &name)
 /// The archive's time stamps begin in 1980 and end in 2107; others would be stored as garbage.
 QDateTime storableTime(const QDateTime &time)
 {
-    const QDateTime first(QDate(1980, 1, 1), QTime(0, 0));
-    const QDateTime last(QDate(2107, 12, 31), QTime(23, 59, 58));
-    return qBound(first, time, last);
+    const int year = time.date().year();
+    if (year < 1980) {
+        return QDateTime(QDate(1980, 1, 1), QTime(0, 0));
+    }
+    return year > 2107 ? QDateTime(QDate(2107, 12, 31), QTime(23, 59, 58)) : time;
 }
 
 /// An extra field that readers pass over: the growth hint of the Open Packaging Conventions.
@@ -183,7 +186,8 @@ bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize)
 {
     markEncoding(zip, entry.name);
     // Of a link's attributes those of its target count, else it would come out as a link again.
-    QuaZipNewInfo header(entry.name, QFileInfo(entry.sourcePath).canonicalFilePath());
+    const QFileInfo source(entry.sourcePath);
+    QuaZipNewInfo header(entry.name, source.isSymLink() ? source.canonicalFilePath() : entry.sourcePath);
     header.dateTime = storableTime(header.dateTime);
     header.extraLocal = paddingField(paddingSize);
 
@@ -212,16 +216,12 @@ bool PackageWriter::copyContent(Entry &entry, QIODevice &destination)
 
 bool PackageWriter::isListedIn(const QString &path) const
 {
-    useUtf8LocaleCodec();
-    QuaZip zip(path);
-    if (!zip.open(QuaZip::mdUnzip)) {
-        return false;
-    }
-    const QList<QuaZipFileInfo64> listed = zip.getFileInfoList64();
-    return std::equal(listed.begin(), listed.end(), m_entries.begin(), m_entries.end(),
-                      [](const QuaZipFileInfo64 &found, const Entry &written) {
-                          return found.name == written.name && qint64(found.uncompressedSize) == written.size;
-                      });
+    const PackageReader package(path);
+    const QStringList listed = package.fileList();
+    return package.isOpen() && std::equal(listed.begin(), listed.end(), m_entries.begin(), m_entries.end(),
+                                          [&package](const QString &found, const Entry &written) {
+                                              return found == written.name && package.entrySize(found) == written.size;
+                                          });
 }
 
 } // namespace Internal

@@ -31,7 +31,8 @@ public:
     /// False when a source cannot be read or a write fails; what the file holds then is of no use.
     bool write(QFile &archive);
 
-    /// True when the archive at `path` lists the very entries, in name, order and size, that were written.
+    /// True when a reader finds in the archive at `path` the very entries, in name, order and size, that were written:
+    /// never when their contents are so large together that no reader takes them.
     bool isListedIn(const QString &path) const;
 
 private:
