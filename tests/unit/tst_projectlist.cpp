@@ -20,6 +20,7 @@ private slots:
     void a_missing_directory_is_created_and_lists_nothing();
     void a_directory_that_cannot_be_created_leaves_the_list();
     void packages_are_listed_newest_first_with_their_records();
+    void packages_of_one_time_are_listed_by_name();
     void the_name_is_the_files_and_not_the_records();
     void the_name_ends_at_the_first_dot();
     void a_known_package_is_not_read_again();
@@ -114,6 +115,22 @@ void TstProjectList::packages_are_listed_newest_first_with_their_records()
     QCOMPARE(comments(), QStringList({"first", "second", "third"}));
     QCOMPARE(m_list->projects.first().strFilePath, m_path + "Newest.corvelpro");
     QCOMPARE(m_list->projects.first().strChecksum.size(), 32);
+}
+
+void TstProjectList::packages_of_one_time_are_listed_by_name()
+{
+    const QStringList byName{"B", "C", "Z", "a", "b 1", "b 10", "b 2", QString::fromUtf8("ä")};
+    for (const QString &name : {byName[6], byName[1], byName[7], byName[0], byName[3], byName[5], byName[2], byName[4]})
+        QVERIFY(addPackage(name + ".corvelpro", QString(), 60));
+    QVERIFY(addPackage("older.corvelpro", QString(), 61));
+    QVERIFY(addPackage("newer.corvelpro", QString(), 59));
+    scan();
+    QCOMPARE(names(), QStringList("newer") + byName + QStringList("older"));
+    // As the system's own list of files by time has it.
+    QStringList expected;
+    for (const QFileInfo &file : QDir(m_path).entryInfoList(QDir::Files, QDir::Time))
+        expected.append(file.baseName());
+    QCOMPARE(names(), expected);
 }
 
 void TstProjectList::the_name_is_the_files_and_not_the_records()
