@@ -107,11 +107,12 @@ void makeLargeFile(const QString &path, qint64 size)
     QRandomGenerator random(3);
     QFile file(path);
     require(QDir().mkpath(QFileInfo(path).absolutePath()) && file.open(QIODevice::WriteOnly), "cannot write " + path);
-    while (file.size() < size) {
+    for (qint64 left = size; left > 0; left -= 4 * MiB) {
         random.fillRange(block.data(), block.size());
-        require(file.write(reinterpret_cast<const char *>(block.constData()), 4 * MiB) == 4 * MiB && file.flush(),
-                "cannot write " + path);
+        const qint64 count = std::min(left, 4 * MiB);
+        require(file.write(reinterpret_cast<const char *>(block.constData()), count) == count, "cannot write " + path);
     }
+    require(file.flush(), "cannot write " + path);
 }
 
 QByteArray contentDigest(const QString &package)
@@ -445,11 +446,16 @@ qint64 peakMemory()
     return text.mid(text.indexOf("VmHWM:") + 6, 30).simplified().split(' ').first().toLongLong() * 1024;
 }
 
+/// Half of it pictures, half of it something to deflate; no file larger than a reader takes.
 void makeMemoryFolder(const QString &folder, qint64 size)
 {
+    constexpr qint64 largest = 500LL * 1000 * 1000;
     QDir(folder + "/memory").removeRecursively();
-    makeLargeFile(folder + "/memory/BKG/BKG_1.png", size / 2);
-    makeLargeFile(folder + "/memory/other.bin", size / 2);
+    for (const QString &name : {QStringLiteral("/memory/BKG/BKG_%1.png"), QStringLiteral("/memory/%1.bin")}) {
+        int number = 0;
+        for (qint64 left = size / 2; left > 0; left -= largest)
+            makeLargeFile(folder + name.arg(++number), std::min(left, largest));
+    }
 }
 
 /// Runs in a process of its own, since a peak never comes down again.
@@ -481,7 +487,8 @@ QPair<double, double> measuredStep(const QString &step, const QString &folder)
 {
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(), {"--memory-step", step, folder});
-    require(process.waitForFinished(600000) && process.exitCode() == 0, "the measured process failed");
+    require(process.waitForFinished(600000) && process.exitCode() == 0,
+            "the measured process failed: " + QString::fromLocal8Bit(process.readAllStandardError()));
     const QList<QByteArray> values = process.readAllStandardOutput().split(' ');
     return {values.value(0).toDouble() / double(MiB), values.value(1).toDouble()};
 }
