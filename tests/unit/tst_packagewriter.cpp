@@ -43,9 +43,9 @@ private slots:
     void a_link_to_a_folder_inside_is_packed_as_the_folder();
     void what_cannot_be_packed_whole_is_refused_data();
     void what_cannot_be_packed_whole_is_refused();
+    void what_a_reader_just_takes_is_not_refused();
     void what_may_not_be_read_is_refused_data();
     void what_may_not_be_read_is_refused();
-    void a_file_above_the_classic_format_is_refused();
     void more_entries_than_the_classic_format_holds_are_refused();
     void pictures_that_are_together_above_the_classic_format_are_refused_at_once();
     void a_full_disk_makes_writing_fail();
@@ -320,6 +320,19 @@ void TstPackageWriter::what_cannot_be_packed_whole_is_refused_data()
     QTest::newRow("link to an enclosing folder") << QStringList{"ln", "-s", "..", "%1/sub/link"};
     QTest::newRow("pipe") << QStringList{"mkfifo", "%1/pipe"};
     QTest::newRow("device") << QStringList{"ln", "-s", "/dev/null", "%1/device"};
+    QTest::newRow("description above 64 MiB") << QStringList{"truncate", "-s", "67108865", "%1/device.json"};
+    QTest::newRow("file above 1 GiB") << QStringList{"truncate", "-s", "1073741825", "%1/data"};
+    QTest::newRow("files above 4 GiB") << QStringList{"truncate", "-s", "1G", "%1/1", "%1/2", "%1/3", "%1/4"};
+}
+
+void TstPackageWriter::what_a_reader_just_takes_is_not_refused()
+{
+    QCOMPARE(run("truncate", {"-s", "67108864", m_dir + "/device.json"}).exitCode, 0);
+    QCOMPARE(run("truncate", {"-s", "1073741824", m_dir + "/1", m_dir + "/2", m_dir + "/3"}).exitCode, 0);
+    QCOMPARE(run("truncate", {"-s", "1006632960", m_dir + "/4"}).exitCode, 0);
+    QVERIFY(PackageWriter(m_dir, m_archive).scan());
+    QVERIFY(writeFile(m_dir + "/5", "x"));
+    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
 }
 
 void TstPackageWriter::what_cannot_be_packed_whole_is_refused()
@@ -366,16 +379,6 @@ void TstPackageWriter::what_may_not_be_read_is_refused()
     QCOMPARE(run("chmod", {"u+rwx", m_dir + locked}).exitCode, 0);
 }
 
-void TstPackageWriter::a_file_above_the_classic_format_is_refused()
-{
-    QFile file(m_dir + "/huge.bin");
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.resize(0xFFFFFFFELL));
-    QVERIFY(PackageWriter(m_dir, m_archive).scan());
-    QVERIFY(file.resize(0xFFFFFFFFLL));
-    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
-}
-
 void TstPackageWriter::more_entries_than_the_classic_format_holds_are_refused()
 {
     const auto add = [this](int number) {
@@ -395,21 +398,22 @@ void TstPackageWriter::more_entries_than_the_classic_format_holds_are_refused()
 void TstPackageWriter::pictures_that_are_together_above_the_classic_format_are_refused_at_once()
 {
     // Headers, twice the names, and the record that ends an archive.
-    constexpr qint64 besides = 22 + (76 + 2 * 5) + 3 * (76 + 2 * 7);
+    constexpr qint64 besides = 22 + (76 + 2 * 5) + 4 * (76 + 2 * 7);
     constexpr qint64 most = 0xFFFFFFFELL - besides;
+    constexpr qint64 largest = 1024 * MiB;
     QVERIFY(QDir().mkpath(m_dir + "/BKGD"));
     QVector<QFile *> pictures;
-    for (int number = 0; number < 3; ++number) {
+    for (int number = 0; number < 4; ++number) {
         auto *file = new QFile(m_dir + QStringLiteral("/%1_0.PNG").arg(number), this);
         QVERIFY(file->open(QIODevice::WriteOnly));
-        QVERIFY(file->resize(number < 2 ? 0x60000000LL : most - 2 * 0x60000000LL));
+        QVERIFY(file->resize(number < 3 ? largest : most - 3 * largest));
         pictures.append(file);
     }
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(pictures.last()->resize(pictures.last()->size() + 1));
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
     // What is deflated may well become small enough.
-    QVERIFY(pictures.last()->rename(m_dir + "/2_0.bin"));
+    QVERIFY(pictures.last()->rename(m_dir + "/3_0.bin"));
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     qDeleteAll(pictures);
 }

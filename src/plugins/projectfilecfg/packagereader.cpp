@@ -25,8 +25,6 @@ namespace {
 
 constexpr qint64 maxDescriptionSize = 64LL * 1024 * 1024;
 constexpr qint64 maxEntrySize = 1024LL * 1024 * 1024;
-/// Of all entries together. A package itself is smaller, and its pictures are as large outside as inside.
-constexpr quint64 maxContentSize = 4 * quint64(maxEntrySize);
 /// In characters, of all names together: 256 for each of as many entries as there can be.
 constexpr int maxNamesLength = 16 * 1024 * 1024;
 constexpr int maxDepth = 64;
@@ -162,7 +160,7 @@ struct PackageReader::Directory
     /// that no file of `archiveSize` holds unless the entries share them.
     bool isCredible(qint64 archiveSize) const
     {
-        return names.size() <= maxEntries && namesLength <= maxNamesLength && contentSize <= maxContentSize &&
+        return names.size() <= maxEntries && namesLength <= maxNamesLength && contentSize <= quint64(maxContentSize) &&
                packedSize <= quint64(archiveSize);
     }
 };
@@ -188,6 +186,11 @@ bool PackageReader::isOpen() const
 QStringList PackageReader::fileList() const
 {
     return directory().names;
+}
+
+qint64 PackageReader::maxSizeOf(const QString &entryName)
+{
+    return isJson(entryName) ? maxDescriptionSize : maxEntrySize;
 }
 
 qint64 PackageReader::entrySize(const QString &entryName) const
@@ -267,9 +270,8 @@ QString PackageReader::extractFile(const QString &entryName, const QString &dest
         blocksLaterPackages(entryName) || leadsThroughLink(entryName, target)) {
         return QString();
     }
-    const bool extracted = isFolder(entryName)
-                               ? QDir().mkpath(target)
-                               : writeEntry(*entry, target, isJson(entryName) ? maxDescriptionSize : maxEntrySize);
+    const bool extracted =
+        isFolder(entryName) ? QDir().mkpath(target) : writeEntry(*entry, target, maxSizeOf(entryName));
     return extracted ? QFileInfo(target).absoluteFilePath() : QString();
 }
 

@@ -30,6 +30,11 @@ public:
     /// the file has, more than 65,535 of them, or names of more than 16 million characters.
     QStringList fileList() const;
 
+    /// What content is taken, in bytes: of an entry of that name, and of all entries together. A package itself is
+    /// smaller, and its pictures are as large outside as inside.
+    static qint64 maxSizeOf(const QString &entryName);
+    static constexpr qint64 maxContentSize = 4LL * 1024 * 1024 * 1024;
+
     /// How large the content of `entryName` says that it is; -1 when there is no such entry.
     qint64 entrySize(const QString &entryName) const;
 

@@ -14,6 +14,7 @@
 #include <quazipfile.h>
 
 #include <algorithm>
+#include <numeric>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -90,7 +91,8 @@ PackageWriter::PackageWriter(const QString &dirPath, const QString &packetPath)
 bool PackageWriter::scan()
 {
     m_entries.clear();
-    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList()) && leastSize() <= maxClassicSize;
+    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList()) &&
+           leastSize() <= maxClassicSize && contentSize() <= PackageReader::maxContentSize;
 }
 
 /// What is stored takes its own size, so some trees are seen to be too large without writing 4 GiB first.
@@ -102,6 +104,12 @@ qint64 PackageWriter::leastSize() const
         size += headersSize + 2 * entry.name.toUtf8().size() + (isPicture(entry.name) ? entry.size : 0);
     }
     return size;
+}
+
+qint64 PackageWriter::contentSize() const
+{
+    return std::accumulate(m_entries.begin(), m_entries.end(), qint64(0),
+                           [](qint64 sum, const Entry &entry) { return sum + entry.size; });
 }
 
 bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders)
@@ -133,10 +141,12 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
             ReplacingFile::isFragment(source.fileName())) {
             continue;
         }
-        if (!source.isFile() || !source.isReadable() || source.size() > maxClassicSize) {
+        const QString name = prefix + source.fileName();
+        // What no reader takes would be found out when the package is applied.
+        if (!source.isFile() || !source.isReadable() || source.size() > PackageReader::maxSizeOf(name)) {
             return false;
         }
-        m_entries.append({prefix + source.fileName(), source.absoluteFilePath(), source.size()});
+        m_entries.append({name, source.absoluteFilePath(), source.size()});
     }
     return m_entries.size() <= maxClassicEntries;
 }

@@ -24,15 +24,15 @@ public:
 
     /// Lists what is to be packed. False when the tree cannot be packed whole: a folder or file that cannot be
     /// read, a special file, a link that is broken, leads outside or back to a folder that it lies in, or more
-    /// than an archive of the classic format holds. Other links are packed as what they point to.
+    /// than an archive of the classic format holds or PackageReader takes. Other links are packed as what they point
+    /// to.
     bool scan();
 
     /// Writes the archive, without a comment, over whatever `archive` (open for reading and writing) holds.
     /// False when a source cannot be read or a write fails; what the file holds then is of no use.
     bool write(QFile &archive);
 
-    /// True when a reader finds in the archive at `path` the very entries, in name, order and size, that were written:
-    /// never when their contents are so large together that no reader takes them.
+    /// True when a reader finds in the archive at `path` the very entries, in name, order and size, that were written.
     bool isListedIn(const QString &path) const;
 
 private:
@@ -47,6 +47,7 @@ private:
 
     bool scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders);
     qint64 leastSize() const;
+    qint64 contentSize() const;
     bool staysInside(const QFileInfo &source) const;
     bool writeEntries(QFile &archive, int paddingSize);
     bool writeEntry(QuaZip &zip, Entry &entry, int paddingSize);
