@@ -91,6 +91,15 @@ extern "C" Q_DECL_EXPORT int fsync(int handle)
     return failsWith(isFolder(handle) ? s_system.flushFolder : s_system.flushFile) ? -1 : function(handle);
 }
 
+extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t count, unsigned int flags)
+{
+    static const auto function = original<int (*)(int, off64_t, off64_t, unsigned int)>("sync_file_range");
+    // All of it, and without waiting.
+    const bool isHint = offset == 0 && count == 0 && flags == SYNC_FILE_RANGE_WRITE;
+    s_system.steps.append(isHint ? QStringLiteral("begin flushing") : QStringLiteral("flush a part"));
+    return function(handle, offset, count, flags);
+}
+
 extern "C" Q_DECL_EXPORT int syncfs(int handle) noexcept
 {
     static const auto function = original<int (*)(int)>("syncfs");
@@ -124,6 +133,7 @@ private slots:
     void content_is_flushed_before_the_name_and_the_name_before_success_data();
     void content_is_flushed_before_the_name_and_the_name_before_success();
     void what_can_be_made_again_is_not_flushed();
+    void the_disk_begins_with_the_first_8_MiB();
     void content_that_cannot_be_flushed_replaces_nothing();
     void content_that_cannot_be_written_replaces_nothing();
     void a_missing_folder_is_flushed_before_the_file_is_made();
@@ -183,6 +193,24 @@ void TstDurableFile::what_can_be_made_again_is_not_flushed()
     QVERIFY(replace(ReplacingFile::NotFlushed, ReplacingFile::Replaced));
     QCOMPARE(s_system.steps, QStringList{"rename"});
     QCOMPARE(readFile(path("target")), QByteArray("new"));
+}
+
+void TstDurableFile::the_disk_begins_with_the_first_8_MiB()
+{
+    for (const auto durability : {ReplacingFile::FlushedToDisk, ReplacingFile::NotFlushed}) {
+        const bool isFlushed = durability == ReplacingFile::FlushedToDisk;
+        s_system.steps.clear();
+        ReplacingFile file(path("target"), durability);
+        QVERIFY(file.create());
+        const QByteArray block(int(MiB), 'x');
+        for (int number = 1; number <= 17; ++number) {
+            QCOMPARE(file.file().write(block), qint64(block.size()));
+            QCOMPARE(s_system.steps.count("begin flushing"), isFlushed ? number / 8 : 0);
+        }
+        QVERIFY(file.commit());
+        QCOMPARE(s_system.steps.mid(isFlushed ? 2 : 0),
+                 isFlushed ? (QStringList{"flush file", "rename", "flush folder"}) : QStringList{"rename"});
+    }
 }
 
 void TstDurableFile::content_that_cannot_be_flushed_replaces_nothing()

@@ -336,14 +336,20 @@ void TstEngineerDocLoad::a_description_that_fills_the_memory_is_code_5_data()
     QTest::newRow("16 MiB") << device.leftJustified(longest) << 0;
     QTest::newRow("above 16 MiB") << device.leftJustified(longest + 1) << 5;
 
-    const auto withParts = [&device](int count) {
+    const auto partsOf = [](const QByteArray &json) {
         const auto beginsPart = [](char c) { return c == ',' || c == ':' || c == '[' || c == '{'; };
-        // One more for the comma before the member, its colon, and the array itself.
-        const int elements = count - int(std::count_if(device.begin(), device.end(), beginsPart)) - 2;
-        return device.left(device.size() - 1) + ",\"more\":[1" + QByteArray(",1").repeated(elements - 1) + "]}";
+        return int(std::count_if(json.begin(), json.end(), beginsPart));
     };
-    QTest::newRow("a million members") << withParts(1024 * 1024) << 0;
-    QTest::newRow("above a million members") << withParts(1024 * 1024 + 1) << 5;
+    const int most = 1024 * 1024;
+    for (const QByteArray element : {"1", "[]", "{}", "{\"a\":1}"}) {
+        const QByteArray begun = device.left(device.size() - 1) + ",\"more\":[1";
+        const QByteArray many = begun + (',' + element).repeated((most - partsOf(begun)) / (1 + partsOf(element)));
+        const auto withParts = [&](int count) {
+            return many + QByteArray(",1").repeated(count - partsOf(many)) + "]}";
+        };
+        QTest::newRow(qPrintable("a million parts, " + element)) << withParts(most) << 0;
+        QTest::newRow(qPrintable("above a million parts, " + element)) << withParts(most + 1) << 5;
+    }
 }
 
 void TstEngineerDocLoad::a_description_that_fills_the_memory_is_code_5()

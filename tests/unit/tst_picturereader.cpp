@@ -24,6 +24,7 @@ private slots:
     void pixels_above_the_limit_are_not_read();
     void texts_are_counted_data();
     void texts_are_counted();
+    void a_file_above_256_MiB_is_not_read();
     void what_is_no_png_has_no_size_data();
     void what_is_no_png_has_no_size();
     void a_missing_picture_has_no_size();
@@ -128,6 +129,16 @@ void TstPictureReader::texts_are_counted()
     }
     // What follows the end of a picture is no part of it.
     QCOMPARE(PictureReader(write(png + chunks)).size(), QSize(16, 9));
+}
+
+void TstPictureReader::a_file_above_256_MiB_is_not_read()
+{
+    const QString path = write(PngMaker::blank(16, 9));
+    const qint64 most = 256 * MiB;
+    QVERIFY(QFile::resize(path, most));
+    QCOMPARE(PictureReader(path).size(), QSize(16, 9));
+    QVERIFY(QFile::resize(path, most + 1));
+    QCOMPARE(PictureReader(path).size(), QSize());
 }
 
 void TstPictureReader::what_is_no_png_has_no_size_data()
