@@ -19,7 +19,7 @@ foreach(source IN LISTS product_sources)
     foreach(line IN LISTS includes)
         string(REGEX REPLACE "^[^<\"]*[<\"]([^>\"]+)[>\"].*$" "\\1" header "${line}")
         if(header IN_LIST own_headers OR header MATCHES "^[a-z0-9_]+\\.moc$" OR header MATCHES "^[a-z_0-9]+$"
-           OR header MATCHES "^(sys/)?[a-z]+\\.h$" OR header MATCHES "^(Q[A-Za-z]+|Qt[A-Za-z]+/Q[A-Za-z]+)$"
+           OR header MATCHES "^((sys|linux)/)?[a-z]+\\.h$" OR header MATCHES "^(Q[A-Za-z]+|Qt[A-Za-z]+/Q[A-Za-z]+)$"
            OR header MATCHES "^(quazip/)?(quazip[a-z]*|JlCompress)\\.h$")
             continue()
         endif()
