@@ -36,6 +36,12 @@ void beforeEmission(QObject *, int, void **)
     __tsan_release(&handover);
 }
 
+// What Qt itself looks up in the sender while it emits, as the last thing that a thread does when it ends.
+void afterEmission(QObject *, int)
+{
+    __tsan_release(&handover);
+}
+
 bool beforeEvent(void **)
 {
     __tsan_acquire(&handover);
@@ -50,7 +56,7 @@ Function *next(const char *symbol)
 
 __attribute__((constructor)) void watchEvents()
 {
-    static QSignalSpyCallbackSet callbacks = {beforeEmission, nullptr, nullptr, nullptr};
+    static QSignalSpyCallbackSet callbacks = {beforeEmission, nullptr, afterEmission, nullptr};
     qt_register_signal_spy_callbacks(&callbacks);
     QInternal::registerCallback(QInternal::EventNotifyCallback, beforeEvent);
 }
@@ -105,6 +111,12 @@ STAND_BEFORE(bool, tryAcquireTimed, "_ZN10QSemaphore10tryAcquireEii", (void *sel
              (self, number, timeout), , RETURN_AFTER_ACQUIRE_SELF)
 STAND_BEFORE(void, release, "_ZN10QSemaphore7releaseEi", (void *self, int number), (self, number), __tsan_release(self),
              CALL)
+
+// Calls that are posted: what was done before is seen by the call.
+STAND_BEFORE(bool, invokeMethod,
+             "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv",
+             (void *object, void *slot, int type, void *result), (object, slot, type, result),
+             __tsan_release(&handover), RETURN)
 
 // Threads: the end of a thread, which emits finished(), is seen by who waited for it.
 STAND_BEFORE(bool, wait, "_ZN7QThread4waitEm", (void *self, unsigned long time), (self, time), ,

@@ -17,7 +17,9 @@ class TstSynchronisation : public QObject
 
 private slots:
     void results_of_a_thread_are_seen_when_it_has_finished();
+    void a_thread_that_was_waited_for_touches_its_object_no_more();
     void signals_carry_strings_across_threads();
+    void posted_calls_see_what_was_done_before();
     void contended_mutexes_order_what_they_guard();
     void semaphores_order_what_was_done_before_a_release();
     void results_of_pool_work_are_seen_by_its_watcher();
@@ -60,6 +62,18 @@ void TstSynchronisation::results_of_a_thread_are_seen_when_it_has_finished()
     }
 }
 
+void TstSynchronisation::a_thread_that_was_waited_for_touches_its_object_no_more()
+{
+    // Each job is made where the one before it was.
+    for (int round = 0; round < 200; ++round) {
+        Job job;
+        const SignalRecorder<> finished(&job, &QThread::finished);
+        job.start();
+        QVERIFY(job.wait());
+        QCOMPARE(job.result, 1225);
+    }
+}
+
 void TstSynchronisation::signals_carry_strings_across_threads()
 {
     Job job;
@@ -69,6 +83,25 @@ void TstSynchronisation::signals_carry_strings_across_threads()
     QTRY_COMPARE(progress.count(), 50);
     QCOMPARE(progress.values().last(), QStringLiteral("step 49"));
     QVERIFY(job.wait());
+}
+
+void TstSynchronisation::posted_calls_see_what_was_done_before()
+{
+    QObject receiver;
+    const int calls = 2000;
+    int seen = 0;
+    QFuture<void> other = QtConcurrent::run([&]() {
+        for (int number = 0; number < calls; ++number) {
+            const auto text = std::make_shared<QString>(QString::number(number));
+            QMetaObject::invokeMethod(
+                &receiver, [text, &seen]() { seen += int(!text->isEmpty()); }, Qt::QueuedConnection);
+        }
+    });
+    // Mostly awake, so that nothing is learnt from being woken.
+    while (seen < calls)
+        QCoreApplication::processEvents();
+    other.waitForFinished();
+    QCOMPARE(seen, calls);
 }
 
 void TstSynchronisation::contended_mutexes_order_what_they_guard()
