@@ -19,6 +19,7 @@ private slots:
     void a_picture_is_encoded_as_its_own_save_does_data();
     void a_picture_is_encoded_as_its_own_save_does();
     void an_unchanged_picture_is_encoded_once();
+    void every_row_counts();
     void whatever_shows_in_the_file_makes_another_picture_data();
     void whatever_shows_in_the_file_makes_another_picture();
     void beyond_the_capacity_the_picture_goes_that_was_not_asked_for_the_longest();
@@ -67,6 +68,19 @@ void TstEncodedPictures::an_unchanged_picture_is_encoded_once()
     const QByteArray again = pictures.png(sample());
     QCOMPARE(pictures.encodedCount(), 1);
     QCOMPARE(again, pngOf(sample()));
+}
+
+void TstEncodedPictures::every_row_counts()
+{
+    const QImage picture = noisePicture({8, 5}, 1);
+    EncodedPictures pictures(1000000);
+    const QByteArray before = pictures.png(picture);
+    for (int row = 0; row < picture.height(); ++row) {
+        QImage other = picture;
+        other.setPixel(3, row, ~other.pixel(3, row));
+        QVERIFY(pictures.png(other) != before);
+    }
+    QCOMPARE(pictures.encodedCount(), 1 + picture.height());
 }
 
 void TstEncodedPictures::whatever_shows_in_the_file_makes_another_picture_data()
