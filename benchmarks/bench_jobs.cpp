@@ -123,7 +123,7 @@ void compareContents(const QString &one, const QString &other)
 
 void saving(Report &report)
 {
-    const int pictures = report.isQuick() ? 8 : 12;
+    constexpr int pictures = 12;
     const QSize size = pictureSize(report);
     const CustomSite site({{showDevice(sourceIp, pictures, size), true}});
     const QString folder = site.path() + "/projects/";
@@ -144,7 +144,7 @@ void saving(Report &report)
 
 void applying(Report &report)
 {
-    const int pictures = report.isQuick() ? 8 : 24;
+    constexpr int pictures = 24;
     const QSize size = pictureSize(report);
     const HardwareState source = showDevice(sourceIp, pictures, size);
     const CustomSite site({{plainDevice(targetIp), true}});
