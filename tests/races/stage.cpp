@@ -311,6 +311,21 @@ QString Stage::packageElsewhere(const QString &fileName, const Simulation::Hardw
     return path;
 }
 
+QStringList Stage::filesFor(Operation operation, const Simulation::HardwareState &state)
+{
+    switch (operation) {
+    case Import:
+        return {packageElsewhere(QStringLiteral("first.corvelpro"), state),
+                packageElsewhere(QStringLiteral("second.corvelpro"), state)};
+    case SaveAs:
+        return {elsewhere(QStringLiteral("copy.corvelpro"))};
+    case SaveAllAs:
+        return {elsewhere(QString())};
+    default:
+        return {};
+    }
+}
+
 void Stage::select(const QString &ip)
 {
     QComboBox *combo = panel().deviceCombo();

@@ -112,6 +112,9 @@ public:
     /// A package with that device elsewhere. Returns its path.
     QString packageElsewhere(const QString &fileName, const Simulation::HardwareState &state);
     QString elsewhere(const QString &fileName) const { return m_elsewhere.filePath(fileName); }
+    /// What the file dialog of that operation is answered with: two new packages "first" and "second" with that device
+    /// to import, or a place elsewhere to copy to.
+    QStringList filesFor(Operation operation, const Simulation::HardwareState &state);
 
     void select(const QString &ip);
     /// Presses the button of that operation, for a row's operation that of `row`, as soon as the event loop runs. False

@@ -67,20 +67,7 @@ bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbanc
     answers.name = savedName;
     answers.comment = QStringLiteral("disturbed");
     answers.question = QMessageBox::Yes;
-    switch (operation) {
-    case Import:
-        answers.paths = QStringList{stage.packageElsewhere(QStringLiteral("first.corvelpro"), packed),
-                                    stage.packageElsewhere(QStringLiteral("second.corvelpro"), packed)};
-        break;
-    case SaveAs:
-        answers.paths = QStringList{stage.elsewhere(QStringLiteral("copy.corvelpro"))};
-        break;
-    case SaveAllAs:
-        answers.paths = QStringList{stage.elsewhere(QString())};
-        break;
-    default:
-        break;
-    }
+    answers.paths = stage.filesFor(operation, packed);
     WarningGuard::clear();
     stage.points().start();
     bool isDisturbed = false;
@@ -191,25 +178,15 @@ void TstDisturbances::pool_work_that_is_disturbed_leaves_everything_in_order()
     stage.brokenTruths({packageName, otherName});
 
     Answers answers;
+    answers.paths = stage.filesFor(Operation(operation), packed);
     QSet<QString> touched;
     QString heldPath = projectFile(otherName);
-    switch (operation) {
-    case Import:
-        answers.paths = QStringList{stage.packageElsewhere(QStringLiteral("first.corvelpro"), packed),
-                                    stage.packageElsewhere(QStringLiteral("second.corvelpro"), packed)};
+    if (operation == Import) {
         touched = {QStringLiteral("first"), QStringLiteral("second")};
         heldPath = answers.paths.last();
-        break;
-    case SaveAs:
-        answers.paths = QStringList{stage.elsewhere(QStringLiteral("copy.corvelpro"))};
-        break;
-    case SaveAllAs:
-        answers.paths = QStringList{stage.elsewhere(QString())};
-        break;
-    case Scan:
+    } else if (operation == Scan) {
         touched = {scannedName};
         heldPath = projectFile(scannedName);
-        break;
     }
     std::optional<HeldThreadPool> heldPool;
     std::optional<HeldFile> heldFile;
