@@ -421,10 +421,12 @@ void TstPackageWriter::pictures_that_are_together_above_the_classic_format_are_r
 void TstPackageWriter::a_full_disk_makes_writing_fail()
 {
     QVERIFY(makeDeviceTree(m_dir));
+    QVERIFY(writeFile(m_dir + "/BKG/BKG_2.png", noise(1500000)));
     QVERIFY(pack());
     const qint64 size = QFileInfo(m_archive).size();
-    // Wherever in the archive the disk becomes full: in an entry, in the central directory, at its last byte.
-    for (qint64 limit : {qint64(0), qint64(100), size / 2, size - 300, size - 23, size - 1}) {
+    // Wherever in the archive the disk becomes full: in a small entry, in one that is written in several blocks, in the
+    // central directory, at its last byte.
+    for (qint64 limit : {qint64(0), qint64(100), qint64(300000), size / 2, size - 300, size - 23, size - 1}) {
         const FullDisk disk(limit);
         QVERIFY2(!pack(), qPrintable(QString::number(limit)));
     }

@@ -5,6 +5,7 @@
 #include "packagereader.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
+#include "writebehinddevice.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -176,19 +177,20 @@ bool PackageWriter::writeEntries(QFile &archive, int paddingSize)
         return false;
     }
     useUtf8LocaleCodec();
-    QuaZip zip(&archive);
+    WriteBehindDevice device(archive);
+    QuaZip zip(&device);
     zip.setAutoClose(false);
     if (!zip.open(QuaZip::mdCreate)) {
         return false;
     }
     for (Entry &entry : m_entries) {
-        if (!writeEntry(zip, entry, paddingSize) || archive.pos() > maxClassicSize) {
+        if (!writeEntry(zip, entry, paddingSize) || device.pos() > maxClassicSize) {
             return false;
         }
         paddingSize = 0;
     }
     zip.close();
-    return zip.getZipError() == UNZ_OK && archive.flush() && archive.error() == QFileDevice::NoError &&
+    return zip.getZipError() == UNZ_OK && device.flush() && archive.error() == QFileDevice::NoError &&
            archive.size() <= maxClassicSize;
 }
 
