@@ -80,6 +80,7 @@ private slots:
     void an_entry_that_is_no_file_is_refused();
     void a_destination_through_a_link_is_refused();
     void the_callers_own_folder_may_be_a_link();
+    void what_was_the_callers_own_folder_is_looked_at_again_as_the_archives();
     void a_destination_that_is_a_link_is_refused();
     void a_link_that_the_package_brings_is_never_followed();
 
@@ -92,6 +93,7 @@ private slots:
     void content_above_the_claimed_size_is_refused();
     void an_entry_above_its_limit_does_not_even_make_its_folder();
     void content_above_the_free_space_is_refused();
+    void small_content_is_tried_whatever_the_free_space_is();
 
 private:
     void write(const PackageBuilder &builder) { QVERIFY(builder.write(m_package)); }
@@ -500,6 +502,19 @@ void TstPackageReader::the_callers_own_folder_may_be_a_link()
     QCOMPARE(readFile(destination("BKG/x.png")), QByteArray("x"));
 }
 
+void TstPackageReader::what_was_the_callers_own_folder_is_looked_at_again_as_the_archives()
+{
+    write(PackageBuilder().file("x.png", "x").file("BKG/y.png", "y").file("BKG/z.png", "z"));
+    const QString outside = m_temp->path() + "/outside";
+    QVERIFY(QDir().mkpath(outside));
+    QVERIFY(QFile::link(outside, destination("BKG")));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.extractFile("x.png", destination("BKG/x.png")), destination("BKG/x.png"));
+    QCOMPARE(reader.extractFile("BKG/y.png", destination("BKG/y.png")), QString());
+    QCOMPARE(reader.extractFile("BKG/z.png", destination("BKG/z.png")), QString());
+    QCOMPARE(contents(outside), QStringList{"x.png"});
+}
+
 void TstPackageReader::a_destination_that_is_a_link_is_refused()
 {
     write(PackageBuilder().file("x.png", "new"));
@@ -632,16 +647,26 @@ void TstPackageReader::an_entry_above_its_limit_does_not_even_make_its_folder()
 
 void TstPackageReader::content_above_the_free_space_is_refused()
 {
-    write(PackageBuilder().file("x.png", "12345678"));
+    const QByteArray large = noise(70000);
+    write(PackageBuilder().file("x.png", large));
     QVERIFY(writeFile(destination("x.png"), "previous"));
     PackageReader reader(m_package);
-    s_freeBytes = 7;
+    s_freeBytes = large.size() - 1;
     QCOMPARE(reader.extractFile("x.png", destination("x.png")), QString());
     QCOMPARE(readFile(destination("x.png")), QByteArray("previous"));
     QCOMPARE(contents(m_out), QStringList{"x.png"});
-    s_freeBytes = 8;
+    s_freeBytes = large.size();
     QCOMPARE(reader.extractFile("x.png", destination("x.png")), destination("x.png"));
-    QCOMPARE(readFile(destination("x.png")), QByteArray("12345678"));
+    QCOMPARE(readFile(destination("x.png")), large);
+}
+
+void TstPackageReader::small_content_is_tried_whatever_the_free_space_is()
+{
+    write(PackageBuilder().file("small.png", noise(64 * 1024)).file("large.png", noise(64 * 1024 + 1)));
+    PackageReader reader(m_package);
+    s_freeBytes = 0;
+    QCOMPARE(reader.extractFile("small.png", destination("small.png")), destination("small.png"));
+    QCOMPARE(reader.extractFile("large.png", destination("large.png")), QString());
 }
 
 TEST_MAIN_CORE(TstPackageReader)

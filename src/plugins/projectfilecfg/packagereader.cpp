@@ -108,24 +108,6 @@ bool isSymbolicLink(const QString &path)
     return QFileInfo(path).isSymLink();
 }
 
-/// The caller's own folder may be reached through a link; what the archive adds to it may not.
-bool leadsThroughLink(const QString &entryName, const QString &destPath)
-{
-    // Both without dots and doubled separators, behind which a folder would not be recognised.
-    const QString path = QDir::cleanPath(QFileInfo(destPath).absoluteFilePath());
-    const QString relativePath = QLatin1Char('/') + QDir::cleanPath(entryName);
-    if (!path.endsWith(relativePath)) {
-        return isSymbolicLink(path);
-    }
-    for (int end = path.indexOf(QLatin1Char('/'), path.size() - relativePath.size() + 1); end >= 0;
-         end = path.indexOf(QLatin1Char('/'), end + 1)) {
-        if (isSymbolicLink(path.left(end))) {
-            return true;
-        }
-    }
-    return isSymbolicLink(path);
-}
-
 qint64 freeSpace(const QString &folder)
 {
     std::error_code error;
@@ -262,6 +244,26 @@ bool PackageReader::readCurrentHeader() const
     return true;
 }
 
+// The caller's own folder may be reached through a link; what the archive adds to it may not.
+bool PackageReader::leadsThroughLink(const QString &entryName, const QString &destPath)
+{
+    // Both without dots and doubled separators, behind which a folder would not be recognised.
+    const QString path = QDir::cleanPath(QFileInfo(destPath).absoluteFilePath());
+    const QString relativePath = QLatin1Char('/') + QDir::cleanPath(entryName);
+    const int callersOwn = path.endsWith(relativePath) ? path.size() - relativePath.size() : path.size();
+    const QPair<int, QString> folder(callersOwn, path.left(path.lastIndexOf(QLatin1Char('/'))));
+    if (folder != m_plainFolder) {
+        for (int end = path.indexOf(QLatin1Char('/'), callersOwn + 1); end >= 0;
+             end = path.indexOf(QLatin1Char('/'), end + 1)) {
+            if (isSymbolicLink(path.left(end))) {
+                return true;
+            }
+        }
+        m_plainFolder = folder;
+    }
+    return isSymbolicLink(path);
+}
+
 QString PackageReader::extractFile(const QString &entryName, const QString &destPath)
 {
     const QString target = destPath.isEmpty() ? entryName : destPath;
@@ -304,9 +306,11 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
         ReplacingFile::removeStaleFragments(folderPath);
         m_tidiedFolders.insert(folderPath);
     }
+    // Of thousands of small files each would be asked for, and on a full disk it fails soon enough.
+    constexpr qint64 smallSize = 64 * 1024;
+    const qint64 room = entry.size > smallSize ? freeSpace(folderPath) : smallSize;
     ReplacingFile destination(destPath, ReplacingFile::NotFlushed);
-    return destination.create() && copyEntry(entry, destination.file(), std::min(limit, freeSpace(folderPath))) &&
-           destination.commit();
+    return destination.create() && copyEntry(entry, destination.file(), std::min(limit, room)) && destination.commit();
 }
 
 QByteArray PackageReader::read(const QString &entryName, qint64 limit)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QPair>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -72,6 +73,7 @@ private:
 
     const Directory &directory() const;
     bool readCurrentHeader() const;
+    bool leadsThroughLink(const QString &entryName, const QString &destPath);
     bool goTo(const Entry &entry);
     bool copyEntry(const Entry &entry, QIODevice &destination, qint64 limit);
     bool writeEntry(const Entry &entry, const QString &destPath, qint64 limit);
@@ -81,6 +83,9 @@ private:
     mutable std::unique_ptr<Directory> m_directory;
     /// Those that this object has cleared of stale fragments.
     QSet<QString> m_tidiedFolders;
+    /// How much of a path was the caller's own, and the last folder to which no link led from there: the entries of a
+    /// folder follow one another.
+    QPair<int, QString> m_plainFolder;
 };
 
 } // namespace Internal

@@ -19,7 +19,7 @@ WriteBehindDevice::WriteBehindDevice(QFileDevice &file)
     constexpr int largestPortion = 64 * 1024;
     for (Block &block : m_blocks)
         block.bytes.reserve(blockSize + largestPortion);
-    open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    QIODevice::open(QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
 WriteBehindDevice::~WriteBehindDevice()
