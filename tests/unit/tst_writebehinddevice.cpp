@@ -36,7 +36,8 @@ public:
 protected:
     qint64 writeData(const char *data, qint64 size) override
     {
-        isWrittenAtOnceByTwo = isWrittenAtOnceByTwo || ++writers > 1;
+        if (++writers > 1)
+            isWrittenAtOnceByTwo = true;
         threads.insert(QThread::currentThreadId());
         longestWay = qMax(longestWay, given - m_written);
         QThread::msleep(ulong(pauseMs));
