@@ -48,6 +48,8 @@ endfunction()
 function(add_host_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
+    _moc_test_class(${name} ${ARG_SOURCES})
+    target_precompile_headers(${name} REUSE_FROM TestSupport)
     target_link_libraries(${name} PRIVATE Qt5::Test ${ARG_LIBS})
     if(TARGET QtSynchronisation)
         # Built with ThreadSanitizer only; see tests/sanitizers.
@@ -58,6 +60,27 @@ function(add_host_test name)
         LABELS "${ARG_LABELS}"
         TIMEOUT 1800
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
+endfunction()
+
+# AUTOMOC takes a scan and the compilation of an empty file for each program. A test has one class to moc, in the source
+# that includes "<source>.moc"; only one that brings headers with Q_OBJECT needs more.
+function(_moc_test_class name)
+    foreach(source IN LISTS ARGN)
+        file(STRINGS "${source}" declares_object REGEX "^[ \t]*Q_OBJECT" LIMIT_COUNT 1)
+        if(declares_object AND source MATCHES "\\.h$")
+            return()
+        elseif(declares_object)
+            list(APPEND test_classes "${source}")
+        endif()
+    endforeach()
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+    foreach(source IN LISTS test_classes)
+        get_filename_component(base "${source}" NAME_WE)
+        set(moc_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_moc/${base}.moc")
+        qt5_generate_moc("${source}" "${moc_file}" TARGET ${name})
+        target_sources(${name} PRIVATE "${moc_file}")
+        target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${name}_moc")
+    endforeach()
 endfunction()
 
 # add_translations(<target> BASE <file base> LANGUAGES <codes>)

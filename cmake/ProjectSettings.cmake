@@ -18,6 +18,13 @@ set(HOST_TRANSLATION_DIRECTORY "${PROJECT_BINARY_DIR}/translations")
 # Installed programs and plugins find the libraries beside them.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib;$ORIGIN/../plugins;$ORIGIN")
 
+# A compiler cache where there is one; the sloppiness is what precompiled headers need.
+find_program(PROJECTFILECFG_CCACHE ccache)
+if(PROJECTFILECFG_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${PROJECTFILECFG_CCACHE}")
+endif()
+
 add_compile_options(-Wall -Wextra)
 option(PROJECTFILECFG_WERROR "Treat warnings as errors" OFF)
 if(PROJECTFILECFG_WERROR)
