@@ -374,7 +374,7 @@ void TstPanelConstruction::texts_follow_the_language()
         QCOMPARE(panel.deviceLabel()->text(), QStringLiteral("设备"));
         QCOMPARE(panel.saveProject()->text(), QStringLiteral("保存项目"));
         QCOMPARE(panel.importProject()->text(), QStringLiteral("导入项目"));
-        QCOMPARE(panel.applyOthers()->text(), QStringLiteral("应用其他项目"));
+        QCOMPARE(panel.applyOthers()->text(), QStringLiteral("应用外部项目"));
         QCOMPARE(panel.allSaveAs()->text(), QStringLiteral("全部另存为"));
         QCOMPARE(panel.allDelete()->text(), QStringLiteral("全部删除"));
         QCOMPARE(headerTexts(panel),

@@ -77,7 +77,7 @@
     </message>
     <message>
         <source>Presets</source>
-        <translation>场景</translation>
+        <translation>预设</translation>
     </message>
     <message>
         <source>Online</source>

@@ -78,7 +78,7 @@
     </message>
     <message>
         <source>Apply Others</source>
-        <translation>应用其他项目</translation>
+        <translation>应用外部项目</translation>
     </message>
     <message>
         <source>ALL Save as</source>
@@ -142,7 +142,7 @@
     </message>
     <message>
         <source>Insufficient default path space to perform current operation</source>
-        <translation>默认路径空间不足，无法执行当前操作</translation>
+        <translation>项目文件所在磁盘空间不足，无法执行当前操作</translation>
     </message>
     <message>
         <source>Cancel</source>
@@ -154,11 +154,11 @@
     </message>
     <message>
         <source>Failed to export bkg</source>
-        <translation>导出背景失败</translation>
+        <translation>导出背景图片失败</translation>
     </message>
     <message>
         <source>Failed to export logo</source>
-        <translation>导出 LOGO 失败</translation>
+        <translation>导出 LOGO 图片失败</translation>
     </message>
     <message>
         <source>Offline device resource file is incomplete</source>
@@ -170,7 +170,7 @@
     </message>
     <message>
         <source>Failed to encrypt file</source>
-        <translation>文件加密失败</translation>
+        <translation>打包项目文件失败</translation>
     </message>
     <message>
         <source>Failed to save json file</source>
@@ -190,7 +190,7 @@
     </message>
     <message>
         <source>Whether the current configuration needs to be backed up before the project file is imported?</source>
-        <translation>导入项目文件前，是否需要备份当前配置？</translation>
+        <translation>应用项目文件前，是否先备份当前配置？</translation>
     </message>
     <message>
         <source> Restore factory failed </source>
@@ -198,7 +198,7 @@
     </message>
     <message>
         <source>Start save project file</source>
-        <translation>开始保存项目文件</translation>
+        <translation>开始应用项目文件</translation>
     </message>
     <message>
         <source>Incorrect file content</source>
@@ -214,11 +214,11 @@
     </message>
     <message>
         <source>Failed to decompress file</source>
-        <translation>文件解压失败</translation>
+        <translation>解压项目文件失败</translation>
     </message>
     <message>
         <source>Project file import failed</source>
-        <translation>项目文件导入失败</translation>
+        <translation>应用项目文件失败</translation>
     </message>
     <message>
         <source>Incorrect JSON file</source>
@@ -290,7 +290,7 @@
     </message>
     <message>
         <source>Confirm to delete the selected project file?</source>
-        <translation>确定要删除选中的项目文件吗？</translation>
+        <translation>确定要删除该项目文件吗？</translation>
     </message>
     <message>
         <source>Delete project file failed!</source>
