@@ -1,0 +1,73 @@
+#!/usr/bin/env python3
+"""Compiles, with the very command of each folder of the product, a source that includes one header of a folder above it,
+and expects the compiler to refuse. A header that the folder may use must be taken, so that a broken command does not pass
+for a refusal.
+
+    one_way_includes.py COMPILE_COMMANDS PRODUCT_FOLDER
+"""
+import concurrent.futures
+import json
+import os
+import pathlib
+import shlex
+import subprocess
+import sys
+import tempfile
+
+# Each folder with those that it may use.
+MAY_USE = {
+    "files": [],
+    "package": ["files"],
+    "pictures": ["files"],
+    "jobs": ["files", "package", "pictures"],
+    "panel": ["files", "package", "pictures", "jobs"],
+}
+
+
+def command_of(folder, commands, product):
+    for entry in commands:
+        path = pathlib.Path(entry["file"])
+        if path.parent == product / folder and path.suffix == ".cpp":
+            arguments = shlex.split(entry["command"])
+            for option in ("-o", "-c"):
+                at = arguments.index(option)
+                del arguments[at:at + 2]
+            return arguments + ["-fsyntax-only", "-w"], entry["directory"]
+    raise SystemExit("no source of %s in the compile commands" % folder)
+
+
+def compiles(arguments, directory, header, work):
+    source = work / ("%s_%s.cpp" % (os.getpid(), header.replace("/", "_")))
+    source = source.with_name(source.stem + "_%x.cpp" % abs(hash((tuple(arguments), header))))
+    source.write_text('#include "%s"\n' % header)
+    return subprocess.run(arguments + [str(source)], cwd=directory, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.DEVNULL).returncode == 0
+
+
+def main():
+    commands = json.loads(pathlib.Path(sys.argv[1]).read_text())
+    product = pathlib.Path(sys.argv[2]).resolve()
+    headers = {folder: sorted(p.name for p in (product / folder).glob("*.h")) for folder in MAY_USE}
+    failures, checked = [], 0
+    with tempfile.TemporaryDirectory() as work, \
+            concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        work = pathlib.Path(work)
+        tasks = []
+        for folder, used in MAY_USE.items():
+            arguments, directory = command_of(folder, commands, product)
+            for other in MAY_USE:
+                allowed = other == folder or other in used
+                # One header shows that what is allowed is in reach; of what is not, each counts.
+                for header in headers[other][:1] if allowed else headers[other]:
+                    task = pool.submit(compiles, arguments, directory, header, work)
+                    tasks.append((task, folder, other, header, allowed))
+        for task, folder, other, header, allowed in tasks:
+            checked += 1
+            if task.result() != allowed:
+                failures.append("%s %s include %s/%s" % (folder, "cannot" if allowed else "can", other, header))
+    print("%d includes tried" % checked)
+    if failures or checked < 20:
+        raise SystemExit("\n".join(failures) or "too few headers")
+
+
+main()
