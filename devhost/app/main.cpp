@@ -11,6 +11,9 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
+#include <memory>
+
 /// The tour works on project files that it may delete, so it gets a home of its own: never the user's Documents.
 static void makePrivateHome(const QString &directory)
 {
@@ -21,11 +24,24 @@ static void makePrivateHome(const QString &directory)
         qputenv(variable, QFile::encodeName(home));
 }
 
-int main(int argc, char *argv[])
+/// What only prints needs no display.
+static std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
 {
+    const QStringList printing{QStringLiteral("-h"), QStringLiteral("--help"), QStringLiteral("--help-all"),
+                               QStringLiteral("-v"), QStringLiteral("--version")};
+    const bool onlyPrints = std::any_of(argv + 1, argv + argc, [&printing](const char *argument) {
+        return printing.contains(QString::fromLocal8Bit(argument));
+    });
+    if (onlyPrints)
+        return std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+int main(int argc, char *argv[])
+{
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("devhost"));
     QCoreApplication::setApplicationVersion(QStringLiteral("2.0.0"));
 
@@ -54,7 +70,7 @@ int main(int argc, char *argv[])
                                                  "leaves pictures there, and ends. Uses no documents of yours."),
                                   QStringLiteral("directory"));
     parser.addOptions({site, language, plugins, work, open, pace, tour});
-    parser.process(application);
+    parser.process(*application);
     const QString tourDirectory = parser.isSet(tour) ? QDir::current().absoluteFilePath(parser.value(tour)) : QString();
     if (!tourDirectory.isEmpty()) {
         makePrivateHome(tourDirectory);
