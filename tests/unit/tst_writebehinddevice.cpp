@@ -459,7 +459,7 @@ void TstWriteBehindDevice::a_refused_write_changes_nothing()
 void TstWriteBehindDevice::the_zip_library_may_write_after_a_refusal_data()
 {
     QTest::addColumn<int>("blocks");
-    for (int blocks = 0; blocks < 14; ++blocks)
+    for (int blocks = 0; blocks < 13; ++blocks)
         QTest::newRow(qPrintable(QStringLiteral("room for %1 blocks").arg(blocks))) << blocks;
 }
 
@@ -471,21 +471,20 @@ void TstWriteBehindDevice::the_zip_library_may_write_after_a_refusal()
     file.room = qint64(blocks) * 256 * KiB;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     WriteBehindDevice device(file);
-    bool isTaken = true;
     {
-        // Entry, archive and their ends write again after a refusal.
+        // Entry and archive write again when they end.
         QuaZip zip(&device);
         zip.setAutoClose(false);
         QVERIFY(zip.open(QuaZip::mdCreate));
-        for (int number = 0; number < 5; ++number) {
+        bool isTaken = true;
+        for (int number = 0; number < 5 && isTaken; ++number) {
             QuaZipFile entry(&zip);
             isTaken = entry.open(QIODevice::WriteOnly, QuaZipNewInfo(QString::number(number)), nullptr, 0, 0) &&
-                      entry.write(picture) == picture.size() && isTaken;
+                      entry.write(picture) == picture.size();
         }
     }
     QVERIFY(!device.flush());
     QCOMPARE(device.write("x"), -1);
-    Q_UNUSED(isTaken)
 }
 
 void TstWriteBehindDevice::random_sequences_end_as_in_a_plain_file()
