@@ -44,7 +44,8 @@ private slots:
     void a_picture_tells_its_pixels_and_their_memory();
     void what_is_no_picture_tells_nothing_data();
     void what_is_no_picture_tells_nothing();
-    void huge_sizes_do_not_overflow();
+    void sides_are_compared_with_their_limit_data();
+    void sides_are_compared_with_their_limit();
     void texts_are_counted_to_their_limit_data();
     void texts_are_counted_to_their_limit();
     void a_file_is_left_at_its_beginning();
@@ -75,7 +76,7 @@ void TstContentScan::a_picture_tells_its_pixels_and_their_memory()
     QFETCH(qint64, bits);
     for (int portion : {1, 2, 7, 8, 9, 100000}) {
         const PictureScan scan = scanned(png, portion);
-        QVERIFY(scan.isPng() && !scan.hasTooMuchText());
+        QVERIFY(scan.isPng() && !scan.isBeyondLimits());
         QCOMPARE(scan.pixels(), 80);
         QCOMPARE(scan.memory(), 80 * bits / 8);
     }
@@ -110,12 +111,27 @@ void TstContentScan::what_is_no_picture_tells_nothing()
     QCOMPARE(scan.memory(), 0);
 }
 
-void TstContentScan::huge_sizes_do_not_overflow()
+void TstContentScan::sides_are_compared_with_their_limit_data()
 {
-    const PictureScan scan =
-        scanned(PngMaker::signature() + PngMaker::header(0xFFFFFFFF, 0xFFFFFFFF, 16, PngMaker::Rgba), 100);
-    QVERIFY(scan.pixels() > 1LL << 40);
-    QVERIFY(scan.memory() > scan.pixels());
+    QTest::addColumn<uint>("width");
+    QTest::addColumn<uint>("height");
+    QTest::addColumn<bool>("isTooMuch");
+    QTest::newRow("both at the limit") << 1000000u << 1000000u << false;
+    QTest::newRow("too wide") << 1000001u << 1u << true;
+    QTest::newRow("too high") << 1u << 1000001u << true;
+    QTest::newRow("the largest numbers") << 0xFFFFFFFFu << 0xFFFFFFFFu << true;
+}
+
+void TstContentScan::sides_are_compared_with_their_limit()
+{
+    QFETCH(uint, width);
+    QFETCH(uint, height);
+    QFETCH(bool, isTooMuch);
+    const PictureScan scan = scanned(PngMaker::signature() + PngMaker::header(width, height, 16), 100);
+    QVERIFY(scan.isPng());
+    QCOMPARE(scan.isBeyondLimits(), isTooMuch);
+    QCOMPARE(scan.pixels(), isTooMuch ? 0 : qint64(width) * height);
+    QCOMPARE(scan.memory(), 12 * scan.pixels());
 }
 
 void TstContentScan::texts_are_counted_to_their_limit_data()
@@ -136,12 +152,12 @@ void TstContentScan::texts_are_counted_to_their_limit()
     QFETCH(QByteArray, chunks);
     QFETCH(bool, isTooMuch);
     QByteArray png = PngMaker::signature() + PngMaker::header(1, 1) + chunks;
-    QCOMPARE(scanned(png, 70000).hasTooMuchText(), isTooMuch);
+    QCOMPARE(scanned(png, 70000).isBeyondLimits(), isTooMuch);
     QBuffer file(&png);
     QVERIFY(file.open(QIODevice::ReadOnly));
     PictureScan scan;
     QVERIFY(scan.feed(file));
-    QCOMPARE(scan.hasTooMuchText(), isTooMuch);
+    QCOMPARE(scan.isBeyondLimits(), isTooMuch);
 }
 
 void TstContentScan::a_file_is_left_at_its_beginning()

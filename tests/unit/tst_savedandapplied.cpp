@@ -217,6 +217,9 @@ void TstSavedAndApplied::what_a_limit_allows_is_saved_and_applied_data()
     picture("picture of 192 MiB", true, "BKG/BKG_1.png", largest, QByteArray());
     picture("picture above 192 MiB", false, "BKG/BKG_1.png", largest + QSize(0, 1), QByteArray());
     picture("picture above 192 MiB that is not used", true, "other.png", largest + QSize(0, 1), QByteArray());
+    picture("widest picture", true, "BKG/BKG_1.png", {1000000, 1}, QByteArray());
+    picture("picture wider than the widest", false, "BKG/BKG_1.png", {1000001, 1}, QByteArray());
+    picture("picture higher than the highest", false, "other.png", {1, 1000001}, QByteArray());
     const QByteArray packedText = PngMaker::chunk("zTXt", QByteArray("a\0\0", 3) + PngMaker::deflated("text"));
     picture("picture with four packed texts", true, "BKG/BKG_1.png", {8, 8}, packedText.repeated(4));
     picture("picture with five packed texts", false, "BKG/BKG_1.png", {8, 8}, packedText.repeated(5));

@@ -83,6 +83,8 @@ void PictureScan::take(const QByteArray &part)
         m_nHeight = qFromBigEndian<quint32>(part.constData() + 4);
         m_nDepth = part.at(8);
         m_nColourType = part.at(9);
+        m_isBeyondLimits = std::max(m_nWidth, m_nHeight) > PackageLimits::maxPictureSide;
+        m_isOver = m_isBeyondLimits;
         m_nGap = chunkChecksumSize;
         m_expected = ChunkHead;
         break;
@@ -101,17 +103,15 @@ void PictureScan::takeChunkHead(const QByteArray &head)
     m_hasTransparentColour = m_hasTransparentColour || type == "tRNS";
     m_nTextSize += isText(type) ? headSize + length + chunkChecksumSize : 0;
     m_nPackedTexts += isPackedText(type) ? 1 : 0;
-    m_hasTooMuchText =
+    m_isBeyondLimits =
         m_nTextSize > PackageLimits::maxPictureTextSize || m_nPackedTexts > PackageLimits::maxPackedPictureTexts;
     // What follows the end is not read.
-    m_isOver = m_hasTooMuchText || type == "IEND";
+    m_isOver = m_isBeyondLimits || type == "IEND";
 }
 
 qint64 PictureScan::pixels() const
 {
-    // Beyond every limit, and far from where the product, or its bytes, would overflow.
-    constexpr qint64 enough = 1 << 24;
-    return std::min(m_nWidth, enough) * std::min(m_nHeight, enough);
+    return m_isBeyondLimits ? 0 : m_nWidth * m_nHeight;
 }
 
 qint64 PictureScan::memory() const

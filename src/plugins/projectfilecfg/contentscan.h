@@ -19,9 +19,9 @@ public:
     bool feed(QIODevice &file);
 
     bool isPng() const { return m_isPng; }
-    /// Texts, profiles and the like beyond what a picture needs: all of them are unpacked and kept before the first
-    /// pixel is read, so that a megabyte fills gigabytes.
-    bool hasTooMuchText() const { return m_hasTooMuchText; }
+    /// Too wide or too high, or with texts, profiles and the like beyond what a picture needs: all of them are unpacked
+    /// and kept before the first pixel is read, so that a megabyte fills gigabytes. It counts as having no size.
+    bool isBeyondLimits() const { return m_isBeyondLimits; }
     /// Pixels, and the bytes that they take while they are read and then as 32 bits; 0 where no header tells them.
     qint64 pixels() const;
     qint64 memory() const;
@@ -38,7 +38,7 @@ private:
     qint64 m_nGap = 0;
     bool m_isOver = false;
     bool m_isPng = false;
-    bool m_hasTooMuchText = false;
+    bool m_isBeyondLimits = false;
     bool m_hasTransparentColour = false;
     bool m_isFirstChunk = true;
     qint64 m_nTextSize = 0;

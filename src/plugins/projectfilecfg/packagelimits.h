@@ -48,6 +48,9 @@ constexpr qint64 maxPictureFileSize = 256 * mebibyte;
 constexpr qint64 maxPictureTextSize = 4 * mebibyte;
 constexpr int maxPackedPictureTexts = 4;
 
+/// Pixels of a picture's width, and of its height: more the PNG library does not take.
+constexpr qint64 maxPictureSide = 1000000;
+
 /// Bytes of memory that a picture's pixels take as they are read and as they become 32 bits: 50 million pixels of 8
 /// bits per channel.
 constexpr qint64 maxPictureMemory = 192 * mebibyte;

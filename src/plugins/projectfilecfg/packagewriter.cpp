@@ -284,10 +284,10 @@ bool PackageWriter::isFit(const PictureScan &picture, const QString &name)
 {
     if (isGalleryPicture(name)) {
         m_nPixels += picture.pixels();
-        return !picture.hasTooMuchText() && picture.memory() <= PackageLimits::maxPictureMemory &&
+        return !picture.isBeyondLimits() && picture.memory() <= PackageLimits::maxPictureMemory &&
                m_nPixels <= PackageLimits::maxPixels;
     }
-    return !picture.hasTooMuchText();
+    return !picture.isBeyondLimits();
 }
 
 bool PackageWriter::isListedIn(const QString &path) const

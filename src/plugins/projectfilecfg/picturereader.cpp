@@ -37,7 +37,7 @@ PictureReader::PictureReader(QIODevice *device)
 
 QSize PictureReader::size() const
 {
-    return m_scan.isPng() && !m_scan.hasTooMuchText() ? m_reader.size() : QSize();
+    return m_scan.isPng() && !m_scan.isBeyondLimits() ? m_reader.size() : QSize();
 }
 
 QImage PictureReader::read()
