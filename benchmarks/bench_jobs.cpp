@@ -8,7 +8,7 @@
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
 #include "packagereader.h"
-#include "projectfilefacts.h"
+#include "packagelayout.h"
 #include "zippackagehandle.h"
 
 #include <support/customsite.h>
@@ -72,7 +72,7 @@ void stageOneAfterAnother(const CustomSite &site)
         require(ModelControl::MaterialControl(background).queryMaterailData(request), "a picture is missing");
         const QImage picture = ImageStorager::instance()->load(background->imageKey(), QImage::Format_RGB32).toImage();
         require(picture.save(
-                    site.devicePath(sourceIp) + "/" + ProjectFileFacts::backgroundEntry(background->getKeyNo()), "PNG"),
+                    site.devicePath(sourceIp) + "/" + PackageLayout::backgroundEntry(background->getKeyNo()), "PNG"),
                 "a picture cannot be written");
     }
 }

@@ -115,6 +115,15 @@ void makeLargeFile(const QString &path, qint64 size)
     require(file.flush(), "cannot write " + path);
 }
 
+/// Backgrounds of that size together, none larger than a package takes.
+void makeLargePictures(const QString &device, qint64 size)
+{
+    constexpr qint64 largest = 250LL * 1000 * 1000;
+    int number = 0;
+    for (qint64 left = size; left > 0; left -= largest)
+        makeLargeFile(device + QStringLiteral("/BKG/BKG_%1.png").arg(++number), std::min(left, largest));
+}
+
 QByteArray contentDigest(const QString &package)
 {
     QTemporaryDir out;
@@ -322,7 +331,7 @@ void packing(Report &report, const QString &folder)
         return;
     constexpr qint64 size = 925LL * 1000 * 1000;
     const QString large = folder + "/large";
-    makeLargeFile(large + "/BKG/BKG_1.png", size);
+    makeLargePictures(large, size);
     packing(report, folder, large, 15, 0);
     EngineerPacketInfo info = packageAt(folder + "/large.corvelpro");
     report.related("pack " + megabytes(size), "zip library alone, into nothing",
@@ -343,7 +352,7 @@ qint64 bytesRead()
 void checksum(Report &report, const QString &folder)
 {
     const qint64 size = (report.isQuick() ? 92 : 925) * 1000LL * 1000;
-    makeLargeFile(folder + "/large/BKG/BKG_1.png", size);
+    makeLargePictures(folder + "/large", size);
     EngineerPacketInfo info = packageAt(folder + "/large.corvelpro");
     require(ZipPackageHandle::compressEngineerPacket(folder + "/large", info), "packing failed");
     QString expected;
@@ -452,7 +461,7 @@ void extracting(Report &report, const QString &folder)
 
 void editing(Report &report, const QString &folder, qint64 size)
 {
-    makeLargeFile(folder + "/edited/BKG/BKG_1.png", size);
+    makeLargePictures(folder + "/edited", size);
     EngineerPacketInfo info = packageAt(folder + "/edited.corvelpro");
     require(ZipPackageHandle::compressEngineerPacket(folder + "/edited", info), "packing failed");
     QDir(folder + "/edited").removeRecursively();
@@ -497,7 +506,7 @@ qint64 peakMemory()
 /// Half of it pictures, half of it something to deflate; no file larger than a reader takes.
 void makeMemoryFolder(const QString &folder, qint64 size)
 {
-    constexpr qint64 largest = 500LL * 1000 * 1000;
+    constexpr qint64 largest = 250LL * 1000 * 1000;
     QDir(folder + "/memory").removeRecursively();
     for (const QString &name : {QStringLiteral("/memory/BKG/BKG_%1.png"), QStringLiteral("/memory/%1.bin")}) {
         int number = 0;

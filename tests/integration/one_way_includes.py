@@ -18,7 +18,7 @@ import tempfile
 MAY_USE = {
     "files": [],
     "package": ["files"],
-    "pictures": ["files"],
+    "pictures": ["files", "package"],
     "jobs": ["files", "package", "pictures"],
     "panel": ["files", "package", "pictures", "jobs"],
 }

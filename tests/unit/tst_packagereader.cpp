@@ -60,6 +60,8 @@ private slots:
     void reading_refuses_what_extracting_refuses();
     void a_name_longer_than_256_bytes_is_extracted();
     void of_two_entries_of_one_name_the_first_counts();
+    void of_entries_of_one_path_the_first_counts();
+    void names_that_are_no_utf8_come_out_apart();
     void the_longest_name_is_listed_whole();
     void a_list_that_is_broken_half_way_counts_as_none();
     void without_a_destination_an_entry_goes_to_its_own_name();
@@ -291,6 +293,46 @@ void TstPackageReader::of_two_entries_of_one_name_the_first_counts()
     write(PackageBuilder().file("a.txt", "first").file("a.txt", "second"));
     QVERIFY(!PackageReader(m_package).extractFile("a.txt", destination("a.txt")).isEmpty());
     QCOMPARE(readFile(destination("a.txt")), QByteArray("first"));
+}
+
+void TstPackageReader::of_entries_of_one_path_the_first_counts()
+{
+    write(PackageBuilder()
+              .folder("BKG")
+              .file("BKG/./x.png", "first")
+              .file("BKG//x.png", "second")
+              .file("BKG/x.png", "third")
+              .folder("./BKG/")
+              .file("BKG/X.png", "another")
+              .file("a.json", "1")
+              .file("./a.json", "2")
+              .file("a.json", "3"));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.fileList().size(), 9);
+    QCOMPARE(reader.entries(), (QStringList{"BKG/", "BKG/./x.png", "BKG/X.png", "a.json"}));
+    QCOMPARE(reader.extractJsonFiles(m_out), QStringList{destination("a.json")});
+    QCOMPARE(readFile(destination("a.json")), QByteArray("1"));
+    QCOMPARE(ZipPackageHandle().extractDir(m_package, m_out, true), 0);
+    QCOMPARE(readFile(destination("BKG/x.png")), QByteArray("first"));
+}
+
+void TstPackageReader::names_that_are_no_utf8_come_out_apart()
+{
+    write(PackageBuilder()
+              .file("Preset/\xFF.RPst", "1")
+              .file("Preset/\xFE.RPst", "2")
+              .file("Preset/\xEF\xBF\xBD.RPst", "3")
+              .folder("\xC3"));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.fileList(),
+             (QStringList{"Preset/%FF.RPst", "Preset/%FE.RPst", QString::fromUtf8("Preset/\uFFFD.RPst"), "%C3/"}));
+    QCOMPARE(reader.entries(), reader.fileList());
+    for (const QString &name : reader.fileList())
+        QCOMPARE(reader.extractFile(name, destination(name)).isEmpty(), false);
+    QCOMPARE(readFile(destination("Preset/%FF.RPst")), QByteArray("1"));
+    QCOMPARE(readFile(destination("Preset/%FE.RPst")), QByteArray("2"));
+    QCOMPARE(readFile(destination(QString::fromUtf8("Preset/\uFFFD.RPst"))), QByteArray("3"));
+    QCOMPARE(contents(m_out).size(), 5);
 }
 
 void TstPackageReader::the_longest_name_is_listed_whole()

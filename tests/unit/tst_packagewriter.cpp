@@ -1,7 +1,9 @@
 #include "packagechecksum.h"
 #include "packagetesting.h"
 #include "packagewriter.h"
+#include "zippackagehandle.h"
 
+#include <data/pngmaker.h>
 #include <support/testmain.h>
 
 #include <QScopeGuard>
@@ -13,6 +15,8 @@
 
 using namespace PackageTesting;
 using ProjectFileCfg::Internal::PackageWriter;
+using ProjectFileCfg::Internal::ZipPackageHandle;
+using TestData::PngMaker;
 namespace PackageChecksum = ProjectFileCfg::Internal::PackageChecksum;
 
 class TstPackageWriter : public QObject
@@ -48,6 +52,9 @@ private slots:
     void what_may_not_be_read_is_refused();
     void more_entries_than_the_classic_format_holds_are_refused();
     void pictures_that_are_together_above_the_classic_format_are_refused_at_once();
+    void more_descriptions_than_a_reader_takes_are_refused();
+    void more_pixels_than_a_load_takes_are_refused();
+    void names_that_are_longer_than_a_reader_takes_are_refused();
     void a_full_disk_makes_writing_fail();
     void a_source_that_is_gone_makes_writing_fail();
     void another_archive_is_not_taken_for_the_written_one();
@@ -61,6 +68,8 @@ private slots:
 
 private:
     bool pack();
+    /// The archive under a name that packages have.
+    QString renamedAsPackage() const;
     /// Packs so that without padding the archive would be that much longer than a chunk.
     void packWithExcess(qint64 excess);
 
@@ -89,6 +98,12 @@ bool TstPackageWriter::pack()
     QFile archive(m_archive);
     return writer.scan() && archive.open(QIODevice::ReadWrite | QIODevice::Truncate) && writer.write(archive) &&
            writer.isListedIn(m_archive);
+}
+
+QString TstPackageWriter::renamedAsPackage() const
+{
+    QString path = m_temp->path() + "/package.corvelpro";
+    return QFile::rename(m_archive, path) ? path : QString();
 }
 
 void TstPackageWriter::packWithExcess(qint64 excess)
@@ -320,16 +335,24 @@ void TstPackageWriter::what_cannot_be_packed_whole_is_refused_data()
     QTest::newRow("link to an enclosing folder") << QStringList{"ln", "-s", "..", "%1/sub/link"};
     QTest::newRow("pipe") << QStringList{"mkfifo", "%1/pipe"};
     QTest::newRow("device") << QStringList{"ln", "-s", "/dev/null", "%1/device"};
-    QTest::newRow("description above 64 MiB") << QStringList{"truncate", "-s", "67108865", "%1/device.json"};
+    QTest::newRow("descriptions that are not read above 64 MiB")
+        << QStringList{"truncate", "-s", "67108865", "%1/sub/other.json"};
+    QTest::newRow("description that is read above 16 MiB")
+        << QStringList{"truncate", "-s", "16777217", "%1/device.json"};
+    QTest::newRow("descriptions above 64 MiB")
+        << QStringList{"truncate", "-s", "16M", "%1/1.json", "%1/2.json", "%1/3.json", "%1/4.json", "%1/5.json"};
+    QTest::newRow("picture above 256 MiB") << QStringList{"truncate", "-s", "268435457", "%1/x.png"};
     QTest::newRow("file above 1 GiB") << QStringList{"truncate", "-s", "1073741825", "%1/data"};
     QTest::newRow("files above 4 GiB") << QStringList{"truncate", "-s", "1G", "%1/1", "%1/2", "%1/3", "%1/4"};
 }
 
 void TstPackageWriter::what_a_reader_just_takes_is_not_refused()
 {
-    QCOMPARE(run("truncate", {"-s", "67108864", m_dir + "/device.json"}).exitCode, 0);
+    QCOMPARE(run("truncate", {"-s", "16777216", m_dir + "/device.json"}).exitCode, 0);
+    QCOMPARE(run("truncate", {"-s", "50331648", m_dir + "/other.json"}).exitCode, 0);
+    QCOMPARE(run("truncate", {"-s", "268435456", m_dir + "/picture.png"}).exitCode, 0);
     QCOMPARE(run("truncate", {"-s", "1073741824", m_dir + "/1", m_dir + "/2", m_dir + "/3"}).exitCode, 0);
-    QCOMPARE(run("truncate", {"-s", "1006632960", m_dir + "/4"}).exitCode, 0);
+    QCOMPARE(run("truncate", {"-s", "738197504", m_dir + "/4"}).exitCode, 0);
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(writeFile(m_dir + "/5", "x"));
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
@@ -398,24 +421,68 @@ void TstPackageWriter::more_entries_than_the_classic_format_holds_are_refused()
 void TstPackageWriter::pictures_that_are_together_above_the_classic_format_are_refused_at_once()
 {
     // Headers, twice the names, and the record that ends an archive.
-    constexpr qint64 besides = 22 + (76 + 2 * 5) + 4 * (76 + 2 * 7);
-    constexpr qint64 most = 0xFFFFFFFELL - besides;
-    constexpr qint64 largest = 1024 * MiB;
-    QVERIFY(QDir().mkpath(m_dir + "/BKGD"));
+    constexpr qint64 besides = 22 + 16 * (76 + 2 * 8);
+    constexpr qint64 largest = 256 * MiB;
+    constexpr qint64 last = 0xFFFFFFFELL - besides - 15 * largest;
     QVector<QFile *> pictures;
-    for (int number = 0; number < 4; ++number) {
-        auto *file = new QFile(m_dir + QStringLiteral("/%1_0.PNG").arg(number), this);
+    for (int number = 0; number < 16; ++number) {
+        auto *file = new QFile(m_dir + QStringLiteral("/%1_0.PNG").arg(number, 2, 10, QLatin1Char('0')), this);
         QVERIFY(file->open(QIODevice::WriteOnly));
-        QVERIFY(file->resize(number < 3 ? largest : most - 3 * largest));
+        QVERIFY(file->resize(number < 15 ? largest : last));
         pictures.append(file);
     }
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(pictures.last()->resize(pictures.last()->size() + 1));
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
     // What is deflated may well become small enough.
-    QVERIFY(pictures.last()->rename(m_dir + "/3_0.bin"));
+    QVERIFY(pictures.last()->rename(m_dir + "/15_0.bin"));
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     qDeleteAll(pictures);
+}
+
+void TstPackageWriter::more_descriptions_than_a_reader_takes_are_refused()
+{
+    for (int number = 0; number < 1000; ++number) {
+        QVERIFY(writeFile(m_dir + QStringLiteral("/%1.json").arg(number), "{}"));
+    }
+    QVERIFY(pack());
+    QCOMPARE(ZipPackageHandle::extractJsonFiles(renamedAsPackage(), m_temp->path() + "/out").count(QString()), 0);
+    QVERIFY(writeFile(m_dir + "/sub/more.Json", "{}"));
+    QVERIFY(!pack());
+}
+
+void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
+{
+    // Only their headers: 50,331,648 pixels each.
+    const QByteArray png = PngMaker::signature() + PngMaker::header(8192, 6144);
+    for (int number = 0; number < 85; ++number) {
+        QVERIFY(writeFile(m_dir + (number % 2 ? "/BKG/" : "/LOGO/") + QString::number(number) + ".png", png));
+    }
+    QVERIFY(pack());
+    QVERIFY(writeFile(m_dir + "/not in the gallery.png", png));
+    QVERIFY(pack());
+    QVERIFY(writeFile(m_dir + "/BKG/85.png", png));
+    QVERIFY(!pack());
+}
+
+void TstPackageWriter::names_that_are_longer_than_a_reader_takes_are_refused()
+{
+    // The names of a long branch, all of it again for each of its leaves.
+    QString branch = m_dir;
+    for (int level = 0; level < 12; ++level) {
+        branch += '/' + QString(250, 'd');
+    }
+    QVERIFY(QDir().mkpath(branch));
+    const qint64 folders = 251 * (12 * 13 / 2);
+    const qint64 leaf = 251 * 12 + 100;
+    const auto most = int((16 * MiB - folders) / leaf);
+    for (int number = 0; number < most; ++number) {
+        QFile file(branch + '/' + QString::number(number).rightJustified(100, '0'));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    QVERIFY(pack());
+    QVERIFY(writeFile(branch + '/' + QString(100, 'x'), QByteArray()));
+    QVERIFY(!pack());
 }
 
 void TstPackageWriter::a_full_disk_makes_writing_fail()

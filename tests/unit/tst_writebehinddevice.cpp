@@ -8,7 +8,12 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <quazip.h>
+#include <quazipfile.h>
+
+#include <algorithm>
 #include <atomic>
+#include <limits>
 #include <set>
 
 using namespace PackageTesting;
@@ -32,6 +37,7 @@ public:
     std::atomic<int> writers{0};
     bool isWrittenAtOnceByTwo = false;
     std::set<Qt::HANDLE> threads;
+    std::atomic<bool> hasRefused{false};
 
 protected:
     qint64 writeData(const char *data, qint64 size) override
@@ -43,12 +49,175 @@ protected:
         QThread::msleep(ulong(pauseMs));
         const qint64 count = m_written + size > room ? -1 : QFile::writeData(data, size);
         m_written += qMax<qint64>(count, 0);
+        if (count < size)
+            hasRefused = true;
         --writers;
         return count;
     }
 
 private:
     qint64 m_written = 0;
+};
+
+/// A file in memory, which refuses from the byte or the call on that the test chooses.
+class MemoryFile : public QFile
+{
+public:
+    using QFile::QFile;
+
+    void restart(int writesUntilRefusal, bool takesPartOfIt, int hesitation)
+    {
+        content.clear();
+        hasRefused = false;
+        m_writesLeft = writesUntilRefusal;
+        m_takesPartOfIt = takesPartOfIt;
+        m_hesitation = hesitation;
+    }
+    /// Nobody is in the way any more, as when another program removes a file.
+    void takeAgain() { m_writesLeft = std::numeric_limits<int>::max(); }
+
+    bool seek(qint64 position) override { return QIODevice::seek(position); }
+
+    QByteArray content;
+    std::atomic<bool> hasRefused{false};
+
+protected:
+    qint64 writeData(const char *data, qint64 size) override
+    {
+        for (int turn = 0; turn < m_hesitation; ++turn)
+            QThread::yieldCurrentThread();
+        const bool isTaken = m_writesLeft-- > 0;
+        const qint64 count = isTaken ? size : m_takesPartOfIt ? size / 2 : -1;
+        if (!isTaken)
+            hasRefused = true;
+        put(content, pos(), data, count);
+        return count;
+    }
+
+public:
+    static void put(QByteArray &content, qint64 position, const char *data, qint64 size)
+    {
+        if (size <= 0)
+            return;
+        if (content.size() < position + size)
+            content.append(int(position + size) - content.size(), '\0');
+        std::copy_n(data, size, content.begin() + position);
+    }
+
+private:
+    std::atomic<int> m_writesLeft{0};
+    bool m_takesPartOfIt = false;
+    int m_hesitation = 0;
+};
+
+/// One random sequence of everything that can be done to a device, beside the same done to an array of bytes.
+class Sequence
+{
+public:
+    Sequence(MemoryFile &file, quint32 seed)
+        : m_file(file)
+        , m_random(seed)
+    {
+        const bool refuses = m_random.bounded(2) == 0;
+        m_file.restart(refuses ? m_random.bounded(12) : std::numeric_limits<int>::max(), m_random.bounded(2) == 0,
+                       m_random.bounded(3) * m_random.bounded(4));
+        m_blockSize = m_random.bounded(1, 40);
+        m_device.reset(new WriteBehindDevice(m_file, m_blockSize));
+    }
+
+    /// What was wrong; empty when all was as it must be.
+    QString run()
+    {
+        for (int step = m_random.bounded(1, 30); step > 0 && m_fault.isEmpty(); --step) {
+            switch (m_random.bounded(8)) {
+            case 0:
+            case 1:
+                seek();
+                break;
+            case 2:
+                if (m_random.bounded(3) == 0)
+                    flush();
+                break;
+            case 3:
+                if (m_random.bounded(8) == 0)
+                    m_file.takeAgain();
+                break;
+            default:
+                write();
+            }
+            expect(m_device->pos() == m_position, "position");
+            expect(m_device->size() == m_expected.size(), "size");
+        }
+        if (m_random.bounded(3) > 0)
+            flush();
+        m_device.reset();
+        expect(m_file.content.size() <= m_expected.size(), "more than was written");
+        return m_fault;
+    }
+
+private:
+    void expect(bool isTrue, const char *what)
+    {
+        if (!isTrue && m_fault.isEmpty())
+            m_fault = QString::fromLatin1(what);
+    }
+
+    void seek()
+    {
+        switch (m_random.bounded(4)) {
+        case 0:
+            m_position = m_random.bounded(qMax(1, m_expected.size()));
+            break;
+        case 1:
+            m_position = m_expected.size();
+            break;
+        case 2:
+            m_position = m_expected.size() + m_random.bounded(3 * m_blockSize);
+            break;
+        default:
+            m_position = qMax<qint64>(0, m_position + m_random.bounded(-m_blockSize, m_blockSize + 1));
+        }
+        expect(m_device->seek(m_position), "seek");
+    }
+
+    void write()
+    {
+        const int sizes[] = {
+            0, 1, m_blockSize - 1, m_blockSize, m_blockSize + 1, 5 * m_blockSize, m_random.bounded(1, 3 * m_blockSize)};
+        QByteArray bytes(sizes[m_random.bounded(7)], '\0');
+        for (char &byte : bytes)
+            byte = char(m_random.bounded(1, 256));
+        const qint64 count = m_device->write(bytes);
+        if (count == bytes.size()) {
+            expect(!m_mustRefuse, "taken after a refusal");
+            MemoryFile::put(m_expected, m_position, bytes.constData(), count);
+            m_position += count;
+        } else {
+            expect(count == -1, "taken in part");
+            expect(m_file.hasRefused, "refused without a reason");
+            m_mustRefuse = true;
+        }
+    }
+
+    void flush()
+    {
+        if (m_device->flush()) {
+            expect(!m_mustRefuse && !m_file.hasRefused, "flushed after a refusal");
+            expect(m_file.content == m_expected, "content");
+        } else {
+            expect(m_file.hasRefused, "not flushed without a reason");
+            m_mustRefuse = true;
+        }
+    }
+
+    MemoryFile &m_file;
+    QRandomGenerator m_random;
+    int m_blockSize = 1;
+    QScopedPointer<WriteBehindDevice> m_device;
+    QByteArray m_expected;
+    qint64 m_position = 0;
+    bool m_mustRefuse = false;
+    QString m_fault;
 };
 
 } // namespace
@@ -71,6 +240,10 @@ private slots:
     void a_file_that_is_full_is_told_by_flush_data();
     void a_file_that_is_full_is_told_by_flush();
     void writing_to_a_full_file_ends();
+    void a_refused_write_changes_nothing();
+    void the_zip_library_may_write_after_a_refusal_data();
+    void the_zip_library_may_write_after_a_refusal();
+    void random_sequences_end_as_in_a_plain_file();
     void what_the_file_cannot_pass_on_is_told_by_flush();
     void nothing_can_be_read();
     void its_end_waits_for_what_is_being_written();
@@ -256,6 +429,75 @@ void TstWriteBehindDevice::writing_to_a_full_file_ends()
     // The second block does not fit; not more than a mebibyte can be on its way behind it.
     QVERIFY2(written < 4 + 4 + 16, qPrintable(QString::number(written)));
     QVERIFY(!device.flush());
+}
+
+void TstWriteBehindDevice::a_refused_write_changes_nothing()
+{
+    ObservedFile file(path());
+    file.room = 600 * KiB;
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    WriteBehindDevice device(file);
+    const QByteArray block = noise(256 * KiB);
+    while (!file.hasRefused)
+        device.write(block);
+    const qint64 position = device.pos();
+    const qint64 size = device.size();
+    // The library writes again without a seek, a few bytes or much, and steps back to a header.
+    for (const QByteArray &portion : {block, QByteArray("PK"), block, block.repeated(5), QByteArray()}) {
+        QCOMPARE(device.write(portion), -1);
+        QCOMPARE(device.pos(), position);
+        QCOMPARE(device.size(), size);
+    }
+    QVERIFY(device.seek(10));
+    QCOMPARE(device.write("PK"), -1);
+    QCOMPARE(device.pos(), 10);
+    QVERIFY(!device.flush());
+    QCOMPARE(device.write("PK"), -1);
+    QCOMPARE(device.size(), size);
+}
+
+void TstWriteBehindDevice::the_zip_library_may_write_after_a_refusal_data()
+{
+    QTest::addColumn<int>("blocks");
+    for (int blocks = 0; blocks < 13; ++blocks)
+        QTest::newRow(qPrintable(QStringLiteral("room for %1 blocks").arg(blocks))) << blocks;
+}
+
+void TstWriteBehindDevice::the_zip_library_may_write_after_a_refusal()
+{
+    QFETCH(int, blocks);
+    const QByteArray picture = noise(700 * KiB);
+    ObservedFile file(path());
+    file.room = qint64(blocks) * 256 * KiB;
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    WriteBehindDevice device(file);
+    {
+        // Entry and archive write again when they end.
+        QuaZip zip(&device);
+        zip.setAutoClose(false);
+        QVERIFY(zip.open(QuaZip::mdCreate));
+        bool isTaken = true;
+        for (int number = 0; number < 5 && isTaken; ++number) {
+            QuaZipFile entry(&zip);
+            isTaken = entry.open(QIODevice::WriteOnly, QuaZipNewInfo(QString::number(number)), nullptr, 0, 0) &&
+                      entry.write(picture) == picture.size();
+        }
+    }
+    QVERIFY(!device.flush());
+    QCOMPARE(device.write("x"), -1);
+}
+
+void TstWriteBehindDevice::random_sequences_end_as_in_a_plain_file()
+{
+    const int sequences = qEnvironmentVariableIsSet("WRITE_BEHIND_SEQUENCES")
+                              ? qEnvironmentVariableIntValue("WRITE_BEHIND_SEQUENCES")
+                              : 20000;
+    MemoryFile file(path());
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    for (int seed = 1; seed <= sequences; ++seed) {
+        const QString fault = Sequence(file, quint32(seed)).run();
+        QVERIFY2(fault.isEmpty(), qPrintable(QStringLiteral("sequence %1: %2").arg(QString::number(seed), fault)));
+    }
 }
 
 void TstWriteBehindDevice::what_the_file_cannot_pass_on_is_told_by_flush()

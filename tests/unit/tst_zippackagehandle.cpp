@@ -18,6 +18,7 @@
 
 #include <cstring>
 #include <memory>
+#include <sys/mount.h>
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
@@ -88,6 +89,8 @@ private slots:
     void packing_onto_a_directory_fails_and_leaves_it_alone();
     void packing_makes_the_folder_of_the_package();
     void packing_on_a_full_disk_leaves_the_old_package();
+    void a_disk_full_at_any_block_leaves_the_old_package_data();
+    void a_disk_full_at_any_block_leaves_the_old_package();
     void packing_a_link_that_leads_outside_leaves_the_old_package();
     void packing_with_a_comment_that_cannot_be_read_back_leaves_the_old_package();
     void packages_around_a_multiple_of_the_chunk_are_valid_at_once_data();
@@ -318,6 +321,55 @@ void TstZipPackageHandle::packing_on_a_full_disk_leaves_the_old_package()
     }
     const FullDisk disk(needed);
     QVERIFY(ZipPackageHandle::compressEngineerPacket(m_device, info));
+}
+
+void TstZipPackageHandle::a_disk_full_at_any_block_leaves_the_old_package_data()
+{
+    QTest::addColumn<bool>("isMounted");
+    QTest::newRow("files may not become larger") << false;
+    QTest::newRow("a file system of that size") << true;
+}
+
+void TstZipPackageHandle::a_disk_full_at_any_block_leaves_the_old_package()
+{
+    QFETCH(bool, isMounted);
+    constexpr int blockSize = 4096;
+    packed();
+    const QByteArray old = readFile(m_package);
+    // More than is under way at once.
+    QVERIFY(writeFile(m_device + "/BKG/BKG_5.png", noise(5 * MiB / 4)));
+    QVERIFY(writeFile(m_device + "/deflated.bin", noise(MiB / 4)));
+    m_folder = m_temp->path() + "/small";
+    QVERIFY(QDir().mkpath(m_folder));
+    const auto sizeOption = [](int blocks) { return "size=" + QByteArray::number(blocks * blockSize); };
+    const int oldBlocks = old.size() / blockSize + 2;
+    if (isMounted && mount("tmpfs", QFile::encodeName(m_folder), "tmpfs", 0, sizeOption(oldBlocks)) != 0)
+        QSKIP("Only an administrator may mount a file system.");
+    const auto unmount = qScopeGuard([&] {
+        if (isMounted)
+            umount(QFile::encodeName(m_folder));
+    });
+    m_package = m_folder + "/Project1.corvelpro";
+    QVERIFY(writeFile(m_package, old));
+    bool isSaved = false;
+    int blocks = 0;
+    for (; !isSaved; ++blocks) {
+        EngineerPacketInfo info;
+        info.strFilePath = m_package;
+        {
+            const FullDisk limited(isMounted ? 100 * MiB : qint64(blocks) * blockSize);
+            if (isMounted)
+                QCOMPARE(
+                    mount("tmpfs", QFile::encodeName(m_folder), "tmpfs", MS_REMOUNT, sizeOption(oldBlocks + blocks)),
+                    0);
+            isSaved = ZipPackageHandle::compressEngineerPacket(m_device, info);
+        }
+        QVERIFY(isSaved || readFile(m_package) == old);
+        verifyNoFragment();
+    }
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    const qint64 neededBlocks = QFileInfo(m_package).size() / blockSize;
+    QVERIFY2(blocks > neededBlocks && blocks < neededBlocks + 4, qPrintable(QString::number(blocks)));
 }
 
 void TstZipPackageHandle::packing_a_link_that_leads_outside_leaves_the_old_package()

@@ -2,6 +2,7 @@
 
 #include "devicelookup.h"
 #include "encodedpictures.h"
+#include "packagelayout.h"
 #include "picturewriter.h"
 #include "projectfilefacts.h"
 #include "stagedfile.h"
@@ -151,9 +152,9 @@ QString EngineerDocBackup::stagingDirectory() const
 
 void EngineerDocBackup::prepareStageFolders() const
 {
-    emptyFolder(stagingDirectory() + ProjectFileFacts::backgroundFolder);
-    emptyFolder(stagingDirectory() + ProjectFileFacts::logoFolder);
-    emptyFolder(stagingDirectory() + ProjectFileFacts::presetFolder);
+    emptyFolder(stagingDirectory() + PackageLayout::backgroundFolder);
+    emptyFolder(stagingDirectory() + PackageLayout::logoFolder);
+    emptyFolder(stagingDirectory() + PackageLayout::presetFolder);
 }
 
 bool EngineerDocBackup::stopIfCanceled()
@@ -183,7 +184,7 @@ bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
             return false;
         }
         writer.write(loadPicture(background->imageKey(), QImage::Format_RGB32),
-                     stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo()));
+                     stagingDirectory() + PackageLayout::backgroundEntry(background->getKeyNo()));
     }
     return true;
 }
@@ -200,7 +201,7 @@ bool EngineerDocBackup::exportLogos(PictureWriter &writer)
             return false;
         if (const std::shared_ptr<Materail> logo = reference.lock())
             writer.write(loadPicture(logo->imageKey(), QImage::Format_ARGB32),
-                         stagingDirectory() + ProjectFileFacts::logoEntry(logo->getKeyNo()));
+                         stagingDirectory() + PackageLayout::logoEntry(logo->getKeyNo()));
     }
     return true;
 }
@@ -213,13 +214,12 @@ bool EngineerDocBackup::offlineResourcesComplete() const
 
     for (const Talvik::weak_refrence<Materail> &reference : device->getBKGs()) {
         const std::shared_ptr<Materail> background = reference.lock();
-        if (background &&
-            !QFile::exists(stagingDirectory() + ProjectFileFacts::backgroundEntry(background->getKeyNo())))
+        if (background && !QFile::exists(stagingDirectory() + PackageLayout::backgroundEntry(background->getKeyNo())))
             return false;
     }
     for (const Talvik::weak_refrence<Materail> &reference : device->getLogos()) {
         const std::shared_ptr<Materail> logo = reference.lock();
-        if (logo && !QFile::exists(stagingDirectory() + ProjectFileFacts::logoEntry(logo->getKeyNo())))
+        if (logo && !QFile::exists(stagingDirectory() + PackageLayout::logoEntry(logo->getKeyNo())))
             return false;
     }
     return true;
@@ -231,8 +231,7 @@ bool EngineerDocBackup::LoadPreset()
     if (!device)
         return false;
 
-    const QString presetFolder =
-        deviceDirectory() + QDir::separator() + ProjectFileFacts::presetFolder + QLatin1Char('/');
+    const QString presetFolder = deviceDirectory() + QDir::separator() + PackageLayout::presetFolder + QLatin1Char('/');
     QDir(presetFolder).removeRecursively();
     QDir().mkpath(presetFolder);
 
@@ -245,8 +244,7 @@ bool EngineerDocBackup::LoadPreset()
                                << " could not be serialised";
             return false;
         }
-        const QString path =
-            presetFolder + QDir::separator() + QString::number(preset->getNumber()) + QStringLiteral(".RPst");
+        const QString path = deviceDirectory() + QDir::separator() + PackageLayout::presetEntry(preset->getNumber());
         if (!writePreset(path, detail, device->getName()))
             return false;
     }

@@ -1,11 +1,13 @@
 #include "engineerdocload.h"
 
+#include "contentscan.h"
 #include "devicelookup.h"
 #include "durablefile.h"
+#include "packagelayout.h"
+#include "packagelimits.h"
 #include "packagereader.h"
 #include "picturedecoder.h"
 #include "picturereader.h"
-#include "projectfilefacts.h"
 #include "zippackagehandle.h"
 
 #include <core/icore.h>
@@ -30,6 +32,8 @@ using ModelControl::DeviceControler;
 namespace ProjectFileCfg {
 namespace Internal {
 
+using namespace PackageLayout;
+
 /// Id of a device that is in no list.
 static const quint16 unlistedDeviceId = 65535;
 static const int defaultExchangePos = 8;
@@ -52,68 +56,14 @@ static QPair<qint64, QDateTime> stampOf(const QString &path)
     return {file.size(), file.lastModified()};
 }
 
-static bool isDescription(const QString &entry)
-{
-    return entry.endsWith(QLatin1String(".json"), Qt::CaseInsensitive);
-}
-
-static bool isPicture(const QString &entry)
-{
-    return entry.endsWith(QLatin1String(".png"), Qt::CaseInsensitive);
-}
-
-static bool isLogoEntry(const QString &entry)
-{
-    return entry.startsWith(ProjectFileFacts::logoFolder + QLatin1Char('/'));
-}
-
-/// Where a picture belongs is read with case, what it is without.
-static bool isGalleryEntry(const QString &entry)
-{
-    return isLogoEntry(entry) || entry.startsWith(ProjectFileFacts::backgroundFolder + QLatin1Char('/'));
-}
-
-static bool isGalleryPicture(const QString &entry)
-{
-    return isPicture(entry) && isGalleryEntry(entry);
-}
-
-static QString galleryFolder(const QString &entry)
-{
-    return isLogoEntry(entry) ? ProjectFileFacts::logoFolder : ProjectFileFacts::backgroundFolder;
-}
-
-static quint16 galleryNumber(const QString &entry)
-{
-    const QString folder = galleryFolder(entry);
-    return entry.toUpper()
-        .remove(folder + QLatin1Char('/') + folder + QLatin1Char('_'))
-        .remove(QStringLiteral(".PNG"))
-        .toUShort();
-}
-
-/// What a description may have, so that one from elsewhere does not fill the memory: each member, element or bracket
-/// takes some eighty bytes once it is parsed.
-static const qint64 maxDescriptionBytes = 16 * 1024 * 1024;
-static const int maxDescriptionParts = 1024 * 1024;
-
 static QJsonDocument parseDescription(QFile &file, QJsonParseError &error)
 {
-    if (file.size() > maxDescriptionBytes)
+    if (file.size() > PackageLimits::maxParsedDescriptionSize)
         return QJsonDocument();
     const QByteArray json = QString::fromUtf8(file.readAll()).toUtf8();
-    const auto beginsPart = [](char c) { return c == ',' || c == ':' || c == '[' || c == '{'; };
-    if (std::count_if(json.begin(), json.end(), beginsPart) > maxDescriptionParts)
-        return QJsonDocument();
-    return QJsonDocument::fromJson(json, &error);
-}
-
-/// Each name once: a further entry of the same name stands behind the first one, which alone counts.
-static QStringList entriesOf(const PackageReader &package)
-{
-    QStringList entries = package.fileList();
-    entries.removeDuplicates();
-    return entries;
+    DescriptionScan scan;
+    scan.feed(json.constData(), json.size());
+    return scan.parts() <= PackageLimits::maxDescriptionParts ? QJsonDocument::fromJson(json, &error) : QJsonDocument();
 }
 
 static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
@@ -198,7 +148,8 @@ bool EngineerDocLoad::checkDevice()
     if (!target)
         return fail(LoadGetDeviceFailed);
 
-    // Before the description is read: a package that is replaced from here on must not pass for the one that was checked.
+    // Before the description is read: a package that is replaced from here on must not pass for the one that was
+    // checked.
     m_checkedPackage = stampOf(m_strPackagePath);
     m_bCheckedOnline = target->getDeviceOnlineFlag();
     const QStringList descriptions = ZipPackageHandle::extractJsonFiles(m_strPackagePath, ICore::ExtractJsonPath());
@@ -334,7 +285,7 @@ QString EngineerDocLoad::deviceFolder() const
 bool EngineerDocLoad::copySourceToOfflineDevice()
 {
     PackageReader package(m_strPackagePath);
-    QStringList entries = entriesOf(package);
+    QStringList entries = package.entries();
     entries.erase(std::remove_if(entries.begin(), entries.end(), isDescription), entries.end());
     const bool extracted =
         isCheckedPackage(package) && std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
@@ -368,9 +319,9 @@ void EngineerDocLoad::refreshThumbnail(Materail &materail, QHash<QString, QImage
 {
     QString path;
     if (materail.getType() == Materail::Background)
-        path = deviceFolder() + ProjectFileFacts::backgroundEntry(materail.getKeyNo());
+        path = deviceFolder() + PackageLayout::backgroundEntry(materail.getKeyNo());
     else if (materail.getType() == Materail::Logo)
-        path = deviceFolder() + ProjectFileFacts::logoEntry(materail.getKeyNo());
+        path = deviceFolder() + PackageLayout::logoEntry(materail.getKeyNo());
     // Any number of them may have the same number, and so the same picture.
     auto thumbnail = known.find(path);
     if (thumbnail == known.end())
@@ -424,7 +375,7 @@ bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Devi
     PackageReader package(m_strPackagePath);
     if (!isCheckedPackage(package))
         return fail(LoadDecompressFailed);
-    const QStringList entries = entriesOf(package);
+    const QStringList entries = package.entries();
     PictureDecoder decoder;
     auto ahead = entries.begin();
     for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
@@ -461,7 +412,7 @@ std::shared_ptr<Materail> EngineerDocLoad::findMaterail(const QString &entry) co
 {
     // Key numbers have 8 bits.
     const auto keyNo = static_cast<quint8>(galleryNumber(entry));
-    for (const auto &reference : isLogoEntry(entry) ? m_pPackageDevice->getLogos() : m_pPackageDevice->getBKGs()) {
+    for (const auto &reference : isLogo(entry) ? m_pPackageDevice->getLogos() : m_pPackageDevice->getBKGs()) {
         const std::shared_ptr<Materail> candidate = reference.lock();
         if (candidate && candidate->getKeyNo() == keyNo)
             return candidate;
@@ -477,7 +428,7 @@ bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
     if (size.width() < 1 || size.height() < 1)
         return fail(LoadImageContentError);
 
-    if (!isGalleryEntry(entry))
+    if (!isInGallery(entry))
         return true;
     const std::shared_ptr<Materail> materail = findMaterail(entry);
     if (!materail || materail->size() != size)
@@ -489,10 +440,10 @@ bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
     if (image.isNull())
         return fail(LoadGalleryFileError);
 
-    const bool isLogo = isLogoEntry(entry);
-    ICore::setOperatorType(ICore::OperatorLoad, (isLogo ? tr("LOGO:") : tr("BKG:")) + materail->getName());
+    const bool toLogos = isLogo(entry);
+    ICore::setOperatorType(ICore::OperatorLoad, (toLogos ? tr("LOGO:") : tr("BKG:")) + materail->getName());
     if (!DeviceControler(target).createMaterailFromImage(
-            image, isLogo ? Materail::Logo : Materail::Background, QString(), 0, QSize(0, 0),
+            image, toLogos ? Materail::Logo : Materail::Background, QString(), 0, QSize(0, 0),
             galleryFolder(entry) + QLatin1Char('_') + QString::number(galleryNumber(entry))))
         return fail(LoadApplyGalleryFailed);
     if (!QFile::remove(path))

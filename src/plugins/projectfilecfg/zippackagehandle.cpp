@@ -1,6 +1,7 @@
 #include "zippackagehandle.h"
 
 #include "localecodec.h"
+#include "packagelimits.h"
 #include "packagereader.h"
 #include "packagewriter.h"
 #include "projectfilefacts.h"
@@ -20,9 +21,6 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 namespace {
-
-/// Beyond this QuaZip no longer finds the end of the archive, and with it neither comment nor entries.
-constexpr int maxCommentSize = 65513;
 
 /// The lenient guard: see the header.
 bool isWorthOpening(const QString &packetPath)
@@ -64,7 +62,7 @@ bool writeComment(QFile &file, const QString &comment)
 bool writeVerifiedComment(ReplacingFile &replacement, const QString &comment)
 {
     const QString written = QString::fromUtf8(comment.toUtf8());
-    return written.toUtf8().size() <= maxCommentSize && writeComment(replacement.file(), written) &&
+    return written.toUtf8().size() <= PackageLimits::maxCommentSize && writeComment(replacement.file(), written) &&
            PackageReader(replacement.path()).comment() == written;
 }
 
@@ -220,7 +218,7 @@ int ZipPackageHandle::extractDir(const QString &packetPath, const QString &destD
     }
     PackageReader package(packetPath);
     QStringList writtenPaths;
-    for (const QString &entryName : package.fileList()) {
+    for (const QString &entryName : package.entries()) {
         const QString path = package.extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName));
         if (path.isEmpty()) {
             removeFiles(writtenPaths);

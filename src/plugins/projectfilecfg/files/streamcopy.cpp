@@ -6,7 +6,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied)
+bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied,
+                const std::function<void(const char *data, qint64 size)> &look)
 {
     constexpr qint64 blockSize = 256 * 1024;
     QByteArray block(int(blockSize), Qt::Uninitialized);
@@ -14,6 +15,8 @@ bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 
     *copied = 0;
     while ((count = source.read(block.data(), block.size())) > 0) {
         *copied += count;
+        if (look)
+            look(block.constData(), count);
         if (*copied > limit || destination.write(block.constData(), count) != count)
             return false;
     }

@@ -8,17 +8,14 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Large enough that handing over does not count, small enough that a picture is worth it.
-static const int blockSize = 256 * 1024;
-
-WriteBehindDevice::WriteBehindDevice(QFileDevice &file)
+WriteBehindDevice::WriteBehindDevice(QFileDevice &file, qint64 blockSize)
     : m_file(file)
+    , m_nBlockSize(blockSize)
 {
-    // One thread takes the blocks in the order in which they come.
+    // One thread takes the blocks in the order in which they come, so that the one after the current one is free first.
     m_pool.setMaxThreadCount(1);
-    constexpr int largestPortion = 64 * 1024;
     for (Block &block : m_blocks)
-        block.bytes.reserve(blockSize + largestPortion);
+        block.bytes.reset(new char[std::size_t(m_nBlockSize)]);
     QIODevice::open(QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
@@ -27,67 +24,60 @@ WriteBehindDevice::~WriteBehindDevice()
     m_pool.waitForDone();
 }
 
-bool WriteBehindDevice::isSequential() const
-{
-    return false;
-}
-
-qint64 WriteBehindDevice::size() const
-{
-    return m_nSize;
-}
-
-bool WriteBehindDevice::seek(qint64 position)
-{
-    if (position < block().position || position > block().position + block().bytes.size())
-        beginBlock(position);
-    return QIODevice::seek(position);
-}
-
 void WriteBehindDevice::writeToFile(const Block &block)
 {
-    if (!m_file.seek(block.position) || m_file.write(block.bytes) != block.bytes.size())
+    if (!m_bFailed && (!m_file.seek(block.position) || m_file.write(block.bytes.get(), block.size) != block.size))
         m_bFailed = true;
 }
 
-void WriteBehindDevice::beginBlock(qint64 position)
+/// The current block is empty afterwards.
+void WriteBehindDevice::handOver()
 {
-    if (!block().bytes.isEmpty()) {
-        // Nobody waits for the task itself: who does takes it over where it has not begun, and would write beside the
-        // thread of the pool.
-        QtConcurrent::run(&m_pool, [this, &full = block()] {
-            writeToFile(full);
-            m_free.release();
-        });
-        m_free.acquire();
-        m_nCurrent = (m_nCurrent + 1) % m_blocks.size();
-        block().bytes.resize(0);
-    }
-    block().position = position;
+    if (block().size == 0)
+        return;
+    // Nobody waits for the task itself: who does takes it over where it has not begun, and would write beside the
+    // thread of the pool.
+    QtConcurrent::run(&m_pool, [this, &full = block()] {
+        writeToFile(full);
+        m_free.release();
+    });
+    m_free.acquire();
+    m_nCurrent = (m_nCurrent + 1) % m_blocks.size();
+    block().size = 0;
 }
 
 bool WriteBehindDevice::flush()
 {
     m_pool.waitForDone();
-    if (!block().bytes.isEmpty())
+    if (block().size > 0)
         writeToFile(block());
-    block().bytes.resize(0);
-    block().position = pos();
-    return !m_bFailed && m_file.flush();
+    block().size = 0;
+    if (!m_bFailed && !m_file.flush())
+        m_bFailed = true;
+    return !m_bFailed;
 }
 
-qint64 WriteBehindDevice::readData(char *, qint64)
-{
-    return -1;
-}
-
+// Where a portion goes is found anew from the device's position, whatever was called before.
 qint64 WriteBehindDevice::writeData(const char *data, qint64 size)
 {
-    block().bytes.replace(int(pos() - block().position), int(size), data, int(size));
-    m_nSize = std::max(m_nSize, pos() + size);
-    if (block().bytes.size() >= blockSize)
-        beginBlock(pos() + size);
-    return m_bFailed ? -1 : size;
+    if (m_bFailed)
+        return -1;
+    for (qint64 taken = 0; taken < size;) {
+        const qint64 position = pos() + taken;
+        if (position < block().position || position > block().position + block().size)
+            handOver();
+        if (block().size == 0)
+            block().position = position;
+        const qint64 offset = position - block().position;
+        const qint64 portion = std::min(size - taken, m_nBlockSize - offset);
+        std::copy_n(data + taken, portion, block().bytes.get() + offset);
+        block().size = std::max(block().size, offset + portion);
+        taken += portion;
+        m_nSize = std::max(m_nSize, position + portion);
+        if (block().size == m_nBlockSize)
+            handOver();
+    }
+    return size;
 }
 
 } // namespace Internal

@@ -3,7 +3,8 @@
 #include "localecodec.h"
 #include "packagechecksum.h"
 #include "packagefile.h"
-#include "projectfilefacts.h"
+#include "packagelayout.h"
+#include "packagelimits.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
 
@@ -11,6 +12,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
+#include <QVector>
 
 #include <quazip.h>
 #include <quazipfile.h>
@@ -21,86 +24,21 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+using namespace PackageLayout;
+using namespace PackageLimits;
+
 namespace {
-
-constexpr qint64 maxDescriptionSize = 64LL * 1024 * 1024;
-constexpr qint64 maxEntrySize = 1024LL * 1024 * 1024;
-/// In characters, of all names together: 256 for each of as many entries as there can be.
-constexpr int maxNamesLength = 16 * 1024 * 1024;
-constexpr int maxDepth = 64;
-constexpr int maxEntries = 65535;
-/// One counts; the user interface waits for all.
-constexpr int maxDescriptions = 1000;
-
-bool isFolder(const QString &entryName)
-{
-    return entryName.endsWith(QLatin1Char('/'));
-}
-
-bool isJson(const QString &entryName)
-{
-    return entryName.endsWith(QLatin1String(".json"), Qt::CaseInsensitive);
-}
-
-bool hasDriveLetter(const QString &name)
-{
-    return name.size() > 1 && name.at(1) == QLatin1Char(':') && name.at(0).isLetter();
-}
-
-/// Judges the name as every platform might read it: packages travel.
-bool isSafeName(const QString &entryName)
-{
-    if (entryName.isEmpty() || entryName.contains(QChar(QChar::Null))) {
-        return false;
-    }
-    const QString name = QString(entryName).replace(QLatin1Char('\\'), QLatin1Char('/'));
-    if (name.startsWith(QLatin1Char('/'))) {
-        return false;
-    }
-    const QStringList parts = name.split(QLatin1Char('/'));
-    // A file called "." would be written aside in the folder above.
-    return parts.size() <= maxDepth && parts.last() != QLatin1String(".") &&
-           std::none_of(parts.begin(), parts.end(), [](const QString &part) {
-               return part.trimmed() == QLatin1String("..") || hasDriveLetter(part);
-           });
-}
-
-bool isCalledLikeAFolder(const QString &name)
-{
-    using namespace ProjectFileFacts;
-    return name.compare(backgroundFolder, Qt::CaseInsensitive) == 0 ||
-           name.compare(logoFolder, Qt::CaseInsensitive) == 0 || name.compare(presetFolder, Qt::CaseInsensitive) == 0;
-}
-
-bool isCalledLikeAFile(const QString &name)
-{
-    return isJson(name) || name.endsWith(QLatin1String(".png"), Qt::CaseInsensitive) ||
-           name.endsWith(QLatin1String(".RPst"), Qt::CaseInsensitive);
-}
-
-/// A folder that is called like the files of packages, or a file that is called like their folders, would be in the
-/// way of every package that is extracted to the same place later.
-bool blocksLaterPackages(const QString &entryName)
-{
-    const QString name = QDir::cleanPath(entryName);
-    if (!isFolder(entryName) && isCalledLikeAFolder(name)) {
-        return true;
-    }
-    const QStringList folders = name.split(QLatin1Char('/')).mid(0, name.count(QLatin1Char('/')) + isFolder(entryName));
-    return std::any_of(folders.begin(), folders.end(), isCalledLikeAFile);
-}
 
 /// False for links, devices and the like, and for what only a password opens. Archives that were not made on
 /// Unix carry no type.
-bool isOrdinary(const unz_file_info64 &info, const QString &entryName)
+bool isOrdinary(const unz_file_info64 &info, bool isFolder)
 {
     constexpr quint32 typeMask = 0170000;
     constexpr quint32 regularFile = 0100000;
     constexpr quint32 directory = 0040000;
     constexpr quint32 encrypted = 1;
     const quint32 type = quint32(info.external_fa >> 16) & typeMask;
-    return (info.flag & encrypted) == 0 &&
-           (type == 0 || type == regularFile || (type == directory && isFolder(entryName)));
+    return (info.flag & encrypted) == 0 && (type == 0 || type == regularFile || (type == directory && isFolder));
 }
 
 bool isSymbolicLink(const QString &path)
@@ -130,8 +68,12 @@ struct PackageReader::Entry
 
 struct PackageReader::Directory
 {
+    /// As the archive has them, and as text.
+    QVector<QByteArray> rawNames;
     QStringList names;
-    /// So that taking an entry does not walk over those before it. Of two of the same name the first counts.
+    /// In the same order, and by name, so that taking an entry does not walk over those before it. Of two of the same
+    /// name the first counts.
+    QVector<Entry> all;
     QHash<QString, Entry> entries;
     /// Of all names, of all contents, and of these as they are packed.
     qint64 namesLength = 0;
@@ -142,7 +84,7 @@ struct PackageReader::Directory
     /// that no file of `archiveSize` holds unless the entries share them.
     bool isCredible(qint64 archiveSize) const
     {
-        return names.size() <= maxEntries && namesLength <= maxNamesLength && contentSize <= quint64(maxContentSize) &&
+        return all.size() <= maxEntries && namesLength <= maxNamesLength && contentSize <= quint64(maxContentSize) &&
                packedSize <= quint64(archiveSize);
     }
 };
@@ -170,9 +112,23 @@ QStringList PackageReader::fileList() const
     return directory().names;
 }
 
+QStringList PackageReader::entries() const
+{
+    QStringList counting;
+    QSet<QString> paths;
+    for (const QString &name : fileList()) {
+        const QString path = plainName(name);
+        if (!paths.contains(path)) {
+            paths.insert(path);
+            counting.append(name);
+        }
+    }
+    return counting;
+}
+
 qint64 PackageReader::maxSizeOf(const QString &entryName)
 {
-    return isJson(entryName) ? maxDescriptionSize : maxEntrySize;
+    return isDescription(entryName) ? maxDescriptionSize : maxEntrySize;
 }
 
 qint64 PackageReader::entrySize(const QString &entryName) const
@@ -212,9 +168,17 @@ const PackageReader::Directory &PackageReader::directory() const
     for (bool more = m_zip->isOpen() && m_zip->goToFirstFile(); more && isSound; more = m_zip->goToNextFile()) {
         isSound = readCurrentHeader() && m_directory->isCredible(archiveSize);
     }
-    if (!isSound || m_zip->getZipError() != UNZ_OK) {
+    const QStringList names = namesOf(m_directory->rawNames);
+    if (!isSound || m_zip->getZipError() != UNZ_OK || names.size() != m_directory->all.size()) {
         *m_directory = Directory();
+        return *m_directory;
     }
+    for (int index = 0; index < names.size(); ++index) {
+        if (!m_directory->entries.contains(names.at(index))) {
+            m_directory->entries.insert(names.at(index), m_directory->all.at(index));
+        }
+    }
+    m_directory->names = names;
     return *m_directory;
 }
 
@@ -230,17 +194,16 @@ bool PackageReader::readCurrentHeader() const
         unzGetFilePos64(m_zip->getUnzFile(), &entry.position) != UNZ_OK) {
         return false;
     }
-    const QString entryName = QString::fromUtf8(name.constData(), int(info.size_filename));
+    name.truncate(int(info.size_filename));
+    name.squeeze();
     entry.size = qint64(info.uncompressed_size);
-    entry.isOrdinary = isOrdinary(info, entryName);
-    m_directory->names.append(entryName);
-    m_directory->namesLength += entryName.size();
+    entry.isOrdinary = isOrdinary(info, name.endsWith('/'));
+    m_directory->rawNames.append(name);
+    m_directory->all.append(entry);
+    m_directory->namesLength += name.size();
     // Many of the largest numbers must not add up to a small one.
     m_directory->contentSize += std::min<quint64>(info.uncompressed_size, maxContentSize + 1);
     m_directory->packedSize += std::min<quint64>(info.compressed_size, maxContentSize + 1);
-    if (!m_directory->entries.contains(entryName)) {
-        m_directory->entries.insert(entryName, entry);
-    }
     return true;
 }
 
@@ -327,8 +290,8 @@ QStringList PackageReader::extractJsonFiles(const QString &destDir)
 {
     QStringList writtenPaths;
     qint64 size = 0;
-    for (const QString &entryName : fileList()) {
-        if (isJson(entryName)) {
+    for (const QString &entryName : entries()) {
+        if (isDescription(entryName)) {
             size += directory().entries.value(entryName).size;
             const bool isWithinLimits = size <= maxDescriptionSize && writtenPaths.size() < maxDescriptions;
             writtenPaths.append(isWithinLimits ? extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName))

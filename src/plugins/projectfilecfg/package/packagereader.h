@@ -26,15 +26,18 @@ public:
     /// False when the file is missing or no archive; the other operations then return nothing.
     bool isOpen() const;
 
-    /// The names of all entries in the archive's order. Names of folders end in "/". Empty as well where the
-    /// archive's directory is damaged or cannot be true: entries of more than 4 GiB in all, packed ones of more than
-    /// the file has, more than 65,535 of them, or names of more than 16 million characters.
+    /// The names of all entries in the archive's order; PackageLayout::namesOf() says what becomes of one that is no
+    /// UTF-8. Names of folders end in "/". Empty as well where the archive's directory is damaged or cannot be true:
+    /// packed entries of more bytes than the file has, or more than PackageLimits says of entries, of what they hold
+    /// together, or of names.
     QStringList fileList() const;
 
-    /// What content is taken, in bytes: of an entry of that name, and of all entries together. A package itself is
-    /// smaller, and its pictures are as large outside as inside.
+    /// Those of them that count, for who takes one after the other: of several that lead to one path, as "BKG/x",
+    /// "BKG//x" and "BKG/./x" do, the first.
+    QStringList entries() const;
+
+    /// How many bytes are taken of an entry of that name.
     static qint64 maxSizeOf(const QString &entryName);
-    static constexpr qint64 maxContentSize = 4LL * 1024 * 1024 * 1024;
 
     /// How large the content of `entryName` says that it is; -1 when there is no such entry.
     qint64 entrySize(const QString &entryName) const;
@@ -62,8 +65,8 @@ public:
     /// by extractFile, damaged, or larger than `limit` bytes.
     QByteArray read(const QString &entryName, qint64 limit);
 
-    /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
-    /// what extractFile returned for each, in the archive's order. What is beyond 64 MiB of
+    /// Extracts every entry that counts and whose name ends in ".json", in any case, to `destDir` + "/" + its name.
+    /// Returns what extractFile returned for each, in the archive's order. What is beyond 64 MiB of
     /// them together, or beyond the 1,000th, is not extracted.
     QStringList extractJsonFiles(const QString &destDir);
 

@@ -1,7 +1,10 @@
 #include "packagewriter.h"
 
+#include "contentscan.h"
 #include "localecodec.h"
 #include "packagechecksum.h"
+#include "packagelayout.h"
+#include "packagelimits.h"
 #include "packagereader.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
@@ -15,16 +18,15 @@
 #include <quazipfile.h>
 
 #include <algorithm>
-#include <numeric>
+#include <filesystem>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
+using namespace PackageLayout;
+
 namespace {
 
-/// Above these the format needs its 64-bit extension, in which QuaZip no longer finds the comment.
-constexpr qint64 maxClassicSize = 0xFFFFFFFELL;
-constexpr int maxClassicEntries = 0xFFFE;
 /// Length of the record that ends an archive, without its comment.
 constexpr qint64 endRecordSize = 22;
 
@@ -45,9 +47,30 @@ void markEncoding(QuaZip &zip, const QString &name)
     }
 }
 
-bool isPicture(const QString &name)
+/// False when the folder has a file or folder whose name Qt cannot hold, as one that is no UTF-8: Qt's own listing
+/// passes over it, or gives it the name of another.
+bool hasOnlyListableNames(const QString &folder)
 {
-    return name.endsWith(QLatin1String(".png"), Qt::CaseInsensitive);
+#ifndef Q_OS_WIN
+    std::error_code error;
+    std::filesystem::directory_iterator entry(QFile::encodeName(folder).toStdString(), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const QByteArray name = QByteArray::fromStdString(entry->path().filename().native());
+        if (QFile::encodeName(QFile::decodeName(name)) != name) {
+            return false;
+        }
+    }
+    return !error;
+#else
+    Q_UNUSED(folder)
+    return true;
+#endif
+}
+
+/// What is larger, no reader takes, or no load.
+qint64 maxSizeToPack(const QString &name)
+{
+    return isPicture(name) ? PackageLimits::maxPictureFileSize : PackageReader::maxSizeOf(name);
 }
 
 /// The archive's time stamps begin in 1980 and end in 2107; others would be stored as garbage.
@@ -91,33 +114,47 @@ PackageWriter::PackageWriter(const QString &dirPath, const QString &packetPath)
 
 bool PackageWriter::scan()
 {
+    useUtf8LocaleCodec();
     m_entries.clear();
-    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList()) &&
-           leastSize() <= maxClassicSize && contentSize() <= PackageReader::maxContentSize;
+    m_firstDescription.clear();
+    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList()) && isWithinLimits();
 }
 
-/// What is stored takes its own size, so some trees are seen to be too large without writing 4 GiB first.
-qint64 PackageWriter::leastSize() const
+bool PackageWriter::isWithinLimits()
 {
+    using namespace PackageLimits;
     constexpr qint64 headersSize = 30 + 46;
-    qint64 size = endRecordSize;
-    for (const Entry &entry : m_entries) {
-        size += headersSize + 2 * entry.name.toUtf8().size() + (isPicture(entry.name) ? entry.size : 0);
+    // What is stored takes its own size, so some trees are seen to be too large without writing 4 GiB first.
+    qint64 leastSize = endRecordSize;
+    qint64 namesLength = 0;
+    qint64 contentSize = 0;
+    qint64 descriptionsSize = 0;
+    int descriptions = 0;
+    for (const Entry &entry : qAsConst(m_entries)) {
+        const qint64 nameLength = entry.name.toUtf8().size();
+        leastSize += headersSize + 2 * nameLength + (isPicture(entry.name) ? entry.size : 0);
+        namesLength += nameLength;
+        contentSize += entry.size;
+        if (!isDescription(entry.name))
+            continue;
+        descriptionsSize += entry.size;
+        // The load reads the first one.
+        if (++descriptions == 1) {
+            m_firstDescription = entry.name;
+            if (entry.size > maxParsedDescriptionSize)
+                return false;
+        }
     }
-    return size;
-}
-
-qint64 PackageWriter::contentSize() const
-{
-    return std::accumulate(m_entries.begin(), m_entries.end(), qint64(0),
-                           [](qint64 sum, const Entry &entry) { return sum + entry.size; });
+    return m_entries.size() <= maxPackedEntries && leastSize <= maxArchiveSize && namesLength <= maxNamesLength &&
+           contentSize <= maxContentSize && descriptions <= maxDescriptions && descriptionsSize <= maxDescriptionSize;
 }
 
 bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders)
 {
     const QFileInfo folder(path);
     const QString canonicalPath = folder.canonicalFilePath();
-    if (!folder.isReadable() || !folder.isExecutable() || enclosingFolders.contains(canonicalPath)) {
+    if (!folder.isReadable() || !folder.isExecutable() || enclosingFolders.contains(canonicalPath) ||
+        !hasOnlyListableNames(path)) {
         return false;
     }
     enclosingFolders.append(canonicalPath);
@@ -126,11 +163,14 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
     const QFileInfoList sources =
         QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QFileInfo &source : sources) {
-        if (!staysInside(source) || m_entries.size() > maxClassicEntries) {
+        if (!staysInside(source) || m_entries.size() > PackageLimits::maxPackedEntries) {
             return false;
         }
         if (source.isDir()) {
             const QString name = prefix + source.fileName() + QLatin1Char('/');
+            if (!isSafeName(name) || blocksLaterPackages(name)) {
+                return false;
+            }
             m_entries.append({name, source.absoluteFilePath(), 0});
             if (!scanFolder(source.absoluteFilePath(), name, enclosingFolders)) {
                 return false;
@@ -144,12 +184,13 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         }
         const QString name = prefix + source.fileName();
         // What no reader takes would be found out when the package is applied.
-        if (!source.isFile() || !source.isReadable() || source.size() > PackageReader::maxSizeOf(name)) {
+        if (!source.isFile() || !source.isReadable() || source.size() > maxSizeToPack(name) || !isSafeName(name) ||
+            blocksLaterPackages(name)) {
             return false;
         }
         m_entries.append({name, source.absoluteFilePath(), source.size()});
     }
-    return m_entries.size() <= maxClassicEntries;
+    return m_entries.size() <= PackageLimits::maxPackedEntries;
 }
 
 bool PackageWriter::staysInside(const QFileInfo &source) const
@@ -183,15 +224,16 @@ bool PackageWriter::writeEntries(QFile &archive, int paddingSize)
     if (!zip.open(QuaZip::mdCreate)) {
         return false;
     }
+    m_nPixels = 0;
     for (Entry &entry : m_entries) {
-        if (!writeEntry(zip, entry, paddingSize) || device.pos() > maxClassicSize) {
+        if (!writeEntry(zip, entry, paddingSize) || device.pos() > PackageLimits::maxArchiveSize) {
             return false;
         }
         paddingSize = 0;
     }
     zip.close();
     return zip.getZipError() == UNZ_OK && device.flush() && archive.error() == QFileDevice::NoError &&
-           archive.size() <= maxClassicSize;
+           archive.size() <= PackageLimits::maxArchiveSize;
 }
 
 bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize)
@@ -223,7 +265,29 @@ bool PackageWriter::copyContent(Entry &entry, QIODevice &destination)
     if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         return false;
     }
-    return copyStream(source, destination, maxClassicSize, &entry.size);
+    const qint64 limit = maxSizeToPack(entry.name);
+    if (isPicture(entry.name)) {
+        PictureScan picture;
+        const auto look = [&picture](const char *data, qint64 size) { picture.feed(data, size); };
+        return copyStream(source, destination, limit, &entry.size, look) && isFit(picture, entry.name);
+    }
+    if (entry.name == m_firstDescription) {
+        DescriptionScan description;
+        const auto look = [&description](const char *data, qint64 size) { description.feed(data, size); };
+        return copyStream(source, destination, PackageLimits::maxParsedDescriptionSize, &entry.size, look) &&
+               description.parts() <= PackageLimits::maxDescriptionParts;
+    }
+    return copyStream(source, destination, limit, &entry.size);
+}
+
+bool PackageWriter::isFit(const PictureScan &picture, const QString &name)
+{
+    if (isGalleryPicture(name)) {
+        m_nPixels += picture.pixels();
+        return !picture.isBeyondLimits() && picture.memory() <= PackageLimits::maxPictureMemory &&
+               m_nPixels <= PackageLimits::maxPixels;
+    }
+    return !picture.isBeyondLimits();
 }
 
 bool PackageWriter::isListedIn(const QString &path) const

@@ -22,21 +22,6 @@ bool hasPackageExtension(const QString &path)
     return path.endsWith(packageExtension, Qt::CaseInsensitive);
 }
 
-static QString pictureEntry(QLatin1String folder, int keyNo)
-{
-    return QStringLiteral("%1/%1_%2.png").arg(folder, QString::number(keyNo));
-}
-
-QString backgroundEntry(int keyNo)
-{
-    return pictureEntry(backgroundFolder, keyNo);
-}
-
-QString logoEntry(int keyNo)
-{
-    return pictureEntry(logoFolder, keyNo);
-}
-
 } // namespace ProjectFileFacts
 } // namespace Internal
 } // namespace ProjectFileCfg

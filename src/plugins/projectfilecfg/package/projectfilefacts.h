@@ -24,11 +24,6 @@ constexpr QLatin1String checksumKey = literal("Checksum");
 constexpr QLatin1String projectNameKey = literal("projectName");
 constexpr QLatin1String commentKey = literal("comment");
 
-/// Folders of a device's directory, and so of a package. Without separators.
-constexpr QLatin1String backgroundFolder = literal("BKG");
-constexpr QLatin1String logoFolder = literal("LOGO");
-constexpr QLatin1String presetFolder = literal("Preset");
-
 /// Format of the time stamp that is proposed as a project's comment.
 constexpr QLatin1String timeStampFormat = literal("yyyyMMdd_hhmmss");
 
@@ -40,10 +35,6 @@ QString projectFilesPath();
 
 /// True when `path` ends in the package extension, in any mix of upper and lower case.
 bool hasPackageExtension(const QString &path);
-
-/// Where a background or a logo lies in a device's directory, relative to it: "BKG/BKG_7.png".
-QString backgroundEntry(int keyNo);
-QString logoEntry(int keyNo);
 
 } // namespace ProjectFileFacts
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "contentscan.h"
+
 #include <QImageReader>
 #include <QSize>
 #include <QString>
@@ -25,8 +27,12 @@ public:
     QImage read();
 
 private:
+    /// An empty one for what is no file to read, or too large a one.
+    static PictureScan scanOf(const QString &path);
+    static PictureScan scanOf(QIODevice &file);
+
     QImageReader m_reader;
-    bool m_isReadable;
+    PictureScan m_scan;
 };
 
 } // namespace Internal

@@ -1,0 +1,145 @@
+#include "contentscan.h"
+
+#include "packagelimits.h"
+
+#include <QIODevice>
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+namespace {
+
+constexpr int typeSize = 4;
+constexpr int headSize = 4 + typeSize;
+constexpr int chunkChecksumSize = 4;
+constexpr int headerSize = 13;
+
+const QByteArray &signature()
+{
+    static const QByteArray bytes("\x89PNG\r\n\x1a\n", 8);
+    return bytes;
+}
+
+bool isPackedText(const QByteArray &chunkType)
+{
+    return chunkType == "zTXt" || chunkType == "iTXt" || chunkType == "iCCP";
+}
+
+bool isText(const QByteArray &chunkType)
+{
+    return chunkType.at(0) >= 'a' && chunkType.at(0) <= 'z';
+}
+
+} // namespace
+
+void PictureScan::feed(const char *data, qint64 size)
+{
+    while (size > 0 && !m_isOver) {
+        const qint64 passed = std::min(size, m_nGap);
+        m_nGap -= passed;
+        const int expected = m_expected == Signature   ? signature().size()
+                             : m_expected == ChunkHead ? headSize
+                                                       : headerSize;
+        const qint64 taken = std::min<qint64>(size - passed, expected - m_part.size());
+        m_part.append(data + passed, int(taken));
+        data += passed + taken;
+        size -= passed + taken;
+        if (m_part.size() == expected) {
+            take(m_part);
+            m_part.clear();
+        }
+    }
+}
+
+bool PictureScan::feed(QIODevice &file)
+{
+    while (!m_isOver) {
+        const QByteArray bytes = file.read(m_expected == Header ? headerSize : headSize);
+        feed(bytes.constData(), bytes.size());
+        const qint64 next = file.pos() + m_nGap;
+        if (bytes.isEmpty() || next > file.size() || !file.seek(next))
+            break;
+        m_nGap = 0;
+    }
+    return file.seek(0);
+}
+
+void PictureScan::take(const QByteArray &part)
+{
+    switch (m_expected) {
+    case Signature:
+        m_isPng = part == signature();
+        m_isOver = !m_isPng;
+        m_expected = ChunkHead;
+        break;
+    case ChunkHead:
+        takeChunkHead(part);
+        break;
+    case Header:
+        m_nWidth = qFromBigEndian<quint32>(part.constData());
+        m_nHeight = qFromBigEndian<quint32>(part.constData() + 4);
+        m_nDepth = part.at(8);
+        m_nColourType = part.at(9);
+        m_isBeyondLimits = std::max(m_nWidth, m_nHeight) > PackageLimits::maxPictureSide;
+        m_isOver = m_isBeyondLimits;
+        m_nGap = chunkChecksumSize;
+        m_expected = ChunkHead;
+        break;
+    }
+}
+
+void PictureScan::takeChunkHead(const QByteArray &head)
+{
+    const QByteArray type = head.right(typeSize);
+    const qint64 length = qFromBigEndian<quint32>(head.constData());
+    if (m_isFirstChunk && type == "IHDR" && length == headerSize)
+        m_expected = Header;
+    else
+        m_nGap = length + chunkChecksumSize;
+    m_isFirstChunk = false;
+    m_hasTransparentColour = m_hasTransparentColour || type == "tRNS";
+    m_nTextSize += isText(type) ? headSize + length + chunkChecksumSize : 0;
+    m_nPackedTexts += isPackedText(type) ? 1 : 0;
+    m_isBeyondLimits =
+        m_nTextSize > PackageLimits::maxPictureTextSize || m_nPackedTexts > PackageLimits::maxPackedPictureTexts;
+    // What follows the end is not read.
+    m_isOver = m_isBeyondLimits || type == "IEND";
+}
+
+qint64 PictureScan::pixels() const
+{
+    return m_isBeyondLimits ? 0 : m_nWidth * m_nHeight;
+}
+
+qint64 PictureScan::memory() const
+{
+    // As Qt reads it: the width of a pixel depends on depth and colours.
+    constexpr int grey = 0;
+    constexpr int palette = 3;
+    constexpr int wanted = 32;
+    int bits = m_nDepth == 16 ? 64 : wanted;
+    if (m_nColourType == palette || m_nColourType == grey)
+        bits = m_nDepth == 1 ? 1 : m_nDepth < 16 ? 8 : m_hasTransparentColour ? 64 : 16;
+    return pixels() * (bits == wanted ? wanted : wanted + bits) / 8;
+}
+
+void DescriptionScan::feed(const char *data, qint64 size)
+{
+    for (const char *end = data + size; data != end; ++data) {
+        const char c = *data;
+        if (m_isEscaped)
+            m_isEscaped = false;
+        else if (c == '"')
+            m_isInString = !m_isInString;
+        else if (m_isInString)
+            m_isEscaped = c == '\\';
+        else if (c == ',' || c == ':' || c == '[' || c == '{')
+            ++m_nParts;
+    }
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

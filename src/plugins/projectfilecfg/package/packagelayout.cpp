@@ -1,0 +1,199 @@
+#include "packagelayout.h"
+
+#include "packagelimits.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace PackageLayout {
+
+namespace {
+
+constexpr QLatin1String descriptionEnding = ProjectFileFacts::literal(".json");
+constexpr QLatin1String pictureEnding = ProjectFileFacts::literal(".png");
+constexpr QLatin1String presetEnding = ProjectFileFacts::literal(".RPst");
+
+QString pictureEntry(QLatin1String folder, int keyNo)
+{
+    return QStringLiteral("%1/%1_%2").arg(folder, QString::number(keyNo)) + pictureEnding;
+}
+
+bool hasDriveLetter(const QString &name)
+{
+    return name.size() > 1 && name.at(1) == QLatin1Char(':') && name.at(0).isLetter();
+}
+
+bool isCalledLikeAFolder(const QString &name)
+{
+    return name.compare(backgroundFolder, Qt::CaseInsensitive) == 0 ||
+           name.compare(logoFolder, Qt::CaseInsensitive) == 0 || name.compare(presetFolder, Qt::CaseInsensitive) == 0;
+}
+
+bool isCalledLikeAFile(const QString &name)
+{
+    return isDescription(name) || isPicture(name) || isPreset(name);
+}
+
+/// With its zero bytes.
+QString textOf(const QByteArray &bytes)
+{
+    return QString::fromUtf8(bytes.constData(), std::max(bytes.size(), 0));
+}
+
+/// How many bytes the character at `index` has; 0 when none begins there, or a byte order mark.
+int characterSize(const QByteArray &bytes, int index)
+{
+    constexpr int longest = 4;
+    for (int size = 1; size <= longest && index + size <= bytes.size(); ++size) {
+        const QByteArray candidate = bytes.mid(index, size);
+        // A byte order mark is lost on the way.
+        if (textOf(candidate).toUtf8() == candidate)
+            return size;
+    }
+    return 0;
+}
+
+bool isPlain(const QByteArray &name, const QString &text)
+{
+    return !text.contains(QChar(QChar::ByteOrderMark)) && text.toUtf8() == name;
+}
+
+QString escaped(const QByteArray &name, const QByteArray &mark)
+{
+    QByteArray result;
+    for (int index = 0; index < name.size();) {
+        const int size = characterSize(name, index);
+        result += size > 0 ? name.mid(index, size) : mark + name.mid(index, 1).toHex().toUpper();
+        index += std::max(size, 1);
+    }
+    return textOf(result);
+}
+
+} // namespace
+
+QString backgroundEntry(int keyNo)
+{
+    return pictureEntry(backgroundFolder, keyNo);
+}
+
+QString logoEntry(int keyNo)
+{
+    return pictureEntry(logoFolder, keyNo);
+}
+
+QString presetEntry(int number)
+{
+    return presetFolder + QLatin1Char('/') + QString::number(number) + presetEnding;
+}
+
+bool isFolder(const QString &entryName)
+{
+    return entryName.endsWith(QLatin1Char('/'));
+}
+
+bool isDescription(const QString &entryName)
+{
+    return entryName.endsWith(descriptionEnding, Qt::CaseInsensitive);
+}
+
+bool isPicture(const QString &entryName)
+{
+    return entryName.endsWith(pictureEnding, Qt::CaseInsensitive);
+}
+
+bool isPreset(const QString &entryName)
+{
+    return entryName.endsWith(presetEnding, Qt::CaseInsensitive);
+}
+
+bool isLogo(const QString &entryName)
+{
+    return entryName.startsWith(logoFolder + QLatin1Char('/'));
+}
+
+bool isInGallery(const QString &entryName)
+{
+    return isLogo(entryName) || entryName.startsWith(backgroundFolder + QLatin1Char('/'));
+}
+
+bool isGalleryPicture(const QString &entryName)
+{
+    return isPicture(entryName) && isInGallery(entryName);
+}
+
+QString galleryFolder(const QString &entryName)
+{
+    return isLogo(entryName) ? logoFolder : backgroundFolder;
+}
+
+quint16 galleryNumber(const QString &entryName)
+{
+    const QString folder = galleryFolder(entryName);
+    return entryName.toUpper()
+        .remove(folder + QLatin1Char('/') + folder + QLatin1Char('_'))
+        .remove(QString(pictureEnding).toUpper())
+        .toUShort();
+}
+
+bool isSafeName(const QString &entryName)
+{
+    if (entryName.isEmpty() || entryName.contains(QChar(QChar::Null)))
+        return false;
+    const QString name = QString(entryName).replace(QLatin1Char('\\'), QLatin1Char('/'));
+    if (name.startsWith(QLatin1Char('/')))
+        return false;
+    const QStringList parts = name.split(QLatin1Char('/'));
+    // A file called "." would be written aside in the folder above.
+    return parts.size() <= PackageLimits::maxDepth && parts.last() != QLatin1String(".") &&
+           std::none_of(parts.begin(), parts.end(), [](const QString &part) {
+               return part.trimmed() == QLatin1String("..") || hasDriveLetter(part);
+           });
+}
+
+bool blocksLaterPackages(const QString &entryName)
+{
+    const QString name = QDir::cleanPath(entryName);
+    if (!isFolder(entryName) && isCalledLikeAFolder(name))
+        return true;
+    const QStringList folders = name.split(QLatin1Char('/')).mid(0, name.count(QLatin1Char('/')) + isFolder(entryName));
+    return std::any_of(folders.begin(), folders.end(), isCalledLikeAFile);
+}
+
+QString plainName(const QString &entryName)
+{
+    return QDir::cleanPath(entryName) + (isFolder(entryName) ? QLatin1String("/") : QLatin1String(""));
+}
+
+QStringList namesOf(const QVector<QByteArray> &entryNames)
+{
+    constexpr int longestMark = 16;
+    QStringList names;
+    bool isAllPlain = true;
+    for (const QByteArray &name : entryNames) {
+        names.append(textOf(name));
+        isAllPlain = isAllPlain && isPlain(name, names.last());
+    }
+    if (isAllPlain)
+        return names;
+
+    QByteArray mark("%");
+    while (mark.size() <= longestMark && std::any_of(entryNames.begin(), entryNames.end(),
+                                                     [&mark](const QByteArray &name) { return name.contains(mark); }))
+        mark += '%';
+    qint64 length = 0;
+    for (int index = 0; index < names.size(); ++index) {
+        if (!isPlain(entryNames.at(index), names.at(index)))
+            names[index] = escaped(entryNames.at(index), mark);
+        length += names.at(index).size();
+        if (mark.size() > longestMark || length > PackageLimits::maxNamesLength)
+            return QStringList();
+    }
+    return names;
+}
+
+} // namespace PackageLayout
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,161 @@
+#include "packagelayout.h"
+
+#include <support/testmain.h>
+
+#include <QRandomGenerator>
+#include <QSet>
+#include <QtTest>
+
+using namespace ProjectFileCfg::Internal;
+
+class TstPackageLayout : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void entries_carry_their_number_without_padding();
+    void endings_are_read_without_case_and_folders_with();
+    void a_name_that_is_formed_gives_its_number_back();
+    void a_path_has_one_plain_name_data();
+    void a_path_has_one_plain_name();
+    void names_in_utf8_stay_as_they_are();
+    void bytes_that_are_no_character_are_escaped_data();
+    void bytes_that_are_no_character_are_escaped();
+    void two_names_never_become_one();
+    void names_that_would_fill_the_memory_are_none();
+};
+
+void TstPackageLayout::entries_carry_their_number_without_padding()
+{
+    QCOMPARE(PackageLayout::backgroundEntry(0), QStringLiteral("BKG/BKG_0.png"));
+    QCOMPARE(PackageLayout::logoEntry(255), QStringLiteral("LOGO/LOGO_255.png"));
+    QCOMPARE(PackageLayout::presetEntry(65535), QStringLiteral("Preset/65535.RPst"));
+}
+
+void TstPackageLayout::endings_are_read_without_case_and_folders_with()
+{
+    using namespace PackageLayout;
+    QVERIFY(isDescription("A/B.Json") && isPicture("x.PNG") && isPreset("Preset/1.rpst"));
+    QVERIFY(!isDescription("a.json/") && !isPicture("png") && !isPreset("1.RPst.txt"));
+    QVERIFY(isLogo("LOGO/x") && !isLogo("logo/x") && !isLogo("BKG/x") && !isLogo("LOGO"));
+    QVERIFY(isInGallery("BKG/x") && isInGallery("LOGO/x") && !isInGallery("bkg/x") && !isInGallery("Preset/x"));
+    QVERIFY(isGalleryPicture("BKG/x.Png") && !isGalleryPicture("BKG/x.txt") && !isGalleryPicture("x.png"));
+    QVERIFY(isFolder("BKG/") && !isFolder("BKG"));
+}
+
+void TstPackageLayout::a_name_that_is_formed_gives_its_number_back()
+{
+    using namespace PackageLayout;
+    for (int number = 0; number < 256; ++number) {
+        QCOMPARE(int(galleryNumber(backgroundEntry(number))), number);
+        QCOMPARE(int(galleryNumber(logoEntry(number).toLower().replace("logo", "LOGO"))), number);
+    }
+    QCOMPARE(galleryFolder(logoEntry(1)), QStringLiteral("LOGO"));
+    QCOMPARE(galleryFolder(backgroundEntry(1)), QStringLiteral("BKG"));
+    QCOMPARE(int(galleryNumber("BKG/other.png")), 0);
+}
+
+void TstPackageLayout::a_path_has_one_plain_name_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("plain");
+    QTest::newRow("plain") << "BKG/x"
+                           << "BKG/x";
+    QTest::newRow("doubled separator") << "BKG//x"
+                                       << "BKG/x";
+    QTest::newRow("dot") << "BKG/./x"
+                         << "BKG/x";
+    QTest::newRow("dot in front") << "./BKG/x"
+                                  << "BKG/x";
+    QTest::newRow("folder") << "BKG//./"
+                            << "BKG/";
+    QTest::newRow("dots in a name") << "BKG/..x/."
+                                    << "BKG/..x";
+    QTest::newRow("backslash") << "BKG\\x"
+                               << "BKG\\x";
+}
+
+void TstPackageLayout::a_path_has_one_plain_name()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, plain);
+    QCOMPARE(PackageLayout::plainName(name), plain);
+}
+
+void TstPackageLayout::names_in_utf8_stay_as_they_are()
+{
+    const QVector<QByteArray> names{
+        "x", "%FF", "100%", "\u56fe\u7247.png", "\U0001F3AC", "a/b", QByteArray("\0", 1), "\uFFFD", "\uFFFF"};
+    const QStringList texts = PackageLayout::namesOf(names);
+    QCOMPARE(texts.size(), names.size());
+    for (int index = 0; index < names.size(); ++index)
+        QCOMPARE(texts.at(index).toUtf8(), names.at(index));
+    QCOMPARE(PackageLayout::namesOf({}), QStringList());
+}
+
+void TstPackageLayout::bytes_that_are_no_character_are_escaped_data()
+{
+    QTest::addColumn<QVector<QByteArray>>("names");
+    QTest::addColumn<QStringList>("texts");
+    using Names = QVector<QByteArray>;
+    QTest::newRow("three presets") << Names{"Preset/\xFF.RPst", "Preset/\xFE.RPst", "Preset/\xC3.RPst"}
+                                   << QStringList{"Preset/%FF.RPst", "Preset/%FE.RPst", "Preset/%C3.RPst"};
+    QTest::newRow("characters among them")
+        << Names{"\xC3\xA4\xC3\xE5\x9B\xBE"} << QStringList{QString::fromUtf8("\xC3\xA4%C3\xE5\x9B\xBE")};
+    QTest::newRow("beside one that looks like it") << Names{"%FF", "\xFF", "%"} << QStringList{"%FF", "%%FF", "%"};
+    QTest::newRow("percent sign in front") << Names{"%\xFF", "\xFF%"} << QStringList{"%%%FF", "%%FF%"};
+    QTest::newRow("separator written too long") << Names{"..\xC0\xAFx"} << QStringList{"..%C0%AFx"};
+    QTest::newRow("half a pair") << Names{"\xED\xA0\x80"} << QStringList{"%ED%A0%80"};
+    QTest::newRow("beyond the last character") << Names{"\xF4\x90\x80\x80"} << QStringList{"%F4%90%80%80"};
+    QTest::newRow("byte order mark") << Names{"\xEF\xBB\xBFx", "a/\xEF\xBB\xBFx", "x"}
+                                     << QStringList{"%EF%BB%BFx", "a/%EF%BB%BFx", "x"};
+    QTest::newRow("zero byte") << Names{QByteArray("\xFF\0x", 3)} << QStringList{QString("%FF") + QChar(0) + "x"};
+}
+
+void TstPackageLayout::bytes_that_are_no_character_are_escaped()
+{
+    QFETCH(QVector<QByteArray>, names);
+    QFETCH(QStringList, texts);
+    QCOMPARE(PackageLayout::namesOf(names), texts);
+}
+
+void TstPackageLayout::two_names_never_become_one()
+{
+    // What escapes are made of, what must be escaped, and what may stay.
+    const QVector<QByteArray> pieces{"%",        "F",    "0",        "E",    "EF", "\xFF", "\xFE", "\xC3",
+                                     "\xC3\xA4", "\xA4", "\xEF\xBB", "\xBF", "/",  "%FF",  "%%",   "a"};
+    QRandomGenerator random(8);
+    for (int round = 0; round < 20000; ++round) {
+        QSet<QByteArray> names;
+        for (int count = random.bounded(1, 12); count > 0; --count) {
+            QByteArray name;
+            for (int length = random.bounded(1, 6); length > 0; --length)
+                name += pieces.at(random.bounded(pieces.size()));
+            names.insert(name);
+        }
+        const QVector<QByteArray> given(names.begin(), names.end());
+        const QStringList texts = PackageLayout::namesOf(given);
+        QCOMPARE(texts.size(), given.size());
+        for (int index = 0; index < given.size(); ++index) {
+            // On its way to the disk none is changed any more.
+            QCOMPARE(QString::fromUtf8(texts.at(index).toUtf8()), texts.at(index));
+            const bool isPlain = QString::fromUtf8(given.at(index)).toUtf8() == given.at(index) &&
+                                 !given.at(index).contains("\xEF\xBB\xBF");
+            QCOMPARE(texts.at(index).toUtf8() == given.at(index), isPlain);
+        }
+        QCOMPARE(QSet<QString>(texts.begin(), texts.end()).size(), given.size());
+    }
+}
+
+void TstPackageLayout::names_that_would_fill_the_memory_are_none()
+{
+    QCOMPARE(PackageLayout::namesOf({QByteArray(15, '%'), "\xFF"}).value(1), QString(16, '%') + "FF");
+    QCOMPARE(PackageLayout::namesOf({QByteArray(16, '%'), "\xFF"}), QStringList());
+    QCOMPARE(PackageLayout::namesOf({QByteArray(60000, '%'), "x"}).size(), 2);
+    const QByteArray name(65535, '\xFF');
+    QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(85, name)).size(), 85);
+    QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(86, name)).size(), 0);
+}
+
+TEST_MAIN_CORE(TstPackageLayout)
+#include "tst_packagelayout.moc"
