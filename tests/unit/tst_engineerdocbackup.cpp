@@ -84,6 +84,7 @@ private slots:
     void a_path_separator_in_the_name_is_used_as_it_stands();
     void chinese_and_emoji_survive_whatever_the_locale_codec_is();
     void saving_under_the_same_name_replaces_the_package();
+    void the_job_tells_the_package_that_it_left();
 
     void the_next_picture_is_fetched_while_one_is_written();
     void a_second_save_encodes_only_what_changed();
@@ -141,6 +142,8 @@ private:
     std::shared_ptr<EncodedPictures> m_encoded;
     EngineerDocBackup *m_job = nullptr;
     QVector<QString> m_progress;
+    /// What the last job told.
+    QString m_savedPath;
 };
 
 void TstEngineerDocBackup::init()
@@ -173,6 +176,7 @@ int TstEngineerDocBackup::save(const QString &ip, const QString &name, const QSt
     job.wait();
     m_job = nullptr;
     m_progress = progress.values();
+    m_savedPath = job.savedPackagePath();
     return ended ? job.resultCode() : -1;
 }
 
@@ -446,6 +450,14 @@ void TstEngineerDocBackup::saving_under_the_same_name_replaces_the_package()
     QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
 }
 
+void TstEngineerDocBackup::the_job_tells_the_package_that_it_left()
+{
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(m_savedPath, packagePath());
+    QCOMPARE(save(m_site->touringRack, "Tour"), int(BackupSuccess));
+    QCOMPARE(m_savedPath, packagePath("Tour"));
+}
+
 void TstEngineerDocBackup::the_next_picture_is_fetched_while_one_is_written()
 {
     // Who writes into a pipe waits for its reader, and that is whoever is asked for the next picture.
@@ -634,6 +646,7 @@ void TstEngineerDocBackup::an_unopenable_preset_ends_silently_without_a_package(
 {
     Faults::instance()->arm(packPreset, Fault::run([this] { QDir().mkpath(stage("Preset/2.RPst")); }, 2));
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(m_savedPath, QString());
     QVERIFY(!QFile::exists(packagePath()));
     QCOMPARE(Journal::instance()->count(packPreset), 2);
     QCOMPARE(WarningGuard::count(QtDebugMsg, "Device [Main hall] serailize error,reason: Is a directory"), 1);
@@ -705,6 +718,7 @@ void TstEngineerDocBackup::a_file_in_the_projects_directorys_place_ends_with_5()
 {
     QVERIFY(writeFile(m_site->path("projects"), "in the way"));
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QCOMPARE(m_savedPath, QString());
     QCOMPARE(readFile(m_site->path("projects")), QByteArray("in the way"));
 }
 
@@ -858,6 +872,7 @@ void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point()
     else
         Faults::instance()->arm(operation, cancelJob(call));
     QCOMPARE(save(m_site->mainHall), code);
+    QCOMPARE(m_savedPath, QString());
     VERIFY_JOURNAL(calls);
     QVERIFY(!QFile::exists(packagePath()));
 }

@@ -87,9 +87,15 @@ int EngineerDocBackup::resultCode() const
     return m_nResultCode;
 }
 
+QString EngineerDocBackup::savedPackagePath() const
+{
+    return m_strSavedPackagePath;
+}
+
 void EngineerDocBackup::run()
 {
     m_bCancel = false;
+    m_strSavedPackagePath.clear();
 
     if (!Model::Serailizer(ICore::deviceConfigFilePath()).serailize()) {
         qDebug() << "Fail to serailize model data.";
@@ -126,6 +132,8 @@ void EngineerDocBackup::run()
     info.strComment = m_strComment;
     if (!ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info))
         m_nResultCode = BackupEncryptFailed;
+    else if (ZipPackageHandle::isValidEngineerPacket(info.strFilePath))
+        m_strSavedPackagePath = info.strFilePath;
 
     if (online)
         prepareStageFolders();

@@ -50,6 +50,11 @@ public:
     /// opened, ends with BackupSuccess and without a package.
     int resultCode() const;
 
+    /// The package that the run left in place and found valid when it read it back; valid like the result code.
+    /// Empty where the run left no package, also where the code is BackupSuccess: what is to follow only a save that
+    /// was made asks here.
+    QString savedPackagePath() const;
+
 signals:
     /// Progress for the waiting dialog, emitted from the job's thread (the name is part of the interface).
     void signal_operatoerChanged(const QString &strOperInfo);
@@ -76,6 +81,7 @@ private:
     QString m_strProjectPath;
     std::atomic<bool> m_bCancel{false};
     std::atomic<int> m_nResultCode{BackupSuccess};
+    QString m_strSavedPackagePath;
     std::shared_ptr<EncodedPictures> m_pEncodedPictures;
 };
 
