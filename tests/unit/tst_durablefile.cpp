@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <functional>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -29,6 +30,9 @@ struct System
     int flushFolder = 0;
     int flushDisk = 0;
     int renameToFreeName = 0;
+    int exchange = 0;
+    /// What another program does before the next exchanges.
+    QVector<std::function<void()>> beforeExchange;
     QStringList steps;
 };
 
@@ -118,6 +122,12 @@ extern "C" Q_DECL_EXPORT int renameat2(int fromFolder, const char *from, int toF
                                        unsigned int flags) noexcept
 {
     static const auto function = original<int (*)(int, const char *, int, const char *, unsigned int)>("renameat2");
+    if (flags == RENAME_EXCHANGE) {
+        s_system.steps.append(QStringLiteral("exchange"));
+        if (!s_system.beforeExchange.isEmpty())
+            s_system.beforeExchange.takeFirst()();
+        return failsWith(s_system.exchange) ? -1 : function(fromFolder, from, toFolder, to, flags);
+    }
     s_system.steps.append(QStringLiteral("rename to a free name"));
     return failsWith(s_system.renameToFreeName) ? -1 : function(fromFolder, from, toFolder, to, flags);
 }
@@ -143,6 +153,16 @@ private slots:
     void a_free_name_is_found_without_the_systems_help_data();
     void a_free_name_is_found_without_the_systems_help();
     void what_the_system_refuses_is_not_tried_another_way();
+    void only_what_is_expected_is_replaced_data();
+    void only_what_is_expected_is_replaced();
+    void what_comes_at_the_last_moment_is_kept();
+    void what_goes_at_the_last_moment_is_not_missed();
+    void what_goes_while_it_is_put_back_is_replaced_by_it();
+    void a_refused_exchange_is_not_tried_another_way();
+    void the_old_file_goes_after_the_new_name_is_flushed();
+    void a_foreign_file_in_the_fragments_place_is_kept();
+    void a_file_is_known_again_when_it_was_changed_or_renamed();
+    void a_number_in_use_is_not_given_away();
     void a_folder_that_is_made_is_flushed_in_the_one_it_is_made_in();
     void a_folder_that_was_there_is_not_flushed();
     void a_tree_is_flushed_with_its_disk();
@@ -310,6 +330,159 @@ void TstDurableFile::what_the_system_refuses_is_not_tried_another_way()
     QVERIFY(writeFile(path("from"), "new"));
     QVERIFY(!DurableFile::renameToFreeName(path("from"), path("free")));
     QCOMPARE(contents(m_dir->path()), QStringList{"from"});
+}
+
+void TstDurableFile::only_what_is_expected_is_replaced_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("with the system's help") << 0;
+    QTest::newRow("not known to the file system") << EINVAL;
+    QTest::newRow("not known to the system") << ENOSYS;
+}
+
+void TstDurableFile::only_what_is_expected_is_replaced()
+{
+    QFETCH(int, error);
+    s_system.renameToFreeName = error;
+    s_system.exchange = error;
+    const DurableFile::FileIdentity nothing(path("target"));
+    QVERIFY(nothing.isNothing());
+    QVERIFY(writeFile(path("target"), "came meanwhile") && writeFile(path("from"), "new"));
+    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), nothing));
+    QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
+
+    const DurableFile::FileIdentity same(path("target"));
+    QVERIFY(!same.isNothing());
+    QVERIFY(DurableFile::replaceSame(path("from"), path("target"), same));
+    QCOMPARE(readFile(path("target")), QByteArray("new"));
+    QVERIFY(!QFile::exists(path("from")) || readFile(path("from")) == "came meanwhile");
+
+    QVERIFY(writeFile(path("from"), "newer"));
+    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), same));
+    QCOMPARE(readFile(path("target")), QByteArray("new"));
+    QCOMPARE(readFile(path("from")), QByteArray("newer"));
+
+    QVERIFY(QFile::remove(path("target")));
+    QVERIFY(DurableFile::replaceSame(path("from"), path("target"), same));
+    QCOMPARE(readFile(path("target")), QByteArray("newer"));
+
+    QVERIFY(QDir().mkpath(path("folder")) && writeFile(path("from"), "newest"));
+    QVERIFY(!DurableFile::replaceSame(path("from"), path("folder"), DurableFile::FileIdentity(path("folder"))));
+    QCOMPARE(contents(m_dir->path()), (QStringList{"folder", "from", "target"}));
+}
+
+void TstDurableFile::what_comes_at_the_last_moment_is_kept()
+{
+    QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
+    const DurableFile::FileIdentity old(path("target"));
+    s_system.beforeExchange = {[this] {
+        QFile::remove(path("target"));
+        writeFile(path("target"), "came meanwhile");
+    }};
+    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), old));
+    QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
+    QCOMPARE(readFile(path("from")), QByteArray("new"));
+    QCOMPARE(s_system.steps, (QStringList{"exchange", "exchange"}));
+}
+
+void TstDurableFile::what_goes_at_the_last_moment_is_not_missed()
+{
+    QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
+    const DurableFile::FileIdentity old(path("target"));
+    s_system.beforeExchange = {[this] { QFile::remove(path("target")); }};
+    QVERIFY(DurableFile::replaceSame(path("from"), path("target"), old));
+    QCOMPARE(readFile(path("target")), QByteArray("new"));
+    QVERIFY(!QFile::exists(path("from")));
+}
+
+void TstDurableFile::what_goes_while_it_is_put_back_is_replaced_by_it()
+{
+    QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
+    const DurableFile::FileIdentity old(path("target"));
+    s_system.beforeExchange = {[this] {
+                                   QFile::remove(path("target"));
+                                   writeFile(path("target"), "came meanwhile");
+                               },
+                               [this] { QFile::remove(path("target")); }};
+    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), old));
+    QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
+    QCOMPARE(contents(m_dir->path()), QStringList{"target"});
+}
+
+void TstDurableFile::a_refused_exchange_is_not_tried_another_way()
+{
+    s_system.exchange = EACCES;
+    QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
+    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), DurableFile::FileIdentity(path("target"))));
+    QCOMPARE(readFile(path("target")), QByteArray("old"));
+    QCOMPARE(readFile(path("from")), QByteArray("new"));
+    QCOMPARE(s_system.steps, QStringList{"exchange"});
+}
+
+void TstDurableFile::the_old_file_goes_after_the_new_name_is_flushed()
+{
+    QVERIFY(writeFile(path("target"), "old"));
+    const DurableFile::FileIdentity old(path("target"));
+    ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+    QVERIFY(file.create() && file.file().write("new") == 3);
+    s_system.steps.clear();
+    QVERIFY(file.commitInPlaceOf(old));
+    QCOMPARE(s_system.steps, (QStringList{"flush file", "exchange", "flush folder"}));
+    QCOMPARE(contents(m_dir->path()), QStringList{"target"});
+    QCOMPARE(readFile(path("target")), QByteArray("new"));
+}
+
+void TstDurableFile::a_foreign_file_in_the_fragments_place_is_kept()
+{
+    QVERIFY(writeFile(path("target"), "old"));
+    const DurableFile::FileIdentity old(path("target"));
+    QString fragment;
+    {
+        ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+        fragment = QFileInfo(file.path()).fileName();
+        QVERIFY(file.create() && file.file().write("new") == 3);
+        s_system.beforeExchange = {[this] {
+                                       QFile::remove(path("target"));
+                                       writeFile(path("target"), "came meanwhile");
+                                   },
+                                   [] { s_system.exchange = EIO; }};
+        QVERIFY(!file.commitInPlaceOf(old));
+    }
+    QCOMPARE(contents(m_dir->path()), (QStringList{fragment, "target"}));
+    QCOMPARE(readFile(path(fragment)), QByteArray("came meanwhile"));
+}
+
+void TstDurableFile::a_file_is_known_again_when_it_was_changed_or_renamed()
+{
+    QVERIFY(writeFile(path("target"), "old"));
+    const DurableFile::FileIdentity identity(path("target"));
+    QVERIFY(identity.isAt(path("target")));
+    QVERIFY(writeFile(path("target"), "changed in place"));
+    QVERIFY(identity.isAt(path("target")));
+    QVERIFY(QFile::rename(path("target"), path("renamed")));
+    QVERIFY(identity.isAt(path("renamed")));
+    QVERIFY(!identity.isAt(path("target")));
+    QVERIFY(QFile::link(path("renamed"), path("target")));
+    QVERIFY(!identity.isAt(path("target")));
+    const DurableFile::FileIdentity link(path("target"));
+    QVERIFY(!link.isNothing());
+    QVERIFY(link.isAt(path("target")));
+    const DurableFile::FileIdentity nothing(path("missing"));
+    QVERIFY(nothing.isAt(path("nowhere either")));
+    QVERIFY(!nothing.isAt(path("renamed")));
+}
+
+void TstDurableFile::a_number_in_use_is_not_given_away()
+{
+    // Some file systems give the number of a file that was removed to the next one.
+    for (int round = 0; round < 100; ++round) {
+        QVERIFY(writeFile(path("target"), "old"));
+        const DurableFile::FileIdentity old(path("target"));
+        QVERIFY(QFile::remove(path("target")));
+        QVERIFY(writeFile(path("target"), "new"));
+        QVERIFY(!old.isAt(path("target")));
+        QVERIFY(QFile::remove(path("target")));
+    }
 }
 
 void TstDurableFile::a_folder_that_is_made_is_flushed_in_the_one_it_is_made_in()

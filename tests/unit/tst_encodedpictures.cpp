@@ -26,6 +26,7 @@ private slots:
     void a_picture_larger_than_the_capacity_is_encoded_each_time();
     void an_empty_picture_cannot_be_encoded();
     void several_threads_get_the_same_bytes();
+    void the_encoder_is_asked_once_for_each_picture();
 };
 
 static QImage sample(QImage::Format format = QImage::Format_RGB32)
@@ -171,6 +172,18 @@ void TstEncodedPictures::several_threads_get_the_same_bytes()
     for (std::thread &thread : threads)
         thread.join();
     QCOMPARE(wrong, std::vector<int>(8, 0));
+}
+
+void TstEncodedPictures::the_encoder_is_asked_once_for_each_picture()
+{
+    QVector<QImage> asked;
+    EncodedPictures pictures(1000, [&asked](const QImage &picture) {
+        asked.append(picture);
+        return QByteArray("encoded");
+    });
+    for (int round = 0; round < 2; ++round)
+        QCOMPARE(pictures.png(sample()), QByteArray("encoded"));
+    QCOMPARE(asked, QVector<QImage>{sample()});
 }
 
 TEST_MAIN_GUI(TstEncodedPictures)

@@ -5,6 +5,7 @@
 #include <support/customsite.h>
 #include <support/testmain.h>
 
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -26,6 +27,10 @@ private slots:
     void a_picture_that_cannot_be_written_is_logged_and_stops_no_other();
     void of_two_pictures_for_one_path_the_later_one_stays();
     void never_more_pictures_are_held_than_cores_and_two();
+    void pictures_under_way_stay_within_the_budget_data();
+    void pictures_under_way_stay_within_the_budget();
+    void what_was_written_is_told_with_its_size();
+    void an_exception_of_the_encoder_comes_to_its_owner();
     void its_end_leaves_whole_pictures_only();
 
 private:
@@ -104,6 +109,78 @@ void TstPictureWriter::never_more_pictures_are_held_than_cores_and_two()
     writer.waitForDone();
     QVERIFY2(most <= QThread::idealThreadCount() + 2, qPrintable(QString::number(most)));
     QCOMPARE(held.load(), 0);
+}
+
+void TstPictureWriter::pictures_under_way_stay_within_the_budget_data()
+{
+    // In pictures of 4,000 bytes; how many are under way then.
+    QTest::addColumn<double>("budget");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("less than one picture") << 0.5 << 1;
+    QTest::newRow("one picture") << 1.0 << 1;
+    QTest::newRow("three pictures") << 3.0 << 3;
+    QTest::newRow("not quite four pictures") << 3.9 << 3;
+    QTest::newRow("more pictures than threads") << 100.0 << 9;
+}
+
+void TstPictureWriter::pictures_under_way_stay_within_the_budget()
+{
+    QFETCH(double, budget);
+    QFETCH(int, expected);
+    constexpr int threads = 8;
+    constexpr int count = 60;
+    constexpr qint64 pictureBytes = 4000;
+    // Each picture counts its bytes while its pixels are held.
+    static std::atomic<qint64> held;
+    held = 0;
+    qint64 most = 0;
+    // No picture is done before its owner has fetched as many as may be there beside it.
+    QSemaphore fetched;
+    std::atomic<int> encoded{0};
+    const auto pictures = std::make_shared<EncodedPictures>(0, [&](const QImage &) {
+        if (encoded++ < count - expected)
+            fetched.acquire();
+        return QByteArray("encoded");
+    });
+    QVector<quint32> pixels(50 * 20, 0xFF123456);
+    PictureWriter writer(pictures, qint64(budget * pictureBytes), threads);
+    for (int number = 0; number < count; ++number) {
+        held += pictureBytes;
+        QImage picture(reinterpret_cast<const uchar *>(pixels.constData()), 50, 20, QImage::Format_RGB32,
+                       [](void *) { held -= pictureBytes; });
+        most = qMax(most, held.load());
+        if (number >= expected)
+            fetched.release();
+        writer.write(std::move(picture), path(number));
+    }
+    QVERIFY(writer.waitForDone());
+    QCOMPARE(encoded.load(), count);
+    QCOMPARE(most, (expected + 1) * pictureBytes);
+    QCOMPARE(held.load(), qint64(0));
+}
+
+void TstPictureWriter::what_was_written_is_told_with_its_size()
+{
+    PictureWriter writer(m_encoded);
+    writer.write(noisePicture({50, 40}, 1), path(1));
+    writer.write(noisePicture({50, 40}, 2), m_dir->filePath("missing/2.png"));
+    writer.write(QImage(), path(3));
+    writer.write(noisePicture({20, 10}, 4), path(1));
+    QVERIFY(writer.hasPictures());
+    QVERIFY(writer.waitForDone());
+    QVERIFY(!writer.hasPictures());
+    QCOMPARE(writer.written(), (QHash<QString, qint64>{{path(1), QFileInfo(path(1)).size()}}));
+    QCOMPARE(writer.written().value(path(1)), qint64(pngOf(noisePicture({20, 10}, 4)).size()));
+}
+
+void TstPictureWriter::an_exception_of_the_encoder_comes_to_its_owner()
+{
+    const auto failing =
+        std::make_shared<EncodedPictures>(0, [](const QImage &) -> QByteArray { throw std::bad_alloc(); });
+    PictureWriter writer(failing);
+    writer.write(noisePicture({5, 4}, 1), path(1));
+    QVERIFY_EXCEPTION_THROWN(writer.waitForDone(), std::exception);
+    QVERIFY(!QFile::exists(path(1)));
 }
 
 void TstPictureWriter::its_end_leaves_whole_pictures_only()
