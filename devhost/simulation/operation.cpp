@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <stdexcept>
 
 namespace Simulation {
 
@@ -89,6 +90,8 @@ Outcome begin(const QString &operation, const QVariantMap &arguments, Hardware *
             if (fault.action)
                 fault.action();
             break;
+        case Fault::Throw:
+            throw std::runtime_error(operation.toStdString());
         }
     }
     if (needsHardware && (!hardware || !hardware->isReachable()))

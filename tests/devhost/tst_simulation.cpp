@@ -108,6 +108,15 @@ private slots:
         QCOMPARE(beginOperation(operation), Outcome::Done);
     }
 
+    void a_call_can_end_with_an_exception()
+    {
+        Faults::instance()->arm(operation, Fault::exception(2));
+        QCOMPARE(beginOperation(operation), Outcome::Done);
+        QVERIFY_EXCEPTION_THROWN(beginOperation(operation), std::runtime_error);
+        QCOMPARE(Journal::instance()->count(operation), 2);
+        QCOMPARE(beginOperation(operation), Outcome::Done);
+    }
+
     void a_failing_call_is_in_the_journal()
     {
         Faults::instance()->arm(operation, Fault::fail());

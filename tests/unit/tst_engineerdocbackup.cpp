@@ -1,3 +1,4 @@
+#include "durablefile.h"
 #include "encodedpictures.h"
 #include "engineerdocbackup.h"
 #include "packagetesting.h"
@@ -13,9 +14,12 @@
 #include <support/testsite.h>
 
 #include <QJsonDocument>
+#include <QSemaphore>
 #include <QTextCodec>
-
+#include <QThreadStorage>
 #include <QTimer>
+
+#include <atomic>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -82,8 +86,10 @@ private slots:
     void other_files_of_the_device_are_carried_unchanged();
     void without_a_path_the_package_goes_to_the_users_documents();
     void a_path_separator_in_the_name_is_used_as_it_stands();
+    void a_name_that_leads_to_a_missing_folder_ends_with_5();
     void chinese_and_emoji_survive_whatever_the_locale_codec_is();
     void saving_under_the_same_name_replaces_the_package();
+    void the_job_tells_the_package_that_it_left();
 
     void the_next_picture_is_fetched_while_one_is_written();
     void a_second_save_encodes_only_what_changed();
@@ -103,12 +109,29 @@ private slots:
     void a_picture_that_cannot_be_written_does_not_end_the_save_data();
     void a_picture_that_cannot_be_written_does_not_end_the_save();
     void an_unopenable_preset_ends_silently_without_a_package();
-    void a_preset_that_cannot_be_serialised_ends_silently_without_a_package();
+    void a_preset_that_cannot_be_serialised_ends_with_5();
+    void a_file_in_the_preset_folders_place_ends_with_5_data();
+    void a_file_in_the_preset_folders_place_ends_with_5();
+    void a_preset_folder_taken_away_ends_with_5();
+    void an_exception_of_the_host_ends_with_5_data();
+    void an_exception_of_the_host_ends_with_5();
+    void an_exception_of_an_encoder_ends_with_5();
+    void null_entries_of_the_hosts_lists_are_passed_over();
     void a_full_disk_under_a_picture_ends_with_5();
     void a_full_disk_under_a_preset_ends_with_5_data();
     void a_full_disk_under_a_preset_ends_with_5();
     void a_full_disk_under_the_package_keeps_the_old_one();
     void a_file_in_the_projects_directorys_place_ends_with_5();
+
+    void what_another_program_took_away_ends_with_5_data();
+    void what_another_program_took_away_ends_with_5();
+    void a_package_that_came_meanwhile_is_kept_data();
+    void a_package_that_came_meanwhile_is_kept();
+    void a_package_that_went_meanwhile_is_not_missed();
+    void of_two_saves_under_one_name_one_succeeds_data();
+    void of_two_saves_under_one_name_one_succeeds();
+    void a_renaming_and_a_save_lose_no_package();
+    void two_saves_of_one_device_lack_nothing();
 
     void an_offline_device_is_saved_from_its_directory();
     void an_offline_device_keeps_its_files_and_only_its_presets_are_made_anew();
@@ -121,6 +144,10 @@ private slots:
 
     void a_cancelled_save_ends_at_the_next_point_data();
     void a_cancelled_save_ends_at_the_next_point();
+    void a_cancel_while_pictures_are_encoded_ends_with_4_data();
+    void a_cancel_while_pictures_are_encoded_ends_with_4();
+    void a_cancel_between_pictures_and_presets_ends_silently();
+    void a_cancel_without_pictures_ends_silently_before_the_presets();
     void a_request_before_the_start_is_lost();
     void a_request_while_the_package_is_written_comes_too_late();
 
@@ -141,6 +168,10 @@ private:
     std::shared_ptr<EncodedPictures> m_encoded;
     EngineerDocBackup *m_job = nullptr;
     QVector<QString> m_progress;
+    /// What the last job told.
+    QString m_savedPath;
+    /// What saves of the main hall left of what they staged.
+    QStringList m_leftOver;
 };
 
 void TstEngineerDocBackup::init()
@@ -149,6 +180,7 @@ void TstEngineerDocBackup::init()
     m_encoded = std::make_shared<EncodedPictures>();
     m_projects = m_site->path("projects/");
     m_progress.clear();
+    m_leftOver.clear();
     WarningGuard::clear();
 }
 
@@ -156,6 +188,7 @@ void TstEngineerDocBackup::cleanup()
 {
     s_beforeMkdir = nullptr;
     m_site.reset();
+    QCOMPARE(m_leftOver, QStringList());
 }
 
 int TstEngineerDocBackup::save(const QString &ip, const QString &name, const QString &comment)
@@ -173,6 +206,9 @@ int TstEngineerDocBackup::save(const QString &ip, const QString &name, const QSt
     job.wait();
     m_job = nullptr;
     m_progress = progress.values();
+    m_savedPath = job.savedPackagePath();
+    for (const char *folder : {"BKG", "LOGO", "Preset"})
+        m_leftOver += contents(m_site->devicePath(m_site->mainHall, folder));
     return ended ? job.resultCode() : -1;
 }
 
@@ -414,6 +450,12 @@ void TstEngineerDocBackup::a_path_separator_in_the_name_is_used_as_it_stands()
     QCOMPARE(info.strProjectName, QString("tour/day 1/Show"));
 }
 
+void TstEngineerDocBackup::a_name_that_leads_to_a_missing_folder_ends_with_5()
+{
+    QCOMPARE(save(m_site->mainHall, "tour/Show"), int(BackupEncryptFailed));
+    QCOMPARE(contents(m_projects), QStringList());
+}
+
 void TstEngineerDocBackup::chinese_and_emoji_survive_whatever_the_locale_codec_is()
 {
     const QString name = QString::fromUtf8("年会 🎬 主会场");
@@ -446,6 +488,14 @@ void TstEngineerDocBackup::saving_under_the_same_name_replaces_the_package()
     QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
 }
 
+void TstEngineerDocBackup::the_job_tells_the_package_that_it_left()
+{
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(m_savedPath, packagePath());
+    QCOMPARE(save(m_site->touringRack, "Tour"), int(BackupSuccess));
+    QCOMPARE(m_savedPath, packagePath("Tour"));
+}
+
 void TstEngineerDocBackup::the_next_picture_is_fetched_while_one_is_written()
 {
     // Who writes into a pipe waits for its reader, and that is whoever is asked for the next picture.
@@ -460,6 +510,7 @@ void TstEngineerDocBackup::the_next_picture_is_fetched_while_one_is_written()
                                            if (file.open(QIODevice::ReadOnly))
                                                written = file.readAll();
                                            QFile::remove(pipe);
+                                           writeFile(pipe, written);
                                        },
                                        2));
     // A job that does not go on would wait for ever.
@@ -634,18 +685,105 @@ void TstEngineerDocBackup::an_unopenable_preset_ends_silently_without_a_package(
 {
     Faults::instance()->arm(packPreset, Fault::run([this] { QDir().mkpath(stage("Preset/2.RPst")); }, 2));
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(m_savedPath, QString());
     QVERIFY(!QFile::exists(packagePath()));
     QCOMPARE(Journal::instance()->count(packPreset), 2);
     QCOMPARE(WarningGuard::count(QtDebugMsg, "Device [Main hall] serailize error,reason: Is a directory"), 1);
 }
 
-void TstEngineerDocBackup::a_preset_that_cannot_be_serialised_ends_silently_without_a_package()
+void TstEngineerDocBackup::a_preset_that_cannot_be_serialised_ends_with_5()
 {
     Faults::instance()->arm(packPreset, Fault::fail(2));
-    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
     QVERIFY(!QFile::exists(packagePath()));
     QCOMPARE(Journal::instance()->count(packPreset), 2);
     QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("could not be serialised").size(), 1);
+}
+
+void TstEngineerDocBackup::a_file_in_the_preset_folders_place_ends_with_5_data()
+{
+    QTest::addColumn<bool>("hasPresets");
+    QTest::newRow("with presets") << true;
+    QTest::newRow("without presets") << false;
+}
+
+void TstEngineerDocBackup::a_file_in_the_preset_folders_place_ends_with_5()
+{
+    QFETCH(bool, hasPresets);
+    if (!hasPresets)
+        m_site->changeHardware(m_site->mainHall, [](HardwareState &state) { state.presets.clear(); });
+    QVERIFY(writeFile(stage("Preset"), "in the way"));
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QCOMPARE(m_savedPath, QString());
+    QCOMPARE(readFile(stage("Preset")), QByteArray("in the way"));
+    QVERIFY(!QFile::exists(packagePath()));
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("/Preset/ cannot be made").size(), 1);
+}
+
+void TstEngineerDocBackup::a_preset_folder_taken_away_ends_with_5()
+{
+    Faults::instance()->arm(packPreset, Fault::run([this] { QDir(stage("Preset")).removeRecursively(); }, 2));
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::an_exception_of_the_host_ends_with_5_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("call");
+    QTest::newRow("serialiser") << serailize << 1;
+    for (const int call : {1, 4, 7})
+        QTest::addRow("query %d", call) << query << call;
+    for (const int call : {1, 7, 8, 11})
+        QTest::addRow("load %d", call) << load << call;
+    for (const int call : {1, 6})
+        QTest::addRow("preset %d", call) << packPreset << call;
+}
+
+void TstEngineerDocBackup::an_exception_of_the_host_ends_with_5()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, call);
+    QCOMPARE(save(m_site->mainHall, "Show", "the old one"), int(BackupSuccess));
+    const QByteArray before = readFile(packagePath());
+    const ExpectMessage told(QtCriticalMsg, QRegularExpression("^The save ended with an exception: " + operation), 1);
+    Faults::instance()->arm(operation, Fault::exception(call));
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QCOMPARE(m_savedPath, QString());
+    QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+    QVERIFY(readFile(packagePath()) == before);
+}
+
+void TstEngineerDocBackup::an_exception_of_an_encoder_ends_with_5()
+{
+    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [](const QImage &) -> QByteArray {
+        throw 5; // What is no std::exception has no text.
+    });
+    const ExpectMessage told(QtCriticalMsg, QRegularExpression("^The save ended with an exception"), 1);
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::null_entries_of_the_hosts_lists_are_passed_over()
+{
+    const auto change = [this](const std::function<void(Model::DeviceData &)> &edit) {
+        Model::DeviceEditor editor(*(*m_site)->device(m_site->mainHall));
+        Model::DeviceData data = editor.data();
+        edit(data);
+        editor.replace(data);
+    };
+    s_beforeMkdir = [change](const QByteArray &path) {
+        if (path.endsWith("/BKG"))
+            change([](Model::DeviceData &data) {
+                data.backgrounds = {nullptr, data.backgrounds.front(), nullptr};
+                data.logos = {nullptr, data.logos.front(), nullptr};
+                data.presets = {nullptr, data.presets.front(), nullptr};
+            });
+    };
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(unpack(packagePath()), QStringList({"192.168.1.11.json", "BKG/", "BKG/BKG_0.png", "LOGO/",
+                                                 "LOGO/LOGO_0.png", "Preset/", "Preset/1.RPst"}));
+    VERIFY_JOURNAL(QStringList({serailize, query, load, load, packPreset}));
 }
 
 void TstEngineerDocBackup::a_full_disk_under_a_picture_ends_with_5()
@@ -705,7 +843,192 @@ void TstEngineerDocBackup::a_file_in_the_projects_directorys_place_ends_with_5()
 {
     QVERIFY(writeFile(m_site->path("projects"), "in the way"));
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QCOMPARE(m_savedPath, QString());
     QCOMPARE(readFile(m_site->path("projects")), QByteArray("in the way"));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Other programs
+
+void TstEngineerDocBackup::what_another_program_took_away_ends_with_5_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isChanged");
+    QTest::newRow("background taken away") << "BKG/BKG_3.png" << false;
+    QTest::newRow("background changed") << "BKG/BKG_12.png" << true;
+    QTest::newRow("logo taken away") << "LOGO/LOGO_0.png" << false;
+    QTest::newRow("logo changed") << "LOGO/LOGO_5.png" << true;
+    QTest::newRow("preset taken away") << "Preset/2.RPst" << false;
+    QTest::newRow("preset changed") << "Preset/5.RPst" << true;
+}
+
+void TstEngineerDocBackup::what_another_program_took_away_ends_with_5()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isChanged);
+    QCOMPARE(save(m_site->mainHall, "Show", "the old one"), int(BackupSuccess));
+    const QByteArray before = readFile(packagePath());
+    bool wasThere = false;
+    Faults::instance()->arm(packPreset, Fault::run(
+                                            [&] {
+                                                QFile file(stage(name));
+                                                wasThere = file.exists();
+                                                if (isChanged)
+                                                    file.resize(file.size() + 1);
+                                                else
+                                                    file.remove();
+                                            },
+                                            6));
+    QCOMPARE(save(m_site->mainHall, "Show", "the new one"), int(BackupEncryptFailed));
+    QVERIFY(wasThere);
+    QCOMPARE(m_savedPath, QString());
+    QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+    QVERIFY(readFile(packagePath()) == before);
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("Save failed: " + name + " was taken out").size(), 1);
+}
+
+void TstEngineerDocBackup::a_package_that_came_meanwhile_is_kept_data()
+{
+    QTest::addColumn<bool>("isReplaced");
+    QTest::newRow("where none was") << false;
+    QTest::newRow("where another one was") << true;
+}
+
+void TstEngineerDocBackup::a_package_that_came_meanwhile_is_kept()
+{
+    QFETCH(bool, isReplaced);
+    QVERIFY(!isReplaced || writeFile(packagePath(), "there when the save began"));
+    Faults::instance()->arm(packPreset, Fault::run([&] {
+                                QFile::remove(packagePath());
+                                writeFile(packagePath(), "came meanwhile");
+                            }));
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+    QCOMPARE(readFile(packagePath()), QByteArray("came meanwhile"));
+}
+
+void TstEngineerDocBackup::a_package_that_went_meanwhile_is_not_missed()
+{
+    QVERIFY(writeFile(packagePath(), "there when the save began"));
+    Faults::instance()->arm(packPreset, Fault::run([&] { QFile::remove(packagePath()); }));
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(m_savedPath, packagePath());
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath()));
+}
+
+namespace {
+
+constexpr int rounds = 200;
+
+/// A save that runs beside others.
+class Save
+{
+public:
+    Save(const QString &ip, const QString &projects, const QString &name, const QString &comment)
+        : m_job(nullptr, ip)
+    {
+        m_job.setProjectPath(projects);
+        m_job.setProjectInfo(name, comment);
+        m_job.start();
+    }
+    /// Waits for its end: whether it told success and a package.
+    bool succeeded()
+    {
+        return m_job.wait(60000) && m_job.resultCode() == BackupSuccess && !m_job.savedPackagePath().isEmpty();
+    }
+    /// Success, or the one code that another program may cause.
+    bool endedOrderly() { return succeeded() || m_job.resultCode() == BackupEncryptFailed; }
+
+private:
+    EngineerDocBackup m_job;
+};
+
+QString commentOf(const QString &path)
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path;
+    return ZipPackageHandle::getZipFileEngineerInfo(info) ? info.strComment : QString();
+}
+
+} // namespace
+
+void TstEngineerDocBackup::of_two_saves_under_one_name_one_succeeds_data()
+{
+    QTest::addColumn<bool>("isTaken");
+    QTest::newRow("new name") << false;
+    QTest::newRow("over a package") << true;
+}
+
+void TstEngineerDocBackup::of_two_saves_under_one_name_one_succeeds()
+{
+    QFETCH(bool, isTaken);
+    for (int round = 0; round < rounds; ++round) {
+        QFile::remove(packagePath());
+        QVERIFY(!isTaken || writeFile(packagePath(), "there when both began"));
+        // Each has looked what is there when it gets here.
+        QSemaphore arrived;
+        QSemaphore go;
+        const auto meet = [&] {
+            arrived.release();
+            go.acquire();
+        };
+        Faults::instance()->arm(serailize, Fault::run(meet));
+        Faults::instance()->arm(serailize, Fault::run(meet, 2));
+        Save one(m_site->touringRack, m_projects, "Show", "one");
+        Save other(m_site->boothSwitcher, m_projects, "Show", "other");
+        arrived.acquire(2);
+        go.release(2);
+        QVERIFY(one.endedOrderly() && other.endedOrderly());
+        QVERIFY(one.succeeded() != other.succeeded());
+        QCOMPARE(commentOf(packagePath()), QString(one.succeeded() ? "one" : "other"));
+        QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+    }
+}
+
+void TstEngineerDocBackup::a_renaming_and_a_save_lose_no_package()
+{
+    QCOMPARE(save(m_site->touringRack, "Pattern", "renamed"), int(BackupSuccess));
+    const QByteArray pattern = readFile(packagePath("Pattern"));
+    int renamings = 0;
+    for (int round = 0; round < rounds; ++round) {
+        QVERIFY(QDir(m_projects).removeRecursively());
+        QVERIFY(writeFile(packagePath("Old name"), pattern));
+        // The later of these come while the package is written.
+        constexpr int moments = 4;
+        QSemaphore isTime;
+        const int moment = round % moments;
+        Faults::instance()->arm(moment == 0 ? serailize : packPreset,
+                                Fault::run([&] { isTime.release(); }, qMax(1, moment)));
+        Save saving(m_site->touringRack, m_projects, "Show", "saved");
+        isTime.acquire();
+        const bool isRenamed = DurableFile::renameDurably(packagePath("Old name"), packagePath());
+        QVERIFY(saving.endedOrderly());
+        QVERIFY(saving.succeeded() != isRenamed);
+        QVERIFY(readFile(isRenamed ? packagePath() : packagePath("Old name")) == pattern);
+        QVERIFY(isRenamed || commentOf(packagePath()) == "saved");
+        renamings += isRenamed ? 1 : 0;
+    }
+    QVERIFY(renamings > 0);
+}
+
+void TstEngineerDocBackup::two_saves_of_one_device_lack_nothing()
+{
+    QCOMPARE(save(m_site->mainHall, "Alone"), int(BackupSuccess));
+    const QStringList expected = ZipPackageHandle::getFileList(packagePath("Alone"));
+    QCOMPARE(expected.size(), 4 + 7 + 4 + 6);
+    for (int round = 0; round < rounds; ++round) {
+        Save one(m_site->mainHall, m_projects, "One", QString());
+        Save other(m_site->mainHall, m_projects, "Other", QString());
+        QVERIFY(one.endedOrderly() && other.endedOrderly());
+        for (const char *name : {"One", "Other"}) {
+            const bool succeeded = name == QLatin1String("One") ? one.succeeded() : other.succeeded();
+            QCOMPARE(QFile::exists(packagePath(name)), succeeded);
+            if (succeeded)
+                QCOMPARE(ZipPackageHandle::getFileList(packagePath(name)), expected);
+            QFile::remove(packagePath(name));
+        }
+    }
+    QCOMPARE(save(m_site->mainHall, "Alone"), int(BackupSuccess));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -837,7 +1160,7 @@ void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point_data()
     }
     for (int done = 0; done < 4; ++done)
         QTest::addRow("before logo %d", done + 1) << load << 7 + done << int(BackupUserCanceled) << logos(done);
-    QTest::newRow("before the preset stage") << load << 11 << int(BackupSuccess) << presets(0);
+    QTest::newRow("before the last picture is written") << load << 11 << int(BackupUserCanceled) << presets(0);
     QTest::newRow("before preset 1") << QString() << 0 << int(BackupUserCanceled) << presets(0);
     for (int done = 1; done < 6; ++done)
         QTest::addRow("before preset %d", done + 1) << packPreset << done << int(BackupUserCanceled) << presets(done);
@@ -858,8 +1181,73 @@ void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point()
     else
         Faults::instance()->arm(operation, cancelJob(call));
     QCOMPARE(save(m_site->mainHall), code);
+    QCOMPARE(m_savedPath, QString());
     VERIFY_JOURNAL(calls);
     QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_cancel_while_pictures_are_encoded_ends_with_4_data()
+{
+    QTest::addColumn<int>("picture");
+    for (int picture = 1; picture <= 11; ++picture)
+        QTest::addRow("picture %d", picture) << picture;
+}
+
+void TstEngineerDocBackup::a_cancel_while_pictures_are_encoded_ends_with_4()
+{
+    QFETCH(int, picture);
+    // Also where there is one encoder alone, one more picture can wait and one more can be fetched.
+    QSemaphore isFetched;
+    Faults::instance()->arm(load, Fault::run([&] { isFetched.release(); }, qMin(11, picture + 2)));
+    std::atomic<int> encoded{0};
+    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
+        if (++encoded == picture) {
+            isFetched.acquire();
+            m_job->cancel();
+        }
+        return EncodedPictures::encodePng(image);
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupUserCanceled));
+    QCOMPARE(Journal::instance()->count(packPreset), 0);
+    QCOMPARE(m_savedPath, QString());
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_cancel_between_pictures_and_presets_ends_silently()
+{
+    // An encoder's thread ends, and with it what belongs to the thread, when the last picture was written.
+    struct Canceller
+    {
+        EngineerDocBackup *job;
+        ~Canceller() { job->cancel(); }
+    };
+    QThreadStorage<Canceller *> cancellers;
+    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
+        if (!cancellers.hasLocalData())
+            cancellers.setLocalData(new Canceller{m_job});
+        return EncodedPictures::encodePng(image);
+    });
+    QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
+    QCOMPARE(Journal::instance()->count(load), 11);
+    QCOMPARE(Journal::instance()->count(packPreset), 0);
+    QCOMPARE(m_savedPath, QString());
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::a_cancel_without_pictures_ends_silently_before_the_presets()
+{
+    m_site->changeHardware(m_site->mainHall, [](HardwareState &state) {
+        state.backgrounds.clear();
+        state.logos.clear();
+    });
+    for (const QString &ip : {m_site->mainHall, m_site->touringRack}) {
+        Journal::instance()->clear();
+        Faults::instance()->arm(serailize, cancelJob());
+        QCOMPARE(save(ip), int(BackupSuccess));
+        VERIFY_JOURNAL({serailize});
+        QCOMPARE(m_savedPath, QString());
+        QVERIFY(!QFile::exists(packagePath()));
+    }
 }
 
 void TstEngineerDocBackup::a_request_before_the_start_is_lost()

@@ -135,24 +135,28 @@ void TstPictureWriter::pictures_under_way_stay_within_the_budget()
     held = 0;
     qint64 most = 0;
     // No picture is done before its owner has fetched as many as may be there beside it.
-    QSemaphore fetched;
+    QSemaphore mayEnd[count];
     std::atomic<int> encoded{0};
-    const auto pictures = std::make_shared<EncodedPictures>(0, [&](const QImage &) {
-        if (encoded++ < count - expected)
-            fetched.acquire();
+    const auto pictures = std::make_shared<EncodedPictures>(0, [&](const QImage &picture) {
+        ++encoded;
+        mayEnd[qBlue(picture.pixel(0, 0))].acquire();
         return QByteArray("encoded");
     });
-    QVector<quint32> pixels(50 * 20, 0xFF123456);
+    QVector<quint32> pixels(50 * 20 * count, 0xFF123400);
     PictureWriter writer(pictures, qint64(budget * pictureBytes), threads);
     for (int number = 0; number < count; ++number) {
         held += pictureBytes;
-        QImage picture(reinterpret_cast<const uchar *>(pixels.constData()), 50, 20, QImage::Format_RGB32,
+        quint32 *const first = pixels.data() + 50 * 20 * number;
+        *first += quint32(number);
+        QImage picture(reinterpret_cast<const uchar *>(first), 50, 20, QImage::Format_RGB32,
                        [](void *) { held -= pictureBytes; });
         most = qMax(most, held.load());
         if (number >= expected)
-            fetched.release();
+            mayEnd[number - expected].release();
         writer.write(std::move(picture), path(number));
     }
+    for (int number = count - expected; number < count; ++number)
+        mayEnd[number].release();
     QVERIFY(writer.waitForDone());
     QCOMPARE(encoded.load(), count);
     QCOMPARE(most, (expected + 1) * pictureBytes);

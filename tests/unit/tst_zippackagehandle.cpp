@@ -1,3 +1,4 @@
+#include "durablefile.h"
 #include "packagechecksum.h"
 #include "packagetesting.h"
 #include "zippackagehandle.h"
@@ -88,6 +89,10 @@ private slots:
     void packing_an_empty_directory_creates_nothing();
     void packing_onto_a_directory_fails_and_leaves_it_alone();
     void packing_makes_the_folder_of_the_package();
+    void a_save_replaces_only_with_all_that_it_demands_data();
+    void a_save_replaces_only_with_all_that_it_demands();
+    void a_save_keeps_a_package_that_came_meanwhile();
+    void a_save_makes_no_folder();
     void packing_on_a_full_disk_leaves_the_old_package();
     void a_disk_full_at_any_block_leaves_the_old_package_data();
     void a_disk_full_at_any_block_leaves_the_old_package();
@@ -300,6 +305,61 @@ void TstZipPackageHandle::packing_makes_the_folder_of_the_package()
     m_package = m_folder + "/with/separators.corvelpro";
     packed();
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+}
+
+void TstZipPackageHandle::a_save_replaces_only_with_all_that_it_demands_data()
+{
+    using Entries = QHash<QString, qint64>;
+    QTest::addColumn<Entries>("entries");
+    QTest::addColumn<QString>("missing");
+    QTest::newRow("nothing") << Entries() << QString();
+    QTest::newRow("what is there") << Entries{{"BKG/BKG_0.png", 5000}, {"Preset/10.RPst", 0}, {"Preset/1.RPst", 64}}
+                                   << QString();
+    QTest::newRow("what is not there") << Entries{{"BKG/BKG_0.png", 5000}, {"LOGO/LOGO_0.png", 10}}
+                                       << "LOGO/LOGO_0.png";
+    QTest::newRow("what is shorter") << Entries{{"BKG/BKG_0.png", 5001}} << "BKG/BKG_0.png";
+    QTest::newRow("what is longer") << Entries{{"Preset/1.RPst", 63}} << "Preset/1.RPst";
+}
+
+void TstZipPackageHandle::a_save_replaces_only_with_all_that_it_demands()
+{
+    using Entries = QHash<QString, qint64>;
+    QFETCH(Entries, entries);
+    QFETCH(QString, missing);
+    QVERIFY(writeFile(m_package, "old"));
+    const DurableFile::FileIdentity previous(m_package);
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QString reason;
+    QCOMPARE(ZipPackageHandle::compressEngineerPacket(m_device, info, {entries, previous}, reason), missing.isEmpty());
+    QCOMPARE(ZipPackageHandle::isValidEngineerPacket(m_package), missing.isEmpty());
+    QVERIFY(missing.isEmpty() || readFile(m_package) == "old");
+    QVERIFY2(missing.isEmpty() ? reason.isEmpty() : reason.startsWith(missing + ' '), qPrintable(reason));
+    QCOMPARE(contents(QFileInfo(m_package).absolutePath()).filter(".part"), QStringList());
+}
+
+void TstZipPackageHandle::a_save_keeps_a_package_that_came_meanwhile()
+{
+    const DurableFile::FileIdentity nothing(m_package);
+    QVERIFY(writeFile(m_package, "came meanwhile"));
+    EngineerPacketInfo info;
+    info.strFilePath = m_package;
+    QString reason;
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_device, info, {{}, nothing}, reason));
+    QCOMPARE(readFile(m_package), QByteArray("came meanwhile"));
+    QVERIFY2(reason.contains("another file has come"), qPrintable(reason));
+    QCOMPARE(contents(QFileInfo(m_package).absolutePath()).filter(".part"), QStringList());
+}
+
+void TstZipPackageHandle::a_save_makes_no_folder()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = m_temp->path() + "/missing/show.corvelpro";
+    const DurableFile::FileIdentity nothing(info.strFilePath);
+    QString reason;
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_device, info, {{}, nothing}, reason));
+    QVERIFY(!QFile::exists(m_temp->path() + "/missing"));
+    QVERIFY2(reason.contains("cannot be packed into"), qPrintable(reason));
 }
 
 void TstZipPackageHandle::packing_on_a_full_disk_leaves_the_old_package()

@@ -1,10 +1,12 @@
 #include "engineerdocbackup.h"
 
 #include "devicelookup.h"
+#include "durablefile.h"
 #include "encodedpictures.h"
 #include "packagelayout.h"
 #include "picturewriter.h"
 #include "projectfilefacts.h"
+#include "replacingfile.h"
 #include "stagedfile.h"
 #include "zippackagehandle.h"
 
@@ -19,6 +21,8 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
+
+#include <exception>
 
 using Core::ICore;
 using Model::Materail;
@@ -43,9 +47,38 @@ static void emptyFolder(const QString &path)
     }
 }
 
+static void emptyStageFolders(const QString &stagingDirectory)
+{
+    emptyFolder(stagingDirectory + PackageLayout::backgroundFolder);
+    emptyFolder(stagingDirectory + PackageLayout::logoFolder);
+    emptyFolder(stagingDirectory + PackageLayout::presetFolder);
+}
+
+namespace {
+
+/// The files that the save of an online device stages: only the package keeps them, however the save ends.
+class StagedFiles
+{
+public:
+    explicit StagedFiles(const QString &stagingDirectory)
+        : m_stagingDirectory(stagingDirectory)
+    {
+        emptyStageFolders(m_stagingDirectory);
+    }
+    ~StagedFiles() { emptyStageFolders(m_stagingDirectory); }
+
+private:
+    Q_DISABLE_COPY(StagedFiles)
+
+    const QString m_stagingDirectory;
+};
+
+} // namespace
+
 static QImage loadPicture(const QString &imageKey, QImage::Format format)
 {
-    return ImageStorager::instance()->load(imageKey, format).toImage();
+    const ImageStorager *store = ImageStorager::instance();
+    return store ? store->load(imageKey, format).toImage() : QImage();
 }
 
 EngineerDocBackup::EngineerDocBackup(QObject *parent, const QString &ip)
@@ -88,9 +121,30 @@ int EngineerDocBackup::resultCode() const
     return m_nResultCode;
 }
 
+QString EngineerDocBackup::savedPackagePath() const
+{
+    return m_strSavedPackagePath;
+}
+
 void EngineerDocBackup::run()
 {
     m_bCancel = false;
+    m_strSavedPackagePath.clear();
+    try {
+        save();
+    } catch (const std::exception &exception) {
+        qCritical() << "The save ended with an exception:" << exception.what();
+        m_nResultCode = BackupEncryptFailed;
+    } catch (...) {
+        qCritical() << "The save ended with an exception";
+        m_nResultCode = BackupEncryptFailed;
+    }
+}
+
+void EngineerDocBackup::save()
+{
+    const QString packagePath = m_strProjectPath + m_strProjectName + ProjectFileFacts::packageExtension;
+    const DurableFile::FileIdentity previous(ReplacingFile::targetBehind(packagePath));
 
     if (!Model::Serailizer(ICore::deviceConfigFilePath()).serailize()) {
         qDebug() << "Fail to serailize model data.";
@@ -102,17 +156,11 @@ void EngineerDocBackup::run()
     if (!device)
         return;
 
-    const bool online = device->getDeviceOnlineFlag();
-    if (online) {
-        prepareStageFolders();
-        // A picture that cannot be written does not end the save, so fetching the next one need not wait for it.
-        PictureWriter writer(m_pEncodedPictures);
-        if (!exportBackgrounds(writer) || !exportLogos(writer))
+    std::unique_ptr<StagedFiles> stagedFiles;
+    if (device->getDeviceOnlineFlag()) {
+        stagedFiles = std::make_unique<StagedFiles>(stagingDirectory());
+        if (!exportPictures())
             return;
-        if (!writer.waitForDone()) {
-            m_nResultCode = BackupEncryptFailed;
-            return;
-        }
     } else if (!offlineResourcesComplete()) {
         m_nResultCode = BackupOfflineResourceIncomplete;
         return;
@@ -120,16 +168,32 @@ void EngineerDocBackup::run()
 
     if (m_bCancel || !LoadPreset())
         return;
+    pack(packagePath, previous);
+}
 
+void EngineerDocBackup::pack(const QString &packagePath, const DurableFile::FileIdentity &previous)
+{
+    // This one folder alone: a name that leads into another one may be mistyped.
+    if (!DurableFile::makeFolder(m_strProjectPath)) {
+        fail(QStringLiteral("%1 cannot be made").arg(m_strProjectPath));
+        return;
+    }
     EngineerPacketInfo info;
-    info.strFilePath = m_strProjectPath + m_strProjectName + ProjectFileFacts::packageExtension;
+    info.strFilePath = packagePath;
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
-    if (!ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info))
-        m_nResultCode = BackupEncryptFailed;
+    QString reason;
+    if (!ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info, {m_hashStaged, previous}, reason))
+        fail(reason);
+    else if (ZipPackageHandle::isValidEngineerPacket(packagePath))
+        m_strSavedPackagePath = packagePath;
+}
 
-    if (online)
-        prepareStageFolders();
+bool EngineerDocBackup::fail(const QString &reason)
+{
+    qDebug().noquote() << "Save failed:" << reason;
+    m_nResultCode = BackupEncryptFailed;
+    return false;
 }
 
 std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
@@ -150,11 +214,9 @@ QString EngineerDocBackup::stagingDirectory() const
     return deviceDirectory() + QDir::separator() + QLatin1Char('/');
 }
 
-void EngineerDocBackup::prepareStageFolders() const
+QString EngineerDocBackup::presetDirectory() const
 {
-    emptyFolder(stagingDirectory() + PackageLayout::backgroundFolder);
-    emptyFolder(stagingDirectory() + PackageLayout::logoFolder);
-    emptyFolder(stagingDirectory() + PackageLayout::presetFolder);
+    return deviceDirectory() + QDir::separator() + PackageLayout::presetFolder + QLatin1Char('/');
 }
 
 bool EngineerDocBackup::stopIfCanceled()
@@ -162,6 +224,26 @@ bool EngineerDocBackup::stopIfCanceled()
     if (m_bCancel)
         m_nResultCode = BackupUserCanceled;
     return m_bCancel;
+}
+
+bool EngineerDocBackup::exportPictures()
+{
+    // A picture that cannot be written does not end the save, so fetching the next one need not wait for it.
+    PictureWriter writer(m_pEncodedPictures);
+    if (!exportBackgrounds(writer) || !exportLogos(writer))
+        return false;
+
+    const bool hasPictures = writer.hasPictures();
+    const bool areWhole = writer.waitForDone();
+    // Pressed before the last one was written.
+    if (hasPictures && stopIfCanceled())
+        return false;
+    if (!areWhole)
+        return fail(QStringLiteral("a picture in %1 is cut").arg(stagingDirectory()));
+    const QHash<QString, qint64> written = writer.written();
+    for (auto picture = written.begin(); picture != written.end(); ++picture)
+        m_hashStaged.insert(picture.key().mid(stagingDirectory().size()), picture.value());
+    return true;
 }
 
 bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
@@ -231,42 +313,47 @@ bool EngineerDocBackup::LoadPreset()
     if (!device)
         return false;
 
-    const QString presetFolder = deviceDirectory() + QDir::separator() + PackageLayout::presetFolder + QLatin1Char('/');
-    QDir(presetFolder).removeRecursively();
-    QDir().mkpath(presetFolder);
+    QDir(presetDirectory()).removeRecursively();
+    if (!QDir().mkpath(presetDirectory()))
+        return fail(QStringLiteral("%1 cannot be made").arg(presetDirectory()));
 
-    for (const std::shared_ptr<Model::Preset> &preset : device->getPresets()) {
+    const std::vector<std::shared_ptr<Model::Preset>> presets = device->getPresets();
+    for (const std::shared_ptr<Model::Preset> &preset : presets) {
         if (stopIfCanceled())
             return false;
+        if (!preset)
+            continue;
         QByteArray detail;
-        if (!ModelControl::PresetControl(preset).presetFullDetail2Binary(detail)) {
-            qDebug().nospace() << "Device [" << device->getName() << "] preset " << preset->getNumber()
-                               << " could not be serialised";
-            return false;
-        }
-        const QString path = deviceDirectory() + QDir::separator() + PackageLayout::presetEntry(preset->getNumber());
-        if (!writePreset(path, detail, device->getName()))
+        if (!ModelControl::PresetControl(preset).presetFullDetail2Binary(detail))
+            return fail(QStringLiteral("preset %1 of %2 could not be serialised")
+                            .arg(QString::number(preset->getNumber()), device->getName()));
+        if (!writePreset(PackageLayout::presetEntry(preset->getNumber()), detail, device->getName()))
             return false;
     }
     return true;
 }
 
-bool EngineerDocBackup::writePreset(const QString &path, const QByteArray &detail, const QString &deviceName)
+bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &detail, const QString &deviceName)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        qDebug().noquote()
-            << QStringLiteral("Device [%1] serailize error,reason: %2").arg(deviceName, file.errorString());
-        return false;
+    QFile file(deviceDirectory() + QDir::separator() + entry);
+    const auto open = [&file] { return file.open(QIODevice::WriteOnly | QIODevice::Truncate); };
+    if (!open()) {
+        const QString reason = file.errorString();
+        // Another program that saves this device removes the folder, and makes it anew.
+        if (!QDir(presetDirectory()).exists())
+            return fail(QStringLiteral("%1 was removed").arg(presetDirectory()));
+        if (!open()) {
+            qDebug().noquote() << QStringLiteral("Device [%1] serailize error,reason: %2").arg(deviceName, reason);
+            return false;
+        }
     }
     QByteArray content;
     QDataStream stream(&content, QIODevice::WriteOnly);
     // A null array would be streamed as the length 0xffffffff.
     stream << (detail.isNull() ? QByteArray("") : detail);
-    if (!writeWhole(file, content)) {
-        m_nResultCode = BackupEncryptFailed;
-        return false;
-    }
+    if (!writeWhole(file, content))
+        return fail(QStringLiteral("%1 is cut").arg(file.fileName()));
+    m_hashStaged.insert(entry, content.size());
     return true;
 }
 

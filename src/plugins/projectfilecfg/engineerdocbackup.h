@@ -2,6 +2,7 @@
 
 #include "operationresultcodes.h"
 
+#include <QHash>
 #include <QString>
 #include <QThread>
 
@@ -17,6 +18,10 @@ namespace Internal {
 
 class EncodedPictures;
 class PictureWriter;
+
+namespace DurableFile {
+class FileIdentity;
+}
 
 /// The job that saves one device's configuration into a project file, on a thread of its own.
 ///
@@ -41,14 +46,21 @@ public:
     void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures);
 
     /// Asks the job to end before the next picture or preset. Any thread; a request that comes before the
-    /// thread has begun is lost, and one that comes while the package is written comes too late.
+    /// thread has begun is lost, and one that comes while the package is written comes too late. While pictures are
+    /// still being encoded the next one counts as not begun.
     void cancel();
 
     /// The BackupResultCode of the run; valid once QThread::finished was emitted.
     ///
-    /// A run that was cancelled between the pictures and the presets, or whose preset file could not be
-    /// opened, ends with BackupSuccess and without a package.
+    /// A run that was cancelled between the last picture and the first preset, or whose preset file could not be
+    /// opened, ends with BackupSuccess and without a package. What an operation of the host throws ends it with
+    /// BackupEncryptFailed. However it ends, no picture or preset of an online device stays in its directory.
     int resultCode() const;
+
+    /// The package that the run left in place and found valid when it read it back; valid like the result code.
+    /// Empty where the run left no package, also where the code is BackupSuccess: what is to follow only a save that
+    /// was made asks here.
+    QString savedPackagePath() const;
 
 signals:
     /// Progress for the waiting dialog, emitted from the job's thread (the name is part of the interface).
@@ -58,15 +70,19 @@ protected:
     void run() override;
 
 private:
+    void save();
+    void pack(const QString &packagePath, const DurableFile::FileIdentity &previous);
+    bool fail(const QString &reason);
     std::shared_ptr<Model::Device> findDevice();
     QString deviceDirectory() const;
     QString stagingDirectory() const;
-    void prepareStageFolders() const;
+    QString presetDirectory() const;
+    bool exportPictures();
     bool exportBackgrounds(PictureWriter &writer);
     bool exportLogos(PictureWriter &writer);
     bool offlineResourcesComplete() const;
     bool LoadPreset();
-    bool writePreset(const QString &path, const QByteArray &detail, const QString &deviceName);
+    bool writePreset(const QString &entry, const QByteArray &detail, const QString &deviceName);
     bool stopIfCanceled();
 
     QString m_strDeviceIp;
@@ -76,7 +92,10 @@ private:
     QString m_strProjectPath;
     std::atomic<bool> m_bCancel{false};
     std::atomic<int> m_nResultCode{BackupSuccess};
+    QString m_strSavedPackagePath;
     std::shared_ptr<EncodedPictures> m_pEncodedPictures;
+    /// Sizes of what this run staged, by the names that the entries will have.
+    QHash<QString, qint64> m_hashStaged;
 };
 
 } // namespace Internal

@@ -76,9 +76,43 @@ bool copyAsideWithComment(const QString &packetPath, const QString &comment, Rep
            PackageReader(replacement.path()).fileList() == PackageReader(packetPath).fileList();
 }
 
-bool packAside(PackageWriter &writer, ReplacingFile &package)
+bool packAside(PackageWriter &writer, ReplacingFile &package,
+               ReplacingFile::MissingFolders folders = ReplacingFile::Made)
 {
-    return writer.scan() && package.create() && writer.write(package.file()) && writer.isListedIn(package.path());
+    return writer.scan() && package.create(folders) && writer.write(package.file()) &&
+           writer.isListedIn(package.path());
+}
+
+/// Packs the directory into `package`, with a record that `info` gives, and reads back what was written.
+bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFile &package,
+                  ReplacingFile::MissingFolders folders)
+{
+    useUtf8LocaleCodec();
+    if (!QDir(dirPath).exists()) {
+        return false;
+    }
+    PackageWriter writer(dirPath, info.strFilePath);
+    if (!packAside(writer, package, folders)) {
+        return false;
+    }
+    info.strChecksum = ZipPackageHandle::calcPacketChecksum(package.path());
+    if (info.strChecksum.isEmpty()) {
+        return false;
+    }
+    return writeVerifiedComment(package, recordOf(info)) && writer.isListedIn(package.path()) &&
+           ZipPackageHandle::checkPacketChecksum(package.path());
+}
+
+/// The first of the entries that the package does not hold with its size; empty when it holds them all.
+QString missingEntry(const QString &packetPath, const QHash<QString, qint64> &entries)
+{
+    const PackageReader package(packetPath);
+    for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+        if (package.entrySize(entry.key()) != entry.value()) {
+            return entry.key();
+        }
+    }
+    return QString();
 }
 
 void removeFiles(const QStringList &paths)
@@ -93,21 +127,28 @@ void removeFiles(const QStringList &paths)
 // docs/package-format.md says what a cut in each of these steps leaves behind.
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info)
 {
-    useUtf8LocaleCodec();
-    if (!QDir(dirPath).exists()) {
-        return false;
-    }
-    PackageWriter writer(dirPath, info.strFilePath);
     ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
-    if (!packAside(writer, package)) {
+    return packVerified(dirPath, info, package, ReplacingFile::Made) && package.commit();
+}
+
+bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info,
+                                              const PacketDemands &demands, QString &reason)
+{
+    ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
+    if (!packVerified(dirPath, info, package, ReplacingFile::NotMade)) {
+        reason = QStringLiteral("%1 cannot be packed into %2").arg(dirPath, info.strFilePath);
         return false;
     }
-    info.strChecksum = calcPacketChecksum(package.path());
-    if (info.strChecksum.isEmpty()) {
+    const QString missing = missingEntry(package.path(), demands.entries);
+    if (!missing.isEmpty()) {
+        reason = QStringLiteral("%1 was taken out of %2 or changed before it was packed").arg(missing, dirPath);
         return false;
     }
-    return writeVerifiedComment(package, recordOf(info)) && writer.isListedIn(package.path()) &&
-           checkPacketChecksum(package.path()) && package.commit();
+    if (!package.commitInPlaceOf(demands.previous)) {
+        reason = QStringLiteral("%1 cannot be put in its place, or another file has come there").arg(info.strFilePath);
+        return false;
+    }
+    return true;
 }
 
 bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info)

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
 namespace ProjectFileCfg {
 namespace Internal {
+
+namespace DurableFile {
+class FileIdentity;
+}
 
 /// What a package says about itself.
 struct EngineerPacketInfo
@@ -15,6 +20,15 @@ struct EngineerPacketInfo
     QString strComment;
     /// 32 lower-case hexadecimal digits.
     QString strChecksum;
+};
+
+/// What a save demands of its package beyond that it holds the directory.
+struct PacketDemands
+{
+    /// What must be in it: the size in bytes of each entry, by its name.
+    QHash<QString, qint64> entries;
+    /// What it may replace: what lay at ReplacingFile::targetBehind() its path when the save began.
+    const DurableFile::FileIdentity &previous;
 };
 
 /// Creates, lists, extracts and inspects packages, and reads or writes their info record: a small JSON
@@ -35,6 +49,12 @@ public:
     /// package as read back is not the one written: whatever was at the path before is then untouched. False as
     /// well when the finished package is in place but its name could not be flushed to disk.
     static bool compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info);
+
+    /// The same for a save, with which other programs may meet in both directories. Also false, and whatever is at the
+    /// path stays, when an entry that is demanded is missing or has another size, when another file has come to the
+    /// path, and when a folder that leads there is missing. `reason` then says in English what was in the way.
+    static bool compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info, const PacketDemands &demands,
+                                       QString &reason);
 
     /// Fills `info` from the record of the package `info.strFilePath`. True when the record can be read and
     /// its checksum is the package's; the fields stay filled when only the checksum is wrong.

@@ -1,5 +1,6 @@
 #include "durablefile.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -13,6 +14,7 @@
 #include <io.h>
 #else
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 #ifdef Q_OS_LINUX
@@ -42,6 +44,17 @@ bool flush(int handle)
     return _commit(handle) == 0;
 }
 
+FileIdentity::FileIdentity(const QString &path)
+{
+    const QFileInfo file(path);
+    m_exists = file.exists() || file.isSymLink();
+    m_isFolder = file.isDir();
+    m_volume = m_exists ? quint64(file.size()) : 0;
+    m_number = m_exists ? quint64(file.lastModified().toMSecsSinceEpoch()) : 0;
+}
+
+FileIdentity::~FileIdentity() = default;
+
 #else
 
 Folder::Folder(const QString &path)
@@ -69,7 +82,33 @@ bool flush(int handle)
     return fsync(handle) == 0;
 }
 
+FileIdentity::FileIdentity(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+#ifdef O_PATH
+    // Needs no leave to read and waits at no pipe. A number in use is not given away again.
+    m_handle = ::open(name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
 #endif
+    struct stat status = {};
+    m_exists = (m_handle >= 0 ? fstat(m_handle, &status) : lstat(name.constData(), &status)) == 0;
+    m_isFolder = m_exists && S_ISDIR(status.st_mode);
+    m_volume = status.st_dev;
+    m_number = status.st_ino;
+}
+
+FileIdentity::~FileIdentity()
+{
+    if (m_handle >= 0)
+        ::close(m_handle);
+}
+
+#endif
+
+bool FileIdentity::isAt(const QString &path) const
+{
+    const FileIdentity other(path);
+    return other.m_exists == m_exists && other.m_volume == m_volume && other.m_number == m_number;
+}
 
 bool shareContent(int from, int to)
 {
@@ -157,6 +196,38 @@ bool renameToFreeName(const QString &from, const QString &to)
     const QFileInfo existing(to);
     return !existing.exists() && !existing.isSymLink() && replace(from, to);
 #endif
+}
+
+#ifdef RENAME_EXCHANGE
+static bool exchange(const QString &one, const QString &other)
+{
+    return renameat2(AT_FDCWD, QFile::encodeName(one).constData(), AT_FDCWD, QFile::encodeName(other).constData(),
+                     RENAME_EXCHANGE) == 0;
+}
+#endif
+
+bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected)
+{
+    if (expected.isNothing() || FileIdentity(to).isNothing())
+        return renameToFreeName(from, to);
+    if (expected.m_isFolder || !expected.isAt(to))
+        return false;
+#ifdef RENAME_EXCHANGE
+    if (exchange(from, to)) {
+        // Only what has come out cannot be exchanged for another any more.
+        if (expected.isAt(from))
+            return true;
+        if (!exchange(from, to))
+            renameToFreeName(from, to);
+        return false;
+    }
+    if (errno == ENOENT)
+        return renameToFreeName(from, to);
+    // Not every file system and kernel has it.
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+#endif
+    return expected.isAt(to) && replace(from, to);
 }
 
 bool renameDurably(const QString &from, const QString &to)

@@ -43,11 +43,44 @@ bool flushTree(const QString &folderPath);
 /// Makes the folder and those that lead there, and flushes them. True when it was there already.
 bool makeFolder(const QString &path);
 
+/// What lies at a path at one moment, to be told from what takes its place later. Links are not followed. Known by
+/// device and number, which the system gives to no other file while this object lives; on Windows by its size and the
+/// time of its last change, so that there a file that was changed counts as another one.
+class FileIdentity
+{
+public:
+    explicit FileIdentity(const QString &path);
+    ~FileIdentity();
+
+    /// Nothing was there.
+    bool isNothing() const { return !m_exists; }
+    /// True when it lies at `path` now; where it is nothing, when nothing lies there.
+    bool isAt(const QString &path) const;
+
+private:
+    Q_DISABLE_COPY(FileIdentity)
+    friend bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected);
+
+    bool m_exists = false;
+    bool m_isFolder = false;
+    quint64 m_volume = 0;
+    quint64 m_number = 0;
+    int m_handle = -1;
+};
+
 /// Renames within a volume, over the file at `to` if there is one. Not flushed.
 bool replace(const QString &from, const QString &to);
 
 /// The same, but fails where anything is at `to`. Not flushed.
 bool renameToFreeName(const QString &from, const QString &to);
+
+/// Renames within a volume to the place of `expected`, and never over anything else: false where another file or a
+/// folder lies there. Where nothing lies there any more, as renameToFreeName(). What was replaced lies at `from`
+/// afterwards, or is gone. Not flushed.
+///
+/// Where system and file system can exchange two names, no other program can come in between. Elsewhere there is a
+/// moment between the last look and the renaming: what comes in that moment is replaced.
+bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected);
 
 /// renameToFreeName(), flushed. QFile::rename() cannot stand here: what it cannot rename it writes anew, and a
 /// kill on the way leaves half a file under the new name.

@@ -17,12 +17,6 @@ namespace Internal {
 
 namespace {
 
-QString behindLink(const QString &path)
-{
-    const QString linkedPath = QFileInfo(path).isSymLink() ? QFileInfo(path).canonicalFilePath() : QString();
-    return linkedPath.isEmpty() ? QFileInfo(path).absoluteFilePath() : linkedPath;
-}
-
 QString fragmentName()
 {
     // Not the target's name with something added: that could be longer than a name may be.
@@ -49,8 +43,15 @@ qint64 ReplacingFile::Fragment::writeData(const char *data, qint64 size)
     return count;
 }
 
+QString ReplacingFile::targetBehind(const QString &targetPath)
+{
+    const QFileInfo target(targetPath);
+    const QString linkedPath = target.isSymLink() ? target.canonicalFilePath() : QString();
+    return linkedPath.isEmpty() ? target.absoluteFilePath() : linkedPath;
+}
+
 ReplacingFile::ReplacingFile(const QString &targetPath, Durability durability)
-    : m_targetPath(behindLink(targetPath))
+    : m_targetPath(targetBehind(targetPath))
     , m_folderPath(QFileInfo(m_targetPath).absolutePath())
     , m_fragment(m_folderPath + QLatin1Char('/') + fragmentName(), durability)
     , m_durability(durability)
@@ -64,11 +65,13 @@ ReplacingFile::~ReplacingFile()
     }
 }
 
-bool ReplacingFile::create()
+bool ReplacingFile::create(MissingFolders folders)
 {
     // Nearly always it is there, and a package has thousands of entries.
     if (openFragment())
         return true;
+    if (folders == NotMade)
+        return false;
     const bool hasFolder =
         m_durability == FlushedToDisk ? DurableFile::makeFolder(m_folderPath) : QDir().mkpath(m_folderPath);
     return hasFolder && openFragment();
@@ -97,8 +100,26 @@ bool ReplacingFile::createFrom(const QString &sourcePath)
     return m_fragment.flush() && m_fragment.seek(0);
 }
 
-// docs/package-format.md says what a cut between any two of these steps leaves behind.
 bool ReplacingFile::commit(ExistingTarget existing)
+{
+    const auto rename = existing == Kept ? DurableFile::renameToFreeName : DurableFile::replace;
+    return finish([&] { return rename(path(), m_targetPath); });
+}
+
+bool ReplacingFile::commitInPlaceOf(const DurableFile::FileIdentity &previous)
+{
+    const DurableFile::FileIdentity own(path());
+    const bool committed = finish([&] { return DurableFile::replaceSame(path(), m_targetPath, previous); });
+    // What was replaced lies there now. After a failure in a failure it is perhaps the only one of another program.
+    if (m_isCommitted)
+        m_fragment.remove();
+    else
+        m_isCommitted = !own.isAt(path());
+    return committed;
+}
+
+// docs/package-format.md says what a cut between any two of these steps leaves behind.
+bool ReplacingFile::finish(const std::function<bool()> &rename)
 {
     if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError)
         return false;
@@ -108,13 +129,12 @@ bool ReplacingFile::commit(ExistingTarget existing)
     if (m_fragment.error() != QFileDevice::NoError)
         return false;
 
-    const auto rename = existing == Kept ? DurableFile::renameToFreeName : DurableFile::replace;
     if (m_durability == NotFlushed) {
-        m_isCommitted = rename(path(), m_targetPath);
+        m_isCommitted = rename();
         return m_isCommitted;
     }
     const DurableFile::Folder folder(m_folderPath);
-    m_isCommitted = folder.isOpen() && rename(path(), m_targetPath);
+    m_isCommitted = folder.isOpen() && rename();
     return m_isCommitted && folder.flush();
 }
 

@@ -2,8 +2,14 @@
 
 #include <QFile>
 
+#include <functional>
+
 namespace ProjectFileCfg {
 namespace Internal {
+
+namespace DurableFile {
+class FileIdentity;
+}
 
 /// A file that is written aside and takes the target's place only when it is complete: until commit(), and for
 /// ever where it is not called or fails on the way, the target is what it was. QSaveFile cannot stand here: QuaZip
@@ -26,14 +32,19 @@ public:
         Kept
     };
 
+    enum MissingFolders { Made, NotMade };
+
+    /// What is replaced: where `targetPath` is a symbolic link, the path of what it points to.
+    static QString targetBehind(const QString &targetPath);
+
     /// `targetPath` may name a symbolic link: then what it points to is replaced and the link stays.
     ReplacingFile(const QString &targetPath, Durability durability);
     /// Removes the fragment unless it was committed.
     ~ReplacingFile();
 
-    /// Makes an empty fragment, with the folders that lead there, and opens it for reading and writing. What
-    /// is to be flushed also clears its folder of stale fragments.
-    bool create();
+    /// Makes an empty fragment, by default with the folders that lead there, and opens it for reading and writing.
+    /// What is to be flushed also clears its folder of stale fragments.
+    bool create(MissingFolders folders = Made);
 
     /// The same with the content and the permissions of the file at `sourcePath`; stands at its beginning. Makes
     /// no folders: where a stick was mounted that is gone, a copy must fail.
@@ -46,6 +57,10 @@ public:
     /// Flushes and closes the fragment and renames it to the target's name. The one failure that leaves the new
     /// target in place is that of the last step, when the renaming could not be flushed.
     bool commit(ExistingTarget existing = Replaced);
+
+    /// The same, but takes the place of `previous` alone (see DurableFile::replaceSame): where another file lies at
+    /// the target by now, it fails and that one stays.
+    bool commitInPlaceOf(const DurableFile::FileIdentity &previous);
 
     /// True for the names of fragments.
     static bool isFragment(const QString &fileName);
@@ -73,6 +88,7 @@ private:
     };
 
     bool openFragment();
+    bool finish(const std::function<bool()> &rename);
 
     QString m_targetPath;
     QString m_folderPath;

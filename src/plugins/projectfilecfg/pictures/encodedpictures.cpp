@@ -11,7 +11,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static QByteArray encode(const QImage &picture)
+QByteArray EncodedPictures::encodePng(const QImage &picture)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
@@ -22,7 +22,7 @@ static QByteArray digestOf(const QImage &picture, const QByteArray &secret)
 {
     // One pixel, encoded, shows what the encoder adds: resolution, texts, colour table, colour space. Only a
     // picture's offset does not go with a part of it.
-    const QByteArray additions = encode(picture.copy(0, 0, 1, 1));
+    const QByteArray additions = EncodedPictures::encodePng(picture.copy(0, 0, 1, 1));
     QByteArray facts;
     QDataStream(&facts, QIODevice::WriteOnly)
         << int(picture.format()) << picture.size() << picture.offset() << additions;
@@ -34,8 +34,9 @@ static QByteArray digestOf(const QImage &picture, const QByteArray &secret)
     return digest.result();
 }
 
-EncodedPictures::EncodedPictures(int capacity)
-    : m_secret(QUuid::createUuid().toRfc4122())
+EncodedPictures::EncodedPictures(int capacity, const Encoder &encoder)
+    : m_encoder(encoder)
+    , m_secret(QUuid::createUuid().toRfc4122())
     , m_pictures(capacity)
 {}
 
@@ -52,7 +53,7 @@ QByteArray EncodedPictures::png(const QImage &picture)
             return *known;
     }
     // Not under the lock: this is what takes its time, and several threads are at it.
-    const QByteArray bytes = encode(picture);
+    const QByteArray bytes = m_encoder(picture);
     const QMutexLocker locker(&m_mutex);
     ++m_nEncoded;
     if (!bytes.isEmpty())

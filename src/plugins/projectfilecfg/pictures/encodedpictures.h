@@ -4,6 +4,8 @@
 #include <QCache>
 #include <QMutex>
 
+#include <functional>
+
 class QImage;
 
 namespace ProjectFileCfg {
@@ -20,11 +22,16 @@ class EncodedPictures
 public:
     enum { DefaultCapacity = 256 * 1024 * 1024 };
 
+    /// Gives a picture's bytes, empty when it cannot be encoded. Any thread.
+    using Encoder = std::function<QByteArray(const QImage &picture)>;
+    /// A PNG file of default quality, as QImage::save writes it.
+    static QByteArray encodePng(const QImage &picture);
+
     /// `capacity` in bytes of encoded pictures. Beyond it those go that were not asked for the longest.
-    explicit EncodedPictures(int capacity = DefaultCapacity);
+    explicit EncodedPictures(int capacity = DefaultCapacity, const Encoder &encoder = &encodePng);
     ~EncodedPictures();
 
-    /// The picture as a PNG file of default quality, as QImage::save writes it; empty when it cannot be encoded.
+    /// What the encoder makes of the picture.
     QByteArray png(const QImage &picture);
 
     /// How many pictures were encoded so far, and not remembered.
@@ -33,6 +40,7 @@ public:
 private:
     Q_DISABLE_COPY(EncodedPictures)
 
+    const Encoder m_encoder;
     const QByteArray m_secret;
     mutable QMutex m_mutex;
     QCache<QByteArray, QByteArray> m_pictures;

@@ -7,26 +7,27 @@
 #include <QFile>
 #include <QtConcurrentRun>
 
-#include <algorithm>
 #include <utility>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// False only for a picture that was begun and is cut.
-static bool writeFile(const QString &path, const QByteArray &bytes)
+qint64 PictureWriter::writeFile(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
     if (bytes.isEmpty() || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         qDebug() << "Save picture failed:" << path;
-        return true;
+        return LeftOut;
     }
-    return writeWhole(file, bytes);
+    return writeWhole(file, bytes) ? bytes.size() : Cut;
 }
 
-PictureWriter::PictureWriter(const std::shared_ptr<EncodedPictures> &encoded)
+PictureWriter::PictureWriter(const std::shared_ptr<EncodedPictures> &encoded, qint64 budget, int threads)
     : m_pEncoded(encoded)
-{}
+    , m_nBudget(budget)
+{
+    m_pool.setMaxThreadCount(threads);
+}
 
 PictureWriter::~PictureWriter()
 {
@@ -34,39 +35,45 @@ PictureWriter::~PictureWriter()
     m_pool.waitForDone();
 }
 
-void PictureWriter::makeRoomFor(const QString &path)
+bool PictureWriter::hasRoomFor(qint64 pixelBytes) const
 {
-    const auto isFinished = [](const Pending &pending) { return pending.end.isFinished(); };
-    const auto hasPath = [&path](const Pending &pending) { return pending.path == path; };
-    const auto forget = [this](const auto &condition) {
-        m_listPending.erase(std::remove_if(m_listPending.begin(), m_listPending.end(), condition), m_listPending.end());
-    };
-    forget(isFinished);
-    const auto same = std::find_if(m_listPending.begin(), m_listPending.end(), hasPath);
-    if (same != m_listPending.end())
-        same->end.waitForFinished();
-    if (m_listPending.size() > m_pool.maxThreadCount())
-        m_listPending.first().end.waitForFinished();
-    forget(isFinished);
+    return m_listPending.isEmpty() ||
+           (m_listPending.size() <= m_pool.maxThreadCount() && m_nPixelBytes + pixelBytes <= m_nBudget);
+}
+
+/// Takes that one of those under way off the list, when it is written.
+void PictureWriter::take(int index)
+{
+    const Pending pending = m_listPending.takeAt(index);
+    m_nPixelBytes -= pending.pixelBytes;
+    const qint64 size = pending.end.result();
+    m_bCut = m_bCut || size == Cut;
+    if (size >= 0)
+        m_written.insert(pending.path, size);
 }
 
 void PictureWriter::write(QImage picture, const QString &path)
 {
-    makeRoomFor(path);
+    for (int index = m_listPending.size() - 1; index >= 0; --index) {
+        if (m_listPending.at(index).end.isFinished() || m_listPending.at(index).path == path)
+            take(index);
+    }
+    const qint64 pixelBytes = qint64(picture.bytesPerLine()) * picture.height();
+    while (!hasRoomFor(pixelBytes))
+        take(0);
     const auto task = [this, picture = std::move(picture), path]() mutable {
         // Let go of here: the pool destroys the task only after it has told that it is done.
         const QImage held = std::exchange(picture, QImage());
-        if (!writeFile(path, m_pEncoded->png(held)))
-            m_bCut = true;
+        return writeFile(path, m_pEncoded->png(held));
     };
-    m_listPending.append({path, QtConcurrent::run(&m_pool, task)});
+    m_nPixelBytes += pixelBytes;
+    m_listPending.append({path, pixelBytes, QtConcurrent::run(&m_pool, task)});
 }
 
 bool PictureWriter::waitForDone()
 {
-    for (Pending &pending : m_listPending)
-        pending.end.waitForFinished();
-    m_listPending.clear();
+    while (!m_listPending.isEmpty())
+        take(0);
     return !m_bCut;
 }
 
