@@ -54,12 +54,15 @@ private slots:
     void the_class_knows_its_one_object_as_long_as_it_lives();
     void it_registers_its_sub_mode_whatever_device_is_active();
     void it_is_in_the_object_pool_and_the_panel_is_not_yet();
+    void coming_up_goes_in_this_order();
+    void delayed_work_is_said_to_be_done();
     void a_missing_translation_is_one_warning();
     void its_texts_come_from_the_translation_directory();
 
     void without_having_been_shown_it_touches_no_center_widget();
     void the_panel_is_made_after_the_mode_manager_has_finished();
     void the_first_activation_enters_the_panel_twice();
+    void the_panel_is_in_the_pool_before_it_is_entered();
     void later_activations_enter_the_same_panel_once();
     void another_mode_takes_the_panel_out();
 
@@ -74,6 +77,7 @@ private slots:
 
     void shutting_down_before_the_panel_exists();
     void shutting_down_takes_everything_out();
+    void shutting_down_goes_in_this_order();
     void shutting_down_while_the_panel_is_shown();
     void shutting_down_during_a_backup();
     void shutting_down_during_a_scan();
@@ -230,6 +234,50 @@ void TstPluginLifecycle::it_is_in_the_object_pool_and_the_panel_is_not_yet()
     QVERIFY(!panel());
 }
 
+void TstPluginLifecycle::coming_up_goes_in_this_order()
+{
+    Core::HostSettings settings = Core::hostSettings();
+    settings.trPath = m_site->path("nowhere");
+    Core::applySettings(settings);
+    const QString warning = QStringLiteral("Load projectfilecfg Language failed!");
+    const ExpectMessage expected(QtWarningMsg, warning, 1);
+
+    QStringList order;
+    QObject context;
+    connect(ObjectPool::instance(), &ObjectPool::objectAdded, &context, [&](const QObject *object) {
+        if (object->inherits("ProjectFileCfg::ProjectFileCfgPlugin"))
+            order << QStringLiteral("pool, warnings: %1").arg(WarningGuard::count(QtWarningMsg, warning));
+        // The host's own plugins are up now, and with them the manager of the sub-modes.
+        connect(
+            subModes(), &SettingCfgModeManager::modesChanged, &context,
+            [&] {
+                if (!subModes()->containsMode(subMode) || order.size() > 1)
+                    return;
+                order << QStringLiteral("mode");
+                // Nobody listens yet, since the sub-mode is registered before the plugin follows the manager.
+                subModes()->activateMode(subMode);
+                subModes()->activateMode("General");
+                subModes()->activateMode(subMode);
+            },
+            Qt::UniqueConnection);
+    });
+    start();
+    QCOMPARE(order, QStringList({"pool, warnings: 1", "mode"}));
+    QCoreApplication::processEvents();
+    QVERIFY(!panel());
+    QCOMPARE(calls(panelId), QStringList());
+}
+
+void TstPluginLifecycle::delayed_work_is_said_to_be_done()
+{
+    start();
+    Journal::instance()->clear();
+    QVERIFY(plugin()->delayedInitialize());
+    QCOMPARE(Journal::instance()->operations(), QStringList());
+    plugin()->extensionsInitialized();
+    QCOMPARE(Journal::instance()->operations(), QStringList());
+}
+
 void TstPluginLifecycle::a_missing_translation_is_one_warning()
 {
     Core::HostSettings settings = Core::hostSettings();
@@ -290,6 +338,19 @@ void TstPluginLifecycle::the_first_activation_enters_the_panel_twice()
                                           "ModeManager.addCenterWidget", "ModeManager.setActivateCenterWidget",
                                           "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
     QCOMPARE(ModeManager::activeCenterWidget(), Id(panelId));
+    QVERIFY(panel());
+}
+
+void TstPluginLifecycle::the_panel_is_in_the_pool_before_it_is_entered()
+{
+    start();
+    showSubMode("General");
+    Journal::instance()->clear();
+    QObject context;
+    QStringList before{QStringLiteral("never added")};
+    connect(ObjectPool::instance(), &ObjectPool::objectAdded, &context, [&before] { before = calls(panelId); });
+    showSubMode(subMode);
+    QCOMPARE(before, QStringList());
     QVERIFY(panel());
 }
 
@@ -461,6 +522,31 @@ void TstPluginLifecycle::shutting_down_takes_everything_out()
     QCOMPARE(calls(panelId), QStringList{"ICenterWidget.leaveWindow"});
     QVERIFY(!subModes()->containsMode(subMode));
     QCOMPARE(ObjectPool::instance()->objects(), QList<QObject *>());
+}
+
+void TstPluginLifecycle::shutting_down_goes_in_this_order()
+{
+    start();
+    showSubMode(subMode);
+    showSubMode("General");
+    QObject context;
+    QStringList order;
+    const QPointer<ICenterWidget> center = panel();
+    const auto state = [&] {
+        return QStringLiteral("%1, panel %2, mode %3")
+            .arg(calls(panelId).isEmpty() ? "entered" : "left", center ? "there" : "gone",
+                 subModes()->containsMode(subMode) ? "there" : "gone");
+    };
+    connect(ObjectPool::instance(), &ObjectPool::aboutToRemoveObject, &context, [&](const QObject *object) {
+        if (object == center || object == plugin())
+            order << (object == center ? QStringLiteral("panel out: ") : QStringLiteral("plugin out: ")) + state();
+    });
+    connect(subModes(), &SettingCfgModeManager::modesChanged, &context,
+            [&] { order << QStringLiteral("modes: ") + state(); });
+    Journal::instance()->clear();
+    plugin()->aboutToShutdown();
+    QCOMPARE(order, QStringList({"panel out: left, panel there, mode there", "modes: left, panel gone, mode gone",
+                                 "plugin out: left, panel gone, mode gone"}));
 }
 
 void TstPluginLifecycle::shutting_down_while_the_panel_is_shown()
