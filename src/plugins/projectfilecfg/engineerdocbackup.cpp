@@ -87,6 +87,11 @@ int EngineerDocBackup::resultCode() const
     return m_nResultCode;
 }
 
+QString EngineerDocBackup::savedPackagePath() const
+{
+    return m_strSavedPackagePath;
+}
+
 void EngineerDocBackup::run()
 {
     m_bCancel = false;
@@ -124,7 +129,9 @@ void EngineerDocBackup::run()
     info.strFilePath = m_strProjectPath + m_strProjectName + ProjectFileFacts::packageExtension;
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
-    if (!ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info))
+    if (ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info))
+        m_strSavedPackagePath = info.strFilePath;
+    else
         m_nResultCode = BackupEncryptFailed;
 
     if (online)

@@ -50,6 +50,10 @@ public:
     /// opened, ends with BackupSuccess and without a package.
     int resultCode() const;
 
+    /// The path of the package that the run left in place; empty when there is none. Valid once QThread::finished was
+    /// emitted.
+    QString savedPackagePath() const;
+
 signals:
     /// Progress for the waiting dialog, emitted from the job's thread (the name is part of the interface).
     void signal_operatoerChanged(const QString &strOperInfo);
@@ -74,6 +78,7 @@ private:
     QString m_strProjectName;
     QString m_strComment;
     QString m_strProjectPath;
+    QString m_strSavedPackagePath;
     std::atomic<bool> m_bCancel{false};
     std::atomic<int> m_nResultCode{BackupSuccess};
     std::shared_ptr<EncodedPictures> m_pEncodedPictures;
