@@ -18,6 +18,7 @@
 #include <QLibrary>
 #include <QLineEdit>
 #include <QPointer>
+#include <QTextCodec>
 #include <QThreadPool>
 #include <QtConcurrentRun>
 
@@ -56,6 +57,7 @@ private slots:
     void it_is_in_the_object_pool_and_the_panel_is_not_yet();
     void coming_up_goes_in_this_order();
     void delayed_work_is_said_to_be_done();
+    void file_names_are_utf8_from_the_start();
     void a_missing_translation_is_one_warning();
     void its_texts_come_from_the_translation_directory();
 
@@ -64,6 +66,7 @@ private slots:
     void the_first_activation_enters_the_panel_twice();
     void the_panel_is_in_the_pool_before_it_is_entered();
     void later_activations_enter_the_same_panel_once();
+    void showing_the_shown_sub_mode_again_registers_nothing_twice();
     void another_mode_takes_the_panel_out();
 
     void no_active_device_changes_nothing();
@@ -78,6 +81,7 @@ private slots:
     void shutting_down_before_the_panel_exists();
     void shutting_down_takes_everything_out();
     void shutting_down_goes_in_this_order();
+    void a_device_change_after_the_shutdown_makes_a_new_sub_mode();
     void shutting_down_while_the_panel_is_shown();
     void shutting_down_during_a_backup();
     void shutting_down_during_a_scan();
@@ -278,6 +282,13 @@ void TstPluginLifecycle::delayed_work_is_said_to_be_done()
     QCOMPARE(Journal::instance()->operations(), QStringList());
 }
 
+void TstPluginLifecycle::file_names_are_utf8_from_the_start()
+{
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    start();
+    QCOMPARE(QTextCodec::codecForLocale()->name(), QByteArray("UTF-8"));
+}
+
 void TstPluginLifecycle::a_missing_translation_is_one_warning()
 {
     Core::HostSettings settings = Core::hostSettings();
@@ -367,6 +378,17 @@ void TstPluginLifecycle::later_activations_enter_the_same_panel_once()
                                           "ICenterWidget.enterWindow"}));
     QVERIFY(first);
     QCOMPARE(panel(), first.data());
+}
+
+void TstPluginLifecycle::showing_the_shown_sub_mode_again_registers_nothing_twice()
+{
+    start();
+    showSubMode(subMode);
+    Journal::instance()->clear();
+    emit subModes()->currentModeChanged(subMode, subMode);
+    QCoreApplication::processEvents();
+    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.setActivateCenterWidget",
+                                          "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
 }
 
 void TstPluginLifecycle::another_mode_takes_the_panel_out()
@@ -547,6 +569,19 @@ void TstPluginLifecycle::shutting_down_goes_in_this_order()
     plugin()->aboutToShutdown();
     QCOMPARE(order, QStringList({"panel out: left, panel there, mode there", "modes: left, panel gone, mode gone",
                                  "plugin out: left, panel gone, mode gone"}));
+}
+
+void TstPluginLifecycle::a_device_change_after_the_shutdown_makes_a_new_sub_mode()
+{
+    // The plugin goes on listening until it dies.
+    start();
+    plugin()->aboutToShutdown();
+    QVERIFY(!subModes()->containsMode(subMode));
+    makeActive(m_site->foyer);
+    QVERIFY(subModes()->containsMode(subMode));
+    const QPointer<QObject> mode = subModes()->mode(subMode);
+    m_manager->shutdown();
+    QVERIFY(mode.isNull());
 }
 
 void TstPluginLifecycle::shutting_down_while_the_panel_is_shown()
