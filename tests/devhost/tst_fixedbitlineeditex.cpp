@@ -3,7 +3,10 @@
 #include <support/testmain.h>
 
 #include <QClipboard>
+#include <QInputMethodEvent>
 #include <QSignalSpy>
+
+#include <functional>
 
 using Corvel::Widgets::FixedBitLineEditEx;
 
@@ -26,6 +29,16 @@ private slots:
     void pasting_keeps_what_fits();
     void nobody_sees_a_text_beyond_the_limit();
     void a_smaller_limit_cuts_at_once();
+
+    void what_no_file_name_can_have_is_left_out_data();
+    void what_no_file_name_can_have_is_left_out();
+    void every_character_is_taken_or_left_out_by_itself();
+    void deleting_never_brings_a_dot_to_the_front();
+    void the_caret_stays_where_it_was_among_what_is_kept();
+    void undo_brings_back_nothing_that_was_left_out();
+    void blanks_at_both_ends_go_when_it_is_left_data();
+    void blanks_at_both_ends_go_when_it_is_left();
+    void a_blank_can_be_typed_before_the_next_word();
 };
 
 void TstFixedBitLineEditEx::a_text_of_exactly_the_limit_is_kept_data()
@@ -109,6 +122,170 @@ void TstFixedBitLineEditEx::a_smaller_limit_cuts_at_once()
     edit.setEditText(QStringLiteral("项目文件"));
     edit.setMaxByteCount(7);
     QCOMPARE(edit.text(), QStringLiteral("项目"));
+}
+
+void TstFixedBitLineEditEx::what_no_file_name_can_have_is_left_out_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("kept");
+    QTest::newRow("separators") << "a/b\\c"
+                                << "abc";
+    QTest::newRow("wildcards") << "What? *now*"
+                               << "What now";
+    QTest::newRow("others") << "<a>:\"b|c"
+                            << "abc";
+    QTest::newRow("control characters") << QStringLiteral("a\tb\nc\u0001d\u007fe\u0085f") << "abcdef";
+    QTest::newRow("zero") << QStringLiteral("a") + QChar(0) + QStringLiteral("b") << "ab";
+    QTest::newRow("dot in front") << ".hidden"
+                                  << "hidden";
+    QTest::newRow("dots in front") << "../../etc"
+                                   << "etc";
+    QTest::newRow("dot behind blanks") << "  .a"
+                                       << "  a";
+    QTest::newRow("dot behind what is left out") << "/.a"
+                                                 << "a";
+    QTest::newRow("other dots") << "v1.2 final."
+                                << "v1.2 final.";
+    QTest::newRow("half a pair") << QStringLiteral("a") + grin.at(0) + QStringLiteral("b") + grin.at(1) << "ab";
+    QTest::newRow("whole pair") << QStringLiteral("a") + grin << QStringLiteral("a") + grin;
+    QTest::newRow("scripts") << QStringLiteral("项目 é ـ") << QStringLiteral("项目 é ـ");
+    QTest::newRow("limit counts what is kept")
+        << QString(40, QLatin1Char('?')) + QString(64, QLatin1Char('a')) << QString(64, QLatin1Char('a'));
+}
+
+void TstFixedBitLineEditEx::what_no_file_name_can_have_is_left_out()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, kept);
+    const QVector<std::function<void(FixedBitLineEditEx &)>> ways{
+        [&](FixedBitLineEditEx &edit) { edit.setEditText(text); },
+        [&](FixedBitLineEditEx &edit) { edit.setText(text); },
+        [&](FixedBitLineEditEx &edit) { edit.insert(text); },
+        [&](FixedBitLineEditEx &edit) {
+            QApplication::clipboard()->setText(text);
+            edit.paste();
+        },
+        [&](FixedBitLineEditEx &edit) {
+            QInputMethodEvent event;
+            event.setCommitString(text);
+            QApplication::sendEvent(&edit, &event);
+        },
+        [&](FixedBitLineEditEx &edit) {
+            QKeyEvent key(QEvent::KeyPress, 0, Qt::NoModifier, text);
+            QApplication::sendEvent(&edit, &key);
+        }};
+    for (int way = 0; way < ways.size(); ++way) {
+        FixedBitLineEditEx edit;
+        QVector<QString> seen;
+        connect(&edit, &QLineEdit::textChanged, [&](const QString &changed) { seen.append(changed); });
+        ways.at(way)(edit);
+        // A key that brings a control character first is a command, and no text.
+        if (way == 5 && edit.text().isEmpty() && !text.at(0).isPrint())
+            continue;
+        QVERIFY2(edit.text() == kept, qPrintable(QStringLiteral("way %1: %2").arg(way).arg(edit.text())));
+        QCOMPARE(seen, QVector<QString>{kept});
+    }
+}
+
+void TstFixedBitLineEditEx::every_character_is_taken_or_left_out_by_itself()
+{
+    const QString never = QStringLiteral("<>:\"/\\|?*");
+    FixedBitLineEditEx edit;
+    for (uint code = 0; code < 0x10000; ++code) {
+        const QChar character(code);
+        const bool refused = never.contains(character) || character.category() == QChar::Other_Control ||
+                             character.isSurrogate() || character == QLatin1Char('.');
+        edit.setEditText(QString(character));
+        QVERIFY2(edit.text().isEmpty() == refused, qPrintable(QString::number(code, 16)));
+        edit.setEditText(QLatin1Char('a') + QString(character));
+        const bool refusedBehind = refused && character != QLatin1Char('.');
+        QVERIFY2((edit.text().size() == 1) == refusedBehind, qPrintable(QString::number(code, 16)));
+    }
+}
+
+void TstFixedBitLineEditEx::deleting_never_brings_a_dot_to_the_front()
+{
+    FixedBitLineEditEx edit;
+    edit.setEditText(QStringLiteral("a..b"));
+    edit.setCursorPosition(0);
+    QTest::keyClick(&edit, Qt::Key_Delete);
+    QCOMPARE(edit.text(), QStringLiteral("b"));
+    QCOMPARE(edit.cursorPosition(), 0);
+}
+
+void TstFixedBitLineEditEx::the_caret_stays_where_it_was_among_what_is_kept()
+{
+    FixedBitLineEditEx edit;
+    edit.setEditText(QStringLiteral("ab"));
+    edit.setCursorPosition(1);
+    QTest::keyClicks(&edit, QStringLiteral("?x/"));
+    QCOMPARE(edit.text(), QStringLiteral("axb"));
+    QCOMPARE(edit.cursorPosition(), 2);
+    edit.insert(QStringLiteral("1:2:3"));
+    QCOMPARE(edit.text(), QStringLiteral("ax123b"));
+    QCOMPARE(edit.cursorPosition(), 5);
+}
+
+void TstFixedBitLineEditEx::undo_brings_back_nothing_that_was_left_out()
+{
+    FixedBitLineEditEx edit;
+    QTest::keyClicks(&edit, QStringLiteral("a?b/.c"));
+    edit.insert(QStringLiteral("<d>"));
+    for (int step = 0; step < 10; ++step) {
+        edit.undo();
+        for (const QChar refused : QStringLiteral("?/<>"))
+            QVERIFY(!edit.text().contains(refused));
+        QVERIFY(!edit.text().startsWith(QLatin1Char('.')));
+    }
+    for (int step = 0; step < 10; ++step) {
+        edit.redo();
+        for (const QChar refused : QStringLiteral("?/<>"))
+            QVERIFY(!edit.text().contains(refused));
+    }
+}
+
+void TstFixedBitLineEditEx::blanks_at_both_ends_go_when_it_is_left_data()
+{
+    QTest::addColumn<QString>("way");
+    QTest::newRow("focus") << "focus";
+    QTest::newRow("tab") << "tab";
+    QTest::newRow("return") << "return";
+}
+
+void TstFixedBitLineEditEx::blanks_at_both_ends_go_when_it_is_left()
+{
+    QFETCH(QString, way);
+    QWidget window;
+    FixedBitLineEditEx edit(&window);
+    QLineEdit other(&window);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    edit.setFocus();
+    QString finished = QStringLiteral("not yet");
+    connect(&edit, &QLineEdit::editingFinished, [&] { finished = edit.text(); });
+    edit.setEditText(QStringLiteral(" \u3000 My show \u00a0"));
+    QTest::keyClicks(&edit, QStringLiteral("  "));
+    QCOMPARE(edit.text(), QStringLiteral(" \u3000 My show \u00a0  "));
+    if (way == QStringLiteral("focus"))
+        other.setFocus();
+    else
+        QTest::keyClick(&edit, way == QStringLiteral("tab") ? Qt::Key_Tab : Qt::Key_Return);
+    QCOMPARE(edit.text(), QStringLiteral("My show"));
+    QCOMPARE(finished, QStringLiteral("My show"));
+
+    edit.setFocus();
+    edit.setEditText(QStringLiteral("   "));
+    other.setFocus();
+    QCOMPARE(edit.text(), QString());
+}
+
+void TstFixedBitLineEditEx::a_blank_can_be_typed_before_the_next_word()
+{
+    FixedBitLineEditEx edit;
+    QTest::keyClicks(&edit, QStringLiteral("My "));
+    QCOMPARE(edit.text(), QStringLiteral("My "));
+    QTest::keyClicks(&edit, QStringLiteral("show"));
+    QCOMPARE(edit.text(), QStringLiteral("My show"));
 }
 
 TEST_MAIN(TstFixedBitLineEditEx)

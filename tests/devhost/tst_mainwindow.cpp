@@ -33,6 +33,7 @@ public:
     explicit Mode(const char *id)
     {
         setId(id);
+        setEnabled(true);
         ModeManager::addMode(this);
     }
     ~Mode() override

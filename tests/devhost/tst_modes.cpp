@@ -20,6 +20,8 @@ public:
     {
         setId(id);
         setPriority(priority);
+        setEnabled(true);
+        setVisible(false);
     }
     void retranslateUi() override {}
     QWidget *toolBar() const override { return nullptr; }

@@ -12,6 +12,8 @@
 #include <widgets/waitingdialog.h>
 
 #include <QStorageInfo>
+#include <QTextDocument>
+#include <QTextFormat>
 
 using namespace PanelTesting;
 using namespace TestSupport;
@@ -127,6 +129,8 @@ private slots:
     void selector_lists_devices_with_support_in_the_host_s_order();
     void entries_carry_tool_tip_and_mark_list();
     void long_texts_are_elided_in_the_middle_to_260_pixels();
+    void tool_tips_show_markup_as_it_is_data();
+    void tool_tips_show_markup_as_it_is();
     void the_active_device_is_selected();
     void the_active_device_wins_over_the_selection();
     void without_an_active_device_the_selection_is_found_by_its_address();
@@ -134,7 +138,9 @@ private slots:
     void an_active_device_without_support_is_bound_but_not_offered();
     void showing_the_panel_refills_the_selector();
     void refilling_never_counts_as_a_choice();
+    void refilling_cuts_every_connection_of_the_selector_but_destroyed();
     void without_a_device_list_the_selector_stays_empty_and_unconnected();
+    void devices_that_are_null_are_passed_over();
 
     void choosing_a_device_binds_it();
     void an_entry_without_marks_changes_nothing();
@@ -199,6 +205,60 @@ void TstDeviceBinding::long_texts_are_elided_in_the_middle_to_260_pixels()
     QCOMPARE(combo->itemData(0, Qt::ToolTipRole).toString(), info);
     QCOMPARE(markList(combo, 0).at(0), info);
     QCOMPARE(combo->currentIndex(), 0);
+}
+
+void TstDeviceBinding::tool_tips_show_markup_as_it_is_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("asItIs");
+    QTest::newRow("plain") << "Main hall" << true;
+    QTest::newRow("ampersand") << "R&D, A & B" << true;
+    QTest::newRow("less than") << "1 < 2, a<b" << true;
+    QTest::newRow("picture") << "<img src=\"%1\" width=\"20000\">" << false;
+    QTest::newRow("bold") << "<b>Hall</b>" << false;
+    QTest::newRow("spaces and lines") << "<i>a  b\nc</i>" << false;
+    QTest::newRow("entity") << "&lt;b&gt; & <b>" << false;
+    QTest::newRow("document") << "<!DOCTYPE html><p>Hall" << false;
+    QTest::newRow("capitals") << "<IMG SRC='%1'>" << false;
+}
+
+void TstDeviceBinding::tool_tips_show_markup_as_it_is()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, asItIs);
+    const QString picture = QDir::homePath() + QStringLiteral("/picture.png");
+    QVERIFY(QImage(3000, 10, QImage::Format_RGB32).save(picture));
+    name.replace(QStringLiteral("%1"), picture);
+    const RunningSite site;
+    const std::shared_ptr<Model::Device> device = site->device(sideStage);
+    // The information begins with what is put in here.
+    changeDevice(device, [&](Model::DeviceData &data) { data.name = data.typeString = name; });
+    const QString info = device->getDeviceInfo();
+    QCOMPARE(Qt::mightBeRichText(info), !asItIs);
+
+    const Panel panel;
+    panel->show();
+    select(panel, sideStage);
+    const QString shownTips[] = {panel.deviceCombo()->itemData(1, Qt::ToolTipRole).toString(),
+                                 panel.deviceCombo()->toolTip()};
+    for (const QString &tip : shownTips) {
+        if (asItIs) {
+            QCOMPARE(tip, info);
+            continue;
+        }
+        // A tool tip takes for rich text what looks so at its beginning.
+        QVERIFY(Qt::mightBeRichText(tip));
+        QTextDocument shown;
+        shown.setHtml(tip);
+        QCOMPARE(shown.toPlainText(), info);
+        for (const QTextFormat &format : shown.allFormats())
+            QVERIFY(!format.isImageFormat() && !format.hasProperty(QTextFormat::FontWeight));
+    }
+    // Saving sets it too, from the raw text.
+    QCOMPARE(markList(panel.deviceCombo(), 1), QStringList({info, name, name, sideStage}));
+    panel.deviceCombo()->setToolTip(QString());
+    QCOMPARE(boundAddress(panel, site), sideStage);
+    QCOMPARE(panel.deviceCombo()->toolTip(), shownTips[1]);
 }
 
 void TstDeviceBinding::the_active_device_is_selected()
@@ -311,6 +371,49 @@ void TstDeviceBinding::refilling_never_counts_as_a_choice()
     QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
 }
 
+void TstDeviceBinding::refilling_cuts_every_connection_of_the_selector_but_destroyed()
+{
+    const RunningSite site;
+    auto panel = std::make_unique<Panel>();
+    QComboBox *combo = panel->deviceCombo();
+    QObject other;
+    int heard = 0;
+    int destroyed = 0;
+    const auto connectAll = [&] {
+        connect(combo, &QComboBox::currentTextChanged, &other, [&] { ++heard; });
+        connect(combo, QOverload<int>::of(&QComboBox::currentIndexChanged), [&] { ++heard; });
+        connect(combo, QOverload<int>::of(&QComboBox::activated), combo, [&] { ++heard; });
+        connect(combo, &QComboBox::editTextChanged, &other, [&] { ++heard; });
+        connect(combo, &QWidget::windowTitleChanged, &other, [&] { ++heard; });
+        connect(combo, &QWidget::customContextMenuRequested, &other, [&] { ++heard; });
+        connect(combo, &QObject::objectNameChanged, &other, [&] { ++heard; });
+    };
+    const auto speak = [&] {
+        combo->setCurrentIndex(combo->currentIndex() == 1 ? 2 : 1);
+        combo->setWindowTitle(combo->windowTitle() + QLatin1Char('x'));
+        combo->setObjectName(combo->objectName() + QLatin1Char('x'));
+        emit combo->activated(0);
+        emit combo->editTextChanged(QString());
+        emit combo->customContextMenuRequested(QPoint());
+    };
+    connectAll();
+    connect(combo, &QObject::destroyed, &other, [&] { ++destroyed; });
+    speak();
+    QCOMPARE(heard, 7);
+    heard = 0;
+    connect(combo, &QComboBox::currentTextChanged, &other, [&] { ++heard; });
+    (*panel)->show();
+    // The refilling itself changes index and text, before it cuts.
+    heard = 0;
+    speak();
+    QCOMPARE(heard, 0);
+    // The panel's own connection is made anew.
+    QCOMPARE(combo->toolTip(), combo->currentData(Qt::ToolTipRole).toString());
+    // The style sheet's cache of widgets lives by this signal.
+    panel.reset();
+    QCOMPARE(destroyed, 1);
+}
+
 void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconnected()
 {
     std::unique_ptr<Panel> panel;
@@ -326,6 +429,17 @@ void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconn
     // Were it connected, the panel would complain about an entry without marks.
     panel->deviceCombo()->addItem(QStringLiteral("x"));
     QCOMPARE(panel->deviceCombo()->currentText(), QStringLiteral("x"));
+}
+
+void TstDeviceBinding::devices_that_are_null_are_passed_over()
+{
+    const RunningSite site;
+    Model::DeviceList::instance()->addDevice(nullptr);
+    const Panel panel;
+    panel->show();
+    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, sideStage, foyer, touringRack}));
+    select(panel, foyer);
+    QCOMPARE(boundAddress(panel, site), foyer);
 }
 
 void TstDeviceBinding::choosing_a_device_binds_it()

@@ -680,18 +680,28 @@ void TstEngineerPropertySettingWidget::existence_is_tested_with_the_name_as_type
     QVERIFY(makeProjectFile(QStringLiteral(" Project5")));
     AnswerBook book;
 
+    // Pressed without leaving the field, which would take the blanks away.
     ShownDialog padded;
     QTest::keyClicks(padded.nameEdit(), QStringLiteral(" Project3 "));
-    QVERIFY(click(padded.okButton()));
+    padded.okButton()->click();
     QCOMPARE(padded.dialog.result(), int(QDialog::Accepted));
     QCOMPARE(padded.dialog.getProjectName(), QStringLiteral("Project3"));
 
     ShownDialog taken;
     QTest::keyClicks(taken.nameEdit(), QStringLiteral(" Project5"));
     book.expectWarning(QStringLiteral("Remind"), QStringLiteral("The current file already exists"));
-    QVERIFY(click(taken.okButton()));
+    taken.okButton()->click();
     QVERIFY(taken.dialog.isVisible());
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+
+    // By hand the name that is tested is the one that is used.
+    ShownDialog left;
+    QApplication::setActiveWindow(&left.dialog);
+    QTest::keyClicks(left.nameEdit(), QStringLiteral(" Project3 "));
+    book.expectWarning(QStringLiteral("Remind"), QStringLiteral("The current file already exists"));
+    QVERIFY(click(left.okButton()));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    QCOMPARE(left.nameEdit()->text(), QStringLiteral("Project3"));
 }
 
 TEST_MAIN(TstEngineerPropertySettingWidget)

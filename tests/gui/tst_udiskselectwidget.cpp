@@ -6,13 +6,21 @@
 #include <support/testmain.h>
 
 #include <QAbstractButton>
+#include <QButtonGroup>
 #include <QDir>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QPointer>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QStorageInfo>
 #include <QVBoxLayout>
+
+#include <cerrno>
+
+#include <dlfcn.h>
+#include <sys/stat.h>
 
 using namespace TestSupport;
 
@@ -21,6 +29,35 @@ namespace {
 const QVector<UDiskSelectWidget::Volume> twoDisks{
     {QStringLiteral("/dev/sdc1"), QStringLiteral("/mnt/sdc1"), QStringLiteral("TOUR")},
     {QStringLiteral("/dev/sdb1"), QStringLiteral("/mnt/sdb1"), QStringLiteral("SHOW 50%2")}};
+
+/// While it lives, the folder is not there for who asks for it.
+class HiddenFolder
+{
+public:
+    explicit HiddenFolder(const QByteArray &path)
+    {
+        s_path = path;
+        s_wasAskedFor = false;
+    }
+    ~HiddenFolder() { s_path.clear(); }
+    Q_DISABLE_COPY(HiddenFolder)
+
+    bool wasAskedFor() const { return s_wasAskedFor; }
+
+    static bool hides(const char *path)
+    {
+        const bool hidden = !s_path.isEmpty() && path && (path == s_path || path == s_path + '/');
+        s_wasAskedFor = s_wasAskedFor || hidden;
+        return hidden;
+    }
+
+private:
+    static QByteArray s_path;
+    static bool s_wasAskedFor;
+};
+
+QByteArray HiddenFolder::s_path;
+bool HiddenFolder::s_wasAskedFor = false;
 
 QListWidget *diskList(const UDiskSelectWidget &dialog)
 {
@@ -42,6 +79,23 @@ QStringList texts(const UDiskSelectWidget &dialog)
 
 } // namespace
 
+// These stand before the C library's, which Qt asks.
+extern "C" Q_DECL_EXPORT int statx(int folder, const char *path, int flags, unsigned int mask,
+                                   struct statx *found) noexcept
+{
+    using Function = int (*)(int, const char *, int, unsigned int, struct statx *);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statx"));
+    errno = ENOENT;
+    return HiddenFolder::hides(path) ? -1 : original(folder, path, flags, mask, found);
+}
+extern "C" Q_DECL_EXPORT int stat64(const char *path, struct stat64 *found) noexcept
+{
+    using Function = int (*)(const char *, struct stat64 *);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "stat64"));
+    errno = ENOENT;
+    return HiddenFolder::hides(path) ? -1 : original(path, found);
+}
+
 class TstUDiskSelectWidget : public QObject
 {
     Q_OBJECT
@@ -57,6 +111,10 @@ private slots:
     void only_mounted_usb_disks_are_listed_data();
     void only_mounted_usb_disks_are_listed();
     void the_machine_s_own_volumes_are_looked_at();
+    void without_the_folder_of_mounts_nothing_is_listed();
+    void the_list_is_shown_by_the_dialog();
+    void the_choice_follows_the_button_it_is_told();
+    void disks_exclude_each_other();
     void nothing_is_chosen_at_first();
     void ok_keeps_the_disk_that_was_clicked_last();
     void cancelling_forgets_the_choice_data();
@@ -173,6 +231,61 @@ void TstUDiskSelectWidget::the_machine_s_own_volumes_are_looked_at()
     }
     const UDiskSelectWidget dialog(nullptr);
     QCOMPARE(dialog.diskCount(), expected);
+}
+
+void TstUDiskSelectWidget::without_the_folder_of_mounts_nothing_is_listed()
+{
+    {
+        const HiddenFolder hidden("/mnt");
+        const UDiskSelectWidget dialog(nullptr, twoDisks);
+        QVERIFY(hidden.wasAskedFor());
+        QCOMPARE(dialog.diskCount(), 0);
+        QCOMPARE(diskList(dialog)->count(), 0);
+    }
+    QCOMPARE(UDiskSelectWidget(nullptr, twoDisks).diskCount(), 2);
+}
+
+void TstUDiskSelectWidget::the_list_is_shown_by_the_dialog()
+{
+    const UDiskSelectWidget dialog(nullptr, twoDisks);
+    QVERIFY(dialog.isHidden());
+    QVERIFY(!diskList(dialog)->isHidden());
+}
+
+void TstUDiskSelectWidget::the_choice_follows_the_button_it_is_told()
+{
+    UDiskSelectWidget dialog(nullptr, twoDisks);
+    const auto choose = [&dialog](QAbstractButton *button) {
+        return QMetaObject::invokeMethod(&dialog, "slot_DiskSelectChanged", Q_ARG(QAbstractButton *, button));
+    };
+    QVERIFY(choose(disk(dialog, 1)));
+    QVERIFY(disk(dialog, 1)->isChecked());
+    QCOMPARE(dialog.selectPath(), QStringLiteral("/mnt/sdc1"));
+
+    QPushButton other;
+    other.setCheckable(true);
+    other.setProperty("Path", QStringLiteral("/elsewhere"));
+    QVERIFY(choose(&other));
+    QVERIFY(!other.isChecked());
+    QCOMPARE(dialog.selectPath(), QStringLiteral("/mnt/sdc1"));
+
+    QVERIFY(QMetaObject::invokeMethod(&dialog, "slot_cancelSelectUDisk"));
+    QCOMPARE(dialog.selectPath(), QString());
+    QCOMPARE(dialog.result(), 0);
+}
+
+void TstUDiskSelectWidget::disks_exclude_each_other()
+{
+    // Each stands alone in its row, so that it is the group that lets only one be chosen.
+    UDiskSelectWidget dialog(nullptr, twoDisks);
+    QVERIFY(disk(dialog, 0)->group());
+    QCOMPARE(disk(dialog, 0)->group(), disk(dialog, 1)->group());
+    QVERIFY(disk(dialog, 0)->group()->exclusive());
+    QVERIFY(!disk(dialog, 0)->group()->parent());
+    const QPointer<QButtonGroup> group = disk(dialog, 0)->group();
+    disk(dialog, 0)->click();
+    disk(dialog, 1)->click();
+    QVERIFY(!disk(dialog, 0)->isChecked());
 }
 
 void TstUDiskSelectWidget::nothing_is_chosen_at_first()

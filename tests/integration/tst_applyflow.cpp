@@ -8,16 +8,19 @@
 #include <zippackagehandle.h>
 
 #include <core/icore.h>
+#include <model/deviceeditor.h>
 #include <model/objectbrige.h>
 #include <simulation/faults.h>
 #include <simulation/journal.h>
 #include <widgets/waitingdialog.h>
 
+#include <QLineEdit>
 #include <QSemaphore>
 #include <QThread>
 #include <QTranslator>
 
 #include <atomic>
+#include <stdexcept>
 #include <utility>
 
 using namespace PanelTesting;
@@ -139,6 +142,9 @@ private slots:
     void the_device_chosen_in_the_selector_becomes_active_and_is_the_target();
     void applying_selects_the_first_screen();
     void applying_a_device_without_screens_clears_the_active_screen();
+    void screens_that_are_null_are_passed_over_data();
+    void screens_that_are_null_are_passed_over();
+    void the_selector_shows_the_name_that_was_applied();
 
     // The question
     void cancelling_the_question_does_nothing_data();
@@ -147,6 +153,10 @@ private slots:
     void yes_with_a_failed_backup_applies_nothing();
     void yes_with_a_cancelled_backup_applies_nothing();
     void yes_with_all_names_taken_saves_without_a_name();
+    void yes_applies_only_after_a_backup_that_left_its_package_data();
+    void yes_applies_only_after_a_backup_that_left_its_package();
+    void a_package_that_waited_is_applied_once();
+    void a_cancel_that_comes_too_late_for_the_backup_ends_the_apply();
 
     // Apply Others
     void apply_others_applies_a_package_from_anywhere();
@@ -182,7 +192,11 @@ private slots:
     // Cancelling and closing
     void cancelling_between_operations_is_reported_as_cancelled();
     void cancelling_interrupts_the_running_operation();
+    void cancelling_after_a_backup_asks_the_device_once();
     void cancel_does_nothing_after_the_end();
+    void what_the_host_throws_ends_in_a_message_data();
+    void what_the_host_throws_ends_in_a_message();
+    void a_cancel_that_the_host_throws_back_cancels_all_the_same();
     void deleting_the_panel_during_a_load_ends_it_quietly();
     void deleting_the_panel_before_it_hears_of_the_end_frees_the_device();
     void a_picture_that_is_announced_when_the_panel_has_gone_is_not_the_last_word();
@@ -414,6 +428,42 @@ void TstApplyFlow::applying_a_device_without_screens_clears_the_active_screen()
     QCOMPARE(Journal::instance()->count(selectScreen), 0);
 }
 
+void TstApplyFlow::screens_that_are_null_are_passed_over_data()
+{
+    QTest::addColumn<bool>("others");
+    QTest::newRow("first is null") << true;
+    QTest::newRow("all are null") << false;
+}
+
+void TstApplyFlow::screens_that_are_null_are_passed_over()
+{
+    QFETCH(bool, others);
+    Faults::instance()->arm(setActive, Fault::run([&] {
+                                Model::DeviceEditor editor(*(*m_site)->device(targetIp));
+                                Model::DeviceData data = editor.data();
+                                if (!others)
+                                    data.screens.clear();
+                                data.screens.insert(data.screens.begin(), nullptr);
+                                editor.replace(data);
+                            }));
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    QCOMPARE(argumentsOf(clearScreens, "withActived"), QVariantList{!others});
+    QCOMPARE(argumentsOf(activateScreen, "screen"), others ? QVariantList{1} : QVariantList());
+    QCOMPARE(argumentsOf(selectScreen, "screen"), others ? QVariantList{1} : QVariantList());
+}
+
+void TstApplyFlow::the_selector_shows_the_name_that_was_applied()
+{
+    selectDevice(offlineIp);
+    HardwareState source = plainDevice(sourceIp);
+    source.identity.name = QStringLiteral("Renamed by the package");
+    applyAndWait(packageOf(source));
+    QCOMPARE((*m_site)->device(offlineIp)->getName(), source.identity.name);
+    QCOMPARE(m_panel->deviceCombo()->currentData(Qt::UserRole + 1).toStringList().value(2), source.identity.name);
+    QCOMPARE(m_panel->deviceCombo()->currentData(Qt::ToolTipRole).toString(),
+             (*m_site)->device(offlineIp)->getDeviceInfo());
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // The question
 
@@ -526,6 +576,111 @@ void TstApplyFlow::yes_with_all_names_taken_saves_without_a_name()
     QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
     QCOMPARE(info.strProjectName, QString());
     COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+}
+
+void TstApplyFlow::yes_applies_only_after_a_backup_that_left_its_package_data()
+{
+    QTest::addColumn<QString>("harm");
+    QTest::newRow("a preset file cannot be opened") << "preset";
+    QTest::newRow("a file has the name of the presets' folder") << "file in the way";
+    QTest::newRow("the package is broken before the panel hears of the end") << "broken";
+    QTest::newRow("the package is gone before the panel hears of the end") << "gone";
+}
+
+void TstApplyFlow::yes_applies_only_after_a_backup_that_left_its_package()
+{
+    QFETCH(QString, harm);
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    const QString preset = QStringLiteral("PresetControl.presetFullDetail2Binary");
+    const QString presetFolder = m_site->devicePath(targetIp) + QStringLiteral("/Preset");
+    const QString backup = projectFile(QStringLiteral("Project1"));
+    if (harm == QStringLiteral("preset")) {
+        Faults::instance()->arm(preset, Fault::run([&] { QDir().mkpath(presetFolder + QStringLiteral("/1.RPst")); }));
+    } else if (harm == QStringLiteral("file in the way")) {
+        QVERIFY(QDir().mkpath(m_site->devicePath(targetIp)));
+        QFile inTheWay(presetFolder);
+        QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    } else {
+        // The end of the thread is told to the panel through its event loop, so this comes before.
+        Faults::instance()->arm(preset, Fault::run([&] {
+                                    QThread *const job = QThread::currentThread();
+                                    connect(
+                                        job, &QThread::finished, job,
+                                        [&] {
+                                            if (harm == QStringLiteral("gone"))
+                                                QFile::remove(backup);
+                                            else
+                                                QFile::resize(backup, 3);
+                                        },
+                                        Qt::DirectConnection);
+                                }));
+    }
+    {
+        const ExpectMessage logged(
+            QtWarningMsg, QRegularExpression(QStringLiteral("^The backup left no valid package,.* not applied:")), 1);
+        expectQuestion(QMessageBox::Yes);
+        clickApply();
+        QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+        settle();
+    }
+    VERIFY_BOOK();
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+
+    // Nor does it wait for the next backup.
+    QFile::remove(presetFolder);
+    Journal::instance()->clear();
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [](QDialog *dialog) {
+        dialog->findChild<QLineEdit *>()->setText(QStringLiteral("Afterwards"));
+        click(dialog, QStringLiteral("OK"));
+    });
+    click(m_panel->saveProject());
+    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(projectFile(QStringLiteral("Afterwards"))));
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+}
+
+void TstApplyFlow::a_package_that_waited_is_applied_once()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    expectQuestion(QMessageBox::Yes);
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(updateInfo), 1);
+
+    Journal::instance()->clear();
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"),
+                         [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
+    click(m_panel->saveProject());
+    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(QFile::exists(projectFile(QStringLiteral("Project2"))));
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+}
+
+void TstApplyFlow::a_cancel_that_comes_too_late_for_the_backup_ends_the_apply()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    // While the last preset is fetched: the save looks at a cancel before each picture and preset, and only packs now.
+    const int presets = before.presets.size();
+    Faults::instance()->arm(QStringLiteral("PresetControl.presetFullDetail2Binary"),
+                            Fault::run([] { onMainThread(clickCancel); }, presets));
+    expectQuestion(QMessageBox::Yes);
+    clickApply();
+    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    settle();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(QStringLiteral("DeviceControler.cancelOperator")), 1);
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(projectFile(QStringLiteral("Project1"))));
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -971,6 +1126,19 @@ void TstApplyFlow::cancelling_interrupts_the_running_operation()
     QCOMPARE(Journal::instance()->count(copyModel), 0);
 }
 
+void TstApplyFlow::cancelling_after_a_backup_asks_the_device_once()
+{
+    // A connection that the backup had left would cancel once more.
+    list(packageOf(richDevice(sourceIp)));
+    Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(cancelTask), 1);
+}
+
 void TstApplyFlow::cancel_does_nothing_after_the_end()
 {
     WaitingDialog::instance()->setCanelVisible(true);
@@ -1072,6 +1240,78 @@ void TstApplyFlow::the_loaded_device_is_freed_when_another_one_was_selected_mean
     clickApply();
     waitForEndOfLoad();
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
+}
+
+void TstApplyFlow::what_the_host_throws_ends_in_a_message_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("call");
+    QTest::addColumn<QString>("warned");
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<bool>("applied");
+    const QString resetFailed = QStringLiteral(" Restore factory failed ");
+    QTest::newRow("sync before the reset") << updateOnline << 1 << syncWarning << QString() << false;
+    QTest::newRow("reset") << updateInfo << 1 << QString() << resetFailed << false;
+    QTest::newRow("sync after the reset") << updateOnline << 2 << syncWarning << QString() << false;
+    QTest::newRow("reserving the channel") << channel << 1 << QString() << QString() << true;
+    QTest::newRow("telling that a load runs") << operatorType << 1 << QString() << QString() << true;
+    QTest::newRow("freeing the channel") << channel << 2 << QString() << QString() << true;
+    QTest::newRow("sync after the load") << updateOnline << 3 << QString() << QString() << true;
+    QTest::newRow("making the device active") << setActive << 1 << QString() << QString() << true;
+    QTest::newRow("clearing the screens") << clearScreens << 1 << QString() << QString() << true;
+    QTest::newRow("activating a screen") << activateScreen << 1 << QString() << QString() << true;
+    QTest::newRow("selecting a screen") << selectScreen << 1 << QString() << QString() << true;
+}
+
+void TstApplyFlow::what_the_host_throws_ends_in_a_message()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, call);
+    QFETCH(QString, warned);
+    QFETCH(QString, box);
+    QFETCH(bool, applied);
+    const HardwareState before = hardware(targetIp);
+    const HardwareState source = plainDevice(sourceIp);
+    list(packageOf(source));
+    Faults::instance()->arm(operation, Fault::run([] { throw std::runtime_error("out of luck"); }, call));
+    const ExpectMessage logged(QtCriticalMsg, QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")),
+                               1);
+    const ExpectMessage warning(QtWarningMsg, warned, warned.isEmpty() ? ExpectMessage::AnyNumber : 1);
+    expectQuestion(QMessageBox::No);
+    if (!box.isEmpty())
+        m_book->expectWarning(QStringLiteral("Warning"), box);
+    clickApply();
+    if (applied)
+        waitForEndOfLoad();
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    if (applied)
+        COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+    else if (call == 1)
+        COMPARE_STATES(hardware(targetIp), before);
+    QCOMPARE(logged.count(), 1);
+
+    // And the panel goes on.
+    Journal::instance()->clear();
+    applyAndWait(packageOf(plainDevice(QStringLiteral("10.0.0.78"))));
+    VERIFY_BOOK();
+}
+
+void TstApplyFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
+{
+    list(packageOf(richDevice(sourceIp)));
+    WaitingDialog::instance()->setCanelVisible(true);
+    const ExpectMessage logged(QtCriticalMsg, QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")),
+                               1);
+    Faults::instance()->arm(cancelTask, Fault::run([] { throw std::runtime_error("out of luck"); }));
+    Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(createPicture), 0);
 }
 
 TEST_MAIN(TstApplyFlow)

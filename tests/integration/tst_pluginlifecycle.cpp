@@ -18,6 +18,7 @@
 #include <QLibrary>
 #include <QLineEdit>
 #include <QPointer>
+#include <QTextCodec>
 #include <QThreadPool>
 #include <QtConcurrentRun>
 
@@ -54,13 +55,18 @@ private slots:
     void the_class_knows_its_one_object_as_long_as_it_lives();
     void it_registers_its_sub_mode_whatever_device_is_active();
     void it_is_in_the_object_pool_and_the_panel_is_not_yet();
+    void coming_up_goes_in_this_order();
+    void delayed_work_is_said_to_be_done();
+    void file_names_are_utf8_from_the_start();
     void a_missing_translation_is_one_warning();
     void its_texts_come_from_the_translation_directory();
 
     void without_having_been_shown_it_touches_no_center_widget();
     void the_panel_is_made_after_the_mode_manager_has_finished();
     void the_first_activation_enters_the_panel_twice();
+    void the_panel_is_in_the_pool_before_it_is_entered();
     void later_activations_enter_the_same_panel_once();
+    void showing_the_shown_sub_mode_again_registers_nothing_twice();
     void another_mode_takes_the_panel_out();
 
     void no_active_device_changes_nothing();
@@ -74,6 +80,8 @@ private slots:
 
     void shutting_down_before_the_panel_exists();
     void shutting_down_takes_everything_out();
+    void shutting_down_goes_in_this_order();
+    void a_device_change_after_the_shutdown_makes_a_new_sub_mode();
     void shutting_down_while_the_panel_is_shown();
     void shutting_down_during_a_backup();
     void shutting_down_during_a_scan();
@@ -230,6 +238,57 @@ void TstPluginLifecycle::it_is_in_the_object_pool_and_the_panel_is_not_yet()
     QVERIFY(!panel());
 }
 
+void TstPluginLifecycle::coming_up_goes_in_this_order()
+{
+    Core::HostSettings settings = Core::hostSettings();
+    settings.trPath = m_site->path("nowhere");
+    Core::applySettings(settings);
+    const QString warning = QStringLiteral("Load projectfilecfg Language failed!");
+    const ExpectMessage expected(QtWarningMsg, warning, 1);
+
+    QStringList order;
+    QObject context;
+    connect(ObjectPool::instance(), &ObjectPool::objectAdded, &context, [&](const QObject *object) {
+        if (object->inherits("ProjectFileCfg::ProjectFileCfgPlugin"))
+            order << QStringLiteral("pool, warnings: %1").arg(WarningGuard::count(QtWarningMsg, warning));
+        // The host's own plugins are up now, and with them the manager of the sub-modes.
+        connect(
+            subModes(), &SettingCfgModeManager::modesChanged, &context,
+            [&] {
+                if (!subModes()->containsMode(subMode) || order.size() > 1)
+                    return;
+                order << QStringLiteral("mode");
+                // Nobody listens yet, since the sub-mode is registered before the plugin follows the manager.
+                subModes()->activateMode(subMode);
+                subModes()->activateMode("General");
+                subModes()->activateMode(subMode);
+            },
+            Qt::UniqueConnection);
+    });
+    start();
+    QCOMPARE(order, QStringList({"pool, warnings: 1", "mode"}));
+    QCoreApplication::processEvents();
+    QVERIFY(!panel());
+    QCOMPARE(calls(panelId), QStringList());
+}
+
+void TstPluginLifecycle::delayed_work_is_said_to_be_done()
+{
+    start();
+    Journal::instance()->clear();
+    QVERIFY(plugin()->delayedInitialize());
+    QCOMPARE(Journal::instance()->operations(), QStringList());
+    plugin()->extensionsInitialized();
+    QCOMPARE(Journal::instance()->operations(), QStringList());
+}
+
+void TstPluginLifecycle::file_names_are_utf8_from_the_start()
+{
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    start();
+    QCOMPARE(QTextCodec::codecForLocale()->name(), QByteArray("UTF-8"));
+}
+
 void TstPluginLifecycle::a_missing_translation_is_one_warning()
 {
     Core::HostSettings settings = Core::hostSettings();
@@ -293,6 +352,19 @@ void TstPluginLifecycle::the_first_activation_enters_the_panel_twice()
     QVERIFY(panel());
 }
 
+void TstPluginLifecycle::the_panel_is_in_the_pool_before_it_is_entered()
+{
+    start();
+    showSubMode("General");
+    Journal::instance()->clear();
+    QObject context;
+    QStringList before{QStringLiteral("never added")};
+    connect(ObjectPool::instance(), &ObjectPool::objectAdded, &context, [&before] { before = calls(panelId); });
+    showSubMode(subMode);
+    QCOMPARE(before, QStringList());
+    QVERIFY(panel());
+}
+
 void TstPluginLifecycle::later_activations_enter_the_same_panel_once()
 {
     start();
@@ -306,6 +378,17 @@ void TstPluginLifecycle::later_activations_enter_the_same_panel_once()
                                           "ICenterWidget.enterWindow"}));
     QVERIFY(first);
     QCOMPARE(panel(), first.data());
+}
+
+void TstPluginLifecycle::showing_the_shown_sub_mode_again_registers_nothing_twice()
+{
+    start();
+    showSubMode(subMode);
+    Journal::instance()->clear();
+    emit subModes()->currentModeChanged(subMode, subMode);
+    QCoreApplication::processEvents();
+    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.setActivateCenterWidget",
+                                          "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
 }
 
 void TstPluginLifecycle::another_mode_takes_the_panel_out()
@@ -461,6 +544,44 @@ void TstPluginLifecycle::shutting_down_takes_everything_out()
     QCOMPARE(calls(panelId), QStringList{"ICenterWidget.leaveWindow"});
     QVERIFY(!subModes()->containsMode(subMode));
     QCOMPARE(ObjectPool::instance()->objects(), QList<QObject *>());
+}
+
+void TstPluginLifecycle::shutting_down_goes_in_this_order()
+{
+    start();
+    showSubMode(subMode);
+    showSubMode("General");
+    QObject context;
+    QStringList order;
+    const QPointer<ICenterWidget> center = panel();
+    const auto state = [&] {
+        return QStringLiteral("%1, panel %2, mode %3")
+            .arg(calls(panelId).isEmpty() ? "entered" : "left", center ? "there" : "gone",
+                 subModes()->containsMode(subMode) ? "there" : "gone");
+    };
+    connect(ObjectPool::instance(), &ObjectPool::aboutToRemoveObject, &context, [&](const QObject *object) {
+        if (object == center || object == plugin())
+            order << (object == center ? QStringLiteral("panel out: ") : QStringLiteral("plugin out: ")) + state();
+    });
+    connect(subModes(), &SettingCfgModeManager::modesChanged, &context,
+            [&] { order << QStringLiteral("modes: ") + state(); });
+    Journal::instance()->clear();
+    plugin()->aboutToShutdown();
+    QCOMPARE(order, QStringList({"panel out: left, panel there, mode there", "modes: left, panel gone, mode gone",
+                                 "plugin out: left, panel gone, mode gone"}));
+}
+
+void TstPluginLifecycle::a_device_change_after_the_shutdown_makes_a_new_sub_mode()
+{
+    // The plugin goes on listening until it dies.
+    start();
+    plugin()->aboutToShutdown();
+    QVERIFY(!subModes()->containsMode(subMode));
+    makeActive(m_site->foyer);
+    QVERIFY(subModes()->containsMode(subMode));
+    const QPointer<QObject> mode = subModes()->mode(subMode);
+    m_manager->shutdown();
+    QVERIFY(mode.isNull());
 }
 
 void TstPluginLifecycle::shutting_down_while_the_panel_is_shown()

@@ -114,6 +114,7 @@ private slots:
     void saving_one_onto_an_existing_file_is_refused();
     void saving_a_missing_file_is_reported();
     void a_failing_copy_of_one_names_it();
+    void a_package_that_became_a_pipe_holds_nobody();
 
     // Saving all elsewhere
     void saving_all_copies_every_listed_file();
@@ -473,9 +474,8 @@ void TstProjectManagement::editing_keeps_every_script_data()
     QTest::newRow("Arabic") << QString::fromUtf8("عرض المساء") << QString::fromUtf8("تعليق");
     QTest::newRow("combining marks") << QString::fromUtf8("e\xcc\x81t\xc3\xa9")
                                      << QString::fromUtf8("\xc3\xa9 e\xcc\x81");
-    QTest::newRow("quotes and percent") << QStringLiteral("50%3off \"now\"") << QStringLiteral("\\ \" {\"a\":1} %1");
-    QTest::newRow("looks like HTML") << QStringLiteral("<b>bold</b>").remove(QLatin1Char('/'))
-                                     << QStringLiteral("<b>bold</b> &amp;");
+    QTest::newRow("quotes and percent") << QStringLiteral("50%3off 'now'") << QStringLiteral("\\ \" {\"a\":1} %1");
+    QTest::newRow("looks like HTML") << QStringLiteral("&lt;b&gt;bold") << QStringLiteral("<b>bold</b> &amp;");
     QTest::newRow("empty comment") << QStringLiteral("empty") << QString();
 }
 
@@ -693,6 +693,48 @@ void TstProjectManagement::a_failing_copy_of_one_names_it()
     waitForAnswers();
     QVERIFY(contents(m_elsewhere->path()).isEmpty());
     QVERIFY(!WaitingDialog::instance()->isVisible());
+}
+
+void TstProjectManagement::a_package_that_became_a_pipe_holds_nobody()
+{
+    // Listed through a link, so that no change of the directory takes the row away.
+    const QString pipe = elsewhere(QStringLiteral("real.corvelpro"));
+    QVERIFY(writePackage(pipe, QString()));
+    QVERIFY(QFile::link(pipe, projectFile(QStringLiteral("show"))));
+    m_panel->rescan();
+    QVERIFY(QFile::remove(pipe));
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+
+    m_book->expectFileDialog(saveTitle, {elsewhere(QStringLiteral("copy.corvelpro"))});
+    m_book->expectWarning(warning, QStringLiteral("save as [show] failed"));
+    clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+    waitForAnswers();
+    m_book->expectFileDialog(saveTitle, {m_elsewhere->path()});
+    m_book->expectWarning(warning, QStringLiteral("save as [show] failed"));
+    QVERIFY(click(m_panel->allSaveAs()));
+    waitForAnswers();
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+
+    m_book->expectFileDialog(chooserTitle, {pipe});
+    m_book->expectWarning(remind, QStringLiteral("The file does not exist or the file format is incorrect."));
+    QVERIFY(click(m_panel->applyOthers()));
+    waitForAnswers();
+    m_book->expectQuestion(remind, QString(), QMessageBox::No);
+    m_book->answerOthers([](QDialog *dialog) { dialog->reject(); });
+    clickRow(QStringLiteral("show"), QStringLiteral("Apply"));
+    waitForAnswers();
+    QCOMPARE(Journal::instance()->count(QStringLiteral("DeviceControler.updateDeviceInfo")), 0);
+
+    expectProperties(QStringLiteral("other"), QStringLiteral("edited"));
+    clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
+    waitForAnswers();
+    QVERIFY(!QFile::exists(projectFile(QStringLiteral("other"))));
+
+    m_book->expectFileDialog(chooserTitle, {pipe});
+    m_book->expectWarning(warning, QStringLiteral("The file[%1] context is invalid.").arg(pipe));
+    QVERIFY(click(m_panel->importProject()));
+    waitForAnswers();
+    QCOMPARE(contents(m_elsewhere->path()), QStringList{QStringLiteral("real.corvelpro")});
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

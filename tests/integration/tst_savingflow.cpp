@@ -23,6 +23,8 @@
 #include <QThreadPool>
 #include <QtConcurrentRun>
 
+#include <stdexcept>
+
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
 using Corvel::Widgets::WaitingDialog;
@@ -60,6 +62,8 @@ private slots:
     void a_gap_in_the_numbers_is_filled_first();
     void with_all_999_names_taken_the_proposal_is_empty();
     void cancelling_the_property_dialog_starts_nothing();
+    void the_property_dialog_goes_when_it_was_used_data();
+    void the_property_dialog_goes_when_it_was_used();
 
     void without_a_selected_device_a_save_is_refused();
     void a_mark_of_three_elements_deselects_the_device();
@@ -77,6 +81,9 @@ private slots:
     void a_failed_backup_is_told();
     void cancelling_stops_the_transfer_and_is_told();
     void a_late_cancel_request_does_nothing();
+    void what_the_host_throws_ends_in_a_message_data();
+    void what_the_host_throws_ends_in_a_message();
+    void a_cancel_that_the_host_throws_back_cancels_all_the_same();
     void after_a_failure_the_next_save_works();
 
     void a_panel_that_goes_during_a_backup_takes_everything_along();
@@ -253,17 +260,32 @@ void TstSavingFlow::the_selected_device_becomes_the_active_one()
 
 void TstSavingFlow::the_waiting_dialog_shows_text_and_cancel_button()
 {
-    Gate gate;
-    Faults::instance()->arm(serailize, gate.fault());
+    WaitingDialog *waiting = WaitingDialog::instance();
+    const auto *cancel = waiting->findChild<QPushButton *>();
+    // As an operation of the host may have left it.
+    const auto disturb = [waiting] {
+        waiting->setButtonText(QStringLiteral("Skip"));
+        waiting->setCanelVisible(false);
+    };
+    disturb();
+    Gate start;
+    Gate picture;
+    Faults::instance()->arm(serailize, start.fault());
+    Faults::instance()->arm(query, picture.fault());
     QVERIFY(pressSave("Show"));
-    QVERIFY(gate.waitForThread());
-    const WaitingDialog *waiting = WaitingDialog::instance();
+    QVERIFY(start.waitForThread());
     QVERIFY(waiting->isVisible());
     QCOMPARE(waiting->text(), QString("Please wait while the project file is exported"));
-    const auto *cancel = waiting->findChild<QPushButton *>();
     QVERIFY(cancel->isVisible());
     QCOMPARE(cancel->text(), QString("Cancel"));
-    gate.open();
+
+    disturb();
+    start.open();
+    QVERIFY(picture.waitForThread());
+    QTRY_COMPARE(waiting->text(), QString("Saving the gallery [BKG:Opening beams]..."));
+    QVERIFY(cancel->isVisible());
+    QCOMPARE(cancel->text(), QString("Cancel"));
+    picture.open();
     QTRY_VERIFY(hasEnded());
 }
 
@@ -397,6 +419,31 @@ void TstSavingFlow::cancelling_the_property_dialog_starts_nothing()
     QVERIFY(pressSave("Afterwards"));
     QTRY_VERIFY(hasEnded());
     QVERIFY(QFile::exists(packagePath("Afterwards")));
+}
+
+void TstSavingFlow::the_property_dialog_goes_when_it_was_used_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::newRow("accepted") << "OK";
+    QTest::newRow("rejected") << "Cancel";
+}
+
+void TstSavingFlow::the_property_dialog_goes_when_it_was_used()
+{
+    QFETCH(QString, button);
+    QPointer<QDialog> used;
+    AnswerBook book;
+    book.expectDialog(propertyDialog, [&](QDialog *dialog) {
+        QCOMPARE(dialog->parentWidget(), m_panel.data());
+        used = dialog;
+        click(dialog, button);
+    });
+    QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    QTRY_VERIFY(!used);
+    QVERIFY(m_panel->findChildren<QDialog *>().isEmpty());
+    if (button == QStringLiteral("OK"))
+        QTRY_VERIFY(hasEnded());
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -638,6 +685,69 @@ void TstSavingFlow::a_late_cancel_request_does_nothing()
     Journal::instance()->clear();
     emit WaitingDialog::instance()->signal_canelLoad();
     QCOMPARE(Journal::instance()->operations(), QStringList());
+}
+
+void TstSavingFlow::what_the_host_throws_ends_in_a_message_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("call");
+    QTest::addColumn<bool>("refused");
+    QTest::newRow("sync") << "OperationAdapter.updateOnlineDevice" << 1 << true;
+    QTest::newRow("size of the logos") << "DeviceControler.calLogoMaterailCapacity" << 1 << true;
+    QTest::newRow("size of the rest") << "DeviceControler.usedCapacity" << 1 << true;
+    QTest::newRow("freeing the channel before") << "DeviceControler.setChannelExclusive" << 1 << false;
+    QTest::newRow("telling that a save runs") << "ICore.setOperatorType" << 1 << false;
+    QTest::newRow("telling that it ended") << "ICore.setOperatorType" << 2 << false;
+    QTest::newRow("freeing the channel after") << "DeviceControler.setChannelExclusive" << 2 << false;
+}
+
+void TstSavingFlow::what_the_host_throws_ends_in_a_message()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, call);
+    QFETCH(bool, refused);
+    Faults::instance()->arm(operation, Fault::run([] { throw std::runtime_error("out of luck"); }, call));
+    {
+        const ExpectMessage logged(QtCriticalMsg,
+                                   QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")), 1);
+        if (refused) {
+            AnswerBook book;
+            book.expectWarning("Warning", "Failed to get device information");
+            QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
+            QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+            QCOMPARE(Journal::instance()->count("ICore.setOperatorType"), 0);
+        } else {
+            QVERIFY(pressSave("Show"));
+            QTRY_COMPARE(listedNames(), QStringList{"Show"});
+            QTRY_COMPARE(logged.count(), 1);
+        }
+    }
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    // And the panel goes on.
+    Journal::instance()->clear();
+    QVERIFY(pressSave("Afterwards"));
+    QTRY_VERIFY(hasEnded());
+    QTRY_VERIFY(listedNames().contains("Afterwards"));
+}
+
+void TstSavingFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
+{
+    Gate gate;
+    Faults::instance()->arm(query, gate.fault(2));
+    Faults::instance()->arm("DeviceControler.cancelOperator",
+                            Fault::run([] { throw std::runtime_error("out of luck"); }));
+    QVERIFY(pressSave("Show"));
+    QVERIFY(gate.waitForThread());
+    AnswerBook book;
+    book.expectInformation("Remind", "User cancels current operation");
+    {
+        const ExpectMessage logged(QtCriticalMsg,
+                                   QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")), 1);
+        QVERIFY(click(WaitingDialog::instance(), QStringLiteral("Cancel")));
+    }
+    gate.open();
+    QTRY_VERIFY(book.isSatisfied() && hasEnded());
+    QVERIFY(!QFile::exists(packagePath("Show")));
 }
 
 void TstSavingFlow::after_a_failure_the_next_save_works()

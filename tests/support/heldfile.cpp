@@ -39,7 +39,7 @@ void waitIfHeld(const char *path)
 
 } // namespace
 
-// Stands before the C library's, through which Qt opens files.
+// These stand before the C library's: Qt opens files through the one, the product's own opening through the other.
 extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
 {
     using Function = int (*)(const char *, int, mode_t);
@@ -51,6 +51,14 @@ extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
     if ((flags & O_ACCMODE) == O_RDONLY)
         waitIfHeld(path);
     return original(path, flags, mode);
+}
+extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return open64(path, flags, mode);
 }
 
 HeldFile::HeldFile(const QString &path)

@@ -32,6 +32,15 @@ extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
         ++s_opened[path];
     return original(path, flags, mode);
 }
+// The product's own opening.
+extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return open64(path, flags, mode);
+}
 
 class TstPackageFile : public QObject
 {

@@ -30,6 +30,8 @@ private slots:
     void a_file_that_is_written_in_many_steps_is_whole();
     void a_copy_replaces_nothing();
     void a_copy_makes_no_folder();
+    void a_copy_of_what_is_no_plain_file_fails_at_once_data();
+    void a_copy_of_what_is_no_plain_file_fails_at_once();
     void a_copy_does_not_write_through_a_broken_link();
     void a_renaming_replaces_nothing();
     void a_missing_folder_is_made_with_those_that_lead_there();
@@ -165,6 +167,31 @@ void TstReplacingFile::a_copy_makes_no_folder()
     QVERIFY(writeFile(path("source"), "new"));
     QVERIFY(!copyToFreeName(path("source"), path("stick/copy")));
     QCOMPARE(contents(m_temp->path()), QStringList{"source"});
+}
+
+void TstReplacingFile::a_copy_of_what_is_no_plain_file_fails_at_once_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<bool>("linked");
+    QTest::newRow("pipe") << "pipe" << false;
+    QTest::newRow("link to a pipe") << "pipe" << true;
+    QTest::newRow("folder") << "folder" << false;
+    QTest::newRow("device") << "/dev/zero" << true;
+}
+
+void TstReplacingFile::a_copy_of_what_is_no_plain_file_fails_at_once()
+{
+    QFETCH(QString, kind);
+    QFETCH(bool, linked);
+    QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
+    QVERIFY(QDir().mkdir(path("folder")));
+    const QString object = kind.startsWith('/') ? kind : path(kind);
+    const QString source = linked ? path("link") : object;
+    QVERIFY(!linked || QFile::link(object, source));
+    const QStringList before = contents(m_temp->path());
+    // Who waited at the pipe, or copied the device, would never come back.
+    QVERIFY(!copyToFreeName(source, path("copy")));
+    QCOMPARE(contents(m_temp->path()), before);
 }
 
 void TstReplacingFile::a_copy_does_not_write_through_a_broken_link()

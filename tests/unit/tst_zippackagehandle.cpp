@@ -120,7 +120,9 @@ private slots:
 
     void records_are_read_leniently_data();
     void records_are_read_leniently();
+    void fields_of_a_record_pass_through_utf8();
     void a_refused_record_leaves_the_fields_alone();
+    void a_checksum_with_a_tail_is_read_but_not_loaded();
     void a_record_with_another_checksum_is_invalid_but_read();
     void a_record_with_too_few_keys_makes_the_package_invalid_even_with_the_right_checksum();
     void a_record_without_checksum_is_invalid();
@@ -732,12 +734,63 @@ void TstZipPackageHandle::records_are_read_leniently()
     }
 }
 
+void TstZipPackageHandle::fields_of_a_record_pass_through_utf8()
+{
+    // Halves of surrogate pairs, zeros, byte order marks, what is no character, and whole ones.
+    const QVector<QString> parts{QString(QChar(0xD83C)), QString(QChar(0xDFAC)),  QString(QChar(0)),
+                                 QString(QChar(0xFEFF)), QString(QChar(0xFFFE)),  QString(QChar(0x7F)),
+                                 QStringLiteral("a"),    QString::fromUtf8("项"), QString::fromUtf8("🎬"),
+                                 QStringLiteral("\"")};
+    QRandomGenerator random(2026);
+    const auto field = [&] {
+        QString text;
+        for (int left = random.bounded(6); left > 0; --left) {
+            text += parts.at(random.bounded(parts.size()));
+        }
+        return text;
+    };
+    // JSON escapes carry what no UTF-8 could.
+    const auto escaped = [](const QString &text) {
+        QString json;
+        for (const QChar unit : text) {
+            json += QStringLiteral("\\u%1").arg(unit.unicode(), 4, 16, QLatin1Char('0'));
+        }
+        return json;
+    };
+    int changed = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const QStringList fields{field(), field(), field()};
+        EngineerPacketInfo info;
+        QVERIFY(ZipPackageHandle::parseEngineerInfo(
+            info, QStringLiteral(R"({"Checksum":"%1","projectName":"%2","comment":"%3"})")
+                      .arg(escaped(fields.at(0)), escaped(fields.at(1)), escaped(fields.at(2)))));
+        QStringList expected;
+        for (const QString &text : fields) {
+            expected.append(QString::fromUtf8(text.toUtf8()));
+        }
+        QCOMPARE((QStringList{info.strChecksum, info.strProjectName, info.strComment}), expected);
+        changed += expected != fields ? 1 : 0;
+    }
+    QVERIFY(changed > 1000);
+}
+
 void TstZipPackageHandle::a_refused_record_leaves_the_fields_alone()
 {
     EngineerPacketInfo info;
     info.strChecksum = "old";
     QVERIFY(!ZipPackageHandle::parseEngineerInfo(info, R"({"Checksum":"1","projectName":"2"})"));
     QCOMPARE(info.strChecksum, QString("old"));
+}
+
+void TstZipPackageHandle::a_checksum_with_a_tail_is_read_but_not_loaded()
+{
+    // Reading the record ends a field at its first zero; the check before a load takes the checksum as it stands.
+    const EngineerPacketInfo written = packed();
+    QVERIFY(ZipPackageHandle::setZipComment(
+        m_package, QStringLiteral(R"({"Checksum":"%1\u0000tail","projectName":"name","comment":"text"})")
+                       .arg(written.strChecksum)));
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
 }
 
 void TstZipPackageHandle::a_record_with_another_checksum_is_invalid_but_read()

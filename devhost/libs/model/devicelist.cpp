@@ -38,7 +38,7 @@ std::shared_ptr<Device> DeviceList::getDeviceByIPAddr(const QString &ip) const
 {
     const std::vector<std::shared_ptr<Device>> devices = getDevices();
     const auto found = std::find_if(devices.begin(), devices.end(),
-                                    [&ip](const auto &device) { return device->getIPAddress() == ip; });
+                                    [&ip](const auto &device) { return device && device->getIPAddress() == ip; });
     return found == devices.end() ? nullptr : *found;
 }
 
@@ -56,7 +56,7 @@ void DeviceList::removeDevice(const QString &ip)
     {
         const std::lock_guard<std::mutex> locker(m_mutex);
         m_devices.erase(std::remove_if(m_devices.begin(), m_devices.end(),
-                                       [&ip](const auto &device) { return device->getIPAddress() == ip; }),
+                                       [&ip](const auto &device) { return device && device->getIPAddress() == ip; }),
                         m_devices.end());
     }
     emit devicesChanged();

@@ -15,6 +15,7 @@ public:
 
     State validate(QString &text, int &cursor) const override
     {
+        leaveOutForbidden(text, cursor);
         while (text.toUtf8().size() > maxByteCount) {
             const int end = cursor > 0 ? cursor : text.size();
             QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
@@ -27,6 +28,33 @@ public:
     }
 
     int maxByteCount = 64;
+
+private:
+    static void leaveOutForbidden(QString &text, int &cursor)
+    {
+        QString kept;
+        int keptBeforeCursor = 0;
+        bool hasBegun = false;
+        for (int i = 0, length = 1; i < text.size(); i += length) {
+            if (i == cursor)
+                keptBeforeCursor = kept.size();
+            const QChar character = text.at(i);
+            const bool isPair = character.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+            length = isPair ? 2 : 1;
+            if (!isPair && isForbidden(character, hasBegun))
+                continue;
+            kept.append(text.midRef(i, length));
+            hasBegun = hasBegun || !character.isSpace();
+        }
+        cursor = cursor < text.size() ? keptBeforeCursor : kept.size();
+        text = kept;
+    }
+
+    static bool isForbidden(QChar character, bool hasBegun)
+    {
+        return character.isSurrogate() || character.category() == QChar::Other_Control ||
+               QStringLiteral("<>:\"/\\|?*").contains(character) || (!hasBegun && character == QLatin1Char('.'));
+    }
 };
 
 FixedBitLineEditEx::FixedBitLineEditEx(QWidget *parent)
@@ -34,6 +62,11 @@ FixedBitLineEditEx::FixedBitLineEditEx(QWidget *parent)
     , m_limit(new ByteLimit(this))
 {
     setValidator(m_limit);
+    // Also emitted when the focus goes, and to this connection first: all others read the name as it stays.
+    connect(this, &QLineEdit::editingFinished, this, [this] {
+        if (text() != text().trimmed())
+            setText(text().trimmed());
+    });
 }
 
 void FixedBitLineEditEx::setEditText(const QString &text)

@@ -10,6 +10,8 @@ DevicesMode::DevicesMode(QObject *parent)
     setObjectName(QStringLiteral("DevicesMode"));
     setPriority(100);
     setId("Devices");
+    setEnabled(true);
+    setVisible(false);
     using Corvel::Utils::Icon;
     setIcon(Icon::fromStates(Icon::fromTheme(QStringLiteral("device_normal"), QString()),
                              Icon::fromTheme(QStringLiteral("device_hover"), QString()),

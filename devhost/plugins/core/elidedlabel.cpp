@@ -2,13 +2,15 @@
 
 #include <QPainter>
 #include <QStyle>
+#include <QTextDocument>
 
 namespace Core {
 
 void ElidedLabel::paintEvent(QPaintEvent *)
 {
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
-    setToolTip(shown == text() ? QString() : text());
+    // As it is: a tool tip takes for markup what looks so.
+    setToolTip(shown == text() ? QString() : Qt::convertFromPlainText(text()));
     QPainter painter(this);
     style()->drawItemText(&painter, contentsRect(), int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(),
                           shown, foregroundRole());

@@ -14,11 +14,13 @@ public:
     ICorvelPlugin();
     ~ICorvelPlugin() override;
 
-    using IPlugin::installTranslator;
     /// Installs the plugin's texts in that language, in place of those of the language before.
     /// The host calls it for each plugin in the object pool when the language is switched.
     /// Returns false when the plugin has no texts in that language.
     virtual bool installTranslator(const QString &language) = 0;
+
+protected:
+    using IPlugin::installTranslator;
 };
 
 } // namespace Core

@@ -50,8 +50,9 @@ private:
     HX::Utils::Id m_id;
     QIcon m_icon;
     QString m_displayName;
-    bool m_enabled = true;
-    bool m_visible = false;
+    // Not what most modes want, so that one which says nothing is noticed.
+    bool m_enabled = false;
+    bool m_visible = true;
 };
 
 } // namespace Core

@@ -11,6 +11,8 @@ GeneralMode::GeneralMode(QObject *parent)
     setObjectName(QStringLiteral("GeneralMode"));
     setPriority(100);
     setId("General");
+    setEnabled(true);
+    setVisible(false);
     setIcon(Icon::fromTheme(QStringLiteral("general_normal"), QString()));
     addStateIcon(Normal, Icon::fromTheme(QStringLiteral("general_normal"), QString()));
     addStateIcon(Hover, Icon::fromTheme(QStringLiteral("general_hover"), QString()));

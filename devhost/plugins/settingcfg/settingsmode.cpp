@@ -14,6 +14,8 @@ SettingsMode::SettingsMode(QObject *parent)
     setObjectName(QStringLiteral("SettingsMode"));
     setPriority(900);
     setId("SettingCfg");
+    setEnabled(true);
+    setVisible(false);
     setIcon(Icon::fromStates(Icon::fromTheme(QStringLiteral("setting_normal"), QString()),
                              Icon::fromTheme(QStringLiteral("setting_hover"), QString()),
                              Icon::fromTheme(QStringLiteral("setting_pressed"), QString())));

@@ -30,6 +30,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMetaMethod>
 #include <QMutexLocker>
 #include <QPointer>
 #include <QPushButton>
@@ -39,11 +40,13 @@
 #include <QStorageInfo>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
+#include <QTextDocument>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QtConcurrentRun>
 
 #include <algorithm>
+#include <exception>
 
 using Core::ICore;
 using Corvel::Widgets::WaitingDialog;
@@ -97,10 +100,31 @@ static void releaseJob(Job *&job, QObject *panel)
     job = nullptr;
 }
 
+/// Calls the host from a slot. What the host throws must not leave the slot: Qt's event loop would end the process.
+/// False, and a line in the log, when it threw.
+template<typename Call>
+static bool callHost(const char *operation, const Call &call)
+{
+    try {
+        call();
+        return true;
+    } catch (const std::exception &error) {
+        qCritical().nospace() << "The host threw in " << operation << ": " << error.what();
+    } catch (...) {
+        qCritical().nospace() << "The host threw in " << operation << ": something that is no std::exception";
+    }
+    return false;
+}
+
+static void setChannelExclusive(const std::shared_ptr<Model::Device> &device, bool exclusive)
+{
+    callHost("setChannelExclusive", [&] { DeviceControler(device).setChannelExclusive(exclusive); });
+}
+
 static void freeChannel(const std::shared_ptr<Model::Device> &device)
 {
     if (device && device->getDeviceOnlineFlag())
-        DeviceControler(device).setChannelExclusive(false);
+        setChannelExclusive(device, false);
 }
 
 /// How often a job was started in this process: tells whether one that ends late is still the last.
@@ -110,7 +134,26 @@ static void tellOperation(ICore::OperatorDeviceType type)
 {
     if (type != ICore::OperatorNone)
         ++s_startedJobs;
-    ICore::setOperatorType(type, QString());
+    callHost("setOperatorType", [type] { ICore::setOperatorType(type, QString()); });
+}
+
+/// Tool tips show rich text. What comes from a device is shown as it is, and nothing in it is loaded.
+static QString asToolTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
+
+/// Cuts every connection of the widget's signals but those of destroyed(), by which the style sheet's cache of widgets
+/// lives.
+static void cutConnections(QWidget *widget)
+{
+    const QMetaMethod destroyed = QMetaMethod::fromSignal(&QObject::destroyed);
+    const QMetaObject *meta = widget->metaObject();
+    for (int i = 0; i < meta->methodCount(); ++i) {
+        const QMetaMethod method = meta->method(i);
+        if (method.methodType() == QMetaMethod::Signal && method.name() != destroyed.name())
+            QObject::disconnect(widget, method, nullptr, QMetaMethod());
+    }
 }
 
 /// False when nobody waits for that copying or importing any more. Its future would not do: the work may be over and
@@ -408,8 +451,7 @@ void EngineerDocOperWidget::initDevice()
     disconnect(m_pDeviceCombo, &QComboBox::currentTextChanged, this, &EngineerDocOperWidget::slot_changeDevice);
     QString selection = m_pDeviceCombo->currentText();
     m_pDeviceCombo->clear();
-    // Only what goes to the panel: the style sheet's own connection must stay.
-    disconnect(m_pDeviceCombo, nullptr, this, nullptr);
+    cutConnections(m_pDeviceCombo);
 
     const Model::DeviceList *devices = Model::DeviceList::instance();
     if (!devices) {
@@ -423,7 +465,7 @@ void EngineerDocOperWidget::initDevice()
         if (!device || !device->deviceConfig().supportProjectFile)
             continue;
         auto *item = new QStandardItem(elidedDeviceInfo(*device));
-        item->setToolTip(device->getDeviceInfo());
+        item->setToolTip(asToolTip(device->getDeviceInfo()));
         item->setData(
             QStringList{device->getDeviceInfo(), device->getTypeString(), device->getName(), device->getIPAddress()},
             deviceMarkRole);
@@ -456,7 +498,7 @@ void EngineerDocOperWidget::slot_changeDevice(const QString &)
         qCritical() << "parameter is empty!!!";
         return;
     }
-    m_pDeviceCombo->setToolTip(mark.at(deviceMarkInfo));
+    m_pDeviceCombo->setToolTip(asToolTip(mark.at(deviceMarkInfo)));
     if (mark.count() != deviceMarkCount) {
         m_strDeviceIP.clear();
         qCritical() << "device mark list count error.";
@@ -471,9 +513,9 @@ std::shared_ptr<Model::Device> EngineerDocOperWidget::activateSelectedDevice()
     if (!device || device->getIPAddress() == m_strDeviceIP)
         return device;
     device = findDeviceByAddress(m_strDeviceIP);
-    if (device)
-        Model::object_brige::instance()->setActiveDevice(device);
-    return device;
+    const bool isActive =
+        device && callHost("setActiveDevice", [&device] { Model::object_brige::instance()->setActiveDevice(device); });
+    return isActive ? device : nullptr;
 }
 
 unsigned long long EngineerDocOperWidget::wholeMebibytes(qint64 bytes)
@@ -518,11 +560,15 @@ bool EngineerDocOperWidget::syncDevice(const std::shared_ptr<Model::Device> &dev
     const bool online = device->getDeviceOnlineFlag();
     if (online)
         showWaiting(tr("Sync device data , please wait."));
-    const ControlEnum::enum_ErrorCode error = OperationAdapter::instance()->updateOnlineDevice(
-        device->getIPAddress(), device->getSN(), ControlStruct::defaultCallBack);
+    bool synchronised = false;
+    callHost("updateOnlineDevice", [&] {
+        synchronised =
+            OperationAdapter::instance()->updateOnlineDevice(device->getIPAddress(), device->getSN(),
+                                                             ControlStruct::defaultCallBack) == ControlEnum::ErrorNone;
+    });
     if (online)
         WaitingDialog::instance()->hideWaitingDialog();
-    return error == ControlEnum::ErrorNone;
+    return synchronised;
 }
 
 bool EngineerDocOperWidget::restoreFactory()
@@ -534,7 +580,8 @@ bool EngineerDocOperWidget::restoreFactory()
         {Model::Device::DeviceReset, Model::Device::ResetFactory}};
     if (device->getDeviceOnlineFlag())
         showWaiting(tr("Restore factory,please wait..."));
-    const bool restored = DeviceControler(device).updateDeviceInfo(parameters);
+    bool restored = false;
+    callHost("updateDeviceInfo", [&] { restored = DeviceControler(device).updateDeviceInfo(parameters); });
     WaitingDialog::instance()->hideWaitingDialog();
     return restored;
 }
@@ -566,17 +613,17 @@ void EngineerDocOperWidget::slot_saveProject()
         qCritical() << "parameter is empty!!!";
         return;
     }
-    m_pDeviceCombo->setToolTip(mark.at(deviceMarkInfo));
+    m_pDeviceCombo->setToolTip(asToolTip(mark.at(deviceMarkInfo)));
     if (mark.count() != deviceMarkCount)
         return;
 
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (device && device->getDeviceOnlineFlag()) {
-        if (!syncActiveDeviceData()) {
+        unsigned long long size = 0;
+        if (!syncActiveDeviceData() || !callHost("usedCapacity", [&] { size = estimateProjectSize(); })) {
             FramelessMessageBox::warning(this, tr("Warning"), tr("Failed to get device information"), QMessageBox::Ok);
             return;
         }
-        const unsigned long long size = estimateProjectSize();
         const unsigned long long available = getDiskAvailableSize(m_strDefaultPath);
         if (size >= available) {
             qCritical() << "m_strDefaultPath:" << m_strDefaultPath << "  project file size:" << size
@@ -637,6 +684,12 @@ void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInf
     WaitingDialog::instance()->setButtonText(tr("Cancel"));
 }
 
+static bool hasSavedPackage(const EngineerDocBackup *backup)
+{
+    return backup && !backup->savedPackagePath().isEmpty() &&
+           ZipPackageHandle::isValidEngineerPacket(backup->savedPackagePath());
+}
+
 void EngineerDocOperWidget::slot_backupFinished()
 {
     disconnect(WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, this,
@@ -648,11 +701,15 @@ void EngineerDocOperWidget::slot_backupFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     const int code = m_pDocBackup ? m_pDocBackup->resultCode() : int(BackupSuccess);
-    if (code == BackupSuccess && !m_strApplyAfterBackup.isEmpty()) {
+    const bool applies = code == BackupSuccess && !m_strApplyAfterBackup.isEmpty();
+    // A save may end with success and without a package; then there is nothing to come back to.
+    if (applies && hasSavedPackage(m_pDocBackup)) {
         startLoad(m_strApplyAfterBackup);
         if (guard)
             m_strApplyAfterBackup.clear();
     } else {
+        if (applies)
+            qWarning() << "The backup left no valid package, so this one is not applied:" << m_strApplyAfterBackup;
         m_strApplyAfterBackup.clear();
         showBackupResult(code);
     }
@@ -670,12 +727,12 @@ void EngineerDocOperWidget::slot_cancelOperator()
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
         if (device)
-            DeviceControler::cancelCurrentTask();
+            callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
         if (device)
-            DeviceControler(device).cancelOperator({4, 10});
+            callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
     }
 }
 
@@ -793,7 +850,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
             qWarning() << "Import project file failed, as sync device from hardware failed.";
             return false;
         }
-        DeviceControler(device).setChannelExclusive(true);
+        setChannelExclusive(device, true);
     }
 
     m_nOperatorType = OperatorLoad;
@@ -817,6 +874,14 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
 void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 {
     showWaiting(strOperType);
+}
+
+/// Null when it has none.
+static std::shared_ptr<Model::Screen> firstScreen(const Model::Device &device)
+{
+    const std::vector<std::shared_ptr<Model::Screen>> screens = device.getScreens();
+    const auto first = std::find_if(screens.begin(), screens.end(), [](const auto &screen) { return bool(screen); });
+    return first == screens.end() ? nullptr : *first;
 }
 
 void EngineerDocOperWidget::slot_loadFinished()
@@ -845,13 +910,13 @@ void EngineerDocOperWidget::slot_loadFinished()
         syncActiveDeviceData();
 
     Model::object_brige *bridge = Model::object_brige::instance();
-    bridge->setActiveDevice(device);
+    callHost("setActiveDevice", [&] { bridge->setActiveDevice(device); });
     initDevice();
-    const std::vector<std::shared_ptr<Model::Screen>> screens = device->getScreens();
-    bridge->clearScreenList(screens.empty());
-    if (!screens.empty()) {
-        bridge->setActivedScreen(screens.front());
-        bridge->appendSelectedScreen(screens.front());
+    const std::shared_ptr<Model::Screen> screen = firstScreen(*device);
+    callHost("clearScreenList", [&] { bridge->clearScreenList(!screen); });
+    if (screen) {
+        callHost("setActivedScreen", [&] { bridge->setActivedScreen(screen); });
+        callHost("appendSelectedScreen", [&] { bridge->appendSelectedScreen(screen); });
     }
 }
 

@@ -4,7 +4,7 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 /// How a save ended. The numbers are fixed: reserved ones are never given to anything else.
-enum BackupResultCode {
+enum BackupResultCode : int {
     BackupSuccess = 0,
     BackupExportBkgFailed = 1,
     /// Reserved: a logo that cannot be written does not end a save.
@@ -17,7 +17,7 @@ enum BackupResultCode {
 };
 
 /// How an apply ended. The numbers are fixed; 13 stays unused.
-enum LoadResultCode {
+enum LoadResultCode : int {
     LoadSuccess = 0,
     LoadUserCanceled = 1,
     LoadFileContentError = 2,

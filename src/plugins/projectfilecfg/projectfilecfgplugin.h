@@ -35,9 +35,16 @@ public:
     /// Takes the sub-mode and the panel out of the host and deletes them.
     ShutdownFlag aboutToShutdown() override;
 
-    using Core::ICorvelPlugin::installTranslator;
+    // Not every host's base declares this one, so it cannot say that it overrides.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_CLANG("-Winconsistent-missing-override")
+    QT_WARNING_DISABLE_GCC("-Wsuggest-override")
     /// Installs the plugin's texts in `language` from the host's translation directory; false when they are missing.
-    bool installTranslator(const QString &language) override;
+    virtual bool installTranslator(const QString &language); // NOLINT(modernize-use-override)
+    QT_WARNING_POP
+
+protected:
+    using HX::ExtensionSystem::IPlugin::installTranslator;
 
 private:
     void createConnects();

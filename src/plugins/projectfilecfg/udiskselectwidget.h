@@ -10,6 +10,7 @@ class QAbstractButton;
 class QButtonGroup;
 class QLabel;
 class QListWidget;
+class QPushButton;
 
 /// The dialog in which a mounted USB flash disk is chosen as the destination of a copy. The host dialog's OK accepts.
 class UDiskSelectWidget : public HX::Widgets::FramelessDialog
@@ -51,6 +52,10 @@ private:
 
     QLabel *m_pTitleLabel = nullptr;
     QListWidget *m_pDiskList = nullptr;
+    // Not used: the host's dialog has a bar and buttons of its own.
+    QWidget *m_pButtonBar = nullptr;
+    QPushButton *m_pOkBtn = nullptr;
+    QPushButton *m_pCancelBtn = nullptr;
     QString m_strSelectPath;
     /// Mount path to label.
     QMap<QString, QString> m_mapDisk;

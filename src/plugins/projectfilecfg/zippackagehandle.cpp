@@ -4,6 +4,7 @@
 #include "packagelimits.h"
 #include "packagereader.h"
 #include "packagewriter.h"
+#include "plainfile.h"
 #include "projectfilefacts.h"
 #include "replacingfile.h"
 
@@ -32,6 +33,21 @@ bool hasOwnChecksum(const QString &packetPath, EngineerPacketInfo &info)
 {
     const PackageReader package(packetPath);
     return ZipPackageHandle::parseEngineerInfo(info, package.comment()) && info.strChecksum == package.checksum();
+}
+
+/// A null object where the comment is no JSON, or has fewer keys than a record.
+QJsonObject recordIn(const QString &commentJson)
+{
+    constexpr int leastKeys = 3;
+    const QJsonObject record = QJsonDocument::fromJson(commentJson.toLocal8Bit()).object();
+    return record.size() < leastKeys ? QJsonObject() : record;
+}
+
+/// Half a surrogate pair becomes a question mark, and the text ends at its first zero.
+QString throughUtf8(const QJsonValue &value)
+{
+    const QByteArray bytes = value.toString().toUtf8();
+    return QString::fromUtf8(bytes.constData());
 }
 
 QString recordOf(const EngineerPacketInfo &info)
@@ -170,8 +186,13 @@ bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath)
 bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath)
 {
     useUtf8LocaleCodec();
-    EngineerPacketInfo info;
-    return QFileInfo::exists(packetPath) && hasOwnChecksum(packetPath, info);
+    if (!QFileInfo::exists(packetPath)) {
+        return false;
+    }
+    // As it stands in the record, and so stricter than isValidEngineerPacket().
+    const PackageReader package(packetPath);
+    const QJsonObject record = recordIn(package.comment());
+    return !record.isEmpty() && record.value(ProjectFileFacts::checksumKey).toString() == package.checksum();
 }
 
 QStringList ZipPackageHandle::extractJsonFiles(const QString &packetPath, const QString &destDir)
@@ -217,15 +238,13 @@ bool ZipPackageHandle::setEngineerInfo(const EngineerPacketInfo &info)
 bool ZipPackageHandle::parseEngineerInfo(EngineerPacketInfo &info, const QString &commentJson)
 {
     useUtf8LocaleCodec();
-    QJsonParseError error;
-    const QJsonObject record = QJsonDocument::fromJson(commentJson.toLocal8Bit(), &error).object();
-    constexpr int leastKeys = 3;
-    if (error.error != QJsonParseError::NoError || record.size() < leastKeys) {
+    const QJsonObject record = recordIn(commentJson);
+    if (record.isEmpty()) {
         return false;
     }
-    info.strChecksum = record.value(ProjectFileFacts::checksumKey).toString();
-    info.strProjectName = record.value(ProjectFileFacts::projectNameKey).toString();
-    info.strComment = record.value(ProjectFileFacts::commentKey).toString();
+    info.strChecksum = throughUtf8(record.value(ProjectFileFacts::checksumKey));
+    info.strProjectName = throughUtf8(record.value(ProjectFileFacts::projectNameKey));
+    info.strComment = throughUtf8(record.value(ProjectFileFacts::commentKey));
     return true;
 }
 
@@ -274,7 +293,7 @@ bool ZipPackageHandle::writeTextChecksum(const QString &packetPath)
 {
     useUtf8LocaleCodec();
     QFile file(packetPath);
-    if (!isWorthOpening(packetPath) || !file.open(QIODevice::ReadOnly)) {
+    if (!isWorthOpening(packetPath) || !openPlainFile(file)) {
         return false;
     }
     const QByteArray text = QTextStream(&file).readAll().toLatin1();

@@ -1,6 +1,7 @@
 #include "replacingfile.h"
 
 #include "durablefile.h"
+#include "plainfile.h"
 #include "streamcopy.h"
 
 #include <QDateTime>
@@ -88,7 +89,7 @@ bool ReplacingFile::createFrom(const QString &sourcePath)
 {
     QFile source(sourcePath);
     qint64 copied = 0;
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !openFragment())
+    if (!openPlainFile(source, true) || !openFragment())
         return false;
     if (!DurableFile::shareContent(source.handle(), m_fragment.handle()) &&
         !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied))

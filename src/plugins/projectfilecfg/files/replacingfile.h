@@ -46,7 +46,7 @@ public:
     /// What is to be flushed also clears its folder of stale fragments.
     bool create(MissingFolders folders = Made);
 
-    /// The same with the content and the permissions of the file at `sourcePath`; stands at its beginning. Makes
+    /// The same with the content and the permissions of the plain file at `sourcePath`; stands at its beginning. Makes
     /// no folders: where a stick was mounted that is gone, a copy must fail.
     bool createFrom(const QString &sourcePath);
 

@@ -1,6 +1,6 @@
 #include "packagefile.h"
 
-#include <QFileInfo>
+#include "plainfile.h"
 
 #include <algorithm>
 
@@ -18,8 +18,7 @@ PackageFile::~PackageFile() = default;
 
 bool PackageFile::open(OpenMode mode)
 {
-    // Opening a pipe would wait for somebody who writes to it.
-    if (mode != QIODevice::ReadOnly || !QFileInfo(m_file).isFile() || !m_file.open(mode))
+    if (mode != QIODevice::ReadOnly || !openPlainFile(m_file))
         return false;
     m_nSize = m_file.size();
     const qint64 expected = std::min(m_nSize, endSize);
