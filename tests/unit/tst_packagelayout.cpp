@@ -84,8 +84,8 @@ void TstPackageLayout::a_path_has_one_plain_name()
 
 void TstPackageLayout::names_in_utf8_stay_as_they_are()
 {
-    const QVector<QByteArray> names{
-        "x", "%FF", "100%", "\u56fe\u7247.png", "\U0001F3AC", "a/b", QByteArray("\0", 1), "\uFFFD", "\uFFFF"};
+    const QByteArrayList names{"x",      "%FF",   "100%", "\u56fe\u7247.png", "\U0001F3AC", "a/b", QByteArray("\0", 1),
+                               "\uFFFD", "\uFFFF"};
     const QStringList texts = PackageLayout::namesOf(names);
     QCOMPARE(texts.size(), names.size());
     for (int index = 0; index < names.size(); ++index)
@@ -95,9 +95,9 @@ void TstPackageLayout::names_in_utf8_stay_as_they_are()
 
 void TstPackageLayout::bytes_that_are_no_character_are_escaped_data()
 {
-    QTest::addColumn<QVector<QByteArray>>("names");
+    QTest::addColumn<QByteArrayList>("names");
     QTest::addColumn<QStringList>("texts");
-    using Names = QVector<QByteArray>;
+    using Names = QByteArrayList;
     QTest::newRow("three presets") << Names{"Preset/\xFF.RPst", "Preset/\xFE.RPst", "Preset/\xC3.RPst"}
                                    << QStringList{"Preset/%FF.RPst", "Preset/%FE.RPst", "Preset/%C3.RPst"};
     QTest::newRow("characters among them")
@@ -114,7 +114,7 @@ void TstPackageLayout::bytes_that_are_no_character_are_escaped_data()
 
 void TstPackageLayout::bytes_that_are_no_character_are_escaped()
 {
-    QFETCH(QVector<QByteArray>, names);
+    QFETCH(QByteArrayList, names);
     QFETCH(QStringList, texts);
     QCOMPARE(PackageLayout::namesOf(names), texts);
 }
@@ -122,8 +122,8 @@ void TstPackageLayout::bytes_that_are_no_character_are_escaped()
 void TstPackageLayout::two_names_never_become_one()
 {
     // What escapes are made of, what must be escaped, and what may stay.
-    const QVector<QByteArray> pieces{"%",        "F",    "0",        "E",    "EF", "\xFF", "\xFE", "\xC3",
-                                     "\xC3\xA4", "\xA4", "\xEF\xBB", "\xBF", "/",  "%FF",  "%%",   "a"};
+    const QByteArrayList pieces{"%",        "F",    "0",        "E",    "EF", "\xFF", "\xFE", "\xC3",
+                                "\xC3\xA4", "\xA4", "\xEF\xBB", "\xBF", "/",  "%FF",  "%%",   "a"};
     QRandomGenerator random(8);
     for (int round = 0; round < 20000; ++round) {
         QSet<QByteArray> names;
@@ -133,7 +133,7 @@ void TstPackageLayout::two_names_never_become_one()
                 name += pieces.at(random.bounded(pieces.size()));
             names.insert(name);
         }
-        const QVector<QByteArray> given(names.begin(), names.end());
+        const QByteArrayList given(names.begin(), names.end());
         const QStringList texts = PackageLayout::namesOf(given);
         QCOMPARE(texts.size(), given.size());
         for (int index = 0; index < given.size(); ++index) {
@@ -153,8 +153,8 @@ void TstPackageLayout::names_that_would_fill_the_memory_are_none()
     QCOMPARE(PackageLayout::namesOf({QByteArray(16, '%'), "\xFF"}), QStringList());
     QCOMPARE(PackageLayout::namesOf({QByteArray(60000, '%'), "x"}).size(), 2);
     const QByteArray name(65535, '\xFF');
-    QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(85, name)).size(), 85);
-    QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(86, name)).size(), 0);
+    QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(85, name).toList()).size(), 85);
+    QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(86, name).toList()).size(), 0);
 }
 
 TEST_MAIN_CORE(TstPackageLayout)

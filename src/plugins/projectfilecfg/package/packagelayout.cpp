@@ -167,7 +167,7 @@ QString plainName(const QString &entryName)
     return QDir::cleanPath(entryName) + (isFolder(entryName) ? QLatin1String("/") : QLatin1String(""));
 }
 
-QStringList namesOf(const QVector<QByteArray> &entryNames)
+QStringList namesOf(const QByteArrayList &entryNames)
 {
     constexpr int longestMark = 16;
     QStringList names;

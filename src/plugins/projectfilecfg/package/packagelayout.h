@@ -2,10 +2,9 @@
 
 #include "projectfilefacts.h"
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -56,7 +55,7 @@ QString plainName(const QString &entryName);
 /// lose, is written as "%" and two hexadecimal digits; as "%%" where a name of this archive has a "%" already, and so
 /// on, so that no other name can be taken for an escaped one. Empty when that takes more than 16 percent signs, or more
 /// text than PackageLimits::maxNamesLength.
-QStringList namesOf(const QVector<QByteArray> &entryNames);
+QStringList namesOf(const QByteArrayList &entryNames);
 
 } // namespace PackageLayout
 

@@ -13,13 +13,13 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QSet>
-#include <QVector>
 
 #include <quazip.h>
 #include <quazipfile.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <vector>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -69,11 +69,11 @@ struct PackageReader::Entry
 struct PackageReader::Directory
 {
     /// As the archive has them, and as text.
-    QVector<QByteArray> rawNames;
+    QByteArrayList rawNames;
     QStringList names;
     /// In the same order, and by name, so that taking an entry does not walk over those before it. Of two of the same
     /// name the first counts.
-    QVector<Entry> all;
+    std::vector<Entry> all;
     QHash<QString, Entry> entries;
     /// Of all names, of all contents, and of these as they are packed.
     qint64 namesLength = 0;
@@ -84,8 +84,8 @@ struct PackageReader::Directory
     /// that no file of `archiveSize` holds unless the entries share them.
     bool isCredible(qint64 archiveSize) const
     {
-        return all.size() <= maxEntries && namesLength <= maxNamesLength && contentSize <= quint64(maxContentSize) &&
-               packedSize <= quint64(archiveSize);
+        return rawNames.size() <= maxEntries && namesLength <= maxNamesLength &&
+               contentSize <= quint64(maxContentSize) && packedSize <= quint64(archiveSize);
     }
 };
 
@@ -169,13 +169,13 @@ const PackageReader::Directory &PackageReader::directory() const
         isSound = readCurrentHeader() && m_directory->isCredible(archiveSize);
     }
     const QStringList names = namesOf(m_directory->rawNames);
-    if (!isSound || m_zip->getZipError() != UNZ_OK || names.size() != m_directory->all.size()) {
+    if (!isSound || m_zip->getZipError() != UNZ_OK || names.size() != m_directory->rawNames.size()) {
         *m_directory = Directory();
         return *m_directory;
     }
     for (int index = 0; index < names.size(); ++index) {
         if (!m_directory->entries.contains(names.at(index))) {
-            m_directory->entries.insert(names.at(index), m_directory->all.at(index));
+            m_directory->entries.insert(names.at(index), m_directory->all.at(std::size_t(index)));
         }
     }
     m_directory->names = names;
@@ -199,7 +199,7 @@ bool PackageReader::readCurrentHeader() const
     entry.size = qint64(info.uncompressed_size);
     entry.isOrdinary = isOrdinary(info, name.endsWith('/'));
     m_directory->rawNames.append(name);
-    m_directory->all.append(entry);
+    m_directory->all.push_back(entry);
     m_directory->namesLength += name.size();
     // Many of the largest numbers must not add up to a small one.
     m_directory->contentSize += std::min<quint64>(info.uncompressed_size, maxContentSize + 1);
