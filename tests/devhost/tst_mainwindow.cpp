@@ -1,3 +1,4 @@
+#include <core/elidedlabel.h>
 #include <core/hostsettings.h>
 #include <core/imode.h>
 #include <core/language.h>
@@ -15,6 +16,7 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QStatusBar>
+#include <QTextDocument>
 #include <QThread>
 #include <QToolButton>
 
@@ -67,6 +69,7 @@ private slots:
     void only_the_current_mode_has_the_side();
     void what_a_mode_shows_outlives_the_window();
     void the_title_bar_works_the_window();
+    void a_cut_label_tells_its_text_as_it_is();
 
 private:
     QString status() const { return m_window->statusBar()->findChild<QLabel *>()->text(); }
@@ -212,6 +215,24 @@ void TstMainWindow::the_title_bar_works_the_window()
     QVERIFY(!m_window->isMaximized());
     TestSupport::click(bar->closeButton());
     QVERIFY(!m_window->isVisible());
+}
+
+void TstMainWindow::a_cut_label_tells_its_text_as_it_is()
+{
+    Core::ElidedLabel label;
+    label.setTextFormat(Qt::PlainText);
+    label.resize(40, 20);
+    for (const QString &text :
+         {QStringLiteral("<img src=\"/nowhere.png\"> and more"), QStringLiteral("Main hall & foyer")}) {
+        label.setText(text);
+        label.grab();
+        QTextDocument shown;
+        shown.setHtml(label.toolTip());
+        QCOMPARE(shown.toPlainText(), text);
+    }
+    label.resize(2000, 20);
+    label.grab();
+    QCOMPARE(label.toolTip(), QString());
 }
 
 TEST_MAIN(TstMainWindow)

@@ -160,6 +160,7 @@ private slots:
     void a_removed_file_takes_one_row();
     void a_renamed_file_changes_one_row();
     void a_touched_file_moves_to_the_top_past_untouched_rows();
+    void a_touched_file_leaves_the_rows_behind_it_untouched();
 };
 
 void TstPanelConstruction::init()
@@ -712,6 +713,17 @@ void TstPanelConstruction::a_touched_file_moves_to_the_top_past_untouched_rows()
     for (const QToolButton *button : listed.panel->rowButtons(0))
         QCOMPARE(button->property("FilePath").toString(), projectFile(QStringLiteral("Old")));
     QCOMPARE(listed.untouched(), QStringList({QStringLiteral("New"), QStringLiteral("Middle")}));
+}
+
+void TstPanelConstruction::a_touched_file_leaves_the_rows_behind_it_untouched()
+{
+    const ListedFiles listed;
+    QVERIFY(listed.isReady());
+    QVERIFY(makeOld(projectFile(QStringLiteral("Middle")), 0));
+    listed.panel->rescan();
+    QCOMPARE(listed.panel->names(),
+             QStringList({QStringLiteral("Middle"), QStringLiteral("New"), QStringLiteral("Old")}));
+    QCOMPARE(listed.untouched(), QStringList({QStringLiteral("New"), QStringLiteral("Old")}));
 }
 
 TEST_MAIN(TstPanelConstruction)

@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include <cerrno>
+#include <memory>
 
 #include <dlfcn.h>
 #include <sys/stat.h>
@@ -157,7 +158,11 @@ void TstUDiskSelectWidget::size_and_properties_are_fixed()
     QCOMPARE(layout->count(), 4);
     QCOMPARE(layout->itemAt(0)->spacerItem()->sizeHint().height(), 8);
     QCOMPARE(layout->itemAt(3)->spacerItem()->sizeHint().height(), 8);
-    const auto *title = qobject_cast<QLabel *>(layout->itemAt(1)->layout()->itemAt(1)->widget());
+    const QLayout *titleRow = layout->itemAt(1)->layout();
+    QCOMPARE(titleRow->count(), 3);
+    QCOMPARE(titleRow->itemAt(0)->spacerItem()->sizeHint().width(), 32);
+    QVERIFY(titleRow->itemAt(2)->spacerItem()->expandingDirections() & Qt::Horizontal);
+    const auto *title = qobject_cast<QLabel *>(titleRow->itemAt(1)->widget());
     QCOMPARE(title->text(), QStringLiteral("Please select the destination U disk"));
     QCOMPARE(title->property("StaticLable"), QVariant(true));
     QCOMPARE(title->alignment(), Qt::AlignLeft | Qt::AlignVCenter);
@@ -249,7 +254,9 @@ void TstUDiskSelectWidget::the_list_is_shown_by_the_dialog()
 {
     const UDiskSelectWidget dialog(nullptr, twoDisks);
     QVERIFY(dialog.isHidden());
+    // By itself, and not only as the dialog's child.
     QVERIFY(!diskList(dialog)->isHidden());
+    QVERIFY(diskList(dialog)->testAttribute(Qt::WA_WState_ExplicitShowHide));
 }
 
 void TstUDiskSelectWidget::the_choice_follows_the_button_it_is_told()
@@ -277,15 +284,17 @@ void TstUDiskSelectWidget::the_choice_follows_the_button_it_is_told()
 void TstUDiskSelectWidget::disks_exclude_each_other()
 {
     // Each stands alone in its row, so that it is the group that lets only one be chosen.
-    UDiskSelectWidget dialog(nullptr, twoDisks);
-    QVERIFY(disk(dialog, 0)->group());
-    QCOMPARE(disk(dialog, 0)->group(), disk(dialog, 1)->group());
-    QVERIFY(disk(dialog, 0)->group()->exclusive());
-    QVERIFY(!disk(dialog, 0)->group()->parent());
-    const QPointer<QButtonGroup> group = disk(dialog, 0)->group();
-    disk(dialog, 0)->click();
-    disk(dialog, 1)->click();
-    QVERIFY(!disk(dialog, 0)->isChecked());
+    std::unique_ptr<UDiskSelectWidget> dialog(new UDiskSelectWidget(nullptr, twoDisks));
+    const QPointer<QButtonGroup> group = disk(*dialog, 0)->group();
+    QVERIFY(group);
+    QCOMPARE(disk(*dialog, 1)->group(), group.data());
+    QVERIFY(group->exclusive());
+    QVERIFY(!group->parent());
+    disk(*dialog, 0)->click();
+    disk(*dialog, 1)->click();
+    QVERIFY(!disk(*dialog, 0)->isChecked());
+    dialog.reset();
+    QVERIFY(!group);
 }
 
 void TstUDiskSelectWidget::nothing_is_chosen_at_first()

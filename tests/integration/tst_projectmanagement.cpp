@@ -138,6 +138,9 @@ private slots:
     void importing_again_works_before_and_after_a_save();
 
     // Closing
+    void the_waiting_dialog_goes_before_the_result_is_shown();
+    void file_dialogs_go_when_they_were_used();
+    void the_chooser_shows_details_whatever_the_last_one_showed();
     void deleting_the_panel_during_an_import_is_quiet();
     void deleting_the_panel_during_a_save_is_quiet();
     void deleting_the_panel_while_its_dialog_is_open_starts_nothing_data();
@@ -1027,6 +1030,63 @@ void TstProjectManagement::importing_again_works_before_and_after_a_save()
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Closing
+
+void TstProjectManagement::the_waiting_dialog_goes_before_the_result_is_shown()
+{
+    list(QStringLiteral("show"));
+    const QStringList expected{QStringLiteral("WaitingDialog.showWaitingDialog"),
+                               QStringLiteral("WaitingDialog.hideWaitingDialog"),
+                               QStringLiteral("FramelessMessageBox.information")};
+    Journal::instance()->clear();
+    m_book->expectFileDialog(saveTitle, {elsewhere(QStringLiteral("copy.corvelpro"))});
+    m_book->expectInformation(remind, saveSucceeded);
+    clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+    waitForAnswers();
+    QCOMPARE(Journal::instance()->operations(), expected);
+
+    Journal::instance()->clear();
+    m_book->expectFileDialog(chooserTitle, {elsewhere(QStringLiteral("copy.corvelpro"))});
+    m_book->expectInformation(remind, importSucceeded);
+    click(m_panel->importProject());
+    waitForAnswers();
+    QCOMPARE(Journal::instance()->operations(), expected);
+}
+
+void TstProjectManagement::file_dialogs_go_when_they_were_used()
+{
+    list(QStringLiteral("show"));
+    m_book->expectFileDialog(saveTitle, {elsewhere(QStringLiteral("copy.corvelpro"))});
+    m_book->expectInformation(remind, saveSucceeded);
+    clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+    waitForAnswers();
+    m_book->expectFileDialog(saveTitle, {});
+    click(m_panel->allSaveAs());
+    m_book->expectFileDialog(chooserTitle, {});
+    click(m_panel->importProject());
+    m_book->expectFileDialog(chooserTitle, {});
+    click(m_panel->applyOthers());
+    VERIFY_BOOK();
+    QTRY_VERIFY((*m_panel)->findChildren<QDialog *>().isEmpty());
+}
+
+void TstProjectManagement::the_chooser_shows_details_whatever_the_last_one_showed()
+{
+    {
+        // Qt keeps what the user chose in the last one.
+        QFileDialog last;
+        last.setViewMode(QFileDialog::List);
+    }
+    QCOMPARE(QFileDialog().viewMode(), QFileDialog::List);
+    for (QPushButton *button : {m_panel->importProject(), m_panel->applyOthers()}) {
+        m_book->expectDialog(QStringLiteral("QFileDialog"), [&](QDialog *dialog) {
+            QCOMPARE(qobject_cast<QFileDialog *>(dialog)->viewMode(), QFileDialog::Detail);
+            QCOMPARE(dialog->parentWidget(), m_panel->widget.get());
+            dialog->reject();
+        });
+        click(button);
+        VERIFY_BOOK();
+    }
+}
 
 void TstProjectManagement::deleting_the_panel_during_an_import_is_quiet()
 {

@@ -9,6 +9,7 @@
 #include <support/freespace.h>
 #include <support/gate.h>
 #include <support/journalmatchers.h>
+#include <support/packagebuilder.h>
 #include <support/testmain.h>
 #include <support/testsite.h>
 #include <widgets/waitingdialog.h>
@@ -85,6 +86,9 @@ private slots:
     void what_the_host_throws_ends_in_a_message();
     void a_cancel_that_the_host_throws_back_cancels_all_the_same();
     void after_a_failure_the_next_save_works();
+    void the_job_stays_until_the_next_save_begins();
+    void the_list_is_fresh_before_and_after_the_box_data();
+    void the_list_is_fresh_before_and_after_the_box();
 
     void a_panel_that_goes_during_a_backup_takes_everything_along();
     void a_panel_that_goes_during_a_scan_leaves_it_alone();
@@ -763,6 +767,69 @@ void TstSavingFlow::after_a_failure_the_next_save_works()
     QVERIFY(pressSave("Show"));
     QTRY_VERIFY(hasEnded());
     QTRY_COMPARE(listedNames(), QStringList{"Show"});
+}
+
+void TstSavingFlow::the_job_stays_until_the_next_save_begins()
+{
+    QPointer<QThread> jobs[2];
+    for (QPointer<QThread> &job : jobs) {
+        Gate gate;
+        Faults::instance()->arm(serailize, gate.fault());
+        QVERIFY(pressSave(QStringLiteral("Show %1").arg(&job - jobs)));
+        job = gate.waitForThread();
+        QVERIFY(job && !job->parent());
+        QCOMPARE(job->priority(), QThread::InheritPriority);
+        gate.open();
+        QTRY_VERIFY(hasEnded());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(job);
+        Journal::instance()->clear();
+    }
+    QTRY_VERIFY(!jobs[0]);
+    QVERIFY(jobs[1]);
+}
+
+void TstSavingFlow::the_list_is_fresh_before_and_after_the_box_data()
+{
+    QTest::addColumn<bool>("before");
+    QTest::newRow("while the box is open") << true;
+    QTest::newRow("when it is closed") << false;
+}
+
+void TstSavingFlow::the_list_is_fresh_before_and_after_the_box()
+{
+    QFETCH(bool, before);
+    // On a first start nobody reports changes: the directory was not there to be watched.
+    m_panel.reset();
+    QVERIFY(QDir(m_projects).removeRecursively());
+    m_panel.reset(new EngineerDocOperWidget(nullptr));
+    m_panel->show();
+    m_table = m_panel->findChild<QTableWidget *>();
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCoreApplication::processEvents();
+    const auto bring = [this] {
+        return PackageBuilder().file("device.json", "{}").record("Brought", QString()).write(packagePath("Brought"));
+    };
+
+    Gate gate;
+    Faults::instance()->arm(query, gate.fault());
+    Faults::instance()->arm(query, Fault::fail());
+    QVERIFY(pressSave("Show"));
+    QVERIFY(gate.waitForThread());
+    QVERIFY(!before || bring());
+    AnswerBook book;
+    book.expectDialog("HX::Widgets::FramelessMessageBox", [&](QDialog *dialog) {
+        // Whatever was started has ended, and is shown.
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+        QCOMPARE(listedNames(), before ? QStringList{"Brought"} : QStringList());
+        QVERIFY(before || bring());
+        dialog->accept();
+    });
+    gate.open();
+    QTRY_VERIFY(book.isSatisfied() && hasEnded());
+    QTRY_COMPARE(listedNames(), QStringList{"Brought"});
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
