@@ -1,4 +1,3 @@
-#include "durablefile.h"
 #include "encodedpictures.h"
 #include "engineerdocbackup.h"
 #include "packagetesting.h"
@@ -51,6 +50,18 @@ extern "C" Q_DECL_EXPORT int mkdir(const char *path, mode_t mode) noexcept
     return original(path, mode);
 }
 
+/// Called with a file that is about to be removed.
+static std::function<void(const QByteArray &path)> s_beforeUnlink;
+
+extern "C" Q_DECL_EXPORT int unlink(const char *path) noexcept
+{
+    using Function = int (*)(const char *);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "unlink"));
+    if (s_beforeUnlink)
+        s_beforeUnlink(path);
+    return original(path);
+}
+
 static const QString serailize = QStringLiteral("Serailizer.serailize");
 static const QString query = QStringLiteral("MaterialControl.queryMaterailData");
 static const QString load = QStringLiteral("ImageStorager.load");
@@ -89,6 +100,7 @@ private slots:
     void a_name_that_leads_to_a_missing_folder_ends_with_5();
     void chinese_and_emoji_survive_whatever_the_locale_codec_is();
     void saving_under_the_same_name_replaces_the_package();
+    void a_link_in_the_packages_place_stays_one();
     void the_job_tells_the_package_that_it_left();
 
     void the_next_picture_is_fetched_while_one_is_written();
@@ -116,6 +128,7 @@ private slots:
     void an_exception_of_the_host_ends_with_5_data();
     void an_exception_of_the_host_ends_with_5();
     void an_exception_of_an_encoder_ends_with_5();
+    void an_exception_without_a_text_ends_with_5();
     void null_entries_of_the_hosts_lists_are_passed_over();
     void a_full_disk_under_a_picture_ends_with_5();
     void a_full_disk_under_a_preset_ends_with_5_data();
@@ -128,10 +141,7 @@ private slots:
     void a_package_that_came_meanwhile_is_kept_data();
     void a_package_that_came_meanwhile_is_kept();
     void a_package_that_went_meanwhile_is_not_missed();
-    void of_two_saves_under_one_name_one_succeeds_data();
-    void of_two_saves_under_one_name_one_succeeds();
-    void a_renaming_and_a_save_lose_no_package();
-    void two_saves_of_one_device_lack_nothing();
+    void a_package_that_is_damaged_at_once_is_not_told();
 
     void an_offline_device_is_saved_from_its_directory();
     void an_offline_device_keeps_its_files_and_only_its_presets_are_made_anew();
@@ -187,6 +197,7 @@ void TstEngineerDocBackup::init()
 void TstEngineerDocBackup::cleanup()
 {
     s_beforeMkdir = nullptr;
+    s_beforeUnlink = nullptr;
     m_site.reset();
     QCOMPARE(m_leftOver, QStringList());
 }
@@ -252,6 +263,8 @@ void TstEngineerDocBackup::a_save_calls_the_host_in_this_order_and_on_the_jobs_t
         if (thread == 0)
             thread = entry.threadId;
         QCOMPARE(entry.threadId, thread);
+        if (entry.operation == query)
+            QCOMPARE(entry.arguments["entries"].toInt(), 1);
         if (entry.operation == query)
             arguments.append(QStringLiteral("%1 %2 %3")
                                  .arg(entry.arguments["ip"].toString(), entry.arguments["keyNo"].toString(),
@@ -486,6 +499,18 @@ void TstEngineerDocBackup::saving_under_the_same_name_replaces_the_package()
     QCOMPARE(info.strComment, QString("second"));
     QVERIFY(unpack(packagePath()).contains("192.168.1.20.json"));
     QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
+}
+
+void TstEngineerDocBackup::a_link_in_the_packages_place_stays_one()
+{
+    const QString elsewhere = m_site->path("elsewhere.corvelpro");
+    QVERIFY(writeFile(elsewhere, "old"));
+    makePackageDirectory();
+    QVERIFY(QFile::link(elsewhere, packagePath()));
+    QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
+    QVERIFY(QFileInfo(packagePath()).isSymLink());
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(elsewhere));
+    QCOMPARE(m_savedPath, packagePath());
 }
 
 void TstEngineerDocBackup::the_job_tells_the_package_that_it_left()
@@ -756,10 +781,17 @@ void TstEngineerDocBackup::an_exception_of_the_host_ends_with_5()
 
 void TstEngineerDocBackup::an_exception_of_an_encoder_ends_with_5()
 {
-    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [](const QImage &) -> QByteArray {
-        throw 5; // What is no std::exception has no text.
-    });
+    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity,
+                                                  [](const QImage &) -> QByteArray { throw std::bad_alloc(); });
     const ExpectMessage told(QtCriticalMsg, QRegularExpression("^The save ended with an exception"), 1);
+    QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
+    QVERIFY(!QFile::exists(packagePath()));
+}
+
+void TstEngineerDocBackup::an_exception_without_a_text_ends_with_5()
+{
+    Faults::instance()->arm(load, Fault::run([] { throw 5; }));
+    const ExpectMessage told(QtCriticalMsg, QStringLiteral("The save ended with an exception"), 1);
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
     QVERIFY(!QFile::exists(packagePath()));
 }
@@ -916,119 +948,18 @@ void TstEngineerDocBackup::a_package_that_went_meanwhile_is_not_missed()
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath()));
 }
 
-namespace {
-
-constexpr int rounds = 200;
-
-/// A save that runs beside others.
-class Save
+void TstEngineerDocBackup::a_package_that_is_damaged_at_once_is_not_told()
 {
-public:
-    Save(const QString &ip, const QString &projects, const QString &name, const QString &comment)
-        : m_job(nullptr, ip)
-    {
-        m_job.setProjectPath(projects);
-        m_job.setProjectInfo(name, comment);
-        m_job.start();
-    }
-    /// Waits for its end: whether it told success and a package.
-    bool succeeded()
-    {
-        return m_job.wait(60000) && m_job.resultCode() == BackupSuccess && !m_job.savedPackagePath().isEmpty();
-    }
-    /// Success, or the one code that another program may cause.
-    bool endedOrderly() { return succeeded() || m_job.resultCode() == BackupEncryptFailed; }
-
-private:
-    EngineerDocBackup m_job;
-};
-
-QString commentOf(const QString &path)
-{
-    EngineerPacketInfo info;
-    info.strFilePath = path;
-    return ZipPackageHandle::getZipFileEngineerInfo(info) ? info.strComment : QString();
-}
-
-} // namespace
-
-void TstEngineerDocBackup::of_two_saves_under_one_name_one_succeeds_data()
-{
-    QTest::addColumn<bool>("isTaken");
-    QTest::newRow("new name") << false;
-    QTest::newRow("over a package") << true;
-}
-
-void TstEngineerDocBackup::of_two_saves_under_one_name_one_succeeds()
-{
-    QFETCH(bool, isTaken);
-    for (int round = 0; round < rounds; ++round) {
-        QFile::remove(packagePath());
-        QVERIFY(!isTaken || writeFile(packagePath(), "there when both began"));
-        // Each has looked what is there when it gets here.
-        QSemaphore arrived;
-        QSemaphore go;
-        const auto meet = [&] {
-            arrived.release();
-            go.acquire();
-        };
-        Faults::instance()->arm(serailize, Fault::run(meet));
-        Faults::instance()->arm(serailize, Fault::run(meet, 2));
-        Save one(m_site->touringRack, m_projects, "Show", "one");
-        Save other(m_site->boothSwitcher, m_projects, "Show", "other");
-        arrived.acquire(2);
-        go.release(2);
-        QVERIFY(one.endedOrderly() && other.endedOrderly());
-        QVERIFY(one.succeeded() != other.succeeded());
-        QCOMPARE(commentOf(packagePath()), QString(one.succeeded() ? "one" : "other"));
-        QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
-    }
-}
-
-void TstEngineerDocBackup::a_renaming_and_a_save_lose_no_package()
-{
-    QCOMPARE(save(m_site->touringRack, "Pattern", "renamed"), int(BackupSuccess));
-    const QByteArray pattern = readFile(packagePath("Pattern"));
-    int renamings = 0;
-    for (int round = 0; round < rounds; ++round) {
-        QVERIFY(QDir(m_projects).removeRecursively());
-        QVERIFY(writeFile(packagePath("Old name"), pattern));
-        // The later of these come while the package is written.
-        constexpr int moments = 4;
-        QSemaphore isTime;
-        const int moment = round % moments;
-        Faults::instance()->arm(moment == 0 ? serailize : packPreset,
-                                Fault::run([&] { isTime.release(); }, qMax(1, moment)));
-        Save saving(m_site->touringRack, m_projects, "Show", "saved");
-        isTime.acquire();
-        const bool isRenamed = DurableFile::renameDurably(packagePath("Old name"), packagePath());
-        QVERIFY(saving.endedOrderly());
-        QVERIFY(saving.succeeded() != isRenamed);
-        QVERIFY(readFile(isRenamed ? packagePath() : packagePath("Old name")) == pattern);
-        QVERIFY(isRenamed || commentOf(packagePath()) == "saved");
-        renamings += isRenamed ? 1 : 0;
-    }
-    QVERIFY(renamings > 0);
-}
-
-void TstEngineerDocBackup::two_saves_of_one_device_lack_nothing()
-{
-    QCOMPARE(save(m_site->mainHall, "Alone"), int(BackupSuccess));
-    const QStringList expected = ZipPackageHandle::getFileList(packagePath("Alone"));
-    QCOMPARE(expected.size(), 4 + 7 + 4 + 6);
-    for (int round = 0; round < rounds; ++round) {
-        Save one(m_site->mainHall, m_projects, "One", QString());
-        Save other(m_site->mainHall, m_projects, "Other", QString());
-        QVERIFY(one.endedOrderly() && other.endedOrderly());
-        for (const char *name : {"One", "Other"}) {
-            const bool succeeded = name == QLatin1String("One") ? one.succeeded() : other.succeeded();
-            QCOMPARE(QFile::exists(packagePath(name)), succeeded);
-            if (succeeded)
-                QCOMPARE(ZipPackageHandle::getFileList(packagePath(name)), expected);
-            QFile::remove(packagePath(name));
-        }
-    }
-    QCOMPARE(save(m_site->mainHall, "Alone"), int(BackupSuccess));
+    QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
+    // The one that was replaced goes when the new one has its place.
+    bool isDamaged = false;
+    s_beforeUnlink = [&](const QByteArray &path) {
+        if (path.endsWith(".part"))
+            isDamaged = QFile::resize(packagePath(), 100);
+    };
+    QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
+    QVERIFY(isDamaged);
+    QCOMPARE(m_savedPath, QString());
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

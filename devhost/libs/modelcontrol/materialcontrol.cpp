@@ -14,12 +14,16 @@ bool MaterialControl::queryMaterailData(const std::map<Model::Materail::Paramete
 {
     if (!m_materail)
         return false;
-    const bool wantsPicture = request.count(Model::Materail::Picture) > 0;
+    // An empty picture is the place where the pixels are wanted.
+    const auto entry = request.find(Model::Materail::Picture);
+    const QImage *place = entry == request.end() ? nullptr : std::any_cast<QImage>(&entry->second);
+    const bool wantsPicture = place && place->isNull();
     const std::shared_ptr<Simulation::Hardware> hardware =
         HardwareAccess::begin(QStringLiteral("MaterialControl.queryMaterailData"), m_materail->deviceIp(),
                               {{QStringLiteral("type"), m_materail->getType()},
                                {QStringLiteral("keyNo"), m_materail->getKeyNo()},
-                               {QStringLiteral("picture"), wantsPicture}},
+                               {QStringLiteral("picture"), wantsPicture},
+                               {QStringLiteral("entries"), int(request.size())}},
                               wantsPicture ? Simulation::pictureBytes(m_materail->size()) : 0);
     if (!hardware)
         return false;

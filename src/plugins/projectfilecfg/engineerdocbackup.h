@@ -39,7 +39,10 @@ public:
     void setDeviceIp(const QString &ip);
     /// Before start(): `name` becomes the package's base name and stands in its record, as does `comment`.
     void setProjectInfo(const QString &name, const QString &comment);
-    /// Before start(): the directory that receives the package, with a trailing separator.
+    /// Before start(): the directory that receives the package, with a trailing separator. It is made where it is
+    /// missing, unlike a folder to which a separator in the name leads. The package replaces only the one that was
+    /// there when the run began: where another has come meanwhile, that one stays and the run ends with
+    /// BackupEncryptFailed.
     void setProjectPath(const QString &directory);
 
     /// Before start(): the pictures that earlier saves encoded. Without a call the job begins with none.
