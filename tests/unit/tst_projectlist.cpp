@@ -6,6 +6,8 @@
 
 #include <QtConcurrentRun>
 
+#include <thread>
+
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
@@ -332,7 +334,7 @@ void TstProjectList::a_held_list_keeps_no_scan_waiting()
     {
         const ProjectList::Hold hold(*m_list);
         // On another thread: this one may lock the list again.
-        QtConcurrent::run([this] { scan(); }).waitForFinished();
+        std::thread([this] { scan(); }).join();
         QVERIFY(m_list->projects.isEmpty());
         QVERIFY(!m_list->takeMissedScan());
     }
@@ -362,10 +364,10 @@ void TstProjectList::a_list_locked_for_a_moment_is_waited_for()
 {
     QVERIFY(addPackage("A.corvelpro", "a"));
     m_list->mutex.lock();
-    QFuture<void> scanning = QtConcurrent::run([this] { scan(); });
-    QVERIFY(!scanning.isFinished());
+    std::thread scanning([this] { scan(); });
+    QVERIFY(m_list->projects.isEmpty());
     m_list->mutex.unlock();
-    scanning.waitForFinished();
+    scanning.join();
     QCOMPARE(names(), QStringList{"A"});
     QVERIFY(!m_list->takeMissedScan());
 }
