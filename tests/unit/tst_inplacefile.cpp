@@ -220,8 +220,19 @@ void TstInPlaceFile::a_damaged_record_is_known()
     QVERIFY(writeFile(recordPath, bytes));
     UndoRecord record;
     QCOMPARE(record.read(recordPath), UndoRecord::Broken);
-    // It says nothing about the file, and goes.
+    // It says nothing about the file, but somebody may be writing it.
     InPlaceFile::recover(m_temp->path());
+    QVERIFY(QFile::exists(recordPath));
+    {
+        QFile file(recordPath);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+    }
+    InPlaceFile::recover(m_temp->path());
+    QVERIFY(!QFile::exists(recordPath));
+    // Who holds the file knows that nobody writes it.
+    QVERIFY(writeFile(recordPath, bytes));
+    QVERIFY(InPlaceFile(path("file")).open());
     QVERIFY(readFile(path("file")) == head + torn);
     QCOMPARE(contents(m_temp->path()), QStringList{"file"});
 }

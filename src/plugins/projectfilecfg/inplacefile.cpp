@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <algorithm>
+
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -124,6 +126,15 @@ bool InPlaceFile::settleRecord(const QString &recordPath, const QString &filePat
     return true;
 }
 
+/// The same for all files of the folder, since it may have got another name: the one that had it first.
+bool InPlaceFile::settleInFolder(const QString &recordPath, const QDir &folder, const UndoRecord &record)
+{
+    const QString sameKind = QStringLiteral("*.") + QFileInfo(record.fileName).suffix();
+    const QStringList names = QStringList(record.fileName) + folder.entryList({sameKind}, QDir::Files, QDir::Unsorted);
+    return std::any_of(names.begin(), names.end(),
+                       [&](const QString &name) { return settleRecord(recordPath, folder.filePath(name), record); });
+}
+
 void InPlaceFile::recover(const QString &folderPath)
 {
     const QDir folder(folderPath);
@@ -134,19 +145,9 @@ void InPlaceFile::recover(const QString &folderPath)
         UndoRecord record;
         const UndoRecord::Reading reading =
             UndoRecord::isUndoRecord(name) ? record.read(recordPath) : UndoRecord::Unreadable;
-        if (reading == UndoRecord::Unreadable)
-            continue;
-        bool isSettled =
-            reading == UndoRecord::Whole && settleRecord(recordPath, folder.filePath(record.fileName), record);
-        if (reading == UndoRecord::Whole && !isSettled) {
-            const QString sameKind = QStringLiteral("*.") + QFileInfo(record.fileName).suffix();
-            for (const QString &other : folder.entryList({sameKind}, QDir::Files, QDir::Unsorted)) {
-                isSettled = settleRecord(recordPath, folder.filePath(other), record);
-                if (isSettled)
-                    break;
-            }
-        }
-        if (!isSettled)
+        const bool isWithoutFile = reading == UndoRecord::Whole && !settleInFolder(recordPath, folder, record);
+        // Which file it is for is not known of one that is not whole, and so not whether somebody is writing it now.
+        if (isWithoutFile || (reading == UndoRecord::Broken && UndoRecord::isStale(recordPath)))
             QFile::remove(recordPath);
     }
 }

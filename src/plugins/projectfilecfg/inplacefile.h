@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+class QDir;
+
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -49,6 +51,7 @@ private:
     QByteArray tailFrom(qint64 offset);
     bool put(const UndoRecord &record, const QByteArray &tail);
     bool settle(const QString &recordPath);
+    static bool settleInFolder(const QString &recordPath, const QDir &folder, const UndoRecord &record);
     static bool settleRecord(const QString &recordPath, const QString &filePath, const UndoRecord &record);
 
     const QString m_path;

@@ -1,9 +1,10 @@
 #include "undorecord.h"
 
-#include "replacingfile.h"
+#include "durablefile.h"
 
 #include <QCryptographicHash>
 #include <QDataStream>
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -43,6 +44,11 @@ bool UndoRecord::isUndoRecord(const QString &fileName)
     return pattern.match(fileName).hasMatch();
 }
 
+bool UndoRecord::isStale(const QString &recordPath)
+{
+    return QFileInfo(recordPath).lastModified() < QDateTime::currentDateTime().addDays(-1);
+}
+
 UndoRecord::Reading UndoRecord::read(const QString &recordPath)
 {
     QFile file(recordPath);
@@ -70,8 +76,11 @@ bool UndoRecord::write(const QString &recordPath) const
     stream.setVersion(QDataStream::Qt_5_9);
     stream << magic << version << fileName << offset << mark << before << after << modified;
     const QByteArray bytes = digestOf(content) + content;
-    ReplacingFile record(recordPath, ReplacingFile::FlushedToDisk);
-    return record.create() && record.file().write(bytes) == bytes.size() && record.commit();
+    // Under its name at once: to flush a renaming costs as much again as to flush the file.
+    const DurableFile::Folder folder(QFileInfo(recordPath).absolutePath());
+    QFile record(recordPath);
+    return folder.isOpen() && record.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered) &&
+           record.write(bytes) == bytes.size() && DurableFile::flush(record.handle()) && folder.flush();
 }
 
 QByteArray UndoRecord::markOf(QFile &file, qint64 offset)

@@ -12,8 +12,8 @@ namespace Internal {
 /// were and what they were to be. Written beside the file, and flushed, before they are changed.
 ///
 /// It lies in a hidden file `.<id>.undo` beside the file that it belongs to; the id is formed from that file's name, so
-/// that it is found without a search. No listing shows it, no package includes it. It appears complete, under that
-/// name, or not at all.
+/// that it is found without a search. No listing shows it, no package includes it. One that is not whole says that
+/// nothing was changed yet.
 struct UndoRecord
 {
     QString fileName;
@@ -29,10 +29,12 @@ struct UndoRecord
     /// Where the record of the file at `filePath`, which is no link, lies.
     static QString pathFor(const QString &filePath);
     static bool isUndoRecord(const QString &fileName);
+    /// True when nobody can be writing it any more: it is a day old, which is more than clocks differ.
+    static bool isStale(const QString &recordPath);
 
     enum Reading {
         Whole,
-        /// Its own digest says that it is not what was written. Good for nothing.
+        /// Its own digest says that it is not what was to be written: cut, or still being written.
         Broken,
         Unreadable
     };
