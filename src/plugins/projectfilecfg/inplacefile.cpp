@@ -25,7 +25,8 @@ bool InPlaceFile::open()
 {
     // A record that is being ended, or another program's edit, takes milliseconds. Who is ill holds it longer.
     constexpr int second = 1000;
-    return openPlainFile() && lock(second) && settle(UndoRecord::pathFor(m_path));
+    // While it was waited for, another one may have taken its place, whose undo record is none of this one.
+    return openPlainFile() && lock(second) && isStillInPlace() && settle(UndoRecord::pathFor(m_path));
 }
 
 bool InPlaceFile::openPlainFile()
@@ -121,7 +122,7 @@ bool InPlaceFile::settleRecord(const QString &recordPath, const QString &filePat
         !record.fits(reader))
         return false;
     InPlaceFile file(filePath);
-    if (file.openPlainFile() && file.lock(0))
+    if (file.openPlainFile() && file.lock(0) && file.isStillInPlace())
         file.settle(recordPath);
     return true;
 }
