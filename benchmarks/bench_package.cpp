@@ -481,10 +481,10 @@ void editing(Report &report, const QString &folder, qint64 size)
     const auto copyWith = [&](const QString &command) {
         return [&, command] { run("sh", {"-c", command, info.strFilePath, copy}); };
     };
-    report.within(what + ", safely", "cp and sync of the copy",
-                  inTurn(report.pairs(), copyWith("cp --reflink=auto \"$0\" \"$1\" && sync \"$1\""), edit, check), 1.5);
-    report.related(what + ", safely", "cp, not flushed",
-                   inTurn(report.pairs(), copyWith("cp --reflink=auto \"$0\" \"$1\""), edit, check));
+    const Pair times = inTurn(report.pairs(), copyWith("cp --reflink=never \"$0\" \"$1\" && sync \"$1\""), edit, check);
+    report.faster(what + ", where it lies", "cp and sync of a copy", times, 10);
+    // The window waits for an edit.
+    report.atMost(what + ", where it lies", times.ours.median(), "ms", 10);
     QFile::remove(info.strFilePath);
 }
 

@@ -214,6 +214,11 @@ Size writeWatched(int descriptor, Size size, Call call)
     Watch watch;
     if (!watch.isActive() || !state().descriptors.contains(descriptor))
         return call(size);
+    const QByteArray name = state().descriptors.value(descriptor);
+    if (name.endsWith(".corvelpro") && !state().dirtyFiles.contains(inodeOf(descriptor))) {
+        state().report.changedInPlace.append(QFile::decodeName(name));
+        state().report.unflushedBefore += state().dirtyFiles.size() + state().dirtyFolders.size();
+    }
     const Verdict verdict = judge(Write, true, true);
     if (verdict.isKilled) {
         call(size / 2);

@@ -53,6 +53,9 @@ struct Report
     QVector<int> calls = QVector<int>(KindCount);
     /// Files that were given the extension of a package before their content was flushed.
     QStringList namedBeforeFlushed;
+    /// Packages that were written where they lie, and files and folders that were not flushed by then.
+    QStringList changedInPlace;
+    int unflushedBefore = 0;
 };
 
 /// Ends it.

@@ -50,7 +50,8 @@ static const QString offlineIp = QStringLiteral("10.0.0.13");
 /// The device from which the packages come; the site does not have it.
 static const QString sourceIp = QStringLiteral("10.0.0.77");
 
-static const QString oldComment = QStringLiteral("before");
+/// Longer than the new one, so that an edit also cuts the file.
+static const QString oldComment = QStringLiteral("before, in many more words");
 static const QString newComment = QStringLiteral("after");
 static const QByteArray oldDeviceFile = "the device's own";
 
@@ -529,11 +530,12 @@ private:
 
     static bool isFragment(const QString &name)
     {
-        static const QRegularExpression pattern(QStringLiteral("^\\.[-0-9a-f]{36}\\.part$"));
+        static const QRegularExpression pattern(QStringLiteral("^\\.[-0-9a-f]{36}\\.(part|undo)$"));
         return pattern.match(name).hasMatch();
     }
 
-    /// In folders of packages there are valid packages, all of them listed, and fragments at most.
+    /// In folders of packages there are valid packages, all of them listed, and fragments at most. An undo record is
+    /// gone once the folder was scanned.
     void lookAtFolders(bool mayLeaveFragment)
     {
         ProjectList list;

@@ -21,6 +21,7 @@ private slots:
 
     void each_package_is_whole_and_success_is_true_data();
     void each_package_is_whole_and_success_is_true();
+    void an_edit_writes_behind_a_flushed_undo_record();
     void without_an_exclusive_rename_copies_and_edits_work_too();
     void without_an_exclusive_rename_nothing_is_replaced();
     void a_file_system_without_flushing_of_folders_is_no_failure();
@@ -161,13 +162,22 @@ void TstFaults::each_package_is_whole_and_success_is_true()
     m_points[operationName(Operation(operation)) + ", " + kind] += plan.number - 1;
 }
 
+void TstFaults::an_edit_writes_behind_a_flushed_undo_record()
+{
+    const Outcome outcome = m_workshop->perform(Edit, Plan(), m_place.all());
+    QVERIFY(outcome.isSuccess);
+    QCOMPARE(outcome.report.changedInPlace, QStringList{m_place.show()});
+    QCOMPARE(outcome.report.unflushedBefore, 0);
+    // It is gone when the operator hears of it.
+    QCOMPARE(outcome.report.calls.at(FaultPoints::Remove), 1);
+}
+
 void TstFaults::without_an_exclusive_rename_copies_and_edits_work_too()
 {
     for (const Operation operation : {Edit, SaveAs, Import}) {
         Plan plan;
         plan.kind = FaultPoints::Rename;
-        // The first renaming of each that must not replace anything; an edit writes its record before that.
-        plan.number = operation == Edit ? 2 : 1;
+        plan.number = 1;
         plan.error = EINVAL;
         const Outcome outcome = m_workshop->perform(operation, plan, m_place.all());
         QVERIFY(outcome.report.struck);

@@ -9,6 +9,7 @@
 #include <QFileSystemWatcher>
 #include <QFutureWatcher>
 #include <QPointer>
+#include <QTimer>
 
 #include <sys/stat.h>
 
@@ -105,6 +106,9 @@ private slots:
     void scans_release_their_watchers();
     void the_panel_may_go_before_its_scans_begin();
     void the_panel_may_go_in_the_middle_of_a_scan();
+    void a_package_written_in_pieces_is_listed_when_complete();
+    void what_is_at_rest_is_not_looked_at_again();
+    void a_panel_that_is_closed_looks_at_nothing_again();
 };
 
 void TstProjectListing::init()
@@ -384,6 +388,65 @@ void TstProjectListing::the_panel_may_go_in_the_middle_of_a_scan()
     settle();
     QVERIFY(watchers.seen() >= 2);
     QCOMPARE(watchers.alive(), 0);
+}
+
+void TstProjectListing::a_package_written_in_pieces_is_listed_when_complete()
+{
+    const RunningSite site;
+    const QByteArray package = PackageBuilder()
+                                   .file("BKG/BKG_1.png", noise(100000), PackageBuilder::Stored)
+                                   .record(one, QStringLiteral("by hand"))
+                                   .build();
+    const Panel panel;
+    settle();
+    QFileSystemWatcher other({projectFilesPath()});
+    const SignalRecorder<QString> reports(&other, &QFileSystemWatcher::directoryChanged);
+    QFile copy(projectFile(one));
+    QVERIFY(copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    QCOMPARE(copy.write(package.left(60000)), qint64(60000));
+    // The one report there is comes while half of it is there.
+    QTRY_VERIFY(!reports.isEmpty());
+    settle();
+    QCOMPARE(panel.names(), QStringList());
+    QCOMPARE(copy.write(package.mid(60000)), qint64(package.size() - 60000));
+    QTRY_COMPARE(panel.names(), QStringList(one));
+    QCOMPARE(panel.comments(), QStringList(QStringLiteral("by hand")));
+}
+
+void TstProjectListing::what_is_at_rest_is_not_looked_at_again()
+{
+    const RunningSite site;
+    QVERIFY(writePackage(projectFile(one), QString()));
+    QVERIFY(writeFile(projectFile(two), "no package"));
+    QVERIFY(makeOld(projectFile(two), 1));
+    const Panel panel;
+    settle();
+    auto *timer = panel->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+    QVERIFY(timer);
+    QVERIFY(!timer->isActive());
+    QVERIFY(writeFile(projectFile(two), "still no package"));
+    panel.rescan();
+    QVERIFY(timer->isActive());
+    QVERIFY(timer->isSingleShot());
+    // It came to rest, or became a package, before the next look.
+    QVERIFY(makeOld(projectFile(two), 1));
+    QTRY_VERIFY(!timer->isActive());
+    settle();
+    QVERIFY(!timer->isActive());
+}
+
+void TstProjectListing::a_panel_that_is_closed_looks_at_nothing_again()
+{
+    const RunningSite site;
+    QPointer<QTimer> timer;
+    {
+        const Panel panel;
+        QVERIFY(writeFile(projectFile(two), "no package"));
+        panel.rescan();
+        timer = panel->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+        QVERIFY(timer && timer->isActive());
+    }
+    QVERIFY(!timer);
 }
 
 TEST_MAIN(TstProjectListing)

@@ -15,7 +15,12 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLineEdit>
+#include <QMutex>
+#include <QPointer>
+#include <QSet>
 #include <QTextEdit>
+
+#include <thread>
 
 using namespace PackageTesting;
 using namespace PanelTesting;
@@ -62,6 +67,38 @@ private:
     QFileSystemWatcher m_watcher;
 };
 
+/// A way to the panel's list, which is its own business, for a test that must see it locked. An explicit instantiation
+/// may name private members.
+struct PanelsProjects
+{
+    using Member = const std::shared_ptr<ProjectFileCfg::Internal::ProjectList> EngineerDocOperWidget::*;
+    friend Member projectsOf(PanelsProjects);
+};
+template<PanelsProjects::Member member>
+struct OpenedPanel
+{
+    friend PanelsProjects::Member projectsOf(PanelsProjects) { return member; }
+};
+template struct OpenedPanel<&EngineerDocOperWidget::m_pProjects>;
+
+/// Counts the scans, copies and imports of which the user interface was told.
+class FutureCalls : public QObject
+{
+public:
+    FutureCalls() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::FutureCallOut && !m_seen.contains(object))
+            m_seen.insert(object);
+        return false;
+    }
+    int count() const { return m_seen.count(); }
+
+private:
+    QSet<QObject *> m_seen;
+};
+
 /// Fills the property dialog and presses OK.
 void answerProperties(QDialog *dialog, const QString &name, const QString &comment)
 {
@@ -104,7 +141,14 @@ private slots:
     void the_dialog_shows_name_and_comment();
     void renaming_onto_another_file_keeps_the_name_and_reports();
     void an_unwritable_record_ends_silently();
-    void editing_leaves_no_dialog_behind();
+    void an_edit_updates_name_path_and_comment_of_the_entry();
+    void an_edit_keeps_the_row_where_it_is();
+    void an_edit_names_the_new_path_on_its_sender();
+    void the_edit_dialog_stays_a_child_of_the_panel();
+    void an_edit_holds_the_list();
+    void scans_of_an_edit_leave_the_pool_free();
+    void a_scan_that_meets_an_edit_gives_way_to_one_after_it();
+    void a_package_deleted_under_its_edit_stays_deleted();
     void the_table_may_be_rebuilt_while_the_dialog_is_open();
 
     // Saving one elsewhere
@@ -571,17 +615,180 @@ void TstProjectManagement::an_unwritable_record_ends_silently()
     QCOMPARE(contents(projectFilesPath()), QStringList{QStringLiteral("show.corvelpro")});
 }
 
-void TstProjectManagement::editing_leaves_no_dialog_behind()
+void TstProjectManagement::an_edit_updates_name_path_and_comment_of_the_entry()
+{
+    list(QStringLiteral("before"), QStringLiteral("old"));
+    // Without a scan, which would read them anew.
+    const HeldThreadPool held;
+    expectProperties(QStringLiteral("after"), QStringLiteral("new"));
+    clickRow(QStringLiteral("before"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    QCOMPARE(m_panel->names(), QStringList{QStringLiteral("after")});
+    QCOMPARE(m_panel->comments(), QStringList{QStringLiteral("new")});
+    QString name;
+    QString comment;
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [&](QDialog *dialog) {
+        name = dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->text();
+        comment = dialog->findChild<QTextEdit *>()->toPlainText();
+        dialog->reject();
+    });
+    clickRow(QStringLiteral("after"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    QCOMPARE(name, QStringLiteral("after"));
+    QCOMPARE(comment, QStringLiteral("new"));
+}
+
+void TstProjectManagement::an_edit_keeps_the_row_where_it_is()
+{
+    QVERIFY(writePackage(projectFile(QStringLiteral("newest")), QString(), 10));
+    QVERIFY(writePackage(projectFile(QStringLiteral("middle")), QString(), 20));
+    QVERIFY(writePackage(projectFile(QStringLiteral("oldest")), QString(), 30));
+    m_panel->rescan();
+    expectProperties(QStringLiteral("oldest, edited"), QStringLiteral("new"));
+    clickRow(QStringLiteral("oldest"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    const QStringList expected{QStringLiteral("newest"), QStringLiteral("middle"), QStringLiteral("oldest, edited")};
+    QCOMPARE(m_panel->names(), expected);
+    m_panel->rescan();
+    QCOMPARE(m_panel->names(), expected);
+}
+
+void TstProjectManagement::an_edit_names_the_new_path_on_its_sender()
+{
+    list(QStringLiteral("before"));
+    QToolButton elsewhere;
+    elsewhere.setProperty("FilePath", projectFile(QStringLiteral("before")));
+    QObject::connect(&elsewhere, SIGNAL(clicked()), m_panel->widget.get(), SLOT(slot_editProjectInfo()));
+    expectProperties(QStringLiteral("after"), QString());
+    elsewhere.click();
+    VERIFY_BOOK();
+    QCOMPARE(elsewhere.property("FilePath").toString(), projectFile(QStringLiteral("after")));
+    QCOMPARE(m_panel->names(), QStringList{QStringLiteral("after")});
+    for (QToolButton *button : m_panel->rowButtons(0))
+        QCOMPARE(button->property("FilePath").toString(), projectFile(QStringLiteral("after")));
+}
+
+void TstProjectManagement::the_edit_dialog_stays_a_child_of_the_panel()
 {
     list(QStringLiteral("show"));
-    const auto dialogs = [this] { return (*m_panel)->findChildren<QDialog *>().count(); };
-    const int before = dialogs();
+    const auto dialogs = [this] { return (*m_panel)->findChildren<QDialog *>(QString(), Qt::FindDirectChildrenOnly); };
+    const int before = dialogs().count();
     expectProperties(QStringLiteral("show"), QStringLiteral("edited"));
     clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
     m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [](QDialog *dialog) { dialog->reject(); });
     clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
     VERIFY_BOOK();
-    QTRY_COMPARE(dialogs(), before);
+    settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(dialogs().count(), before + 2);
+    const QPointer<QDialog> last = dialogs().last();
+    QVERIFY(!last->isVisible());
+    m_panel.reset();
+    QVERIFY(!last);
+}
+
+void TstProjectManagement::an_edit_holds_the_list()
+{
+    list(QStringLiteral("show"));
+    QMutex &mutex = ((*m_panel->widget).*projectsOf(PanelsProjects())).get()->mutex;
+    // Not in the pool: who waits for its work may get to do it, and this thread may lock the list again.
+    const auto isFree = [&mutex] {
+        bool isLocked = false;
+        std::thread other([&] {
+            isLocked = mutex.tryLock();
+            if (isLocked)
+                mutex.unlock();
+        });
+        other.join();
+        return isLocked;
+    };
+    QVERIFY(isFree());
+    bool isFreeMeanwhile = true;
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [&](QDialog *dialog) {
+        isFreeMeanwhile = isFree();
+        answerProperties(dialog, QStringLiteral("renamed"), QString());
+    });
+    clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    QVERIFY(!isFreeMeanwhile);
+    settle();
+    QVERIFY(isFree());
+}
+
+void TstProjectManagement::scans_of_an_edit_leave_the_pool_free()
+{
+    list(QStringLiteral("show"));
+    int threadsMeanwhile = -1;
+    int scansMeanwhile = -1;
+    bool isPoolFree = false;
+    const FutureCalls scans;
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [&](QDialog *dialog) {
+        const int before = scans.count();
+        const DirectoryObserver observer;
+        for (int number = 0; number < 30; ++number) {
+            const int changes = observer.changes();
+            QVERIFY(writePackage(projectFile(QStringLiteral("copied %1").arg(number)), QString()));
+            QVERIFY(QTest::qWaitFor([&] { return observer.changes() > changes; }, patience));
+            QMetaObject::invokeMethod(m_panel->widget.get(), "slot_projectFilesChanged");
+        }
+        threadsMeanwhile = QThreadPool::globalInstance()->activeThreadCount();
+        scansMeanwhile = scans.count() - before;
+        // As much other work as the pool has threads goes on at once.
+        const int threads = QThreadPool::globalInstance()->maxThreadCount();
+        QSemaphore arrived;
+        QSemaphore released;
+        for (int thread = 0; thread < threads; ++thread)
+            QtConcurrent::run([&] {
+                arrived.release();
+                released.acquire();
+            });
+        isPoolFree = arrived.tryAcquire(threads, patience);
+        released.release(threads);
+        QThreadPool::globalInstance()->waitForDone();
+        dialog->reject();
+    });
+    clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    QCOMPARE(threadsMeanwhile, 0);
+    QCOMPARE(scansMeanwhile, 0);
+    QVERIFY(isPoolFree);
+    const int before = scans.count();
+    QThreadPool::globalInstance()->waitForDone();
+    QTRY_COMPARE(m_panel->table()->rowCount(), 31);
+    QVERIFY2(scans.count() - before <= 1, "one scan for all that was missed");
+}
+
+void TstProjectManagement::a_scan_that_meets_an_edit_gives_way_to_one_after_it()
+{
+    list(QStringLiteral("show"));
+    HeldFile held(projectFile(QStringLiteral("held")));
+    QVERIFY(writeFile(projectFile(QStringLiteral("held")), "no package"));
+    QMetaObject::invokeMethod(m_panel->widget.get(), "slot_projectFilesChanged");
+    QVERIFY(held.waitForReader());
+    bool isPoolFree = false;
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [&](QDialog *dialog) {
+        QVERIFY(writePackage(projectFile(QStringLiteral("late")), QString()));
+        held.release();
+        isPoolFree = QThreadPool::globalInstance()->waitForDone(patience);
+        dialog->reject();
+    });
+    clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    QVERIFY(isPoolFree);
+    QTRY_VERIFY(m_panel->names().contains(QStringLiteral("late")));
+}
+
+void TstProjectManagement::a_package_deleted_under_its_edit_stays_deleted()
+{
+    list(QStringLiteral("show"));
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [&](QDialog *dialog) {
+        QVERIFY(QFile::remove(projectFile(QStringLiteral("show"))));
+        answerProperties(dialog, QStringLiteral("renamed"), QStringLiteral("after"));
+    });
+    clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
+    VERIFY_BOOK();
+    QVERIFY(contents(projectFilesPath()).isEmpty());
+    QTRY_COMPARE(m_panel->table()->rowCount(), 0);
 }
 
 void TstProjectManagement::the_table_may_be_rebuilt_while_the_dialog_is_open()

@@ -6,6 +6,8 @@
 
 #include <QtConcurrentRun>
 
+#include <thread>
+
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
@@ -37,6 +39,14 @@ private slots:
     void superseded_scans_leave_a_list_that_was_changed_by_hand();
     void superseding_tells_whether_scans_are_running();
     void scans_in_many_threads_leave_the_list_of_the_last_one();
+
+    void a_held_list_keeps_no_scan_waiting();
+    void a_list_held_twice_is_free_after_both();
+    void a_list_locked_for_a_moment_is_waited_for();
+
+    void an_unfinished_file_is_looked_at_again_data();
+    void an_unfinished_file_is_looked_at_again();
+    void only_young_invalid_files_ask_for_another_scan();
 
 private:
     /// Writes a valid package whose file was changed `age` seconds ago.
@@ -314,6 +324,103 @@ void TstProjectList::scans_in_many_threads_leave_the_list_of_the_last_one()
         one.waitForFinished();
     QCOMPARE(names(), QStringList({"B", "A"}));
     QCOMPARE(comments(), QStringList({"b", "a"}));
+}
+
+void TstProjectList::a_held_list_keeps_no_scan_waiting()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QVERIFY(!m_list->isHeldAgainstScan());
+    QVERIFY(!m_list->takeMissedScan());
+    {
+        const ProjectList::Hold hold(*m_list);
+        // On another thread: this one may lock the list again.
+        std::thread([this] { scan(); }).join();
+        QVERIFY(m_list->projects.isEmpty());
+        QVERIFY(!m_list->takeMissedScan());
+    }
+    QVERIFY(m_list->takeMissedScan());
+    QVERIFY(!m_list->takeMissedScan());
+    scan();
+    QCOMPARE(names(), QStringList{"A"});
+    QVERIFY(!m_list->takeMissedScan());
+}
+
+void TstProjectList::a_list_held_twice_is_free_after_both()
+{
+    {
+        const ProjectList::Hold outer(*m_list);
+        {
+            const ProjectList::Hold inner(*m_list);
+            QVERIFY(m_list->isHeldAgainstScan());
+        }
+        QVERIFY(!m_list->takeMissedScan());
+        QVERIFY(m_list->isHeldAgainstScan());
+    }
+    QVERIFY(!m_list->isHeldAgainstScan());
+    QVERIFY(m_list->takeMissedScan());
+}
+
+void TstProjectList::a_list_locked_for_a_moment_is_waited_for()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    m_list->mutex.lock();
+    std::thread scanning([this] { scan(); });
+    QVERIFY(m_list->projects.isEmpty());
+    m_list->mutex.unlock();
+    scanning.join();
+    QCOMPARE(names(), QStringList{"A"});
+    QVERIFY(!m_list->takeMissedScan());
+}
+
+void TstProjectList::an_unfinished_file_is_looked_at_again_data()
+{
+    QTest::addColumn<int>("age");
+    QTest::addColumn<int>("next");
+    QTest::newRow("changed now") << 0 << 1000;
+    QTest::newRow("changed just before") << 1 << 999;
+    QTest::newRow("nearly a second ago") << 999 << 1;
+    QTest::newRow("a second ago") << 1000 << 1000;
+    QTest::newRow("some seconds ago") << 4500 << 1000;
+    QTest::newRow("nearly at rest") << 9999 << 1000;
+    QTest::newRow("at rest") << 10000 << -1;
+    QTest::newRow("long ago") << 1000000 << -1;
+    QTest::newRow("by a clock that is ahead") << -500 << 1500;
+    QTest::newRow("by a clock that is far ahead") << -10000 << -1;
+}
+
+void TstProjectList::an_unfinished_file_is_looked_at_again()
+{
+    QFETCH(int, age);
+    QFETCH(int, next);
+    const qint64 now = 1700000000000;
+    QCOMPARE(ProjectList::nextLook(now - age, now), next);
+}
+
+void TstProjectList::only_young_invalid_files_ask_for_another_scan()
+{
+    const auto next = [this] { return m_list->scanProjectFiles(m_path, m_list->beginScan()); };
+    QCOMPARE(next(), -1);
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QCOMPARE(next(), -1);
+    QVERIFY(writeFile(m_path + "B.corvelpro", "no package"));
+    QVERIFY(QDir().mkdir(m_path + "folder.corvelpro"));
+    const auto setAge = [this](int seconds) {
+        QFile file(m_path + "B.corvelpro");
+        return file.open(QIODevice::ReadWrite) &&
+               file.setFileTime(QDateTime::currentDateTime().addSecs(-seconds), QFileDevice::FileModificationTime);
+    };
+    QVERIFY(setAge(3600));
+    QCOMPARE(next(), -1);
+    // Nine seconds in the future stay young for long enough, whatever else the machine does.
+    QVERIFY(setAge(-9));
+    QVERIFY(next() > 0);
+    // One at rest beside it does not hide it.
+    QVERIFY(writeFile(m_path + "C.corvelpro", "no package"));
+    QVERIFY(next() > 0);
+    QVERIFY(addPackage("B.corvelpro", "complete"));
+    QVERIFY(QFile::remove(m_path + "C.corvelpro"));
+    QCOMPARE(next(), -1);
+    QCOMPARE(names().size(), 2);
 }
 
 TEST_MAIN_CORE(TstProjectList)

@@ -45,7 +45,6 @@ private slots:
     void fragments_are_not_packed();
 
     void a_record_is_written_with_the_checksum_that_it_has();
-    void a_record_for_another_package_is_refused();
     void a_package_that_may_not_be_written_keeps_its_record();
 
 private:
@@ -331,22 +330,6 @@ void TstReplacingFile::a_record_is_written_with_the_checksum_that_it_has()
     QCOMPARE(read.strProjectName, edited.strProjectName);
     QCOMPARE(read.strComment, edited.strComment);
     QCOMPARE(read.strChecksum, info.strChecksum);
-}
-
-void TstReplacingFile::a_record_for_another_package_is_refused()
-{
-    EngineerPacketInfo info;
-    info.strFilePath = path("show.corvelpro");
-    QVERIFY(PackageBuilder().file("a.txt", "text").record("show", "before").write(info.strFilePath));
-    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
-    // Another program replaces it by one whose first bytes differ, and its checksum with them.
-    QVERIFY(PackageBuilder().file("a.txt", "text").claimVersionNeeded(10).record("other", "b").write(info.strFilePath));
-    QVERIFY(ZipPackageHandle::isValidEngineerPacket(info.strFilePath));
-    const QByteArray replaced = readFile(info.strFilePath);
-    info.strComment = "after";
-    QVERIFY(!ZipPackageHandle::setEngineerInfo(info));
-    QVERIFY(readFile(info.strFilePath) == replaced);
-    QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
 }
 
 void TstReplacingFile::a_package_that_may_not_be_written_keeps_its_record()

@@ -41,6 +41,7 @@
 #include <QStyledItemDelegate>
 #include <QTableWidget>
 #include <QTextDocument>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QtConcurrentRun>
@@ -175,6 +176,9 @@ EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
 {
     m_pFileWatcher = new QFileSystemWatcher;
     m_pFileWatcher->addPath(m_strDefaultPath);
+    m_pScanTimer = new QTimer(this);
+    m_pScanTimer->setSingleShot(true);
+    connect(m_pScanTimer, &QTimer::timeout, this, &EngineerDocOperWidget::slot_projectFilesChanged);
     setProperty("EngineerFile", true);
     initUI();
     retranslateUi();
@@ -356,16 +360,24 @@ void EngineerDocOperWidget::connectFileWatcher(bool bConnect)
 
 void EngineerDocOperWidget::slot_projectFilesChanged()
 {
+    if (m_pProjects->isHeldAgainstScan())
+        return;
     const auto scan = [projects = m_pProjects, path = m_strDefaultPath, number = m_pProjects->beginScan()] {
-        projects->scanProjectFiles(path, number);
+        return projects->scanProjectFiles(path, number);
     };
-    auto *watcher = new QFutureWatcher<void>;
-    connect(watcher, &QFutureWatcher<void>::finished, this, [this] {
-        updateProjectTable();
-        updateButtonState();
-    });
-    connect(watcher, &QFutureWatcher<void>::finished, watcher, &QObject::deleteLater);
+    auto *watcher = new QFutureWatcher<int>;
+    connect(watcher, &QFutureWatcher<int>::finished, this, [this, watcher] { onScanFinished(watcher->result()); });
+    connect(watcher, &QFutureWatcher<int>::finished, watcher, &QObject::deleteLater);
     watcher->setFuture(QtConcurrent::run(scan));
+}
+
+void EngineerDocOperWidget::onScanFinished(int nextScan)
+{
+    updateProjectTable();
+    updateButtonState();
+    // The directory's watcher tells of new files, not of those that grow.
+    if (nextScan >= 0 && !m_pScanTimer->isActive())
+        m_pScanTimer->start(nextScan);
 }
 
 void EngineerDocOperWidget::updateProjectTable()
@@ -1216,23 +1228,34 @@ void EngineerDocOperWidget::slot_deleteAllProject()
 
 void EngineerDocOperWidget::slot_editProjectInfo()
 {
-    const auto *button = qobject_cast<QToolButton *>(sender());
+    auto *button = qobject_cast<QToolButton *>(sender());
     if (!button)
         return;
-    const QString path = button->property("FilePath").toString();
-    const QPointer<ProjectRowWidget> row = qobject_cast<ProjectRowWidget *>(button->parentWidget());
-
-    // Held while the dialog is open, so that no scan replaces the entry; the panel may go meanwhile.
+    const QPointer<EngineerDocOperWidget> guard(this);
     const std::shared_ptr<ProjectList> projects = m_pProjects;
-    const QMutexLocker locker(&projects->mutex);
-    const auto findEntry = [&projects, &path] {
-        return std::find_if(projects->projects.begin(), projects->projects.end(),
+    {
+        // While the dialog is open no scan replaces the entry; the panel may go meanwhile.
+        const ProjectList::Hold hold(*projects);
+        editProject(button);
+    }
+    if (guard && projects->takeMissedScan())
+        slot_projectFilesChanged();
+}
+
+void EngineerDocOperWidget::editProject(QToolButton *pressed)
+{
+    const QPointer<QToolButton> button(pressed);
+    const QPointer<ProjectRowWidget> row = qobject_cast<ProjectRowWidget *>(button->parentWidget());
+    const QString path = button->property("FilePath").toString();
+    const auto findEntry = [this, &path] {
+        return std::find_if(m_listProjectInfo.begin(), m_listProjectInfo.end(),
                             [&path](const EngineerPacketInfo &info) { return info.strFilePath == path; });
     };
     auto entry = findEntry();
-    if (entry == projects->projects.end())
+    if (entry == m_listProjectInfo.end())
         return;
 
+    // Not released: it stays a child of the panel.
     const QPointer<EngineerPropertySettingWidget> dialog =
         new EngineerPropertySettingWidget(this, QString(), QString());
     dialog->setProjectName(entry->strProjectName);
@@ -1240,9 +1263,8 @@ void EngineerDocOperWidget::slot_editProjectInfo()
     const int answer = dialog->exec();
     if (!dialog)
         return;
-    dialog->deleteLater();
     entry = findEntry();
-    if (answer != QDialog::Accepted || entry == projects->projects.end())
+    if (answer != QDialog::Accepted || entry == m_listProjectInfo.end())
         return;
 
     EngineerPacketInfo edited = *entry;
@@ -1258,6 +1280,9 @@ void EngineerDocOperWidget::slot_editProjectInfo()
         FramelessMessageBox::warning(this, tr("Remind"), tr("File rename failed"), QMessageBox::Ok);
         return;
     }
+    if (button)
+        button->setProperty("FilePath", edited.strFilePath);
+    // With its other buttons, so that it is still the entry's row.
     if (row)
         row->setFilePath(edited.strFilePath);
     *entry = edited;

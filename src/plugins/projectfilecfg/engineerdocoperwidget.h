@@ -16,6 +16,8 @@ class QFileSystemWatcher;
 class QLabel;
 class QPushButton;
 class QTableWidget;
+class QTimer;
+class QToolButton;
 template<typename T>
 class QFutureWatcher;
 
@@ -81,6 +83,7 @@ private:
     void initConnects(bool bConnect);
     void connectFileWatcher(bool bConnect);
 
+    void onScanFinished(int nextScan);
     void updateProjectTable();
     void updateButtonState();
     void fillTableRow(int row);
@@ -103,6 +106,7 @@ private:
     void showBackupResult(int code);
     void showLoadResult(int code);
 
+    void editProject(QToolButton *button);
     QStringList selectProjectFiles(bool bMulti);
     void startSaveas(const QStringList &files, const QString &destination, bool bDestIsDir);
     static QString saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir);
@@ -135,6 +139,8 @@ private:
     QString m_strDefaultPath;
     QString m_strDocumentsPath;
     QMutex &m_mutex;
+    /// Runs while a file is awaited that another program is still writing.
+    QTimer *m_pScanTimer = nullptr;
     /// Kept from save to save.
     const std::shared_ptr<EncodedPictures> m_pEncodedPictures;
     const QIcon m_projectIcon;

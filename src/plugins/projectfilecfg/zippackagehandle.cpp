@@ -1,7 +1,9 @@
 #include "zippackagehandle.h"
 
+#include "archivecomment.h"
+#include "inplacefile.h"
 #include "localecodec.h"
-#include "packagelimits.h"
+#include "packagechecksum.h"
 #include "packagereader.h"
 #include "packagewriter.h"
 #include "plainfile.h"
@@ -16,12 +18,14 @@
 #include <QMessageLogger>
 #include <QTextStream>
 
-#include <quazip.h>
+#include <functional>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
 namespace {
+
+constexpr int checksumDigits = 32;
 
 /// The lenient guard: see the header.
 bool isWorthOpening(const QString &packetPath)
@@ -58,38 +62,34 @@ QString recordOf(const EngineerPacketInfo &info)
     return QString::fromUtf8(QJsonDocument(record).toJson());
 }
 
-/// Makes `comment` the comment of the archive that `file` holds.
-bool writeComment(QFile &file, const QString &comment)
-{
-    QuaZip zip(&file);
-    zip.setAutoClose(false);
-    if (!zip.open(QuaZip::mdAdd)) {
-        return false;
-    }
-    // To QuaZip a null comment means: keep the old one.
-    zip.setComment(comment.isNull() ? QLatin1String("") : comment);
-    zip.close();
-    // QuaZip never cuts: behind a shorter comment the tail of the old one would stay. A cut at the end of the file
-    // would be none, but some file systems wait for the disk even so.
-    return zip.getZipError() == UNZ_OK && file.flush() && (file.size() == file.pos() || file.resize(file.pos()));
-}
-
-/// Replaces the comment in `replacement`, an archive written aside, and checks what a reader will find there.
+/// Gives the archive that `replacement` holds, which was written aside and has no comment yet, one, and checks what a
+/// reader will find there.
 bool writeVerifiedComment(ReplacingFile &replacement, const QString &comment)
 {
-    const QString written = QString::fromUtf8(comment.toUtf8());
-    return written.toUtf8().size() <= PackageLimits::maxCommentSize && writeComment(replacement.file(), written) &&
-           PackageReader(replacement.path()).comment() == written;
+    const QByteArray bytes = comment.toUtf8();
+    QFile &file = replacement.file();
+    const ArchiveComment old(file);
+    return old.isFound() && old.bytes().isEmpty() && ArchiveComment::isReadable(bytes) && file.seek(old.offset()) &&
+           file.write(ArchiveComment::tailWith(bytes)) == bytes.size() + ArchiveComment::lengthSize && file.flush() &&
+           PackageReader(replacement.path()).comment() == QString::fromUtf8(bytes);
 }
 
-/// Copies the package aside and gives the copy the comment.
-bool copyAsideWithComment(const QString &packetPath, const QString &comment, ReplacingFile &replacement)
+/// Replaces the comment of the package where it lies. `comment` is asked for it when the package is open.
+bool editComment(const QString &packetPath,
+                 const std::function<QByteArray(QFile &package, const ArchiveComment &old)> &comment)
 {
-    // QuaZip's add mode would make an empty archive of a file that is missing or is none. A package that may not
-    // be written stays as it is, although its folder would let it be replaced.
-    return isWorthOpening(packetPath) && PackageReader(packetPath).isOpen() && QFileInfo(packetPath).isWritable() &&
-           replacement.createFrom(packetPath) && writeVerifiedComment(replacement, comment) &&
-           PackageReader(replacement.path()).fileList() == PackageReader(packetPath).fileList();
+    InPlaceFile package(packetPath);
+    if (!isWorthOpening(packetPath) || !package.open()) {
+        return false;
+    }
+    const ArchiveComment old(package.file());
+    // What the zip library takes for the comment must be what is going to be replaced.
+    const PackageReader reader(packetPath);
+    if (!old.isFound() || !reader.isOpen() || reader.comment() != QString::fromUtf8(old.bytes().constData())) {
+        return false;
+    }
+    const QByteArray bytes = comment(package.file(), old);
+    return ArchiveComment::isReadable(bytes) && package.replaceTail(old.offset(), ArchiveComment::tailWith(bytes));
 }
 
 bool packAside(PackageWriter &writer, ReplacingFile &package,
@@ -219,20 +219,27 @@ QString ZipPackageHandle::getZipComment(const QString &packetPath)
     return isWorthOpening(packetPath) ? PackageReader(packetPath).comment() : QString();
 }
 
-// docs/package-format.md says what a cut in each of these steps leaves behind.
 bool ZipPackageHandle::setZipComment(const QString &packetPath, const QString &comment)
 {
     useUtf8LocaleCodec();
-    ReplacingFile package(packetPath, ReplacingFile::FlushedToDisk);
-    return copyAsideWithComment(packetPath, comment, package) && package.commit();
+    return editComment(packetPath, [&comment](QFile &, const ArchiveComment &) { return comment.toUtf8(); });
 }
 
-bool ZipPackageHandle::setEngineerInfo(const EngineerPacketInfo &info)
+bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info)
 {
     useUtf8LocaleCodec();
-    ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
-    return copyAsideWithComment(info.strFilePath, recordOf(info), package) && checkPacketChecksum(package.path()) &&
-           package.commit();
+    EngineerPacketInfo edited = info;
+    const bool isWritten = editComment(info.strFilePath, [&edited](QFile &package, const ArchiveComment &old) {
+        // A record is as long with any checksum, and its length is all of it that the checksum may reach.
+        edited.strChecksum = QString(checksumDigits, QLatin1Char('0'));
+        const QByteArray end = old.endRecordWith(recordOf(edited).toUtf8());
+        edited.strChecksum = PackageChecksum::ofLeadingBytes(package, old.offset() + ArchiveComment::lengthSize, end);
+        return recordOf(edited).toUtf8();
+    });
+    if (isWritten) {
+        info = edited;
+    }
+    return isWritten;
 }
 
 bool ZipPackageHandle::parseEngineerInfo(EngineerPacketInfo &info, const QString &commentJson)

@@ -85,15 +85,19 @@ public:
     /// purpose: it gives up at once only where the path neither exists nor carries the package extension.
     static QString getZipComment(const QString &packetPath);
 
-    /// Replaces the archive's comment and leaves its entries alone. True only after the new comment was read
-    /// back and flushed to disk; otherwise the package is what it was, unless flushing its name was what failed. A
-    /// comment above 65,513 bytes of UTF-8 is refused: QuaZip could not find the end of the archive any more.
+    /// Replaces the archive's comment where it lies and leaves all else alone: nothing is copied, and the file keeps
+    /// its identity, its permissions and its modification time (see InPlaceFile). True only after the new comment was
+    /// read back and flushed to disk; otherwise the package is what it was. A package that goes meanwhile stays gone.
+    ///
+    /// Refused: what is no classic archive, or has bytes behind its comment; a file that is no plain one, or may not be
+    /// written; a comment above 65,513 bytes of UTF-8, or one in which QuaZip would take something for the archive's
+    /// end.
     static bool setZipComment(const QString &packetPath, const QString &comment);
 
-    /// Writes `info` as the record of the package `info.strFilePath`, in the same way. The checksum goes in as
-    /// it is; when it is not the package's, which another program may have replaced since it was listed, nothing
-    /// is written: a valid package stays valid.
-    static bool setEngineerInfo(const EngineerPacketInfo &info);
+    /// Writes `info` as the record of the package `info.strFilePath`, in the same way. The checksum that goes in, and
+    /// into `info`, is the one that the package has now, which another program may have replaced since it was listed: a
+    /// valid package stays valid.
+    static bool setEngineerInfo(EngineerPacketInfo &info);
 
     /// Reads a record: a JSON object of at least three keys. A missing key, or one that is no string, gives
     /// an empty field. `info.strFilePath` is left as it is; on failure so are the others.

@@ -10,10 +10,15 @@
 #include <cstdio>
 
 #ifdef Q_OS_WIN
+#include <fcntl.h>
 #include <filesystem>
 #include <io.h>
+#include <sys/locking.h>
+#include <sys/stat.h>
+#include <sys/utime.h>
 #else
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -25,6 +30,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace DurableFile {
+
+static const qint64 nanosecondsPerSecond = 1000000000;
 
 #ifdef Q_OS_WIN
 
@@ -55,6 +62,46 @@ FileIdentity::FileIdentity(const QString &path)
 
 FileIdentity::~FileIdentity() = default;
 
+int openToChange(const QString &path)
+{
+    return QFileInfo(path).isFile() ? _wopen(path.toStdWString().c_str(), _O_RDWR | _O_BINARY | _O_NOINHERIT) : -1;
+}
+
+bool lock(int handle)
+{
+    // One byte far behind any package's end: here a lock also keeps others from reading.
+    constexpr long one = 1;
+    constexpr qint64 farBehind = qint64(1) << 40;
+    return _lseeki64(handle, farBehind, SEEK_SET) == farBehind && _locking(handle, _LK_NBRLCK, one) == 0;
+}
+
+bool lockToRead(int)
+{
+    // What is written by one call is seen whole or not at all.
+    return true;
+}
+
+void unlock(int) {}
+
+bool isOpenFile(const QString &path, int)
+{
+    // What is open as above can be neither removed nor renamed here.
+    return QFileInfo(path).isFile();
+}
+
+qint64 modified(int handle)
+{
+    struct _stat64 status;
+    return _fstat64(handle, &status) == 0 ? status.st_mtime * nanosecondsPerSecond : 0;
+}
+
+bool setModified(int handle, qint64 nanoseconds)
+{
+    const time_t seconds = nanoseconds / nanosecondsPerSecond;
+    struct __utimbuf64 times = {seconds, seconds};
+    return _futime64(handle, &times) == 0;
+}
+
 #else
 
 Folder::Folder(const QString &path)
@@ -80,6 +127,67 @@ bool Folder::flush() const
 bool flush(int handle)
 {
     return fsync(handle) == 0;
+}
+
+int openToChange(const QString &path)
+{
+    const int handle = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    struct stat status;
+    if (handle < 0 || (fstat(handle, &status) == 0 && S_ISREG(status.st_mode)))
+        return handle;
+    ::close(handle);
+    return -1;
+}
+
+bool lock(int handle)
+{
+    return flock(handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool lockToRead(int handle)
+{
+    return flock(handle, LOCK_SH | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+void unlock(int handle)
+{
+    flock(handle, LOCK_UN);
+}
+
+bool isOpenFile(const QString &path, int handle)
+{
+    struct stat opened;
+    struct stat found;
+    return fstat(handle, &opened) == 0 && stat(QFile::encodeName(path).constData(), &found) == 0 &&
+           opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
+}
+
+qint64 modified(int handle)
+{
+    struct stat status;
+    if (fstat(handle, &status) != 0)
+        return 0;
+#ifdef Q_OS_MACOS
+    const timespec &time = status.st_mtimespec;
+#else
+    const timespec &time = status.st_mtim;
+#endif
+    return time.tv_sec * nanosecondsPerSecond + time.tv_nsec;
+}
+
+bool setModified(int handle, qint64 nanoseconds)
+{
+    const timespec kept = {0, UTIME_OMIT};
+    qint64 seconds = nanoseconds / nanosecondsPerSecond;
+    qint64 rest = nanoseconds % nanosecondsPerSecond;
+    if (rest < 0) {
+        // Before 1970.
+        --seconds;
+        rest += nanosecondsPerSecond;
+    }
+    const timespec time = {time_t(seconds), long(rest)};
+    const timespec times[] = {kept, time};
+    return futimens(handle, times) == 0;
 }
 
 FileIdentity::FileIdentity(const QString &path)

@@ -86,6 +86,25 @@ bool replaceSame(const QString &from, const QString &to, const FileIdentity &exp
 /// kill on the way leaves half a file under the new name.
 bool renameDurably(const QString &from, const QString &to);
 
+/// Opens an existing plain file for reading and writing and returns its handle, -1 where that fails. Never makes a
+/// file, and never waits, as opening a pipe would.
+int openToChange(const QString &path);
+
+/// Keeps others from locking the open file until it is closed, also by a kill. False when another one has it now. True
+/// as well where the file system knows no locks.
+bool lock(int handle);
+
+/// The same for a moment, for who only reads: several may. False when somebody has locked the file to change it.
+bool lockToRead(int handle);
+void unlock(int handle);
+
+/// True when the open file is the one that stands at `path`: it was neither removed nor replaced since it was opened.
+bool isOpenFile(const QString &path, int handle);
+
+/// When the open file was changed last, in nanoseconds since 1970.
+qint64 modified(int handle);
+bool setModified(int handle, qint64 nanoseconds);
+
 } // namespace DurableFile
 
 } // namespace Internal

@@ -38,13 +38,22 @@ QByteArray chunkDigest(QFile &file, qint64 length, QByteArray &buffer)
 
 } // namespace
 
-QString ofLeadingBytes(QFile &file, qint64 length)
+QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end)
 {
+    const qint64 endStart = length - end.size();
     QByteArray buffer(int(largestStep), Qt::Uninitialized);
     QCryptographicHash digest(QCryptographicHash::Md5);
     for (qint64 start = 0; start < length; start += chunkSize) {
-        const QByteArray digits =
-            file.seek(start) ? chunkDigest(file, std::min(chunkSize, length - start), buffer) : QByteArray();
+        // A chunk that begins before the end record meets a zero byte before it comes to what differs there.
+        QByteArray digits;
+        if (start >= endStart) {
+            const QByteArray chunk = end.mid(int(start - endStart));
+            digits = QCryptographicHash::hash(chunk.left(int(qstrnlen(chunk.constData(), uint(chunk.size())))),
+                                              QCryptographicHash::Md5)
+                         .toHex();
+        } else if (file.seek(start)) {
+            digits = chunkDigest(file, std::min(chunkSize, length - start), buffer);
+        }
         if (digits.isEmpty()) {
             break;
         }

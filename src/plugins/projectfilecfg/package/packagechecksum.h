@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 class QFile;
@@ -17,7 +18,9 @@ constexpr qint64 chunkSize = 10 * 1024 * 1024;
 /// `length` bytes of the file. A chunk's digest covers its bytes up to, not including, the first zero byte; the
 /// whole chunk where it holds none. Reads little more than what is digested, and stops where
 /// the file ends. `file` is open for reading.
-QString ofLeadingBytes(QFile &file, qint64 length);
+///
+/// `end`, where it is given, stands for the last ones of these bytes: the file is taken as if they were so.
+QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end = QByteArray());
 
 } // namespace PackageChecksum
 

@@ -1,6 +1,10 @@
 #include "packagefile.h"
 
+#include "archivecomment.h"
+#include "durablefile.h"
 #include "plainfile.h"
+
+#include <QThread>
 
 #include <algorithm>
 
@@ -20,13 +24,35 @@ bool PackageFile::open(OpenMode mode)
 {
     if (mode != QIODevice::ReadOnly || !openPlainFile(m_file))
         return false;
+    // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
+    return readEndAtRest() && QIODevice::open(mode | QIODevice::Unbuffered);
+}
+
+bool PackageFile::readEnd()
+{
     m_nSize = m_file.size();
     const qint64 expected = std::min(m_nSize, endSize);
-    if (!m_file.seek(m_nSize - expected))
-        return false;
-    m_end = m_file.read(expected);
-    // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
-    return m_end.size() == expected && QIODevice::open(mode | QIODevice::Unbuffered);
+    m_end = m_file.seek(m_nSize - expected) ? m_file.read(expected) : QByteArray();
+    return m_end.size() == expected;
+}
+
+/// The end of a package that somebody edits is in motion for less than a millisecond, and at rest before and behind it.
+bool PackageFile::readEndAtRest()
+{
+    constexpr int patience = 200;
+    for (int waited = 0; waited < patience; ++waited) {
+        const bool isQuiet = DurableFile::lockToRead(m_file.handle());
+        const bool isRead = readEnd();
+        if (isQuiet) {
+            DurableFile::unlock(m_file.handle());
+            return isRead;
+        }
+        const QByteArray first = m_end;
+        if (readEnd() && m_end == first && ArchiveComment::isConsistent(m_end))
+            return true;
+        QThread::msleep(1);
+    }
+    return readEnd();
 }
 
 bool PackageFile::isSequential() const

@@ -7,7 +7,7 @@ namespace Internal {
 
 /// A package's file as the zip library reads it. The library looks for the end of an archive, and for the mark of a
 /// 64-bit one, by going backwards through the last 64 KiB in small steps, each of which is a read of the file; here
-/// these bytes are read once. Not for use by two threads at once.
+/// these bytes are read once, and not while somebody is writing them. Not for use by two threads at once.
 class PackageFile : public QIODevice
 {
 public:
@@ -30,6 +30,9 @@ protected:
     qint64 writeData(const char *data, qint64 maxSize) override;
 
 private:
+    bool readEnd();
+    bool readEndAtRest();
+
     QFile m_file;
     QByteArray m_end;
     qint64 m_nSize = 0;

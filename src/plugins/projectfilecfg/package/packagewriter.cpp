@@ -8,6 +8,7 @@
 #include "packagereader.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
+#include "undorecord.h"
 #include "writebehinddevice.h"
 
 #include <QDateTime>
@@ -179,7 +180,7 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
     }
     for (const QFileInfo &source : sources) {
         if (source.isDir() || source.absoluteFilePath() == m_packetPath ||
-            ReplacingFile::isFragment(source.fileName())) {
+            ReplacingFile::isFragment(source.fileName()) || UndoRecord::isUndoRecord(source.fileName())) {
             continue;
         }
         const QString name = prefix + source.fileName();

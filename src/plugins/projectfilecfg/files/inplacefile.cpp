@@ -1,0 +1,164 @@
+#include "inplacefile.h"
+
+#include "durablefile.h"
+#include "undorecord.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QThread>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// More than any tail: who has written so much is not us.
+static const qint64 maxTailSize = 128 * 1024;
+
+InPlaceFile::InPlaceFile(const QString &path)
+    : m_path(QFileInfo(path).canonicalFilePath())
+{}
+
+InPlaceFile::~InPlaceFile() = default;
+
+bool InPlaceFile::open()
+{
+    // A record that is being ended, or another program's edit, takes milliseconds. Who is ill holds it longer.
+    constexpr int second = 1000;
+    // While it was waited for, another one may have taken its place, whose undo record is none of this one.
+    return openPlainFile() && lock(second) && isStillInPlace() && settle(UndoRecord::pathFor(m_path));
+}
+
+bool InPlaceFile::openPlainFile()
+{
+    // Not QFile::open: that would make the file where it has gone meanwhile.
+    const int handle = DurableFile::openToChange(m_path);
+    return handle >= 0 && m_file.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFile::AutoCloseHandle);
+}
+
+bool InPlaceFile::lock(int patience)
+{
+    constexpr int pause = 10;
+    for (int waited = 0; !DurableFile::lock(m_file.handle()); waited += pause) {
+        if (waited >= patience)
+            return false;
+        QThread::msleep(pause);
+    }
+    return true;
+}
+
+bool InPlaceFile::isStillInPlace() const
+{
+    return DurableFile::isOpenFile(m_path, m_file.handle());
+}
+
+QByteArray InPlaceFile::tailFrom(qint64 offset)
+{
+    return m_file.seek(offset) ? m_file.read(maxTailSize) : QByteArray();
+}
+
+/// Makes `tail` the file's last bytes, on the disk. What was read back decides, whatever the steps say of themselves.
+bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail)
+{
+    if (tailFrom(record.offset) != tail) {
+        const qint64 size = record.offset + tail.size();
+        if (m_file.seek(record.offset))
+            m_file.write(tail);
+        // Some file systems wait for the disk where there is nothing to cut, too.
+        if (m_file.size() > size)
+            m_file.resize(size);
+    }
+    // Not an error where it fails: it is only the place in the table.
+    DurableFile::setModified(m_file.handle(), record.modified);
+    return DurableFile::flush(m_file.handle()) && tailFrom(record.offset) == tail;
+}
+
+// docs/package-format.md says what a cut in each of these steps leaves behind.
+bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail)
+{
+    UndoRecord record;
+    record.fileName = QFileInfo(m_path).fileName();
+    record.offset = offset;
+    record.mark = UndoRecord::markOf(m_file, offset);
+    record.before = tailFrom(offset);
+    record.after = tail;
+    record.modified = DurableFile::modified(m_file.handle());
+    if (record.mark.isEmpty() || offset + record.before.size() != m_file.size())
+        return false;
+    const QString recordPath = UndoRecord::pathFor(m_path);
+    if (!record.write(recordPath)) {
+        // An older record whose removal was not flushed must not come back after this.
+        QFile::remove(recordPath);
+        DurableFile::Folder(QFileInfo(m_path).absolutePath()).flush();
+    }
+    const bool isReplaced = put(record, tail) && isStillInPlace();
+    if (isReplaced || put(record, record.before))
+        QFile::remove(recordPath);
+    return isReplaced;
+}
+
+/// Ends what the record at `recordPath`, if there is one, says of this file, and removes it.
+bool InPlaceFile::settle(const QString &recordPath)
+{
+    if (!QFileInfo::exists(recordPath))
+        return true;
+    UndoRecord record;
+    const UndoRecord::Reading reading = record.read(recordPath);
+    if (reading == UndoRecord::Whole && record.fits(m_file)) {
+        const QByteArray tail = tailFrom(record.offset);
+        const bool isOurs = tail == record.before || tail == record.after || record.isTorn(tail);
+        // What is whole is flushed, too: the process may have been killed before it came to that.
+        if (isOurs && !put(record, tail == record.after ? tail : record.before))
+            return false;
+    }
+    return reading != UndoRecord::Unreadable && QFile::remove(recordPath);
+}
+
+/// False when the record is not for the file, so that another one may be looked for.
+bool InPlaceFile::settleRecord(const QString &recordPath, const QString &filePath, const UndoRecord &record)
+{
+    QFile reader(filePath);
+    if (!QFileInfo(filePath).isFile() || !reader.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
+        !record.fits(reader))
+        return false;
+    InPlaceFile file(filePath);
+    if (file.openPlainFile() && file.lock(0) && file.isStillInPlace())
+        file.settle(recordPath);
+    return true;
+}
+
+/// The same for all files of the folder, since it may have got another name: the one that had it first.
+bool InPlaceFile::settleInFolder(const QString &recordPath, const QDir &folder, const UndoRecord &record)
+{
+    const QString sameKind = QStringLiteral("*.") + QFileInfo(record.fileName).suffix();
+    const QStringList names = QStringList(record.fileName) + folder.entryList({sameKind}, QDir::Files, QDir::Unsorted);
+    return std::any_of(names.begin(), names.end(),
+                       [&](const QString &name) { return settleRecord(recordPath, folder.filePath(name), record); });
+}
+
+void InPlaceFile::recover(const QString &folderPath)
+{
+    const QDir folder(folderPath);
+    const QStringList names =
+        folder.entryList({QStringLiteral(".*.undo")}, QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
+    for (const QString &name : names) {
+        const QString recordPath = folder.filePath(name);
+        UndoRecord record;
+        const UndoRecord::Reading reading =
+            UndoRecord::isUndoRecord(name) ? record.read(recordPath) : UndoRecord::Unreadable;
+        const bool isWithoutFile = reading == UndoRecord::Whole && !settleInFolder(recordPath, folder, record);
+        // Which file it is for is not known of one that is not whole, and so not whether somebody is writing it now.
+        if (isWithoutFile || (reading == UndoRecord::Broken && UndoRecord::isStale(recordPath)))
+            QFile::remove(recordPath);
+    }
+}
+
+void InPlaceFile::recoverFile(const QString &path)
+{
+    InPlaceFile file(path);
+    if (QFileInfo::exists(UndoRecord::pathFor(file.m_path)) && file.openPlainFile() && file.lock(0))
+        file.settle(UndoRecord::pathFor(file.m_path));
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,114 @@
+#include "undorecord.h"
+
+#include "durablefile.h"
+
+#include <QCryptographicHash>
+#include <QDataStream>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QUuid>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// "UNDO", and the version of what follows.
+static const quint32 magic = 0x554E444F;
+static const quint32 version = 1;
+static const int digestSize = 32;
+/// Two tails with the longest comment that an archive has, and room for the rest.
+static const qint64 maxRecordSize = 256 * 1024;
+/// Of a package it is the end of its directory, with sizes and CRCs of the entries: nothing else says more about it.
+static const qint64 markedSize = 4096;
+
+static QByteArray digestOf(const QByteArray &bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
+}
+
+QString UndoRecord::pathFor(const QString &filePath)
+{
+    const QFileInfo file(filePath);
+    const QUuid space(QStringLiteral("{5b1f2f0c-6d0e-4d57-9c8b-0d5a6f3e2b41}"));
+    const QString id = QUuid::createUuidV5(space, file.fileName()).toString();
+    return file.absolutePath() + QStringLiteral("/.") + id.mid(1, id.size() - 2) + QStringLiteral(".undo");
+}
+
+bool UndoRecord::isUndoRecord(const QString &fileName)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("\\A\\.[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}\\.undo\\z"));
+    return pattern.match(fileName).hasMatch();
+}
+
+bool UndoRecord::isStale(const QString &recordPath)
+{
+    return QFileInfo(recordPath).lastModified() < QDateTime::currentDateTime().addDays(-1);
+}
+
+UndoRecord::Reading UndoRecord::read(const QString &recordPath)
+{
+    QFile file(recordPath);
+    if (!QFileInfo(recordPath).isFile() || !file.open(QIODevice::ReadOnly))
+        return Unreadable;
+    const QByteArray bytes = file.read(maxRecordSize);
+    if (file.error() != QFileDevice::NoError)
+        return Unreadable;
+    const QByteArray content = bytes.mid(digestSize);
+    QDataStream stream(content);
+    stream.setVersion(QDataStream::Qt_5_9);
+    quint32 foundMagic = 0;
+    quint32 foundVersion = 0;
+    stream >> foundMagic >> foundVersion >> fileName >> offset >> mark >> before >> after >> modified;
+    const bool isWhole = bytes.left(digestSize) == digestOf(content) && stream.status() == QDataStream::Ok &&
+                         foundMagic == magic && foundVersion == version;
+    // A name, and no way out of the folder.
+    return isWhole && QFileInfo(fileName).fileName() == fileName && offset >= 0 ? Whole : Broken;
+}
+
+bool UndoRecord::write(const QString &recordPath) const
+{
+    QByteArray content;
+    QDataStream stream(&content, QIODevice::WriteOnly);
+    stream.setVersion(QDataStream::Qt_5_9);
+    stream << magic << version << fileName << offset << mark << before << after << modified;
+    const QByteArray bytes = digestOf(content) + content;
+    // Under its name at once: to flush a renaming costs as much again as to flush the file.
+    const DurableFile::Folder folder(QFileInfo(recordPath).absolutePath());
+    QFile record(recordPath);
+    return folder.isOpen() && record.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered) &&
+           record.write(bytes) == bytes.size() && DurableFile::flush(record.handle()) && folder.flush();
+}
+
+QByteArray UndoRecord::markOf(QFile &file, qint64 offset)
+{
+    const qint64 size = std::min(offset, markedSize);
+    const QByteArray bytes = file.seek(offset - size) ? file.read(size) : QByteArray();
+    return bytes.size() == size ? digestOf(bytes) : QByteArray();
+}
+
+bool UndoRecord::fits(QFile &file) const
+{
+    return file.size() >= offset && !mark.isEmpty() && markOf(file, offset) == mark;
+}
+
+bool UndoRecord::isTorn(const QByteArray &tail) const
+{
+    if (tail == before || tail == after || tail.size() < std::min(before.size(), after.size()) ||
+        tail.size() > std::max(before.size(), after.size()))
+        return false;
+    for (int i = 0; i < tail.size(); ++i) {
+        const char byte = tail.at(i);
+        const bool isOld = i < before.size() && byte == before.at(i);
+        const bool isNew = i < after.size() && byte == after.at(i);
+        if (!isOld && !isNew && byte != '\0')
+            return false;
+    }
+    return true;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,86 @@
+#include "archivecomment.h"
+
+#include "packagelimits.h"
+
+#include <QFile>
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Parts of an end record, by their places in it.
+static const int endRecordSize = 22;
+static const int disksPosition = 4;
+static const int entriesPosition = 10;
+static const int directoryPosition = 12;
+static const int lengthPosition = 20;
+/// Stands before the end record of a 64-bit archive.
+static const int locatorSize = 20;
+
+static QByteArray endMark()
+{
+    return QByteArrayLiteral("PK\x05\x06");
+}
+
+static QByteArray locatorMark()
+{
+    return QByteArrayLiteral("PK\x06\x07");
+}
+
+static quint16 lengthIn(const QByteArray &endRecord)
+{
+    return qFromLittleEndian<quint16>(endRecord.constData() + lengthPosition);
+}
+
+static bool isClassic(const QByteArray &endRecord)
+{
+    // The 64-bit extension fills the fields that it stands for with ones.
+    return endRecord.mid(disksPosition, 4) == QByteArray(4, '\0') &&
+           endRecord.mid(entriesPosition, 2) != QByteArray(2, '\xFF') &&
+           !endRecord.mid(directoryPosition, 8).contains(QByteArray(4, '\xFF'));
+}
+
+ArchiveComment::ArchiveComment(QFile &file)
+{
+    const qint64 size = std::min<qint64>(file.size(), locatorSize + endRecordSize + 0xFFFF);
+    if (!file.seek(file.size() - size))
+        return;
+    const QByteArray end = file.read(size);
+    const int record = end.lastIndexOf(endMark());
+    if (end.size() != size || !isConsistent(end) || end.mid(record - locatorSize).startsWith(locatorMark()))
+        return;
+    m_endRecord = end.mid(record, endRecordSize);
+    m_comment = end.mid(record + endRecordSize);
+    if (isClassic(m_endRecord) && m_comment.size() <= PackageLimits::maxCommentSize)
+        m_offset = file.size() - m_comment.size() - lengthSize;
+}
+
+QByteArray ArchiveComment::endRecordWith(const QByteArray &comment) const
+{
+    return m_endRecord.left(lengthPosition) + tailWith(comment).left(lengthSize);
+}
+
+QByteArray ArchiveComment::tailWith(const QByteArray &comment)
+{
+    QByteArray length(lengthSize, '\0');
+    qToLittleEndian<quint16>(quint16(comment.size()), length.data());
+    return length + comment;
+}
+
+bool ArchiveComment::isReadable(const QByteArray &comment)
+{
+    return comment.size() <= PackageLimits::maxCommentSize && !comment.contains('\0') && !comment.contains(endMark()) &&
+           !comment.contains(locatorMark());
+}
+
+bool ArchiveComment::isConsistent(const QByteArray &end)
+{
+    const int record = end.lastIndexOf(endMark());
+    const int comment = record + endRecordSize;
+    return record >= 0 && comment <= end.size() && end.size() - comment == lengthIn(end.mid(record, endRecordSize));
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

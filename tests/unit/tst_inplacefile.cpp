@@ -1,0 +1,437 @@
+#include "inplacefile.h"
+#include "packagetesting.h"
+#include "projectlist.h"
+#include "undorecord.h"
+#include "zippackagehandle.h"
+
+#include <support/packagebuilder.h>
+#include <support/testmain.h>
+
+#include <QDateTime>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+using TestSupport::PackageBuilder;
+
+Q_DECLARE_METATYPE(UndoRecord)
+
+/// Changing a file's end where it lies, and what becomes of a change that was cut.
+class TstInPlaceFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void the_tail_is_replaced_and_nothing_else_data();
+    void the_tail_is_replaced_and_nothing_else();
+    void a_missing_file_is_not_made();
+    void what_is_no_plain_file_is_not_opened();
+    void a_link_is_followed_and_stays();
+    void a_full_disk_leaves_the_old_tail();
+    void a_file_that_was_removed_is_not_changed_with_success();
+    void who_comes_second_does_not_get_in();
+
+    void a_record_is_read_as_it_was_written();
+    void a_damaged_record_is_known_data();
+    void a_damaged_record_is_known();
+    void a_record_of_another_folder_is_none();
+    void records_are_neither_listed_nor_packed();
+    void records_of_different_files_have_different_names();
+
+    void each_cut_leaves_the_old_or_the_new_tail_data();
+    void each_cut_leaves_the_old_or_the_new_tail();
+    void the_next_edit_ends_what_was_cut();
+    void a_scan_ends_what_was_cut();
+    void a_scan_ends_what_was_cut_behind_a_link();
+    void a_renamed_file_is_found();
+    void the_record_of_a_file_that_has_gone_is_removed();
+    void what_others_wrote_meanwhile_stays();
+    void another_file_under_the_name_stays();
+    void the_record_of_a_living_edit_stays();
+    void recovering_brings_the_time_back();
+
+private:
+    QString path(const QString &name) const { return m_temp->filePath(name); }
+    /// What a killed process leaves: a file with this tail, and the record of its change from `before` to `after`.
+    UndoRecord leaveCut(const QString &name, const QByteArray &tail);
+
+    QScopedPointer<QTemporaryDir> m_temp;
+};
+
+namespace {
+
+const QByteArray head = noise(6000);
+const QByteArray before = "the old tail, which is the longer one";
+const QByteArray after = "the new tail, shorter";
+
+} // namespace
+
+void TstInPlaceFile::init()
+{
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+}
+
+UndoRecord TstInPlaceFile::leaveCut(const QString &name, const QByteArray &tail)
+{
+    UndoRecord record;
+    QFile file(path(name));
+    if (!writeFile(file.fileName(), head + tail) || !file.open(QIODevice::ReadOnly))
+        qFatal("No file");
+    record.fileName = name;
+    record.offset = head.size();
+    record.mark = UndoRecord::markOf(file, record.offset);
+    record.before = before;
+    record.after = after;
+    record.modified = qint64(1500000000) * 1000000000 + 123456789;
+    if (!record.write(UndoRecord::pathFor(file.fileName())))
+        qFatal("No record");
+    return record;
+}
+
+void TstInPlaceFile::the_tail_is_replaced_and_nothing_else_data()
+{
+    QTest::addColumn<QByteArray>("tail");
+    QTest::newRow("shorter") << QByteArray("x");
+    QTest::newRow("none") << QByteArray();
+    QTest::newRow("as long") << QByteArray(before.size(), 'x');
+    QTest::newRow("longer") << QByteArray(65536, 'x');
+    QTest::newRow("the same") << before;
+}
+
+void TstInPlaceFile::the_tail_is_replaced_and_nothing_else()
+{
+    QFETCH(QByteArray, tail);
+    QVERIFY(writeFile(path("file"), head + before));
+    InPlaceFile file(path("file"));
+    QVERIFY(file.open());
+    QVERIFY(file.replaceTail(head.size(), tail));
+    QVERIFY(readFile(path("file")) == head + tail);
+    QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+}
+
+void TstInPlaceFile::a_missing_file_is_not_made()
+{
+    QVERIFY(!InPlaceFile(path("file")).open());
+    QVERIFY(QFile::link(path("missing"), path("link")));
+    QVERIFY(!InPlaceFile(path("link")).open());
+    QCOMPARE(contents(m_temp->path()), QStringList{"link"});
+}
+
+void TstInPlaceFile::what_is_no_plain_file_is_not_opened()
+{
+    QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
+    QVERIFY(!InPlaceFile(path("pipe")).open());
+    QVERIFY(!InPlaceFile(m_temp->path()).open());
+    QVERIFY(!InPlaceFile("/dev/null").open());
+}
+
+void TstInPlaceFile::a_link_is_followed_and_stays()
+{
+    QVERIFY(writeFile(path("folder/file"), head + before));
+    QVERIFY(QFile::link(path("folder/file"), path("link")));
+    InPlaceFile file(path("link"));
+    QVERIFY(file.open());
+    QVERIFY(file.replaceTail(head.size(), after));
+    QVERIFY(QFileInfo(path("link")).isSymLink());
+    QVERIFY(readFile(path("folder/file")) == head + after);
+}
+
+void TstInPlaceFile::a_full_disk_leaves_the_old_tail()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    const QByteArray tail(5000, 'x');
+    for (int limit = 0; limit < head.size() + tail.size(); limit += 499) {
+        InPlaceFile file(path("file"));
+        QVERIFY(file.open());
+        {
+            const FullDisk disk(limit);
+            QVERIFY2(!file.replaceTail(head.size(), tail), qPrintable(QString::number(limit)));
+        }
+        QVERIFY(readFile(path("file")) == head + before);
+        QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+    }
+}
+
+void TstInPlaceFile::a_file_that_was_removed_is_not_changed_with_success()
+{
+    for (const bool isReplaced : {false, true}) {
+        QVERIFY(writeFile(path("file"), head + before));
+        InPlaceFile file(path("file"));
+        QVERIFY(file.open());
+        QVERIFY(QFile::remove(path("file")));
+        if (isReplaced)
+            QVERIFY(writeFile(path("file"), "another"));
+        QVERIFY(!file.replaceTail(head.size(), after));
+        QCOMPARE(readFile(path("file")), isReplaced ? QByteArray("another") : QByteArray());
+        QCOMPARE(contents(m_temp->path()), isReplaced ? QStringList{"file"} : QStringList());
+    }
+}
+
+void TstInPlaceFile::who_comes_second_does_not_get_in()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    auto first = std::make_unique<InPlaceFile>(path("file"));
+    InPlaceFile second(path("file"));
+    QVERIFY(first->open());
+    QVERIFY(!second.open());
+    first.reset();
+    InPlaceFile third(path("file"));
+    QVERIFY(third.open());
+}
+
+void TstInPlaceFile::a_record_is_read_as_it_was_written()
+{
+    const UndoRecord written = leaveCut(QString::fromUtf8("演出.corvelpro"), before);
+    UndoRecord read;
+    QCOMPARE(read.read(UndoRecord::pathFor(path(written.fileName))), UndoRecord::Whole);
+    QCOMPARE(read.fileName, written.fileName);
+    QCOMPARE(read.offset, written.offset);
+    QCOMPARE(read.mark, written.mark);
+    QCOMPARE(read.before, written.before);
+    QCOMPARE(read.after, written.after);
+    QCOMPARE(read.modified, written.modified);
+}
+
+void TstInPlaceFile::a_damaged_record_is_known_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("flipped");
+    for (int size : {0, 1, 31, 32, 40, 100, -1})
+        QTest::newRow(qPrintable(QStringLiteral("cut at %1").arg(size))) << size << -1;
+    for (int flipped : {0, 31, 32, 36, 60, 120})
+        QTest::newRow(qPrintable(QStringLiteral("byte %1").arg(flipped))) << 100000 << flipped;
+}
+
+void TstInPlaceFile::a_damaged_record_is_known()
+{
+    QFETCH(int, size);
+    QFETCH(int, flipped);
+    const QByteArray torn = after.left(10) + before.mid(10);
+    leaveCut("file", torn);
+    const QString recordPath = UndoRecord::pathFor(path("file"));
+    QByteArray bytes = readFile(recordPath);
+    bytes = size < 0 ? bytes.chopped(1) : bytes.left(size);
+    if (flipped >= 0)
+        bytes[flipped] = char(bytes.at(flipped) ^ 1);
+    QVERIFY(writeFile(recordPath, bytes));
+    UndoRecord record;
+    QCOMPARE(record.read(recordPath), UndoRecord::Broken);
+    // It says nothing about the file, but somebody may be writing it.
+    InPlaceFile::recover(m_temp->path());
+    QVERIFY(QFile::exists(recordPath));
+    {
+        QFile file(recordPath);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+    }
+    InPlaceFile::recover(m_temp->path());
+    QVERIFY(!QFile::exists(recordPath));
+    // Who holds the file knows that nobody writes it.
+    QVERIFY(writeFile(recordPath, bytes));
+    QVERIFY(InPlaceFile(path("file")).open());
+    QVERIFY(readFile(path("file")) == head + torn);
+    QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+}
+
+void TstInPlaceFile::a_record_of_another_folder_is_none()
+{
+    const QByteArray torn = after.left(10) + before.mid(10);
+    UndoRecord record = leaveCut("file", torn);
+    QVERIFY(QDir().mkdir(path("folder")));
+    record.fileName = "../file";
+    const QString elsewhere = UndoRecord::pathFor(path("folder/file"));
+    QVERIFY(record.write(elsewhere));
+    QCOMPARE(record.read(elsewhere), UndoRecord::Broken);
+    InPlaceFile::recover(path("folder"));
+    QVERIFY(readFile(path("file")) == head + torn);
+}
+
+void TstInPlaceFile::records_are_neither_listed_nor_packed()
+{
+    QVERIFY(makeDeviceTree(path("device")));
+    UndoRecord record = leaveCut("device/192.168.0.10.json", before);
+    QCOMPARE(QDir(path("device")).entryList({".*.undo"}, QDir::Files | QDir::Hidden).size(), 1);
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    QVERIFY(ZipPackageHandle::compressEngineerPacket(path("device"), info));
+    const QStringList entries = ZipPackageHandle::getFileList(info.strFilePath);
+    QVERIFY(entries.contains("BKG/BKG_0.png"));
+    QVERIFY2(entries.filter(".undo").isEmpty(), qPrintable(entries.join(' ')));
+    QVERIFY(!QDir(path("device")).entryList({"*.corvelpro"}, QDir::Dirs | QDir::Files | QDir::Drives).size());
+}
+
+void TstInPlaceFile::records_of_different_files_have_different_names()
+{
+    const QString one = UndoRecord::pathFor(path("one.corvelpro"));
+    QCOMPARE(one, UndoRecord::pathFor(path("one.corvelpro")));
+    QVERIFY(one != UndoRecord::pathFor(path("two.corvelpro")));
+    QVERIFY(UndoRecord::isUndoRecord(QFileInfo(one).fileName()));
+    QVERIFY(QFileInfo(one).fileName().startsWith('.'));
+    QVERIFY(!UndoRecord::isUndoRecord("one.undo"));
+    QVERIFY(!UndoRecord::isUndoRecord(QFileInfo(one).fileName() + '~'));
+}
+
+void TstInPlaceFile::each_cut_leaves_the_old_or_the_new_tail_data()
+{
+    QTest::addColumn<QByteArray>("from");
+    QTest::addColumn<QByteArray>("to");
+    QTest::newRow("to a shorter one") << before << after;
+    QTest::newRow("to a longer one") << after << before;
+    QTest::newRow("to one as long") << before << QByteArray(before).replace("old", "new");
+}
+
+void TstInPlaceFile::each_cut_leaves_the_old_or_the_new_tail()
+{
+    QFETCH(QByteArray, from);
+    QFETCH(QByteArray, to);
+    QVector<QPair<QByteArray, QByteArray>> cuts{{from, from}, {to, to}};
+    const int longer = std::max(from.size(), to.size());
+    for (int written = 0; written < to.size(); ++written) {
+        // A kill in the write, and a power failure that has kept any two parts of it.
+        cuts.append({to.left(written) + from.mid(written), from});
+        if (written <= from.size())
+            cuts.append({from.left(written) + to.mid(written), from});
+        // Made longer, and the content is not there yet.
+        cuts.append({(to.left(written) + from.mid(written)).leftJustified(longer, '\0'), from});
+        cuts.append({QByteArray(to.left(written)).leftJustified(longer, '\0'), from});
+    }
+    // Not cut yet.
+    cuts.append({to + from.mid(to.size()), from});
+    for (const auto &cut : cuts) {
+        UndoRecord record = leaveCut("file", cut.first);
+        record.before = from;
+        record.after = to;
+        QVERIFY(record.write(UndoRecord::pathFor(path("file"))));
+        InPlaceFile::recover(m_temp->path());
+        // Both may be the same at that place: then it is whole already.
+        const QByteArray expected = cut.first == to ? to : cut.second;
+        QVERIFY2(readFile(path("file")) == head + expected, cut.first.toPercentEncoding(" ,"));
+        QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+    }
+}
+
+void TstInPlaceFile::the_next_edit_ends_what_was_cut()
+{
+    leaveCut("file", after.left(10) + before.mid(10));
+    InPlaceFile file(path("file"));
+    QVERIFY(file.open());
+    QVERIFY(readFile(path("file")) == head + before);
+    QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+}
+
+void TstInPlaceFile::a_scan_ends_what_was_cut()
+{
+    const QString package = path("show.corvelpro");
+    QVERIFY(PackageBuilder().file("a.txt", noise(9000)).record("show", "before").write(package));
+    const QByteArray whole = readFile(package);
+    UndoRecord record;
+    {
+        QFile file(package);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        record.fileName = "show.corvelpro";
+        record.offset = whole.lastIndexOf("PK\x05\x06") + 20;
+        record.mark = UndoRecord::markOf(file, record.offset);
+        record.before = whole.mid(int(record.offset));
+    }
+    record.after = QByteArray(500, 'n');
+    QVERIFY(record.write(UndoRecord::pathFor(package)));
+    QVERIFY(writeFile(package, whole.left(int(record.offset)) + record.after.left(300)));
+    ProjectList list;
+    list.scanProjectFiles(m_temp->path() + '/', list.beginScan());
+    QCOMPARE(list.projects.size(), 1);
+    QCOMPARE(list.projects.first().strComment, QString("before"));
+    QVERIFY(readFile(package) == whole);
+    QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
+}
+
+void TstInPlaceFile::a_scan_ends_what_was_cut_behind_a_link()
+{
+    leaveCut("file", after.left(10) + before.mid(10));
+    QVERIFY(QDir().mkdir(path("projects")));
+    QVERIFY(QFile::link(path("file"), path("projects/link.corvelpro")));
+    ProjectList list;
+    list.scanProjectFiles(path("projects/"), list.beginScan());
+    QVERIFY(readFile(path("file")) == head + before);
+    QCOMPARE(contents(m_temp->path()), QStringList({"file", "projects", "projects/link.corvelpro"}));
+}
+
+void TstInPlaceFile::a_renamed_file_is_found()
+{
+    leaveCut("show.corvelpro", after.left(10) + before.mid(10));
+    QVERIFY(QFile::rename(path("show.corvelpro"), path("renamed.corvelpro")));
+    QVERIFY(writeFile(path("a.corvelpro"), noise(8000, 2)));
+    for (const bool isNameTaken : {true, false}) {
+        if (isNameTaken)
+            QVERIFY(writeFile(path("show.corvelpro"), noise(8000, 3)));
+        InPlaceFile::recover(m_temp->path());
+        QVERIFY(readFile(path("renamed.corvelpro")) == head + before);
+        QVERIFY(readFile(path("a.corvelpro")) == noise(8000, 2));
+        QVERIFY(contents(m_temp->path()).filter(".undo").isEmpty());
+        QFile::remove(path("show.corvelpro"));
+        leaveCut("show.corvelpro", after.left(10) + before.mid(10));
+        QVERIFY(QFile::remove(path("renamed.corvelpro")));
+        QVERIFY(QFile::rename(path("show.corvelpro"), path("renamed.corvelpro")));
+    }
+}
+
+void TstInPlaceFile::the_record_of_a_file_that_has_gone_is_removed()
+{
+    leaveCut("show.corvelpro", after);
+    QVERIFY(QFile::remove(path("show.corvelpro")));
+    ProjectList list;
+    list.scanProjectFiles(m_temp->path() + '/', list.beginScan());
+    QVERIFY(contents(m_temp->path()).isEmpty());
+}
+
+void TstInPlaceFile::what_others_wrote_meanwhile_stays()
+{
+    for (const QByteArray &tail : {QByteArray("written by somebody else"), QByteArray(), before + "more"}) {
+        leaveCut("file", tail);
+        InPlaceFile::recover(m_temp->path());
+        QVERIFY(readFile(path("file")) == head + tail);
+        QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+    }
+}
+
+void TstInPlaceFile::another_file_under_the_name_stays()
+{
+    const QByteArray torn = after.left(10) + before.mid(10);
+    leaveCut("file", torn);
+    const QByteArray other = noise(head.size(), 7) + torn;
+    QVERIFY(writeFile(path("file"), other));
+    InPlaceFile file(path("file"));
+    QVERIFY(file.open());
+    QVERIFY(readFile(path("file")) == other);
+    QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+}
+
+void TstInPlaceFile::the_record_of_a_living_edit_stays()
+{
+    const QByteArray torn = after.left(10) + before.mid(10);
+    QVERIFY(writeFile(path("file"), head + before));
+    InPlaceFile living(path("file"));
+    QVERIFY(living.open());
+    // In the middle of its write.
+    leaveCut("file", torn);
+    InPlaceFile::recover(m_temp->path());
+    QVERIFY(readFile(path("file")) == head + torn);
+    QCOMPARE(contents(m_temp->path()).filter(".undo").size(), 1);
+}
+
+void TstInPlaceFile::recovering_brings_the_time_back()
+{
+    for (const QByteArray &tail : {after, QByteArray(after.left(10) + before.mid(10))}) {
+        const UndoRecord record = leaveCut("file", tail);
+        InPlaceFile::recover(m_temp->path());
+        struct stat status;
+        QCOMPARE(stat(QFile::encodeName(path("file")).constData(), &status), 0);
+        QCOMPARE(qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec, record.modified);
+    }
+}
+
+TEST_MAIN_CORE(TstInPlaceFile)
+#include "tst_inplacefile.moc"
