@@ -47,6 +47,11 @@ Fault Fault::run(const std::function<void()> &action, int call)
     return fault;
 }
 
+Fault Fault::throwing(int call)
+{
+    return makeFault(Throw, call);
+}
+
 Faults *Faults::instance()
 {
     static Faults faults;

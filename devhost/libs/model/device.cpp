@@ -3,6 +3,8 @@
 #include "device_p.h"
 #include "deviceconfigmanager.h"
 
+#include <simulation/operation.h>
+
 #include <limits>
 
 namespace Model {
@@ -333,6 +335,7 @@ void Device::clearPreset()
 
 void Device::fromJson(const QJsonObject &object)
 {
+    Simulation::meetFaults(QStringLiteral("Device.fromJson"));
     DeviceData data;
     data.modelId = number<int>(object.value(QLatin1String("modelId")));
     data.id = number<quint16>(object.value(QLatin1String("id")));

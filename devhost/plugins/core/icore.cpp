@@ -1,7 +1,7 @@
 #include <core/icore.h>
 
 #include <core/hostsettings.h>
-#include <simulation/journal.h>
+#include <simulation/operation.h>
 
 #include <QMetaEnum>
 
@@ -36,8 +36,8 @@ QString ICore::ExtractJsonPath()
 void ICore::setOperatorType(OperatorDeviceType type, const QString &text)
 {
     const QString typeName = QString::fromLatin1(QMetaEnum::fromType<OperatorDeviceType>().valueToKey(type));
-    Simulation::Journal::instance()->record(QStringLiteral("ICore.setOperatorType"),
-                                            {{QStringLiteral("type"), typeName}, {QStringLiteral("text"), text}});
+    Simulation::beginOperation(QStringLiteral("ICore.setOperatorType"),
+                               {{QStringLiteral("type"), typeName}, {QStringLiteral("text"), text}});
     emit instance()->operatorTypeChanged(type, text);
 }
 

@@ -1,6 +1,6 @@
 #include "packagefile.h"
 
-#include <QFileInfo>
+#include "plainfile.h"
 
 #include <algorithm>
 
@@ -11,21 +11,25 @@ namespace Internal {
 static const qint64 endSize = 0xFFFF + 22 + 20;
 
 PackageFile::PackageFile(const QString &path)
-    : m_file(path)
+    : m_strPath(path)
+    , m_file(std::make_unique<QFile>())
+{}
+
+PackageFile::PackageFile(std::unique_ptr<QFile> file)
+    : m_file(std::move(file))
 {}
 
 PackageFile::~PackageFile() = default;
 
 bool PackageFile::open(OpenMode mode)
 {
-    // Opening a pipe would wait for somebody who writes to it.
-    if (mode != QIODevice::ReadOnly || !QFileInfo(m_file).isFile() || !m_file.open(mode))
+    if (mode != QIODevice::ReadOnly || (!m_file->isOpen() && !openPlainFile(*m_file, m_strPath)))
         return false;
-    m_nSize = m_file.size();
+    m_nSize = m_file->size();
     const qint64 expected = std::min(m_nSize, endSize);
-    if (!m_file.seek(m_nSize - expected))
+    if (!m_file->seek(m_nSize - expected))
         return false;
-    m_end = m_file.read(expected);
+    m_end = m_file->read(expected);
     // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
     return m_end.size() == expected && QIODevice::open(mode | QIODevice::Unbuffered);
 }
@@ -55,8 +59,8 @@ qint64 PackageFile::readData(char *data, qint64 maxSize)
         std::copy_n(m_end.constData() + (m_nPosition - endStart), count, data);
     } else {
         // The zip library reads its numbers byte by byte, and each seek is a call of the system.
-        const bool isThere = m_file.pos() == m_nPosition || m_file.seek(m_nPosition);
-        count = isThere ? m_file.read(data, maxSize) : -1;
+        const bool isThere = m_file->pos() == m_nPosition || m_file->seek(m_nPosition);
+        count = isThere ? m_file->read(data, maxSize) : -1;
     }
     m_nPosition += std::max<qint64>(count, 0);
     return count;

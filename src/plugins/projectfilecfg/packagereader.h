@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class QFile;
 class QIODevice;
 class QuaZip;
 
@@ -21,6 +22,8 @@ class PackageReader
 {
 public:
     explicit PackageReader(const QString &packetPath);
+    /// Of a file that is open already, for reading.
+    explicit PackageReader(std::unique_ptr<QFile> packet);
     ~PackageReader();
 
     /// False when the file is missing or no archive; the other operations then return nothing.
@@ -30,6 +33,9 @@ public:
     /// archive's directory is damaged or cannot be true: entries of more than 4 GiB in all, packed ones of more than
     /// the file has, more than 65,535 of them, or names of more than 16 million characters.
     QStringList fileList() const;
+
+    /// Each of them once, for who takes one after the other: of several of one name the first counts.
+    QStringList entries() const;
 
     /// What content is taken, in bytes: of an entry of that name, and of all entries together. A package itself is
     /// smaller, and its pictures are as large outside as inside.
@@ -61,6 +67,8 @@ public:
     /// The content of `entryName`, for what is too small to need a file. Empty when the entry is missing, refused as
     /// by extractFile, damaged, or larger than `limit` bytes.
     QByteArray read(const QString &entryName, qint64 limit);
+    /// The same, to a device that is open for writing. When it fails, part of the content may be there.
+    bool read(const QString &entryName, QIODevice &destination, qint64 limit);
 
     /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
     /// what extractFile returned for each, in the archive's order. What is beyond 64 MiB of
@@ -68,6 +76,8 @@ public:
     QStringList extractJsonFiles(const QString &destDir);
 
 private:
+    explicit PackageReader(std::unique_ptr<PackageFile> file);
+
     struct Entry;
     struct Directory;
 

@@ -12,6 +12,9 @@ namespace Internal {
 class PictureReader
 {
 public:
+    /// No picture of more pixels is read; of those with more than 8 bits per channel, none of fewer either.
+    static constexpr qint64 maxPixels = 192 * 1024 * 1024 / 4;
+
     explicit PictureReader(const QString &path);
     /// Reads from a device that stands at the beginning of the picture and can seek.
     explicit PictureReader(QIODevice *device);

@@ -30,9 +30,8 @@ bool isWorthOpening(const QString &packetPath)
     return QFileInfo::exists(packetPath) || ProjectFileFacts::hasPackageExtension(packetPath);
 }
 
-bool hasOwnChecksum(const QString &packetPath, EngineerPacketInfo &info)
+bool hasOwnChecksum(const PackageReader &package, EngineerPacketInfo &info)
 {
-    const PackageReader package(packetPath);
     return ZipPackageHandle::parseEngineerInfo(info, package.comment()) && info.strChecksum == package.checksum();
 }
 
@@ -119,20 +118,26 @@ bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info)
             .debug("File is not exist");
         return false;
     }
-    return hasOwnChecksum(info.strFilePath, info);
+    return hasOwnChecksum(PackageReader(info.strFilePath), info);
 }
 
 bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath)
 {
     EngineerPacketInfo info;
-    return isWorthOpening(packetPath) && hasOwnChecksum(packetPath, info);
+    return isWorthOpening(packetPath) && hasOwnChecksum(PackageReader(packetPath), info);
 }
 
 bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath)
 {
     useUtf8LocaleCodec();
     EngineerPacketInfo info;
-    return QFileInfo::exists(packetPath) && hasOwnChecksum(packetPath, info);
+    return QFileInfo::exists(packetPath) && hasOwnChecksum(PackageReader(packetPath), info);
+}
+
+bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package)
+{
+    EngineerPacketInfo info;
+    return hasOwnChecksum(package, info);
 }
 
 QStringList ZipPackageHandle::extractJsonFiles(const QString &packetPath, const QString &destDir)

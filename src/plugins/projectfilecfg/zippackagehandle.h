@@ -6,6 +6,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+class PackageReader;
+
 /// What a package says about itself.
 struct EngineerPacketInfo
 {
@@ -45,6 +47,8 @@ public:
 
     /// The same test for a package that is about to be applied: only an existing file can pass.
     static bool checkPacketChecksum(const QString &packetPath);
+    /// The same of one that is open.
+    static bool checkPacketChecksum(const PackageReader &package);
 
     /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
     /// the written paths in the archive's order, an empty string for each entry that could not be extracted,
