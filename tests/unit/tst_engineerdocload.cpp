@@ -1351,6 +1351,13 @@ void TstEngineerDocLoad::an_offline_device_gets_its_files_before_its_model()
 
 void TstEngineerDocLoad::an_offline_device_never_holds_more_than_a_package()
 {
+    // So many files are flushed and removed there at once.
+    const QByteArray temporary = qgetenv("TMPDIR");
+    if (QFileInfo(QStringLiteral("/dev/shm")).isWritable())
+        qputenv("TMPDIR", "/dev/shm");
+    m_site.reset();
+    m_site.emplace(QVector<CustomDevice>{{plainDevice(offlineIp), false}});
+    qputenv("TMPDIR", temporary);
     const QString folder = m_site->devicePath(offlineIp);
     const auto packageOfFiles = [](const QByteArray &prefix, int count) {
         PackageBuilder package = descriptionOnly(descriptionOf(plainDevice(sourceIp)));

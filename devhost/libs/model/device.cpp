@@ -117,7 +117,8 @@ template<typename T>
 void append(QJsonArray &array, const std::vector<std::shared_ptr<T>> &objects)
 {
     for (const std::shared_ptr<T> &object : objects)
-        array.append(toJson(*object));
+        if (object)
+            array.append(toJson(*object));
 }
 
 /// The entries of an array that are objects; others cannot be read.
@@ -135,6 +136,10 @@ std::vector<std::shared_ptr<Materail>> atAddress(const std::vector<std::shared_p
 {
     std::vector<std::shared_ptr<Materail>> moved;
     for (const std::shared_ptr<Materail> &materail : materials) {
+        if (!materail) {
+            moved.push_back(nullptr);
+            continue;
+        }
         moved.push_back(std::make_shared<Materail>(static_cast<Materail::MaterailType>(materail->getType()),
                                                    materail->getKeyNo(), materail->getName(), materail->size(), ip));
         moved.back()->setThumb(materail->thumb());
