@@ -617,11 +617,10 @@ void TstEngineerDocLoad::online_apply_calls_the_host_in_order()
     for (const Simulation::JournalEntry &entry : Journal::instance()->entries(createPicture))
         pictures.append(entry.arguments);
     const auto arguments = [](const QSize &imageSize, int kind, const QString &name) {
-        return QVariantMap{{QStringLiteral("isListed"), true},
-                           {QStringLiteral("ip"), onlineIp}, {QStringLiteral("imageSize"), imageSize},
-                           {QStringLiteral("kind"), kind},   {QStringLiteral("text"), QString()},
-                           {QStringLiteral("flags"), 0},     {QStringLiteral("size"), QSize(0, 0)},
-                           {QStringLiteral("name"), name}};
+        return QVariantMap{{QStringLiteral("isListed"), true},       {QStringLiteral("ip"), onlineIp},
+                           {QStringLiteral("imageSize"), imageSize}, {QStringLiteral("kind"), kind},
+                           {QStringLiteral("text"), QString()},      {QStringLiteral("flags"), 0},
+                           {QStringLiteral("size"), QSize(0, 0)},    {QStringLiteral("name"), name}};
     };
     QCOMPARE(pictures, (QVector<QVariantMap>{arguments({16, 9}, 0, QStringLiteral("BKG_1")),
                                              arguments({9, 16}, 0, QStringLiteral("BKG_7")),
@@ -887,9 +886,8 @@ void TstEngineerDocLoad::a_picture_whose_apply_failed_is_left()
 {
     Faults::instance()->arm(createPicture, Fault::fail(2));
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 14);
-    QCOMPARE(contents(m_site->extractPath()),
-             (QStringList{sourceIp + QStringLiteral(".json"), QStringLiteral("BKG"), QStringLiteral("BKG/BKG_7.png"),
-                          QStringLiteral("LOGO")}));
+    QCOMPARE(contents(m_site->extractPath()), (QStringList{sourceIp + QStringLiteral(".json"), QStringLiteral("BKG"),
+                                                           QStringLiteral("BKG/BKG_7.png"), QStringLiteral("LOGO")}));
 }
 
 void TstEngineerDocLoad::a_picture_that_cannot_be_removed_is_no_error()
@@ -1405,8 +1403,8 @@ void TstEngineerDocLoad::a_host_call_that_throws_is_code_7()
     QFETCH(QString, operation);
     QFETCH(int, call);
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(packageOf(richDevice(sourceIp))), ip);
-    const ExpectMessage expected(
-        QtCriticalMsg, QStringLiteral("Import project file failed, exception: %1 throws").arg(operation), 1);
+    const ExpectMessage expected(QtCriticalMsg,
+                                 QStringLiteral("Import project file failed, exception: %1 throws").arg(operation), 1);
     Faults::instance()->arm(operation, Fault::throwing(call));
     QCOMPARE(runJob(*job), 7);
     // It goes on working.
@@ -1427,8 +1425,8 @@ void TstEngineerDocLoad::a_check_in_which_the_host_throws_is_code_7()
     job.setDeviceIp(onlineIp);
     job.setPackagePath(write(packageOf(richDevice(sourceIp))));
     QVERIFY(job.checkPackageFile());
-    const ExpectMessage expected(
-        QtCriticalMsg, QStringLiteral("Import project file failed, exception: %1 throws").arg(operation), 1);
+    const ExpectMessage expected(QtCriticalMsg,
+                                 QStringLiteral("Import project file failed, exception: %1 throws").arg(operation), 1);
     Faults::instance()->arm(operation, Fault::throwing());
     QVERIFY(!job.checkDevice());
     QCOMPARE(job.resultCode(), 7);

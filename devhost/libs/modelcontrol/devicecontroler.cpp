@@ -157,8 +157,8 @@ bool DeviceControler::canMVEEnable() const
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.canMVEEnable"), m_device->getIPAddress(), whose(m_device, {}));
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.canMVEEnable"), m_device->getIPAddress(), whose(m_device, {}));
     return hardware && hardware->state().mvrCapable;
 }
 
@@ -166,8 +166,9 @@ bool DeviceControler::enableMVR(bool enable, QString &errorText)
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("DeviceControler.enableMVR"), m_device->getIPAddress(), whose(m_device, {{QStringLiteral("enable"), enable}}));
+    const std::shared_ptr<Simulation::Hardware> hardware =
+        HardwareAccess::begin(QStringLiteral("DeviceControler.enableMVR"), m_device->getIPAddress(),
+                              whose(m_device, {{QStringLiteral("enable"), enable}}));
     if (!hardware) {
         errorText = QCoreApplication::translate("ModelControl::DeviceControler", "The device did not answer.");
         return false;
@@ -180,8 +181,8 @@ bool DeviceControler::copySlotDataToDevice(const std::shared_ptr<Model::Device> 
 {
     if (!m_device || !source)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.copySlotDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.copySlotDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*source).data();
@@ -193,8 +194,8 @@ bool DeviceControler::copyMVRItemDataToDevice()
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.copyMVRItemDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.copyMVRItemDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();
@@ -206,8 +207,8 @@ bool DeviceControler::copyModelToDevice()
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.copyModelToDevice"), m_device->getIPAddress(), whose(m_device, {}));
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.copyModelToDevice"), m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();

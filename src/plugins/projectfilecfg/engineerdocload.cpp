@@ -211,9 +211,8 @@ bool EngineerDocLoad::readDescription()
         return fail(LoadJsonFileError);
     const QStringList entries = m_package->entries();
     const QString entry = *std::find_if(entries.begin(), entries.end(), isDescription);
-    QByteArray description = extracted.first().isEmpty()
-                                 ? QByteArray()
-                                 : m_package->read(entry, PackageReader::maxSizeOf(entry));
+    QByteArray description =
+        extracted.first().isEmpty() ? QByteArray() : m_package->read(entry, PackageReader::maxSizeOf(entry));
     QBuffer buffer(&description);
     QString error;
     buffer.open(QIODevice::ReadOnly | QIODevice::Text);
@@ -451,8 +450,8 @@ void EngineerDocLoad::decodeAhead(const QString &entry, PictureDecoder &decoder)
 {
     PackagedPicture picture(entry, *m_pPackageDevice);
     const QSize size = picture.materail() ? picture.materail()->size() : QSize();
-    const bool isSmall = qint64(size.width()) * size.height() <= maxPixelsAhead &&
-                         m_package->entrySize(entry) <= maxSizeAhead;
+    const bool isSmall =
+        qint64(size.width()) * size.height() <= maxPixelsAhead && m_package->entrySize(entry) <= maxSizeAhead;
     if (picture.materail() && isSmall && picture.open(*m_package, ICore::ExtractJsonPath()) == LoadSuccess)
         decoder.begin(entry, picture.content(), size);
 }
@@ -480,9 +479,8 @@ bool EngineerDocLoad::sendPicture(const QString &entry, const std::shared_ptr<Mo
 
     ICore::setOperatorType(ICore::OperatorLoad,
                            (picture.isLogo() ? tr("LOGO:") : tr("BKG:")) + picture.materail()->getName());
-    if (!DeviceControler(target).createMaterailFromImage(image,
-                                                         picture.isLogo() ? Materail::Logo : Materail::Background,
-                                                         QString(), 0, QSize(0, 0), picture.name()))
+    if (!DeviceControler(target).createMaterailFromImage(
+            image, picture.isLogo() ? Materail::Logo : Materail::Background, QString(), 0, QSize(0, 0), picture.name()))
         return fail(LoadApplyGalleryFailed);
     if (isExtracted && !QFile::remove(path))
         qDebug() << "Remove file failed:" << path;

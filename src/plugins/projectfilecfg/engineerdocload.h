@@ -25,7 +25,8 @@ class PictureDecoder;
 /// The job that applies a project file to one device, online or offline.
 ///
 /// The two checks run on the caller's thread, before start(); what changes the device runs on a thread of
-/// its own. Every failure leaves a LoadResultCode, an exception of the host LoadImportFailed. One object serves one run.
+/// its own. Every failure leaves a LoadResultCode, an exception of the host LoadImportFailed. One object serves one
+/// run.
 ///
 /// The package is copied aside before the first check (see PackageSnapshot) and held to the end of the run: what was
 /// checked is what is applied, whatever becomes of the file meanwhile. Descriptions and pictures are extracted to the
@@ -47,8 +48,8 @@ public:
     QString deviceIp() const;
 
     /// True when the package is there and its checksum is right. A wrong checksum leaves the result code at
-    /// LoadSuccess, so that nothing is shown: the list does not offer such a package. Ends with LoadDecompressFailed when
-    /// there is no room for the copy.
+    /// LoadSuccess, so that nothing is shown: the list does not offer such a package. Ends with LoadDecompressFailed
+    /// when there is no room for the copy.
     bool checkPackageFile();
     /// True when the package's device description fits the target device; run() uses the description. For a device that
     /// is online, true means as well that every picture can be extracted, read to its end, decoded and put in its place

@@ -19,8 +19,8 @@ namespace Internal {
 
 class PackageReader;
 
-/// A picture of a package as an apply to an online device takes it: where its name puts it, and its content, which comes
-/// from the open package alone.
+/// A picture of a package as an apply to an online device takes it: where its name puts it, and its content, which
+/// comes from the open package alone.
 class PackagedPicture
 {
 public:

@@ -41,8 +41,8 @@ LoadResultCode ReadinessCheck::run()
     return code;
 }
 
-/// By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is too
-/// large for itself.
+/// By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is
+/// too large for itself.
 qint64 ReadinessCheck::pixelsTogether() const
 {
     qint64 pixels = 0;
