@@ -1,6 +1,6 @@
 // Saving and applying against the same steps done one after another, on a simulated device.
 //
-//     bench_jobs [--quick] [--rows FILE] [saving] [applying]
+//     bench_jobs [--quick] [--rows FILE] [saving] [applying] [checking]
 
 #include "benchmark.h"
 
@@ -26,6 +26,9 @@
 #include <QDir>
 #include <QGuiApplication>
 #include <QImageReader>
+#include <QtConcurrentMap>
+
+#include <atomic>
 
 using namespace Benchmark;
 using namespace ProjectFileCfg::Internal;
@@ -206,6 +209,40 @@ void applying(Report &report)
     Simulation::setPace(Simulation::Pace());
 }
 
+/// What is done with a package while its online device still has what it had.
+void checking(Report &report)
+{
+    constexpr int pictures = 24;
+    const QSize size = pictureSize(report);
+    const CustomSite site({{plainDevice(targetIp), true}});
+    const QString package = site.path() + "/show.corvelpro";
+    require(packageOf(showDevice(sourceIp, pictures, size)).record("show", QString()).write(package),
+            "cannot write the package");
+    const auto plain = [&] {
+        PackageReader reader(package);
+        QVector<QByteArray> contents;
+        for (const QString &name : reader.fileList()) {
+            const QByteArray content = reader.read(name, 64 * MiB);
+            if (name.endsWith(".png"))
+                contents.append(content);
+        }
+        std::atomic<int> decoded{0};
+        QtConcurrent::blockingMap(contents, [&decoded](const QByteArray &content) {
+            const QImage picture = QImage::fromData(content, "PNG").convertToFormat(QImage::Format_ARGB32);
+            decoded += picture.isNull() ? 0 : 1;
+        });
+        require(decoded == pictures, "a picture cannot be decoded");
+    };
+    const auto ours = [&] {
+        EngineerDocLoad job(nullptr);
+        job.setDeviceIp(targetIp);
+        job.setPackagePath(package);
+        require(job.checkPackageFile() && job.checkDevice(), "the package does not fit");
+    };
+    report.within("check " + inWords(pictures, size) + " before a reset", "one reading, one decoding on all cores",
+                  inTurn(report.pairs(), plain, ours), 1.2);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -221,5 +258,7 @@ int main(int argc, char *argv[])
         saving(report);
     if (report.isWanted("applying"))
         applying(report);
+    if (report.isWanted("checking"))
+        checking(report);
     return report.allMet() ? 0 : 1;
 }

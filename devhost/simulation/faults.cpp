@@ -47,7 +47,7 @@ Fault Fault::run(const std::function<void()> &action, int call)
     return fault;
 }
 
-Fault Fault::exception(int call)
+Fault Fault::throwing(int call)
 {
     return makeFault(Throw, call);
 }

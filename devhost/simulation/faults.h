@@ -19,7 +19,7 @@ struct HOST_SIMULATION_EXPORT Fault
         Disconnect, ///< the device drops off the network, so that the operation and all later ones fail
         Cancel,     ///< the operation ends as if it had been cancelled
         Run,        ///< `action` runs on the calling thread, then the operation goes on
-        Throw       ///< the operation ends with a std::runtime_error
+        Throw       ///< the operation throws a std::runtime_error, as if the host had a mistake
     };
     /// For `call`: the fault strikes at every call until the faults are cleared.
     static constexpr int EveryCall = 0;
@@ -35,7 +35,7 @@ struct HOST_SIMULATION_EXPORT Fault
     static Fault disconnect(int call = 1);
     static Fault cancel(int call = 1);
     static Fault run(const std::function<void()> &action, int call = 1);
-    static Fault exception(int call = 1);
+    static Fault throwing(int call = 1);
 };
 
 /// The faults that are armed, by operation name. Any thread.

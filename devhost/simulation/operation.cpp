@@ -91,7 +91,7 @@ Outcome begin(const QString &operation, const QVariantMap &arguments, Hardware *
                 fault.action();
             break;
         case Fault::Throw:
-            throw std::runtime_error(operation.toStdString());
+            throw std::runtime_error(operation.toStdString() + " throws");
         }
     }
     if (needsHardware && (!hardware || !hardware->isReachable()))
@@ -120,6 +120,8 @@ QStringList Operations::all()
         QStringLiteral("DeviceControler.setChannelExclusive"),
         QStringLiteral("DeviceControler.updateDeviceInfo"),
         QStringLiteral("DeviceControler.usedCapacity"),
+        QStringLiteral("Device.fromJson"),
+        QStringLiteral("DeviceList.getDeviceByIPAddr"),
         QStringLiteral("ICore.setOperatorType"),
         QStringLiteral("ImageStorager.load"),
         QStringLiteral("MaterialControl.queryMaterailData"),
@@ -142,6 +144,16 @@ Outcome beginOperation(const QString &operation, const QVariantMap &arguments,
                        const std::shared_ptr<Hardware> &hardware, quint64 bytes)
 {
     return begin(operation, arguments, hardware.get(), true, bytes);
+}
+
+void meetFaults(const QString &operation)
+{
+    for (const Fault &fault : Faults::instance()->strike(operation)) {
+        if (fault.kind == Fault::Run && fault.action)
+            fault.action();
+        else if (fault.kind == Fault::Throw)
+            throw std::runtime_error(operation.toStdString() + " throws");
+    }
 }
 
 void cancelRunningOperations()

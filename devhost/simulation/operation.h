@@ -31,6 +31,9 @@ HOST_SIMULATION_EXPORT Outcome beginOperation(const QString &operation, const QV
 HOST_SIMULATION_EXPORT Outcome beginOperation(const QString &operation, const QVariantMap &arguments,
                                               const std::shared_ptr<Hardware> &hardware, quint64 bytes = 0);
 
+/// For what the host answers from its own memory, without a device: no journal, no time. Only Run and Throw strike.
+HOST_SIMULATION_EXPORT void meetFaults(const QString &operation);
+
 /// Makes all operations that are running now end as cancelled; later ones are not touched. Any thread.
 HOST_SIMULATION_EXPORT void cancelRunningOperations();
 /// The same for operations on the device at that address.

@@ -110,7 +110,7 @@ private slots:
 
     void a_call_can_end_with_an_exception()
     {
-        Faults::instance()->arm(operation, Fault::exception(2));
+        Faults::instance()->arm(operation, Fault::throwing(2));
         QCOMPARE(beginOperation(operation), Outcome::Done);
         QVERIFY_EXCEPTION_THROWN(beginOperation(operation), std::runtime_error);
         QCOMPARE(Journal::instance()->count(operation), 2);

@@ -927,23 +927,8 @@ void TstApplyFlow::each_code_has_its_box_data()
     QTest::addColumn<QString>("text");
     const MakePackage rich = [] { return packageOf(richDevice(sourceIp)); };
     QTest::newRow("0, no box") << rich << QString() << QString();
-    QTest::newRow("6, damaged entry") << MakePackage([] {
-        PackageBuilder package = packageOf(richDevice(sourceIp));
-        package.claimCrc(1);
-        return package;
-    }) << QString() << QStringLiteral("Failed to decompress file");
     QTest::newRow("7, device refuses the model") << rich << copyModel << QStringLiteral("Project file import failed");
-    QTest::newRow("11, no picture") << MakePackage([] {
-        PackageBuilder package = packageOf(plainDevice(sourceIp));
-        package.file("BKG/BKG_1.png", "no picture");
-        return package;
-    }) << QString() << QStringLiteral("Incorrect file content");
     QTest::newRow("14, device refuses a picture") << rich << createPicture << QStringLiteral("apply gallery failed");
-    QTest::newRow("15, picture of no material") << MakePackage([] {
-        PackageBuilder package = packageOf(plainDevice(sourceIp));
-        package.file("BKG/BKG_1.png", pngOf(noisePicture({4, 4}, 1)));
-        return package;
-    }) << QString() << QStringLiteral("Incorrect gallery file.");
 }
 
 void TstApplyFlow::each_code_has_its_box()
@@ -986,6 +971,21 @@ void TstApplyFlow::a_refused_package_leaves_the_hardware_alone_data()
         source.protocolNumber = 3;
         return packageOf(source);
     }) << QStringLiteral("Protocol version mismatch");
+    QTest::newRow("6, damaged entry") << MakePackage([] {
+        PackageBuilder package = packageOf(richDevice(sourceIp));
+        package.claimCrc(1);
+        return package;
+    }) << QStringLiteral("Failed to decompress file");
+    QTest::newRow("11, no picture") << MakePackage([] {
+        PackageBuilder package = packageOf(plainDevice(sourceIp));
+        package.file("BKG/BKG_1.png", "no picture");
+        return package;
+    }) << QStringLiteral("Incorrect file content");
+    QTest::newRow("15, picture of no material") << MakePackage([] {
+        PackageBuilder package = packageOf(plainDevice(sourceIp));
+        package.file("BKG/BKG_1.png", pngOf(noisePicture({4, 4}, 1)));
+        return package;
+    }) << QStringLiteral("Incorrect gallery file.");
 }
 
 void TstApplyFlow::a_refused_package_leaves_the_hardware_alone()

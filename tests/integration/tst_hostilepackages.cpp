@@ -10,6 +10,7 @@
 #include <support/testmain.h>
 
 #include <model/serailizer.h>
+#include <simulation/journal.h>
 
 #include <QDirIterator>
 
@@ -238,6 +239,8 @@ private slots:
     void the_honest_package_is_applied_to_both_devices();
     void an_operation_ends_as_the_table_says_data();
     void an_operation_ends_as_the_table_says();
+    void an_online_device_gets_all_or_stays_what_it_was_data();
+    void an_online_device_gets_all_or_stays_what_it_was();
     void what_is_no_file_is_refused_data();
     void what_is_no_file_is_refused();
     void the_panel_imports_and_lists_what_the_table_says();
@@ -489,6 +492,74 @@ void TstHostilePackages::an_operation_ends_as_the_table_says()
     if (operation.startsWith(QStringLiteral("apply")) && !m_packages.at(package).linksInTheWay)
         QCOMPARE(apply(m_honestPackage, operation == QStringLiteral("apply online") ? onlineIp : offlineIp),
                  QStringLiteral("0"));
+}
+
+void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was_data()
+{
+    QTest::addColumn<int>("package");
+    QTest::addColumn<QString>("outcome");
+    QMap<QByteArray, Expectation> table;
+    for (const auto &row : readTable())
+        table.insert(row.first, row.second);
+    for (int number = 0; number < m_packages.size(); ++number) {
+        const QByteArray &name = m_packages.at(number).name;
+        QTest::addRow("%s", name.constData()) << number << table.value(name).online;
+    }
+}
+
+/// By the panel, which resets the device in between.
+void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was()
+{
+    QFETCH(int, package);
+    QFETCH(QString, outcome);
+    static const QHash<QString, QString> texts{
+        {QStringLiteral("3"), QStringLiteral("Input or output card mismatch")},
+        {QStringLiteral("5"), QStringLiteral("Failed to get device information")},
+        {QStringLiteral("6"), QStringLiteral("Failed to decompress file")},
+        {QStringLiteral("8"), QStringLiteral("Incorrect JSON file")},
+        {QStringLiteral("10"), QStringLiteral("Device type mismatch")},
+        {QStringLiteral("11"), QStringLiteral("Incorrect file content")},
+        {QStringLiteral("12"), QStringLiteral("Protocol version mismatch")},
+        {QStringLiteral("15"), QStringLiteral("Incorrect gallery file.")}};
+    const LibraryNoise noise;
+    const LeaksOfLibrary leaks(m_packages.at(package).libraryLeaks);
+    setUp(m_packages.at(package));
+    const std::shared_ptr<Simulation::Hardware> hardware = (*m_site)->hardware(onlineIp);
+    hardware->setState(richDevice(onlineIp));
+    const Simulation::HardwareState before = hardware->state();
+    QVERIFY(PanelTesting::clearProjectFilesDirectory());
+    const PanelTesting::Panel panel;
+    panel->show();
+    PanelTesting::settle();
+
+    AnswerBook book;
+    book.expectFileDialog(QStringLiteral("Project file"), {m_package});
+    if (outcome != QStringLiteral("-")) {
+        book.expectQuestion(QStringLiteral("Remind"), QString(), QMessageBox::No);
+        if (outcome != QStringLiteral("0"))
+            book.expectWarning(QStringLiteral("Remind"), texts.value(outcome, QStringLiteral("an unknown code")));
+    } else {
+        book.expectWarning(QStringLiteral("Remind"),
+                           QStringLiteral("The file does not exist or the file format is incorrect."));
+    }
+    Simulation::Journal::instance()->clear();
+    click(panel.applyOthers());
+    const auto isAtRest = [&] {
+        const auto types = Simulation::Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+        const bool isIdle = types.isEmpty() || types.last().arguments.value(QStringLiteral("type")).toString() ==
+                                                   QStringLiteral("OperatorNone");
+        return book.isSatisfied() && isIdle;
+    };
+    QTRY_VERIFY2_WITH_TIMEOUT(isAtRest(), qPrintable(book.report()), 120000);
+    PanelTesting::settle();
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    if (outcome == QStringLiteral("0")) {
+        QVERIFY(hardware->state() != before);
+        return;
+    }
+    const QStringList differences = hardware->state().differencesTo(before);
+    QVERIFY2(differences.isEmpty(), qPrintable(differences.join(QLatin1Char('\n'))));
+    QCOMPARE(Simulation::Journal::instance()->count(QStringLiteral("DeviceControler.updateDeviceInfo")), 0);
 }
 
 void TstHostilePackages::what_is_no_file_is_refused_data()

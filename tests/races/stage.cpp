@@ -63,8 +63,29 @@ QString nameOf(Disturbance disturbance)
                                         "package replaced",
                                         "package truncated",
                                         "package added",
-                                        "cancel pressed"};
+                                        "cancel pressed",
+                                        "package touched",
+                                        "package edited in place",
+                                        "package overwritten in place",
+                                        "extracted files replaced"};
     return QString::fromLatin1(names[disturbance]);
+}
+
+bool isOfFiles(Disturbance disturbance)
+{
+    switch (disturbance) {
+    case PackageDeleted:
+    case PackageReplaced:
+    case PackageTruncated:
+    case PackageAdded:
+    case PackageTouched:
+    case PackageEdited:
+    case PackageOverwritten:
+    case ExtractedFilesReplaced:
+        return true;
+    default:
+        return false;
+    }
 }
 
 Simulation::HardwareState replacementDevice()
@@ -448,6 +469,10 @@ bool Stage::isOfTheEventLoop(Disturbance disturbance)
     case PackageReplaced:
     case PackageTruncated:
     case PackageAdded:
+    case PackageTouched:
+    case PackageEdited:
+    case PackageOverwritten:
+    case ExtractedFilesReplaced:
         return false;
     default:
         return true;
@@ -537,7 +562,66 @@ void Stage::disturb(Disturbance disturbance, const QString &ip, const QString &p
                 cancel->click();
         }
         break;
+    case PackageTouched:
+        if (QFile::exists(projectFile(package)) && !makeOld(projectFile(package), ++m_added))
+            qFatal("The package cannot be touched");
+        break;
+    case PackageEdited:
+        editInPlace(package);
+        break;
+    case PackageOverwritten:
+        overwriteInPlace(package);
+        break;
+    case ExtractedFilesReplaced:
+        replaceExtractedFiles();
+        break;
     }
+}
+
+/// The letters of the comment become capitals, or small again.
+void Stage::editInPlace(const QString &package)
+{
+    QFile file(projectFile(package));
+    if (m_damaged.contains(package) || !file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+        return;
+    m_disturbedPackages.insert(package);
+    const QByteArray before = "\"comment\": \"";
+    const QByteArray bytes = file.readAll();
+    const int at = bytes.lastIndexOf(before) + before.size();
+    const char letter = bytes.at(at);
+    const char other = char(letter ^ 0x20);
+    if (at < before.size() || !file.seek(at) || file.write(&other, 1) != 1)
+        qFatal("The comment cannot be changed");
+}
+
+void Stage::overwriteInPlace(const QString &package)
+{
+    if (m_damaged.contains(package) || !QFile::exists(projectFile(package)))
+        return;
+    m_disturbedPackages.insert(package);
+    const QByteArray bytes = contentOf(packageElsewhere(QStringLiteral("over.zip"), replacementDevice()));
+    QFile file(projectFile(package));
+    // Without cutting it first: a scan would find it empty, and hear of no change afterwards.
+    if (!file.open(QIODevice::ReadWrite) || file.write(bytes) != bytes.size() || !file.resize(bytes.size()))
+        qFatal("The package cannot be overwritten");
+}
+
+/// What another device's load would extract there, of the same sizes.
+void Stage::replaceExtractedFiles()
+{
+    const Simulation::HardwareState other = replacementDevice();
+    const auto write = [this](const QString &name, const QByteArray &bytes) {
+        QFile file(m_site->extractPath() + QLatin1Char('/') + name);
+        QDir().mkpath(QFileInfo(file).path());
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("An extracted file cannot be replaced");
+    };
+    for (auto it = other.backgrounds.begin(); it != other.backgrounds.end(); ++it)
+        write(QStringLiteral("BKG/BKG_%1.png").arg(it.key()), pngOf(it->pixels));
+    for (auto it = other.logos.begin(); it != other.logos.end(); ++it)
+        write(QStringLiteral("LOGO/LOGO_%1.png").arg(it.key()), pngOf(it->pixels));
+    for (const QString &name : QDir(m_site->extractPath()).entryList({QStringLiteral("*.json")}))
+        write(name, descriptionOf(other));
 }
 
 void Stage::repairSite()

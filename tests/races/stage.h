@@ -44,9 +44,15 @@ enum Disturbance {
     PackageReplaced,
     PackageTruncated,
     PackageAdded,
-    CancelPressed
+    CancelPressed,
+    PackageTouched,
+    PackageEdited,
+    PackageOverwritten,
+    ExtractedFilesReplaced
 };
-constexpr int disturbanceCount = CancelPressed + 1;
+constexpr int disturbanceCount = ExtractedFilesReplaced + 1;
+/// True for what happens to files alone: devices and panel are not touched.
+bool isOfFiles(Disturbance disturbance);
 QString nameOf(Disturbance disturbance);
 
 extern const QString richIp;    ///< online, with pictures and presets; the active one at first
@@ -145,6 +151,9 @@ public:
     QStringList boxes() const { return m_boxes; }
 
 private:
+    void editInPlace(const QString &package);
+    void overwriteInPlace(const QString &package);
+    void replaceExtractedFiles();
     void answer(QDialog *dialog);
     void pressLater(QAbstractButton *button);
     bool isAtRest() const;

@@ -118,13 +118,16 @@ bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbanc
                 broken.append(QStringLiteral("the package lacks ") + QLatin1String(entry));
         }
     }
-    // An apply does all, or nothing, or tells.
+    // An apply does all, or nothing, or tells; what happens to files is no reason to have reset the device.
     if ((operation == Apply || operation == ApplyWithBackup) && ip != offlineIp) {
         const HardwareState after = stage.site()->hardware(ip)->state();
         const bool isDone = after.configuration() == packed.configuration() ||
                             after.configuration() == replacementDevice().configuration();
         if (!isDone && after != before && boxes.isEmpty() && isOpen && !isLogged)
             broken.append(QStringLiteral("applied in part, and nobody was told: ") +
+                          after.configuration().differencesTo(packed.configuration()).join(QStringLiteral("; ")));
+        if (!isDone && after != before && isOfFiles(disturbance))
+            broken.append(QStringLiteral("reset in vain: ") + boxes.join(QStringLiteral("; ")) +
                           after.configuration().differencesTo(packed.configuration()).join(QStringLiteral("; ")));
     }
     if (!broken.isEmpty()) {

@@ -772,7 +772,7 @@ void TstEngineerDocBackup::an_exception_of_the_host_ends_with_5()
     QCOMPARE(save(m_site->mainHall, "Show", "the old one"), int(BackupSuccess));
     const QByteArray before = readFile(packagePath());
     const ExpectMessage told(QtCriticalMsg, QRegularExpression("^The save ended with an exception: " + operation), 1);
-    Faults::instance()->arm(operation, Fault::exception(call));
+    Faults::instance()->arm(operation, Fault::throwing(call));
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
     QCOMPARE(m_savedPath, QString());
     QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});

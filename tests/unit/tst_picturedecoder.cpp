@@ -22,11 +22,19 @@ private slots:
 static const QString one = QStringLiteral("one");
 static const QString two = QStringLiteral("two");
 
+static std::shared_ptr<QIODevice> contentOf(const QByteArray &bytes)
+{
+    auto content = std::make_shared<QBuffer>();
+    content->setData(bytes);
+    content->open(QIODevice::ReadOnly);
+    return content;
+}
+
 void TstPictureDecoder::a_picture_that_was_begun_is_taken_once()
 {
     const QImage picture = noisePicture({60, 40}, 1);
-    PictureDecoder decoder;
-    decoder.begin(one, pngOf(picture), picture.size());
+    PictureDecoder decoder(1);
+    decoder.begin(one, contentOf(pngOf(picture)), picture.size());
     const QImage taken = decoder.take(one);
     QCOMPARE(taken.format(), QImage::Format_ARGB32);
     QCOMPARE(taken, picture.convertToFormat(QImage::Format_ARGB32));
@@ -37,16 +45,16 @@ void TstPictureDecoder::pictures_are_taken_in_any_order()
 {
     const QImage opaque = noisePicture({60, 40}, 1);
     const QImage logo = noisePicture({30, 20}, 2, QImage::Format_ARGB32);
-    PictureDecoder decoder;
-    decoder.begin(one, pngOf(opaque), opaque.size());
-    decoder.begin(two, pngOf(logo), logo.size());
+    PictureDecoder decoder(1);
+    decoder.begin(one, contentOf(pngOf(opaque)), opaque.size());
+    decoder.begin(two, contentOf(pngOf(logo)), logo.size());
     QCOMPARE(decoder.take(two), logo);
     QCOMPARE(decoder.take(one), opaque.convertToFormat(QImage::Format_ARGB32));
 }
 
 void TstPictureDecoder::a_picture_that_was_not_begun_is_empty()
 {
-    PictureDecoder decoder;
+    PictureDecoder decoder(1);
     QVERIFY(decoder.take(one).isNull());
 }
 
@@ -67,8 +75,8 @@ void TstPictureDecoder::what_cannot_be_decoded_is_an_empty_picture()
     QFETCH(QSize, size);
     const ExpectMessage libraryNoise(QtWarningMsg, QRegularExpression(QStringLiteral("^libpng ")),
                                      ExpectMessage::AnyNumber);
-    PictureDecoder decoder;
-    decoder.begin(one, bytes, size);
+    PictureDecoder decoder(1);
+    decoder.begin(one, contentOf(bytes), size);
     QVERIFY(decoder.take(one).isNull());
 }
 
@@ -76,9 +84,9 @@ void TstPictureDecoder::its_end_does_not_need_the_pictures()
 {
     const QImage picture = noisePicture({400, 300}, 1);
     const QByteArray bytes = pngOf(picture);
-    PictureDecoder decoder;
+    PictureDecoder decoder(1);
     for (int number = 0; number < 20; ++number)
-        decoder.begin(QString::number(number), bytes, picture.size());
+        decoder.begin(QString::number(number), contentOf(bytes), picture.size());
 }
 
 TEST_MAIN_GUI(TstPictureDecoder)

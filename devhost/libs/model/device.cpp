@@ -3,6 +3,8 @@
 #include "device_p.h"
 #include "deviceconfigmanager.h"
 
+#include <simulation/operation.h>
+
 #include <limits>
 
 namespace Model {
@@ -115,7 +117,8 @@ template<typename T>
 void append(QJsonArray &array, const std::vector<std::shared_ptr<T>> &objects)
 {
     for (const std::shared_ptr<T> &object : objects)
-        array.append(toJson(*object));
+        if (object)
+            array.append(toJson(*object));
 }
 
 /// The entries of an array that are objects; others cannot be read.
@@ -133,6 +136,10 @@ std::vector<std::shared_ptr<Materail>> atAddress(const std::vector<std::shared_p
 {
     std::vector<std::shared_ptr<Materail>> moved;
     for (const std::shared_ptr<Materail> &materail : materials) {
+        if (!materail) {
+            moved.push_back(nullptr);
+            continue;
+        }
         moved.push_back(std::make_shared<Materail>(static_cast<Materail::MaterailType>(materail->getType()),
                                                    materail->getKeyNo(), materail->getName(), materail->size(), ip));
         moved.back()->setThumb(materail->thumb());
@@ -333,6 +340,7 @@ void Device::clearPreset()
 
 void Device::fromJson(const QJsonObject &object)
 {
+    Simulation::meetFaults(QStringLiteral("Device.fromJson"));
     DeviceData data;
     data.modelId = number<int>(object.value(QLatin1String("modelId")));
     data.id = number<quint16>(object.value(QLatin1String("id")));

@@ -2,6 +2,7 @@
 
 #include "hardwareaccess.h"
 
+#include <model/devicelist.h>
 #include <simulation/network.h>
 
 #include <QCoreApplication>
@@ -20,6 +21,14 @@ quint64 bytesOf(const std::vector<Talvik::weak_refrence<Model::Materail>> &mater
         if (const std::shared_ptr<Model::Materail> materail = reference.lock())
             bytes += Simulation::pictureBytes(materail->size());
     return bytes;
+}
+
+/// Adds whether the controller is that of a device in the host's list, or of one beside it with the same address.
+QVariantMap whose(const std::shared_ptr<Model::Device> &device, QVariantMap arguments)
+{
+    const Model::DeviceList *list = Model::DeviceList::instance();
+    arguments.insert(QStringLiteral("isListed"), list && list->getDeviceByIPAddr(device->getIPAddress()) == device);
+    return arguments;
 }
 
 /// The key number is the low eight bits of the number at the end of "BKG_7" or "LOGO_7".
@@ -148,8 +157,8 @@ bool DeviceControler::canMVEEnable() const
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.canMVEEnable"), m_device->getIPAddress(), {});
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.canMVEEnable"), m_device->getIPAddress(), whose(m_device, {}));
     return hardware && hardware->state().mvrCapable;
 }
 
@@ -157,8 +166,9 @@ bool DeviceControler::enableMVR(bool enable, QString &errorText)
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("DeviceControler.enableMVR"), m_device->getIPAddress(), {{QStringLiteral("enable"), enable}});
+    const std::shared_ptr<Simulation::Hardware> hardware =
+        HardwareAccess::begin(QStringLiteral("DeviceControler.enableMVR"), m_device->getIPAddress(),
+                              whose(m_device, {{QStringLiteral("enable"), enable}}));
     if (!hardware) {
         errorText = QCoreApplication::translate("ModelControl::DeviceControler", "The device did not answer.");
         return false;
@@ -171,8 +181,8 @@ bool DeviceControler::copySlotDataToDevice(const std::shared_ptr<Model::Device> 
 {
     if (!m_device || !source)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.copySlotDataToDevice"), m_device->getIPAddress(), {});
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.copySlotDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*source).data();
@@ -184,8 +194,8 @@ bool DeviceControler::copyMVRItemDataToDevice()
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.copyMVRItemDataToDevice"), m_device->getIPAddress(), {});
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.copyMVRItemDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();
@@ -197,8 +207,8 @@ bool DeviceControler::copyModelToDevice()
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.copyModelToDevice"), m_device->getIPAddress(), {});
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        QStringLiteral("DeviceControler.copyModelToDevice"), m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();
@@ -213,12 +223,12 @@ bool DeviceControler::createMaterailFromImage(const QImage &image, int kind, con
         return false;
     const std::shared_ptr<Simulation::Hardware> hardware =
         HardwareAccess::begin(QStringLiteral("DeviceControler.createMaterailFromImage"), m_device->getIPAddress(),
-                              {{QStringLiteral("imageSize"), image.size()},
-                               {QStringLiteral("kind"), kind},
-                               {QStringLiteral("text"), text},
-                               {QStringLiteral("flags"), flags},
-                               {QStringLiteral("size"), size},
-                               {QStringLiteral("name"), name}},
+                              whose(m_device, {{QStringLiteral("imageSize"), image.size()},
+                                               {QStringLiteral("kind"), kind},
+                                               {QStringLiteral("text"), text},
+                                               {QStringLiteral("flags"), flags},
+                                               {QStringLiteral("size"), size},
+                                               {QStringLiteral("name"), name}}),
                               Simulation::pictureBytes(image.size()));
     const bool isLogo = kind == Model::Materail::Logo;
     quint8 keyNo = 0;

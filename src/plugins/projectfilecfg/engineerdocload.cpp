@@ -1,13 +1,16 @@
 #include "engineerdocload.h"
 
-#include "contentscan.h"
+#include "devicedescription.h"
 #include "devicelookup.h"
 #include "durablefile.h"
+#include "offlineroom.h"
+#include "packagedpicture.h"
 #include "packagelayout.h"
-#include "packagelimits.h"
 #include "packagereader.h"
+#include "packagesnapshot.h"
 #include "picturedecoder.h"
 #include "picturereader.h"
+#include "readinesscheck.h"
 #include "zippackagehandle.h"
 
 #include <core/icore.h>
@@ -15,15 +18,15 @@
 #include <model/serailizer.h>
 #include <modelcontrol/devicecontroler.h>
 
-#include <QDateTime>
+#include <QBuffer>
 #include <QDebug>
+#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QHash>
-#include <QJsonDocument>
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 
 using Core::ICore;
 using Model::Materail;
@@ -34,8 +37,6 @@ namespace Internal {
 
 using namespace PackageLayout;
 
-/// Id of a device that is in no list.
-static const quint16 unlistedDeviceId = 65535;
 static const int defaultExchangePos = 8;
 
 /// Slot types of the output card and of the exchange card that may take its place.
@@ -48,23 +49,6 @@ static const int largeThumbnailArea = 262144;
 /// Pictures with larger files or more pixels are decoded at their turn only, since two are in memory otherwise.
 static const qint64 maxSizeAhead = 32 * 1024 * 1024;
 static const qint64 maxPixelsAhead = 16 * 1024 * 1024;
-
-/// Tells a package from another one that takes its place.
-static QPair<qint64, QDateTime> stampOf(const QString &path)
-{
-    const QFileInfo file(path);
-    return {file.size(), file.lastModified()};
-}
-
-static QJsonDocument parseDescription(QFile &file, QJsonParseError &error)
-{
-    if (file.size() > PackageLimits::maxParsedDescriptionSize)
-        return QJsonDocument();
-    const QByteArray json = QString::fromUtf8(file.readAll()).toUtf8();
-    DescriptionScan scan;
-    scan.feed(json.constData(), json.size());
-    return scan.parts() <= PackageLimits::maxDescriptionParts ? QJsonDocument::fromJson(json, &error) : QJsonDocument();
-}
 
 static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
 {
@@ -100,6 +84,7 @@ EngineerDocLoad::~EngineerDocLoad() = default;
 void EngineerDocLoad::setPackagePath(const QString &path)
 {
     m_strPackagePath = path;
+    releasePackage();
 }
 
 void EngineerDocLoad::setDeviceIp(const QString &ip)
@@ -135,29 +120,70 @@ bool EngineerDocLoad::stopIfCanceled()
     return m_bCancel;
 }
 
+void EngineerDocLoad::releasePackage()
+{
+    m_package.reset();
+}
+
+template<typename Work>
+bool EngineerDocLoad::guarded(const Work &work)
+{
+    try {
+        return work();
+    } catch (const std::exception &error) {
+        qCritical().noquote() << "Import project file failed, exception:" << error.what();
+    } catch (...) {
+        qCritical() << "Import project file failed, unknown exception.";
+    }
+    return fail(LoadImportFailed);
+}
+
 bool EngineerDocLoad::checkPackageFile()
 {
-    if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
-        return fail(LoadFileContentError);
-    return ZipPackageHandle::checkPacketChecksum(m_strPackagePath);
+    return guarded([this] {
+        if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
+            return fail(LoadFileContentError);
+        // Asked of the file first, since what is no package is not worth a copy; what counts is the copy.
+        return ZipPackageHandle::checkPacketChecksum(m_strPackagePath) && openPackage() &&
+               ZipPackageHandle::checkPacketChecksum(*m_package);
+    });
+}
+
+/// False without a code when there is no package any more.
+bool EngineerDocLoad::openPackage()
+{
+    PackageSnapshot snapshot;
+    QDir().mkpath(ICore::ExtractJsonPath());
+    switch (snapshot.take(m_strPackagePath, {ICore::ExtractJsonPath(), QDir::tempPath()})) {
+    case PackageSnapshot::Taken:
+        m_package = std::make_unique<PackageReader>(snapshot.release());
+        return true;
+    case PackageSnapshot::Unreadable:
+        return false;
+    case PackageSnapshot::NoRoom:
+        break;
+    }
+    qDebug() << "No room to copy the package:" << m_strPackagePath;
+    return fail(LoadDecompressFailed);
 }
 
 bool EngineerDocLoad::checkDevice()
+{
+    const bool isFitting = guarded([this] { return isFittingDevice(); });
+    if (!isFitting)
+        releasePackage();
+    return isFitting;
+}
+
+bool EngineerDocLoad::isFittingDevice()
 {
     const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
     if (!target)
         return fail(LoadGetDeviceFailed);
 
-    // Before the description is read: a package that is replaced from here on must not pass for the one that was
-    // checked.
-    m_checkedPackage = stampOf(m_strPackagePath);
     m_bCheckedOnline = target->getDeviceOnlineFlag();
-    const QStringList descriptions = ZipPackageHandle::extractJsonFiles(m_strPackagePath, ICore::ExtractJsonPath());
-    if (descriptions.isEmpty())
-        return fail(LoadJsonFileError);
-    m_pPackageDevice = unserailizeDevice(descriptions.first());
-    if (!m_pPackageDevice)
-        return fail(LoadGetDeviceFailed);
+    if (!readDescription())
+        return false;
 
     if (target->getModelID() != m_pPackageDevice->getModelID())
         return fail(LoadDeviceTypeMismatch);
@@ -167,7 +193,28 @@ bool EngineerDocLoad::checkDevice()
         return fail(LoadCardMismatch);
     if (m_pPackageDevice->getCommunicationProtocolNumber() * 10 > target->getCommunicationProtocolNumber() * 10)
         return fail(LoadProtocolVersionMismatch);
-    return true;
+    const LoadResultCode code = ReadinessCheck(*m_package, *m_pPackageDevice, ICore::ExtractJsonPath()).run();
+    return code == LoadSuccess || fail(code);
+}
+
+bool EngineerDocLoad::readDescription()
+{
+    if (!ProjectFileFacts::hasPackageExtension(m_strPackagePath))
+        return fail(LoadJsonFileError);
+    if (!m_package && !openPackage())
+        return m_nResultCode == LoadSuccess ? fail(LoadJsonFileError) : false;
+    const QStringList extracted = m_package->extractJsonFiles(ICore::ExtractJsonPath());
+    if (extracted.isEmpty())
+        return fail(LoadJsonFileError);
+    const QStringList entries = m_package->entries();
+    const QString entry = *std::find_if(entries.begin(), entries.end(), isDescription);
+    QByteArray description =
+        extracted.first().isEmpty() ? QByteArray() : m_package->read(entry, PackageReader::maxSizeOf(entry));
+    QBuffer buffer(&description);
+    QString error;
+    buffer.open(QIODevice::ReadOnly | QIODevice::Text);
+    m_pPackageDevice = readDeviceDescription(buffer, error);
+    return m_pPackageDevice || fail(LoadGetDeviceFailed);
 }
 
 bool EngineerDocLoad::cardsAgree(const Model::Device &target)
@@ -197,24 +244,31 @@ std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString 
         qDebug().noquote() << QStringLiteral("Open file [%1] failed").arg(path);
         return nullptr;
     }
-    QJsonParseError error{};
-    const QJsonDocument document = parseDescription(file, error);
-    if (document.isNull() || document.isEmpty()) {
+    QString error;
+    const std::shared_ptr<Model::Device> device = readDeviceDescription(file, error);
+    if (!device) {
         // Shown to nobody: whoever asked reports a code of its own. It helps whoever stops here in a debugger.
-        const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error.errorString());
+        const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error);
         Q_UNUSED(reason)
-        return nullptr;
     }
-    auto device = std::make_shared<Model::Device>(unlistedDeviceId, nullptr);
-    device->fromJson(document.object());
     return device;
 }
 
 void EngineerDocLoad::run()
 {
     m_bCancel = false;
+    guarded([this] {
+        apply();
+        return m_nResultCode == LoadSuccess;
+    });
+    // The job lives on, for its code.
+    releasePackage();
+}
+
+void EngineerDocLoad::apply()
+{
     const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
-    if (!target || !m_pPackageDevice) {
+    if (!target || !m_pPackageDevice || !m_package) {
         fail(LoadGetDeviceFailed);
         return;
     }
@@ -234,12 +288,6 @@ void EngineerDocLoad::run()
         applyOnline(target);
     else
         applyOffline(target);
-}
-
-bool EngineerDocLoad::isCheckedPackage(const PackageReader &package) const
-{
-    // Asked when the package is open: a later replacement does not change what is read.
-    return package.isOpen() && stampOf(m_strPackagePath) == m_checkedPackage;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -284,13 +332,15 @@ QString EngineerDocLoad::deviceFolder() const
 
 bool EngineerDocLoad::copySourceToOfflineDevice()
 {
-    PackageReader package(m_strPackagePath);
-    QStringList entries = package.entries();
+    if (!fitsPackageAfterwards(*m_package, deviceFolder())) {
+        qDebug() << "More than a package holds would be in" << deviceFolder();
+        return fail(LoadDecompressFailed);
+    }
+    QStringList entries = m_package->entries();
     entries.erase(std::remove_if(entries.begin(), entries.end(), isDescription), entries.end());
-    const bool extracted =
-        isCheckedPackage(package) && std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
-            return !package.extractFile(entry, QStringLiteral("%1/%2").arg(deviceFolder(), entry)).isEmpty();
-        });
+    const bool extracted = std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
+        return !m_package->extractFile(entry, QStringLiteral("%1/%2").arg(deviceFolder(), entry)).isEmpty();
+    });
     // On the disk before the description that names them, which the host writes next.
     if (!extracted || (!entries.isEmpty() && !DurableFile::flushTree(deviceFolder()))) {
         qDebug() << "Extract json file failed:" << m_strPackagePath;
@@ -372,11 +422,8 @@ bool EngineerDocLoad::onlineSend(const std::shared_ptr<Model::Device> &target)
 
 bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Device> &target)
 {
-    PackageReader package(m_strPackagePath);
-    if (!isCheckedPackage(package))
-        return fail(LoadDecompressFailed);
-    const QStringList entries = package.entries();
-    PictureDecoder decoder;
+    const QStringList entries = m_package->entries();
+    PictureDecoder decoder(1);
     auto ahead = entries.begin();
     for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
         if (stopIfCanceled())
@@ -384,69 +431,55 @@ bool EngineerDocLoad::sendSourceToOnlineDevice(const std::shared_ptr<Model::Devi
         if (!isPicture(*entry))
             continue;
         if (ahead <= entry) {
-            ahead = std::find_if(entry + 1, entries.end(), isGalleryPicture);
+            ahead = std::find_if(entry + 1, entries.end(), isPicture);
             if (ahead != entries.end())
-                decodeAhead(package, *ahead, decoder);
+                decodeAhead(*ahead, decoder);
         }
-        const QString path = QStringLiteral("%1/%2").arg(ICore::ExtractJsonPath(), *entry);
-        if (package.extractFile(*entry, path).isEmpty()) {
-            qDebug() << "Extract file failed:" << path;
-            return fail(LoadDecompressFailed);
-        }
-        if (!sendPicture(*entry, path, target, decoder))
+        if (!sendPicture(*entry, target, decoder))
             return false;
     }
     return true;
 }
 
 /// Has a picture decoded while the one before it is sent. What is wrong with it comes to light at its own turn,
-/// when it is extracted and read as if nothing had been done before.
-void EngineerDocLoad::decodeAhead(PackageReader &package, const QString &entry, PictureDecoder &decoder) const
+/// when it is read as if nothing had been done before.
+void EngineerDocLoad::decodeAhead(const QString &entry, PictureDecoder &decoder)
 {
-    const std::shared_ptr<Materail> materail = findMaterail(entry);
-    if (materail && qint64(materail->size().width()) * materail->size().height() <= maxPixelsAhead)
-        decoder.begin(entry, package.read(entry, maxSizeAhead), materail->size());
+    PackagedPicture picture(entry, *m_pPackageDevice);
+    const QSize size = picture.materail() ? picture.materail()->size() : QSize();
+    const bool isSmall =
+        qint64(size.width()) * size.height() <= maxPixelsAhead && m_package->entrySize(entry) <= maxSizeAhead;
+    if (picture.materail() && isSmall && picture.open(*m_package, ICore::ExtractJsonPath()) == LoadSuccess)
+        decoder.begin(entry, picture.content(), size);
 }
 
-std::shared_ptr<Materail> EngineerDocLoad::findMaterail(const QString &entry) const
+bool EngineerDocLoad::sendPicture(const QString &entry, const std::shared_ptr<Model::Device> &target,
+                                  PictureDecoder &decoder)
 {
-    // Key numbers have 8 bits.
-    const auto keyNo = static_cast<quint8>(galleryNumber(entry));
-    for (const auto &reference : isLogo(entry) ? m_pPackageDevice->getLogos() : m_pPackageDevice->getBKGs()) {
-        const std::shared_ptr<Materail> candidate = reference.lock();
-        if (candidate && candidate->getKeyNo() == keyNo)
-            return candidate;
-    }
-    return nullptr;
-}
-
-bool EngineerDocLoad::sendPicture(const QString &entry, const QString &path,
-                                  const std::shared_ptr<Model::Device> &target, PictureDecoder &decoder)
-{
-    PictureReader picture(path);
-    const QSize size = picture.size();
-    if (size.width() < 1 || size.height() < 1)
-        return fail(LoadImageContentError);
-
-    if (!isInGallery(entry))
-        return true;
-    const std::shared_ptr<Materail> materail = findMaterail(entry);
-    if (!materail || materail->size() != size)
-        return fail(LoadGalleryFileError);
+    const QString path = QStringLiteral("%1/%2").arg(ICore::ExtractJsonPath(), entry);
+    const bool isExtracted = !m_package->extractFile(entry, path).isEmpty();
+    if (!isExtracted)
+        qDebug() << "Extract file failed:" << path;
+    PackagedPicture picture(entry, *m_pPackageDevice);
     QImage image = decoder.take(entry);
+    if (image.isNull()) {
+        const LoadResultCode code = picture.open(*m_package, ICore::ExtractJsonPath());
+        if (code != LoadSuccess)
+            return fail(code);
+        if (!picture.isOfGallery())
+            return true;
+        image = PictureReader(picture.content().get()).read();
+    }
     // A cut file still tells its size, and so does one that is too large to be read.
     if (image.isNull())
-        image = picture.read();
-    if (image.isNull())
         return fail(LoadGalleryFileError);
 
-    const bool toLogos = isLogo(entry);
-    ICore::setOperatorType(ICore::OperatorLoad, (toLogos ? tr("LOGO:") : tr("BKG:")) + materail->getName());
+    ICore::setOperatorType(ICore::OperatorLoad,
+                           (picture.isLogo() ? tr("LOGO:") : tr("BKG:")) + picture.materail()->getName());
     if (!DeviceControler(target).createMaterailFromImage(
-            image, toLogos ? Materail::Logo : Materail::Background, QString(), 0, QSize(0, 0),
-            galleryFolder(entry) + QLatin1Char('_') + QString::number(galleryNumber(entry))))
+            image, picture.isLogo() ? Materail::Logo : Materail::Background, QString(), 0, QSize(0, 0), picture.name()))
         return fail(LoadApplyGalleryFailed);
-    if (!QFile::remove(path))
+    if (isExtracted && !QFile::remove(path))
         qDebug() << "Remove file failed:" << path;
     return true;
 }

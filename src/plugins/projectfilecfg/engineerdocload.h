@@ -2,10 +2,8 @@
 
 #include "operationresultcodes.h"
 
-#include <QDateTime>
 #include <QHash>
 #include <QImage>
-#include <QPair>
 #include <QString>
 #include <QThread>
 
@@ -20,13 +18,23 @@ class Materail;
 namespace ProjectFileCfg {
 namespace Internal {
 
+class PackagedPicture;
 class PackageReader;
 class PictureDecoder;
 
 /// The job that applies a project file to one device, online or offline.
 ///
 /// The two checks run on the caller's thread, before start(); what changes the device runs on a thread of
-/// its own. Every failure leaves a LoadResultCode. One object serves one run.
+/// its own. Every failure leaves a LoadResultCode, an exception of the host LoadImportFailed. One object serves one
+/// run.
+///
+/// The package is copied aside before the first check (see PackageSnapshot) and held to the end of the run: what was
+/// checked is what is applied, whatever becomes of the file meanwhile. Descriptions and pictures are extracted to the
+/// host's extraction folder as well, where others find them; what is applied never comes from there.
+///
+/// The caller resets an online device between checkDevice() and the run. So the check refuses, with the same code,
+/// everything for which the run would refuse the package, and after it an extraction that fails ends the run no more:
+/// the device gets the picture as long as its content can be read.
 class EngineerDocLoad : public QThread
 {
     Q_OBJECT
@@ -40,12 +48,16 @@ public:
     QString deviceIp() const;
 
     /// True when the package is there and its checksum is right. A wrong checksum leaves the result code at
-    /// LoadSuccess, so that nothing is shown: the list does not offer such a package.
+    /// LoadSuccess, so that nothing is shown: the list does not offer such a package. Ends with LoadDecompressFailed
+    /// when there is no room for the copy.
     bool checkPackageFile();
-    /// True when the package's device description fits the target device; run() uses the description. It ends with
-    /// LoadDecompressFailed when the package is another one by then, so that no device gets parts of two packages, and
-    /// with LoadImportFailed when the device has gone offline or come online since.
+    /// True when the package's device description fits the target device; run() uses the description. For a device that
+    /// is online, true means as well that every picture can be extracted, read to its end, decoded and put in its place
+    /// (see ReadinessCheck).
     bool checkDevice();
+
+    /// Lets go of the package, and of the room that it takes, when the run does not come after all. Not while it runs.
+    void releasePackage();
 
     /// Asks the job to end before the next picture, or to report the cancellation once the transfer is over.
     /// Any thread; a request that comes before the thread has begun is lost.
@@ -55,8 +67,7 @@ public:
     int resultCode() const;
 
     /// Reads a device description that the host has written. Null when the file cannot be read, is no JSON
-    /// document with content, or is too much for the memory: above 16 MiB, or above 1,048,576 members,
-    /// elements and brackets. Caller's thread.
+    /// document with content, or is too much for the memory (see readDeviceDescription()). Caller's thread.
     std::shared_ptr<Model::Device> unserailizeDevice(const QString &path);
 
     /// Extracts the device description to the target's directory under the target's address. True as well
@@ -71,30 +82,35 @@ protected:
     void run() override;
 
 private:
-    bool isCheckedPackage(const PackageReader &package) const;
+    bool isFittingDevice();
+    bool openPackage();
+    bool readDescription();
     bool cardsAgree(const Model::Device &target);
+    void apply();
     void applyOffline(const std::shared_ptr<Model::Device> &target);
     void applyOnline(const std::shared_ptr<Model::Device> &target);
     bool offlineCopy();
     bool copySourceToOfflineDevice();
     bool onlineSend(const std::shared_ptr<Model::Device> &target);
     bool sendSourceToOnlineDevice(const std::shared_ptr<Model::Device> &target);
-    void decodeAhead(PackageReader &package, const QString &entry, PictureDecoder &decoder) const;
-    std::shared_ptr<Model::Materail> findMaterail(const QString &entry) const;
-    bool sendPicture(const QString &entry, const QString &path, const std::shared_ptr<Model::Device> &target,
-                     PictureDecoder &decoder);
+    void decodeAhead(const QString &entry, PictureDecoder &decoder);
+    bool sendPicture(const QString &entry, const std::shared_ptr<Model::Device> &target, PictureDecoder &decoder);
     /// `known` holds the thumbnails that were made before, by the paths of their pictures.
     void refreshThumbnail(Model::Materail &materail, QHash<QString, QImage> &known) const;
     QString deviceFolder() const;
     bool fail(LoadResultCode code);
     bool stopIfCanceled();
+    /// Does the work; when it throws, says so and fails with LoadImportFailed.
+    template<typename Work>
+    bool guarded(const Work &work);
 
     std::atomic<bool> m_bCancel{false};
     QString m_strPackagePath;
     QString m_strDeviceIp;
     std::shared_ptr<Model::Device> m_pPackageDevice;
-    /// Size and time of the package, and what the device was, at the check.
-    QPair<qint64, QDateTime> m_checkedPackage;
+    /// The copy; null before the first check and after the run.
+    std::unique_ptr<PackageReader> m_package;
+    /// What the device was at the check.
     bool m_bCheckedOnline = false;
     std::atomic<int> m_nResultCode{LoadSuccess};
 };

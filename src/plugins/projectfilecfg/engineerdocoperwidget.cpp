@@ -855,10 +855,12 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     }
     if (online) {
         if (!restoreFactory()) {
+            m_pDocLoad->releasePackage();
             FramelessMessageBox::warning(this, tr("Warning"), tr(" Restore factory failed "), QMessageBox::Ok);
             return false;
         }
         if (!syncDeviceData()) {
+            m_pDocLoad->releasePackage();
             qWarning() << "Import project file failed, as sync device from hardware failed.";
             return false;
         }

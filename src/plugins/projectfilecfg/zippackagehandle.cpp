@@ -33,9 +33,8 @@ bool isWorthOpening(const QString &packetPath)
     return QFileInfo::exists(packetPath) || ProjectFileFacts::hasPackageExtension(packetPath);
 }
 
-bool hasOwnChecksum(const QString &packetPath, EngineerPacketInfo &info)
+bool hasOwnChecksum(const PackageReader &package, EngineerPacketInfo &info)
 {
-    const PackageReader package(packetPath);
     return ZipPackageHandle::parseEngineerInfo(info, package.comment()) && info.strChecksum == package.checksum();
 }
 
@@ -174,23 +173,24 @@ bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info)
             .debug("File is not exist");
         return false;
     }
-    return hasOwnChecksum(info.strFilePath, info);
+    return hasOwnChecksum(PackageReader(info.strFilePath), info);
 }
 
 bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath)
 {
     EngineerPacketInfo info;
-    return isWorthOpening(packetPath) && hasOwnChecksum(packetPath, info);
+    return isWorthOpening(packetPath) && hasOwnChecksum(PackageReader(packetPath), info);
 }
 
 bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath)
 {
     useUtf8LocaleCodec();
-    if (!QFileInfo::exists(packetPath)) {
-        return false;
-    }
-    // As it stands in the record, and so stricter than isValidEngineerPacket().
-    const PackageReader package(packetPath);
+    return QFileInfo::exists(packetPath) && checkPacketChecksum(PackageReader(packetPath));
+}
+
+// As it stands in the record, and so stricter than isValidEngineerPacket().
+bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package)
+{
     const QJsonObject record = recordIn(package.comment());
     return !record.isEmpty() && record.value(ProjectFileFacts::checksumKey).toString() == package.checksum();
 }

@@ -10,6 +10,7 @@ namespace Internal {
 namespace DurableFile {
 class FileIdentity;
 }
+class PackageReader;
 
 /// What a package says about itself.
 struct EngineerPacketInfo
@@ -65,6 +66,8 @@ public:
 
     /// The same test for a package that is about to be applied: only an existing file can pass.
     static bool checkPacketChecksum(const QString &packetPath);
+    /// The same of one that is open.
+    static bool checkPacketChecksum(const PackageReader &package);
 
     /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
     /// the written paths in the archive's order, an empty string for each entry that could not be extracted,

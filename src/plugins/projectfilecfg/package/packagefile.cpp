@@ -15,14 +15,18 @@ namespace Internal {
 static const qint64 endSize = 0xFFFF + 22 + 20;
 
 PackageFile::PackageFile(const QString &path)
-    : m_file(path)
+    : m_file(std::make_unique<QFile>(path))
+{}
+
+PackageFile::PackageFile(std::unique_ptr<QFile> file)
+    : m_file(std::move(file))
 {}
 
 PackageFile::~PackageFile() = default;
 
 bool PackageFile::open(OpenMode mode)
 {
-    if (mode != QIODevice::ReadOnly || !openPlainFile(m_file))
+    if (mode != QIODevice::ReadOnly || (!m_file->isOpen() && !openPlainFile(*m_file)))
         return false;
     // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
     return readEndAtRest() && QIODevice::open(mode | QIODevice::Unbuffered);
@@ -30,9 +34,9 @@ bool PackageFile::open(OpenMode mode)
 
 bool PackageFile::readEnd()
 {
-    m_nSize = m_file.size();
+    m_nSize = m_file->size();
     const qint64 expected = std::min(m_nSize, endSize);
-    m_end = m_file.seek(m_nSize - expected) ? m_file.read(expected) : QByteArray();
+    m_end = m_file->seek(m_nSize - expected) ? m_file->read(expected) : QByteArray();
     return m_end.size() == expected;
 }
 
@@ -41,10 +45,10 @@ bool PackageFile::readEndAtRest()
 {
     constexpr int patience = 200;
     for (int waited = 0; waited < patience; ++waited) {
-        const bool isQuiet = DurableFile::lockToRead(m_file.handle());
+        const bool isQuiet = DurableFile::lockToRead(m_file->handle());
         const bool isRead = readEnd();
         if (isQuiet) {
-            DurableFile::unlock(m_file.handle());
+            DurableFile::unlock(m_file->handle());
             return isRead;
         }
         const QByteArray first = m_end;
@@ -80,8 +84,8 @@ qint64 PackageFile::readData(char *data, qint64 maxSize)
         std::copy_n(m_end.constData() + (m_nPosition - endStart), count, data);
     } else {
         // The zip library reads its numbers byte by byte, and each seek is a call of the system.
-        const bool isThere = m_file.pos() == m_nPosition || m_file.seek(m_nPosition);
-        count = isThere ? m_file.read(data, maxSize) : -1;
+        const bool isThere = m_file->pos() == m_nPosition || m_file->seek(m_nPosition);
+        count = isThere ? m_file->read(data, maxSize) : -1;
     }
     m_nPosition += std::max<qint64>(count, 0);
     return count;

@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include <memory>
+
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -12,10 +14,12 @@ class PackageFile : public QIODevice
 {
 public:
     explicit PackageFile(const QString &path);
+    /// One that is open already, for reading.
+    explicit PackageFile(std::unique_ptr<QFile> file);
     ~PackageFile() override;
 
     /// In the one mode there is, ReadOnly. False when that fails, or when it is no file that can be read anywhere, as
-    /// a pipe is not.
+    /// a pipe is not; that is told at once.
     bool open(OpenMode mode) override;
 
     bool isSequential() const override;
@@ -23,7 +27,7 @@ public:
     bool seek(qint64 position) override;
 
     /// The file itself, for who reads other parts of it.
-    QFile &file() { return m_file; }
+    QFile &file() { return *m_file; }
 
 protected:
     qint64 readData(char *data, qint64 maxSize) override;
@@ -33,7 +37,7 @@ private:
     bool readEnd();
     bool readEndAtRest();
 
-    QFile m_file;
+    const std::unique_ptr<QFile> m_file;
     QByteArray m_end;
     qint64 m_nSize = 0;
     qint64 m_nPosition = 0;

@@ -90,9 +90,17 @@ struct PackageReader::Directory
 };
 
 PackageReader::PackageReader(const QString &packetPath)
+    : PackageReader(std::make_unique<PackageFile>(packetPath))
+{}
+
+PackageReader::PackageReader(std::unique_ptr<QFile> packet)
+    : PackageReader(std::make_unique<PackageFile>(std::move(packet)))
+{}
+
+PackageReader::PackageReader(std::unique_ptr<PackageFile> file)
+    : m_file(std::move(file))
 {
     useUtf8LocaleCodec();
-    m_file.reset(new PackageFile(packetPath));
     m_zip.reset(new QuaZip(m_file.get()));
     m_zip->setAutoClose(false);
     if (m_file->open(QIODevice::ReadOnly)) {
@@ -278,12 +286,16 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
 
 QByteArray PackageReader::read(const QString &entryName, qint64 limit)
 {
-    const auto entry = directory().entries.constFind(entryName);
     QBuffer content;
     content.open(QIODevice::WriteOnly);
-    const bool isRead = entry != directory().entries.constEnd() && entry->isOrdinary && isSafeName(entryName) &&
-                        copyEntry(*entry, content, std::min(limit, maxEntrySize));
-    return isRead ? content.data() : QByteArray();
+    return read(entryName, content, limit) ? content.data() : QByteArray();
+}
+
+bool PackageReader::read(const QString &entryName, QIODevice &destination, qint64 limit)
+{
+    const auto entry = directory().entries.constFind(entryName);
+    return entry != directory().entries.constEnd() && entry->isOrdinary && isSafeName(entryName) &&
+           copyEntry(*entry, destination, std::min(limit, maxEntrySize));
 }
 
 QStringList PackageReader::extractJsonFiles(const QString &destDir)

@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class QFile;
 class QIODevice;
 class QuaZip;
 
@@ -21,6 +22,8 @@ class PackageReader
 {
 public:
     explicit PackageReader(const QString &packetPath);
+    /// Of a file that is open already, for reading.
+    explicit PackageReader(std::unique_ptr<QFile> packet);
     ~PackageReader();
 
     /// False when the file is missing or no archive; the other operations then return nothing.
@@ -64,6 +67,8 @@ public:
     /// The content of `entryName`, for what is too small to need a file. Empty when the entry is missing, refused as
     /// by extractFile, damaged, or larger than `limit` bytes.
     QByteArray read(const QString &entryName, qint64 limit);
+    /// The same, to a device that is open for writing. When it fails, part of the content may be there.
+    bool read(const QString &entryName, QIODevice &destination, qint64 limit);
 
     /// Extracts every entry that counts and whose name ends in ".json", in any case, to `destDir` + "/" + its name.
     /// Returns what extractFile returned for each, in the archive's order. What is beyond 64 MiB of
@@ -71,6 +76,8 @@ public:
     QStringList extractJsonFiles(const QString &destDir);
 
 private:
+    explicit PackageReader(std::unique_ptr<PackageFile> file);
+
     struct Entry;
     struct Directory;
 

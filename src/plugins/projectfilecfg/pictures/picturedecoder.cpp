@@ -2,23 +2,21 @@
 
 #include "picturereader.h"
 
-#include <QBuffer>
+#include <QIODevice>
 #include <QtConcurrentRun>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-static QImage decode(QByteArray bytes, const QSize &size)
+static QImage decode(const std::shared_ptr<QIODevice> &content, const QSize &size)
 {
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    PictureReader reader(&buffer);
+    PictureReader reader(content.get());
     return reader.size() == size ? reader.read() : QImage();
 }
 
-PictureDecoder::PictureDecoder()
+PictureDecoder::PictureDecoder(int threads)
 {
-    m_pool.setMaxThreadCount(1);
+    m_pool.setMaxThreadCount(threads);
 }
 
 PictureDecoder::~PictureDecoder()
@@ -27,9 +25,9 @@ PictureDecoder::~PictureDecoder()
     m_pool.waitForDone();
 }
 
-void PictureDecoder::begin(const QString &name, const QByteArray &bytes, const QSize &size)
+void PictureDecoder::begin(const QString &name, const std::shared_ptr<QIODevice> &content, const QSize &size)
 {
-    m_pictures.insert(name, QtConcurrent::run(&m_pool, decode, bytes, size));
+    m_pictures.insert(name, QtConcurrent::run(&m_pool, decode, content, size));
 }
 
 QImage PictureDecoder::take(const QString &name)

@@ -1,27 +1,31 @@
 #pragma once
 
-#include <QByteArray>
 #include <QFuture>
 #include <QHash>
 #include <QImage>
 #include <QString>
 #include <QThreadPool>
 
+#include <memory>
+
+class QIODevice;
+
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Decodes pictures ahead of their turn on a thread of its own. Only a help: a picture that was not begun, or that
-/// could not be decoded, is an empty one, and whoever needs it decodes it when its turn has come.
+/// Decodes pictures on threads of its own. A picture that was not begun, or that could not be decoded, is an empty one.
 /// All operations on the thread that made it.
 class PictureDecoder
 {
 public:
-    PictureDecoder();
-    /// Waits for a picture that is being decoded.
+    /// So many pictures are decoded at once.
+    explicit PictureDecoder(int threads);
+    /// Waits for the pictures that are being decoded.
     ~PictureDecoder();
 
-    /// Begins with the PNG file `bytes`, to be taken under that name. One that tells another size is not decoded.
-    void begin(const QString &name, const QByteArray &bytes, const QSize &size);
+    /// Begins with the PNG file that `content` holds, to be taken under that name. One that tells another size is not
+    /// decoded. Nobody else uses `content` from then on.
+    void begin(const QString &name, const std::shared_ptr<QIODevice> &content, const QSize &size);
     /// Waits for the picture, if it was begun, and forgets it.
     QImage take(const QString &name);
 

@@ -1,0 +1,104 @@
+#include "readinesscheck.h"
+
+#include "packagedpicture.h"
+#include "packagelayout.h"
+#include "packagelimits.h"
+#include "packagereader.h"
+#include "picturedecoder.h"
+
+#include <model/device.h>
+
+#include <QDebug>
+#include <QFile>
+#include <QThread>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+static const qint64 bytesPerPixel = 4;
+static const qint64 maxBytesBeyondFirst = 256 * 1024 * 1024;
+
+ReadinessCheck::ReadinessCheck(PackageReader &package, const Model::Device &device, const QString &folder)
+    : m_package(package)
+    , m_device(device)
+    , m_folder(folder)
+{}
+
+LoadResultCode ReadinessCheck::run()
+{
+    if (pixelsTogether() > PackageLimits::maxPixels)
+        return LoadGalleryFileError;
+    PictureDecoder decoder(QThread::idealThreadCount());
+    LoadResultCode code = LoadSuccess;
+    const QStringList entries = m_package.entries();
+    for (auto entry = entries.begin(); entry != entries.end() && code == LoadSuccess; ++entry) {
+        if (PackageLayout::isPicture(*entry))
+            code = begin(*entry, decoder);
+    }
+    // Those stand before the entry that gave the code.
+    while (!m_begun.isEmpty()) {
+        if (!isOldestDecoded(decoder))
+            return LoadGalleryFileError;
+    }
+    return code;
+}
+
+/// By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is
+/// too large for itself.
+qint64 ReadinessCheck::pixelsTogether() const
+{
+    qint64 pixels = 0;
+    for (const QString &entry : m_package.entries()) {
+        if (!PackageLayout::isPicture(entry))
+            continue;
+        const std::shared_ptr<Model::Materail> materail = PackagedPicture(entry, m_device).materail();
+        const QSize size = materail ? materail->size() : QSize();
+        if (qint64(size.width()) * size.height() <= PackageLimits::maxPictureMemory / bytesPerPixel)
+            pixels += qint64(size.width()) * size.height();
+    }
+    return pixels;
+}
+
+bool ReadinessCheck::isExtracted(const QString &entry)
+{
+    const QString path = QStringLiteral("%1/%2").arg(m_folder, entry);
+    const bool isExtracted = !m_package.extractFile(entry, path).isEmpty();
+    if (!isExtracted)
+        qDebug() << "Extract file failed:" << path;
+    else
+        QFile::remove(path);
+    return isExtracted;
+}
+
+LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decoder)
+{
+    if (!isExtracted(entry))
+        return LoadDecompressFailed;
+    PackagedPicture picture(entry, m_device);
+    const LoadResultCode code = picture.open(m_package, m_folder);
+    if (code != LoadSuccess || !picture.isOfGallery())
+        return code;
+    const qint64 bytes = qint64(picture.size().width()) * picture.size().height() * bytesPerPixel;
+    const auto isTooMuch = [&] {
+        return m_begun.size() >= QThread::idealThreadCount() + 2 ||
+               m_begunBytes - m_begun.head().second + bytes > maxBytesBeyondFirst;
+    };
+    while (!m_begun.isEmpty() && isTooMuch()) {
+        if (!isOldestDecoded(decoder))
+            return LoadGalleryFileError;
+    }
+    decoder.begin(entry, picture.content(), picture.size());
+    m_begun.enqueue({entry, bytes});
+    m_begunBytes += bytes;
+    return LoadSuccess;
+}
+
+bool ReadinessCheck::isOldestDecoded(PictureDecoder &decoder)
+{
+    const QPair<QString, qint64> oldest = m_begun.dequeue();
+    m_begunBytes -= oldest.second;
+    return !decoder.take(oldest.first).isNull();
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg
