@@ -56,7 +56,7 @@ class Tree:
         for name in names:
             content = (root / name).read_bytes()
             # Neither what people read nor the list of unnoticeable mistakes decides what the tests notice.
-            if not name.startswith(("docs/", "benchmarks/", "tests/mutation/", ".")) and "/" in name:
+            if not name.startswith(("docs/", "benchmarks/", "scripts/", "tests/mutation/", ".")) and "/" in name:
                 digest.update(name.encode() + b"\0" + hashlib.sha256(content).digest())
             wanted.add(name)
             if name.endswith(("testmain.h", "stage.h", "stage.cpp")):
@@ -198,6 +198,8 @@ class Worker:
         times, failed, since = collections.Counter(), [], time.monotonic()
         try:
             for line in process.stdout:
+                if line.startswith("Unknown test"):
+                    raise Failure("%s: %s" % (arguments[0], line))
                 match = re.match(r"(PASS|SKIP|FAIL!|XPASS|XFAIL|QFATAL)\s*: \w+::(\w+)\((.*)", line)
                 if not match:
                     continue
@@ -208,7 +210,7 @@ class Worker:
                     end = next((len(f) - len(function) - 1 for f in functions
                                 if (row + ")").startswith(f[len(function) + 1:] + ")")
                                 and f.startswith(function + ":")), end)
-                test = function + (":" + row[:end] if end > 0 else "")
+                test = choosable(function + (":" + row[:end] if end > 0 else ""))
                 now = time.monotonic()
                 times[test] += now - since
                 since = now
@@ -225,6 +227,11 @@ class Worker:
         if late.is_set() or process.returncode == -24:
             return "(runs too long)", times, failed
         return None if process.returncode == 0 else "(ends with %d)" % process.returncode, times, failed
+
+
+def choosable(test):
+    """"function:row", or the function alone where Qt Test could not tell the row: two colons divide class and function."""
+    return test.split(":")[0] if "::" in test else test
 
 
 def kill_group(process):
@@ -257,7 +264,7 @@ def trace(program, worker, count):
         with open(file, "rb") as content:
             for number in range(RECORDS):
                 record = content.read(size)
-                name = record[:NAME_SIZE].rstrip(b"\0").decode("utf-8", "replace")
+                name = choosable(record[:NAME_SIZE].rstrip(b"\0").decode("utf-8", "replace"))
                 if number and not name:
                     break
                 numbers = {m.start() for m in re.finditer(b"\1", record[NAME_SIZE:])}
@@ -270,7 +277,7 @@ def trace(program, worker, count):
         failed += red
         done = {test.split(":")[0] for test in seen}
         rest = [function for function in rest if function not in done | FRAME]
-        if not reason or red or not rest:
+        if not reason or not rest:
             break
         # The first that is missing took the program with it.
         failed.append("%s %s" % (rest[0], reason))
