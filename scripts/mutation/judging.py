@@ -291,9 +291,9 @@ def trace(program, worker, count):
 class Campaign:
     """Judges mistakes by the functions that reach them: the likeliest and quickest first."""
 
-    def __init__(self, programs, reach, workers, effort):
+    def __init__(self, programs, reach, workers, effort, near):
         self.programs = {program[0]: program for program in programs}
-        self.effort = effort
+        self.effort, self.near = effort, near
         self.idle = queue.Queue()
         for worker in workers:
             self.idle.put(worker)
@@ -317,6 +317,8 @@ class Campaign:
                 function = (test[0], test[1].split(":")[0])
                 kills = 20 * self.kills[where, test] + 2 * self.kills[mutant.file, test] + \
                     4 * (self.kills[where, function] > 0)
+                if test[0][4:] in self.near[number]:
+                    kills += 6      # tst_x is the program for x
                 return (1 + kills) / (0.05 + self.seconds[test])
             order = sorted(tests, key=worth, reverse=True)
         worker = self.idle.get()

@@ -8,6 +8,7 @@ Where expressions begin and end is asked of libclang. Lines stay where they are.
 (sizes of arrays, labels of cases, arguments of templates) is taken out again, at the place that it names."""
 import collections
 import hashlib
+import pathlib
 import re
 
 import places
@@ -213,6 +214,15 @@ class Switched:
                 for number, _ in wrapper.variants
                 if wrapper.kind != "constant" and (wrapper.start, wrapper.end, wrapper.kind, number)
                 not in self.refused[path]}
+
+    def near(self):
+        """For each number the names of the files, without folder and suffix, in which a switch asks for it."""
+        found = collections.defaultdict(set)
+        for path, wrappers in self.wrappers.items():
+            for wrapper in wrappers.values():
+                for number, _ in wrapper.variants:
+                    found[number].add(pathlib.Path(path).stem)
+        return found
 
     def refuse(self, path, line, column, emitted):
         """Takes out what stands at that place of the emitted text. False when nothing does."""
