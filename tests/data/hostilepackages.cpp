@@ -204,6 +204,9 @@ public:
     void addRecords();
     void addDescriptions();
     void addOtherFiles();
+    void addAliases();
+    void addLargeNumbers();
+    void addOtherWriters();
 };
 
 void Corpus::addNames()
@@ -975,6 +978,123 @@ void Corpus::addOtherFiles()
     });
 }
 
+void Corpus::addAliases()
+{
+    // The first is the good one, whatever it is called.
+    const auto twice = [](const QByteArray &first, const QByteArray &second) {
+        return [=] {
+            return sealed(PackageBuilder()
+                              .file("device.json", description())
+                              .file(first, picture(), PackageBuilder::Stored)
+                              .file(second, "no picture")
+                              .file("LOGO/LOGO_2.png", TestSupport::pngOf(source().logos.value(2).pixels))
+                              .file("Preset/1.RPst", raw("\0\0\0\10a preset")));
+        };
+    };
+    add("alias_with_a_dot_behind", twice("BKG/BKG_1.png", "BKG/./BKG_1.png"));
+    add("alias_with_a_dot_before", twice("BKG/./BKG_1.png", "BKG/BKG_1.png"));
+    add("alias_with_doubled_slashes_behind", twice("BKG/BKG_1.png", "BKG//BKG_1.png"));
+    add("alias_with_doubled_slashes_before", twice("BKG//BKG_1.png", "BKG/BKG_1.png"));
+    add("alias_that_begins_with_a_dot", twice("BKG/BKG_1.png", "./BKG/BKG_1.png"));
+    add("alias_of_a_folder", [] { return sealed(honest().folder("BKG").folder("BKG/.").folder("BKG//")); });
+    add("alias_of_the_description", [] {
+        return sealed(PackageBuilder().file("device.json", description()).file("./device.json", "no description"));
+    });
+    add("names_that_are_no_utf8_decode_alike", [] {
+        return sealed(
+            honest().file("Preset/\xfe.RPst", "one").file("Preset/\xff.RPst", "two").file("Preset/\xc3.RPst", "three"));
+    });
+    add("folder_has_content", withMode("other/", PackageBuilder::Directory, "a folder's content"));
+    add("folder_of_pictures_has_content", [] {
+        return sealed(PackageBuilder()
+                          .file("device.json", description())
+                          .file("BKG/", "a folder's content", PackageBuilder::Stored, PackageBuilder::Directory)
+                          .file("BKG/BKG_1.png", picture()));
+    });
+    add("description_has_markup_in_texts", withChange([](QJsonObject &object) {
+            const QString markup = QStringLiteral("<img src='file:///dev/zero'><h1>big</h1><a href='x'>%1</a>&amp;");
+            const std::function<QJsonValue(const QJsonValue &)> marked = [&](const QJsonValue &value) -> QJsonValue {
+                if (value.isString())
+                    return markup;
+                if (value.isArray()) {
+                    QJsonArray array;
+                    for (const QJsonValue &element : value.toArray())
+                        array.append(marked(element));
+                    return array;
+                }
+                QJsonObject changed = value.toObject();
+                for (const QString &key : changed.keys()) {
+                    if (!changed.value(key).isDouble() && !changed.value(key).isBool())
+                        changed.insert(key, marked(changed.value(key)));
+                }
+                return value.isObject() ? QJsonValue(changed) : value;
+            };
+            const QJsonValue ip = object.value(QStringLiteral("ip"));
+            object = marked(object).toObject();
+            object.insert(QStringLiteral("ip"), ip);
+        }));
+}
+
+void Corpus::addLargeNumbers()
+{
+    const auto materials = [](int count, int width, int height) {
+        return description([=](QJsonObject &object) {
+            QJsonArray array;
+            for (int number = 1; number <= count; ++number)
+                array.append(QJsonObject{{QStringLiteral("type"), 0},
+                                         {QStringLiteral("keyNo"), number},
+                                         {QStringLiteral("width"), width},
+                                         {QStringLiteral("height"), height}});
+            object.insert(QStringLiteral("materials"), array);
+        });
+    };
+    // 42 million pixels each, so each alone is allowed.
+    const auto pictures = [materials](int count) {
+        return [=] {
+            PackageBuilder package;
+            package.file("device.json", materials(count, 7000, 6000));
+            const QByteArray png = PngMaker::blank(7000, 6000, 1, PngMaker::Grey);
+            for (int number = 1; number <= count; ++number)
+                package.file("BKG/BKG_" + QByteArray::number(number) + ".png", png, PackageBuilder::Stored);
+            return sealed(package);
+        };
+    };
+    add("pictures_of_21_gigapixels_together", pictures(512));
+    const auto files = [](int count, const QByteArray &folder) {
+        return [=] {
+            PackageBuilder package = honest();
+            for (int number = 0; number < count; ++number)
+                package.file(folder + QByteArray::number(number), QByteArray(), PackageBuilder::Stored);
+            return package;
+        };
+    };
+    add("entries_are_33000", [=] { return sealed(files(33000, "many/")()); });
+    add("other_entries_are_33000", [=] { return sealed(files(33000, "others/")()); });
+    add("entries_are_65000", [=] { return sealed(files(65000, "many/")()); });
+    add("entries_are_70000_in_zip64", [=] {
+        ZipArchive archive(sealed(files(70000, "many/")()));
+        const quint64 size = archive.get32(archive.end() + 12);
+        const quint64 start = archive.get32(archive.end() + 16);
+        archive.insertBeforeEnd(zip64Records(70000 + 4, size, start, quint64(archive.end())));
+        return archive.set16(archive.end() + 8, 0xffff).set16(archive.end() + 10, 0xffff).bytes;
+    });
+}
+
+void Corpus::addOtherWriters()
+{
+    // As a package that unpacks itself would be, with the program in front taken into account everywhere.
+    add("program_before_with_adjusted_offsets", [] {
+        const QByteArray program = raw("MZ\x90\0\3").leftJustified(500, '\0');
+        const QByteArray checksum = PackageBuilder::checksum(program, 0);
+        ZipArchive archive(
+            honest().recordWithChecksum(QString::fromLatin1(checksum), QStringLiteral("x"), QString()).build());
+        for (int entry = 0; entry < archive.count(); ++entry)
+            archive.set32(archive.central(entry) + 42, quint32(archive.local(entry) + program.size()));
+        archive.set32(archive.end() + 16, quint32(archive.centralStart() + program.size()));
+        return program + archive.bytes;
+    });
+}
+
 } // namespace
 
 QVector<HostilePackage> hostilePackages()
@@ -991,6 +1111,9 @@ QVector<HostilePackage> hostilePackages()
     corpus.addRecords();
     corpus.addDescriptions();
     corpus.addOtherFiles();
+    corpus.addAliases();
+    corpus.addLargeNumbers();
+    corpus.addOtherWriters();
     return corpus.packages;
 }
 

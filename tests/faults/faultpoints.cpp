@@ -146,6 +146,30 @@ Verdict judge(Kind kind, bool changes, bool needsRoom)
     return verdict;
 }
 
+/// For the kinds that are no steps of a lasting failure: one of them fails once, or all do when nothing is there any
+/// more, or nothing can be changed.
+bool failsBesides(Kind kind, bool changes)
+{
+    State &s = state();
+    const Plan &plan = s.plan;
+    ++s.report.calls[kind];
+    if (plan.number == 0)
+        return false;
+    if (plan.effect == Plan::FailOnce) {
+        if (kind != plan.kind || s.report.calls.at(kind) != plan.number)
+            return false;
+        s.report.struck = true;
+        errno = plan.error;
+        return true;
+    }
+    const bool isStruck = s.steps >= plan.number;
+    if (isStruck && (plan.effect == Plan::Gone || (plan.effect == Plan::ReadOnly && changes))) {
+        errno = plan.effect == Plan::Gone ? EIO : EROFS;
+        return true;
+    }
+    return false;
+}
+
 void die()
 {
     kill(getpid(), SIGKILL);
@@ -240,6 +264,26 @@ Size writeWatched(int descriptor, Size size, Call call)
     return call(size);
 }
 
+/// A call with a descriptor that is no step of its own.
+template<typename Call>
+auto besides(int descriptor, Kind kind, bool changes, Call call) -> decltype(call())
+{
+    const Watch watch;
+    if (!watch.isActive() || !state().descriptors.contains(descriptor))
+        return call();
+    return failsBesides(kind, changes) ? -1 : call();
+}
+
+/// The same with a path.
+template<typename Call>
+int besides(const char *path, Kind kind, Call call)
+{
+    const Watch watch;
+    if (!watch.isActive() || !path || !isWatched(cleaned(path)))
+        return call();
+    return failsBesides(kind, true) ? -1 : call();
+}
+
 template<typename Call>
 int flushWatched(int descriptor, bool isWholeSystem, Call call)
 {
@@ -318,7 +362,9 @@ int changeName(const char *path, Kind kind, Call call)
 
 QString kindName(Kind kind)
 {
-    static const char *const names[] = {"open", "write", "flush", "rename", "mkdir", "remove"};
+    static const char *const names[] = {"open", "write",     "flush", "rename", "mkdir",   "remove",         "read",
+                                        "seek", "ftruncate", "close", "chmod",  "utimens", "sync_file_range"};
+    static_assert(sizeof names / sizeof *names == KindCount, "each kind has a name");
     return QLatin1String(names[kind]);
 }
 
@@ -400,11 +446,14 @@ FAULT_POINT int close(int descriptor)
     const Verdict verdict = writes ? judge(Flush, false, false) : Verdict();
     if (verdict.isKilled)
         die();
+    // The descriptor is gone either way, as with Linux.
+    const bool failsAlone = !verdict.fails && failsBesides(Close, false);
+    const int error = verdict.fails ? verdict.error : errno;
     state().descriptors.remove(descriptor);
     const int result = next(descriptor);
-    if (!verdict.fails)
+    if (!verdict.fails && !failsAlone)
         return result;
-    errno = verdict.error;
+    errno = error;
     return -1;
 }
 
@@ -444,11 +493,15 @@ FAULT_POINT ssize_t sendfile64(int out, int in, off64_t *offset, size_t count) n
 FAULT_POINT int ftruncate(int descriptor, off_t length) noexcept
 {
     static const auto next = original<int(int, off_t)>("ftruncate");
+    if (besides(descriptor, Truncate, true, [] { return 0; }) != 0)
+        return -1;
     return writeWatched(descriptor, 1, [&](int whole) { return whole ? next(descriptor, length) : 0; });
 }
 FAULT_POINT int ftruncate64(int descriptor, off64_t length) noexcept
 {
     static const auto next = original<int(int, off64_t)>("ftruncate64");
+    if (besides(descriptor, Truncate, true, [] { return 0; }) != 0)
+        return -1;
     return writeWatched(descriptor, 1, [&](int whole) { return whole ? next(descriptor, length) : 0; });
 }
 
@@ -508,4 +561,67 @@ FAULT_POINT int rmdir(const char *path) noexcept
 {
     static const auto next = original<int(const char *)>("rmdir");
     return changeName(path, Remove, [&] { return next(path); });
+}
+
+FAULT_POINT int unlinkat(int folder, const char *path, int flags) noexcept
+{
+    static const auto next = original<int(int, const char *, int)>("unlinkat");
+    return changeName(path, Remove, [&] { return next(folder, path, flags); });
+}
+
+FAULT_POINT ssize_t read(int descriptor, void *bytes, size_t count)
+{
+    static const auto next = original<ssize_t(int, void *, size_t)>("read");
+    return besides(descriptor, Read, false, [&] { return next(descriptor, bytes, count); });
+}
+FAULT_POINT ssize_t pread(int descriptor, void *bytes, size_t count, off_t offset)
+{
+    static const auto next = original<ssize_t(int, void *, size_t, off_t)>("pread");
+    return besides(descriptor, Read, false, [&] { return next(descriptor, bytes, count, offset); });
+}
+FAULT_POINT ssize_t pread64(int descriptor, void *bytes, size_t count, off64_t offset)
+{
+    static const auto next = original<ssize_t(int, void *, size_t, off64_t)>("pread64");
+    return besides(descriptor, Read, false, [&] { return next(descriptor, bytes, count, offset); });
+}
+FAULT_POINT off_t lseek(int descriptor, off_t offset, int whence) noexcept
+{
+    static const auto next = original<off_t(int, off_t, int)>("lseek");
+    return besides(descriptor, Seek, false, [&] { return next(descriptor, offset, whence); });
+}
+FAULT_POINT off64_t lseek64(int descriptor, off64_t offset, int whence) noexcept
+{
+    static const auto next = original<off64_t(int, off64_t, int)>("lseek64");
+    return besides(descriptor, Seek, false, [&] { return next(descriptor, offset, whence); });
+}
+
+FAULT_POINT int fchmod(int descriptor, mode_t mode) noexcept
+{
+    static const auto next = original<int(int, mode_t)>("fchmod");
+    return besides(descriptor, SetMode, true, [&] { return next(descriptor, mode); });
+}
+FAULT_POINT int chmod(const char *path, mode_t mode) noexcept
+{
+    static const auto next = original<int(const char *, mode_t)>("chmod");
+    return besides(path, SetMode, [&] { return next(path, mode); });
+}
+FAULT_POINT int fchmodat(int folder, const char *path, mode_t mode, int flags) noexcept
+{
+    static const auto next = original<int(int, const char *, mode_t, int)>("fchmodat");
+    return besides(path, SetMode, [&] { return next(folder, path, mode, flags); });
+}
+FAULT_POINT int futimens(int descriptor, const timespec *times) noexcept
+{
+    static const auto next = original<int(int, const timespec *)>("futimens");
+    return besides(descriptor, SetTimes, true, [&] { return next(descriptor, times); });
+}
+FAULT_POINT int utimensat(int folder, const char *path, const timespec *times, int flags) noexcept
+{
+    static const auto next = original<int(int, const char *, const timespec *, int)>("utimensat");
+    return besides(path, SetTimes, [&] { return next(folder, path, times, flags); });
+}
+FAULT_POINT int sync_file_range(int descriptor, off64_t offset, off64_t count, unsigned flags)
+{
+    static const auto next = original<int(int, off64_t, off64_t, unsigned)>("sync_file_range");
+    return besides(descriptor, FlushRange, true, [&] { return next(descriptor, offset, count, flags); });
 }

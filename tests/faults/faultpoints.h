@@ -10,7 +10,25 @@
 /// call them too. Counted are only calls below the watched folders, and only while it is armed.
 namespace FaultPoints {
 
-enum Kind { Open, Write, Flush, Rename, MakeFolder, Remove, KindCount };
+/// From Read on, the kinds are for plans that fail once: as steps of a lasting failure or of a kill they do not count.
+/// Reading and seeking concern files that were opened below the watched folders, as writing does. Truncate is a Write
+/// as well, and the closing of a file that was written a Flush, since both can be where a full disk shows.
+enum Kind {
+    Open,
+    Write,
+    Flush,
+    Rename,
+    MakeFolder,
+    Remove,
+    Read,
+    Seek,
+    Truncate,
+    Close,
+    SetMode,
+    SetTimes,
+    FlushRange,
+    KindCount
+};
 
 QString kindName(Kind kind);
 

@@ -114,6 +114,13 @@ void TstFaults::each_package_is_whole_and_success_is_true_data()
         {"the disk is read-only from then on", lasting(Plan::ReadOnly), false},
         {"the disk is gone from then on", lasting(Plan::Gone), false},
         {"the devices' disk is full for a while", lasting(Plan::FullForAWhile), true},
+        {"read: input/output error", once(FaultPoints::Read, EIO), false},
+        {"seek: input/output error", once(FaultPoints::Seek, EIO), false},
+        {"ftruncate: input/output error", once(FaultPoints::Truncate, EIO), false},
+        {"close: input/output error", once(FaultPoints::Close, EIO), false},
+        {"chmod: no permission", once(FaultPoints::SetMode, EPERM), false},
+        {"utimens: no permission", once(FaultPoints::SetTimes, EPERM), false},
+        {"sync_file_range: not there", once(FaultPoints::FlushRange, ENOSYS), false},
     };
     for (int operation = 0; operation < OperationCount; ++operation) {
         for (const Disturbance &disturbance : disturbances)

@@ -1,3 +1,4 @@
+#include <engineerdocbackup.h>
 #include <engineerdocload.h>
 #include <projectlist.h>
 #include <zippackagehandle.h>
@@ -241,6 +242,11 @@ private slots:
     void an_operation_ends_as_the_table_says();
     void an_online_device_gets_all_or_stays_what_it_was_data();
     void an_online_device_gets_all_or_stays_what_it_was();
+    void the_first_of_two_names_of_one_path_counts_data();
+    void the_first_of_two_names_of_one_path_counts();
+    void names_that_are_no_utf8_stay_apart();
+    void after_many_packages_the_device_can_be_saved();
+    void too_many_entries_together_are_refused_before_writing();
     void what_is_no_file_is_refused_data();
     void what_is_no_file_is_refused();
     void the_panel_imports_and_lists_what_the_table_says();
@@ -251,6 +257,10 @@ private:
     QString list() const;
     QString edit();
     QString apply(const QString &packagePath, const QString &ip) const;
+    /// The package of that name.
+    const HostilePackage &named(const QByteArray &name) const;
+    /// The code with which a save of the offline device ends; the package must be valid when it is 0.
+    QString save() const;
     /// What came of it, as the table has it; `m_costs` tells what it took.
     QString operate(const QString &operation);
     template<typename Operation>
@@ -560,6 +570,107 @@ void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was()
     const QStringList differences = hardware->state().differencesTo(before);
     QVERIFY2(differences.isEmpty(), qPrintable(differences.join(QLatin1Char('\n'))));
     QCOMPARE(Simulation::Journal::instance()->count(QStringLiteral("DeviceControler.updateDeviceInfo")), 0);
+}
+
+const HostilePackage &TstHostilePackages::named(const QByteArray &name) const
+{
+    const auto found = std::find_if(m_packages.begin(), m_packages.end(),
+                                    [&name](const HostilePackage &package) { return package.name == name; });
+    if (found == m_packages.end())
+        qFatal("No package is called %s", name.constData());
+    return *found;
+}
+
+QString TstHostilePackages::save() const
+{
+    const QString folder = m_root + QStringLiteral("/saved/");
+    if (!QDir(folder).removeRecursively() || !QDir().mkpath(folder))
+        return QStringLiteral("no folder");
+    EngineerDocBackup job(nullptr, offlineIp);
+    job.setProjectPath(folder);
+    job.setProjectInfo(QStringLiteral("saved"), QString());
+    job.start();
+    job.wait();
+    if (job.resultCode() == BackupSuccess &&
+        !ZipPackageHandle::isValidEngineerPacket(folder + QStringLiteral("saved.corvelpro")))
+        return QStringLiteral("no valid package");
+    return QString::number(job.resultCode());
+}
+
+void TstHostilePackages::the_first_of_two_names_of_one_path_counts_data()
+{
+    QTest::addColumn<QByteArray>("package");
+    for (const HostilePackage &package : qAsConst(m_packages)) {
+        if (package.name.startsWith("alias_"))
+            QTest::newRow(package.name) << package.name;
+    }
+}
+
+void TstHostilePackages::the_first_of_two_names_of_one_path_counts()
+{
+    QFETCH(QByteArray, package);
+    setUp(named(package));
+    QCOMPARE(apply(m_package, offlineIp), QStringLiteral("0"));
+    if (package != "alias_of_the_description")
+        QCOMPARE(QImage(m_site->devicePath(offlineIp) + QStringLiteral("/BKG/BKG_1.png")).size(), QSize(16, 9));
+    QCOMPARE(apply(m_package, onlineIp), QStringLiteral("0"));
+    if (package != "alias_of_the_description")
+        QCOMPARE((*m_site)->hardware(onlineIp)->state().backgrounds.value(1).pixels.size(), QSize(16, 9));
+}
+
+void TstHostilePackages::names_that_are_no_utf8_stay_apart()
+{
+    setUp(named("names_that_are_no_utf8_decode_alike"));
+    QCOMPARE(apply(m_package, offlineIp), QStringLiteral("0"));
+    QStringList contents;
+    const QDir folder(m_site->devicePath(offlineIp) + QStringLiteral("/Preset"));
+    for (const QString &name : folder.entryList(QDir::Files)) {
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        if (name != QStringLiteral("1.RPst"))
+            contents.append(QString::fromLatin1(file.readAll()));
+    }
+    contents.sort();
+    QCOMPARE(contents, QStringList({QStringLiteral("one"), QStringLiteral("three"), QStringLiteral("two")}));
+}
+
+void TstHostilePackages::after_many_packages_the_device_can_be_saved()
+{
+    const LibraryNoise noise;
+    QMap<QByteArray, Expectation> table;
+    for (const auto &row : readTable())
+        table.insert(row.first, row.second);
+    setUp({"replaced below", [] { return QByteArray(); }});
+    int applied = 0;
+    for (const HostilePackage &package : qAsConst(m_packages)) {
+        // Those that take their time have tests of their own.
+        if (package.linksInTheWay || package.libraryLeaks || package.name.contains("entries_are_"))
+            continue;
+        if (table.value(package.name).offline != QStringLiteral("0"))
+            continue;
+        QVERIFY(writeFile(m_package, package.bytes()));
+        // An earlier one may have left a file where this one has a folder: then it is refused as a whole.
+        const QString code = apply(m_package, offlineIp);
+        QVERIFY2(code == QStringLiteral("0") || code == QStringLiteral("6"),
+                 package.name + " ends with " + code.toUtf8());
+        applied += code == QStringLiteral("0");
+    }
+    QVERIFY(applied > 100);
+    QCOMPARE(save(), QStringLiteral("0"));
+    QCOMPARE(apply(m_root + QStringLiteral("/saved/saved.corvelpro"), offlineIp), QStringLiteral("0"));
+}
+
+void TstHostilePackages::too_many_entries_together_are_refused_before_writing()
+{
+    setUp(named("entries_are_33000"));
+    QCOMPARE(apply(m_package, offlineIp), QStringLiteral("0"));
+    QCOMPARE(save(), QStringLiteral("0"));
+    QVERIFY(writeFile(m_package, named("other_entries_are_33000").bytes()));
+    const Snapshot before = snapshot(m_site->devicePath(offlineIp), QStringList());
+    QCOMPARE(apply(m_package, offlineIp), QStringLiteral("6"));
+    const QString changes = difference(before, snapshot(m_site->devicePath(offlineIp), QStringList()));
+    QVERIFY2(changes.isEmpty(), qPrintable(changes));
+    QCOMPARE(save(), QStringLiteral("0"));
 }
 
 void TstHostilePackages::what_is_no_file_is_refused_data()

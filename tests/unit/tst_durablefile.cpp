@@ -13,6 +13,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <linux/fs.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,6 +34,10 @@ struct System
     int exchange = 0;
     /// What another program does before the next exchanges.
     QVector<std::function<void()>> beforeExchange;
+    /// The file system shares content between files, as few do.
+    bool sharesContent = false;
+    /// Somebody else makes each folder just before.
+    bool foldersAppear = false;
     QStringList steps;
 };
 
@@ -111,6 +116,24 @@ extern "C" Q_DECL_EXPORT int syncfs(int handle) noexcept
     return failsWith(s_system.flushDisk) ? -1 : function(handle);
 }
 
+extern "C" Q_DECL_EXPORT int ioctl(int handle, unsigned long request, ...) noexcept
+{
+    static const auto function = original<int (*)(int, unsigned long, void *)>("ioctl");
+    va_list arguments;
+    va_start(arguments, request);
+    void *argument = va_arg(arguments, void *);
+    va_end(arguments);
+    return s_system.sharesContent && request == FICLONE ? 0 : function(handle, request, argument);
+}
+
+extern "C" Q_DECL_EXPORT int mkdir(const char *path, mode_t mode) noexcept
+{
+    static const auto function = original<int (*)(const char *, mode_t)>("mkdir");
+    if (s_system.foldersAppear)
+        function(path, mode);
+    return function(path, mode);
+}
+
 extern "C" Q_DECL_EXPORT int rename(const char *from, const char *to) noexcept
 {
     static const auto function = original<int (*)(const char *, const char *)>("rename");
@@ -138,6 +161,9 @@ class TstDurableFile : public QObject
     Q_OBJECT
 
 private slots:
+    void content_is_shared_where_the_file_system_does();
+    void a_folder_that_appears_meanwhile_counts_as_made();
+    void without_standard_input_folders_are_made_and_flushed();
     void init();
 
     void content_is_flushed_before_the_name_and_the_name_before_success_data();
@@ -175,6 +201,45 @@ private:
 
     QScopedPointer<QTemporaryDir> m_dir;
 };
+
+void TstDurableFile::content_is_shared_where_the_file_system_does()
+{
+    s_system = System();
+    QVERIFY(!DurableFile::shareContent(-1, -1));
+    s_system.sharesContent = true;
+    const bool isShared = DurableFile::shareContent(-1, -1);
+    s_system = System();
+    QVERIFY(isShared);
+}
+
+void TstDurableFile::a_folder_that_appears_meanwhile_counts_as_made()
+{
+    const QTemporaryDir dir;
+    s_system = System();
+    s_system.foldersAppear = true;
+    QVERIFY(DurableFile::makeFolder(dir.filePath("one/two")));
+    QVERIFY(QFileInfo(dir.filePath("one/two")).isDir());
+    s_system = System();
+}
+
+void TstDurableFile::without_standard_input_folders_are_made_and_flushed()
+{
+    const QTemporaryDir dir;
+    s_system = System();
+    // The descriptor that is opened next is 0 then.
+    const int kept = dup(0);
+    ::close(0);
+    const bool isMade = DurableFile::makeFolder(dir.filePath("one/two"));
+    const bool isFlushed = DurableFile::flushTree(dir.path());
+    const int next = dup(1);
+    ::close(next);
+    dup2(kept, 0);
+    ::close(kept);
+    QVERIFY(isMade);
+    QVERIFY(isFlushed);
+    // Each was closed again.
+    QCOMPARE(next, 0);
+}
 
 void TstDurableFile::init()
 {

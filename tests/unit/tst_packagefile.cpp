@@ -7,10 +7,12 @@
 
 #include <QTemporaryDir>
 
+#include <cerrno>
 #include <cstdarg>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
@@ -42,6 +44,45 @@ extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
     return open64(path, flags, mode);
 }
 
+/// How often anything was read, and whether seeking fails. On the thread that tests alone.
+static int s_reads = 0;
+static bool s_seekFails = false;
+
+extern "C" Q_DECL_EXPORT ssize_t read(int handle, void *bytes, size_t count)
+{
+    static const auto original = reinterpret_cast<ssize_t (*)(int, void *, size_t)>(dlsym(RTLD_NEXT, "read"));
+    ++s_reads;
+    return original(handle, bytes, count);
+}
+
+// The same function, which the headers choose between.
+static off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
+{
+    static const auto original = reinterpret_cast<off64_t (*)(int, off64_t, int)>(dlsym(RTLD_NEXT, "lseek64"));
+    if (!s_seekFails)
+        return original(handle, offset, whence);
+    errno = EIO;
+    return -1;
+}
+
+extern "C" Q_DECL_EXPORT off_t lseek(int handle, off_t offset, int whence) noexcept
+{
+    return seekUnlessItFails(handle, offset, whence);
+}
+
+extern "C" Q_DECL_EXPORT off64_t lseek64(int handle, off64_t offset, int whence) noexcept
+{
+    return seekUnlessItFails(handle, offset, whence);
+}
+
+/// Lets the writing itself be called, which QIODevice refuses before.
+class WritablePackageFile : public PackageFile
+{
+public:
+    using PackageFile::PackageFile;
+    using PackageFile::writeData;
+};
+
 class TstPackageFile : public QObject
 {
     Q_OBJECT
@@ -52,6 +93,9 @@ private slots:
     void every_part_reads_as_it_is_in_the_file_data();
     void every_part_reads_as_it_is_in_the_file();
     void behind_the_end_there_is_nothing();
+    void the_last_65577_bytes_are_read_once();
+    void a_failing_seek_is_a_failed_read();
+    void before_it_is_opened_it_has_no_size();
     void nothing_can_be_written();
     void what_cannot_be_read_anywhere_is_not_opened();
     void a_scan_opens_each_package_once();
@@ -111,8 +155,53 @@ void TstPackageFile::behind_the_end_there_is_nothing()
     }
 }
 
+void TstPackageFile::the_last_65577_bytes_are_read_once()
+{
+    const QByteArray bytes = noise(70000);
+    QVERIFY(writeFile(path("bytes"), bytes));
+    PackageFile file(path("bytes"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    s_reads = 0;
+    for (const int start : {70000 - 65577, 70000 - 100, 70000 - 65577 + 1}) {
+        QVERIFY(file.seek(start));
+        QCOMPARE(file.read(4), bytes.mid(start, 4));
+    }
+    QCOMPARE(s_reads, 0);
+    QVERIFY(file.seek(70000 - 65578));
+    QCOMPARE(file.read(1), bytes.mid(70000 - 65578, 1));
+    QVERIFY(s_reads > 0);
+}
+
+void TstPackageFile::a_failing_seek_is_a_failed_read()
+{
+    QVERIFY(writeFile(path("bytes"), noise(300000)));
+    PackageFile file(path("bytes"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.seek(100000));
+    const ExpectMessage complaint(QtWarningMsg, QRegularExpression(QStringLiteral("Cannot set file position")));
+    char byte = 0;
+    s_seekFails = true;
+    const qint64 count = file.read(&byte, 1);
+    s_seekFails = false;
+    QCOMPARE(count, qint64(-1));
+
+    PackageFile another(path("bytes"));
+    const ExpectMessage anotherComplaint(QtWarningMsg, QRegularExpression(QStringLiteral("Cannot set file position")));
+    s_seekFails = true;
+    const bool isOpen = another.open(QIODevice::ReadOnly);
+    s_seekFails = false;
+    QVERIFY(!isOpen);
+}
+
+void TstPackageFile::before_it_is_opened_it_has_no_size()
+{
+    QVERIFY(writeFile(path("bytes"), "bytes"));
+    QCOMPARE(PackageFile(path("bytes")).size(), qint64(0));
+}
+
 void TstPackageFile::nothing_can_be_written()
 {
+    QCOMPARE(WritablePackageFile(path("bytes")).writeData("x", 1), qint64(-1));
     QVERIFY(writeFile(path("bytes"), "bytes"));
     PackageFile file(path("bytes"));
     QVERIFY(!file.open(QIODevice::ReadWrite));

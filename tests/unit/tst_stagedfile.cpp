@@ -1,0 +1,71 @@
+#include "packagetesting.h"
+#include "stagedfile.h"
+
+#include <support/testmain.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cerrno>
+#include <dlfcn.h>
+#include <unistd.h>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+
+static bool s_closeFails = false;
+
+// Stands before the C library's, through which Qt closes files. The file is closed all the same, as with Linux.
+extern "C" Q_DECL_EXPORT int close(int handle)
+{
+    static const auto original = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "close"));
+    const int result = original(handle);
+    if (!s_closeFails)
+        return result;
+    errno = EIO;
+    return -1;
+}
+
+/// What of a staged file counts as written.
+class TstStagedFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void it_holds_the_content_and_is_closed();
+    void a_failed_closing_is_a_failure();
+    void a_full_disk_is_a_failure();
+
+private:
+    QTemporaryDir m_dir;
+};
+
+void TstStagedFile::it_holds_the_content_and_is_closed()
+{
+    QFile file(m_dir.filePath("staged"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(writeWhole(file, "content"));
+    QVERIFY(!file.isOpen());
+    QCOMPARE(readFile(file.fileName()), QByteArray("content"));
+}
+
+void TstStagedFile::a_failed_closing_is_a_failure()
+{
+    QFile file(m_dir.filePath("staged"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    s_closeFails = true;
+    const bool isWritten = writeWhole(file, "content");
+    s_closeFails = false;
+    QVERIFY(!isWritten);
+}
+
+void TstStagedFile::a_full_disk_is_a_failure()
+{
+    QFile file(QStringLiteral("/dev/full"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(!writeWhole(file, "content"));
+    file.close();
+}
+
+TEST_MAIN_CORE(TstStagedFile)
+#include "tst_stagedfile.moc"
