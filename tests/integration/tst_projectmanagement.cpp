@@ -4,6 +4,7 @@
 #include <support/answerbook.h>
 #include <support/freespace.h>
 #include <support/heldfile.h>
+#include <support/objectcensus.h>
 #include <support/testmain.h>
 #include <zippackagehandle.h>
 
@@ -183,6 +184,7 @@ private slots:
 
     // Closing
     void the_waiting_dialog_goes_before_the_result_is_shown();
+    void one_watcher_of_each_kind_stays_until_the_panel_goes();
     void file_dialogs_go_when_they_were_used();
     void the_chooser_shows_details_whatever_the_last_one_showed();
     void deleting_the_panel_during_an_import_is_quiet();
@@ -1257,6 +1259,34 @@ void TstProjectManagement::the_waiting_dialog_goes_before_the_result_is_shown()
     click(m_panel->importProject());
     waitForAnswers();
     QCOMPARE(Journal::instance()->operations(), expected);
+}
+
+void TstProjectManagement::one_watcher_of_each_kind_stays_until_the_panel_goes()
+{
+    list(QStringLiteral("show"));
+    settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    const ObjectCensus census;
+    const auto watchers = [&census] {
+        settle();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return census.living("QFutureWatcherBase").count();
+    };
+    for (int round = 0; round < 3; ++round) {
+        const QString copy = elsewhere(QStringLiteral("copy%1.corvelpro").arg(round));
+        m_book->expectFileDialog(saveTitle, {copy});
+        m_book->expectInformation(remind, saveSucceeded);
+        clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+        waitForAnswers();
+        QCOMPARE(watchers(), round == 0 ? 1 : 2);
+        m_book->expectFileDialog(chooserTitle, {copy});
+        m_book->expectInformation(remind, importSucceeded);
+        click(m_panel->importProject());
+        waitForAnswers();
+        QCOMPARE(watchers(), 2);
+    }
+    m_panel.reset();
+    QCOMPARE(watchers(), 0);
 }
 
 void TstProjectManagement::file_dialogs_go_when_they_were_used()

@@ -84,6 +84,7 @@ private slots:
     void a_late_cancel_request_does_nothing();
     void what_the_host_throws_ends_in_a_message_data();
     void what_the_host_throws_ends_in_a_message();
+    void a_device_that_the_host_throws_back_is_not_saved();
     void a_cancel_that_the_host_throws_back_cancels_all_the_same();
     void after_a_failure_the_next_save_works();
     void the_job_stays_until_the_next_save_begins();
@@ -732,6 +733,19 @@ void TstSavingFlow::what_the_host_throws_ends_in_a_message()
     QVERIFY(pressSave("Afterwards"));
     QTRY_VERIFY(hasEnded());
     QTRY_VERIFY(listedNames().contains("Afterwards"));
+}
+
+void TstSavingFlow::a_device_that_the_host_throws_back_is_not_saved()
+{
+    select(m_site->foyer);
+    // Something that is no std::exception, too.
+    Faults::instance()->arm("object_brige.setActiveDevice", Fault::run([] { throw 42; }));
+    const ExpectMessage logged(
+        QtCriticalMsg, QStringLiteral("The host threw in setActiveDevice: something that is no std::exception"), 1);
+    const AnswerBook book;
+    QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    VERIFY_JOURNAL({"object_brige.setActiveDevice"});
 }
 
 void TstSavingFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()

@@ -632,7 +632,7 @@ void EngineerDocOperWidget::slot_saveProject()
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (device && device->getDeviceOnlineFlag()) {
         unsigned long long size = 0;
-        if (!syncActiveDeviceData() || !callHost("usedCapacity", [&] { size = estimateProjectSize(); })) {
+        if (!syncActiveDeviceData() || !callHost("the estimate of the size", [&] { size = estimateProjectSize(); })) {
             FramelessMessageBox::warning(this, tr("Warning"), tr("Failed to get device information"), QMessageBox::Ok);
             return;
         }
