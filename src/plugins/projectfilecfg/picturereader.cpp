@@ -12,7 +12,6 @@ namespace Internal {
 namespace {
 
 constexpr qint64 MiB = 1024 * 1024;
-constexpr qint64 maxFileSize = 256 * MiB;
 constexpr qint64 maxPictureBytes = 192 * MiB;
 /// Texts, profiles and the like: what a picture may carry besides its pixels.
 constexpr qint64 maxDescriptionBytes = 4 * MiB;
@@ -35,7 +34,7 @@ bool isDescription(const QByteArray &chunkType)
 bool isReadable(QIODevice &file)
 {
     static const QByteArray signature("\x89PNG\r\n\x1a\n", 8);
-    if (file.size() > maxFileSize || file.read(signature.size()) != signature)
+    if (file.size() > PictureReader::maxFileSize || file.read(signature.size()) != signature)
         return false;
 
     constexpr int typeSize = 4;

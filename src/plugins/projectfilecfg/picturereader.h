@@ -12,6 +12,8 @@ namespace Internal {
 class PictureReader
 {
 public:
+    /// No larger file is read.
+    static constexpr qint64 maxFileSize = 256 * 1024 * 1024;
     /// No picture of more pixels is read; of those with more than 8 bits per channel, none of fewer either.
     static constexpr qint64 maxPixels = 192 * 1024 * 1024 / 4;
 
