@@ -100,7 +100,8 @@ PackageBuilder packageWithSecondPicture(const QByteArray &bytes)
 } // namespace
 
 Q_DECLARE_METATYPE(std::function<void(Simulation::HardwareState &)>)
-Q_DECLARE_METATYPE(std::function<void(const QString &)>)
+using PackageChange = std::function<void(const QString &)>;
+Q_DECLARE_METATYPE(PackageChange)
 
 /// The job against the simulated devices: real packages, a real thread.
 class TstEngineerDocLoad : public QObject
@@ -173,6 +174,7 @@ private slots:
     void the_first_bad_picture_gives_the_code();
     void too_many_pixels_are_refused_before_anything_is_read_data();
     void too_many_pixels_are_refused_before_anything_is_read();
+    void a_large_picture_is_checked_and_sent_data();
     void a_large_picture_is_checked_and_sent();
     void a_place_that_is_taken_is_refused_before_anything_is_sent();
     void a_picture_that_cannot_be_extracted_any_more_is_sent();
@@ -1053,14 +1055,28 @@ void TstEngineerDocLoad::too_many_pixels_are_refused_before_anything_is_read()
     QCOMPARE(check(package, offlineIp), 0);
 }
 
+void TstEngineerDocLoad::a_large_picture_is_checked_and_sent_data()
+{
+    QTest::addColumn<bool>("isDiskFull");
+    QTest::newRow("with room") << false;
+    QTest::newRow("on a disk that is full after the check") << true;
+}
+
 void TstEngineerDocLoad::a_large_picture_is_checked_and_sent()
 {
+    QFETCH(bool, isDiskFull);
     // Beyond what is taken into memory; noise does not get smaller.
     HardwareState source = plainDevice(sourceIp);
     source.backgrounds.insert(1, {QStringLiteral("Opening"), noisePicture({3600, 3600}, 1)});
     source.backgrounds.insert(2, {QStringLiteral("Keynote"), noisePicture({16, 9}, 2)});
     QVERIFY(pngOf(source.backgrounds.value(1).pixels).size() > 32 * MiB);
-    QCOMPARE(apply(packageOf(source), onlineIp), 0);
+    const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(packageOf(source)), onlineIp);
+    std::optional<FullDisk> full;
+    if (isDiskFull)
+        full.emplace(30 * MiB);
+    QCOMPARE(runJob(*job), 0);
+    full.reset();
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter(QStringLiteral("Extract file failed:")).size(), int(isDiskFull));
     QVERIFY(onlineState().backgrounds.value(1).pixels == source.backgrounds.value(1).pixels);
     QCOMPARE(contents(m_site->extractPath()), (QStringList{sourceIp + QStringLiteral(".json"), QStringLiteral("BKG")}));
 }
@@ -1520,10 +1536,9 @@ void TstEngineerDocLoad::a_description_that_climbs_out_is_code_5()
 
 void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked_data()
 {
-    using Change = std::function<void(const QString &)>;
     QTest::addColumn<QString>("ip");
     QTest::addColumn<bool>("isRunning");
-    QTest::addColumn<Change>("change");
+    QTest::addColumn<PackageChange>("change");
     static const auto other = [] {
         // The same pictures by number and size, and a description of the same length: nothing else would tell.
         HardwareState state = richDevice(QStringLiteral("10.0.0.78"));
@@ -1551,7 +1566,7 @@ void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked_data()
     };
     for (const QString &ip : {onlineIp, offlineIp}) {
         for (const bool isRunning : {false, true}) {
-            const auto row = [&](const char *what, const Change &change) {
+            const auto row = [&](const char *what, const PackageChange &change) {
                 QTest::addRow("%s, %s %s", ip == onlineIp ? "online" : "offline", what,
                               isRunning ? "during the run" : "before the run")
                     << ip << isRunning << change;
@@ -1570,7 +1585,7 @@ void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked()
 {
     QFETCH(QString, ip);
     QFETCH(bool, isRunning);
-    QFETCH(std::function<void(const QString &)>, change);
+    QFETCH(PackageChange, change);
     const HardwareState packed = richDevice(QStringLiteral("10.0.0.77"));
     const QString path = write(packageOf(packed));
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(path, ip);

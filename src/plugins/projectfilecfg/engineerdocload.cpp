@@ -140,13 +140,16 @@ bool EngineerDocLoad::guarded(const Work &work)
 
 bool EngineerDocLoad::checkPackageFile()
 {
-    return guarded([this] {
+    const bool isRight = guarded([this] {
         if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
             return fail(LoadFileContentError);
         // Asked of the file first, since what is no package is not worth a copy; what counts is the copy.
         return ZipPackageHandle::checkPacketChecksum(m_strPackagePath) && openPackage() &&
                ZipPackageHandle::checkPacketChecksum(*m_package);
     });
+    if (!isRight)
+        releasePackage();
+    return isRight;
 }
 
 /// False without a code when there is no package any more.

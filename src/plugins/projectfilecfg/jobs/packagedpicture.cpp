@@ -2,6 +2,7 @@
 
 #include "namelessfile.h"
 #include "packagelayout.h"
+#include "packagelimits.h"
 #include "packagereader.h"
 #include "picturereader.h"
 
@@ -63,14 +64,18 @@ LoadResultCode PackagedPicture::open(PackageReader &package, const QString &fold
 bool PackagedPicture::takeContent(PackageReader &package, const QString &folder)
 {
     const qint64 size = package.entrySize(m_entry);
-    if (size <= maxSizeInMemory) {
-        const auto buffer = std::make_shared<QBuffer>();
-        buffer->buffer().reserve(int(std::max<qint64>(size, 0)));
-        m_content = buffer;
-        return buffer->open(QIODevice::ReadWrite) && package.read(m_entry, *buffer, size) && buffer->seek(0);
+    if (size > maxSizeInMemory) {
+        m_content = openNamelessFile(folder);
+        if (m_content && package.read(m_entry, *m_content, size) && m_content->seek(0))
+            return true;
     }
-    m_content = openNamelessFile(folder);
-    return m_content && package.read(m_entry, *m_content, size) && m_content->seek(0);
+    // A full disk is no reason to leave a device without its picture.
+    if (size > PackageLimits::maxPictureFileSize)
+        return false;
+    const auto buffer = std::make_shared<QBuffer>();
+    buffer->buffer().reserve(int(std::max<qint64>(size, 0)));
+    m_content = buffer;
+    return buffer->open(QIODevice::ReadWrite) && package.read(m_entry, *buffer, size) && buffer->seek(0);
 }
 
 } // namespace Internal

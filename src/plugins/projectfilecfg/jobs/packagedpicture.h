@@ -36,8 +36,8 @@ public:
     /// The first of the device's pictures of that kind and number; null when there is none, or it is of no gallery.
     std::shared_ptr<Model::Materail> materail() const { return m_materail; }
 
-    /// Takes the content out of the package, and looks at what its header says. What does not fit the memory goes to a
-    /// nameless file in `folder`. LoadDecompressFailed when it cannot be read to its end, with the right CRC;
+    /// Takes the content out of the package, and looks at what its header says. A large one goes to a nameless file
+    /// in `folder`, if there is room. LoadDecompressFailed when it cannot be read to its end, with the right CRC;
     /// LoadImageContentError when its width or height is below 1; LoadGalleryFileError when it is of the gallery and
     /// has no place there, or another size than its place. Else LoadSuccess, and content() stands at its beginning.
     LoadResultCode open(PackageReader &package, const QString &folder);
