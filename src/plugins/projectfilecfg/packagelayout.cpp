@@ -50,6 +50,9 @@ int characterSize(const QByteArray &bytes, int index)
     const auto lead = uchar(bytes.at(index));
     if (lead < 0x80)
         return 1;
+    // Nearly every byte that belongs to no character is found here, and a name may have thousands.
+    if (index + 1 == bytes.size() || (uchar(bytes.at(index + 1)) & 0xC0) != 0x80)
+        return 0;
     const QByteArray candidate = bytes.mid(index, lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4);
     return textOf(candidate).toUtf8() == candidate ? candidate.size() : 0;
 }
