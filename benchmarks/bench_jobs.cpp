@@ -7,8 +7,8 @@
 #include "encodedpictures.h"
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
-#include "packagereader.h"
 #include "packagelayout.h"
+#include "packagereader.h"
 #include "zippackagehandle.h"
 
 #include <support/customsite.h>
@@ -74,8 +74,8 @@ void stageOneAfterAnother(const CustomSite &site)
         const std::map<Model::Materail::ParameterType, std::any> request{{Model::Materail::Picture, QImage()}};
         require(ModelControl::MaterialControl(background).queryMaterailData(request), "a picture is missing");
         const QImage picture = ImageStorager::instance()->load(background->imageKey(), QImage::Format_RGB32).toImage();
-        require(picture.save(
-                    site.devicePath(sourceIp) + "/" + PackageLayout::backgroundEntry(background->getKeyNo()), "PNG"),
+        require(picture.save(site.devicePath(sourceIp) + "/" + PackageLayout::backgroundEntry(background->getKeyNo()),
+                             "PNG"),
                 "a picture cannot be written");
     }
 }

@@ -43,17 +43,18 @@ QString textOf(const QByteArray &bytes)
     return QString::fromUtf8(bytes.constData(), std::max(bytes.size(), 0));
 }
 
-/// How many bytes the character at `index` has; 0 when none begins there, or a byte order mark.
+/// How many bytes the character at `index` has; 0 when none begins there, or a byte order mark, which is lost on the
+/// way.
 int characterSize(const QByteArray &bytes, int index)
 {
-    constexpr int longest = 4;
-    for (int size = 1; size <= longest && index + size <= bytes.size(); ++size) {
-        const QByteArray candidate = bytes.mid(index, size);
-        // A byte order mark is lost on the way.
-        if (textOf(candidate).toUtf8() == candidate)
-            return size;
-    }
-    return 0;
+    const auto lead = uchar(bytes.at(index));
+    if (lead < 0x80)
+        return 1;
+    // Nearly every byte that belongs to no character is found here, and a name may have thousands.
+    if (index + 1 == bytes.size() || (uchar(bytes.at(index + 1)) & 0xC0) != 0x80)
+        return 0;
+    const QByteArray candidate = bytes.mid(index, lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4);
+    return textOf(candidate).toUtf8() == candidate ? candidate.size() : 0;
 }
 
 bool isPlain(const QByteArray &name, const QString &text)
@@ -63,10 +64,15 @@ bool isPlain(const QByteArray &name, const QString &text)
 
 QString escaped(const QByteArray &name, const QByteArray &mark)
 {
+    constexpr char digits[] = "0123456789ABCDEF";
     QByteArray result;
     for (int index = 0; index < name.size();) {
         const int size = characterSize(name, index);
-        result += size > 0 ? name.mid(index, size) : mark + name.mid(index, 1).toHex().toUpper();
+        const auto byte = uchar(name.at(index));
+        if (size > 0)
+            result.append(name.constData() + index, size);
+        else
+            result.append(mark).append(digits[byte / 16]).append(digits[byte % 16]);
         index += std::max(size, 1);
     }
     return textOf(result);
