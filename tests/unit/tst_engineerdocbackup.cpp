@@ -1188,8 +1188,9 @@ void TstEngineerDocBackup::a_cancel_between_pictures_and_presets_ends_silently()
         ~Canceller() { job->cancel(); }
     };
     QThreadStorage<Canceller *> cancellers;
+    std::atomic<bool> hasCanceller{false};
     m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
-        if (!cancellers.hasLocalData())
+        if (!hasCanceller.exchange(true))
             cancellers.setLocalData(new Canceller{m_job});
         return EncodedPictures::encodePng(image);
     });
