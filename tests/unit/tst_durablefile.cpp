@@ -182,6 +182,7 @@ private slots:
     void only_what_is_expected_is_replaced_data();
     void only_what_is_expected_is_replaced();
     void what_comes_at_the_last_moment_is_kept();
+    void what_comes_at_the_last_moment_is_kept_without_an_exchange();
     void what_goes_at_the_last_moment_is_not_missed();
     void what_goes_while_it_is_put_back_is_replaced_by_it();
     void a_refused_exchange_is_not_tried_another_way();
@@ -448,6 +449,20 @@ void TstDurableFile::what_comes_at_the_last_moment_is_kept()
     QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
     QCOMPARE(readFile(path("from")), QByteArray("new"));
     QCOMPARE(s_system.steps, (QStringList{"exchange", "exchange"}));
+}
+
+void TstDurableFile::what_comes_at_the_last_moment_is_kept_without_an_exchange()
+{
+    QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
+    const DurableFile::FileIdentity old(path("target"));
+    s_system.exchange = EINVAL;
+    s_system.beforeExchange = {[this] {
+        QFile::remove(path("target"));
+        writeFile(path("target"), "came meanwhile");
+    }};
+    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), old));
+    QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
+    QCOMPARE(readFile(path("from")), QByteArray("new"));
 }
 
 void TstDurableFile::what_goes_at_the_last_moment_is_not_missed()

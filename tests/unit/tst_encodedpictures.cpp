@@ -27,6 +27,7 @@ private slots:
     void an_empty_picture_cannot_be_encoded();
     void several_threads_get_the_same_bytes();
     void the_encoder_is_asked_once_for_each_picture();
+    void a_picture_that_could_not_be_encoded_is_tried_again();
 };
 
 static QImage sample(QImage::Format format = QImage::Format_RGB32)
@@ -184,6 +185,14 @@ void TstEncodedPictures::the_encoder_is_asked_once_for_each_picture()
     for (int round = 0; round < 2; ++round)
         QCOMPARE(pictures.png(sample()), QByteArray("encoded"));
     QCOMPARE(asked, QVector<QImage>{sample()});
+}
+
+void TstEncodedPictures::a_picture_that_could_not_be_encoded_is_tried_again()
+{
+    int asked = 0;
+    EncodedPictures pictures(1000, [&asked](const QImage &) { return QByteArray(++asked == 1 ? "" : "encoded"); });
+    QCOMPARE(pictures.png(sample()), QByteArray());
+    QCOMPARE(pictures.png(sample()), QByteArray("encoded"));
 }
 
 TEST_MAIN_GUI(TstEncodedPictures)

@@ -19,6 +19,8 @@
 #include <QTimer>
 
 #include <atomic>
+#include <cerrno>
+#include <cstdarg>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -60,6 +62,24 @@ extern "C" Q_DECL_EXPORT int unlink(const char *path) noexcept
     if (s_beforeUnlink)
         s_beforeUnlink(path);
     return original(path);
+}
+
+/// Asked with a file that is about to be opened: whether that fails, as where its folder is missing.
+static std::function<bool(const QByteArray &path)> s_isGone;
+
+extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
+{
+    using Function = int (*)(const char *, int, mode_t);
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "open64"));
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (s_isGone && s_isGone(path)) {
+        errno = ENOENT;
+        return -1;
+    }
+    return original(path, flags, mode);
 }
 
 static const QString serailize = QStringLiteral("Serailizer.serailize");
@@ -125,6 +145,7 @@ private slots:
     void a_file_in_the_preset_folders_place_ends_with_5_data();
     void a_file_in_the_preset_folders_place_ends_with_5();
     void a_preset_folder_taken_away_ends_with_5();
+    void a_preset_folder_made_anew_does_not_end_the_save();
     void an_exception_of_the_host_ends_with_5_data();
     void an_exception_of_the_host_ends_with_5();
     void an_exception_of_an_encoder_ends_with_5();
@@ -198,6 +219,7 @@ void TstEngineerDocBackup::cleanup()
 {
     s_beforeMkdir = nullptr;
     s_beforeUnlink = nullptr;
+    s_isGone = nullptr;
     m_site.reset();
     QCOMPARE(m_leftOver, QStringList());
 }
@@ -752,6 +774,17 @@ void TstEngineerDocBackup::a_preset_folder_taken_away_ends_with_5()
     QVERIFY(!QFile::exists(packagePath()));
 }
 
+void TstEngineerDocBackup::a_preset_folder_made_anew_does_not_end_the_save()
+{
+    // Another program that saves this device: at the one moment the folder is missing, at the next it is back.
+    int asked = 0;
+    s_isGone = [&asked](const QByteArray &path) { return path.endsWith("/2.RPst") && ++asked == 1; };
+    QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
+    QVERIFY(asked > 1);
+    QCOMPARE(m_savedPath, packagePath());
+    QCOMPARE(unpack(packagePath()).filter(".RPst").size(), 3);
+}
+
 void TstEngineerDocBackup::an_exception_of_the_host_ends_with_5_data()
 {
     QTest::addColumn<QString>("operation");
@@ -822,6 +855,8 @@ void TstEngineerDocBackup::a_full_disk_under_a_picture_ends_with_5()
 {
     QScopedPointer<FullDisk> fullDisk;
     Faults::instance()->arm(load, Fault::run([&fullDisk] { fullDisk.reset(new FullDisk(50)); }));
+    // The package itself would have room again.
+    Faults::instance()->arm(packPreset, Fault::run([&fullDisk] { fullDisk.reset(); }));
     const int code = save(m_site->mainHall);
     QVERIFY(fullDisk);
     fullDisk.reset();
@@ -1153,8 +1188,9 @@ void TstEngineerDocBackup::a_cancel_between_pictures_and_presets_ends_silently()
         ~Canceller() { job->cancel(); }
     };
     QThreadStorage<Canceller *> cancellers;
+    std::atomic<bool> hasCanceller{false};
     m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
-        if (!cancellers.hasLocalData())
+        if (!hasCanceller.exchange(true))
             cancellers.setLocalData(new Canceller{m_job});
         return EncodedPictures::encodePng(image);
     });
