@@ -22,10 +22,10 @@ using namespace TestSupport;
 static QHash<QByteArray, int> s_opened;
 
 // Stands before the C library's, through which packages are opened.
-extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
+extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
 {
     using Function = int (*)(const char *, int, mode_t);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "open"));
+    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "open64"));
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;

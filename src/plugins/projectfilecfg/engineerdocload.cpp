@@ -190,13 +190,14 @@ bool EngineerDocLoad::isFittingDevice()
 
     if (target->getModelID() != m_pPackageDevice->getModelID())
         return fail(LoadDeviceTypeMismatch);
+    ReadinessCheck readiness(*m_package, *m_pPackageDevice, ICore::ExtractJsonPath());
     if (!m_bCheckedOnline)
-        return true;
+        return !readiness.hasTooManyPixels() || fail(LoadGalleryFileError);
     if (!cardsAgree(*target))
         return fail(LoadCardMismatch);
     if (m_pPackageDevice->getCommunicationProtocolNumber() * 10 > target->getCommunicationProtocolNumber() * 10)
         return fail(LoadProtocolVersionMismatch);
-    const LoadResultCode code = ReadinessCheck(*m_package, *m_pPackageDevice, ICore::ExtractJsonPath()).run();
+    const LoadResultCode code = readiness.run();
     return code == LoadSuccess || fail(code);
 }
 

@@ -51,9 +51,9 @@ public:
     /// LoadSuccess, so that nothing is shown: the list does not offer such a package. Ends with LoadDecompressFailed
     /// when there is no room for the copy.
     bool checkPackageFile();
-    /// True when the package's device description fits the target device; run() uses the description. For a device that
-    /// is online, true means as well that every picture can be extracted, read to its end, decoded and put in its place
-    /// (see ReadinessCheck).
+    /// True when the package's device description fits the target device, and its pictures are not too many pixels
+    /// together; run() uses the description. For a device that is online, true means as well that every picture can be
+    /// extracted, read to its end, decoded and put in its place (see ReadinessCheck).
     bool checkDevice();
 
     /// Lets go of the package, and of the room that it takes, when the run does not come after all. Not while it runs.

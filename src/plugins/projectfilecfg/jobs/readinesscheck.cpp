@@ -26,7 +26,7 @@ ReadinessCheck::ReadinessCheck(PackageReader &package, const Model::Device &devi
 
 LoadResultCode ReadinessCheck::run()
 {
-    if (pixelsTogether() > PackageLimits::maxPixels)
+    if (hasTooManyPixels())
         return LoadGalleryFileError;
     PictureDecoder decoder(QThread::idealThreadCount());
     LoadResultCode code = LoadSuccess;
@@ -43,9 +43,9 @@ LoadResultCode ReadinessCheck::run()
     return code;
 }
 
-/// By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is
-/// too large for itself.
-qint64 ReadinessCheck::pixelsTogether() const
+// By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is
+// too large for itself.
+bool ReadinessCheck::hasTooManyPixels() const
 {
     qint64 pixels = 0;
     for (const QString &entry : m_package.entries()) {
@@ -56,7 +56,7 @@ qint64 ReadinessCheck::pixelsTogether() const
         if (qint64(size.width()) * size.height() <= PackageLimits::maxPictureMemory / bytesPerPixel)
             pixels += qint64(size.width()) * size.height();
     }
-    return pixels;
+    return pixels > PackageLimits::maxPixels;
 }
 
 bool ReadinessCheck::isExtracted(const QString &entry)

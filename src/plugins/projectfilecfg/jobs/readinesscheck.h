@@ -32,8 +32,11 @@ public:
     /// it cannot be decoded or where there are too many pixels, which is told before anything is read.
     LoadResultCode run();
 
+    /// True when the pictures have more pixels together than PackageLimits allows, as the description has their sizes:
+    /// an offline device, whose thumbnails are made of them, is not kept busy for minutes either.
+    bool hasTooManyPixels() const;
+
 private:
-    qint64 pixelsTogether() const;
     bool isExtracted(const QString &entry);
     LoadResultCode begin(const QString &entry, PictureDecoder &decoder);
     bool isOldestDecoded(PictureDecoder &decoder);
