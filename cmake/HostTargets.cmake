@@ -65,6 +65,7 @@ endfunction()
 # AUTOMOC takes a scan and the compilation of an empty file for each program. A test has one class to moc, in the source
 # that includes "<source>.moc"; only one that brings headers with Q_OBJECT needs more.
 function(_moc_test_class name)
+    list(FILTER ARGN INCLUDE REGEX "\\.(cpp|h)$")
     foreach(source IN LISTS ARGN)
         file(STRINGS "${source}" declares_object REGEX "^[ \t]*Q_OBJECT" LIMIT_COUNT 1)
         if(declares_object AND source MATCHES "\\.h$")

@@ -1,6 +1,7 @@
 #include <engineerdocbackup.h>
 #include <engineerdocload.h>
 #include <projectlist.h>
+#include <packagereader.h>
 #include <zippackagehandle.h>
 
 #include <data/hostilepackages.h>
@@ -492,7 +493,9 @@ void TstHostilePackages::an_operation_ends_as_the_table_says()
                            QDirIterator::Subdirectories);
     QVERIFY2(!fragments.hasNext(), "a fragment is left");
     if (costsCount) {
-        QVERIFY2(m_costs->seconds < 10, qPrintable(QStringLiteral("%1 s").arg(m_costs->seconds)));
+        // Making files takes the system its time, and more where other tests make theirs.
+        const double limit = 10 + PackageReader(m_package).fileList().size() / 5000.0;
+        QVERIFY2(m_costs->seconds < limit, qPrintable(QStringLiteral("%1 s").arg(m_costs->seconds)));
         QVERIFY2(m_costs->mebibytes <= 256, qPrintable(QStringLiteral("%1 MiB").arg(m_costs->mebibytes)));
     }
     m_longest = qMax(m_longest, m_costs->seconds);

@@ -19,6 +19,7 @@
 #include <QTextStream>
 
 #include <functional>
+#include <optional>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -73,9 +74,10 @@ bool writeVerifiedComment(ReplacingFile &replacement, const QString &comment)
            PackageReader(replacement.path()).comment() == QString::fromUtf8(bytes);
 }
 
-/// Replaces the comment of the package where it lies. `comment` is asked for it when the package is open.
+/// Replaces the comment of the package where it lies. `comment` is asked for it when the package is open; without one
+/// the package stays as it is.
 bool editComment(const QString &packetPath,
-                 const std::function<QByteArray(QFile &package, const ArchiveComment &old)> &comment)
+                 const std::function<std::optional<QByteArray>(QFile &package, const ArchiveComment &old)> &comment)
 {
     InPlaceFile package(packetPath);
     if (!isWorthOpening(packetPath) || !package.open()) {
@@ -87,8 +89,9 @@ bool editComment(const QString &packetPath,
     if (!old.isFound() || !reader.isOpen() || reader.comment() != QString::fromUtf8(old.bytes().constData())) {
         return false;
     }
-    const QByteArray bytes = comment(package.file(), old);
-    return ArchiveComment::isReadable(bytes) && package.replaceTail(old.offset(), ArchiveComment::tailWith(bytes));
+    const std::optional<QByteArray> bytes = comment(package.file(), old);
+    return bytes && ArchiveComment::isReadable(*bytes) &&
+           package.replaceTail(old.offset(), ArchiveComment::tailWith(*bytes));
 }
 
 bool packAside(PackageWriter &writer, ReplacingFile &package,
@@ -229,13 +232,16 @@ bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info)
 {
     useUtf8LocaleCodec();
     EngineerPacketInfo edited = info;
-    const bool isWritten = editComment(info.strFilePath, [&edited](QFile &package, const ArchiveComment &old) {
+    const auto record = [&edited](QFile &package, const ArchiveComment &old) -> std::optional<QByteArray> {
         // A record is as long with any checksum, and its length is all of it that the checksum may reach.
         edited.strChecksum = QString(checksumDigits, QLatin1Char('0'));
         const QByteArray end = old.endRecordWith(recordOf(edited).toUtf8());
-        edited.strChecksum = PackageChecksum::ofLeadingBytes(package, old.offset() + ArchiveComment::lengthSize, end);
-        return recordOf(edited).toUtf8();
-    });
+        bool isComplete = false;
+        edited.strChecksum =
+            PackageChecksum::ofLeadingBytes(package, old.offset() + ArchiveComment::lengthSize, end, &isComplete);
+        return isComplete ? std::make_optional(recordOf(edited).toUtf8()) : std::nullopt;
+    };
+    const bool isWritten = editComment(info.strFilePath, record);
     if (isWritten) {
         info = edited;
     }

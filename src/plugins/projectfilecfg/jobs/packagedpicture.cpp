@@ -19,11 +19,12 @@ static const qint64 maxSizeInMemory = 32 * 1024 * 1024;
 
 PackagedPicture::PackagedPicture(const QString &entry, const Model::Device &device)
     : m_entry(entry)
+    , m_path(PackageLayout::plainName(entry))
 {
     if (!isOfGallery())
         return;
     // Key numbers have 8 bits.
-    const auto keyNo = static_cast<quint8>(PackageLayout::galleryNumber(m_entry));
+    const auto keyNo = static_cast<quint8>(PackageLayout::galleryNumber(m_path));
     for (const auto &reference : isLogo() ? device.getLogos() : device.getBKGs()) {
         const std::shared_ptr<Model::Materail> candidate = reference.lock();
         if (candidate && candidate->getKeyNo() == keyNo) {
@@ -35,18 +36,18 @@ PackagedPicture::PackagedPicture(const QString &entry, const Model::Device &devi
 
 bool PackagedPicture::isLogo() const
 {
-    return PackageLayout::isLogo(m_entry);
+    return PackageLayout::isLogo(m_path);
 }
 
 bool PackagedPicture::isOfGallery() const
 {
-    return PackageLayout::isInGallery(m_entry);
+    return PackageLayout::isInGallery(m_path);
 }
 
 QString PackagedPicture::name() const
 {
-    return PackageLayout::galleryFolder(m_entry) + QLatin1Char('_') +
-           QString::number(PackageLayout::galleryNumber(m_entry));
+    return PackageLayout::galleryFolder(m_path) + QLatin1Char('_') +
+           QString::number(PackageLayout::galleryNumber(m_path));
 }
 
 LoadResultCode PackagedPicture::open(PackageReader &package, const QString &folder)

@@ -48,6 +48,8 @@ private:
     bool takeContent(PackageReader &package, const QString &folder);
 
     QString m_entry;
+    /// Where the entry leads, and so what it is.
+    QString m_path;
     std::shared_ptr<Model::Materail> m_materail;
     std::shared_ptr<QIODevice> m_content;
     QSize m_size;

@@ -38,8 +38,9 @@ QByteArray chunkDigest(QFile &file, qint64 length, QByteArray &buffer)
 
 } // namespace
 
-QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end)
+QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end, bool *isComplete)
 {
+    bool isRead = true;
     const qint64 endStart = length - end.size();
     QByteArray buffer(int(largestStep), Qt::Uninitialized);
     QCryptographicHash digest(QCryptographicHash::Md5);
@@ -55,9 +56,13 @@ QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end)
             digits = chunkDigest(file, std::min(chunkSize, length - start), buffer);
         }
         if (digits.isEmpty()) {
+            isRead = false;
             break;
         }
         digest.addData(digits);
+    }
+    if (isComplete) {
+        *isComplete = isRead;
     }
     return QString::fromLatin1(digest.result().toHex());
 }

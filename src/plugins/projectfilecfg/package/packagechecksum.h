@@ -19,8 +19,9 @@ constexpr qint64 chunkSize = 10 * 1024 * 1024;
 /// whole chunk where it holds none. Reads little more than what is digested, and stops where
 /// the file ends. `file` is open for reading.
 ///
-/// `end`, where it is given, stands for the last ones of these bytes: the file is taken as if they were so.
-QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end = QByteArray());
+/// `end`, where it is given, stands for the last ones of these bytes: the file is taken as if they were so. `*isComplete`
+/// tells whether all of it could be read: only then is the digest that of the archive.
+QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end = QByteArray(), bool *isComplete = nullptr);
 
 } // namespace PackageChecksum
 
