@@ -74,6 +74,7 @@ private slots:
     void a_device_that_is_gone_ends_the_save_silently();
     void a_device_that_goes_while_the_dialog_is_open_starts_nothing();
     void a_failed_synchronisation_is_told();
+    void a_missing_project_folder_has_free_space();
     void an_estimate_equal_to_the_free_space_is_refused();
     void one_mebibyte_less_than_the_free_space_passes();
     void an_offline_device_never_meets_the_space_warning();
@@ -571,6 +572,17 @@ void TstSavingFlow::setEstimate(quint64 mebibytes)
     // The last byte before the next MiB: sizes are rounded down.
     const quint64 others = ((mebibytes - margin + 1) << 20) - 1 - logos;
     (*m_site)->hardware(m_site->mainHall)->fixCounters(logos, others);
+}
+
+void TstSavingFlow::a_missing_project_folder_has_free_space()
+{
+    const FreeSpace free(Q_INT64_C(1000) << 20);
+    setEstimate(999);
+    QVERIFY(QDir(m_projects).removeRecursively());
+    AnswerBook book;
+    book.expectDialog(propertyDialog, [](QDialog *dialog) { click(dialog, QStringLiteral("Cancel")); });
+    QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
+    QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
 
 void TstSavingFlow::an_estimate_equal_to_the_free_space_is_refused()

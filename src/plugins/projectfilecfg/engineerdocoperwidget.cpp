@@ -543,6 +543,13 @@ unsigned long long EngineerDocOperWidget::getDiskAvailableSize(const QString &pa
     return wholeMebibytes(storage.bytesAvailable());
 }
 
+// A folder that is missing, as before the first scan, tells of no free space.
+unsigned long long EngineerDocOperWidget::availableForProjects() const
+{
+    DurableFile::makeFolder(m_strDefaultPath);
+    return getDiskAvailableSize(m_strDefaultPath);
+}
+
 unsigned long long EngineerDocOperWidget::estimateProjectSize() const
 {
     if (m_strDeviceIP.isEmpty())
@@ -636,7 +643,7 @@ void EngineerDocOperWidget::slot_saveProject()
             FramelessMessageBox::warning(this, tr("Warning"), tr("Failed to get device information"), QMessageBox::Ok);
             return;
         }
-        const unsigned long long available = getDiskAvailableSize(m_strDefaultPath);
+        const unsigned long long available = availableForProjects();
         if (size >= available) {
             qCritical() << "m_strDefaultPath:" << m_strDefaultPath << "  project file size:" << size
                         << "  available space size:" << available;
@@ -1088,7 +1095,7 @@ void EngineerDocOperWidget::slot_importProject()
     if (!guard || files.isEmpty())
         return;
 
-    const unsigned long long available = getDiskAvailableSize(m_strDefaultPath);
+    const unsigned long long available = availableForProjects();
     unsigned long long total = 0;
     for (const QString &file : files)
         total += static_cast<unsigned long long>(QFileInfo(file).size());

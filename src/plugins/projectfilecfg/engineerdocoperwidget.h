@@ -92,6 +92,7 @@ private:
 
     void initDevice();
     QString elidedDeviceInfo(const Model::Device &device) const;
+    unsigned long long availableForProjects() const;
     unsigned long long estimateProjectSize() const;
     bool syncDeviceData();
     bool syncActiveDeviceData();
