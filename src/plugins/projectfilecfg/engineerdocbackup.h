@@ -25,8 +25,8 @@ class FileIdentity;
 
 /// The job that saves one device's configuration into a project file, on a thread of its own.
 ///
-/// It has the host write the device models, stages pictures and presets in the device's configuration
-/// directory, packs that directory and leaves a BackupResultCode. One object serves one run.
+/// It has the host write the device models, stages pictures and presets in the device's configuration directory, packs
+/// that directory and sets a BackupResultCode. Use one object for one run.
 class EngineerDocBackup : public QThread
 {
     Q_OBJECT
@@ -37,32 +37,30 @@ public:
 
     /// Before start(): the address of the device to save.
     void setDeviceIp(const QString &ip);
-    /// Before start(): `name` becomes the package's base name and stands in its record, as does `comment`.
+    /// Before start(): `name` becomes the package's base name; the record contains it and `comment`.
     void setProjectInfo(const QString &name, const QString &comment);
-    /// Before start(): the directory that receives the package, with a trailing separator. It is made where it is
-    /// missing, unlike a folder to which a separator in the name leads. The package replaces only the one that was
-    /// there when the run began: where another has come meanwhile, that one stays and the run ends with
-    /// BackupEncryptFailed.
+    /// Before start(): the package's directory, with a trailing separator. It is created if it is missing, but not a
+    /// sub-folder that a separator in the name leads to. The package replaces only the file that was there when the run
+    /// began: if there is another one by then, that one stays and the run ends with BackupEncryptFailed.
     void setProjectPath(const QString &directory);
 
-    /// Before start(): the pictures that earlier saves encoded. Without a call the job begins with none.
+    /// Before start(): the cache of encoded pictures. By default the job uses an empty one.
     void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures);
 
-    /// Asks the job to end before the next picture or preset. Any thread; a request that comes before the
-    /// thread has begun is lost, and one that comes while the package is written comes too late. While pictures are
-    /// still being encoded the next one counts as not begun.
+    /// Requests the job to end before the next picture or preset. Any thread; a request before the thread has started
+    /// is lost, and one while the package is being written comes too late. A request while the last pictures are being
+    /// encoded is still in time.
     void cancel();
 
     /// The BackupResultCode of the run; valid once QThread::finished was emitted.
     ///
     /// A run that was cancelled between the last picture and the first preset, or whose preset file could not be
-    /// opened, ends with BackupSuccess and without a package. What an operation of the host throws ends it with
-    /// BackupEncryptFailed. However it ends, no picture or preset of an online device stays in its directory.
+    /// opened, ends with BackupSuccess and without a package. An exception from the host ends it with
+    /// BackupEncryptFailed. However the run ends, no picture or preset of an online device stays in its directory.
     int resultCode() const;
 
-    /// The package that the run left in place and found valid when it read it back; valid like the result code.
-    /// Empty where the run left no package, also where the code is BackupSuccess: what is to follow only a save that
-    /// was made asks here.
+    /// The path of the saved package, which the run has read back and found valid; valid like the result code. Empty if
+    /// there is no package, even with BackupSuccess. Check it before any work that depends on the save.
     QString savedPackagePath() const;
 
 signals:
@@ -97,7 +95,7 @@ private:
     std::atomic<int> m_nResultCode{BackupSuccess};
     QString m_strSavedPackagePath;
     std::shared_ptr<EncodedPictures> m_pEncodedPictures;
-    /// Sizes of what this run staged, by the names that the entries will have.
+    /// Sizes of the files that this run staged, by their entry names.
     QHash<QString, qint64> m_hashStaged;
 };
 

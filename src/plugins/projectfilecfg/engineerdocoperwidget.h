@@ -34,16 +34,16 @@ class EngineerDocLoad;
 
 /// The panel of the "Project File" mode: a device selector, the table of project files and every operation on them.
 ///
-/// It lives on the user-interface thread. Saving and applying run in jobs with a thread of their own; scanning,
-/// copying out and importing run in the global thread pool. The panel never waits for any of them and may be
-/// deleted while they run: a job is then asked to cancel and goes when its thread has finished, and pool work
-/// holds only data that it owns or shares.
+/// User-interface thread. Saving and applying run in jobs with a thread of their own; scanning, copying out and
+/// importing run in the global thread pool. The panel never waits for any of them and may be deleted while they run: it
+/// then cancels the job, which is deleted when its thread has finished, and pool work uses only data that it owns or
+/// shares.
 class EngineerDocOperWidget : public Corvel::Widgets::ICenterWidget
 {
     Q_OBJECT
 
 public:
-    /// Which job runs; the numbers are those that the host is told.
+    /// Which job runs; the numbers are the host's.
     enum OperatorType { OperatorLoad = 0, OperatorBackup = 1, OperatorNone = 2 };
 
     explicit EngineerDocOperWidget(QWidget *parent);
@@ -51,7 +51,7 @@ public:
 
     void retranslateUi() override;
 
-    /// Bytes as whole MiB, rounded down. A volume that cannot be read has -1 bytes free, which is 0 MiB.
+    /// Bytes as whole MiB, rounded towards zero. A volume that cannot be read has -1 bytes free, which is 0 MiB.
     static unsigned long long wholeMebibytes(qint64 bytes);
     /// Free space, in MiB, of the volume that holds `path`.
     static unsigned long long getDiskAvailableSize(const QString &path);
@@ -124,7 +124,7 @@ private:
     QPushButton *m_pAllSaveasBtn = nullptr;
     QPushButton *m_pAllDeleteBtn = nullptr;
     QTableWidget *m_pProjectTable = nullptr;
-    /// Owns what the next two refer to, together with the scans that run.
+    /// Shared with running scans. m_listProjectInfo and m_mutex refer to its members.
     const std::shared_ptr<ProjectList> m_pProjects;
     QList<EngineerPacketInfo> &m_listProjectInfo;
     QFileSystemWatcher *m_pFileWatcher = nullptr;
@@ -140,7 +140,7 @@ private:
     QString m_strDefaultPath;
     QString m_strDocumentsPath;
     QMutex &m_mutex;
-    /// Runs while a file is awaited that another program is still writing.
+    /// Runs while another program is still writing a file into the directory.
     QTimer *m_pScanTimer = nullptr;
     /// Kept from save to save.
     const std::shared_ptr<EncodedPictures> m_pEncodedPictures;

@@ -12,25 +12,25 @@ class FixedBitLineEditEx;
 }
 } // namespace Corvel
 
-/// The dialog in which a project gets its name and comment.
+/// The dialog for a project's name and comment.
 ///
-/// It keeps the comment to 100 characters and refuses the name of another project. It writes nothing: read
-/// the name and the comment after exec() returned QDialog::Accepted.
+/// It limits the comment to 100 characters and refuses the name of another project. It writes nothing: read the name
+/// and the comment after exec() returned QDialog::Accepted.
 class EngineerPropertySettingWidget : public HX::Widgets::FramelessDialog
 {
     Q_OBJECT
 
 public:
-    /// `name` and `comment` are only remembered; setProjectName() and setComment() show them.
+    /// Only stores `name` and `comment`; setProjectName() and setComment() show them.
     EngineerPropertySettingWidget(QWidget *parent, const QString &name, const QString &comment);
     ~EngineerPropertySettingWidget() override;
 
-    /// Shows `name` and remembers it as the name that the project may keep.
+    /// Shows `name` and stores it as the name that the project may keep.
     void setProjectName(const QString &name);
     /// Shows `comment`, cut to 100 characters.
     void setComment(const QString &comment);
 
-    /// The name in its field, without leading and trailing blanks.
+    /// The text of the name field, without leading and trailing blanks.
     QString getProjectName();
     QString getComment() const;
 

@@ -3,7 +3,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// How a save ended. The numbers are fixed: reserved ones are never given to anything else.
+/// Result of a save. The numbers are fixed; reserved ones are never reused.
 enum BackupResultCode : int {
     BackupSuccess = 0,
     BackupExportBkgFailed = 1,
@@ -16,7 +16,7 @@ enum BackupResultCode : int {
     BackupGetDeviceFailed = 7
 };
 
-/// How an apply ended. The numbers are fixed; 13 stays unused.
+/// Result of an apply. The numbers are fixed; 13 stays unused.
 enum LoadResultCode : int {
     LoadSuccess = 0,
     LoadUserCanceled = 1,
@@ -28,7 +28,7 @@ enum LoadResultCode : int {
     LoadDecompressFailed = 6,
     LoadImportFailed = 7,
     LoadJsonFileError = 8,
-    /// Shown to nobody.
+    /// Not shown.
     LoadSerializeFailed = 9,
     LoadDeviceTypeMismatch = 10,
     LoadImageContentError = 11,

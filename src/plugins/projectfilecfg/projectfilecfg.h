@@ -2,7 +2,7 @@
 
 #include "projectfilecfg_global.h"
 
-/// Exported by the library since its first release; hosts in the field may refer to the symbol.
+/// Exported by the library since its first release; hosts in the field may use the symbol.
 class PROJECTFILECFG_EXPORT projectfilecfg
 {
 public:

@@ -5,8 +5,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The "Project File" entry of the host's settings area: what its button shows, and the id by which the
-/// host says that it became current. The panel is registered separately as "ProjectFileCfg.Central".
+/// The "Project File" entry of the host's settings area: its button's text and icons, and the id by which the host
+/// reports it as current. The panel is registered separately as "ProjectFileCfg.Central".
 class ProjectFileCfgMode : public SettingCfg::ISettingCfgMode
 {
     Q_OBJECT

@@ -12,10 +12,11 @@ class EngineerDocOperWidget;
 class ProjectFileCfgMode;
 } // namespace Internal
 
-/// The plugin object. It registers the "Project File" sub-mode in the host's settings area, offers it only
-/// while the active device supports project files, and makes the panel when the sub-mode is first shown.
+/// The plugin object. It registers the "Project File" sub-mode in the host's settings area, adds or withdraws it when
+/// the active device changes, depending on whether that supports project files, and creates the panel when the sub-mode
+/// is first shown.
 ///
-/// Everything runs on the user-interface thread.
+/// User-interface thread only.
 class PROJECTFILECFG_EXPORT ProjectFileCfgPlugin : public Core::ICorvelPlugin
 {
     Q_OBJECT
@@ -25,21 +26,21 @@ public:
     ProjectFileCfgPlugin();
     ~ProjectFileCfgPlugin() override;
 
-    /// The one plugin object, null when there is none.
+    /// The plugin object, null if there is none.
     static ProjectFileCfgPlugin *instance();
 
-    /// Always true: a missing translation is worth a warning, but no reason to go without the plugin.
+    /// Always true: a missing translation is logged as a warning, but does not disable the plugin.
     bool initialize(const QStringList &arguments, QString *errorString) override;
     void extensionsInitialized() override;
     bool delayedInitialize() override;
     /// Takes the sub-mode and the panel out of the host and deletes them.
     ShutdownFlag aboutToShutdown() override;
 
-    // Not every host's base declares this one, so it cannot say that it overrides.
+    // Not every host's base class declares this function, so it cannot be marked override.
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_CLANG("-Winconsistent-missing-override")
     QT_WARNING_DISABLE_GCC("-Wsuggest-override")
-    /// Installs the plugin's texts in `language` from the host's translation directory; false when they are missing.
+    /// Installs the plugin's texts in `language` from the host's translation directory; false if they are missing.
     virtual bool installTranslator(const QString &language); // NOLINT(modernize-use-override)
     QT_WARNING_POP
 

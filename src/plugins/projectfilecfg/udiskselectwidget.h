@@ -12,7 +12,7 @@ class QLabel;
 class QListWidget;
 class QPushButton;
 
-/// The dialog in which a mounted USB flash disk is chosen as the destination of a copy. The host dialog's OK accepts.
+/// The dialog to choose a mounted USB flash disk as the destination of a copy. The host dialog's OK accepts.
 class UDiskSelectWidget : public HX::Widgets::FramelessDialog
 {
     Q_OBJECT
@@ -30,15 +30,15 @@ public:
 
     /// Offers the USB flash disks that are mounted now; later ones do not appear while the dialog is open.
     explicit UDiskSelectWidget(QWidget *parent);
-    /// The same for another list of mounted volumes.
+    /// The same for a given list of mounted volumes.
     UDiskSelectWidget(QWidget *parent, const QVector<Volume> &volumes);
     ~UDiskSelectWidget() override;
 
-    /// The mount path of the chosen disk; empty when none was chosen or the dialog was rejected.
+    /// The mount path of the chosen disk; empty if none was chosen or the dialog was rejected.
     QString selectPath() const;
     int diskCount() const;
 
-    /// Forgets the choice, then closes.
+    /// Clears the choice, then closes.
     void reject() override;
 
 private slots:
@@ -52,7 +52,7 @@ private:
 
     QLabel *m_pTitleLabel = nullptr;
     QListWidget *m_pDiskList = nullptr;
-    // Not used: the host's dialog has a bar and buttons of its own.
+    // Unused: the host's dialog has its own bar and buttons.
     QWidget *m_pButtonBar = nullptr;
     QPushButton *m_pOkBtn = nullptr;
     QPushButton *m_pCancelBtn = nullptr;

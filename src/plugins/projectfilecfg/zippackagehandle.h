@@ -12,10 +12,10 @@ class FileIdentity;
 }
 class PackageReader;
 
-/// What a package says about itself.
+/// A package's info record and path.
 struct EngineerPacketInfo
 {
-    /// Full path of the package file. The caller fills it before it asks for the other three.
+    /// Full path of the package file. The caller sets it before reading the other three.
     QString strFilePath;
     QString strProjectName;
     QString strComment;
@@ -23,50 +23,49 @@ struct EngineerPacketInfo
     QString strChecksum;
 };
 
-/// What a save demands of its package beyond that it holds the directory.
+/// A save's additional requirements for its package.
 struct PacketDemands
 {
-    /// What must be in it: the size in bytes of each entry, by its name.
+    /// Required entries: sizes in bytes by name.
     QHash<QString, qint64> entries;
-    /// What it may replace: what lay at ReplacingFile::targetBehind() its path when the save began.
+    /// The only file that it may replace: the one at ReplacingFile::targetBehind() its path when the save began.
     const DurableFile::FileIdentity &previous;
 };
 
-/// Creates, lists, extracts and inspects packages, and reads or writes their info record: a small JSON
-/// object in the zip archive's comment (docs/package-format.md). Nothing else touches a package's bytes,
-/// except that a job which takes many entries out of one package keeps it open with a PackageReader.
+/// Creates, lists, extracts and inspects packages, and reads or writes their info record: a small JSON object in the
+/// zip archive's comment (docs/package-format.md). Nothing else interprets or changes a package's content, except that
+/// the load job copies its package with PackageSnapshot and keeps the copy open with a PackageReader.
 ///
-/// Every operation opens and closes its own files, keeps no state and may run on any thread. None throws.
-/// Those that touch an archive make UTF-8 the process's locale codec, and it stays so: QuaZip takes the
-/// codecs of names and comments from there.
+/// Every operation opens and closes its own files, keeps no state and may run on any thread. None throws. Those that
+/// open an archive set the process's locale codec to UTF-8, permanently: QuaZip takes its codecs for names and comments
+/// from it.
 ///
-/// What replaces a file does so completely or not at all, also when the disk is full or the process is
-/// killed on the way.
+/// A file is replaced completely or not at all, also if the disk is full or the process is killed.
 class ZipPackageHandle
 {
 public:
-    /// Packs the tree below `dirPath` into the package `info.strFilePath` and writes its record from `info`,
-    /// whose checksum it fills in. False when the directory does not exist, cannot be packed whole, or the
-    /// package as read back is not the one written: whatever was at the path before is then untouched. False as
-    /// well when the finished package is in place but its name could not be flushed to disk.
+    /// Packs the tree below `dirPath` into the package `info.strFilePath` and writes its record from `info`, whose
+    /// checksum it sets. False if the directory does not exist or cannot be packed completely, or the package as read
+    /// back differs from the one written: the previous file is unchanged then. Also false if the finished package is in
+    /// place but its name could not be flushed to disk.
     static bool compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info);
 
-    /// The same for a save, with which other programs may meet in both directories. Also false, and whatever is at the
-    /// path stays, when an entry that is demanded is missing or has another size, when another file has come to the
-    /// path, and when a folder that leads there is missing. `reason` then says in English what was in the way.
+    /// The same for a save, while other programs may change both directories. Also false, leaving the file at the path
+    /// unchanged, if a required entry is missing or has another size, if there is another file at the path by now, or
+    /// if a folder of the path is missing. `reason` then says in English what failed.
     static bool compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info, const PacketDemands &demands,
                                        QString &reason);
 
-    /// Fills `info` from the record of the package `info.strFilePath`. True when the record can be read and
-    /// its checksum is the package's; the fields stay filled when only the checksum is wrong.
+    /// Fills `info` from the record of the package `info.strFilePath`. True if the record can be read and its checksum
+    /// is the package's; the fields stay filled if only the checksum is wrong.
     static bool getZipFileEngineerInfo(EngineerPacketInfo &info);
 
-    /// True when the file carries a record whose checksum is the package's.
+    /// True if the file has a record whose checksum is the package's.
     static bool isValidEngineerPacket(const QString &packetPath);
 
-    /// The same test for a package that is about to be applied: only an existing file can pass.
+    /// The same test for a package that is about to be applied; false if the file does not exist.
     static bool checkPacketChecksum(const QString &packetPath);
-    /// The same of one that is open.
+    /// The same for an open package.
     static bool checkPacketChecksum(const PackageReader &package);
 
     /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
@@ -74,53 +73,51 @@ public:
     /// and nothing at all when the file does not exist or does not carry the package extension.
     static QStringList extractJsonFiles(const QString &packetPath, const QString &destDir);
 
-    /// Extracts one entry and returns the absolute path written, or an empty string. See
-    /// PackageReader::extractFile for what is refused. Opens the package anew: for more than a few entries
-    /// use a PackageReader.
+    /// Extracts one entry and returns the absolute path written, or an empty string. PackageReader::extractFile() says
+    /// what is refused. Opens the package each time: for more than a few entries use a PackageReader.
     static QString extractFile(const QString &packetPath, const QString &entryName, const QString &destPath);
 
-    /// The names of all entries in the archive's order; empty when it cannot be read.
+    /// The names of all entries in the archive's order; empty if it cannot be read.
     static QStringList getFileList(const QString &packetPath);
 
-    /// The archive's comment; empty when there is none or the archive cannot be read.
+    /// The archive's comment; empty if there is none or the archive cannot be read.
     ///
-    /// The path guard of this, setZipComment, isValidEngineerPacket and writeTextChecksum is lenient on
-    /// purpose: it gives up at once only where the path neither exists nor carries the package extension.
+    /// The path check of this, setZipComment(), isValidEngineerPacket() and writeTextChecksum() is lenient on purpose:
+    /// it fails at once only if the path neither exists nor has the package extension.
     static QString getZipComment(const QString &packetPath);
 
-    /// Replaces the archive's comment where it lies and leaves all else alone: nothing is copied, and the file keeps
-    /// its identity, its permissions and its modification time (see InPlaceFile). True only after the new comment was
-    /// read back and flushed to disk; otherwise the package is what it was. A package that goes meanwhile stays gone.
+    /// Replaces the archive's comment in place: nothing is copied, and the file keeps its identity, permissions and
+    /// modification time (see InPlaceFile). True only after the new comment was flushed to disk and read back;
+    /// otherwise the package is unchanged. Does not bring back a package that is deleted meanwhile.
     ///
-    /// Refused: what is no classic archive, or has bytes behind its comment; a file that is no plain one, or may not be
-    /// written; a comment above 65,513 bytes of UTF-8, or one in which QuaZip would take something for the archive's
-    /// end.
+    /// Refuses an archive that is not a classic one or has bytes behind its comment; a file that is not a plain one or
+    /// is read-only; a comment above 65,513 bytes of UTF-8, or with bytes that QuaZip would take for the archive's end.
     static bool setZipComment(const QString &packetPath, const QString &comment);
 
-    /// Writes `info` as the record of the package `info.strFilePath`, in the same way. The checksum that goes in, and
-    /// into `info`, is the one that the package has now, which another program may have replaced since it was listed: a
-    /// valid package stays valid.
+    /// Writes `info` as the record of the package `info.strFilePath`, in the same way. Sets its checksum to that of the
+    /// package as it is now, even if another program has replaced it since it was listed: a valid package stays valid.
+    /// Also fails, leaving `info` unchanged, if the package cannot be read completely.
     static bool setEngineerInfo(EngineerPacketInfo &info);
 
-    /// Reads a record: a JSON object of at least three keys. A missing key, or one that is no string, gives
+    /// Reads a record: a JSON object of at least three keys. A missing key, or one that is not a string, gives
     /// an empty field. `info.strFilePath` is left as it is; on failure so are the others.
     static bool parseEngineerInfo(EngineerPacketInfo &info, const QString &commentJson);
 
-    /// The checksum of the archive without its comment; empty when it cannot be opened. It covers only the
-    /// leading bytes of each 10 MiB, and has to: packages that exist carry it so.
+    /// The checksum of the archive without its comment; empty if it cannot be opened. It covers only the leading bytes
+    /// of each 10 MiB, for compatibility with existing packages.
     static QString calcPacketChecksum(const QString &packetPath);
 
-    /// The next three are called by nothing in this plugin and are kept as they always answered.
+    /// This plugin does not call the next three; they keep their results for compatibility.
 
-    /// 0 packed, 1 not packed, 2 no such directory. Never packs unless `overwrite` is set, since what it
-    /// looks for is the directory and not the package.
+    /// 0 packed, 1 not packed, 2 no such directory. Never packs unless `overwrite` is set, since it checks the
+    /// existence of the directory and not of the package.
     int compressDir(const QString &dirPath, const QString &packetPath, bool overwrite);
 
-    /// 0 extracted, 1 the destination exists and `overwrite` is not set, 2 no such package, 3 nothing
-    /// extracted. Entries that PackageReader::extractFile refuses make it 3.
+    /// 0 extracted, 1 the destination exists and `overwrite` is not set, 2 no such package, 3 nothing extracted, also
+    /// if PackageReader::extractFile() refuses an entry.
     int extractDir(const QString &packetPath, const QString &destDir, bool overwrite);
 
-    /// Makes the MD5 digest of the file, read as text, the archive's comment.
+    /// Sets the archive's comment to the MD5 digest of the file, read as text.
     static bool writeTextChecksum(const QString &packetPath);
 };
 

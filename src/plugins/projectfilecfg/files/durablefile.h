@@ -5,11 +5,11 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Steps on files and folders that no kill cuts in two, and what makes them outlive a power failure.
+/// Atomic operations on files and folders, and what makes them survive a power failure.
 namespace DurableFile {
 
-/// A folder, opened so that what is made or renamed in it can be flushed. Open it before the change: where that
-/// is not possible, the operation ends while nothing has happened yet.
+/// An open folder, to flush what is created or renamed in it. Open it before the change, so that a failure to open it
+/// ends the operation before anything has changed.
 class Folder
 {
 public:
@@ -17,7 +17,7 @@ public:
     ~Folder();
 
     bool isOpen() const;
-    /// True as well on platforms and file systems that have no way to flush a folder.
+    /// Also true on platforms and file systems that cannot flush a folder.
     bool flush() const;
 
 private:
@@ -26,35 +26,35 @@ private:
     int m_handle = -1;
 };
 
-/// Flushes an open file: true means that its bytes are on the disk, and not only in the system's memory.
+/// Flushes an open file. True: its bytes are on the disk, not only in the system's memory.
 bool flush(int handle);
 
-/// Makes the open, empty file `to` a copy of the open file `from` that shares its blocks until one of them is changed:
-/// nothing is read or written. False, and nothing changed, where the file system cannot.
+/// Makes the open, empty file `to` a copy of the open file `from` that shares its blocks until one of them changes:
+/// nothing is read or written. False, and nothing changed, if the file system cannot do that.
 bool shareContent(int from, int to);
 
-/// Has the system begin to write what an open file holds so far, and does not wait for it: flush() then finds
-/// less to do. Does nothing where the platform has no such hint. A failure is told by the flush().
+/// Starts writing the current content of an open file to the disk without waiting, so that flush() has less to do. Does
+/// nothing on platforms without such a call. flush() reports failures.
 void beginFlush(int handle);
 
-/// Flushes everything that was written below the folder so far. For many files: one by one takes milliseconds each.
+/// Flushes everything below the folder. For many files: flushing them one by one takes milliseconds each.
 bool flushTree(const QString &folderPath);
 
-/// Makes the folder and those that lead there, and flushes them. True when it was there already.
+/// Creates the folder and its parents, and flushes them. Also true if it existed already.
 bool makeFolder(const QString &path);
 
-/// What lies at a path at one moment, to be told from what takes its place later. Links are not followed. Known by
-/// device and number, which the system gives to no other file while this object lives; on Windows by its size and the
-/// time of its last change, so that there a file that was changed counts as another one.
+/// Identifies the file that is at a path now, to tell it from one that replaces it later. Does not follow links. Uses
+/// device and inode number, which the system does not reuse while this object lives; on Windows size and modification
+/// time, so that a changed file counts as another one there.
 class FileIdentity
 {
 public:
     explicit FileIdentity(const QString &path);
     ~FileIdentity();
 
-    /// Nothing was there.
+    /// There was no file.
     bool isNothing() const { return !m_exists; }
-    /// True when it lies at `path` now; where it is nothing, when nothing lies there.
+    /// True if the file is at `path` now; if there was none, true if there is still none.
     bool isAt(const QString &path) const;
 
 private:
@@ -68,40 +68,40 @@ private:
     int m_handle = -1;
 };
 
-/// Renames within a volume, over the file at `to` if there is one. Not flushed.
+/// Renames within a volume, replacing a file at `to`. Not flushed.
 bool replace(const QString &from, const QString &to);
 
-/// The same, but fails where anything is at `to`. Not flushed.
+/// The same, but fails if anything is at `to`. Not flushed.
 bool renameToFreeName(const QString &from, const QString &to);
 
-/// Renames within a volume to the place of `expected`, and never over anything else: false where another file or a
-/// folder lies there. Where nothing lies there any more, as renameToFreeName(). What was replaced lies at `from`
-/// afterwards, or is gone. Not flushed.
+/// Renames within a volume, replacing `expected` and nothing else: false if there is another file or a folder at `to`.
+/// If nothing is there any more, the same as renameToFreeName(). The replaced file is at `from` afterwards, or gone.
+/// Not flushed.
 ///
-/// Where system and file system can exchange two names, no other program can come in between. Elsewhere there is a
-/// moment between the last look and the renaming: what comes in that moment is replaced.
+/// Atomic if the system and the file system can exchange two names. Otherwise there is a gap between the last check and
+/// the renaming: a file that appears in between is replaced.
 bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected);
 
-/// renameToFreeName(), flushed. QFile::rename() cannot stand here: what it cannot rename it writes anew, and a
-/// kill on the way leaves half a file under the new name.
+/// renameToFreeName(), flushed. Not QFile::rename(): it copies what it cannot rename, and a kill during the copy leaves
+/// half a file under the new name.
 bool renameDurably(const QString &from, const QString &to);
 
-/// Opens an existing plain file for reading and writing and returns its handle, -1 where that fails. Never makes a
-/// file, and never waits, as opening a pipe would.
+/// Opens an existing plain file for reading and writing and returns its handle, -1 on failure. Never creates a file,
+/// and never blocks, as opening a pipe would.
 int openToChange(const QString &path);
 
-/// Keeps others from locking the open file until it is closed, also by a kill. False when another one has it now. True
-/// as well where the file system knows no locks.
+/// Locks the open file exclusively until it is closed, also by a kill. False if another process has locked it. Also
+/// true on file systems without locks.
 bool lock(int handle);
 
-/// The same for a moment, for who only reads: several may. False when somebody has locked the file to change it.
+/// Locks the open file for reading, shared with other readers, until unlock(). False while a writer has locked it.
 bool lockToRead(int handle);
 void unlock(int handle);
 
-/// True when the open file is the one that stands at `path`: it was neither removed nor replaced since it was opened.
+/// True if the open file is still the one at `path`: it was neither removed nor replaced since it was opened.
 bool isOpenFile(const QString &path, int handle);
 
-/// When the open file was changed last, in nanoseconds since 1970.
+/// The open file's modification time, in nanoseconds since 1970.
 qint64 modified(int handle);
 bool setModified(int handle, qint64 nanoseconds);
 

@@ -9,37 +9,37 @@ namespace Internal {
 
 struct UndoRecord;
 
-/// A file whose last bytes are changed where they lie: nothing is copied, and the file keeps its identity, its
-/// permissions and its modification time. A kill, a full disk or a power failure on the way leaves the old bytes or the
-/// new ones once recover(), or the next open(), has looked at the file.
+/// Changes the last bytes of a file in place: nothing is copied, and the file keeps its identity, permissions and
+/// modification time. After a kill, a full disk or a power failure, recover() or the next open() restores the old bytes
+/// or keeps the new ones.
 ///
-/// That is the undo record's doing, which lies beside the file meanwhile. Where none can be made, because there is no
-/// room or the folder may not be written, the bytes are written without it.
+/// An undo record beside the file makes that possible. If none can be made, because there is no room or the folder is
+/// read-only, the bytes are written without it.
 class InPlaceFile
 {
 public:
-    /// `path` may name a symbolic link: then what it points to is changed.
+    /// If `path` is a symbolic link, its target is changed.
     explicit InPlaceFile(const QString &path);
-    /// Closes the file, and lets the next one at it.
+    /// Closes and unlocks the file.
     ~InPlaceFile();
 
-    /// Opens the file for reading and writing, and ends what a killed process has begun there. Fails where there is
-    /// none: it never makes one. Fails as well where the file is no plain one, may not be written, or is opened in this
-    /// way by somebody else and stays so for a second.
+    /// Opens and locks the file for reading and writing, and applies an undo record that a crash has left. Never
+    /// creates a file. Fails if there is none, if it is not a plain one or is read-only, or if another process keeps it
+    /// locked for a second.
     bool open();
 
     QFile &file() { return m_file; }
 
-    /// Replaces all bytes from `offset` on, at most 64 KiB, by `tail`, with one write. True when they were flushed and
-    /// read back, and the file still stands under its name. Otherwise it is what it was; where not even that can be
-    /// reached, the undo record stays for who comes next.
+    /// Replaces all bytes from `offset` on, at most 64 KiB, by `tail`, with one write. True if they were flushed and
+    /// read back, and the file is still at its path. Otherwise the file is restored; if even that fails, the undo
+    /// record stays for the next recover() or open().
     bool replaceTail(qint64 offset, const QByteArray &tail);
 
-    /// Ends what killed processes have begun in the folder: for each undo record that no living process holds,
-    /// its file's last bytes become the old ones again, unless they are the new ones, whole. A file that has got
-    /// another name in the folder is found; a record whose file has gone, or was changed by others, is removed.
+    /// Applies the undo records in the folder, except those of files that another process has locked: the last bytes of
+    /// each file become the old ones again, unless they are the complete new ones. Finds a file that was renamed within
+    /// the folder; removes a record whose file has gone or was changed by another program.
     static void recover(const QString &folderPath);
-    /// The same for the one file at `path`, which may be a link that leads out of its folder.
+    /// The same for the file at `path`, which may be a link to another folder.
     static void recoverFile(const QString &path);
 
 private:

@@ -7,11 +7,9 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// A file of one's own on the disk, to which no path leads, so that no other program changes it; it ends with its last
-/// user, also when the process is killed. Where the system cannot do without a name, its name is nobody's guess, and it
-/// is removed at the end.
-///
-/// In `folder`, which must be there; open for reading and writing. Null when that fails.
+/// Creates a private file without a path, so that no other program can change it, in the existing `folder`, and opens
+/// it for reading and writing. Null on failure. The file disappears with its last handle, also when the process is
+/// killed. On systems without nameless files it has an unpredictable name and is removed at the end.
 std::unique_ptr<QFile> openNamelessFile(const QString &folder);
 
 } // namespace Internal

@@ -6,8 +6,8 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Writes the whole content of a staged file that was just opened, and closes it. False when it is cut, for instance
-/// by a full disk: the package must not carry it then.
+/// Writes the whole content of a staged file that was just opened, and closes it. False if the file is incomplete, for
+/// instance because the disk is full: the package must not include it then.
 bool writeWhole(QFile &file, const QByteArray &content);
 
 } // namespace Internal

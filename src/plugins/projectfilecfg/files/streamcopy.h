@@ -9,9 +9,9 @@ class QIODevice;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Copies what is left of `source`, in bounded memory. False when reading or writing fails, or when there are more
-/// than `limit` bytes; nothing beyond them is written. `*copied` counts what was read. `look`, where there is one, sees
-/// each portion on its way.
+/// Copies the rest of `source`, in bounded memory. False if reading or writing fails, or if there are more than `limit`
+/// bytes; nothing beyond them is written. `*copied` returns how many bytes were read. `look`, if given, is called with
+/// each portion.
 bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied,
                 const std::function<void(const char *data, qint64 size)> &look = nullptr);
 

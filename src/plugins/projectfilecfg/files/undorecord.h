@@ -8,48 +8,48 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What it takes to end a change of a file's last bytes that a killed process, or a power failure, has cut: what they
-/// were and what they were to be. Written beside the file, and flushed, before they are changed.
+/// The old and the new last bytes of a file, to finish or undo a change of them that a kill or a power failure has
+/// interrupted. Written and flushed before the file changes.
 ///
-/// It lies in a hidden file `.<id>.undo` beside the file that it belongs to; the id is formed from that file's name, so
-/// that it is found without a search. No listing shows it, no package includes it. One that is not whole says that
-/// nothing was changed yet.
+/// Stored in a hidden file `.<id>.undo` beside the file; the id is derived from the file's name, so that it is found
+/// without a search. No listing shows it, no package includes it. An incomplete record means that the file is
+/// unchanged.
 struct UndoRecord
 {
     QString fileName;
-    /// Where the bytes begin that change. All from there to the end of the file belong to them.
+    /// The changed bytes are those from this offset to the end of the file.
     qint64 offset = 0;
-    /// Digest of the bytes before the offset, by which the file is known again.
+    /// Digest of the bytes before the offset; identifies the file.
     QByteArray mark;
     QByteArray before;
     QByteArray after;
     /// The file's modification time, in nanoseconds since 1970.
     qint64 modified = 0;
 
-    /// Where the record of the file at `filePath`, which is no link, lies.
+    /// The path of the record for the file at `filePath`, which is not a link.
     static QString pathFor(const QString &filePath);
     static bool isUndoRecord(const QString &fileName);
-    /// True when nobody can be writing it any more: it is a day old, which is more than clocks differ.
+    /// True if it is a day old, more than clocks differ: no process can still be writing it.
     static bool isStale(const QString &recordPath);
 
     enum Reading {
         Whole,
-        /// Its own digest says that it is not what was to be written: cut, or still being written.
+        /// It does not match its own digest: incomplete, or still being written.
         Broken,
         Unreadable
     };
     Reading read(const QString &recordPath);
-    /// True when it is on the disk, with its name.
+    /// True if the record is on the disk, with its name.
     bool write(const QString &recordPath) const;
 
-    /// The digest by which a file is known whose bytes from `offset` on change; empty when it cannot be read.
+    /// The digest that identifies a file whose bytes from `offset` on change; empty if it cannot be read.
     static QByteArray markOf(QFile &file, qint64 offset);
-    /// True when the file, open for reading, is the one that the record was written for, or has its content.
+    /// True if the file, open for reading, is the one that the record was written for, or a copy of it.
     bool fits(QFile &file) const;
 
-    /// True for last bytes that only a cut can have left: each is the old or the new one, or zero, as where a file
-    /// was made longer and its content has not reached the disk. False for the old and the new ones themselves, and for
-    /// what somebody else has written.
+    /// True for last bytes that only a crash can have left: each is the old or the new one, or zero, as when a file
+    /// grew and its content did not reach the disk. False for the old and the new ones themselves, and for what another
+    /// program has written.
     bool isTorn(const QByteArray &tail) const;
 };
 

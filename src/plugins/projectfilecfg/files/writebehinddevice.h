@@ -13,31 +13,30 @@ class QFileDevice;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What is written to it goes to a file on a thread of its own, while its owner makes what comes next: the zip library
-/// works longest on what it packs, and the disk need not wait for that. It gathers what the library writes in small
-/// portions, so that a header, to which the library steps back when an entry is complete, is often still in memory.
+/// A buffered device that writes to a file on a thread of its own, while its owner produces the next bytes: most of the
+/// time of packing goes to the zip library, and the disk need not wait for it. It gathers the library's small writes,
+/// so that a header, to which the library seeks back when an entry is complete, is often still in memory.
 ///
-/// All operations on the thread that made it.
+/// Use it only on the thread that created it.
 class WriteBehindDevice : public QIODevice
 {
 public:
-    /// Open from the beginning, for writing only. `file` is open for writing, and until flush() returns, and again from
-    /// the next write on, nobody else may touch it. `blockSize`, in bytes: large enough that handing over does not
-    /// count, small enough that a picture is worth it.
+    /// Opens itself, for writing only. `file` is open for writing; nothing else may use it from a write until flush()
+    /// returns. `blockSize`, in bytes: large enough that the cost per block is negligible, small enough that a picture
+    /// fills several.
     explicit WriteBehindDevice(QFileDevice &file, qint64 blockSize = 256 * 1024);
-    /// Waits for what is being written. What was not flushed may be missing in the file.
+    /// Waits for pending writes. Bytes that were not flushed may be missing in the file.
     ~WriteBehindDevice() override;
 
     bool isSequential() const override { return false; }
     qint64 size() const override { return m_nSize; }
 
-    /// Waits until the file has everything. False for ever once the file did not take something.
+    /// Waits until everything is written to the file. False from the first failed write on.
     bool flush();
 
 protected:
     qint64 readData(char *, qint64) override { return -1; }
-    /// Takes all of it, and waits while four blocks are under way; or, once the file did not take something, -1 and
-    /// nothing is changed.
+    /// Takes all bytes, and waits while no block is free. After a failed write: -1, and nothing changes.
     qint64 writeData(const char *data, qint64 size) override;
 
 private:
@@ -55,7 +54,7 @@ private:
     QFileDevice &m_file;
     const qint64 m_nBlockSize;
     std::atomic<bool> m_bFailed{false};
-    /// One is being filled and has room for at least a byte; the others are on their way or free.
+    /// The current one has room for at least a byte; the others are being written or free.
     std::array<Block, 4> m_blocks;
     std::size_t m_nCurrent = 0;
     QSemaphore m_free{int(m_blocks.size()) - 1};

@@ -13,9 +13,9 @@ class Device;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Makes a device, which is in no list, of a description that the host has written. `device` is open for reading as
-/// text. Null, with the parser's reason in `error`, when it is no JSON document with content, or more than
-/// PackageLimits allows to parse.
+/// Creates a device, which is in no list, from a description that the host has written. `device` is open for reading as
+/// text. Null, with the parser's reason in `error`, if it is not a JSON document with content, or exceeds
+/// PackageLimits.
 std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString &error);
 
 } // namespace Internal

@@ -11,7 +11,7 @@ class Device;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The device that the host knows under that address; null when it knows none, or has no device list yet. Any thread.
+/// The host's device with that address; null if there is none, or no device list yet. Any thread.
 std::shared_ptr<Model::Device> findDeviceByAddress(const QString &ip);
 
 } // namespace Internal

@@ -7,9 +7,9 @@ namespace Internal {
 
 class PackageReader;
 
-/// True when the folder of an offline device still fits a package once the package's entries, descriptions apart, are
-/// extracted to it: else the device could never be saved again. Counts what is there and what comes, and once what is
-/// replaced.
+/// True if the folder of an offline device still fits a package after the package's entries, except descriptions, were
+/// extracted to it: otherwise the device could never be saved again. Counts existing and new files, and replaced ones
+/// once.
 bool fitsPackageAfterwards(const PackageReader &package, const QString &deviceFolder);
 
 } // namespace Internal

@@ -17,23 +17,23 @@ class PackagedPicture;
 class PackageReader;
 class PictureDecoder;
 
-/// Does everything with the pictures of a package that an apply to an online device does before it sends them: what
-/// would end the apply is found while the device still has what it had. Pictures are decoded on all cores, at most two
-/// more than there are cores at once and at most 256 MiB of pixels beyond the first.
+/// Does with the pictures of a package what an apply to an online device does before it sends them, to find whatever
+/// would end the apply while the device is still unchanged. Decodes pictures on all cores; at most two more than there
+/// are cores are in memory, and at most 256 MiB of pixels beyond the first.
 class ReadinessCheck
 {
 public:
-    /// `device` is the one that the package describes. Pictures are extracted to `folder`, as the apply does it, and
-    /// removed again: so it has room, and nothing is in the way.
+    /// `device` is the package's device description. Extracts pictures to `folder`, as the apply does, and removes them
+    /// again: this proves that there is room and nothing is in the way.
     ReadinessCheck(PackageReader &package, const Model::Device &device, const QString &folder);
 
-    /// LoadSuccess, or the code with which the apply would end, that of the first picture in the archive's order: see
-    /// PackagedPicture::open(), LoadDecompressFailed also where it cannot be extracted, and LoadGalleryFileError where
-    /// it cannot be decoded or where there are too many pixels, which is told before anything is read.
+    /// LoadSuccess, or the code with which the apply would end, for the first failing picture in the archive's order:
+    /// the codes of PackagedPicture::open(), LoadDecompressFailed also if it cannot be extracted, LoadGalleryFileError
+    /// if it cannot be decoded. LoadGalleryFileError before anything is read if hasTooManyPixels(). Caller's thread.
     LoadResultCode run();
 
-    /// True when the pictures have more pixels together than PackageLimits allows, as the description has their sizes:
-    /// an offline device, whose thumbnails are made of them, is not kept busy for minutes either.
+    /// True if the pictures together, by their sizes in the description, have more pixels than PackageLimits allows.
+    /// For offline devices, too: decoding the pictures for their thumbnails would take minutes.
     bool hasTooManyPixels() const;
 
 private:
@@ -44,7 +44,7 @@ private:
     PackageReader &m_package;
     const Model::Device &m_device;
     const QString m_folder;
-    /// What is being decoded, with its pixels in bytes, in the archive's order.
+    /// Pictures being decoded, with the bytes of their pixels, in the archive's order.
     QQueue<QPair<QString, qint64>> m_begun;
     qint64 m_begunBytes = 0;
 };

@@ -7,34 +7,34 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Where the comment of a zip archive stands, and what its last bytes are with another one. Classic archives alone: no
-/// 64-bit extension, one disk, and nothing behind the comment.
+/// Finds the comment of a zip archive, and computes the archive's last bytes with another comment. Only for classic
+/// archives: no 64-bit extension, one disk, nothing behind the comment.
 ///
-/// The archive's *tail* is the comment with the two bytes of its length before it: all that an edit changes.
+/// The archive's *tail* is the comment with the two bytes of its length before it: everything that an edit changes.
 class ArchiveComment
 {
 public:
     static constexpr int lengthSize = 2;
 
-    /// Looks at the end of `file`, which is open for reading.
+    /// Reads the end of `file`, which is open for reading.
     explicit ArchiveComment(QFile &file);
 
-    /// False when the file is no such archive, or its comment is longer than a reader takes.
+    /// False if the file is not such an archive, or its comment is longer than readers accept.
     bool isFound() const { return m_offset >= 0; }
-    /// Where the tail begins.
+    /// The offset of the tail.
     qint64 offset() const { return m_offset; }
     QByteArray bytes() const { return m_comment; }
 
-    /// The end record with the length of another comment, which follows it.
+    /// The end record with the length of another comment, followed by that comment.
     QByteArray endRecordWith(const QByteArray &comment) const;
     static QByteArray tailWith(const QByteArray &comment);
 
-    /// False for a comment that no reader would find whole: one that is too long, holds a NUL, or what looks like the
-    /// end of an archive.
+    /// False for a comment that a reader would not find complete: too long, or containing a NUL or an end-of-archive
+    /// signature.
     static bool isReadable(const QByteArray &comment);
 
-    /// Whether the last bytes of a file, at least as many as the longest comment and the end record have, end with a
-    /// comment as long as its length says. What is read while somebody writes there does not.
+    /// True if the last bytes of a file end with a comment of the stated length. False for an end that was read while
+    /// another process writes it. `end` is at least as long as the longest comment and the end record, if the file is.
     static bool isConsistent(const QByteArray &end);
 
 private:

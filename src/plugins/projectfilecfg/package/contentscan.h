@@ -7,22 +7,21 @@ class QIODevice;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What a PNG file says of itself, found while its bytes pass by and without decoding it. Whoever packs and whoever
-/// reads a picture judges by this, and PackageLimits says what is too much. Whether its chunks are in order is left to
-/// who decodes it.
+/// Reads a PNG file's properties from its bytes as they pass by, without decoding it. Packing and reading both use it
+/// to check a picture against PackageLimits. It does not check the order of the chunks; the decoder does.
 class PictureScan
 {
 public:
     /// The next bytes of the file, in portions of any size.
     void feed(const char *data, qint64 size);
-    /// The whole file, which can seek and stands at its beginning, as it does afterwards. False when it cannot be read.
+    /// The whole file, which is seekable and at its beginning, before and after the call. False if it cannot be read.
     bool feed(QIODevice &file);
 
     bool isPng() const { return m_isPng; }
-    /// Too wide or too high, or with texts, profiles and the like beyond what a picture needs: all of them are unpacked
-    /// and kept before the first pixel is read, so that a megabyte fills gigabytes. It counts as having no size.
+    /// Too wide or too high, or with more texts and profiles than a picture needs: the decoder unpacks and keeps all of
+    /// them before the first pixel, so a megabyte can fill gigabytes. Such a picture has no size.
     bool isBeyondLimits() const { return m_isBeyondLimits; }
-    /// Pixels, and the bytes that they take while they are read and then as 32 bits; 0 where no header tells them.
+    /// Pixels, and the bytes that they need while they are read and then as 32 bits; 0 without a header.
     qint64 pixels() const;
     qint64 memory() const;
 
@@ -33,7 +32,7 @@ private:
     void takeChunkHead(const QByteArray &head);
 
     Part m_expected = Signature;
-    /// What was fed of the part that is expected, and how many bytes come before the rest of it.
+    /// The bytes of the expected part so far, and how many bytes to skip before the rest of it.
     QByteArray m_part;
     qint64 m_nGap = 0;
     bool m_isOver = false;
@@ -49,8 +48,8 @@ private:
     int m_nColourType = 0;
 };
 
-/// Counts the members, elements and brackets of a JSON document, which say how much memory it takes once it is parsed.
-/// What stands in its strings does not count.
+/// Counts the members, elements and brackets of a JSON document, which determine how much memory it needs when parsed.
+/// The content of strings does not count.
 class DescriptionScan
 {
 public:

@@ -5,8 +5,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Makes UTF-8 the process's locale codec, for good. To be called before a QuaZip is constructed: it takes the
-/// codecs of entry names and comments from the locale at that moment. Every caller sets the same value.
+/// Sets the process's locale codec to UTF-8, permanently. Call it before constructing a QuaZip, which takes its codecs
+/// for entry names and comments from the locale then. Any thread: every caller sets the same value.
 inline void useUtf8LocaleCodec()
 {
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));

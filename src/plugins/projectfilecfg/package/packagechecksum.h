@@ -8,19 +8,18 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The checksum that a package's record carries. Packages that exist decide how it is formed.
+/// The checksum in a package's record. Existing packages determine how it is computed.
 namespace PackageChecksum {
 
-/// The archive is digested in chunks of this many bytes.
+/// Size of a chunk in bytes.
 constexpr qint64 chunkSize = 10 * 1024 * 1024;
 
-/// The MD5 digest, in lower-case hexadecimal digits, over the digits of the digests of the chunks of the first
-/// `length` bytes of the file. A chunk's digest covers its bytes up to, not including, the first zero byte; the
-/// whole chunk where it holds none. Reads little more than what is digested, and stops where
-/// the file ends. `file` is open for reading.
+/// Splits the first `length` bytes of the file into chunks, and returns the MD5 digest over the chunks' digests, all in
+/// lower-case hexadecimal digits. A chunk's digest covers its bytes before the first zero byte, or the whole chunk if
+/// it has none. Reads little more than what is digested, and stops at the end of the file. `file` is open for reading.
 ///
-/// `end`, where it is given, stands for the last ones of these bytes: the file is taken as if they were so. `*isComplete`
-/// tells whether all of it could be read: only then is the digest that of the archive.
+/// `end`, if given, replaces the last of these bytes in the computation. `*isComplete` returns whether everything could
+/// be read; otherwise the digest is not that of the archive.
 QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end = QByteArray(), bool *isComplete = nullptr);
 
 } // namespace PackageChecksum

@@ -7,26 +7,25 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// A package's file as the zip library reads it. The library looks for the end of an archive, and for the mark of a
-/// 64-bit one, by going backwards through the last 64 KiB in small steps, each of which is a read of the file; here
-/// these bytes are read once, and not while somebody is writing them. Not for use by two threads at once.
+/// The device through which the zip library reads a package. The library searches for the end of an archive, and for
+/// the marker of a 64-bit one, backwards through the last 64 KiB in small steps, each a read of the file; this class
+/// reads those bytes once, and retries while another process writes them. Not thread-safe.
 class PackageFile : public QIODevice
 {
 public:
     explicit PackageFile(const QString &path);
-    /// One that is open already, for reading.
+    /// Takes a file that is already open for reading.
     explicit PackageFile(std::unique_ptr<QFile> file);
     ~PackageFile() override;
 
-    /// In the one mode there is, ReadOnly. False when that fails, or when it is no file that can be read anywhere, as
-    /// a pipe is not; that is told at once.
+    /// `mode` must be ReadOnly. False on failure, and at once if it is not a plain file, for instance a pipe.
     bool open(OpenMode mode) override;
 
     bool isSequential() const override;
     qint64 size() const override;
     bool seek(qint64 position) override;
 
-    /// The file itself, for who reads other parts of it.
+    /// The underlying file, to read other parts of it.
     QFile &file() { return *m_file; }
 
 protected:

@@ -9,8 +9,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The names of what lies in a device's directory, and so in a package: formed and read here alone. An entry's name is
-/// relative to the directory, with "/" between levels; that of a folder ends in "/".
+/// The names in a device's directory, and so in a package: built and parsed only here. An entry's name is relative to
+/// the directory, with "/" between levels; a folder's name ends in "/".
 namespace PackageLayout {
 
 /// Folders of a device's directory. Without separators.
@@ -24,37 +24,37 @@ QString logoEntry(int keyNo);
 QString presetEntry(int number);
 
 bool isFolder(const QString &entryName);
-/// By its ending, in any case: a device description, a picture, a preset.
+/// Device descriptions, pictures, presets: by extension, in any case.
 bool isDescription(const QString &entryName);
 bool isPicture(const QString &entryName);
 bool isPreset(const QString &entryName);
 
-/// In which folder it lies is read with case, unlike its ending.
+/// The folder is case-sensitive, unlike the extension.
 bool isLogo(const QString &entryName);
 bool isInGallery(const QString &entryName);
 /// A background or a logo.
 bool isGalleryPicture(const QString &entryName);
-/// For what is in the gallery: its folder, and the number that its name states; 0 where it states none.
+/// For an entry in the gallery: its folder, and the number in its name; 0 if there is none.
 QString galleryFolder(const QString &entryName);
 quint16 galleryNumber(const QString &entryName);
 
-/// False for a name that could lead out of the folder to which it is extracted, on any platform, since packages travel:
-/// one that is empty or absolute, climbs (by slashes or backslashes), holds a NUL or a drive letter, or has more than
+/// False for a name that could lead out of the extraction folder, on any platform, since packages travel: one that is
+/// empty or absolute, contains ".." (between slashes or backslashes), a NUL or a drive letter, or has more than
 /// PackageLimits::maxDepth levels.
 bool isSafeName(const QString &entryName);
 
-/// True for a folder that is called like the files of packages (".png", ".json", ".RPst") and for a file that is called
-/// like their folders: it would be in the way of every package that is extracted to the same place later.
+/// True for a folder named like the files of packages (".png", ".json", ".RPst") and for a file named like their
+/// folders: it would block every later package that is extracted to the same place.
 bool blocksLaterPackages(const QString &entryName);
 
-/// The one spelling of the path to which a name leads: "BKG/./x" and "BKG//x" are "BKG/x".
+/// The normalised path: "BKG/./x" and "BKG//x" become "BKG/x".
 QString plainName(const QString &entryName);
 
-/// The names of an archive's entries as text, given as their bytes: no two different ones become one. What is UTF-8
-/// stays as it is. In what is not, each byte that belongs to no character, and a byte order mark, which file names
-/// lose, is written as "%" and two hexadecimal digits; as "%%" where a name of this archive has a "%" already, and so
-/// on, so that no other name can be taken for an escaped one. Empty when that takes more than 16 percent signs, or more
-/// text than PackageLimits::maxNamesLength.
+/// Decodes the names of an archive's entries; different names stay different. UTF-8 names stay as they are. In others,
+/// each byte that belongs to no character, and a byte order mark, which file names lose, becomes "%" and two
+/// hexadecimal digits. If a name of the archive contains "%", escapes begin with "%%", and so on, so that an escaped
+/// name never equals another one. Empty if that takes more than 16 percent signs, or more text than
+/// PackageLimits::maxNamesLength.
 QStringList namesOf(const QByteArrayList &entryNames);
 
 } // namespace PackageLayout

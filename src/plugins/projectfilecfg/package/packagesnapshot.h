@@ -9,26 +9,26 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// A package as it was at one moment. A job that looks at a package more than once works on such a copy, since another
-/// program may not only put another file in its place, but cut or overwrite the very file that is held open.
+/// A private copy of a package. A job that reads a package more than once works on such a copy, since another program
+/// may not only replace the file, but truncate or overwrite it while it is open.
 ///
-/// The copy has no name (see openNamelessFile()), and shares its blocks with the package where the file system can do
-/// that: then nothing is read or written. Elsewhere it takes as much room as the package has.
+/// The copy has no name (see openNamelessFile()), and shares its blocks with the package if the file system can do
+/// that: then nothing is read or written. Otherwise it needs as much space as the package.
 class PackageSnapshot
 {
 public:
     enum Outcome {
         Taken,
-        /// Missing, no plain file, or not to be read to its end.
+        /// Missing, not a plain file, or not readable to its end.
         Unreadable,
-        /// None of the folders has room, or may be written.
+        /// None of the folders has room or is writable.
         NoRoom
     };
 
-    /// In the first of the folders where that is possible; they must be there. Any thread.
+    /// Copies the package to the first of the existing folders where that is possible. Any thread.
     Outcome take(const QString &packetPath, const QStringList &folders);
 
-    /// The copy, open for reading, for its one user; null when none was taken.
+    /// Hands over the copy, open for reading; null if there is none.
     std::unique_ptr<QFile> release();
 
 private:

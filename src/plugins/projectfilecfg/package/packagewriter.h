@@ -15,27 +15,27 @@ class PictureScan;
 
 /// Packs a directory tree into a zip archive, in bounded memory.
 ///
-/// Names and order are those that packages always had: relative to the directory, "/" between levels, for each
-/// folder its own entry ("BKG/"), then its sub-folders, then its files, each sorted by name without regard to
-/// case. Hidden files are included. Pictures are stored, since they are compressed already; the rest is deflated.
+/// Names are relative to the directory, with "/" between levels. For each folder: its own entry ("BKG/"), then its
+/// sub-folders, then its files, each sorted by name without regard to case. Hidden files are included. Pictures are
+/// stored, since they are compressed already; the rest is deflated.
 class PackageWriter
 {
 public:
-    /// `packetPath` is left out where it lies inside the directory.
+    /// `packetPath` is skipped if it is inside the directory.
     PackageWriter(const QString &dirPath, const QString &packetPath);
 
-    /// Lists what is to be packed. False when the tree cannot be packed whole: a folder or file that cannot be
-    /// read, as one whose name is no UTF-8, a special file, a link that is broken, leads outside or back to a folder
-    /// that it lies in; or when the package could not be applied: a name that PackageReader refuses, or more, or larger
-    /// files, than PackageLimits says. Other links are packed as what they point to.
+    /// Lists what is to be packed. False if the tree cannot be packed completely: a folder or file that cannot be read
+    /// or whose name is not UTF-8, a special file, a link that is broken, leads outside or back to an enclosing folder;
+    /// or if the package could not be applied: a name that PackageReader refuses, or more or larger files than
+    /// PackageLimits allows. Other links are packed as their targets.
     bool scan();
 
-    /// Writes the archive, without a comment, over whatever `archive` (open for reading and writing) holds.
-    /// False when a source cannot be read, a write fails, or a load would refuse what a description or a picture holds
-    /// (see PackageLimits); what the file holds then is of no use.
+    /// Replaces the content of `archive` (open for reading and writing) by the archive, without a comment. False if a
+    /// source cannot be read, a write fails, or a description or picture exceeds PackageLimits; the file is unusable
+    /// then.
     bool write(QFile &archive);
 
-    /// True when a reader finds in the archive at `path` the very entries, in name, order and size, that were written.
+    /// True if the archive at `path` has exactly the entries that were written: same names, order and sizes.
     bool isListedIn(const QString &path) const;
 
 private:
@@ -60,9 +60,9 @@ private:
     QString m_packetPath;
     QString m_canonicalDirPath;
     QVector<Entry> m_entries;
-    /// The description that a load reads; empty when there is none.
+    /// The description that a load reads; empty if there is none.
     QString m_firstDescription;
-    /// Of the backgrounds and logos that were written.
+    /// Pixels of the backgrounds and logos written so far.
     qint64 m_nPixels = 0;
 };
 

@@ -5,11 +5,11 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What several classes must agree on: stated here once.
+/// Facts that several classes share.
 namespace ProjectFileFacts {
 
-/// The length is counted by the compiler alone: not every one takes strlen for a constant, clang with a sanitizer
-/// does not.
+/// A QLatin1String whose length is a constant: not every compiler evaluates strlen() at compile time, for instance not
+/// clang with a sanitizer.
 template<int sizeWithEnd>
 constexpr QLatin1String literal(const char (&text)[sizeWithEnd])
 {
@@ -24,7 +24,7 @@ constexpr QLatin1String checksumKey = literal("Checksum");
 constexpr QLatin1String projectNameKey = literal("projectName");
 constexpr QLatin1String commentKey = literal("comment");
 
-/// Format of the time stamp that is proposed as a project's comment.
+/// Format of the time stamp proposed as a project's comment.
 constexpr QLatin1String timeStampFormat = literal("yyyyMMdd_hhmmss");
 
 /// The user's Documents folder, without a trailing separator.
@@ -33,7 +33,7 @@ QString documentsPath();
 /// The one directory of all project files, with a trailing "/".
 QString projectFilesPath();
 
-/// True when `path` ends in the package extension, in any mix of upper and lower case.
+/// True if `path` ends in the package extension, in any case.
 bool hasPackageExtension(const QString &path);
 
 } // namespace ProjectFileFacts

@@ -11,36 +11,34 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The packages that the panel lists, shared by the panel and the scans that run in the thread pool.
-///
-/// A scan holds its own reference, so that it may outlive the panel that started it.
+/// The list of packages, shared by the panel and the scans in the thread pool. A scan holds its own reference, so it
+/// may outlive the panel that started it.
 class ProjectList
 {
 public:
-    /// Guards `projects`. Recursive, since an operation of the panel that holds it rebuilds the table.
+    /// Guards `projects`. Recursive, since an operation of the panel that has locked it rebuilds the table.
     QMutex mutex{QMutex::Recursive};
     /// One record per package, newest file first; `strProjectName` is the file's base name.
     QList<EngineerPacketInfo> projects;
 
-    /// Call in the order in which scans are started; the number goes to scanProjectFiles(). Any thread.
+    /// Returns the number to pass to scanProjectFiles(). Call it in the order in which scans start. Any thread.
     quint64 beginScan();
 
-    /// Replaces `projects` by the valid packages in `dirPath`, which is created when it does not exist. A
-    /// package that is known already is not read again. Ends first what an edit has left that was killed. Leaves the
-    /// list alone when the directory cannot be created, or when a scan that was started later has replaced it
-    /// already. Where the list is held it is left alone as well, nothing waits, and the scan counts as missed.
-    /// Any thread.
+    /// Replaces `projects` by the valid packages in `dirPath`, which is created if it does not exist. Does not read
+    /// known packages again. First removes stale fragments and finishes interrupted edits. Leaves the list unchanged if
+    /// the directory cannot be created, or if a scan that started later has replaced it already. If the list is held,
+    /// also leaves it unchanged, without waiting, and counts as missed. Any thread.
     ///
-    /// Returns in how many milliseconds another scan is due, since there are files that are no packages yet but may be
-    /// when their writer has come to the end; -1 when there are none.
+    /// Returns in how many milliseconds another scan is due, because some files are not packages yet but may become so
+    /// when their writers have finished; -1 if there are none.
     int scanProjectFiles(const QString &dirPath, quint64 scanNumber);
 
-    /// The same for one file that is no valid package, last changed and looked at at these times, in milliseconds since
-    /// 1970: one second after its last change, and then every second, until it has been at rest for ten.
+    /// The same for one file that is not a valid package, changed and checked at these times, in milliseconds since
+    /// 1970: one second after its last change, and then every second, until it has been unchanged for ten.
     static int nextLook(qint64 changed, qint64 now);
 
-    /// Holds the list for an operation that takes as long as its user likes: `mutex` is locked meanwhile, and
-    /// scans know better than to wait for it.
+    /// Holds the list during an operation of unlimited length, such as a dialog: `mutex` is locked meanwhile, and scans
+    /// do not wait for it.
     class Hold
     {
     public:
@@ -53,14 +51,14 @@ public:
         ProjectList &m_list;
     };
 
-    /// Call before a scan is started: while the list is held it is not to be, and counts as missed. Any thread.
+    /// Call before starting a scan. True while the list is held: do not start it; it counts as missed. Any thread.
     bool isHeldAgainstScan();
-    /// Call when the list is held no more: true, once, when scans were missed meanwhile, so that one is due.
+    /// Call after releasing the list. True, once, if scans were missed meanwhile: start one.
     bool takeMissedScan();
 
-    /// Call after `projects` was changed by hand: scans that are still running may have seen the directory as
-    /// it was before, and will not replace the list any more. Returns true when there are such scans, so
-    /// that a new one is due. Any thread.
+    /// Call after the panel has changed `projects`: scans that are still running may have seen the previous state of
+    /// the directory, and will not replace the list any more. True if there are such scans: start a new one. Any
+    /// thread.
     bool supersedeScans();
 
 private:
@@ -68,7 +66,7 @@ private:
 
     std::atomic<quint64> m_lastStarted{0};
     quint64 m_lastApplied = 0; // guarded by mutex
-    /// Guards the next two, and is never held for long.
+    /// Guards the next two; never locked for long.
     QMutex m_holdMutex;
     int m_holds = 0;
     bool m_isScanMissed = false;

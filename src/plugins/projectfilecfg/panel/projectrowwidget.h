@@ -8,7 +8,7 @@ class QToolButton;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The buttons of one row of the project table. Each carries the row's package as its property "FilePath".
+/// The buttons of one row of the project table. Each has the row's package in its property "FilePath".
 class ProjectRowWidget : public QWidget
 {
     Q_OBJECT

@@ -11,30 +11,30 @@ class QImage;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Remembers how pictures were encoded, so that a picture that did not change since the last save is not
-/// encoded again. Any thread.
+/// A cache of encoded pictures, so that a picture that did not change since the last save is not encoded again.
+/// Thread-safe.
 ///
-/// A picture is known by a digest (HMAC with SHA-1 and a secret that no other object has) of everything that decides
-/// on its file: format, size, every row of pixels, and what the encoder writes besides the pixels. The bytes are those
-/// that a fresh encoding would give.
+/// The key is a digest (HMAC with SHA-1 and a secret of this object) of everything that determines the file: format,
+/// size, every row of pixels, and what the encoder writes besides the pixels. A cached file has the same bytes as a new
+/// encoding.
 class EncodedPictures
 {
 public:
     enum { DefaultCapacity = 256 * 1024 * 1024 };
 
-    /// Gives a picture's bytes, empty when it cannot be encoded. Any thread.
+    /// Returns the encoded file, empty if the picture cannot be encoded. Called on any thread.
     using Encoder = std::function<QByteArray(const QImage &picture)>;
     /// A PNG file of default quality, as QImage::save writes it.
     static QByteArray encodePng(const QImage &picture);
 
-    /// `capacity` in bytes of encoded pictures. Beyond it those go that were not asked for the longest.
+    /// `capacity` in bytes of encoded pictures. Beyond it, the least recently used ones are dropped.
     explicit EncodedPictures(int capacity = DefaultCapacity, const Encoder &encoder = &encodePng);
     ~EncodedPictures();
 
-    /// What the encoder makes of the picture.
+    /// The picture's file, from the cache or from the encoder.
     QByteArray png(const QImage &picture);
 
-    /// How many pictures were encoded so far, and not remembered.
+    /// How many pictures were encoded so far because they were not in the cache.
     int encodedCount() const;
 
 private:

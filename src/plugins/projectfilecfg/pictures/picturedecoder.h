@@ -13,20 +13,19 @@ class QIODevice;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Decodes pictures on threads of its own. A picture that was not begun, or that could not be decoded, is an empty one.
-/// All operations on the thread that made it.
+/// Decodes pictures on threads of its own. Use it only on the thread that created it.
 class PictureDecoder
 {
 public:
-    /// So many pictures are decoded at once.
+    /// `threads`: how many pictures are decoded at once.
     explicit PictureDecoder(int threads);
     /// Waits for the pictures that are being decoded.
     ~PictureDecoder();
 
-    /// Begins with the PNG file that `content` holds, to be taken under that name. One that tells another size is not
-    /// decoded. Nobody else uses `content` from then on.
+    /// Starts decoding the PNG file in `content`; take() returns it by `name`. A file that states another size is not
+    /// decoded. The decoder alone uses `content` from now on.
     void begin(const QString &name, const std::shared_ptr<QIODevice> &content, const QSize &size);
-    /// Waits for the picture, if it was begun, and forgets it.
+    /// Waits for the picture and removes it. Null if it was not started or could not be decoded.
     QImage take(const QString &name);
 
 private:

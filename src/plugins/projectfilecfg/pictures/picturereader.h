@@ -9,25 +9,25 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Reads a picture that a package brought. Such a file may come from anywhere: whatever it holds, reading it
-/// takes bounded memory.
+/// Reads a picture from a package. Such a file may come from anywhere: reading it takes bounded memory, whatever it
+/// contains.
 class PictureReader
 {
 public:
     explicit PictureReader(const QString &path);
-    /// Reads from a device that stands at the beginning of the picture and can seek.
+    /// Reads from a seekable device that is at the beginning of the picture.
     explicit PictureReader(QIODevice *device);
 
-    /// Width and height as the file states them. Invalid when it is missing or no PNG, whatever it is called,
-    /// or when the texts and profiles in it are more than a picture needs.
+    /// Width and height as the file states them. Invalid if the file is missing, is not a PNG, whatever its name, or is
+    /// beyond PackageLimits: its size, width, height, or texts and profiles.
     QSize size() const;
 
-    /// The whole picture as QImage::Format_ARGB32. Null when it cannot be read whole, or when that would take
-    /// more than 192 MiB: 50 million pixels of 8 bits per channel.
+    /// The picture as QImage::Format_ARGB32. Null if it cannot be read completely, or if that would take more memory
+    /// than PackageLimits::maxPictureMemory.
     QImage read();
 
 private:
-    /// An empty one for what is no file to read, or too large a one.
+    /// An empty scan if the file cannot be read or is too large.
     static PictureScan scanOf(const QString &path);
     static PictureScan scanOf(QIODevice &file);
 

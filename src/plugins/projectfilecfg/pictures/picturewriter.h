@@ -15,33 +15,32 @@ namespace Internal {
 
 class EncodedPictures;
 
-/// Writes pictures as PNG files on threads of its own, one per core, while its owner fetches the next ones.
-/// All operations on the thread that made it.
+/// Writes pictures as PNG files on threads of its own, one per core, while its owner fetches the next ones. Use it only
+/// on the thread that created it.
 class PictureWriter
 {
 public:
-    /// How much of pictures may be under way, whatever their number: two of 8K.
+    /// Bytes of pixels that may be pending, whatever the number of pictures: two of 8K.
     static constexpr qint64 defaultBudget = 256LL * 1024 * 1024;
 
-    /// `encoded` is asked before a picture is encoded, and told afterwards. `budget` in bytes of pixels.
+    /// `encoded` encodes the pictures, or returns them from its cache. `budget` in bytes of pixels.
     explicit PictureWriter(const std::shared_ptr<EncodedPictures> &encoded, qint64 budget = defaultBudget,
                            int threads = QThread::idealThreadCount());
-    /// Waits for the pictures that are being written; those whose turn has not come are not written any more.
+    /// Waits for the pictures that are being written, and drops those that have not started.
     ~PictureWriter();
 
-    /// Has the picture written to `path`. Returns at once, unless as many pictures are under way as there are threads
-    /// and one more, or the budget would be passed: then when there is room again. With the one that its owner
-    /// fetches, there are never more than threads + 2 in memory, and beyond that one never more bytes than the budget;
-    /// a picture that is larger alone goes alone. Of two pictures for one path the later one stays. A picture that
-    /// cannot be encoded, or whose file cannot be opened, is logged and left out. What an encoder throws comes out of
-    /// this or of waitForDone().
+    /// Queues the picture to be written to `path`. Blocks while threads + 1 pictures are pending or the budget would be
+    /// exceeded. Together with the one that its owner fetches, there are at most threads + 2 in memory, and without
+    /// that one at most `budget` bytes; a picture that is larger than the budget is written alone. Of two pictures for
+    /// one path the later one stays. A picture that cannot be encoded, or whose file cannot be opened, is logged and
+    /// left out. An exception from the encoder is rethrown here or in waitForDone().
     void write(QImage picture, const QString &path);
 
-    /// Whether pictures were handed over since the last waitForDone().
+    /// True if pictures are pending since the last waitForDone().
     bool hasPictures() const { return !m_listPending.isEmpty(); }
 
-    /// Returns when everything is written: false when a picture was begun and is cut, so that what is staged must
-    /// not be packed.
+    /// Waits until everything is written. False if a picture's file is incomplete: the staged files must not be packed
+    /// then.
     bool waitForDone();
 
     /// After waitForDone(): the paths of the pictures that were written, with the sizes of their files in bytes.
@@ -54,7 +53,7 @@ private:
     {
         QString path;
         qint64 pixelBytes;
-        /// The file's size, or one of the next two.
+        /// The file's size, LeftOut or Cut.
         QFuture<qint64> end;
     };
     enum { LeftOut = -1, Cut = -2 };
