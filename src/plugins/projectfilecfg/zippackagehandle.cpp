@@ -142,7 +142,7 @@ void removeFiles(const QStringList &paths)
 
 } // namespace
 
-// docs/package-format.md says what a cut in each of these steps leaves behind.
+// docs/package-format.md says the state on disk after a crash at each of these steps.
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info)
 {
     ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);

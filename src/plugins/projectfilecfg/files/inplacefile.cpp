@@ -73,7 +73,7 @@ bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail)
     return DurableFile::flush(m_file.handle()) && tailFrom(record.offset) == tail;
 }
 
-// docs/package-format.md says what a cut in each of these steps leaves behind.
+// docs/package-format.md says the state on disk after a crash at each of these steps.
 bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail)
 {
     UndoRecord record;

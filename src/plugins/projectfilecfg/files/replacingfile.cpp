@@ -119,7 +119,7 @@ bool ReplacingFile::commitInPlaceOf(const DurableFile::FileIdentity &previous)
     return committed;
 }
 
-// docs/package-format.md says what a cut between any two of these steps leaves behind.
+// docs/package-format.md says the state on disk after a crash between any two of these steps.
 bool ReplacingFile::finish(const std::function<bool()> &rename)
 {
     if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError)
