@@ -1162,9 +1162,9 @@ void TstEngineerDocBackup::a_cancel_while_pictures_are_encoded_ends_with_4_data(
 void TstEngineerDocBackup::a_cancel_while_pictures_are_encoded_ends_with_4()
 {
     QFETCH(int, picture);
-    // Also where there is one encoder alone, one more picture can wait and one more can be fetched.
+    // Whichever encoder is held, the job fetches one picture more than were begun before it waits.
     QSemaphore isFetched;
-    Faults::instance()->arm(load, Fault::run([&] { isFetched.release(); }, qMin(11, picture + 2)));
+    Faults::instance()->arm(load, Fault::run([&] { isFetched.release(); }, qMin(11, picture + 1)));
     std::atomic<int> encoded{0};
     m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
         if (++encoded == picture) {
