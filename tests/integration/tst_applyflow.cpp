@@ -177,6 +177,8 @@ private slots:
     void a_failing_sync_before_the_reset_only_logs();
     void a_failing_sync_after_the_reset_only_logs();
     void a_failing_reset_is_reported();
+    void a_device_that_goes_before_the_reset_is_reported();
+    void a_device_that_the_host_forgot_is_not_reset();
 
     // Results of the job
     void each_code_has_its_box_data();
@@ -199,6 +201,7 @@ private slots:
     void a_cancel_that_the_host_throws_back_cancels_all_the_same();
     void deleting_the_panel_during_a_load_ends_it_quietly();
     void deleting_the_panel_before_it_hears_of_the_end_frees_the_device();
+    void deleting_the_panel_after_a_load_tells_the_host_nothing();
     void a_picture_that_is_announced_when_the_panel_has_gone_is_not_the_last_word();
     void the_loaded_device_is_freed_when_another_one_was_selected_meanwhile();
 
@@ -923,6 +926,36 @@ void TstApplyFlow::a_failing_reset_is_reported()
     COMPARE_STATES(hardware(targetIp), before);
 }
 
+void TstApplyFlow::a_device_that_goes_before_the_reset_is_reported()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(updateOnline, Fault::run([] { Model::object_brige::instance()->setActiveDevice({}); }));
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral(" Restore factory failed "));
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(operatorType), 0);
+}
+
+void TstApplyFlow::a_device_that_the_host_forgot_is_not_reset()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    // It stays the active one.
+    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
+    Model::DeviceList::instance()->removeDevice(targetIp);
+    Model::object_brige::instance()->setActiveDevice(device);
+    QVERIFY(device->getDeviceOnlineFlag());
+    Journal::instance()->clear();
+    const ExpectMessage warned(QtWarningMsg, syncWarning, 1);
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question});
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Results of the job
 
@@ -1201,6 +1234,18 @@ void TstApplyFlow::deleting_the_panel_before_it_hears_of_the_end_frees_the_devic
     m_panel.emplace();
 }
 
+void TstApplyFlow::deleting_the_panel_after_a_load_tells_the_host_nothing()
+{
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    settle();
+    Journal::instance()->clear();
+    m_panel.reset();
+    QCOMPARE(Journal::instance()->count(operatorType), 0);
+    QCOMPARE(Journal::instance()->count(hideWaiting), 0);
+    QCOMPARE(Journal::instance()->count(channel), 0);
+    m_panel.emplace();
+}
+
 void TstApplyFlow::a_picture_that_is_announced_when_the_panel_has_gone_is_not_the_last_word()
 {
     list(packageOf(richDevice(sourceIp)));
@@ -1280,8 +1325,9 @@ void TstApplyFlow::what_the_host_throws_ends_in_a_message()
     const HardwareState source = plainDevice(sourceIp);
     list(packageOf(source));
     Faults::instance()->arm(operation, Fault::run([] { throw std::runtime_error("out of luck"); }, call));
-    const ExpectMessage logged(QtCriticalMsg, QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")),
-                               1);
+    const ExpectMessage logged(
+        QtCriticalMsg, QStringLiteral("The host threw in %1: out of luck").arg(operation.section(QLatin1Char('.'), -1)),
+        1);
     const ExpectMessage warning(QtWarningMsg, warned, warned.isEmpty() ? ExpectMessage::AnyNumber : 1);
     expectQuestion(QMessageBox::No);
     if (!box.isEmpty())
@@ -1308,8 +1354,7 @@ void TstApplyFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
 {
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
-    const ExpectMessage logged(QtCriticalMsg, QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")),
-                               1);
+    const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in cancelCurrentTask: out of luck"), 1);
     Faults::instance()->arm(cancelTask, Fault::run([] { throw std::runtime_error("out of luck"); }));
     Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
     expectQuestion(QMessageBox::No);
