@@ -109,6 +109,15 @@ public:
     }
 };
 
+/// Files that are open and have no name any more, as the copy of a package that is applied.
+int openNamelessFiles()
+{
+    int count = 0;
+    for (const QFileInfo &link : QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::AllEntries | QDir::System))
+        count += link.symLinkTarget().endsWith(QStringLiteral(" (deleted)"));
+    return count;
+}
+
 PackageBuilder onlyDescription(const QByteArray &description)
 {
     PackageBuilder package;
@@ -156,6 +165,7 @@ private slots:
     void yes_applies_only_after_a_backup_that_left_its_package_data();
     void yes_applies_only_after_a_backup_that_left_its_package();
     void a_package_that_waited_is_applied_once();
+    void yes_without_an_active_device_leaves_nothing_waiting();
     void a_cancel_that_comes_too_late_for_the_backup_ends_the_apply();
 
     // Apply Others
@@ -673,6 +683,28 @@ void TstApplyFlow::a_package_that_waited_is_applied_once()
     QCOMPARE(Journal::instance()->count(updateInfo), 0);
 }
 
+void TstApplyFlow::yes_without_an_active_device_leaves_nothing_waiting()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Model::object_brige::instance()->setActiveDevice({});
+    expectQuestion(QMessageBox::Yes);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+
+    // The next save is a save alone.
+    Model::object_brige::instance()->setActiveDevice((*m_site)->device(targetIp));
+    Journal::instance()->clear();
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"),
+                         [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
+    click(m_panel->saveProject());
+    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(QFile::exists(projectFile(QStringLiteral("Project1"))));
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+}
+
 void TstApplyFlow::a_cancel_that_comes_too_late_for_the_backup_ends_the_apply()
 {
     const HardwareState before = hardware(targetIp);
@@ -900,6 +932,7 @@ void TstApplyFlow::a_failing_sync_before_the_reset_only_logs()
 
 void TstApplyFlow::a_failing_sync_after_the_reset_only_logs()
 {
+    const int open = openNamelessFiles();
     list(packageOf(plainDevice(sourceIp)));
     Faults::instance()->arm(updateOnline, Fault::fail(2));
     const ExpectMessage expected(QtWarningMsg, syncWarning, 1);
@@ -910,10 +943,13 @@ void TstApplyFlow::a_failing_sync_after_the_reset_only_logs()
     VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, showWaiting,
                     updateOnline, hideWaiting});
     QVERIFY(!WaitingDialog::instance()->isVisible());
+    // Nothing is applied any more, so nothing of it takes room.
+    QCOMPARE(openNamelessFiles(), open);
 }
 
 void TstApplyFlow::a_failing_reset_is_reported()
 {
+    const int open = openNamelessFiles();
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
     Faults::instance()->arm(updateInfo, Fault::fail());
@@ -924,6 +960,8 @@ void TstApplyFlow::a_failing_reset_is_reported()
     VERIFY_JOURNAL(
         {question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, warningBox});
     COMPARE_STATES(hardware(targetIp), before);
+    // Nothing is applied any more, so nothing of it takes room.
+    QCOMPARE(openNamelessFiles(), open);
 }
 
 void TstApplyFlow::a_device_that_goes_before_the_reset_is_reported()

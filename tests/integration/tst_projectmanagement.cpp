@@ -179,12 +179,14 @@ private slots:
     void importing_needs_more_space_than_the_files_data();
     void importing_needs_more_space_than_the_files();
     void an_import_does_not_follow_the_directory_until_its_end();
+    void what_was_imported_is_listed_while_its_end_is_shown();
     void what_others_bring_while_the_end_of_an_import_is_shown_is_listed();
     void importing_again_works_before_and_after_a_save();
 
     // Closing
     void the_waiting_dialog_goes_before_the_result_is_shown();
     void one_watcher_of_each_kind_stays_until_the_panel_goes();
+    void watchers_of_imports_alone_go_with_the_panel();
     void file_dialogs_go_when_they_were_used();
     void the_chooser_shows_details_whatever_the_last_one_showed();
     void deleting_the_panel_during_an_import_is_quiet();
@@ -1197,6 +1199,22 @@ void TstProjectManagement::an_import_does_not_follow_the_directory_until_its_end
     QVERIFY(isFollowingTheDirectory());
 }
 
+void TstProjectManagement::what_was_imported_is_listed_while_its_end_is_shown()
+{
+    const QString file = elsewhere(QStringLiteral("imported.corvelpro"));
+    QVERIFY(writePackage(file, QString()));
+    m_book->expectFileDialog(chooserTitle, {file});
+    QStringList listed;
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [&](QDialog *dialog) {
+        settle();
+        listed = m_panel->names();
+        click(qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog)->button(QMessageBox::Ok));
+    });
+    click(m_panel->importProject());
+    waitForAnswers();
+    QCOMPARE(listed, QStringList{QStringLiteral("imported")});
+}
+
 void TstProjectManagement::what_others_bring_while_the_end_of_an_import_is_shown_is_listed()
 {
     const QString file = elsewhere(QStringLiteral("imported.corvelpro"));
@@ -1287,6 +1305,24 @@ void TstProjectManagement::one_watcher_of_each_kind_stays_until_the_panel_goes()
     }
     m_panel.reset();
     QCOMPARE(watchers(), 0);
+}
+
+void TstProjectManagement::watchers_of_imports_alone_go_with_the_panel()
+{
+    const ObjectCensus census;
+    for (int round = 0; round < 3; ++round) {
+        const QString file = elsewhere(QStringLiteral("show%1.corvelpro").arg(round));
+        QVERIFY(writePackage(file, QString()));
+        m_book->expectFileDialog(chooserTitle, {file});
+        m_book->expectInformation(remind, importSucceeded);
+        click(m_panel->importProject());
+        waitForAnswers();
+    }
+    settle();
+    m_panel.reset();
+    settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(census.living("QFutureWatcherBase").count(), 0);
 }
 
 void TstProjectManagement::file_dialogs_go_when_they_were_used()
