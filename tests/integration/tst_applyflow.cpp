@@ -161,6 +161,7 @@ private slots:
     void yes_saves_a_project_first_and_then_applies();
     void yes_with_a_failed_backup_applies_nothing();
     void yes_with_a_cancelled_backup_applies_nothing();
+    void cancelling_a_backup_after_an_apply_ends_the_backup();
     void yes_with_all_names_taken_saves_without_a_name();
     void yes_applies_only_after_a_backup_that_left_its_package_data();
     void yes_applies_only_after_a_backup_that_left_its_package();
@@ -571,6 +572,22 @@ void TstApplyFlow::yes_with_a_cancelled_backup_applies_nothing()
     QCOMPARE(Journal::instance()->count(updateInfo), 0);
     COMPARE_STATES(hardware(targetIp), before);
     QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
+}
+
+void TstApplyFlow::cancelling_a_backup_after_an_apply_ends_the_backup()
+{
+    // Its job is still there.
+    applyAndWait(packageOf(richDevice(sourceIp)));
+    Journal::instance()->clear();
+    Faults::instance()->arm(queryPicture, Fault::run([] { onMainThread(clickCancel); }));
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
+    settle();
+    QCOMPARE(Journal::instance()->count(QStringLiteral("DeviceControler.cancelOperator")), 1);
+    QCOMPARE(Journal::instance()->count(cancelTask), 0);
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
 }
 
 void TstApplyFlow::yes_with_all_names_taken_saves_without_a_name()

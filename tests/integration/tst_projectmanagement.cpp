@@ -131,6 +131,8 @@ private slots:
     void deleting_all_removes_listed_files_alone();
     void answering_no_deletes_none_of_all();
     void deleting_all_ignores_what_cannot_be_removed();
+    void a_scan_that_a_change_overtakes_is_done_again_data();
+    void a_scan_that_a_change_overtakes_is_done_again();
 
     // Editing
     void editing_without_renaming_rewrites_only_the_comment();
@@ -190,7 +192,9 @@ private slots:
     void file_dialogs_go_when_they_were_used();
     void the_chooser_shows_details_whatever_the_last_one_showed();
     void deleting_the_panel_during_an_import_is_quiet();
+    void deleting_the_panel_while_the_end_of_an_import_is_shown_is_quiet();
     void deleting_the_panel_during_a_save_is_quiet();
+    void deleting_the_panel_under_an_edit_that_kept_a_scan_waiting_is_quiet();
     void deleting_the_panel_while_its_dialog_is_open_starts_nothing_data();
     void deleting_the_panel_while_its_dialog_is_open_starts_nothing();
 
@@ -448,6 +452,48 @@ void TstProjectManagement::deleting_all_ignores_what_cannot_be_removed()
     QCOMPARE(m_panel->table()->rowCount(), 2);
 }
 
+void TstProjectManagement::a_scan_that_a_change_overtakes_is_done_again_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char *change : {"Delete", "All Delete", "Edit"})
+        QTest::newRow(change) << QString::fromLatin1(change);
+}
+
+void TstProjectManagement::a_scan_that_a_change_overtakes_is_done_again()
+{
+    QFETCH(QString, change);
+    // On a first start nobody reports changes: the directory was not there to be watched.
+    m_panel.reset();
+    settle();
+    QVERIFY(removeProjectFilesDirectory());
+    m_panel.emplace();
+    (*m_panel)->show();
+    settle();
+    list(QStringLiteral("show"));
+
+    const QString brought = projectFile(QStringLiteral("brought"));
+    QVERIFY(writePackage(brought, QString()));
+    HeldFile held(brought);
+    QMetaObject::invokeMethod(m_panel->widget.get(), "slot_projectFilesChanged");
+    QVERIFY(held.waitForReader());
+    if (change == QStringLiteral("Edit")) {
+        expectProperties(QStringLiteral("renamed"), QString());
+        clickRow(QStringLiteral("show"), change);
+    } else if (change == QStringLiteral("Delete")) {
+        m_book->expectQuestion(remind, deleteQuestion, QMessageBox::Yes);
+        clickRow(QStringLiteral("show"), change);
+    } else {
+        m_book->expectQuestion(remind, deleteAllQuestion, QMessageBox::Yes);
+        click(m_panel->allDelete());
+    }
+    VERIFY_BOOK();
+    QVERIFY(!m_panel->names().contains(QStringLiteral("show")));
+    held.release();
+    QTRY_VERIFY(m_panel->names().contains(QStringLiteral("brought")));
+    settle();
+    QVERIFY(!m_panel->names().contains(QStringLiteral("show")));
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Editing
 
@@ -556,10 +602,13 @@ void TstProjectManagement::cancelling_the_dialog_changes_nothing()
         dialog->findChild<QTextEdit *>()->setPlainText(QStringLiteral("other"));
         click(dialog, QStringLiteral("Cancel"));
     });
+    const FutureCalls scans;
     clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
     VERIFY_BOOK();
     QCOMPARE(readFile(projectFile(QStringLiteral("show"))), before);
     QCOMPARE(m_panel->comments(), QStringList{QStringLiteral("a comment")});
+    settle();
+    QCOMPARE(scans.count(), 0);
 }
 
 void TstProjectManagement::the_dialog_shows_name_and_comment()
@@ -1375,6 +1424,39 @@ void TstProjectManagement::deleting_the_panel_during_an_import_is_quiet()
     held.release();
     settle();
     VERIFY_BOOK();
+    m_panel.emplace();
+}
+
+void TstProjectManagement::deleting_the_panel_while_the_end_of_an_import_is_shown_is_quiet()
+{
+    const QString file = elsewhere(QStringLiteral("show.corvelpro"));
+    QVERIFY(writePackage(file, QString()));
+    m_book->expectFileDialog(chooserTitle, {file});
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [this](QDialog *) { m_panel.reset(); });
+    click(m_panel->importProject());
+    waitForAnswers();
+    QVERIFY(!m_panel);
+    settle();
+    QCOMPARE(readFile(projectFile(QStringLiteral("show"))), readFile(file));
+    m_panel.emplace();
+}
+
+void TstProjectManagement::deleting_the_panel_under_an_edit_that_kept_a_scan_waiting_is_quiet()
+{
+    list(QStringLiteral("show"));
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [this](QDialog *) {
+        m_panel->rescan();
+        m_panel.reset();
+    });
+    for (QAbstractButton *one : row(QStringLiteral("show"))->findChildren<QAbstractButton *>()) {
+        if (one->text() == QStringLiteral("Edit"))
+            QMetaObject::invokeMethod(one, "click", Qt::QueuedConnection);
+    }
+    const FutureCalls scans;
+    waitForAnswers();
+    settle();
+    QVERIFY(!m_panel);
+    QCOMPARE(scans.count(), 0);
     m_panel.emplace();
 }
 
