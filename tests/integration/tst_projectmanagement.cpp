@@ -191,6 +191,7 @@ private slots:
     void watchers_of_imports_alone_go_with_the_panel();
     void file_dialogs_go_when_they_were_used();
     void the_chooser_shows_details_whatever_the_last_one_showed();
+    void slots_of_a_row_do_nothing_without_its_button();
     void deleting_the_panel_during_an_import_is_quiet();
     void deleting_the_panel_while_the_end_of_an_import_is_shown_is_quiet();
     void deleting_the_panel_during_a_save_is_quiet();
@@ -1408,6 +1409,17 @@ void TstProjectManagement::the_chooser_shows_details_whatever_the_last_one_showe
         click(button);
         VERIFY_BOOK();
     }
+}
+
+void TstProjectManagement::slots_of_a_row_do_nothing_without_its_button()
+{
+    list(QStringLiteral("show"));
+    for (const char *slot : {"slot_applyPoject", "slot_singleFileSaveas", "slot_deleteProject", "slot_editProjectInfo"})
+        QVERIFY(QMetaObject::invokeMethod(m_panel->widget.get(), slot));
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(m_book->seen().isEmpty());
+    QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
 }
 
 void TstProjectManagement::deleting_the_panel_during_an_import_is_quiet()

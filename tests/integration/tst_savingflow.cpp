@@ -93,6 +93,7 @@ private slots:
     void the_list_is_fresh_before_and_after_the_box();
 
     void a_panel_that_goes_during_a_backup_takes_everything_along();
+    void a_panel_that_goes_while_the_end_is_told_is_quiet();
     void a_panel_that_goes_after_a_backup_tells_the_host_nothing();
     void a_panel_that_goes_during_a_scan_leaves_it_alone();
 
@@ -402,16 +403,24 @@ void TstSavingFlow::a_gap_in_the_numbers_is_filled_first()
 
 void TstSavingFlow::with_all_999_names_taken_the_proposal_is_empty()
 {
-    for (int number = 1; number <= 999; ++number)
-        QVERIFY(QFile(packagePath("Project" + QString::number(number))).open(QIODevice::WriteOnly));
-    QString name = "unread";
-    AnswerBook book;
-    book.expectDialog(propertyDialog, [&name](QDialog *dialog) {
-        name = dialog->findChild<QLineEdit *>()->text();
-        click(dialog, QStringLiteral("Cancel"));
-    });
-    QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
-    QCOMPARE(name, QString());
+    const auto take = [this](int number) {
+        return QFile(packagePath("Project" + QString::number(number))).open(QIODevice::WriteOnly);
+    };
+    const auto proposal = [this] {
+        QString name = "unread";
+        AnswerBook book;
+        book.expectDialog(propertyDialog, [&name](QDialog *dialog) {
+            name = dialog->findChild<QLineEdit *>()->text();
+            click(dialog, QStringLiteral("Cancel"));
+        });
+        click(m_panel.data(), QStringLiteral("Save Project"));
+        return name;
+    };
+    for (int number = 1; number <= 998; ++number)
+        QVERIFY(take(number));
+    QCOMPARE(proposal(), QString("Project999"));
+    QVERIFY(take(999));
+    QCOMPARE(proposal(), QString());
 }
 
 void TstSavingFlow::cancelling_the_property_dialog_starts_nothing()
@@ -877,6 +886,20 @@ void TstSavingFlow::a_panel_that_goes_during_a_backup_takes_everything_along()
     QVERIFY(!QFile::exists(packagePath("Show")));
     QCOMPARE(Journal::instance()->count(query), 2);
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+}
+
+void TstSavingFlow::a_panel_that_goes_while_the_end_is_told_is_quiet()
+{
+    Faults::instance()->arm(query, Fault::fail());
+    AnswerBook book;
+    book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
+    book.expectDialog("HX::Widgets::FramelessMessageBox", [this](QDialog *) { m_panel.reset(); });
+    QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
+    QTRY_VERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    QVERIFY(!m_panel);
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCoreApplication::processEvents();
+    QVERIFY(!WaitingDialog::instance()->isVisible());
 }
 
 void TstSavingFlow::a_panel_that_goes_after_a_backup_tells_the_host_nothing()
