@@ -126,6 +126,7 @@ private slots:
     void the_dialog_has_one_pair_of_buttons();
 
     void constructor_leaves_the_fields_empty();
+    void the_counter_is_there_before_any_comment();
     void setters_fill_the_fields();
     void counter_follows_the_comment();
 
@@ -137,6 +138,7 @@ private slots:
     void setting_a_longer_comment_keeps_its_first_100_characters_data();
     void setting_a_longer_comment_keeps_its_first_100_characters();
     void an_emoji_that_does_not_fit_is_left_out_whole();
+    void an_emoji_put_before_a_full_comment_is_left_out_whole();
     void emoji_are_never_split_wherever_they_are_pasted();
     void a_comment_cut_inside_an_emoji_loses_it_whole();
     void the_field_can_be_edited_after_a_cut();
@@ -310,6 +312,15 @@ void TstEngineerPropertySettingWidget::constructor_leaves_the_fields_empty()
     QCOMPARE(dialog.getProjectName(), QString());
 }
 
+void TstEngineerPropertySettingWidget::the_counter_is_there_before_any_comment()
+{
+    const EngineerPropertySettingWidget dialog(nullptr, QString(), QString());
+    QStringList texts;
+    for (const QLabel *label : dialog.findChildren<QLabel *>())
+        texts.append(label->text());
+    QVERIFY2(texts.contains(QStringLiteral("0/100")), qPrintable(texts.join(QLatin1Char('|'))));
+}
+
 void TstEngineerPropertySettingWidget::setters_fill_the_fields()
 {
     ShownDialog shown(QStringLiteral("Project2"), QStringLiteral("before the show"));
@@ -427,6 +438,18 @@ void TstEngineerPropertySettingWidget::an_emoji_that_does_not_fit_is_left_out_wh
     QCOMPARE(shown.dialog.getComment(), comment);
     QCOMPARE(shown.caret(), 99);
     QCOMPARE(shown.countLabel()->text(), QStringLiteral("99/100"));
+}
+
+void TstEngineerPropertySettingWidget::an_emoji_put_before_a_full_comment_is_left_out_whole()
+{
+    // There is room for its first half.
+    const QString comment(99, QLatin1Char('c'));
+    ShownDialog shown(QStringLiteral("Project1"), comment);
+    shown.placeCaret(0);
+    shown.paste(shown.commentEdit(), emoji);
+    QCOMPARE(shown.shownComment(), comment);
+    QCOMPARE(shown.dialog.getComment(), comment);
+    QCOMPARE(shown.caret(), 0);
 }
 
 void TstEngineerPropertySettingWidget::emoji_are_never_split_wherever_they_are_pasted()

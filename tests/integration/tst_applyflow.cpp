@@ -109,6 +109,15 @@ public:
     }
 };
 
+/// Files that are open and have no name any more, as the copy of a package that is applied.
+int openNamelessFiles()
+{
+    int count = 0;
+    for (const QFileInfo &link : QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::AllEntries | QDir::System))
+        count += link.symLinkTarget().endsWith(QStringLiteral(" (deleted)"));
+    return count;
+}
+
 PackageBuilder onlyDescription(const QByteArray &description)
 {
     PackageBuilder package;
@@ -152,10 +161,12 @@ private slots:
     void yes_saves_a_project_first_and_then_applies();
     void yes_with_a_failed_backup_applies_nothing();
     void yes_with_a_cancelled_backup_applies_nothing();
+    void cancelling_a_backup_after_an_apply_ends_the_backup();
     void yes_with_all_names_taken_saves_without_a_name();
     void yes_applies_only_after_a_backup_that_left_its_package_data();
     void yes_applies_only_after_a_backup_that_left_its_package();
     void a_package_that_waited_is_applied_once();
+    void yes_without_an_active_device_leaves_nothing_waiting();
     void a_cancel_that_comes_too_late_for_the_backup_ends_the_apply();
 
     // Apply Others
@@ -177,6 +188,8 @@ private slots:
     void a_failing_sync_before_the_reset_only_logs();
     void a_failing_sync_after_the_reset_only_logs();
     void a_failing_reset_is_reported();
+    void a_device_that_goes_before_the_reset_is_reported();
+    void a_device_that_the_host_forgot_is_not_reset();
 
     // Results of the job
     void each_code_has_its_box_data();
@@ -199,6 +212,7 @@ private slots:
     void a_cancel_that_the_host_throws_back_cancels_all_the_same();
     void deleting_the_panel_during_a_load_ends_it_quietly();
     void deleting_the_panel_before_it_hears_of_the_end_frees_the_device();
+    void deleting_the_panel_after_a_load_tells_the_host_nothing();
     void a_picture_that_is_announced_when_the_panel_has_gone_is_not_the_last_word();
     void the_loaded_device_is_freed_when_another_one_was_selected_meanwhile();
 
@@ -560,6 +574,22 @@ void TstApplyFlow::yes_with_a_cancelled_backup_applies_nothing()
     QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
 }
 
+void TstApplyFlow::cancelling_a_backup_after_an_apply_ends_the_backup()
+{
+    // Its job is still there.
+    applyAndWait(packageOf(richDevice(sourceIp)));
+    Journal::instance()->clear();
+    Faults::instance()->arm(queryPicture, Fault::run([] { onMainThread(clickCancel); }));
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
+    settle();
+    QCOMPARE(Journal::instance()->count(QStringLiteral("DeviceControler.cancelOperator")), 1);
+    QCOMPARE(Journal::instance()->count(cancelTask), 0);
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+}
+
 void TstApplyFlow::yes_with_all_names_taken_saves_without_a_name()
 {
     for (int number = 1; number <= 999; ++number) {
@@ -667,6 +697,28 @@ void TstApplyFlow::a_package_that_waited_is_applied_once()
     settle();
     VERIFY_BOOK();
     QVERIFY(QFile::exists(projectFile(QStringLiteral("Project2"))));
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+}
+
+void TstApplyFlow::yes_without_an_active_device_leaves_nothing_waiting()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Model::object_brige::instance()->setActiveDevice({});
+    expectQuestion(QMessageBox::Yes);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+
+    // The next save is a save alone.
+    Model::object_brige::instance()->setActiveDevice((*m_site)->device(targetIp));
+    Journal::instance()->clear();
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"),
+                         [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
+    click(m_panel->saveProject());
+    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(QFile::exists(projectFile(QStringLiteral("Project1"))));
     QCOMPARE(Journal::instance()->count(updateInfo), 0);
 }
 
@@ -897,6 +949,7 @@ void TstApplyFlow::a_failing_sync_before_the_reset_only_logs()
 
 void TstApplyFlow::a_failing_sync_after_the_reset_only_logs()
 {
+    const int open = openNamelessFiles();
     list(packageOf(plainDevice(sourceIp)));
     Faults::instance()->arm(updateOnline, Fault::fail(2));
     const ExpectMessage expected(QtWarningMsg, syncWarning, 1);
@@ -907,10 +960,13 @@ void TstApplyFlow::a_failing_sync_after_the_reset_only_logs()
     VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, showWaiting,
                     updateOnline, hideWaiting});
     QVERIFY(!WaitingDialog::instance()->isVisible());
+    // Nothing is applied any more, so nothing of it takes room.
+    QCOMPARE(openNamelessFiles(), open);
 }
 
 void TstApplyFlow::a_failing_reset_is_reported()
 {
+    const int open = openNamelessFiles();
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
     Faults::instance()->arm(updateInfo, Fault::fail());
@@ -921,6 +977,38 @@ void TstApplyFlow::a_failing_reset_is_reported()
     VERIFY_JOURNAL(
         {question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, warningBox});
     COMPARE_STATES(hardware(targetIp), before);
+    // Nothing is applied any more, so nothing of it takes room.
+    QCOMPARE(openNamelessFiles(), open);
+}
+
+void TstApplyFlow::a_device_that_goes_before_the_reset_is_reported()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(updateOnline, Fault::run([] { Model::object_brige::instance()->setActiveDevice({}); }));
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral(" Restore factory failed "));
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(operatorType), 0);
+}
+
+void TstApplyFlow::a_device_that_the_host_forgot_is_not_reset()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    // It stays the active one.
+    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
+    Model::DeviceList::instance()->removeDevice(targetIp);
+    Model::object_brige::instance()->setActiveDevice(device);
+    QVERIFY(device->getDeviceOnlineFlag());
+    Journal::instance()->clear();
+    const ExpectMessage warned(QtWarningMsg, syncWarning, 1);
+    expectQuestion(QMessageBox::No);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    VERIFY_JOURNAL({question});
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -1201,6 +1289,18 @@ void TstApplyFlow::deleting_the_panel_before_it_hears_of_the_end_frees_the_devic
     m_panel.emplace();
 }
 
+void TstApplyFlow::deleting_the_panel_after_a_load_tells_the_host_nothing()
+{
+    applyAndWait(packageOf(plainDevice(sourceIp)));
+    settle();
+    Journal::instance()->clear();
+    m_panel.reset();
+    QCOMPARE(Journal::instance()->count(operatorType), 0);
+    QCOMPARE(Journal::instance()->count(hideWaiting), 0);
+    QCOMPARE(Journal::instance()->count(channel), 0);
+    m_panel.emplace();
+}
+
 void TstApplyFlow::a_picture_that_is_announced_when_the_panel_has_gone_is_not_the_last_word()
 {
     list(packageOf(richDevice(sourceIp)));
@@ -1280,8 +1380,9 @@ void TstApplyFlow::what_the_host_throws_ends_in_a_message()
     const HardwareState source = plainDevice(sourceIp);
     list(packageOf(source));
     Faults::instance()->arm(operation, Fault::run([] { throw std::runtime_error("out of luck"); }, call));
-    const ExpectMessage logged(QtCriticalMsg, QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")),
-                               1);
+    const ExpectMessage logged(
+        QtCriticalMsg, QStringLiteral("The host threw in %1: out of luck").arg(operation.section(QLatin1Char('.'), -1)),
+        1);
     const ExpectMessage warning(QtWarningMsg, warned, warned.isEmpty() ? ExpectMessage::AnyNumber : 1);
     expectQuestion(QMessageBox::No);
     if (!box.isEmpty())
@@ -1308,8 +1409,7 @@ void TstApplyFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
 {
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
-    const ExpectMessage logged(QtCriticalMsg, QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")),
-                               1);
+    const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in cancelCurrentTask: out of luck"), 1);
     Faults::instance()->arm(cancelTask, Fault::run([] { throw std::runtime_error("out of luck"); }));
     Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
     expectQuestion(QMessageBox::No);

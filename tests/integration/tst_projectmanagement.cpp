@@ -131,6 +131,8 @@ private slots:
     void deleting_all_removes_listed_files_alone();
     void answering_no_deletes_none_of_all();
     void deleting_all_ignores_what_cannot_be_removed();
+    void a_scan_that_a_change_overtakes_is_done_again_data();
+    void a_scan_that_a_change_overtakes_is_done_again();
 
     // Editing
     void editing_without_renaming_rewrites_only_the_comment();
@@ -179,16 +181,21 @@ private slots:
     void importing_needs_more_space_than_the_files_data();
     void importing_needs_more_space_than_the_files();
     void an_import_does_not_follow_the_directory_until_its_end();
+    void what_was_imported_is_listed_while_its_end_is_shown();
     void what_others_bring_while_the_end_of_an_import_is_shown_is_listed();
     void importing_again_works_before_and_after_a_save();
 
     // Closing
     void the_waiting_dialog_goes_before_the_result_is_shown();
     void one_watcher_of_each_kind_stays_until_the_panel_goes();
+    void watchers_of_imports_alone_go_with_the_panel();
     void file_dialogs_go_when_they_were_used();
     void the_chooser_shows_details_whatever_the_last_one_showed();
+    void slots_of_a_row_do_nothing_without_its_button();
     void deleting_the_panel_during_an_import_is_quiet();
+    void deleting_the_panel_while_the_end_of_an_import_is_shown_is_quiet();
     void deleting_the_panel_during_a_save_is_quiet();
+    void deleting_the_panel_under_an_edit_that_kept_a_scan_waiting_is_quiet();
     void deleting_the_panel_while_its_dialog_is_open_starts_nothing_data();
     void deleting_the_panel_while_its_dialog_is_open_starts_nothing();
 
@@ -446,6 +453,48 @@ void TstProjectManagement::deleting_all_ignores_what_cannot_be_removed()
     QCOMPARE(m_panel->table()->rowCount(), 2);
 }
 
+void TstProjectManagement::a_scan_that_a_change_overtakes_is_done_again_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char *change : {"Delete", "All Delete", "Edit"})
+        QTest::newRow(change) << QString::fromLatin1(change);
+}
+
+void TstProjectManagement::a_scan_that_a_change_overtakes_is_done_again()
+{
+    QFETCH(QString, change);
+    // On a first start nobody reports changes: the directory was not there to be watched.
+    m_panel.reset();
+    settle();
+    QVERIFY(removeProjectFilesDirectory());
+    m_panel.emplace();
+    (*m_panel)->show();
+    settle();
+    list(QStringLiteral("show"));
+
+    const QString brought = projectFile(QStringLiteral("brought"));
+    QVERIFY(writePackage(brought, QString()));
+    HeldFile held(brought);
+    QMetaObject::invokeMethod(m_panel->widget.get(), "slot_projectFilesChanged");
+    QVERIFY(held.waitForReader());
+    if (change == QStringLiteral("Edit")) {
+        expectProperties(QStringLiteral("renamed"), QString());
+        clickRow(QStringLiteral("show"), change);
+    } else if (change == QStringLiteral("Delete")) {
+        m_book->expectQuestion(remind, deleteQuestion, QMessageBox::Yes);
+        clickRow(QStringLiteral("show"), change);
+    } else {
+        m_book->expectQuestion(remind, deleteAllQuestion, QMessageBox::Yes);
+        click(m_panel->allDelete());
+    }
+    VERIFY_BOOK();
+    QVERIFY(!m_panel->names().contains(QStringLiteral("show")));
+    held.release();
+    QTRY_VERIFY(m_panel->names().contains(QStringLiteral("brought")));
+    settle();
+    QVERIFY(!m_panel->names().contains(QStringLiteral("show")));
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Editing
 
@@ -554,10 +603,13 @@ void TstProjectManagement::cancelling_the_dialog_changes_nothing()
         dialog->findChild<QTextEdit *>()->setPlainText(QStringLiteral("other"));
         click(dialog, QStringLiteral("Cancel"));
     });
+    const FutureCalls scans;
     clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
     VERIFY_BOOK();
     QCOMPARE(readFile(projectFile(QStringLiteral("show"))), before);
     QCOMPARE(m_panel->comments(), QStringList{QStringLiteral("a comment")});
+    settle();
+    QCOMPARE(scans.count(), 0);
 }
 
 void TstProjectManagement::the_dialog_shows_name_and_comment()
@@ -1197,6 +1249,22 @@ void TstProjectManagement::an_import_does_not_follow_the_directory_until_its_end
     QVERIFY(isFollowingTheDirectory());
 }
 
+void TstProjectManagement::what_was_imported_is_listed_while_its_end_is_shown()
+{
+    const QString file = elsewhere(QStringLiteral("imported.corvelpro"));
+    QVERIFY(writePackage(file, QString()));
+    m_book->expectFileDialog(chooserTitle, {file});
+    QStringList listed;
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [&](QDialog *dialog) {
+        settle();
+        listed = m_panel->names();
+        click(qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog)->button(QMessageBox::Ok));
+    });
+    click(m_panel->importProject());
+    waitForAnswers();
+    QCOMPARE(listed, QStringList{QStringLiteral("imported")});
+}
+
 void TstProjectManagement::what_others_bring_while_the_end_of_an_import_is_shown_is_listed()
 {
     const QString file = elsewhere(QStringLiteral("imported.corvelpro"));
@@ -1289,6 +1357,24 @@ void TstProjectManagement::one_watcher_of_each_kind_stays_until_the_panel_goes()
     QCOMPARE(watchers(), 0);
 }
 
+void TstProjectManagement::watchers_of_imports_alone_go_with_the_panel()
+{
+    const ObjectCensus census;
+    for (int round = 0; round < 3; ++round) {
+        const QString file = elsewhere(QStringLiteral("show%1.corvelpro").arg(round));
+        QVERIFY(writePackage(file, QString()));
+        m_book->expectFileDialog(chooserTitle, {file});
+        m_book->expectInformation(remind, importSucceeded);
+        click(m_panel->importProject());
+        waitForAnswers();
+    }
+    settle();
+    m_panel.reset();
+    settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(census.living("QFutureWatcherBase").count(), 0);
+}
+
 void TstProjectManagement::file_dialogs_go_when_they_were_used()
 {
     list(QStringLiteral("show"));
@@ -1325,6 +1411,17 @@ void TstProjectManagement::the_chooser_shows_details_whatever_the_last_one_showe
     }
 }
 
+void TstProjectManagement::slots_of_a_row_do_nothing_without_its_button()
+{
+    list(QStringLiteral("show"));
+    for (const char *slot : {"slot_applyPoject", "slot_singleFileSaveas", "slot_deleteProject", "slot_editProjectInfo"})
+        QVERIFY(QMetaObject::invokeMethod(m_panel->widget.get(), slot));
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(m_book->seen().isEmpty());
+    QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
+}
+
 void TstProjectManagement::deleting_the_panel_during_an_import_is_quiet()
 {
     const QString first = elsewhere(QStringLiteral("first.corvelpro"));
@@ -1339,6 +1436,39 @@ void TstProjectManagement::deleting_the_panel_during_an_import_is_quiet()
     held.release();
     settle();
     VERIFY_BOOK();
+    m_panel.emplace();
+}
+
+void TstProjectManagement::deleting_the_panel_while_the_end_of_an_import_is_shown_is_quiet()
+{
+    const QString file = elsewhere(QStringLiteral("show.corvelpro"));
+    QVERIFY(writePackage(file, QString()));
+    m_book->expectFileDialog(chooserTitle, {file});
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [this](QDialog *) { m_panel.reset(); });
+    click(m_panel->importProject());
+    waitForAnswers();
+    QVERIFY(!m_panel);
+    settle();
+    QCOMPARE(readFile(projectFile(QStringLiteral("show"))), readFile(file));
+    m_panel.emplace();
+}
+
+void TstProjectManagement::deleting_the_panel_under_an_edit_that_kept_a_scan_waiting_is_quiet()
+{
+    list(QStringLiteral("show"));
+    m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [this](QDialog *) {
+        m_panel->rescan();
+        m_panel.reset();
+    });
+    for (QAbstractButton *one : row(QStringLiteral("show"))->findChildren<QAbstractButton *>()) {
+        if (one->text() == QStringLiteral("Edit"))
+            QMetaObject::invokeMethod(one, "click", Qt::QueuedConnection);
+    }
+    const FutureCalls scans;
+    waitForAnswers();
+    settle();
+    QVERIFY(!m_panel);
+    QCOMPARE(scans.count(), 0);
     m_panel.emplace();
 }
 

@@ -93,6 +93,8 @@ private slots:
     void the_list_is_fresh_before_and_after_the_box();
 
     void a_panel_that_goes_during_a_backup_takes_everything_along();
+    void a_panel_that_goes_while_the_end_is_told_is_quiet();
+    void a_panel_that_goes_after_a_backup_tells_the_host_nothing();
     void a_panel_that_goes_during_a_scan_leaves_it_alone();
 
 private:
@@ -401,16 +403,24 @@ void TstSavingFlow::a_gap_in_the_numbers_is_filled_first()
 
 void TstSavingFlow::with_all_999_names_taken_the_proposal_is_empty()
 {
-    for (int number = 1; number <= 999; ++number)
-        QVERIFY(QFile(packagePath("Project" + QString::number(number))).open(QIODevice::WriteOnly));
-    QString name = "unread";
-    AnswerBook book;
-    book.expectDialog(propertyDialog, [&name](QDialog *dialog) {
-        name = dialog->findChild<QLineEdit *>()->text();
-        click(dialog, QStringLiteral("Cancel"));
-    });
-    QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
-    QCOMPARE(name, QString());
+    const auto take = [this](int number) {
+        return QFile(packagePath("Project" + QString::number(number))).open(QIODevice::WriteOnly);
+    };
+    const auto proposal = [this] {
+        QString name = "unread";
+        AnswerBook book;
+        book.expectDialog(propertyDialog, [&name](QDialog *dialog) {
+            name = dialog->findChild<QLineEdit *>()->text();
+            click(dialog, QStringLiteral("Cancel"));
+        });
+        click(m_panel.data(), QStringLiteral("Save Project"));
+        return name;
+    };
+    for (int number = 1; number <= 998; ++number)
+        QVERIFY(take(number));
+    QCOMPARE(proposal(), QString("Project999"));
+    QVERIFY(take(999));
+    QCOMPARE(proposal(), QString());
 }
 
 void TstSavingFlow::cancelling_the_property_dialog_starts_nothing()
@@ -724,9 +734,10 @@ void TstSavingFlow::what_the_host_throws_ends_in_a_message()
     QFETCH(int, call);
     QFETCH(bool, refused);
     Faults::instance()->arm(operation, Fault::run([] { throw std::runtime_error("out of luck"); }, call));
+    const bool isEstimate = operation.endsWith(QStringLiteral("Capacity"));
+    const QString name = isEstimate ? QStringLiteral("the estimate of the size") : operation.section('.', -1);
     {
-        const ExpectMessage logged(QtCriticalMsg,
-                                   QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")), 1);
+        const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in %1: out of luck").arg(name), 1);
         if (refused) {
             AnswerBook book;
             book.expectWarning("Warning", "Failed to get device information");
@@ -771,8 +782,7 @@ void TstSavingFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
     AnswerBook book;
     book.expectInformation("Remind", "User cancels current operation");
     {
-        const ExpectMessage logged(QtCriticalMsg,
-                                   QRegularExpression(QStringLiteral("^The host threw .*: out of luck$")), 1);
+        const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in cancelOperator: out of luck"), 1);
         QVERIFY(click(WaitingDialog::instance(), QStringLiteral("Cancel")));
     }
     gate.open();
@@ -876,6 +886,31 @@ void TstSavingFlow::a_panel_that_goes_during_a_backup_takes_everything_along()
     QVERIFY(!QFile::exists(packagePath("Show")));
     QCOMPARE(Journal::instance()->count(query), 2);
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
+}
+
+void TstSavingFlow::a_panel_that_goes_while_the_end_is_told_is_quiet()
+{
+    Faults::instance()->arm(query, Fault::fail());
+    AnswerBook book;
+    book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
+    book.expectDialog("HX::Widgets::FramelessMessageBox", [this](QDialog *) { m_panel.reset(); });
+    QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
+    QTRY_VERIFY2(book.isSatisfied(), qPrintable(book.report()));
+    QVERIFY(!m_panel);
+    QVERIFY(QThreadPool::globalInstance()->waitForDone());
+    QCoreApplication::processEvents();
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+}
+
+void TstSavingFlow::a_panel_that_goes_after_a_backup_tells_the_host_nothing()
+{
+    QVERIFY(pressSave("Show"));
+    QTRY_VERIFY(hasEnded());
+    QTRY_COMPARE(listedNames(), QStringList{"Show"});
+    Journal::instance()->clear();
+    m_panel.reset();
+    QCOMPARE(Journal::instance()->count("ICore.setOperatorType"), 0);
+    QCOMPARE(Journal::instance()->count("WaitingDialog.hideWaitingDialog"), 0);
 }
 
 void TstSavingFlow::a_panel_that_goes_during_a_scan_leaves_it_alone()
