@@ -11,7 +11,7 @@ namespace PackageLimits {
 constexpr qint64 mebibyte = 1024 * 1024;
 
 /// Bytes of an archive without its comment, and number of its entries. Above these the format needs its 64-bit
-/// extension, in which QuaZip does not find the comment. An archive with one entry more is still read.
+/// extension, in which QuaZip finds neither the comment nor, beyond maxEntries, the entries.
 constexpr qint64 maxArchiveSize = 0xFFFFFFFE;
 constexpr int maxPackedEntries = 0xFFFE;
 constexpr int maxEntries = 0xFFFF;
