@@ -562,7 +562,7 @@ void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was()
     Simulation::Journal::instance()->clear();
     click(panel.applyOthers());
     const auto isAtRest = [&] {
-        const auto types = Simulation::Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+        const auto types = Simulation::Journal::instance()->entries(Simulation::Operations::setOperatorType);
         const bool isIdle = types.isEmpty() || types.last().arguments.value(QStringLiteral("type")).toString() ==
                                                    QStringLiteral("OperatorNone");
         return book.isSatisfied() && isIdle;
@@ -576,7 +576,7 @@ void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was()
     }
     const QStringList differences = hardware->state().differencesTo(before);
     QVERIFY2(differences.isEmpty(), qPrintable(differences.join(QLatin1Char('\n'))));
-    QCOMPARE(Simulation::Journal::instance()->count(QStringLiteral("DeviceControler.updateDeviceInfo")), 0);
+    QCOMPARE(Simulation::Journal::instance()->count(Simulation::Operations::updateDeviceInfo), 0);
 }
 
 const HostilePackage &TstHostilePackages::named(const QByteArray &name) const
