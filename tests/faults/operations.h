@@ -288,7 +288,7 @@ private:
     /// Whether the job that was started, if any, has come to its end with all that the panel does then.
     static bool isIdle()
     {
-        const auto types = Simulation::Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+        const auto types = Simulation::Journal::instance()->entries(Simulation::Operations::setOperatorType);
         return types.isEmpty() ||
                types.last().arguments.value(QStringLiteral("type")) == QStringLiteral("OperatorNone");
     }
@@ -385,7 +385,7 @@ private:
         TestSupport::click(row(QStringLiteral("show")), QStringLiteral("Apply"));
         waitFor(&isIdle);
         disarm();
-        const bool hasRun = Simulation::Journal::instance()->count(QStringLiteral("ICore.setOperatorType")) > 0;
+        const bool hasRun = Simulation::Journal::instance()->count(Simulation::Operations::setOperatorType) > 0;
         // A package that is no valid one any more is not applied, and a device description that the host could not
         // write not reported: both without a word, and deliberate.
         m_outcome.isSuccess =

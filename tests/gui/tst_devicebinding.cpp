@@ -17,6 +17,7 @@
 
 using namespace PanelTesting;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Corvel::Widgets::WaitingDialog;
 using Simulation::Fault;
 using Simulation::Faults;
@@ -29,9 +30,6 @@ const QString sideStage = QStringLiteral("192.168.1.12");
 const QString foyer = QStringLiteral("192.168.1.20");
 const QString touringRack = QStringLiteral("192.168.1.30");   // offline
 const QString boothSwitcher = QStringLiteral("192.168.1.40"); // without support for project files
-
-const QString updateOnlineDevice = QStringLiteral("OperationAdapter.updateOnlineDevice");
-const QString updateDeviceInfo = QStringLiteral("DeviceControler.updateDeviceInfo");
 
 void activate(const std::shared_ptr<Model::Device> &device)
 {
@@ -562,9 +560,8 @@ void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
                            QStringLiteral("Insufficient default path space to perform current operation"));
         QVERIFY(click(panel.saveProject()));
         QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-        for (const char *operation : {"DeviceControler.calLogoMaterailCapacity", "DeviceControler.usedCapacity"}) {
-            const QVector<Simulation::JournalEntry> calls =
-                Journal::instance()->entries(QString::fromLatin1(operation));
+        for (const QLatin1String operation : {calLogoMaterailCapacity, usedCapacity}) {
+            const QVector<Simulation::JournalEntry> calls = Journal::instance()->entries(operation);
             QCOMPARE(calls.count(), 1);
             QCOMPARE(calls.first().arguments.value(QStringLiteral("ip")).toString(), mainHall);
         }
@@ -596,8 +593,7 @@ void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialo
     QVERIFY(seen.visible);
     QCOMPARE(seen.text, QStringLiteral("Sync device data , please wait."));
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    VERIFY_JOURNAL_ORDER({QStringLiteral("WaitingDialog.showWaitingDialog"), updateOnlineDevice,
-                          QStringLiteral("WaitingDialog.hideWaitingDialog")});
+    VERIFY_JOURNAL_ORDER({showWaitingDialog, updateOnlineDevice, hideWaitingDialog});
     const QVariantMap arguments = Journal::instance()->entries(updateOnlineDevice).value(0).arguments;
     QCOMPARE(arguments.value(QStringLiteral("ip")).toString(), mainHall);
     QCOMPARE(arguments.value(QStringLiteral("sn")).toString(), site->device(mainHall)->getSN());
@@ -629,7 +625,7 @@ void TstDeviceBinding::an_offline_device_is_not_synchronised()
     select(panel, touringRack);
     Journal::instance()->clear();
     QCOMPARE(boundAddress(panel, site), touringRack);
-    VERIFY_JOURNAL({QStringLiteral("object_brige.setActiveDevice")});
+    VERIFY_JOURNAL({setActiveDevice});
 }
 
 void TstDeviceBinding::the_factory_state_is_restored_behind_the_waiting_dialog()

@@ -25,6 +25,7 @@
 
 using namespace PanelTesting;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Corvel::Widgets::WaitingDialog;
 using ProjectFileCfg::Internal::EngineerPacketInfo;
 using ProjectFileCfg::Internal::ZipPackageHandle;
@@ -43,24 +44,6 @@ static const QString backupQuestion =
     QStringLiteral("Whether the current configuration needs to be backed up before the project file is imported?");
 static const QString syncText = QStringLiteral("Sync device data , please wait.");
 static const QString syncWarning = QStringLiteral("Import project file failed, as sync device from hardware failed.");
-
-static const QString question = QStringLiteral("FramelessMessageBox.question");
-static const QString warningBox = QStringLiteral("FramelessMessageBox.warning");
-static const QString showWaiting = QStringLiteral("WaitingDialog.showWaitingDialog");
-static const QString hideWaiting = QStringLiteral("WaitingDialog.hideWaitingDialog");
-static const QString updateOnline = QStringLiteral("OperationAdapter.updateOnlineDevice");
-static const QString updateInfo = QStringLiteral("DeviceControler.updateDeviceInfo");
-static const QString channel = QStringLiteral("DeviceControler.setChannelExclusive");
-static const QString operatorType = QStringLiteral("ICore.setOperatorType");
-static const QString setActive = QStringLiteral("object_brige.setActiveDevice");
-static const QString clearScreens = QStringLiteral("object_brige.clearScreenList");
-static const QString activateScreen = QStringLiteral("object_brige.setActivedScreen");
-static const QString selectScreen = QStringLiteral("object_brige.appendSelectedScreen");
-static const QString canEnable = QStringLiteral("DeviceControler.canMVEEnable");
-static const QString createPicture = QStringLiteral("DeviceControler.createMaterailFromImage");
-static const QString copyModel = QStringLiteral("DeviceControler.copyModelToDevice");
-static const QString cancelTask = QStringLiteral("DeviceControler.cancelCurrentTask");
-static const QString queryPicture = QStringLiteral("MaterialControl.queryMaterailData");
 
 namespace {
 
@@ -301,7 +284,7 @@ void TstApplyFlow::applyAndWait(const PackageBuilder &package)
 
 void TstApplyFlow::waitForEndOfLoad(int loads)
 {
-    QTRY_COMPARE(Journal::instance()->count(clearScreens), loads);
+    QTRY_COMPARE(Journal::instance()->count(clearScreenList), loads);
     QVERIFY(!WaitingDialog::instance()->isVisible());
 }
 
@@ -335,20 +318,23 @@ void TstApplyFlow::applying_online_does_its_steps_in_order()
 {
     applyAndWait(packageOf(plainDevice(sourceIp)));
     const QString difference = sequenceDifference(
-        mainThreadOperations(), {question,     showWaiting, updateOnline, hideWaiting,  showWaiting,    updateInfo,
-                                 hideWaiting,  showWaiting, updateOnline, hideWaiting,  channel,        showWaiting,
-                                 operatorType, showWaiting, operatorType, hideWaiting,  channel,        showWaiting,
-                                 updateOnline, hideWaiting, setActive,    clearScreens, activateScreen, selectScreen});
+        mainThreadOperations(),
+        {questionBox,         showWaitingDialog,   updateOnlineDevice, hideWaitingDialog,   showWaitingDialog,
+         updateDeviceInfo,    hideWaitingDialog,   showWaitingDialog,  updateOnlineDevice,  hideWaitingDialog,
+         setChannelExclusive, showWaitingDialog,   setOperatorType,    showWaitingDialog,   setOperatorType,
+         hideWaitingDialog,   setChannelExclusive, showWaitingDialog,  updateOnlineDevice,  hideWaitingDialog,
+         setActiveDevice,     clearScreenList,     setActivedScreen,   appendSelectedScreen});
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 
-    QCOMPARE(argumentsOf(updateInfo, "reset"), QVariantList{3});
-    QCOMPARE(argumentsOf(channel, "exclusive"), (QVariantList{true, false}));
-    QCOMPARE(argumentsOf(operatorType, "type"),
+    QCOMPARE(argumentsOf(updateDeviceInfo, "reset"), QVariantList{3});
+    QCOMPARE(argumentsOf(setChannelExclusive, "exclusive"), (QVariantList{true, false}));
+    QCOMPARE(argumentsOf(setOperatorType, "type"),
              (QVariantList{QStringLiteral("OperatorLoad"), QStringLiteral("OperatorNone")}));
-    QCOMPARE(argumentsOf(operatorType, "text"), (QVariantList{QString(), QString()}));
-    QCOMPARE(argumentsOf(updateOnline, "ip"), (QVariantList{targetIp, targetIp, targetIp}));
+    QCOMPARE(argumentsOf(setOperatorType, "text"), (QVariantList{QString(), QString()}));
+    QCOMPARE(argumentsOf(updateOnlineDevice, "ip"), (QVariantList{targetIp, targetIp, targetIp}));
     // The package is sent between the announcement and the end.
-    VERIFY_JOURNAL_ORDER({channel, operatorType, canEnable, copyModel, operatorType, channel});
+    VERIFY_JOURNAL_ORDER(
+        {setChannelExclusive, setOperatorType, canMVEEnable, copyModelToDevice, setOperatorType, setChannelExclusive});
 }
 
 void TstApplyFlow::applying_offline_neither_syncs_nor_resets()
@@ -356,9 +342,10 @@ void TstApplyFlow::applying_offline_neither_syncs_nor_resets()
     selectDevice(offlineIp);
     const HardwareState source = richDevice(sourceIp);
     applyAndWait(packageOf(source));
-    const QString difference = sequenceDifference(mainThreadOperations(),
-                                                  {question, setActive, showWaiting, operatorType, operatorType,
-                                                   hideWaiting, setActive, clearScreens, activateScreen, selectScreen});
+    const QString difference =
+        sequenceDifference(mainThreadOperations(), {questionBox, setActiveDevice, showWaitingDialog, setOperatorType,
+                                                    setOperatorType, hideWaitingDialog, setActiveDevice,
+                                                    clearScreenList, setActivedScreen, appendSelectedScreen});
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
     QCOMPARE((*m_site)->device(offlineIp)->getName(), source.identity.name);
     QVERIFY(QFile::exists(m_site->devicePath(offlineIp) + QStringLiteral("/BKG/BKG_7.png")));
@@ -367,9 +354,10 @@ void TstApplyFlow::applying_offline_neither_syncs_nor_resets()
 void TstApplyFlow::waiting_texts_of_an_online_apply()
 {
     applyAndWait(packageOf(richDevice(sourceIp)));
-    QCOMPARE(argumentsOf(showWaiting, "text"), (QVariantList{syncText, QStringLiteral("Restore factory,please wait..."),
-                                                             syncText, QStringLiteral("Start save project file"),
-                                                             QStringLiteral("Send Config to Device"), syncText}));
+    QCOMPARE(
+        argumentsOf(showWaitingDialog, "text"),
+        (QVariantList{syncText, QStringLiteral("Restore factory,please wait..."), syncText,
+                      QStringLiteral("Start save project file"), QStringLiteral("Send Config to Device"), syncText}));
 }
 
 void TstApplyFlow::the_cancel_button_stays_as_it_was()
@@ -378,16 +366,17 @@ void TstApplyFlow::the_cancel_button_stays_as_it_was()
         WaitingDialog::instance()->setCanelVisible(visible);
         applyAndWait(packageOf(plainDevice(sourceIp)));
         QCOMPARE(WaitingDialog::instance()->isCanelVisible(), visible);
-        QCOMPARE(Journal::instance()->count(QStringLiteral("WaitingDialog.setCanelVisible")), 0);
+        QCOMPARE(Journal::instance()->count(setCanelVisible), 0);
     }
 }
 
 void TstApplyFlow::progress_of_the_job_is_shown()
 {
     QStringList shown;
-    Faults::instance()->arm(
-        createPicture, Fault::run([&] { onMainThread([&] { shown.append(WaitingDialog::instance()->text()); }); }));
-    Faults::instance()->arm(copyModel, Fault::run([&] {
+    Faults::instance()->arm(createMaterailFromImage, Fault::run([&] {
+                                onMainThread([&] { shown.append(WaitingDialog::instance()->text()); });
+                            }));
+    Faults::instance()->arm(copyModelToDevice, Fault::run([&] {
                                 onMainThread([&] {
                                     shown.append(WaitingDialog::instance()->text());
                                     QVERIFY(WaitingDialog::instance()->isVisible());
@@ -395,7 +384,7 @@ void TstApplyFlow::progress_of_the_job_is_shown()
                             }));
     applyAndWait(packageOf(richDevice(sourceIp)));
     QCOMPARE(shown, (QStringList{QStringLiteral("Start save project file"), QStringLiteral("Send Config to Device")}));
-    QCOMPARE(argumentsOf(operatorType, "text"),
+    QCOMPARE(argumentsOf(setOperatorType, "text"),
              (QVariantList{QString(), QStringLiteral("BKG:Opening"), QStringLiteral("BKG:Keynote"),
                            QStringLiteral("LOGO:Sponsor"), QString()}));
 }
@@ -424,7 +413,7 @@ void TstApplyFlow::the_device_chosen_in_the_selector_becomes_active_and_is_the_t
 void TstApplyFlow::applying_selects_the_first_screen()
 {
     applyAndWait(packageOf(plainDevice(sourceIp)));
-    QCOMPARE(argumentsOf(clearScreens, "withActived"), QVariantList{false});
+    QCOMPARE(argumentsOf(clearScreenList, "withActived"), QVariantList{false});
     QCOMPARE(Model::object_brige::instance()->activedScreen()->id, 1);
     QCOMPARE(int(Model::object_brige::instance()->selectedScreens().size()), 1);
     QCOMPARE(Model::object_brige::instance()->selectedScreens().front()->id, 1);
@@ -436,10 +425,10 @@ void TstApplyFlow::applying_a_device_without_screens_clears_the_active_screen()
     source.screens.clear();
     Model::object_brige::instance()->setActivedScreen((*m_site)->device(targetIp)->getScreens().front());
     applyAndWait(packageOf(source));
-    QCOMPARE(argumentsOf(clearScreens, "withActived"), QVariantList{true});
+    QCOMPARE(argumentsOf(clearScreenList, "withActived"), QVariantList{true});
     QVERIFY(!Model::object_brige::instance()->activedScreen());
-    QCOMPARE(Journal::instance()->count(activateScreen), 0);
-    QCOMPARE(Journal::instance()->count(selectScreen), 0);
+    QCOMPARE(Journal::instance()->count(setActivedScreen), 0);
+    QCOMPARE(Journal::instance()->count(appendSelectedScreen), 0);
 }
 
 void TstApplyFlow::screens_that_are_null_are_passed_over_data()
@@ -452,7 +441,7 @@ void TstApplyFlow::screens_that_are_null_are_passed_over_data()
 void TstApplyFlow::screens_that_are_null_are_passed_over()
 {
     QFETCH(bool, others);
-    Faults::instance()->arm(setActive, Fault::run([&] {
+    Faults::instance()->arm(setActiveDevice, Fault::run([&] {
                                 Model::DeviceEditor editor(*(*m_site)->device(targetIp));
                                 Model::DeviceData data = editor.data();
                                 if (!others)
@@ -461,9 +450,9 @@ void TstApplyFlow::screens_that_are_null_are_passed_over()
                                 editor.replace(data);
                             }));
     applyAndWait(packageOf(plainDevice(sourceIp)));
-    QCOMPARE(argumentsOf(clearScreens, "withActived"), QVariantList{!others});
-    QCOMPARE(argumentsOf(activateScreen, "screen"), others ? QVariantList{1} : QVariantList());
-    QCOMPARE(argumentsOf(selectScreen, "screen"), others ? QVariantList{1} : QVariantList());
+    QCOMPARE(argumentsOf(clearScreenList, "withActived"), QVariantList{!others});
+    QCOMPARE(argumentsOf(setActivedScreen, "screen"), others ? QVariantList{1} : QVariantList());
+    QCOMPARE(argumentsOf(appendSelectedScreen, "screen"), others ? QVariantList{1} : QVariantList());
 }
 
 void TstApplyFlow::the_selector_shows_the_name_that_was_applied()
@@ -498,7 +487,7 @@ void TstApplyFlow::cancelling_the_question_does_nothing()
     VERIFY_BOOK();
     QCOMPARE(m_book->seen().first().buttons, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
     settle();
-    VERIFY_JOURNAL({question});
+    VERIFY_JOURNAL({questionBox});
     COMPARE_STATES(hardware(targetIp), before);
     QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
 }
@@ -513,7 +502,7 @@ void TstApplyFlow::yes_saves_a_project_first_and_then_applies()
     waitForEndOfLoad();
     VERIFY_BOOK();
     COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
-    QCOMPARE(argumentsOf(operatorType, "type"),
+    QCOMPARE(argumentsOf(setOperatorType, "type"),
              (QVariantList{QStringLiteral("OperatorBackup"), QStringLiteral("OperatorNone"),
                            QStringLiteral("OperatorLoad"), QStringLiteral("OperatorNone")}));
 
@@ -536,13 +525,13 @@ void TstApplyFlow::yes_with_a_failed_backup_applies_nothing()
 {
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(queryPicture, Fault::fail());
+    Faults::instance()->arm(queryMaterailData, Fault::fail());
     expectQuestion(QMessageBox::Yes);
     m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("Failed to export bkg"));
     clickApply();
     QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
     settle();
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
     COMPARE_STATES(hardware(targetIp), before);
     QVERIFY(!QFile::exists(projectFile(QStringLiteral("Project1"))));
 
@@ -551,9 +540,9 @@ void TstApplyFlow::yes_with_a_failed_backup_applies_nothing()
                          [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
     Journal::instance()->clear();
     click(m_panel->saveProject());
-    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    QTRY_COMPARE(argumentsOf(setOperatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
     settle();
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
     VERIFY_BOOK();
 }
 
@@ -561,15 +550,14 @@ void TstApplyFlow::yes_with_a_cancelled_backup_applies_nothing()
 {
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(queryPicture, Fault::run([] { onMainThread(clickCancel); }));
+    Faults::instance()->arm(queryMaterailData, Fault::run([] { onMainThread(clickCancel); }));
     expectQuestion(QMessageBox::Yes);
     m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
     clickApply();
     QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
     settle();
-    QCOMPARE(argumentsOf(QStringLiteral("DeviceControler.cancelOperator"), "command"),
-             (QVariantList{QVariant(QVariantList{4, 10})}));
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(argumentsOf(cancelOperator, "command"), (QVariantList{QVariant(QVariantList{4, 10})}));
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
     COMPARE_STATES(hardware(targetIp), before);
     QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
 }
@@ -579,15 +567,15 @@ void TstApplyFlow::cancelling_a_backup_after_an_apply_ends_the_backup()
     // Its job is still there.
     applyAndWait(packageOf(richDevice(sourceIp)));
     Journal::instance()->clear();
-    Faults::instance()->arm(queryPicture, Fault::run([] { onMainThread(clickCancel); }));
+    Faults::instance()->arm(queryMaterailData, Fault::run([] { onMainThread(clickCancel); }));
     expectQuestion(QMessageBox::Yes);
     m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
     clickApply();
     QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
     settle();
-    QCOMPARE(Journal::instance()->count(QStringLiteral("DeviceControler.cancelOperator")), 1);
-    QCOMPARE(Journal::instance()->count(cancelTask), 0);
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(cancelOperator), 1);
+    QCOMPARE(Journal::instance()->count(cancelCurrentTask), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 }
 
 void TstApplyFlow::yes_with_all_names_taken_saves_without_a_name()
@@ -622,18 +610,18 @@ void TstApplyFlow::yes_applies_only_after_a_backup_that_left_its_package()
     QFETCH(QString, harm);
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
-    const QString preset = QStringLiteral("PresetControl.presetFullDetail2Binary");
     const QString presetFolder = m_site->devicePath(targetIp) + QStringLiteral("/Preset");
     const QString backup = projectFile(QStringLiteral("Project1"));
     if (harm == QStringLiteral("preset")) {
-        Faults::instance()->arm(preset, Fault::run([&] { QDir().mkpath(presetFolder + QStringLiteral("/1.RPst")); }));
+        Faults::instance()->arm(presetFullDetail2Binary,
+                                Fault::run([&] { QDir().mkpath(presetFolder + QStringLiteral("/1.RPst")); }));
     } else if (harm == QStringLiteral("file in the way")) {
         QVERIFY(QDir().mkpath(m_site->devicePath(targetIp)));
         QFile inTheWay(presetFolder);
         QVERIFY(inTheWay.open(QIODevice::WriteOnly));
     } else {
         // The end of the thread is told to the panel through its event loop, so this comes before.
-        Faults::instance()->arm(preset, Fault::run([&] {
+        Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&] {
                                     QThread *const job = QThread::currentThread();
                                     connect(
                                         job, &QThread::finished, job,
@@ -657,12 +645,12 @@ void TstApplyFlow::yes_applies_only_after_a_backup_that_left_its_package()
         if (isTold)
             m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("Failed to encrypt file"));
         clickApply();
-        QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+        QTRY_COMPARE(argumentsOf(setOperatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
         settle();
     }
     VERIFY_BOOK();
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
     COMPARE_STATES(hardware(targetIp), before);
 
     // Nor does it wait for the next backup.
@@ -673,11 +661,11 @@ void TstApplyFlow::yes_applies_only_after_a_backup_that_left_its_package()
         click(dialog, QStringLiteral("OK"));
     });
     click(m_panel->saveProject());
-    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    QTRY_COMPARE(argumentsOf(setOperatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
     settle();
     VERIFY_BOOK();
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(projectFile(QStringLiteral("Afterwards"))));
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 }
 
 void TstApplyFlow::a_package_that_waited_is_applied_once()
@@ -687,17 +675,17 @@ void TstApplyFlow::a_package_that_waited_is_applied_once()
     clickApply();
     waitForEndOfLoad();
     VERIFY_BOOK();
-    QCOMPARE(Journal::instance()->count(updateInfo), 1);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 1);
 
     Journal::instance()->clear();
     m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"),
                          [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
     click(m_panel->saveProject());
-    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    QTRY_COMPARE(argumentsOf(setOperatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
     settle();
     VERIFY_BOOK();
     QVERIFY(QFile::exists(projectFile(QStringLiteral("Project2"))));
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 }
 
 void TstApplyFlow::yes_without_an_active_device_leaves_nothing_waiting()
@@ -715,11 +703,11 @@ void TstApplyFlow::yes_without_an_active_device_leaves_nothing_waiting()
     m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"),
                          [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
     click(m_panel->saveProject());
-    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    QTRY_COMPARE(argumentsOf(setOperatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
     settle();
     VERIFY_BOOK();
     QVERIFY(QFile::exists(projectFile(QStringLiteral("Project1"))));
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 }
 
 void TstApplyFlow::a_cancel_that_comes_too_late_for_the_backup_ends_the_apply()
@@ -728,16 +716,15 @@ void TstApplyFlow::a_cancel_that_comes_too_late_for_the_backup_ends_the_apply()
     list(packageOf(plainDevice(sourceIp)));
     // While the last preset is fetched: the save looks at a cancel before each picture and preset, and only packs now.
     const int presets = before.presets.size();
-    Faults::instance()->arm(QStringLiteral("PresetControl.presetFullDetail2Binary"),
-                            Fault::run([] { onMainThread(clickCancel); }, presets));
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::run([] { onMainThread(clickCancel); }, presets));
     expectQuestion(QMessageBox::Yes);
     clickApply();
-    QTRY_COMPARE(argumentsOf(operatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
+    QTRY_COMPARE(argumentsOf(setOperatorType, "type").value(1).toString(), QStringLiteral("OperatorNone"));
     settle();
     VERIFY_BOOK();
-    QCOMPARE(Journal::instance()->count(QStringLiteral("DeviceControler.cancelOperator")), 1);
+    QCOMPARE(Journal::instance()->count(cancelOperator), 1);
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(projectFile(QStringLiteral("Project1"))));
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
     COMPARE_STATES(hardware(targetIp), before);
 }
 
@@ -872,7 +859,7 @@ void TstApplyFlow::an_active_device_that_went_away_ends_silently()
     clickApply();
     VERIFY_BOOK();
     settle();
-    VERIFY_JOURNAL({question});
+    VERIFY_JOURNAL({questionBox});
 }
 
 void TstApplyFlow::a_selected_device_that_went_away_ends_silently()
@@ -885,7 +872,7 @@ void TstApplyFlow::a_selected_device_that_went_away_ends_silently()
     clickApply();
     VERIFY_BOOK();
     settle();
-    VERIFY_JOURNAL({question});
+    VERIFY_JOURNAL({questionBox});
     QCOMPARE(Model::object_brige::instance()->activeDevice(), (*m_site)->device(targetIp));
 }
 
@@ -912,7 +899,7 @@ void TstApplyFlow::a_package_deleted_while_the_question_is_open_is_code_2()
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Incorrect file content"));
     clickApply();
     VERIFY_BOOK();
-    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, warningBox});
+    VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog, warningBox});
     COMPARE_STATES(hardware(targetIp), before);
 }
 
@@ -929,7 +916,7 @@ void TstApplyFlow::a_package_changed_since_it_was_listed_is_refused_silently()
     clickApply();
     VERIFY_BOOK();
     settle();
-    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting});
+    VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog});
     COMPARE_STATES(hardware(targetIp), before);
 }
 
@@ -937,13 +924,13 @@ void TstApplyFlow::a_failing_sync_before_the_reset_only_logs()
 {
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(updateOnline, Fault::fail());
+    Faults::instance()->arm(updateOnlineDevice, Fault::fail());
     const ExpectMessage expected(QtWarningMsg, syncWarning, 1);
     expectQuestion(QMessageBox::No);
     clickApply();
     VERIFY_BOOK();
     settle();
-    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting});
+    VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog});
     COMPARE_STATES(hardware(targetIp), before);
 }
 
@@ -951,14 +938,14 @@ void TstApplyFlow::a_failing_sync_after_the_reset_only_logs()
 {
     const int open = openNamelessFiles();
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(updateOnline, Fault::fail(2));
+    Faults::instance()->arm(updateOnlineDevice, Fault::fail(2));
     const ExpectMessage expected(QtWarningMsg, syncWarning, 1);
     expectQuestion(QMessageBox::No);
     clickApply();
     VERIFY_BOOK();
     settle();
-    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, showWaiting,
-                    updateOnline, hideWaiting});
+    VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog, showWaitingDialog,
+                    updateDeviceInfo, hideWaitingDialog, showWaitingDialog, updateOnlineDevice, hideWaitingDialog});
     QVERIFY(!WaitingDialog::instance()->isVisible());
     // Nothing is applied any more, so nothing of it takes room.
     QCOMPARE(openNamelessFiles(), open);
@@ -969,13 +956,13 @@ void TstApplyFlow::a_failing_reset_is_reported()
     const int open = openNamelessFiles();
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(updateInfo, Fault::fail());
+    Faults::instance()->arm(updateDeviceInfo, Fault::fail());
     expectQuestion(QMessageBox::No);
     m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral(" Restore factory failed "));
     clickApply();
     VERIFY_BOOK();
-    VERIFY_JOURNAL(
-        {question, showWaiting, updateOnline, hideWaiting, showWaiting, updateInfo, hideWaiting, warningBox});
+    VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog, showWaitingDialog,
+                    updateDeviceInfo, hideWaitingDialog, warningBox});
     COMPARE_STATES(hardware(targetIp), before);
     // Nothing is applied any more, so nothing of it takes room.
     QCOMPARE(openNamelessFiles(), open);
@@ -984,14 +971,15 @@ void TstApplyFlow::a_failing_reset_is_reported()
 void TstApplyFlow::a_device_that_goes_before_the_reset_is_reported()
 {
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(updateOnline, Fault::run([] { Model::object_brige::instance()->setActiveDevice({}); }));
+    Faults::instance()->arm(updateOnlineDevice,
+                            Fault::run([] { Model::object_brige::instance()->setActiveDevice({}); }));
     expectQuestion(QMessageBox::No);
     m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral(" Restore factory failed "));
     clickApply();
     VERIFY_BOOK();
     settle();
-    QCOMPARE(Journal::instance()->count(updateInfo), 0);
-    QCOMPARE(Journal::instance()->count(operatorType), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
 }
 
 void TstApplyFlow::a_device_that_the_host_forgot_is_not_reset()
@@ -1008,7 +996,7 @@ void TstApplyFlow::a_device_that_the_host_forgot_is_not_reset()
     clickApply();
     VERIFY_BOOK();
     settle();
-    VERIFY_JOURNAL({question});
+    VERIFY_JOURNAL({questionBox});
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -1021,8 +1009,10 @@ void TstApplyFlow::each_code_has_its_box_data()
     QTest::addColumn<QString>("text");
     const MakePackage rich = [] { return packageOf(richDevice(sourceIp)); };
     QTest::newRow("0, no box") << rich << QString() << QString();
-    QTest::newRow("7, device refuses the model") << rich << copyModel << QStringLiteral("Project file import failed");
-    QTest::newRow("14, device refuses a picture") << rich << createPicture << QStringLiteral("apply gallery failed");
+    QTest::newRow("7, device refuses the model")
+        << rich << copyModelToDevice << QStringLiteral("Project file import failed");
+    QTest::newRow("14, device refuses a picture")
+        << rich << createMaterailFromImage << QStringLiteral("apply gallery failed");
 }
 
 void TstApplyFlow::each_code_has_its_box()
@@ -1093,14 +1083,14 @@ void TstApplyFlow::a_refused_package_leaves_the_hardware_alone()
     clickApply();
     VERIFY_BOOK();
     settle();
-    VERIFY_JOURNAL({question, showWaiting, updateOnline, hideWaiting, warningBox});
+    VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog, warningBox});
     COMPARE_STATES(hardware(targetIp), before);
 }
 
 void TstApplyFlow::a_failed_serialisation_shows_nothing()
 {
     selectDevice(offlineIp);
-    Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Fault::fail());
+    Faults::instance()->arm(serailize, Fault::fail());
     applyAndWait(packageOf(plainDevice(sourceIp)));
     VERIFY_BOOK();
     QCOMPARE(Faults::instance()->armedCount(), 0);
@@ -1111,11 +1101,11 @@ void TstApplyFlow::a_load_that_fails_at_once_is_not_missed()
     selectDevice(offlineIp);
     QSemaphore begun;
     QThread *job = nullptr;
-    Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Fault::run([&] {
+    Faults::instance()->arm(serailize, Fault::run([&] {
                                 job = QThread::currentThread();
                                 begun.release();
                             }));
-    Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Fault::fail());
+    Faults::instance()->arm(serailize, Fault::fail());
     // Between the start of the thread and the first connection the panel asks for the waiting dialog. If the host has
     // to make it anew, it translates the text of its button: time enough for a job that does not wait.
     ActingTranslator translator;
@@ -1135,28 +1125,29 @@ void TstApplyFlow::a_load_that_fails_at_once_is_not_missed()
     applyAndWait(packageOf(plainDevice(sourceIp)));
     QCoreApplication::removeTranslator(&translator);
     QVERIFY(wasBetween);
-    QCOMPARE(argumentsOf(operatorType, "type").last().toString(), QStringLiteral("OperatorNone"));
+    QCOMPARE(argumentsOf(setOperatorType, "type").last().toString(), QStringLiteral("OperatorNone"));
 }
 
 void TstApplyFlow::the_channel_is_freed_before_the_box_and_synced_after_it()
 {
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(copyModel, Fault::fail());
+    Faults::instance()->arm(copyModelToDevice, Fault::fail());
     expectQuestion(QMessageBox::No);
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Project file import failed"));
     clickApply();
     waitForEndOfLoad();
     const QStringList operations = mainThreadOperations();
-    const QString difference = sequenceDifference(operations.mid(operations.lastIndexOf(operatorType)),
-                                                  {operatorType, hideWaiting, channel, warningBox, showWaiting,
-                                                   updateOnline, hideWaiting, setActive, clearScreens});
+    const QString difference =
+        sequenceDifference(operations.mid(operations.lastIndexOf(setOperatorType)),
+                           {setOperatorType, hideWaitingDialog, setChannelExclusive, warningBox, showWaitingDialog,
+                            updateOnlineDevice, hideWaitingDialog, setActiveDevice, clearScreenList});
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 }
 
 void TstApplyFlow::a_device_that_drops_off_during_a_load_is_left_offline()
 {
     list(packageOf(richDevice(sourceIp)));
-    Faults::instance()->arm(createPicture, Fault::disconnect());
+    Faults::instance()->arm(createMaterailFromImage, Fault::disconnect());
     expectQuestion(QMessageBox::No);
     // The multi-viewer's items, which are sent all the same, fail as well.
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Project file import failed"));
@@ -1164,23 +1155,24 @@ void TstApplyFlow::a_device_that_drops_off_during_a_load_is_left_offline()
     waitForEndOfLoad();
     VERIFY_BOOK();
     QVERIFY(!(*m_site)->device(targetIp)->getDeviceOnlineFlag());
-    QCOMPARE(argumentsOf(channel, "exclusive"), QVariantList{true});
-    QCOMPARE(Journal::instance()->count(updateOnline), 2);
+    QCOMPARE(argumentsOf(setChannelExclusive, "exclusive"), QVariantList{true});
+    QCOMPARE(Journal::instance()->count(updateOnlineDevice), 2);
 }
 
 void TstApplyFlow::a_device_that_the_host_forgets_during_a_load_ends_it_with_the_box_alone()
 {
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(copyModel, Fault::run([] { Model::DeviceList::instance()->removeDevice(targetIp); }));
-    Faults::instance()->arm(copyModel, Fault::fail());
+    Faults::instance()->arm(copyModelToDevice,
+                            Fault::run([] { Model::DeviceList::instance()->removeDevice(targetIp); }));
+    Faults::instance()->arm(copyModelToDevice, Fault::fail());
     expectQuestion(QMessageBox::No);
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Project file import failed"));
     clickApply();
     QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()));
     settle();
     const QStringList operations = mainThreadOperations();
-    QCOMPARE(operations.mid(operations.lastIndexOf(operatorType)),
-             (QStringList{operatorType, hideWaiting, warningBox}));
+    QCOMPARE(operations.mid(operations.lastIndexOf(setOperatorType)),
+             (QStringList{setOperatorType, hideWaitingDialog, warningBox}));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -1192,15 +1184,15 @@ void TstApplyFlow::cancelling_between_operations_is_reported_as_cancelled()
     applyAndWait(packageOf(plainDevice(sourceIp)));
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
-    Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
+    Faults::instance()->arm(canMVEEnable, Fault::run([] { onMainThread(clickCancel); }));
     expectQuestion(QMessageBox::No);
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
     clickApply();
     waitForEndOfLoad();
     VERIFY_BOOK();
-    QCOMPARE(Journal::instance()->count(cancelTask), 1);
-    QCOMPARE(Journal::instance()->count(createPicture), 0);
-    QCOMPARE(Journal::instance()->count(copyModel), 0);
+    QCOMPARE(Journal::instance()->count(cancelCurrentTask), 1);
+    QCOMPARE(Journal::instance()->count(createMaterailFromImage), 0);
+    QCOMPARE(Journal::instance()->count(copyModelToDevice), 0);
 }
 
 void TstApplyFlow::cancelling_interrupts_the_running_operation()
@@ -1208,29 +1200,29 @@ void TstApplyFlow::cancelling_interrupts_the_running_operation()
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
     // Would take ten minutes if nobody cancelled it.
-    Faults::instance()->arm(createPicture, Fault::run([] { onMainThread(clickCancel); }));
-    Faults::instance()->arm(createPicture, Fault::late(600000));
+    Faults::instance()->arm(createMaterailFromImage, Fault::run([] { onMainThread(clickCancel); }));
+    Faults::instance()->arm(createMaterailFromImage, Fault::late(600000));
     expectQuestion(QMessageBox::No);
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("apply gallery failed"));
     clickApply();
     waitForEndOfLoad();
     VERIFY_BOOK();
-    QCOMPARE(Journal::instance()->count(cancelTask), 1);
-    QCOMPARE(Journal::instance()->count(createPicture), 1);
-    QCOMPARE(Journal::instance()->count(copyModel), 0);
+    QCOMPARE(Journal::instance()->count(cancelCurrentTask), 1);
+    QCOMPARE(Journal::instance()->count(createMaterailFromImage), 1);
+    QCOMPARE(Journal::instance()->count(copyModelToDevice), 0);
 }
 
 void TstApplyFlow::cancelling_after_a_backup_asks_the_device_once()
 {
     // A connection that the backup had left would cancel once more.
     list(packageOf(richDevice(sourceIp)));
-    Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
+    Faults::instance()->arm(canMVEEnable, Fault::run([] { onMainThread(clickCancel); }));
     expectQuestion(QMessageBox::Yes);
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
     clickApply();
     waitForEndOfLoad();
     VERIFY_BOOK();
-    QCOMPARE(Journal::instance()->count(cancelTask), 1);
+    QCOMPARE(Journal::instance()->count(cancelCurrentTask), 1);
 }
 
 void TstApplyFlow::cancel_does_nothing_after_the_end()
@@ -1246,7 +1238,7 @@ void TstApplyFlow::deleting_the_panel_during_a_load_ends_it_quietly()
 {
     list(packageOf(richDevice(sourceIp)));
     QPointer<QThread> job;
-    Faults::instance()->arm(createPicture, Fault::run([&] {
+    Faults::instance()->arm(createMaterailFromImage, Fault::run([&] {
                                 QThread *const thread = QThread::currentThread();
                                 onMainThread([&, thread] {
                                     job = thread;
@@ -1258,14 +1250,14 @@ void TstApplyFlow::deleting_the_panel_during_a_load_ends_it_quietly()
     QTRY_VERIFY_WITH_TIMEOUT(!m_panel, 30000);
     QTRY_VERIFY_WITH_TIMEOUT(!job, 30000);
     VERIFY_BOOK();
-    QCOMPARE(argumentsOf(operatorType, "type").last().toString(), QStringLiteral("OperatorNone"));
+    QCOMPARE(argumentsOf(setOperatorType, "type").last().toString(), QStringLiteral("OperatorNone"));
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    QCOMPARE(Journal::instance()->count(createPicture), 1);
-    QCOMPARE(Journal::instance()->count(copyModel), 0);
+    QCOMPARE(Journal::instance()->count(createMaterailFromImage), 1);
+    QCOMPARE(Journal::instance()->count(copyModelToDevice), 0);
     // Freed at the end of the load, not while it was still sending.
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
-    VERIFY_JOURNAL_ORDER({channel, createPicture, channel});
-    QCOMPARE(argumentsOf(channel, "exclusive"), (QVariantList{true, false}));
+    VERIFY_JOURNAL_ORDER({setChannelExclusive, createMaterailFromImage, setChannelExclusive});
+    QCOMPARE(argumentsOf(setChannelExclusive, "exclusive"), (QVariantList{true, false}));
     m_panel.emplace();
 }
 
@@ -1273,7 +1265,7 @@ void TstApplyFlow::deleting_the_panel_before_it_hears_of_the_end_frees_the_devic
 {
     list(packageOf(plainDevice(sourceIp)));
     Gate gate;
-    Faults::instance()->arm(copyModel, gate.fault());
+    Faults::instance()->arm(copyModelToDevice, gate.fault());
     expectQuestion(QMessageBox::No);
     clickApply();
     VERIFY_BOOK();
@@ -1285,7 +1277,7 @@ void TstApplyFlow::deleting_the_panel_before_it_hears_of_the_end_frees_the_devic
     m_panel.reset();
     QTRY_VERIFY_WITH_TIMEOUT(!job, 30000);
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
-    QCOMPARE(argumentsOf(channel, "exclusive"), (QVariantList{true, false}));
+    QCOMPARE(argumentsOf(setChannelExclusive, "exclusive"), (QVariantList{true, false}));
     m_panel.emplace();
 }
 
@@ -1295,9 +1287,9 @@ void TstApplyFlow::deleting_the_panel_after_a_load_tells_the_host_nothing()
     settle();
     Journal::instance()->clear();
     m_panel.reset();
-    QCOMPARE(Journal::instance()->count(operatorType), 0);
-    QCOMPARE(Journal::instance()->count(hideWaiting), 0);
-    QCOMPARE(Journal::instance()->count(channel), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
+    QCOMPARE(Journal::instance()->count(hideWaitingDialog), 0);
+    QCOMPARE(Journal::instance()->count(setChannelExclusive), 0);
     m_panel.emplace();
 }
 
@@ -1313,7 +1305,7 @@ void TstApplyFlow::a_picture_that_is_announced_when_the_panel_has_gone_is_not_th
     const auto announcing = connect(
         Journal::instance(), &Journal::recorded, Journal::instance(),
         [&](const Simulation::JournalEntry &entry) {
-            if (entry.operation != operatorType || entry.onMainThread || isGone.exchange(true))
+            if (entry.operation != setOperatorType || entry.onMainThread || isGone.exchange(true))
                 return;
             QThread *const thread = QThread::currentThread();
             onMainThread([&, thread] {
@@ -1335,7 +1327,7 @@ void TstApplyFlow::a_picture_that_is_announced_when_the_panel_has_gone_is_not_th
 void TstApplyFlow::the_loaded_device_is_freed_when_another_one_was_selected_meanwhile()
 {
     list(packageOf(plainDevice(sourceIp)));
-    Faults::instance()->arm(copyModel, Fault::run([&] {
+    Faults::instance()->arm(copyModelToDevice, Fault::run([&] {
                                 onMainThread([&] {
                                     Model::object_brige::instance()->setActiveDevice((*m_site)->device(secondIp));
                                     // The selector follows, as when the language is switched.
@@ -1356,17 +1348,17 @@ void TstApplyFlow::what_the_host_throws_ends_in_a_message_data()
     QTest::addColumn<QString>("box");
     QTest::addColumn<bool>("applied");
     const QString resetFailed = QStringLiteral(" Restore factory failed ");
-    QTest::newRow("sync before the reset") << updateOnline << 1 << syncWarning << QString() << false;
-    QTest::newRow("reset") << updateInfo << 1 << QString() << resetFailed << false;
-    QTest::newRow("sync after the reset") << updateOnline << 2 << syncWarning << QString() << false;
-    QTest::newRow("reserving the channel") << channel << 1 << QString() << QString() << true;
-    QTest::newRow("telling that a load runs") << operatorType << 1 << QString() << QString() << true;
-    QTest::newRow("freeing the channel") << channel << 2 << QString() << QString() << true;
-    QTest::newRow("sync after the load") << updateOnline << 3 << QString() << QString() << true;
-    QTest::newRow("making the device active") << setActive << 1 << QString() << QString() << true;
-    QTest::newRow("clearing the screens") << clearScreens << 1 << QString() << QString() << true;
-    QTest::newRow("activating a screen") << activateScreen << 1 << QString() << QString() << true;
-    QTest::newRow("selecting a screen") << selectScreen << 1 << QString() << QString() << true;
+    QTest::newRow("sync before the reset") << updateOnlineDevice << 1 << syncWarning << QString() << false;
+    QTest::newRow("reset") << updateDeviceInfo << 1 << QString() << resetFailed << false;
+    QTest::newRow("sync after the reset") << updateOnlineDevice << 2 << syncWarning << QString() << false;
+    QTest::newRow("reserving the channel") << setChannelExclusive << 1 << QString() << QString() << true;
+    QTest::newRow("telling that a load runs") << setOperatorType << 1 << QString() << QString() << true;
+    QTest::newRow("freeing the channel") << setChannelExclusive << 2 << QString() << QString() << true;
+    QTest::newRow("sync after the load") << updateOnlineDevice << 3 << QString() << QString() << true;
+    QTest::newRow("making the device active") << setActiveDevice << 1 << QString() << QString() << true;
+    QTest::newRow("clearing the screens") << clearScreenList << 1 << QString() << QString() << true;
+    QTest::newRow("activating a screen") << setActivedScreen << 1 << QString() << QString() << true;
+    QTest::newRow("selecting a screen") << appendSelectedScreen << 1 << QString() << QString() << true;
 }
 
 void TstApplyFlow::what_the_host_throws_ends_in_a_message()
@@ -1410,14 +1402,14 @@ void TstApplyFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
     const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in cancelCurrentTask: out of luck"), 1);
-    Faults::instance()->arm(cancelTask, Fault::run([] { throw std::runtime_error("out of luck"); }));
-    Faults::instance()->arm(canEnable, Fault::run([] { onMainThread(clickCancel); }));
+    Faults::instance()->arm(cancelCurrentTask, Fault::run([] { throw std::runtime_error("out of luck"); }));
+    Faults::instance()->arm(canMVEEnable, Fault::run([] { onMainThread(clickCancel); }));
     expectQuestion(QMessageBox::No);
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
     clickApply();
     waitForEndOfLoad();
     VERIFY_BOOK();
-    QCOMPARE(Journal::instance()->count(createPicture), 0);
+    QCOMPARE(Journal::instance()->count(createMaterailFromImage), 0);
 }
 
 TEST_MAIN(TstApplyFlow)

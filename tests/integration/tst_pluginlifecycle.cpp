@@ -23,6 +23,7 @@
 #include <QtConcurrentRun>
 
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Core::ModeManager;
 using Corvel::Widgets::ICenterWidget;
 using Corvel::Widgets::WaitingDialog;
@@ -227,7 +228,7 @@ void TstPluginLifecycle::it_registers_its_sub_mode_whatever_device_is_active()
     makeActive(m_site->boothSwitcher);
     start();
     QVERIFY(subModes()->containsMode(subMode));
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.addMode"});
+    QCOMPARE(calls(subMode), QStringList{addNavigationMode});
     QCOMPARE(subModes()->mode(subMode)->displayName(), QString("Project File"));
 }
 
@@ -324,7 +325,7 @@ void TstPluginLifecycle::without_having_been_shown_it_touches_no_center_widget()
     QCoreApplication::processEvents();
     QStringList distinct = calls(panelId);
     distinct.removeDuplicates();
-    QCOMPARE(distinct, QStringList{"ModeManager.existCenterWidget"});
+    QCOMPARE(distinct, QStringList{existCenterWidget});
     QVERIFY(!panel());
 }
 
@@ -345,9 +346,8 @@ void TstPluginLifecycle::the_first_activation_enters_the_panel_twice()
     showSubMode("General");
     Journal::instance()->clear();
     showSubMode(subMode);
-    QCOMPARE(calls(panelId), QStringList({"ICenterWidget.enterWindow", "ModeManager.existCenterWidget",
-                                          "ModeManager.addCenterWidget", "ModeManager.setActivateCenterWidget",
-                                          "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
+    QCOMPARE(calls(panelId), QStringList({enterWindow, existCenterWidget, addCenterWidget, setActivateCenterWidget,
+                                          raiseWindow, enterWindow}));
     QCOMPARE(ModeManager::activeCenterWidget(), Id(panelId));
     QVERIFY(panel());
 }
@@ -373,9 +373,8 @@ void TstPluginLifecycle::later_activations_enter_the_same_panel_once()
     showSubMode("General");
     Journal::instance()->clear();
     showSubMode(subMode);
-    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.addCenterWidget",
-                                          "ModeManager.setActivateCenterWidget", "ICenterWidget.raiseWindow",
-                                          "ICenterWidget.enterWindow"}));
+    QCOMPARE(calls(panelId),
+             QStringList({existCenterWidget, addCenterWidget, setActivateCenterWidget, raiseWindow, enterWindow}));
     QVERIFY(first);
     QCOMPARE(panel(), first.data());
 }
@@ -387,8 +386,7 @@ void TstPluginLifecycle::showing_the_shown_sub_mode_again_registers_nothing_twic
     Journal::instance()->clear();
     emit subModes()->currentModeChanged(subMode, subMode);
     QCoreApplication::processEvents();
-    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.setActivateCenterWidget",
-                                          "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
+    QCOMPARE(calls(panelId), QStringList({existCenterWidget, setActivateCenterWidget, raiseWindow, enterWindow}));
 }
 
 void TstPluginLifecycle::another_mode_takes_the_panel_out()
@@ -397,8 +395,7 @@ void TstPluginLifecycle::another_mode_takes_the_panel_out()
     showSubMode(subMode);
     Journal::instance()->clear();
     showSubMode("General");
-    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.removeCenterWidget",
-                                          "ICenterWidget.leaveWindow"}));
+    QCOMPARE(calls(panelId), QStringList({existCenterWidget, removeCenterWidget, leaveWindow}));
     QVERIFY(panel());
     QVERIFY(!ModeManager::existCenterWidget(panelId));
 }
@@ -437,9 +434,9 @@ void TstPluginLifecycle::a_device_without_support_withdraws_the_shown_sub_mode()
     QCOMPARE(subModes()->modes().first(), Id("General"));
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    VERIFY_JOURNAL_ORDER({"NavigationBarModeManager.activateMode", "NavigationBarModeManager.removeMode"});
-    QCOMPARE(calls("General").first(), QString("NavigationBarModeManager.activateMode"));
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    VERIFY_JOURNAL_ORDER({activateNavigationMode, removeNavigationMode});
+    QCOMPARE(calls("General").first(), QString(activateNavigationMode));
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QCOMPARE(subModes()->currentModeId(), Id("General"));
     QVERIFY(!subModes()->containsMode(subMode));
     QCoreApplication::processEvents();
@@ -457,8 +454,8 @@ void TstPluginLifecycle::a_device_without_support_activates_nothing_behind_anoth
     QCOMPARE(subModes()->currentModeId(), Id(subMode));
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    QCOMPARE(Journal::instance()->count("NavigationBarModeManager.activateMode"), 0);
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(Journal::instance()->count(activateNavigationMode), 0);
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QVERIFY(!subModes()->containsMode(subMode));
 }
 
@@ -468,8 +465,8 @@ void TstPluginLifecycle::a_device_without_support_activates_nothing_when_another
     showSubMode("General");
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    QCOMPARE(Journal::instance()->count("NavigationBarModeManager.activateMode"), 0);
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(Journal::instance()->count(activateNavigationMode), 0);
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QCOMPARE(subModes()->currentModeId(), Id("General"));
 }
 
@@ -482,8 +479,7 @@ void TstPluginLifecycle::a_sub_mode_that_is_first_in_the_list_is_activated_again
     QCOMPARE(subModes()->modes(), QVector<Id>{Id(subMode)});
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    QCOMPARE(calls(subMode),
-             QStringList({"NavigationBarModeManager.activateMode", "NavigationBarModeManager.removeMode"}));
+    QCOMPARE(calls(subMode), QStringList({activateNavigationMode, removeNavigationMode}));
     QVERIFY(!subModes()->containsMode(subMode));
     subModes()->addMode(general);
 }
@@ -497,7 +493,7 @@ void TstPluginLifecycle::a_supporting_device_brings_the_sub_mode_back_with_fresh
     mode->setDisplayName("old text");
     Journal::instance()->clear();
     makeActive(m_site->foyer);
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.addMode"});
+    QCOMPARE(calls(subMode), QStringList{addNavigationMode});
     QCOMPARE(subModes()->mode(subMode), mode);
     QCOMPARE(mode->displayName(), QString("Project File"));
 }
@@ -522,7 +518,7 @@ void TstPluginLifecycle::shutting_down_before_the_panel_exists()
     Journal::instance()->clear();
     QCOMPARE(int(plugin()->aboutToShutdown()), 0);
     QCOMPARE(calls(panelId), QStringList());
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QVERIFY(mode.isNull());
     QVERIFY(!subModes()->containsMode(subMode));
     QVERIFY(!ObjectPool::instance()->objects().contains(plugin()));
@@ -541,7 +537,7 @@ void TstPluginLifecycle::shutting_down_takes_everything_out()
     QVERIFY(mode.isNull());
     QVERIFY(center.isNull());
     QVERIFY(object.isNull());
-    QCOMPARE(calls(panelId), QStringList{"ICenterWidget.leaveWindow"});
+    QCOMPARE(calls(panelId), QStringList{leaveWindow});
     QVERIFY(!subModes()->containsMode(subMode));
     QCOMPARE(ObjectPool::instance()->objects(), QList<QObject *>());
 }
@@ -605,7 +601,7 @@ void TstPluginLifecycle::shutting_down_during_a_backup()
     QVERIFY(QThreadPool::globalInstance()->waitForDone());
 
     Gate gate;
-    Faults::instance()->arm("MaterialControl.queryMaterailData", gate.fault());
+    Faults::instance()->arm(queryMaterailData, gate.fault());
     AnswerBook book;
     book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) {
         dialog->findChild<QLineEdit *>()->setText("Show");
@@ -619,12 +615,12 @@ void TstPluginLifecycle::shutting_down_during_a_backup()
 
     m_manager->shutdown();
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    QCOMPARE(Journal::instance()->entries("ICore.setOperatorType").last().arguments["type"].toString(),
+    QCOMPARE(Journal::instance()->entries(setOperatorType).last().arguments["type"].toString(),
              QString("OperatorNone"));
     QVERIFY(job);
     gate.open();
     QTRY_VERIFY(job.isNull());
-    QCOMPARE(Journal::instance()->count("MaterialControl.queryMaterailData"), 1);
+    QCOMPARE(Journal::instance()->count(queryMaterailData), 1);
     QVERIFY(!QFile::exists(QDir::homePath() + "/Documents/Velmora/Tarvo/ProjectFiles/Show.corvelpro"));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
@@ -661,7 +657,7 @@ void TstPluginLifecycle::it_can_be_loaded_again()
     Journal::instance()->clear();
     showSubMode(subMode);
     QVERIFY(panel());
-    QCOMPARE(calls(panelId).count("ICenterWidget.enterWindow"), 2);
+    QCOMPARE(calls(panelId).count(enterWindow), 2);
 }
 
 TEST_MAIN(TstPluginLifecycle)

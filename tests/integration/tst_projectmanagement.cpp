@@ -26,6 +26,7 @@
 using namespace PackageTesting;
 using namespace PanelTesting;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Corvel::Widgets::WaitingDialog;
 using ProjectFileCfg::Internal::EngineerPacketInfo;
 using ProjectFileCfg::Internal::ZipPackageHandle;
@@ -47,7 +48,7 @@ namespace {
 QStringList waitingTexts()
 {
     QStringList texts;
-    for (const auto &entry : Journal::instance()->entries(QStringLiteral("WaitingDialog.showWaitingDialog")))
+    for (const auto &entry : Journal::instance()->entries(showWaitingDialog))
         texts.append(entry.arguments.value(QStringLiteral("text")).toString());
     return texts;
 }
@@ -987,7 +988,7 @@ void TstProjectManagement::a_package_that_became_a_pipe_holds_nobody()
     m_book->answerOthers([](QDialog *dialog) { dialog->reject(); });
     clickRow(QStringLiteral("show"), QStringLiteral("Apply"));
     waitForAnswers();
-    QCOMPARE(Journal::instance()->count(QStringLiteral("DeviceControler.updateDeviceInfo")), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 
     expectProperties(QStringLiteral("other"), QStringLiteral("edited"));
     clickRow(QStringLiteral("show"), QStringLiteral("Edit"));
@@ -1118,7 +1119,7 @@ void TstProjectManagement::importing_copies_and_lists()
         QCOMPARE(readFile(projectFilesPath() + QFileInfo(file).fileName()), readFile(file));
     QCOMPARE(waitingTexts(), QStringList{importWaiting});
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    QCOMPARE(Journal::instance()->count(QStringLiteral("WaitingDialog.setCanelVisible")), 0);
+    QCOMPARE(Journal::instance()->count(setCanelVisible), 0);
     QVERIFY(isFollowingTheDirectory());
 }
 
@@ -1311,9 +1312,7 @@ void TstProjectManagement::importing_again_works_before_and_after_a_save()
 void TstProjectManagement::the_waiting_dialog_goes_before_the_result_is_shown()
 {
     list(QStringLiteral("show"));
-    const QStringList expected{QStringLiteral("WaitingDialog.showWaitingDialog"),
-                               QStringLiteral("WaitingDialog.hideWaitingDialog"),
-                               QStringLiteral("FramelessMessageBox.information")};
+    const QStringList expected{showWaitingDialog, hideWaitingDialog, informationBox};
     Journal::instance()->clear();
     m_book->expectFileDialog(saveTitle, {elsewhere(QStringLiteral("copy.corvelpro"))});
     m_book->expectInformation(remind, saveSucceeded);
@@ -1528,7 +1527,7 @@ void TstProjectManagement::deleting_the_panel_while_its_dialog_is_open_starts_no
     QVERIFY(!m_panel);
     settle();
     QCOMPARE(readFile(projectFile(QStringLiteral("show"))), before);
-    QCOMPARE(Journal::instance()->count(QStringLiteral("ICore.setOperatorType")), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
     QVERIFY(!WaitingDialog::instance()->isVisible());
     m_panel.emplace();
 }

@@ -28,6 +28,7 @@
 
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Corvel::Widgets::WaitingDialog;
 using Model::object_brige;
 using Simulation::Fault;
@@ -37,10 +38,14 @@ using Simulation::Journal;
 using Simulation::JournalEntry;
 using Simulation::PictureState;
 
-static const QString serailize = QStringLiteral("Serailizer.serailize");
-static const QString query = QStringLiteral("MaterialControl.queryMaterailData");
 static const QString propertyDialog = QStringLiteral("EngineerPropertySettingWidget");
 static const int markRole = Qt::UserRole + 1;
+
+/// As calls() writes it.
+static QString called(QLatin1String operation, const QString &arguments)
+{
+    return operation + QLatin1Char(' ') + arguments;
+}
 
 class TstSavingFlow : public QObject
 {
@@ -158,7 +163,7 @@ bool TstSavingFlow::pressSave(const QString &name, const QString &comment)
 
 bool TstSavingFlow::hasEnded() const
 {
-    const QVector<JournalEntry> types = Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+    const QVector<JournalEntry> types = Journal::instance()->entries(setOperatorType);
     return !types.isEmpty() && types.last().arguments["type"] == QStringLiteral("OperatorNone") &&
            !WaitingDialog::instance()->isVisible();
 }
@@ -224,33 +229,32 @@ void TstSavingFlow::the_host_is_called_in_this_order()
 {
     QVERIFY(pressSave("Show"));
     QTRY_VERIFY(hasEnded());
-    QStringList expected{"WaitingDialog.showWaitingDialog Sync device data , please wait.",
-                         "OperationAdapter.updateOnlineDevice 192.168.1.11 ST16-2208-0117",
-                         "WaitingDialog.hideWaitingDialog",
-                         "DeviceControler.calLogoMaterailCapacity 192.168.1.11 1 true",
-                         "DeviceControler.usedCapacity 192.168.1.11",
-                         "DeviceControler.setChannelExclusive false 192.168.1.11",
-                         "ICore.setOperatorType OperatorBackup",
-                         "WaitingDialog.setCanelVisible true",
-                         "WaitingDialog.showWaitingDialog Please wait while the project file is exported"};
+    QStringList expected{called(showWaitingDialog, "Sync device data , please wait."),
+                         called(updateOnlineDevice, "192.168.1.11 ST16-2208-0117"),
+                         hideWaitingDialog,
+                         called(calLogoMaterailCapacity, "192.168.1.11 1 true"),
+                         called(usedCapacity, "192.168.1.11"),
+                         called(setChannelExclusive, "false 192.168.1.11"),
+                         called(setOperatorType, "OperatorBackup"),
+                         called(setCanelVisible, "true"),
+                         called(showWaitingDialog, "Please wait while the project file is exported")};
     for (const char *name : {"Opening beams", "Keynote aurora", "Walk-in bokeh", "Stage blue", "Panel aurora",
                              "Award gold", "Finale beams"})
-        expected << QStringLiteral("WaitingDialog.showWaitingDialog Saving the gallery [BKG:%1]...").arg(name)
-                 << "WaitingDialog.setCanelVisible true";
-    expected << "WaitingDialog.hideWaitingDialog"
-             << "ICore.setOperatorType OperatorNone"
-             << "DeviceControler.setChannelExclusive false 192.168.1.11";
+        expected << called(showWaitingDialog, QStringLiteral("Saving the gallery [BKG:%1]...").arg(name))
+                 << called(setCanelVisible, "true");
+    expected << hideWaitingDialog << called(setOperatorType, "OperatorNone")
+             << called(setChannelExclusive, "false 192.168.1.11");
     QString difference = sequenceDifference(calls(true), expected);
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
     QCOMPARE(int(Core::ICore::OperatorBackup), 1);
     QCOMPARE(int(Core::ICore::OperatorNone), 2);
 
     const QStringList ofTheJob = calls(false);
-    QCOMPARE(ofTheJob.first(), serailize + ' ' + m_site->path("devices"));
+    QCOMPARE(ofTheJob.first(), called(serailize, m_site->path("devices")));
     QCOMPARE(ofTheJob.size(), 1 + 7 * 2 + 4 + 6);
     // The job begins only after the host was told of it.
-    VERIFY_JOURNAL_ORDER({"ICore.setOperatorType", "WaitingDialog.showWaitingDialog", serailize, query,
-                          "PresetControl.presetFullDetail2Binary", "ICore.setOperatorType"});
+    VERIFY_JOURNAL_ORDER(
+        {setOperatorType, showWaitingDialog, serailize, queryMaterailData, presetFullDetail2Binary, setOperatorType});
 }
 
 void TstSavingFlow::the_selected_device_becomes_the_active_one()
@@ -259,8 +263,8 @@ void TstSavingFlow::the_selected_device_becomes_the_active_one()
     QCOMPARE(object_brige::instance()->activeDevice()->getIPAddress(), m_site->mainHall);
     QVERIFY(pressSave("Foyer"));
     QTRY_VERIFY(hasEnded());
-    QCOMPARE(calls(true).first(), QString("object_brige.setActiveDevice 192.168.1.20"));
-    QCOMPARE(Journal::instance()->count("object_brige.setActiveDevice"), 1);
+    QCOMPARE(calls(true).first(), called(setActiveDevice, "192.168.1.20"));
+    QCOMPARE(Journal::instance()->count(setActiveDevice), 1);
     QCOMPARE(object_brige::instance()->activeDevice()->getIPAddress(), m_site->foyer);
     QCOMPARE(m_devices->toolTip(), (*m_site)->device(m_site->foyer)->getDeviceInfo());
     QVERIFY(ZipPackageHandle::getFileList(packagePath("Foyer")).contains("192.168.1.20.json"));
@@ -279,7 +283,7 @@ void TstSavingFlow::the_waiting_dialog_shows_text_and_cancel_button()
     Gate start;
     Gate picture;
     Faults::instance()->arm(serailize, start.fault());
-    Faults::instance()->arm(query, picture.fault());
+    Faults::instance()->arm(queryMaterailData, picture.fault());
     QVERIFY(pressSave("Show"));
     QVERIFY(start.waitForThread());
     QVERIFY(waiting->isVisible());
@@ -302,11 +306,11 @@ void TstSavingFlow::an_offline_device_is_neither_synchronised_nor_reserved()
     select(m_site->touringRack);
     QVERIFY(pressSave("Rack"));
     QTRY_VERIFY(hasEnded());
-    const QString difference = sequenceDifference(
-        calls(true), {"object_brige.setActiveDevice 192.168.1.30", "ICore.setOperatorType OperatorBackup",
-                      "WaitingDialog.setCanelVisible true",
-                      "WaitingDialog.showWaitingDialog Please wait while the project file is exported",
-                      "WaitingDialog.hideWaitingDialog", "ICore.setOperatorType OperatorNone"});
+    const QString difference =
+        sequenceDifference(calls(true), {called(setActiveDevice, "192.168.1.30"),
+                                         called(setOperatorType, "OperatorBackup"), called(setCanelVisible, "true"),
+                                         called(showWaitingDialog, "Please wait while the project file is exported"),
+                                         hideWaitingDialog, called(setOperatorType, "OperatorNone")});
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
     QTRY_COMPARE(listedNames(), QStringList{"Rack"});
 }
@@ -429,7 +433,7 @@ void TstSavingFlow::cancelling_the_property_dialog_starts_nothing()
     book.expectDialog(propertyDialog, [](QDialog *dialog) { click(dialog, QStringLiteral("Cancel")); });
     QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-    QCOMPARE(Journal::instance()->count("ICore.setOperatorType"), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
     QCOMPARE(calls(false), QStringList());
     QCOMPARE(QDir(m_projects).entryList(QDir::Files), QStringList());
     QVERIFY(pressSave("Afterwards"));
@@ -477,7 +481,7 @@ void TstSavingFlow::without_a_selected_device_a_save_is_refused()
     book.expectWarning("Warning", "Please select a device.");
     QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-    VERIFY_JOURNAL({"FramelessMessageBox.warning"});
+    VERIFY_JOURNAL({warningBox});
 }
 
 void TstSavingFlow::a_mark_of_three_elements_deselects_the_device()
@@ -494,7 +498,7 @@ void TstSavingFlow::a_mark_of_three_elements_deselects_the_device()
         QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
         QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
     }
-    VERIFY_JOURNAL({"FramelessMessageBox.warning", "FramelessMessageBox.warning"});
+    VERIFY_JOURNAL({warningBox, warningBox});
 }
 
 void TstSavingFlow::an_empty_mark_is_logged_and_the_device_stays()
@@ -560,19 +564,18 @@ void TstSavingFlow::a_device_that_goes_while_the_dialog_is_open_starts_nothing()
     });
     QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-    QCOMPARE(Journal::instance()->count("ICore.setOperatorType"), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
     QVERIFY(!WaitingDialog::instance()->isVisible());
 }
 
 void TstSavingFlow::a_failed_synchronisation_is_told()
 {
-    Faults::instance()->arm("OperationAdapter.updateOnlineDevice", Fault::fail());
+    Faults::instance()->arm(updateOnlineDevice, Fault::fail());
     AnswerBook book;
     book.expectWarning("Warning", "Failed to get device information");
     QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-    VERIFY_JOURNAL({"WaitingDialog.showWaitingDialog", "OperationAdapter.updateOnlineDevice",
-                    "WaitingDialog.hideWaitingDialog", "FramelessMessageBox.warning"});
+    VERIFY_JOURNAL({showWaitingDialog, updateOnlineDevice, hideWaitingDialog, warningBox});
 }
 
 void TstSavingFlow::setEstimate(quint64 mebibytes)
@@ -608,7 +611,7 @@ void TstSavingFlow::an_estimate_equal_to_the_free_space_is_refused()
     book.expectWarning("Warning", "Insufficient default path space to perform current operation");
     QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-    QCOMPARE(Journal::instance()->count("ICore.setOperatorType"), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
 }
 
 void TstSavingFlow::one_mebibyte_less_than_the_free_space_passes()
@@ -653,7 +656,7 @@ void TstSavingFlow::a_failed_backup_is_told()
     QFETCH(QString, message);
     switch (code) {
     case BackupExportBkgFailed:
-        Faults::instance()->arm(query, Fault::fail());
+        Faults::instance()->arm(queryMaterailData, Fault::fail());
         break;
     case BackupOfflineResourceIncomplete:
         select(m_site->touringRack);
@@ -688,20 +691,20 @@ void TstSavingFlow::a_failed_backup_is_told()
 void TstSavingFlow::cancelling_stops_the_transfer_and_is_told()
 {
     const int untilCancelled = 600000;
-    Faults::instance()->arm(query, Fault::late(untilCancelled, 3));
+    Faults::instance()->arm(queryMaterailData, Fault::late(untilCancelled, 3));
     QVERIFY(pressSave("Show"));
-    QTRY_COMPARE(Journal::instance()->count(query), 3);
+    QTRY_COMPARE(Journal::instance()->count(queryMaterailData), 3);
     AnswerBook book;
     book.expectInformation("Remind", "User cancels current operation");
     QVERIFY(click(WaitingDialog::instance(), QStringLiteral("Cancel")));
     QTRY_VERIFY(book.isSatisfied() && hasEnded());
-    const QVector<JournalEntry> cancels = Journal::instance()->entries("DeviceControler.cancelOperator");
+    const QVector<JournalEntry> cancels = Journal::instance()->entries(cancelOperator);
     QCOMPARE(cancels.size(), 1);
     QCOMPARE(cancels.first().arguments["command"].toList(), QVariantList({4, 10}));
     QCOMPARE(cancels.first().arguments["ip"].toString(), m_site->mainHall);
-    QCOMPARE(Journal::instance()->count("DeviceControler.cancelCurrentTask"), 0);
-    QCOMPARE(Journal::instance()->count(query), 3);
-    QCOMPARE(calls(true).last(), QString("DeviceControler.setChannelExclusive false 192.168.1.11"));
+    QCOMPARE(Journal::instance()->count(cancelCurrentTask), 0);
+    QCOMPARE(Journal::instance()->count(queryMaterailData), 3);
+    QCOMPARE(calls(true).last(), called(setChannelExclusive, "false 192.168.1.11"));
     QVERIFY(!QFile::exists(packagePath("Show")));
 }
 
@@ -719,13 +722,13 @@ void TstSavingFlow::what_the_host_throws_ends_in_a_message_data()
     QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("call");
     QTest::addColumn<bool>("refused");
-    QTest::newRow("sync") << "OperationAdapter.updateOnlineDevice" << 1 << true;
-    QTest::newRow("size of the logos") << "DeviceControler.calLogoMaterailCapacity" << 1 << true;
-    QTest::newRow("size of the rest") << "DeviceControler.usedCapacity" << 1 << true;
-    QTest::newRow("freeing the channel before") << "DeviceControler.setChannelExclusive" << 1 << false;
-    QTest::newRow("telling that a save runs") << "ICore.setOperatorType" << 1 << false;
-    QTest::newRow("telling that it ended") << "ICore.setOperatorType" << 2 << false;
-    QTest::newRow("freeing the channel after") << "DeviceControler.setChannelExclusive" << 2 << false;
+    QTest::newRow("sync") << updateOnlineDevice << 1 << true;
+    QTest::newRow("size of the logos") << calLogoMaterailCapacity << 1 << true;
+    QTest::newRow("size of the rest") << usedCapacity << 1 << true;
+    QTest::newRow("freeing the channel before") << setChannelExclusive << 1 << false;
+    QTest::newRow("telling that a save runs") << setOperatorType << 1 << false;
+    QTest::newRow("telling that it ended") << setOperatorType << 2 << false;
+    QTest::newRow("freeing the channel after") << setChannelExclusive << 2 << false;
 }
 
 void TstSavingFlow::what_the_host_throws_ends_in_a_message()
@@ -743,7 +746,7 @@ void TstSavingFlow::what_the_host_throws_ends_in_a_message()
             book.expectWarning("Warning", "Failed to get device information");
             QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
             QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-            QCOMPARE(Journal::instance()->count("ICore.setOperatorType"), 0);
+            QCOMPARE(Journal::instance()->count(setOperatorType), 0);
         } else {
             QVERIFY(pressSave("Show"));
             QTRY_COMPARE(listedNames(), QStringList{"Show"});
@@ -762,21 +765,20 @@ void TstSavingFlow::a_device_that_the_host_throws_back_is_not_saved()
 {
     select(m_site->foyer);
     // Something that is no std::exception, too.
-    Faults::instance()->arm("object_brige.setActiveDevice", Fault::run([] { throw 42; }));
+    Faults::instance()->arm(setActiveDevice, Fault::run([] { throw 42; }));
     const ExpectMessage logged(
         QtCriticalMsg, QStringLiteral("The host threw in setActiveDevice: something that is no std::exception"), 1);
     const AnswerBook book;
     QVERIFY(click(m_panel.data(), QStringLiteral("Save Project")));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-    VERIFY_JOURNAL({"object_brige.setActiveDevice"});
+    VERIFY_JOURNAL({setActiveDevice});
 }
 
 void TstSavingFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
 {
     Gate gate;
-    Faults::instance()->arm(query, gate.fault(2));
-    Faults::instance()->arm("DeviceControler.cancelOperator",
-                            Fault::run([] { throw std::runtime_error("out of luck"); }));
+    Faults::instance()->arm(queryMaterailData, gate.fault(2));
+    Faults::instance()->arm(cancelOperator, Fault::run([] { throw std::runtime_error("out of luck"); }));
     QVERIFY(pressSave("Show"));
     QVERIFY(gate.waitForThread());
     AnswerBook book;
@@ -792,7 +794,7 @@ void TstSavingFlow::a_cancel_that_the_host_throws_back_cancels_all_the_same()
 
 void TstSavingFlow::after_a_failure_the_next_save_works()
 {
-    Faults::instance()->arm(query, Fault::fail());
+    Faults::instance()->arm(queryMaterailData, Fault::fail());
     QVERIFY(pressSave("Show"));
     {
         AnswerBook book;
@@ -848,8 +850,8 @@ void TstSavingFlow::the_list_is_fresh_before_and_after_the_box()
     };
 
     Gate gate;
-    Faults::instance()->arm(query, gate.fault());
-    Faults::instance()->arm(query, Fault::fail());
+    Faults::instance()->arm(queryMaterailData, gate.fault());
+    Faults::instance()->arm(queryMaterailData, Fault::fail());
     QVERIFY(pressSave("Show"));
     QVERIFY(gate.waitForThread());
     QVERIFY(!before || bring());
@@ -874,7 +876,7 @@ void TstSavingFlow::the_list_is_fresh_before_and_after_the_box()
 void TstSavingFlow::a_panel_that_goes_during_a_backup_takes_everything_along()
 {
     Gate gate;
-    Faults::instance()->arm(query, gate.fault(2));
+    Faults::instance()->arm(queryMaterailData, gate.fault(2));
     QVERIFY(pressSave("Show"));
     const QPointer<QThread> job = gate.waitForThread();
     QVERIFY(job);
@@ -884,13 +886,13 @@ void TstSavingFlow::a_panel_that_goes_during_a_backup_takes_everything_along()
     gate.open();
     QTRY_VERIFY(job.isNull());
     QVERIFY(!QFile::exists(packagePath("Show")));
-    QCOMPARE(Journal::instance()->count(query), 2);
+    QCOMPARE(Journal::instance()->count(queryMaterailData), 2);
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
 
 void TstSavingFlow::a_panel_that_goes_while_the_end_is_told_is_quiet()
 {
-    Faults::instance()->arm(query, Fault::fail());
+    Faults::instance()->arm(queryMaterailData, Fault::fail());
     AnswerBook book;
     book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });
     book.expectDialog("HX::Widgets::FramelessMessageBox", [this](QDialog *) { m_panel.reset(); });
@@ -909,8 +911,8 @@ void TstSavingFlow::a_panel_that_goes_after_a_backup_tells_the_host_nothing()
     QTRY_COMPARE(listedNames(), QStringList{"Show"});
     Journal::instance()->clear();
     m_panel.reset();
-    QCOMPARE(Journal::instance()->count("ICore.setOperatorType"), 0);
-    QCOMPARE(Journal::instance()->count("WaitingDialog.hideWaitingDialog"), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
+    QCOMPARE(Journal::instance()->count(hideWaitingDialog), 0);
 }
 
 void TstSavingFlow::a_panel_that_goes_during_a_scan_leaves_it_alone()

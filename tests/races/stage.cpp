@@ -686,7 +686,7 @@ QStringList Stage::brokenJobTruths() const
 {
     QStringList broken = m_surprises;
     const QVector<Simulation::JournalEntry> types =
-        Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+        Journal::instance()->entries(Simulation::Operations::setOperatorType);
     if (!types.isEmpty() && types.last().arguments.value(QStringLiteral("type")) != QStringLiteral("OperatorNone"))
         broken.append(QStringLiteral("the host still believes that an operation runs"));
     const int calls = Journal::instance()->operations().count();

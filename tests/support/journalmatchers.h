@@ -11,7 +11,7 @@ QString sequenceDifference(const QStringList &actual, const QStringList &expecte
 
 /// The operations in the journal of the simulated site must be exactly these, in this order:
 ///
-///     VERIFY_JOURNAL({"DeviceControler.restoreFactory", "DeviceControler.copyModelToDevice"});
+///     VERIFY_JOURNAL({Operations::updateDeviceInfo, Operations::copyModelToDevice});
 QString journalDifference(const QStringList &expected);
 /// These operations must occur in this order; others may stand before, between and after them.
 QString journalOrderDifference(const QStringList &expected);

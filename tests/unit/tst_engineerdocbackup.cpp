@@ -30,6 +30,7 @@
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Simulation::Fault;
 using Simulation::Faults;
 using Simulation::HardwareState;
@@ -81,11 +82,6 @@ extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
     }
     return original(path, flags, mode);
 }
-
-static const QString serailize = QStringLiteral("Serailizer.serailize");
-static const QString query = QStringLiteral("MaterialControl.queryMaterailData");
-static const QString load = QStringLiteral("ImageStorager.load");
-static const QString packPreset = QStringLiteral("PresetControl.presetFullDetail2Binary");
 
 static QStringList times(int count, const QStringList &operations)
 {
@@ -276,7 +272,8 @@ QString TstEngineerDocBackup::packagePath(const QString &name) const
 void TstEngineerDocBackup::a_save_calls_the_host_in_this_order_and_on_the_jobs_thread()
 {
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
-    VERIFY_JOURNAL(QStringList{serailize} + times(7, {query, load}) + times(4, {load}) + times(6, {packPreset}));
+    VERIFY_JOURNAL(QStringList{serailize} + times(7, {queryMaterailData, loadImage}) + times(4, {loadImage}) +
+                   times(6, {presetFullDetail2Binary}));
 
     QStringList arguments;
     quintptr thread = 0;
@@ -285,15 +282,15 @@ void TstEngineerDocBackup::a_save_calls_the_host_in_this_order_and_on_the_jobs_t
         if (thread == 0)
             thread = entry.threadId;
         QCOMPARE(entry.threadId, thread);
-        if (entry.operation == query)
+        if (entry.operation == queryMaterailData)
             QCOMPARE(entry.arguments["entries"].toInt(), 1);
-        if (entry.operation == query)
+        if (entry.operation == queryMaterailData)
             arguments.append(QStringLiteral("%1 %2 %3")
                                  .arg(entry.arguments["ip"].toString(), entry.arguments["keyNo"].toString(),
                                       entry.arguments["picture"].toString()));
-        else if (entry.operation == load)
+        else if (entry.operation == loadImage)
             arguments.append(entry.arguments["imageKey"].toString() + ' ' + entry.arguments["format"].toString());
-        else if (entry.operation == packPreset)
+        else if (entry.operation == presetFullDetail2Binary)
             arguments.append(entry.arguments["number"].toString());
     }
     const QString asOpaque = ' ' + QString::number(QImage::Format_RGB32);
@@ -549,17 +546,17 @@ void TstEngineerDocBackup::the_next_picture_is_fetched_while_one_is_written()
     const QString pipe = stage("BKG/BKG_0.png");
     bool made = false;
     QByteArray written;
-    Faults::instance()->arm(query,
+    Faults::instance()->arm(queryMaterailData,
                             Fault::run([&] { made = ::mkfifo(QFile::encodeName(pipe).constData(), 0600) == 0; }));
-    Faults::instance()->arm(query, Fault::run(
-                                       [&] {
-                                           QFile file(pipe);
-                                           if (file.open(QIODevice::ReadOnly))
-                                               written = file.readAll();
-                                           QFile::remove(pipe);
-                                           writeFile(pipe, written);
-                                       },
-                                       2));
+    Faults::instance()->arm(queryMaterailData, Fault::run(
+                                                   [&] {
+                                                       QFile file(pipe);
+                                                       if (file.open(QIODevice::ReadOnly))
+                                                           written = file.readAll();
+                                                       QFile::remove(pipe);
+                                                       writeFile(pipe, written);
+                                                   },
+                                                   2));
     // A job that does not go on would wait for ever.
     int rescue = -1;
     QTimer timer;
@@ -656,11 +653,11 @@ void TstEngineerDocBackup::a_device_that_vanishes_on_the_way_ends_with_7_data()
     QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("call");
     QTest::addColumn<QStringList>("calls");
-    const QStringList backgrounds = QStringList{serailize} + times(7, {query, load});
+    const QStringList backgrounds = QStringList{serailize} + times(7, {queryMaterailData, loadImage});
     QTest::newRow("before it is looked up") << serailize << 1 << QStringList{serailize};
     QTest::newRow("before the backgrounds") << QString() << 0 << QStringList{serailize};
-    QTest::newRow("before the logos") << load << 7 << backgrounds;
-    QTest::newRow("before the presets") << load << 11 << backgrounds + times(4, {load});
+    QTest::newRow("before the logos") << loadImage << 7 << backgrounds;
+    QTest::newRow("before the presets") << loadImage << 11 << backgrounds + times(4, {loadImage});
 }
 
 void TstEngineerDocBackup::a_device_that_vanishes_on_the_way_ends_with_7()
@@ -683,16 +680,16 @@ void TstEngineerDocBackup::a_device_that_vanishes_on_the_way_ends_with_7()
 
 void TstEngineerDocBackup::a_background_that_cannot_be_fetched_ends_with_1()
 {
-    Faults::instance()->arm(query, Fault::fail(3));
+    Faults::instance()->arm(queryMaterailData, Fault::fail(3));
     QCOMPARE(save(m_site->mainHall), int(BackupExportBkgFailed));
-    VERIFY_JOURNAL(QStringList{serailize} + times(2, {query, load}) + QStringList{query});
+    VERIFY_JOURNAL(QStringList{serailize} + times(2, {queryMaterailData, loadImage}) + QStringList{queryMaterailData});
     QCOMPARE(m_progress.size(), 3);
     QVERIFY(!QFile::exists(packagePath()));
 }
 
 void TstEngineerDocBackup::a_device_that_drops_off_ends_with_1()
 {
-    Faults::instance()->arm(query, Fault::disconnect(7));
+    Faults::instance()->arm(queryMaterailData, Fault::disconnect(7));
     QCOMPARE(save(m_site->mainHall), int(BackupExportBkgFailed));
     QVERIFY(!(*m_site)->device(m_site->mainHall)->getDeviceOnlineFlag());
     QVERIFY(!QFile::exists(packagePath()));
@@ -700,10 +697,10 @@ void TstEngineerDocBackup::a_device_that_drops_off_ends_with_1()
 
 void TstEngineerDocBackup::a_background_that_fails_while_cancelled_ends_with_4()
 {
-    Faults::instance()->arm(query, cancelJob(2));
-    Faults::instance()->arm(query, Fault::fail(2));
+    Faults::instance()->arm(queryMaterailData, cancelJob(2));
+    Faults::instance()->arm(queryMaterailData, Fault::fail(2));
     QCOMPARE(save(m_site->mainHall), int(BackupUserCanceled));
-    VERIFY_JOURNAL({serailize, query, load, query});
+    VERIFY_JOURNAL({serailize, queryMaterailData, loadImage, queryMaterailData});
 }
 
 void TstEngineerDocBackup::a_picture_that_cannot_be_written_does_not_end_the_save_data()
@@ -718,7 +715,7 @@ void TstEngineerDocBackup::a_picture_that_cannot_be_written_does_not_end_the_sav
 {
     QFETCH(int, call);
     QFETCH(QString, missing);
-    Faults::instance()->arm(load, Fault::fail(call));
+    Faults::instance()->arm(loadImage, Fault::fail(call));
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
     const QStringList pictures = unpack(packagePath()).filter(".png");
     QCOMPARE(pictures.size(), 10);
@@ -730,20 +727,20 @@ void TstEngineerDocBackup::a_picture_that_cannot_be_written_does_not_end_the_sav
 
 void TstEngineerDocBackup::an_unopenable_preset_ends_silently_without_a_package()
 {
-    Faults::instance()->arm(packPreset, Fault::run([this] { QDir().mkpath(stage("Preset/2.RPst")); }, 2));
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::run([this] { QDir().mkpath(stage("Preset/2.RPst")); }, 2));
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
     QCOMPARE(m_savedPath, QString());
     QVERIFY(!QFile::exists(packagePath()));
-    QCOMPARE(Journal::instance()->count(packPreset), 2);
+    QCOMPARE(Journal::instance()->count(presetFullDetail2Binary), 2);
     QCOMPARE(WarningGuard::count(QtDebugMsg, "Device [Main hall] serailize error,reason: Is a directory"), 1);
 }
 
 void TstEngineerDocBackup::a_preset_that_cannot_be_serialised_ends_with_5()
 {
-    Faults::instance()->arm(packPreset, Fault::fail(2));
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::fail(2));
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
     QVERIFY(!QFile::exists(packagePath()));
-    QCOMPARE(Journal::instance()->count(packPreset), 2);
+    QCOMPARE(Journal::instance()->count(presetFullDetail2Binary), 2);
     QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("could not be serialised").size(), 1);
 }
 
@@ -769,7 +766,8 @@ void TstEngineerDocBackup::a_file_in_the_preset_folders_place_ends_with_5()
 
 void TstEngineerDocBackup::a_preset_folder_taken_away_ends_with_5()
 {
-    Faults::instance()->arm(packPreset, Fault::run([this] { QDir(stage("Preset")).removeRecursively(); }, 2));
+    Faults::instance()->arm(presetFullDetail2Binary,
+                            Fault::run([this] { QDir(stage("Preset")).removeRecursively(); }, 2));
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
     QVERIFY(!QFile::exists(packagePath()));
 }
@@ -791,11 +789,11 @@ void TstEngineerDocBackup::an_exception_of_the_host_ends_with_5_data()
     QTest::addColumn<int>("call");
     QTest::newRow("serialiser") << serailize << 1;
     for (const int call : {1, 4, 7})
-        QTest::addRow("query %d", call) << query << call;
+        QTest::addRow("query %d", call) << queryMaterailData << call;
     for (const int call : {1, 7, 8, 11})
-        QTest::addRow("load %d", call) << load << call;
+        QTest::addRow("load %d", call) << loadImage << call;
     for (const int call : {1, 6})
-        QTest::addRow("preset %d", call) << packPreset << call;
+        QTest::addRow("preset %d", call) << presetFullDetail2Binary << call;
 }
 
 void TstEngineerDocBackup::an_exception_of_the_host_ends_with_5()
@@ -823,7 +821,7 @@ void TstEngineerDocBackup::an_exception_of_an_encoder_ends_with_5()
 
 void TstEngineerDocBackup::an_exception_without_a_text_ends_with_5()
 {
-    Faults::instance()->arm(load, Fault::run([] { throw 5; }));
+    Faults::instance()->arm(loadImage, Fault::run([] { throw 5; }));
     const ExpectMessage told(QtCriticalMsg, QStringLiteral("The save ended with an exception"), 1);
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
     QVERIFY(!QFile::exists(packagePath()));
@@ -848,15 +846,15 @@ void TstEngineerDocBackup::null_entries_of_the_hosts_lists_are_passed_over()
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
     QCOMPARE(unpack(packagePath()), QStringList({"192.168.1.11.json", "BKG/", "BKG/BKG_0.png", "LOGO/",
                                                  "LOGO/LOGO_0.png", "Preset/", "Preset/1.RPst"}));
-    VERIFY_JOURNAL(QStringList({serailize, query, load, load, packPreset}));
+    VERIFY_JOURNAL(QStringList({serailize, queryMaterailData, loadImage, loadImage, presetFullDetail2Binary}));
 }
 
 void TstEngineerDocBackup::a_full_disk_under_a_picture_ends_with_5()
 {
     QScopedPointer<FullDisk> fullDisk;
-    Faults::instance()->arm(load, Fault::run([&fullDisk] { fullDisk.reset(new FullDisk(50)); }));
+    Faults::instance()->arm(loadImage, Fault::run([&fullDisk] { fullDisk.reset(new FullDisk(50)); }));
     // The package itself would have room again.
-    Faults::instance()->arm(packPreset, Fault::run([&fullDisk] { fullDisk.reset(); }));
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&fullDisk] { fullDisk.reset(); }));
     const int code = save(m_site->mainHall);
     QVERIFY(fullDisk);
     fullDisk.reset();
@@ -880,9 +878,10 @@ void TstEngineerDocBackup::a_full_disk_under_a_preset_ends_with_5()
         state.presets = {{1, PresetState{"large", noise(size)}}, {2, PresetState{"small", "small"}}};
     });
     QScopedPointer<FullDisk> fullDisk;
-    Faults::instance()->arm(packPreset, Fault::run([&fullDisk, room] { fullDisk.reset(new FullDisk(room)); }));
+    Faults::instance()->arm(presetFullDetail2Binary,
+                            Fault::run([&fullDisk, room] { fullDisk.reset(new FullDisk(room)); }));
     // The package itself would have room again.
-    Faults::instance()->arm(packPreset, Fault::run([&fullDisk] { fullDisk.reset(); }, 2));
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&fullDisk] { fullDisk.reset(); }, 2));
     const int code = save(m_site->mainHall);
     QVERIFY(fullDisk);
     fullDisk.reset();
@@ -936,16 +935,16 @@ void TstEngineerDocBackup::what_another_program_took_away_ends_with_5()
     QCOMPARE(save(m_site->mainHall, "Show", "the old one"), int(BackupSuccess));
     const QByteArray before = readFile(packagePath());
     bool wasThere = false;
-    Faults::instance()->arm(packPreset, Fault::run(
-                                            [&] {
-                                                QFile file(stage(name));
-                                                wasThere = file.exists();
-                                                if (isChanged)
-                                                    file.resize(file.size() + 1);
-                                                else
-                                                    file.remove();
-                                            },
-                                            6));
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::run(
+                                                         [&] {
+                                                             QFile file(stage(name));
+                                                             wasThere = file.exists();
+                                                             if (isChanged)
+                                                                 file.resize(file.size() + 1);
+                                                             else
+                                                                 file.remove();
+                                                         },
+                                                         6));
     QCOMPARE(save(m_site->mainHall, "Show", "the new one"), int(BackupEncryptFailed));
     QVERIFY(wasThere);
     QCOMPARE(m_savedPath, QString());
@@ -965,7 +964,7 @@ void TstEngineerDocBackup::a_package_that_came_meanwhile_is_kept()
 {
     QFETCH(bool, isReplaced);
     QVERIFY(!isReplaced || writeFile(packagePath(), "there when the save began"));
-    Faults::instance()->arm(packPreset, Fault::run([&] {
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&] {
                                 QFile::remove(packagePath());
                                 writeFile(packagePath(), "came meanwhile");
                             }));
@@ -977,7 +976,7 @@ void TstEngineerDocBackup::a_package_that_came_meanwhile_is_kept()
 void TstEngineerDocBackup::a_package_that_went_meanwhile_is_not_missed()
 {
     QVERIFY(writeFile(packagePath(), "there when the save began"));
-    Faults::instance()->arm(packPreset, Fault::run([&] { QFile::remove(packagePath()); }));
+    Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&] { QFile::remove(packagePath()); }));
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
     QCOMPARE(m_savedPath, packagePath());
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath()));
@@ -1003,7 +1002,7 @@ void TstEngineerDocBackup::a_package_that_is_damaged_at_once_is_not_told()
 void TstEngineerDocBackup::an_offline_device_is_saved_from_its_directory()
 {
     QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
-    VERIFY_JOURNAL(QStringList{serailize} + times(3, {packPreset}));
+    VERIFY_JOURNAL(QStringList{serailize} + times(3, {presetFullDetail2Binary}));
     QVERIFY(m_progress.isEmpty());
     QCOMPARE(unpack(packagePath()),
              QStringList({"192.168.1.30.json", "BKG/", "BKG/BKG_0.png", "BKG/BKG_1.png", "LOGO/", "LOGO/LOGO_0.png",
@@ -1114,22 +1113,26 @@ void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point_data()
     QTest::addColumn<int>("call");
     QTest::addColumn<int>("code");
     QTest::addColumn<QStringList>("calls");
-    const auto backgrounds = [](int count) { return QStringList{serailize} + times(count, {query, load}); };
-    const auto logos = [&](int count) { return backgrounds(7) + times(count, {load}); };
-    const auto presets = [&](int count) { return logos(4) + times(count, {packPreset}); };
+    const auto backgrounds = [](int count) {
+        return QStringList{serailize} + times(count, {queryMaterailData, loadImage});
+    };
+    const auto logos = [&](int count) { return backgrounds(7) + times(count, {loadImage}); };
+    const auto presets = [&](int count) { return logos(4) + times(count, {presetFullDetail2Binary}); };
 
     QTest::newRow("before background 1") << serailize << 1 << int(BackupUserCanceled) << backgrounds(0);
     for (int done = 1; done < 7; ++done) {
         QTest::addRow("while background %d is fetched", done)
-            << query << done << int(BackupUserCanceled) << backgrounds(done);
-        QTest::addRow("before background %d", done + 1) << load << done << int(BackupUserCanceled) << backgrounds(done);
+            << queryMaterailData << done << int(BackupUserCanceled) << backgrounds(done);
+        QTest::addRow("before background %d", done + 1)
+            << loadImage << done << int(BackupUserCanceled) << backgrounds(done);
     }
     for (int done = 0; done < 4; ++done)
-        QTest::addRow("before logo %d", done + 1) << load << 7 + done << int(BackupUserCanceled) << logos(done);
-    QTest::newRow("before the last picture is written") << load << 11 << int(BackupUserCanceled) << presets(0);
+        QTest::addRow("before logo %d", done + 1) << loadImage << 7 + done << int(BackupUserCanceled) << logos(done);
+    QTest::newRow("before the last picture is written") << loadImage << 11 << int(BackupUserCanceled) << presets(0);
     QTest::newRow("before preset 1") << QString() << 0 << int(BackupUserCanceled) << presets(0);
     for (int done = 1; done < 6; ++done)
-        QTest::addRow("before preset %d", done + 1) << packPreset << done << int(BackupUserCanceled) << presets(done);
+        QTest::addRow("before preset %d", done + 1)
+            << presetFullDetail2Binary << done << int(BackupUserCanceled) << presets(done);
 }
 
 void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point()
@@ -1141,7 +1144,7 @@ void TstEngineerDocBackup::a_cancelled_save_ends_at_the_next_point()
     if (operation.isEmpty())
         s_beforeMkdir = [this](const QByteArray &path) {
             // The folder is made twice: with the other stage folders, and anew for the presets.
-            if (path.endsWith("/Preset") && Journal::instance()->count(load) == 11)
+            if (path.endsWith("/Preset") && Journal::instance()->count(loadImage) == 11)
                 m_job->cancel();
         };
     else
@@ -1164,7 +1167,7 @@ void TstEngineerDocBackup::a_cancel_while_pictures_are_encoded_ends_with_4()
     QFETCH(int, picture);
     // Whichever encoder is held, the job fetches one picture more than were begun before it waits.
     QSemaphore isFetched;
-    Faults::instance()->arm(load, Fault::run([&] { isFetched.release(); }, qMin(11, picture + 1)));
+    Faults::instance()->arm(loadImage, Fault::run([&] { isFetched.release(); }, qMin(11, picture + 1)));
     std::atomic<int> encoded{0};
     m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
         if (++encoded == picture) {
@@ -1174,7 +1177,7 @@ void TstEngineerDocBackup::a_cancel_while_pictures_are_encoded_ends_with_4()
         return EncodedPictures::encodePng(image);
     });
     QCOMPARE(save(m_site->mainHall), int(BackupUserCanceled));
-    QCOMPARE(Journal::instance()->count(packPreset), 0);
+    QCOMPARE(Journal::instance()->count(presetFullDetail2Binary), 0);
     QCOMPARE(m_savedPath, QString());
     QVERIFY(!QFile::exists(packagePath()));
 }
@@ -1195,8 +1198,8 @@ void TstEngineerDocBackup::a_cancel_between_pictures_and_presets_ends_silently()
         return EncodedPictures::encodePng(image);
     });
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
-    QCOMPARE(Journal::instance()->count(load), 11);
-    QCOMPARE(Journal::instance()->count(packPreset), 0);
+    QCOMPARE(Journal::instance()->count(loadImage), 11);
+    QCOMPARE(Journal::instance()->count(presetFullDetail2Binary), 0);
     QCOMPARE(m_savedPath, QString());
     QVERIFY(!QFile::exists(packagePath()));
 }
@@ -1231,7 +1234,7 @@ void TstEngineerDocBackup::a_request_before_the_start_is_lost()
 
 void TstEngineerDocBackup::a_request_while_the_package_is_written_comes_too_late()
 {
-    Faults::instance()->arm(packPreset, cancelJob(6));
+    Faults::instance()->arm(presetFullDetail2Binary, cancelJob(6));
     QCOMPARE(save(m_site->mainHall), int(BackupSuccess));
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath()));
 }

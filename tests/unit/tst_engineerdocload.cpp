@@ -21,6 +21,7 @@
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Simulation::Fault;
 using Simulation::Faults;
 using Simulation::HardwareState;
@@ -30,15 +31,6 @@ static const QString onlineIp = QStringLiteral("10.0.0.11");
 static const QString offlineIp = QStringLiteral("10.0.0.12");
 /// The device from which the packages come; the site does not have it.
 static const QString sourceIp = QStringLiteral("10.0.0.77");
-
-static const QString canEnable = QStringLiteral("DeviceControler.canMVEEnable");
-static const QString enableMvr = QStringLiteral("DeviceControler.enableMVR");
-static const QString copySlots = QStringLiteral("DeviceControler.copySlotDataToDevice");
-static const QString createPicture = QStringLiteral("DeviceControler.createMaterailFromImage");
-static const QString copyModel = QStringLiteral("DeviceControler.copyModelToDevice");
-static const QString copyMvrItems = QStringLiteral("DeviceControler.copyMVRItemDataToDevice");
-static const QString operatorType = QStringLiteral("ICore.setOperatorType");
-static const QString serailize = QStringLiteral("Serailizer.serailize");
 
 static const QString sendConfig = QStringLiteral("Send Config to Device");
 
@@ -617,11 +609,12 @@ void TstEngineerDocLoad::invalid_utf8_becomes_replacement_characters()
 void TstEngineerDocLoad::online_apply_calls_the_host_in_order()
 {
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 0);
-    VERIFY_JOURNAL({canEnable, enableMvr, copySlots, operatorType, createPicture, operatorType, createPicture,
-                    operatorType, createPicture, copyModel, copyMvrItems});
+    VERIFY_JOURNAL({canMVEEnable, enableMVR, copySlotDataToDevice, setOperatorType, createMaterailFromImage,
+                    setOperatorType, createMaterailFromImage, setOperatorType, createMaterailFromImage,
+                    copyModelToDevice, copyMVRItemDataToDevice});
 
     QVector<QVariantMap> pictures;
-    for (const Simulation::JournalEntry &entry : Journal::instance()->entries(createPicture))
+    for (const Simulation::JournalEntry &entry : Journal::instance()->entries(createMaterailFromImage))
         pictures.append(entry.arguments);
     const auto arguments = [](const QSize &imageSize, int kind, const QString &name) {
         return QVariantMap{{QStringLiteral("isListed"), true},       {QStringLiteral("ip"), onlineIp},
@@ -638,9 +631,9 @@ void TstEngineerDocLoad::each_operation_is_called_on_its_controller()
 {
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 0);
     // The others are those of the device that the package describes.
-    const QStringList ofTarget{canEnable, enableMvr, copySlots, createPicture};
+    const QStringList ofTarget{canMVEEnable, enableMVR, copySlotDataToDevice, createMaterailFromImage};
     for (const Simulation::JournalEntry &entry : Journal::instance()->entries()) {
-        if (entry.operation != operatorType)
+        if (entry.operation != setOperatorType)
             QCOMPARE(entry.arguments.value(QStringLiteral("isListed")).toBool(), ofTarget.contains(entry.operation));
     }
 }
@@ -675,7 +668,7 @@ void TstEngineerDocLoad::online_apply_keeps_the_identity_of_the_target()
     for (const char *key : {"ip", "netMask", "gateWay", "mac", "sn", "name", "id", "modelId", "protocolNumber"})
         QCOMPARE(is.value(QLatin1String(key)), before.toJson().value(QLatin1String(key)));
     for (const Simulation::JournalEntry &entry : Journal::instance()->entries()) {
-        if (entry.operation != operatorType)
+        if (entry.operation != setOperatorType)
             QCOMPARE(entry.arguments.value(QStringLiteral("ip")).toString(), onlineIp);
     }
 }
@@ -687,7 +680,7 @@ void TstEngineerDocLoad::progress_names_each_picture_then_the_configuration()
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(packageOf(source)), onlineIp);
     SignalRecorder<QString> progress(job.get(), &EngineerDocLoad::signal_operatoerChanged);
     QStringList seenAtCopy;
-    Faults::instance()->arm(copyModel, Fault::run([&] {
+    Faults::instance()->arm(copyModelToDevice, Fault::run([&] {
                                 QMetaObject::invokeMethod(
                                     QCoreApplication::instance(), [&] { seenAtCopy = progress.values().toList(); },
                                     Qt::BlockingQueuedConnection);
@@ -697,7 +690,7 @@ void TstEngineerDocLoad::progress_names_each_picture_then_the_configuration()
     QCOMPARE(progress.values(), (QVector<QString>{sendConfig}));
     QCOMPARE(seenAtCopy, QStringList{sendConfig});
     QStringList told;
-    for (const Simulation::JournalEntry &entry : Journal::instance()->entries(operatorType)) {
+    for (const Simulation::JournalEntry &entry : Journal::instance()->entries(setOperatorType)) {
         QCOMPARE(entry.arguments.value(QStringLiteral("type")).toString(), QStringLiteral("OperatorLoad"));
         told.append(entry.arguments.value(QStringLiteral("text")).toString());
     }
@@ -709,7 +702,7 @@ void TstEngineerDocLoad::a_device_that_cannot_switch_its_multiviewer_is_not_aske
 {
     (*m_site)->hardware(onlineIp)->change([](HardwareState &state) { state.mvrCapable = false; });
     QCOMPARE(apply(packageOf(plainDevice(sourceIp)), onlineIp), 0);
-    VERIFY_JOURNAL({canEnable, copySlots, copyModel, copyMvrItems});
+    VERIFY_JOURNAL({canMVEEnable, copySlotDataToDevice, copyModelToDevice, copyMVRItemDataToDevice});
 }
 
 void TstEngineerDocLoad::a_package_without_multiviewer_switches_it_off_and_sends_no_items()
@@ -718,8 +711,8 @@ void TstEngineerDocLoad::a_package_without_multiviewer_switches_it_off_and_sends
     HardwareState source = plainDevice(sourceIp);
     source.mvrEnabled = false;
     QCOMPARE(apply(packageOf(source), onlineIp), 0);
-    VERIFY_JOURNAL({canEnable, enableMvr, copySlots, copyModel});
-    QCOMPARE(Journal::instance()->entries(enableMvr).first().arguments.value(QStringLiteral("enable")).toBool(), false);
+    VERIFY_JOURNAL({canMVEEnable, enableMVR, copySlotDataToDevice, copyModelToDevice});
+    QCOMPARE(Journal::instance()->entries(enableMVR).first().arguments.value(QStringLiteral("enable")).toBool(), false);
     QVERIFY(!onlineState().mvrEnabled);
 }
 
@@ -731,25 +724,52 @@ void TstEngineerDocLoad::each_failing_operation_gives_its_code_data()
     QTest::addColumn<QString>("warning");
     QTest::addColumn<QStringList>("calls");
     QTest::newRow("switching the multi-viewer")
-        << enableMvr << 1 << 7 << "^enable\\(disable\\) MVR failed:  ?The device did not answer\\.$"
-        << QStringList{canEnable, enableMvr};
-    QTest::newRow("cards") << copySlots << 1 << 7 << "^set slot data failed\\.$"
-                           << QStringList{canEnable, enableMvr, copySlots};
-    QTest::newRow("first picture") << createPicture << 1 << 14 << QString()
-                                   << QStringList{canEnable,    enableMvr,     copySlots,
-                                                  operatorType, createPicture, copyMvrItems};
-    QTest::newRow("last picture") << createPicture << 3 << 14 << QString()
-                                  << QStringList{canEnable,     enableMvr,    copySlots,     operatorType,
-                                                 createPicture, operatorType, createPicture, operatorType,
-                                                 createPicture, copyMvrItems};
-    QTest::newRow("model") << copyModel << 1 << 7 << QString()
-                           << QStringList{canEnable,     enableMvr,    copySlots,     operatorType,
-                                          createPicture, operatorType, createPicture, operatorType,
-                                          createPicture, copyModel,    copyMvrItems};
-    QTest::newRow("multi-viewer items") << copyMvrItems << 1 << 7 << QString()
-                                        << QStringList{canEnable,     enableMvr,    copySlots,     operatorType,
-                                                       createPicture, operatorType, createPicture, operatorType,
-                                                       createPicture, copyModel,    copyMvrItems};
+        << enableMVR << 1 << 7 << "^enable\\(disable\\) MVR failed:  ?The device did not answer\\.$"
+        << QStringList{canMVEEnable, enableMVR};
+    QTest::newRow("cards") << copySlotDataToDevice << 1 << 7 << "^set slot data failed\\.$"
+                           << QStringList{canMVEEnable, enableMVR, copySlotDataToDevice};
+    QTest::newRow("first picture") << createMaterailFromImage << 1 << 14 << QString()
+                                   << QStringList{canMVEEnable,
+                                                  enableMVR,
+                                                  copySlotDataToDevice,
+                                                  setOperatorType,
+                                                  createMaterailFromImage,
+                                                  copyMVRItemDataToDevice};
+    QTest::newRow("last picture") << createMaterailFromImage << 3 << 14 << QString()
+                                  << QStringList{canMVEEnable,
+                                                 enableMVR,
+                                                 copySlotDataToDevice,
+                                                 setOperatorType,
+                                                 createMaterailFromImage,
+                                                 setOperatorType,
+                                                 createMaterailFromImage,
+                                                 setOperatorType,
+                                                 createMaterailFromImage,
+                                                 copyMVRItemDataToDevice};
+    QTest::newRow("model") << copyModelToDevice << 1 << 7 << QString()
+                           << QStringList{canMVEEnable,
+                                          enableMVR,
+                                          copySlotDataToDevice,
+                                          setOperatorType,
+                                          createMaterailFromImage,
+                                          setOperatorType,
+                                          createMaterailFromImage,
+                                          setOperatorType,
+                                          createMaterailFromImage,
+                                          copyModelToDevice,
+                                          copyMVRItemDataToDevice};
+    QTest::newRow("multi-viewer items") << copyMVRItemDataToDevice << 1 << 7 << QString()
+                                        << QStringList{canMVEEnable,
+                                                       enableMVR,
+                                                       copySlotDataToDevice,
+                                                       setOperatorType,
+                                                       createMaterailFromImage,
+                                                       setOperatorType,
+                                                       createMaterailFromImage,
+                                                       setOperatorType,
+                                                       createMaterailFromImage,
+                                                       copyModelToDevice,
+                                                       copyMVRItemDataToDevice};
 }
 
 void TstEngineerDocLoad::each_failing_operation_gives_its_code()
@@ -769,15 +789,15 @@ void TstEngineerDocLoad::each_failing_operation_gives_its_code()
 
 void TstEngineerDocLoad::multiviewer_items_are_sent_after_a_failed_send()
 {
-    Faults::instance()->arm(createPicture, Fault::fail());
+    Faults::instance()->arm(createMaterailFromImage, Fault::fail());
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 14);
     QCOMPARE(onlineState().mvrItems, richDevice(sourceIp).mvrItems);
 }
 
 void TstEngineerDocLoad::failing_multiviewer_items_replace_the_code_of_a_failed_send()
 {
-    Faults::instance()->arm(createPicture, Fault::fail());
-    Faults::instance()->arm(copyMvrItems, Fault::fail());
+    Faults::instance()->arm(createMaterailFromImage, Fault::fail());
+    Faults::instance()->arm(copyMVRItemDataToDevice, Fault::fail());
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 7);
 }
 
@@ -813,7 +833,7 @@ void TstEngineerDocLoad::key_numbers_have_eight_bits()
         source.logos.insert(quint8(number), {QStringLiteral("l"), isLogo && number == keyNo ? picture : decoy});
     }
     QCOMPARE(apply(descriptionOnly(descriptionOf(source)).file(entry, pngOf(picture)), onlineIp), 0);
-    const QVector<Simulation::JournalEntry> sent = Journal::instance()->entries(createPicture);
+    const QVector<Simulation::JournalEntry> sent = Journal::instance()->entries(createMaterailFromImage);
     QCOMPARE(sent.size(), 1);
     QCOMPARE(sent.first().arguments.value(QStringLiteral("name")).toString(), sentName);
     QCOMPARE(sent.first().arguments.value(QStringLiteral("kind")).toInt(), isLogo ? 1 : 0);
@@ -860,7 +880,7 @@ void TstEngineerDocLoad::folders_are_read_with_case_and_endings_without()
     const QImage picture = noisePicture({5, 3}, 5, QImage::Format_ARGB32);
     source.logos.insert(2, {QStringLiteral("Sponsor"), picture});
     QCOMPARE(apply(descriptionOnly(descriptionOf(source)).file(entry, pngOf(picture)), onlineIp), 0);
-    QCOMPARE(Journal::instance()->count(createPicture), isApplied ? 1 : 0);
+    QCOMPARE(Journal::instance()->count(createMaterailFromImage), isApplied ? 1 : 0);
     if (isApplied)
         QCOMPARE(onlineState().logos.value(2).pixels, picture);
 }
@@ -875,14 +895,14 @@ void TstEngineerDocLoad::pictures_elsewhere_are_extracted_and_left()
     QCOMPARE(readFile(m_site->extractPath() + QStringLiteral("/Extra/cover.png")), png);
     QCOMPARE(readFile(m_site->extractPath() + QStringLiteral("/top.PNG")), cut);
     QVERIFY(!QFile::exists(m_site->extractPath() + QStringLiteral("/Extra/notes.txt")));
-    QCOMPARE(Journal::instance()->count(createPicture), 3);
+    QCOMPARE(Journal::instance()->count(createMaterailFromImage), 3);
 }
 
 void TstEngineerDocLoad::an_applied_picture_is_removed_from_the_extraction_folder()
 {
     const QString path = m_site->extractPath() + QStringLiteral("/BKG/BKG_1.png");
     bool wasThere = false;
-    Faults::instance()->arm(createPicture, Fault::run([&] { wasThere = QFile::exists(path); }));
+    Faults::instance()->arm(createMaterailFromImage, Fault::run([&] { wasThere = QFile::exists(path); }));
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 0);
     QVERIFY(wasThere);
     QCOMPARE(contents(m_site->extractPath()),
@@ -891,7 +911,7 @@ void TstEngineerDocLoad::an_applied_picture_is_removed_from_the_extraction_folde
 
 void TstEngineerDocLoad::a_picture_whose_apply_failed_is_left()
 {
-    Faults::instance()->arm(createPicture, Fault::fail(2));
+    Faults::instance()->arm(createMaterailFromImage, Fault::fail(2));
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 14);
     QCOMPARE(contents(m_site->extractPath()), (QStringList{sourceIp + QStringLiteral(".json"), QStringLiteral("BKG"),
                                                            QStringLiteral("BKG/BKG_7.png"), QStringLiteral("LOGO")}));
@@ -900,7 +920,7 @@ void TstEngineerDocLoad::a_picture_whose_apply_failed_is_left()
 void TstEngineerDocLoad::a_picture_that_cannot_be_removed_is_no_error()
 {
     const QString path = m_site->extractPath() + QStringLiteral("/BKG/BKG_1.png");
-    Faults::instance()->arm(createPicture, Fault::run([&] { QFile::remove(path); }));
+    Faults::instance()->arm(createMaterailFromImage, Fault::run([&] { QFile::remove(path); }));
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), 0);
     const QStringList logged = WarningGuard::texts(QtDebugMsg).filter(QStringLiteral("Remove file failed:"));
     QCOMPARE(logged.size(), 1);
@@ -1133,7 +1153,8 @@ void TstEngineerDocLoad::a_picture_that_is_in_the_package_twice_is_sent_once()
     PackageBuilder package = packageOf(source);
     package.file("BKG/BKG_1.png", pngOf(noisePicture({16, 9}, 2)));
     QCOMPARE(apply(package, onlineIp), 0);
-    VERIFY_JOURNAL({canEnable, enableMvr, copySlots, operatorType, createPicture, copyModel, copyMvrItems});
+    VERIFY_JOURNAL({canMVEEnable, enableMVR, copySlotDataToDevice, setOperatorType, createMaterailFromImage,
+                    copyModelToDevice, copyMVRItemDataToDevice});
     QCOMPARE(onlineState().backgrounds.value(1).pixels, source.backgrounds.value(1).pixels);
 }
 
@@ -1350,7 +1371,7 @@ void TstEngineerDocLoad::an_offline_device_gets_its_files_before_its_model()
     int presets = 0;
     bool hasThumbnail = true;
     bool wasOldModel = false;
-    Faults::instance()->arm(QStringLiteral("Device.fromJson"), Fault::run([&] {
+    Faults::instance()->arm(deviceFromJson, Fault::run([&] {
                                 hasFiles = QFile::exists(m_site->devicePath(offlineIp) + "/Preset/300.RPst");
                                 wasOldModel = device->getName() == plainDevice(offlineIp).identity.name &&
                                               device->getScreens().empty();
@@ -1410,13 +1431,13 @@ void TstEngineerDocLoad::a_host_call_that_throws_is_code_7_data()
     QTest::addColumn<QString>("ip");
     QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("call");
-    for (const QString &operation : {canEnable, enableMvr, copySlots, operatorType, createPicture, copyModel,
-                                     copyMvrItems, QStringLiteral("DeviceList.getDeviceByIPAddr")})
-        QTest::addRow("online, %s", qPrintable(operation)) << onlineIp << operation << 1;
-    QTest::addRow("online, the last picture") << onlineIp << createPicture << 3;
-    for (const QString &operation :
-         {serailize, QStringLiteral("Device.fromJson"), QStringLiteral("DeviceList.getDeviceByIPAddr")})
-        QTest::addRow("offline, %s", qPrintable(operation)) << offlineIp << operation << 1;
+    for (const QLatin1String operation :
+         {canMVEEnable, enableMVR, copySlotDataToDevice, setOperatorType, createMaterailFromImage, copyModelToDevice,
+          copyMVRItemDataToDevice, getDeviceByIPAddr})
+        QTest::addRow("online, %s", operation.data()) << onlineIp << operation << 1;
+    QTest::addRow("online, the last picture") << onlineIp << createMaterailFromImage << 3;
+    for (const QLatin1String operation : {serailize, deviceFromJson, getDeviceByIPAddr})
+        QTest::addRow("offline, %s", operation.data()) << offlineIp << operation << 1;
 }
 
 void TstEngineerDocLoad::a_host_call_that_throws_is_code_7()
@@ -1436,8 +1457,8 @@ void TstEngineerDocLoad::a_host_call_that_throws_is_code_7()
 void TstEngineerDocLoad::a_check_in_which_the_host_throws_is_code_7_data()
 {
     QTest::addColumn<QString>("operation");
-    QTest::newRow("looking for the device") << QStringLiteral("DeviceList.getDeviceByIPAddr");
-    QTest::newRow("reading the description") << QStringLiteral("Device.fromJson");
+    QTest::newRow("looking for the device") << getDeviceByIPAddr;
+    QTest::newRow("reading the description") << deviceFromJson;
 }
 
 void TstEngineerDocLoad::a_check_in_which_the_host_throws_is_code_7()
@@ -1518,9 +1539,9 @@ void TstEngineerDocLoad::nothing_is_written_outside()
     for (const QString &path : contents(m_site->path()))
         QVERIFY2(before.contains(path), qPrintable(path));
     QVERIFY(!QFile::exists(QStringLiteral("/tmp/projectfilecfg-evil.png")));
-    QCOMPARE(Journal::instance()->count(createPicture), 0);
+    QCOMPARE(Journal::instance()->count(createMaterailFromImage), 0);
     QCOMPARE(Journal::instance()->count(serailize), target == offlineIp ? 1 : 0);
-    QCOMPARE(Journal::instance()->count(copySlots), 0);
+    QCOMPARE(Journal::instance()->count(copySlotDataToDevice), 0);
 }
 
 void TstEngineerDocLoad::a_description_that_climbs_out_is_code_5()
@@ -1591,7 +1612,8 @@ void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked()
     const QString path = write(packageOf(packed));
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(path, ip);
     if (isRunning)
-        Faults::instance()->arm(ip == onlineIp ? createPicture : serailize, Fault::run([&] { change(path); }));
+        Faults::instance()->arm(ip == onlineIp ? createMaterailFromImage : serailize,
+                                Fault::run([&] { change(path); }));
     else
         change(path);
     QCOMPARE(runJob(*job), int(LoadSuccess));
@@ -1683,24 +1705,27 @@ void TstEngineerDocLoad::cancelling_online_is_seen_at_every_point_data()
     QTest::addColumn<QStringList>("calls");
     QTest::addColumn<QStringList>("extracted");
 
-    const QStringList begin{canEnable, enableMvr, copySlots};
-    const QStringList picture{operatorType, createPicture};
+    const QStringList begin{canMVEEnable, enableMVR, copySlotDataToDevice};
+    const QStringList picture{setOperatorType, createMaterailFromImage};
     const QString description = QStringLiteral("a.json");
     const QStringList folders{QStringLiteral("BKG"), description};
     QTest::newRow("before the cards: seen at the first entry")
-        << enableMvr << 1 << begin + QStringList{copyMvrItems} << folders;
+        << enableMVR << 1 << begin + QStringList{copyMVRItemDataToDevice} << folders;
     QTest::newRow("during the cards: seen at the first entry")
-        << copySlots << 1 << begin + QStringList{copyMvrItems} << folders;
+        << copySlotDataToDevice << 1 << begin + QStringList{copyMVRItemDataToDevice} << folders;
     QTest::newRow("during the first picture: seen at the second entry")
-        << createPicture << 1 << begin + picture + QStringList{copyMvrItems} << folders;
+        << createMaterailFromImage << 1 << begin + picture + QStringList{copyMVRItemDataToDevice} << folders;
     QTest::newRow("during the second picture: seen at the third entry")
-        << createPicture << 2 << begin + picture + picture + QStringList{copyMvrItems} << folders;
+        << createMaterailFromImage << 2 << begin + picture + picture + QStringList{copyMVRItemDataToDevice} << folders;
     QTest::newRow("during the last picture: seen after the pictures")
-        << createPicture << 3 << begin + picture + picture + picture + QStringList{copyMvrItems} << folders;
+        << createMaterailFromImage << 3 << begin + picture + picture + picture + QStringList{copyMVRItemDataToDevice}
+        << folders;
     QTest::newRow("during the model: seen at the end")
-        << copyModel << 1 << begin + picture + picture + picture + QStringList{copyModel, copyMvrItems} << folders;
+        << copyModelToDevice << 1
+        << begin + picture + picture + picture + QStringList{copyModelToDevice, copyMVRItemDataToDevice} << folders;
     QTest::newRow("during the multi-viewer items: seen at the end")
-        << copyMvrItems << 1 << begin + picture + picture + picture + QStringList{copyModel, copyMvrItems} << folders;
+        << copyMVRItemDataToDevice << 1
+        << begin + picture + picture + picture + QStringList{copyModelToDevice, copyMVRItemDataToDevice} << folders;
 }
 
 void TstEngineerDocLoad::cancelling_online_is_seen_at_every_point()
@@ -1725,14 +1750,14 @@ void TstEngineerDocLoad::cancelling_online_is_seen_at_every_point()
     VERIFY_JOURNAL(calls);
     // No file is left of an entry that is not sent; the check has made the folder.
     QCOMPARE(contents(m_site->extractPath()), extracted);
-    QCOMPARE(progress.count(), calls.contains(copyModel) ? 1 : 0);
+    QCOMPARE(progress.count(), calls.contains(copyModelToDevice) ? 1 : 0);
 }
 
 void TstEngineerDocLoad::cancelling_does_not_hide_an_earlier_failure()
 {
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(packageOf(richDevice(sourceIp))), onlineIp);
-    Faults::instance()->arm(createPicture, Fault::run([&] { job->cancel(); }));
-    Faults::instance()->arm(createPicture, Fault::fail());
+    Faults::instance()->arm(createMaterailFromImage, Fault::run([&] { job->cancel(); }));
+    Faults::instance()->arm(createMaterailFromImage, Fault::fail());
     QCOMPARE(runJob(*job), 14);
 }
 
