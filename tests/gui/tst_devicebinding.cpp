@@ -1,5 +1,5 @@
-#include "paneltesting.h"
 #include "translatedtexts.h"
+#include <support/paneltesting.h>
 
 #include <support/answerbook.h>
 #include <support/journalmatchers.h>
@@ -50,27 +50,12 @@ void changeDevice(const std::shared_ptr<Model::Device> &device, const std::funct
     editor.replace(data);
 }
 
-QStringList markList(const QComboBox *combo, int index)
-{
-    return combo->itemData(index, Qt::UserRole + 1).toStringList();
-}
-
-QStringList markedAddresses(const QComboBox *combo)
+QStringList markedAddresses(const Panel &panel)
 {
     QStringList addresses;
-    for (int i = 0; i < combo->count(); ++i)
-        addresses.append(markList(combo, i).value(3));
+    for (int i = 0; i < panel.deviceCombo()->count(); ++i)
+        addresses.append(panel.marks(i).value(3));
     return addresses;
-}
-
-QString selectedAddress(const Panel &panel)
-{
-    return markedAddresses(panel.deviceCombo()).value(panel.deviceCombo()->currentIndex());
-}
-
-void select(const Panel &panel, const QString &ip)
-{
-    panel.deviceCombo()->setCurrentIndex(markedAddresses(panel.deviceCombo()).indexOf(ip));
 }
 
 /// Hiding and showing the panel is how its user gets to see a changed list of devices.
@@ -167,7 +152,7 @@ void TstDeviceBinding::selector_lists_devices_with_support_in_the_host_s_order()
 {
     const RunningSite site;
     const Panel panel;
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, sideStage, foyer, touringRack}));
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, sideStage, foyer, touringRack}));
     QVERIFY(!site->device(boothSwitcher)->deviceConfig().supportProjectFile);
 }
 
@@ -177,9 +162,9 @@ void TstDeviceBinding::entries_carry_tool_tip_and_mark_list()
     const Panel panel;
     const QComboBox *combo = panel.deviceCombo();
     for (int i = 0; i < combo->count(); ++i) {
-        const std::shared_ptr<Model::Device> device = site->device(markedAddresses(combo).at(i));
+        const std::shared_ptr<Model::Device> device = site->device(panel.marks(i).value(3));
         QCOMPARE(combo->itemData(i, Qt::ToolTipRole).toString(), device->getDeviceInfo());
-        QCOMPARE(markList(combo, i), QStringList({device->getDeviceInfo(), device->getTypeString(), device->getName(),
+        QCOMPARE(panel.marks(i), QStringList({device->getDeviceInfo(), device->getTypeString(), device->getName(),
                                                   device->getIPAddress()}));
     }
 }
@@ -201,7 +186,7 @@ void TstDeviceBinding::long_texts_are_elided_in_the_middle_to_260_pixels()
     QVERIFY(info.endsWith(text.right(8)));
     QVERIFY(combo->fontMetrics().horizontalAdvance(text) <= 260);
     QCOMPARE(combo->itemData(0, Qt::ToolTipRole).toString(), info);
-    QCOMPARE(markList(combo, 0).at(0), info);
+    QCOMPARE(panel.marks(0).at(0), info);
     QCOMPARE(combo->currentIndex(), 0);
 }
 
@@ -236,7 +221,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
 
     const Panel panel;
     panel->show();
-    select(panel, sideStage);
+    panel.selectDevice(sideStage);
     const QString shownTips[] = {panel.deviceCombo()->itemData(1, Qt::ToolTipRole).toString(),
                                  panel.deviceCombo()->toolTip()};
     for (const QString &tip : shownTips) {
@@ -253,7 +238,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
             QVERIFY(!format.isImageFormat() && !format.hasProperty(QTextFormat::FontWeight));
     }
     // Saving sets it too, from the raw text.
-    QCOMPARE(markList(panel.deviceCombo(), 1), QStringList({info, name, name, sideStage}));
+    QCOMPARE(panel.marks(1), QStringList({info, name, name, sideStage}));
     panel.deviceCombo()->setToolTip(QString());
     QCOMPARE(boundAddress(panel, site), sideStage);
     QCOMPARE(panel.deviceCombo()->toolTip(), shownTips[1]);
@@ -264,7 +249,7 @@ void TstDeviceBinding::the_active_device_is_selected()
     const RunningSite site;
     activate(site->device(foyer));
     const Panel panel;
-    QCOMPARE(selectedAddress(panel), foyer);
+    QCOMPARE(panel.selectedAddress(), foyer);
     panel->show();
     QCOMPARE(boundAddress(panel, site), foyer);
 }
@@ -274,10 +259,10 @@ void TstDeviceBinding::the_active_device_wins_over_the_selection()
     const RunningSite site;
     const Panel panel;
     panel->show();
-    select(panel, foyer);
+    panel.selectDevice(foyer);
     activate(site->device(sideStage));
     showAgain(panel);
-    QCOMPARE(selectedAddress(panel), sideStage);
+    QCOMPARE(panel.selectedAddress(), sideStage);
     QCOMPARE(boundAddress(panel, site), sideStage);
 }
 
@@ -286,10 +271,10 @@ void TstDeviceBinding::without_an_active_device_the_selection_is_found_by_its_ad
     const RunningSite site = siteWithoutActiveDevice();
     const Panel panel;
     panel->show();
-    select(panel, foyer);
+    panel.selectDevice(foyer);
     changeDevice(site->device(foyer), [](Model::DeviceData &data) { data.name = QStringLiteral("Renamed"); });
     showAgain(panel);
-    QCOMPARE(selectedAddress(panel), foyer);
+    QCOMPARE(panel.selectedAddress(), foyer);
     QCOMPARE(panel.deviceCombo()->currentData(Qt::ToolTipRole).toString(), site->device(foyer)->getDeviceInfo());
     QCOMPARE(site->device(foyer)->getName(), QStringLiteral("Renamed"));
     QCOMPARE(boundAddress(panel, site), foyer);
@@ -318,12 +303,12 @@ void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_o
     const Panel panel;
     panel->show();
     QCOMPARE(panel.deviceCombo()->itemText(1), panel.deviceCombo()->itemText(2));
-    select(panel, addressWith(QLatin1Char('1')));
+    panel.selectDevice(addressWith(QLatin1Char('1')));
     QCOMPARE(panel.deviceCombo()->currentIndex(), 1);
 
     Model::DeviceList::instance()->removeDevice(addressWith(QLatin1Char('1')));
     showAgain(panel);
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, addressWith(QLatin1Char('2')), touringRack}));
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, addressWith(QLatin1Char('2')), touringRack}));
     QCOMPARE(panel.deviceCombo()->currentIndex(), 1);
     QCOMPARE(boundAddress(panel, site), QString());
 }
@@ -334,7 +319,7 @@ void TstDeviceBinding::an_active_device_without_support_is_bound_but_not_offered
     activate(site->device(boothSwitcher));
     const Panel panel;
     panel->show();
-    QVERIFY(!markedAddresses(panel.deviceCombo()).contains(boothSwitcher));
+    QVERIFY(!markedAddresses(panel).contains(boothSwitcher));
     QCOMPARE(boundAddress(panel, site), boothSwitcher);
 }
 
@@ -346,8 +331,8 @@ void TstDeviceBinding::showing_the_panel_refills_the_selector()
     Model::DeviceList::instance()->removeDevice(sideStage);
     QCOMPARE(panel.deviceCombo()->count(), 4);
     showAgain(panel);
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, foyer, touringRack}));
-    QCOMPARE(selectedAddress(panel), mainHall);
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, foyer, touringRack}));
+    QCOMPARE(panel.selectedAddress(), mainHall);
 }
 
 void TstDeviceBinding::refilling_never_counts_as_a_choice()
@@ -359,13 +344,13 @@ void TstDeviceBinding::refilling_never_counts_as_a_choice()
     activate(site->device(touringRack));
     showAgain(panel);
     panel->retranslateUi();
-    QCOMPARE(selectedAddress(panel), touringRack);
+    QCOMPARE(panel.selectedAddress(), touringRack);
     QCOMPARE(panel.deviceCombo()->toolTip(), QString());
 
-    select(panel, sideStage);
+    panel.selectDevice(sideStage);
     QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
     showAgain(panel);
-    QCOMPARE(selectedAddress(panel), touringRack);
+    QCOMPARE(panel.selectedAddress(), touringRack);
     QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
 }
 
@@ -435,8 +420,8 @@ void TstDeviceBinding::devices_that_are_null_are_passed_over()
     Model::DeviceList::instance()->addDevice(nullptr);
     const Panel panel;
     panel->show();
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, sideStage, foyer, touringRack}));
-    select(panel, foyer);
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, sideStage, foyer, touringRack}));
+    panel.selectDevice(foyer);
     QCOMPARE(boundAddress(panel, site), foyer);
 }
 
@@ -446,7 +431,7 @@ void TstDeviceBinding::choosing_a_device_binds_it()
     const Panel panel;
     panel->show();
     for (const QString &ip : {touringRack, sideStage, mainHall, foyer}) {
-        select(panel, ip);
+        panel.selectDevice(ip);
         QCOMPARE(panel.deviceCombo()->toolTip(), site->device(ip)->getDeviceInfo());
         QCOMPARE(boundAddress(panel, site), ip);
     }
@@ -457,8 +442,8 @@ void TstDeviceBinding::an_entry_without_marks_changes_nothing()
     const RunningSite site;
     const Panel panel;
     panel->show();
-    select(panel, sideStage);
-    panel.deviceCombo()->setItemData(2, QVariant(), Qt::UserRole + 1);
+    panel.selectDevice(sideStage);
+    panel.deviceCombo()->setItemData(2, QVariant(), Panel::markRole);
     {
         const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("parameter is empty!!!"), 1);
         panel.deviceCombo()->setCurrentIndex(2);
@@ -484,7 +469,7 @@ void TstDeviceBinding::an_entry_with_wrong_marks_unbinds_the_device()
     for (const QStringList &marks : {QStringList(tooMany.mid(0, 3)), tooMany}) {
         showAgain(panel);
         QCOMPARE(boundAddress(panel, site), mainHall);
-        panel.deviceCombo()->setItemData(1, marks, Qt::UserRole + 1);
+        panel.deviceCombo()->setItemData(1, marks, Panel::markRole);
         {
             const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("device mark list count error."), 1);
             panel.deviceCombo()->setCurrentIndex(1);
@@ -622,7 +607,7 @@ void TstDeviceBinding::an_offline_device_is_not_synchronised()
     const RunningSite site;
     const Panel panel;
     panel->show();
-    select(panel, touringRack);
+    panel.selectDevice(touringRack);
     Journal::instance()->clear();
     QCOMPARE(boundAddress(panel, site), touringRack);
     VERIFY_JOURNAL({setActiveDevice});

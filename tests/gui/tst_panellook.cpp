@@ -1,5 +1,5 @@
-#include "paneltesting.h"
 #include "translatedtexts.h"
+#include <support/paneltesting.h>
 
 #include <engineerpropertysettingwidget.h>
 

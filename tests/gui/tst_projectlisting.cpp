@@ -1,4 +1,4 @@
-#include "paneltesting.h"
+#include <support/paneltesting.h>
 #include <unit/packagetesting.h>
 
 #include <support/heldfile.h>
@@ -52,31 +52,6 @@ public:
 private:
     const int m_threads;
     HeldFile m_file{projectFile(QStringLiteral("held"))};
-};
-
-/// Knows every future watcher that was told something since it was made.
-class FutureWatchers : public QObject
-{
-public:
-    FutureWatchers() { qApp->installEventFilter(this); }
-
-    bool eventFilter(QObject *object, QEvent *event) override
-    {
-        if (event->type() == QEvent::FutureCallOut && !m_seen.contains(object))
-            m_seen.append(object);
-        return false;
-    }
-
-    int seen() const { return m_seen.count(); }
-    int alive() const
-    {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        return int(std::count_if(m_seen.begin(), m_seen.end(),
-                                 [](const QPointer<QObject> &watcher) { return !watcher.isNull(); }));
-    }
-
-private:
-    QVector<QPointer<QObject>> m_seen;
 };
 
 } // namespace

@@ -1,4 +1,4 @@
-#include <gui/paneltesting.h>
+#include <support/paneltesting.h>
 
 #include <support/answerbook.h>
 #include <support/customsite.h>

@@ -4,9 +4,9 @@
 #include <zippackagehandle.h>
 
 #include <data/hostilepackages.h>
-#include <gui/paneltesting.h>
 #include <support/answerbook.h>
 #include <support/customsite.h>
+#include <support/paneltesting.h>
 #include <support/signalrecorder.h>
 #include <support/testmain.h>
 

@@ -47,4 +47,12 @@ QString journalOrderDifference(const QStringList &expected)
     return QString();
 }
 
+QVariantList journalArguments(const QString &operation, const char *argument)
+{
+    QVariantList values;
+    for (const Simulation::JournalEntry &entry : Simulation::Journal::instance()->entries(operation))
+        values.append(entry.arguments.value(QLatin1String(argument)));
+    return values;
+}
+
 } // namespace TestSupport

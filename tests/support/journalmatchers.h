@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 namespace TestSupport {
 
@@ -15,6 +16,9 @@ QString sequenceDifference(const QStringList &actual, const QStringList &expecte
 QString journalDifference(const QStringList &expected);
 /// These operations must occur in this order; others may stand before, between and after them.
 QString journalOrderDifference(const QStringList &expected);
+
+/// That argument of each call of the operation, in order.
+QVariantList journalArguments(const QString &operation, const char *argument);
 
 } // namespace TestSupport
 

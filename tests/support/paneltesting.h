@@ -4,24 +4,32 @@
 
 #include <core/hostsettings.h>
 #include <simulation/session/session.h>
+#include <support/answerbook.h>
 #include <support/packagebuilder.h>
+#include <widgets/fixedbitlineeditex.h>
 
 #include <QComboBox>
 #include <QDateTime>
+#include <QDialog>
 #include <QDir>
+#include <QEvent>
 #include <QFile>
+#include <QFileSystemWatcher>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QSemaphore>
 #include <QStandardPaths>
 #include <QTableWidget>
+#include <QTextEdit>
 #include <QThreadPool>
 #include <QToolButton>
 #include <QtConcurrentRun>
 #include <QtTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -133,6 +141,73 @@ private:
     QSemaphore m_end;
 };
 
+/// Tells when the system has reported a change of the project-files directory, as it does to the panel.
+class DirectoryObserver
+{
+public:
+    DirectoryObserver()
+        : m_watcher(QStringList{projectFilesPath()})
+    {
+        QObject::connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_watcher, [this] { ++m_changes; });
+    }
+    int changes() const { return m_changes; }
+
+private:
+    int m_changes = 0;
+    QFileSystemWatcher m_watcher;
+};
+
+/// Knows every future watcher that was told something since it was made: those of scans, copies and imports.
+class FutureWatchers : public QObject
+{
+public:
+    FutureWatchers() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::FutureCallOut && !m_seen.contains(object))
+            m_seen.append(object);
+        return false;
+    }
+
+    int seen() const { return m_seen.count(); }
+    int alive() const
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return int(std::count_if(m_seen.begin(), m_seen.end(),
+                                 [](const QPointer<QObject> &watcher) { return !watcher.isNull(); }));
+    }
+
+private:
+    QVector<QPointer<QObject>> m_seen;
+};
+
+/// The dialog of name and comment, as AnswerBook knows it.
+inline const QString propertyDialog = QStringLiteral("EngineerPropertySettingWidget");
+
+/// What the property dialog shows.
+struct Properties
+{
+    QString name;
+    QString comment;
+};
+inline Properties propertiesIn(const QDialog *dialog)
+{
+    return {dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->text(),
+            dialog->findChild<QTextEdit *>()->toPlainText()};
+}
+inline void enterProperties(const QDialog *dialog, const QString &name, const QString &comment)
+{
+    dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText(name);
+    dialog->findChild<QTextEdit *>()->setPlainText(comment);
+}
+/// Fills the dialog and presses OK.
+inline void answerProperties(QDialog *dialog, const QString &name, const QString &comment)
+{
+    enterProperties(dialog, name, comment);
+    TestSupport::click(dialog, QStringLiteral("OK"));
+}
+
 /// The panel and its parts, found where the user finds them.
 class Panel
 {
@@ -166,6 +241,29 @@ public:
     QList<QToolButton *> rowButtons(int tableRow) const
     {
         return table()->cellWidget(tableRow, 2)->findChildren<QToolButton *>();
+    }
+
+    /// The buttons of that project's row; null when it is not listed.
+    QWidget *projectRow(const QString &project) const
+    {
+        const int tableRow = names().indexOf(project);
+        return tableRow < 0 ? nullptr : table()->cellWidget(tableRow, 2);
+    }
+
+    /// The list of four that each entry of the selector carries: information, type, name and address.
+    static constexpr int markRole = Qt::UserRole + 1;
+    QStringList marks(int index) const { return deviceCombo()->itemData(index, markRole).toStringList(); }
+    QString selectedAddress() const { return marks(deviceCombo()->currentIndex()).value(3); }
+    /// Chooses the device with that address in the selector; false when it is not there.
+    bool selectDevice(const QString &ip) const
+    {
+        for (int index = 0; index < deviceCombo()->count(); ++index) {
+            if (marks(index).value(3) == ip) {
+                deviceCombo()->setCurrentIndex(index);
+                return true;
+            }
+        }
+        return false;
     }
 
     /// Starts a scan, as every operation that changes the directory does, and waits for its end.
