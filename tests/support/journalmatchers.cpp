@@ -47,6 +47,16 @@ QString journalOrderDifference(const QStringList &expected)
     return QString();
 }
 
+QStringList mainThreadOperations()
+{
+    QStringList operations;
+    for (const Simulation::JournalEntry &entry : Simulation::Journal::instance()->entries()) {
+        if (entry.onMainThread)
+            operations.append(entry.operation);
+    }
+    return operations;
+}
+
 QVariantList journalArguments(const QString &operation, const char *argument)
 {
     QVariantList values;

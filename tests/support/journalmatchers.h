@@ -17,6 +17,8 @@ QString journalDifference(const QStringList &expected);
 /// These operations must occur in this order; others may stand before, between and after them.
 QString journalOrderDifference(const QStringList &expected);
 
+/// What the user-interface thread did, in order.
+QStringList mainThreadOperations();
 /// That argument of each call of the operation, in order.
 QVariantList journalArguments(const QString &operation, const char *argument);
 

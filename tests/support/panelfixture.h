@@ -8,6 +8,8 @@
 #include "warningguard.h"
 
 #include <simulation/journal.h>
+#include <simulation/operation.h>
+#include <widgets/waitingdialog.h>
 
 #include <QTemporaryDir>
 
@@ -45,7 +47,11 @@ protected:
         settle();
         m_book.reset();
         m_panel.reset();
+        // Where a test failed, a job may still be waiting for the device.
+        Simulation::cancelRunningOperations();
         settle();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        Corvel::Widgets::WaitingDialog::instance()->hideWaitingDialog();
         m_site.reset();
         m_elsewhere.reset();
     }
@@ -97,6 +103,29 @@ protected:
     {
         return QVariant(TestSupport::journalArguments(Simulation::Operations::showWaitingDialog, "text"))
             .toStringList();
+    }
+    /// True when the host was told that a job runs and that none does any more, and nobody waits.
+    static bool hasJobEnded()
+    {
+        const QVariantList types = TestSupport::journalArguments(Simulation::Operations::setOperatorType, "type");
+        return !types.isEmpty() && types.last() == QStringLiteral("OperatorNone") &&
+               !Corvel::Widgets::WaitingDialog::instance()->isVisible();
+    }
+    /// Presses "Save Project" and OK in the dialog with these texts.
+    bool pressSave(const QString &name, const QString &comment = QString())
+    {
+        expectProperties(name, comment);
+        return TestSupport::click(m_panel->saveProject()) && m_book->isSatisfied();
+    }
+    /// Presses "Save Project", accepts what the dialog proposes and waits for the end. The journal holds this save
+    /// alone.
+    void saveAsProposed()
+    {
+        m_book->expectDialog(propertyDialog, [](QDialog *dialog) { TestSupport::click(dialog, QStringLiteral("OK")); });
+        Simulation::Journal::instance()->clear();
+        TestSupport::click(m_panel->saveProject());
+        QTRY_VERIFY(hasJobEnded());
+        settle();
     }
     void waitForAnswers() { QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report())); }
 

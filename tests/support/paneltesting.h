@@ -52,9 +52,10 @@ inline QString projectFile(const QString &name)
     return projectFilesPath() + name + QStringLiteral(".corvelpro");
 }
 
-/// The directory as a first start finds it, or an empty one.
+/// The directory as a first start finds it, or an empty one. Also where a file was put in its place.
 inline bool removeProjectFilesDirectory()
 {
+    QFile::remove(projectFilesPath().chopped(1));
     return QDir(projectFilesPath()).removeRecursively();
 }
 inline bool clearProjectFilesDirectory()
