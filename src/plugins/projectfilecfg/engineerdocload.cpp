@@ -89,7 +89,6 @@ bool EngineerDocLoad::checkDevice()
     });
 }
 
-/// False without a code when there is no package any more.
 bool EngineerDocLoad::openPackage()
 {
     return passes(openPackageCopy(m_strPackagePath, m_package)) && m_package;

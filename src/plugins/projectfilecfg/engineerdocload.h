@@ -82,6 +82,7 @@ private:
     bool guarded(const std::function<bool()> &work);
     /// The same for a check: if it does not pass, there will be no run.
     bool check(const std::function<bool()> &work);
+    /// False without a code if there is no package any more.
     bool openPackage();
     bool readDescription();
     bool apply();
@@ -90,7 +91,9 @@ private:
     bool applyOnline(const std::shared_ptr<Model::Device> &target);
     bool onlineSend(OnlineApply &online);
     bool sendSourceToOnlineDevice(OnlineApply &online);
+    /// Sets the code and returns false.
     bool fail(LoadResultCode code);
+    /// True for LoadSuccess; fails with any other code.
     bool passes(LoadResultCode code) { return code == LoadSuccess || fail(code); }
     bool stopIfCanceled();
 
