@@ -1,5 +1,6 @@
 #include <support/applyfixture.h>
 #include <support/journalmatchers.h>
+#include <support/openfiles.h>
 #include <support/testmain.h>
 
 #include <model/deviceeditor.h>
@@ -15,19 +16,6 @@ using Simulation::HardwareState;
 using Simulation::Journal;
 
 static const QString syncText = QStringLiteral("Sync device data , please wait.");
-
-namespace {
-
-/// Files that are open and have no name any more, as the copy of a package that is applied.
-int openNamelessFiles()
-{
-    int count = 0;
-    for (const QFileInfo &link : QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::AllEntries | QDir::System))
-        count += link.symLinkTarget().endsWith(QStringLiteral(" (deleted)"));
-    return count;
-}
-
-} // namespace
 
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
 
