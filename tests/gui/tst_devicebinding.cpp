@@ -37,9 +37,9 @@ void activate(const std::shared_ptr<Model::Device> &device)
 }
 
 /// A site where no device is active.
-RunningSite siteWithoutActiveDevice()
+TestSite siteWithoutActiveDevice()
 {
-    return RunningSite([](Simulation::Site &site) { site.activeDevice.clear(); });
+    return TestSite([](Simulation::Site &site) { site.activeDevice.clear(); });
 }
 
 void changeDevice(const std::shared_ptr<Model::Device> &device, const std::function<void(Model::DeviceData &)> &change)
@@ -67,7 +67,7 @@ void showAgain(const Panel &panel)
 
 /// The address of the device on which the panel's commands work, as they tell: "Save Project" makes that device the
 /// active one before it asks for a name, or asks for a device when there is none.
-QString boundAddress(const Panel &panel, const RunningSite &site)
+QString boundAddress(const Panel &panel, const TestSite &site)
 {
     if (!Model::object_brige::instance()->activeDevice())
         activate(site->device(boothSwitcher));
@@ -150,7 +150,7 @@ void TstDeviceBinding::init()
 
 void TstDeviceBinding::selector_lists_devices_with_support_in_the_host_s_order()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     QCOMPARE(markedAddresses(panel), QStringList({mainHall, sideStage, foyer, touringRack}));
     QVERIFY(!site->device(boothSwitcher)->deviceConfig().supportProjectFile);
@@ -158,7 +158,7 @@ void TstDeviceBinding::selector_lists_devices_with_support_in_the_host_s_order()
 
 void TstDeviceBinding::entries_carry_tool_tip_and_mark_list()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     const QComboBox *combo = panel.deviceCombo();
     for (int i = 0; i < combo->count(); ++i) {
@@ -171,7 +171,7 @@ void TstDeviceBinding::entries_carry_tool_tip_and_mark_list()
 
 void TstDeviceBinding::long_texts_are_elided_in_the_middle_to_260_pixels()
 {
-    const RunningSite site;
+    const TestSite site;
     const std::shared_ptr<Model::Device> device = site->device(mainHall);
     changeDevice(device, [](Model::DeviceData &data) {
         data.name = QStringLiteral("The big hall on the ground floor, behind the foyer, left of the stairs");
@@ -212,7 +212,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
     const QString picture = QDir::homePath() + QStringLiteral("/picture.png");
     QVERIFY(QImage(3000, 10, QImage::Format_RGB32).save(picture));
     name.replace(QStringLiteral("%1"), picture);
-    const RunningSite site;
+    const TestSite site;
     const std::shared_ptr<Model::Device> device = site->device(sideStage);
     // The information begins with what is put in here.
     changeDevice(device, [&](Model::DeviceData &data) { data.name = data.typeString = name; });
@@ -246,7 +246,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
 
 void TstDeviceBinding::the_active_device_is_selected()
 {
-    const RunningSite site;
+    const TestSite site;
     activate(site->device(foyer));
     const Panel panel;
     QCOMPARE(panel.selectedAddress(), foyer);
@@ -256,7 +256,7 @@ void TstDeviceBinding::the_active_device_is_selected()
 
 void TstDeviceBinding::the_active_device_wins_over_the_selection()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     panel.selectDevice(foyer);
@@ -268,7 +268,7 @@ void TstDeviceBinding::the_active_device_wins_over_the_selection()
 
 void TstDeviceBinding::without_an_active_device_the_selection_is_found_by_its_address()
 {
-    const RunningSite site = siteWithoutActiveDevice();
+    const TestSite site = siteWithoutActiveDevice();
     const Panel panel;
     panel->show();
     panel.selectDevice(foyer);
@@ -282,7 +282,7 @@ void TstDeviceBinding::without_an_active_device_the_selection_is_found_by_its_ad
 
 void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_old_text_is_asked_for()
 {
-    const RunningSite site = siteWithoutActiveDevice();
+    const TestSite site = siteWithoutActiveDevice();
     // Two devices whose texts are the same once they are elided, although their addresses differ.
     const QString address = QString(40, QLatin1Char('4'));
     const auto addressWith = [&address](QChar digit) { return QString(address).replace(20, 1, digit); };
@@ -315,7 +315,7 @@ void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_o
 
 void TstDeviceBinding::an_active_device_without_support_is_bound_but_not_offered()
 {
-    const RunningSite site;
+    const TestSite site;
     activate(site->device(boothSwitcher));
     const Panel panel;
     panel->show();
@@ -325,7 +325,7 @@ void TstDeviceBinding::an_active_device_without_support_is_bound_but_not_offered
 
 void TstDeviceBinding::showing_the_panel_refills_the_selector()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     Model::DeviceList::instance()->removeDevice(sideStage);
@@ -338,7 +338,7 @@ void TstDeviceBinding::showing_the_panel_refills_the_selector()
 void TstDeviceBinding::refilling_never_counts_as_a_choice()
 {
     // A choice gives the selector a tool tip.
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     activate(site->device(touringRack));
@@ -356,7 +356,7 @@ void TstDeviceBinding::refilling_never_counts_as_a_choice()
 
 void TstDeviceBinding::refilling_cuts_every_connection_of_the_selector_but_destroyed()
 {
-    const RunningSite site;
+    const TestSite site;
     auto panel = std::make_unique<Panel>();
     QComboBox *combo = panel->deviceCombo();
     QObject other;
@@ -401,7 +401,7 @@ void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconn
 {
     std::unique_ptr<Panel> panel;
     {
-        const RunningSite site;
+        const TestSite site;
         panel = std::make_unique<Panel>();
         QCOMPARE(panel->deviceCombo()->count(), 4);
     }
@@ -416,7 +416,7 @@ void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconn
 
 void TstDeviceBinding::devices_that_are_null_are_passed_over()
 {
-    const RunningSite site;
+    const TestSite site;
     Model::DeviceList::instance()->addDevice(nullptr);
     const Panel panel;
     panel->show();
@@ -427,7 +427,7 @@ void TstDeviceBinding::devices_that_are_null_are_passed_over()
 
 void TstDeviceBinding::choosing_a_device_binds_it()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     for (const QString &ip : {touringRack, sideStage, mainHall, foyer}) {
@@ -439,7 +439,7 @@ void TstDeviceBinding::choosing_a_device_binds_it()
 
 void TstDeviceBinding::an_entry_without_marks_changes_nothing()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     panel.selectDevice(sideStage);
@@ -461,7 +461,7 @@ void TstDeviceBinding::an_entry_without_marks_changes_nothing()
 
 void TstDeviceBinding::an_entry_with_wrong_marks_unbinds_the_device()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     const QStringList tooMany{QStringLiteral("tip"), QStringLiteral("b"), QStringLiteral("c"), sideStage,
@@ -520,7 +520,7 @@ void TstDeviceBinding::a_path_without_a_volume_has_no_space()
 
 void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     // No volume has that much room, so the panel says what it reckons with.
@@ -556,7 +556,7 @@ void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
 void TstDeviceBinding::an_empty_device_fits()
 {
     // Ten mebibytes are there; what they are made of is told by the refusals above.
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     site->hardware(mainHall)->fixCounters(0, 0);
@@ -566,7 +566,7 @@ void TstDeviceBinding::an_empty_device_fits()
 
 void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialog()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     Journal::instance()->clear();
@@ -591,7 +591,7 @@ void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialo
 
 void TstDeviceBinding::a_failed_synchronisation_ends_the_save_and_the_waiting_dialog()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     Faults::instance()->arm(updateOnlineDevice, Fault::fail());
@@ -604,7 +604,7 @@ void TstDeviceBinding::a_failed_synchronisation_ends_the_save_and_the_waiting_di
 
 void TstDeviceBinding::an_offline_device_is_not_synchronised()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     panel.selectDevice(touringRack);
@@ -615,7 +615,7 @@ void TstDeviceBinding::an_offline_device_is_not_synchronised()
 
 void TstDeviceBinding::the_factory_state_is_restored_behind_the_waiting_dialog()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     {

@@ -100,7 +100,7 @@ void TstProjectListing::cleanup()
 
 void TstProjectListing::first_start_creates_the_directory_and_lists_nothing()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
     const Panel panel;
     settle();
@@ -111,7 +111,7 @@ void TstProjectListing::first_start_creates_the_directory_and_lists_nothing()
 
 void TstProjectListing::first_start_follows_the_directory_only_once_the_panel_is_built_again()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
     {
         const Panel panel;
@@ -133,7 +133,7 @@ void TstProjectListing::first_start_follows_the_directory_only_once_the_panel_is
 
 void TstProjectListing::a_file_copied_in_is_listed_by_its_time()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("new"), 10));
     QVERIFY(writePackage(projectFile(two), QStringLiteral("old"), 30));
     const Panel panel;
@@ -147,7 +147,7 @@ void TstProjectListing::a_file_copied_in_is_listed_by_its_time()
 
 void TstProjectListing::a_file_that_goes_is_not_listed_any_more()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString(), 10));
     QVERIFY(writePackage(projectFile(two), QString(), 30));
     const Panel panel;
@@ -161,7 +161,7 @@ void TstProjectListing::a_file_that_goes_is_not_listed_any_more()
 
 void TstProjectListing::files_are_listed_newest_first()
 {
-    const RunningSite site;
+    const TestSite site;
     QStringList expected;
     for (int i = 0; i < 12; ++i)
         expected.append(QStringLiteral("Project%1").arg(i));
@@ -194,7 +194,7 @@ void TstProjectListing::what_is_no_valid_package_is_never_listed()
 {
     QFETCH(QString, name);
     QFETCH(QByteArray, bytes);
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     QFile bad(projectFilesPath() + name);
     QVERIFY(bad.open(QIODevice::WriteOnly));
@@ -211,7 +211,7 @@ void TstProjectListing::what_is_no_valid_package_is_never_listed()
 
 void TstProjectListing::a_directory_that_cannot_be_created_leaves_list_and_table()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("kept")));
     const Panel panel;
     settle();
@@ -229,7 +229,7 @@ void TstProjectListing::a_directory_that_cannot_be_created_leaves_list_and_table
 
 void TstProjectListing::a_start_without_a_possible_directory_lists_nothing()
 {
-    const RunningSite site;
+    const TestSite site;
     QDir velmora(QDir::cleanPath(projectFilesPath() + QStringLiteral("../..")));
     QVERIFY(velmora.removeRecursively());
     QFile inItsPlace(velmora.path());
@@ -245,7 +245,7 @@ void TstProjectListing::a_start_without_a_possible_directory_lists_nothing()
 
 void TstProjectListing::an_edit_outside_without_renaming_keeps_the_comment()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("first"), 10));
     QVERIFY(writePackage(projectFile(two), QStringLiteral("other"), 5));
     const Panel panel;
@@ -264,7 +264,7 @@ void TstProjectListing::an_edit_outside_without_renaming_keeps_the_comment()
 
 void TstProjectListing::a_renamed_package_is_read_again()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("first")));
     const Panel panel;
     settle();
@@ -276,7 +276,7 @@ void TstProjectListing::a_renamed_package_is_read_again()
 
 void TstProjectListing::building_the_panel_waits_for_no_scan()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     HeldScan held;
     const Panel panel;
@@ -291,7 +291,7 @@ void TstProjectListing::building_the_panel_waits_for_no_scan()
 
 void TstProjectListing::a_link_to_a_named_pipe_keeps_nobody_waiting()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     // Links are listed, whatever they lead to.
     const QString pipe = QDir::homePath() + QStringLiteral("/pipe");
@@ -305,7 +305,7 @@ void TstProjectListing::a_link_to_a_named_pipe_keeps_nobody_waiting()
 
 void TstProjectListing::a_scan_that_was_started_earlier_never_replaces_a_later_list()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString(), 10));
     HeldScan held;
     const Panel panel;
@@ -320,7 +320,7 @@ void TstProjectListing::a_scan_that_was_started_earlier_never_replaces_a_later_l
 
 void TstProjectListing::scans_release_their_watchers()
 {
-    const RunningSite site;
+    const TestSite site;
     const FutureWatchers watchers;
     const Panel panel;
     settle();
@@ -332,7 +332,7 @@ void TstProjectListing::scans_release_their_watchers()
 
 void TstProjectListing::the_panel_may_go_before_its_scans_begin()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
     const FutureWatchers watchers;
     {
@@ -350,7 +350,7 @@ void TstProjectListing::the_panel_may_go_before_its_scans_begin()
 
 void TstProjectListing::the_panel_may_go_in_the_middle_of_a_scan()
 {
-    const RunningSite site;
+    const TestSite site;
     for (int i = 0; i < 20; ++i)
         QVERIFY(writePackage(projectFile(QStringLiteral("Project%1").arg(i)), QString(), i));
     const FutureWatchers watchers;
@@ -367,7 +367,7 @@ void TstProjectListing::the_panel_may_go_in_the_middle_of_a_scan()
 
 void TstProjectListing::a_package_written_in_pieces_is_listed_when_complete()
 {
-    const RunningSite site;
+    const TestSite site;
     const QByteArray package = PackageBuilder()
                                    .file("BKG/BKG_1.png", noise(100000), PackageBuilder::Stored)
                                    .record(one, QStringLiteral("by hand"))
@@ -390,7 +390,7 @@ void TstProjectListing::a_package_written_in_pieces_is_listed_when_complete()
 
 void TstProjectListing::what_is_at_rest_is_not_looked_at_again()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     QVERIFY(writeFile(projectFile(two), "no package"));
     QVERIFY(makeOld(projectFile(two), 1));
@@ -412,7 +412,7 @@ void TstProjectListing::what_is_at_rest_is_not_looked_at_again()
 
 void TstProjectListing::a_panel_that_is_closed_looks_at_nothing_again()
 {
-    const RunningSite site;
+    const TestSite site;
     QPointer<QTimer> timer;
     {
         const Panel panel;

@@ -18,7 +18,7 @@ using Corvel::Widgets::WaitingDialog;
 using Simulation::Journal;
 
 /// Copying projects elsewhere, one ("Save as") or all ("ALL Save as").
-class TstCopyingOut : public QObject, protected PanelOnSite<RunningSite>
+class TstCopyingOut : public QObject, protected PanelOnSite<TestSite>
 {
     Q_OBJECT
 

@@ -15,7 +15,7 @@ using Corvel::Widgets::WaitingDialog;
 using Simulation::Journal;
 
 /// Deleting projects, one or all, and deleting the panel behind one of its dialogs.
-class TstDeleting : public QObject, protected PanelOnSite<RunningSite>
+class TstDeleting : public QObject, protected PanelOnSite<TestSite>
 {
     Q_OBJECT
 

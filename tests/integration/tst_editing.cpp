@@ -37,7 +37,7 @@ template struct OpenedPanel<&EngineerDocOperWidget::m_pProjects>;
 } // namespace
 
 /// Editing name and comment of a project.
-class TstEditing : public QObject, protected PanelOnSite<RunningSite>
+class TstEditing : public QObject, protected PanelOnSite<TestSite>
 {
     Q_OBJECT
 

@@ -743,7 +743,7 @@ void TstHostilePackages::the_panel_imports_and_lists_what_the_table_says()
     const LibraryNoise noise;
     // Those that a scan, a table or a box could stumble over.
     const QVector<QByteArray> kinds{"record_", "comment_", "cut_", "end_record_", "junk_", "zip64_", "file_is_"};
-    const PanelTesting::RunningSite site;
+    const TestSupport::TestSite site;
     QVERIFY(PanelTesting::clearProjectFilesDirectory());
     QMap<QByteArray, Expectation> table;
     for (const auto &row : readTable())

@@ -20,7 +20,7 @@ using ProjectFileCfg::Internal::ZipPackageHandle;
 using Simulation::Journal;
 
 /// Importing packages from elsewhere.
-class TstImporting : public QObject, protected PanelOnSite<RunningSite>
+class TstImporting : public QObject, protected PanelOnSite<TestSite>
 {
     Q_OBJECT
 

@@ -19,7 +19,7 @@
 namespace PanelTesting {
 
 /// A shown panel on a simulated site with an empty list of projects, and an operator who works it: what the tests of
-/// the panel's operations derive from, beside QObject. `Site` is one of TestSite, CustomSite and RunningSite.
+/// the panel's operations derive from, beside QObject. `Site` is TestSite or CustomSite.
 ///
 ///     void init() { setUp(); }
 ///     void cleanup() { tearDown(); }

@@ -2,10 +2,9 @@
 
 #include <engineerdocoperwidget.h>
 
-#include <core/hostsettings.h>
-#include <simulation/session/session.h>
 #include <support/answerbook.h>
 #include <support/packagebuilder.h>
+#include <support/testsite.h>
 #include <widgets/fixedbitlineeditex.h>
 
 #include <QComboBox>
@@ -32,7 +31,6 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
-#include <optional>
 
 /// What the tests of the panel share: project files, a site, the panel's parts as its user finds them, and ways
 /// to wait for scans, to hold them back and to look at their end.
@@ -80,32 +78,6 @@ inline bool writePackage(const QString &path, const QString &comment, int minute
     QFile::remove(path);
     return package.write(aside) && makeOld(aside, minutesOld) && QFile::rename(aside, path);
 }
-
-/// The site "small" with its host around it, changed before it comes up where a test needs that.
-class RunningSite
-{
-public:
-    explicit RunningSite(const std::function<void(Simulation::Site &)> &change = {})
-    {
-        QString error;
-        std::optional<Simulation::Site> site =
-            Simulation::Site::fromFile(Simulation::builtInSite(QStringLiteral("small")), error);
-        if (!site)
-            qFatal("No site: %s", qPrintable(error));
-        if (change)
-            change(*site);
-        Core::HostSettings settings = Core::hostSettings();
-        settings.deviceConfigFilePath = QDir::homePath() + QStringLiteral("/devices");
-        settings.extractJsonPath = QDir::homePath() + QStringLiteral("/extracted");
-        Core::applySettings(settings);
-        m_session = std::make_unique<Simulation::Session>(*site, settings.deviceConfigFilePath);
-    }
-
-    Simulation::Session *operator->() const { return m_session.get(); }
-
-private:
-    std::unique_ptr<Simulation::Session> m_session;
-};
 
 /// Waits until all work of the thread pool has ended and the user-interface thread knows of it.
 inline void settle()
