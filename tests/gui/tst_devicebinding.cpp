@@ -109,20 +109,20 @@ class TstDeviceBinding : public QObject
 private slots:
     void init();
 
-    void selector_lists_devices_with_support_in_the_host_s_order();
+    void the_selector_lists_supported_devices_in_host_order();
     void entries_carry_tool_tip_and_mark_list();
-    void long_texts_are_elided_in_the_middle_to_260_pixels();
+    void long_texts_are_elided_to_260_pixels();
     void tool_tips_show_markup_as_it_is_data();
     void tool_tips_show_markup_as_it_is();
     void the_active_device_is_selected();
     void the_active_device_wins_over_the_selection();
-    void without_an_active_device_the_selection_is_found_by_its_address();
-    void a_selection_that_left_the_list_leaves_no_device_and_the_old_text_is_asked_for();
-    void an_active_device_without_support_is_bound_but_not_offered();
+    void without_an_active_device_the_address_decides();
+    void a_selection_no_longer_listed_binds_no_device();
+    void an_unsupported_active_device_is_bound_but_unlisted();
     void showing_the_panel_refills_the_selector();
     void refilling_never_counts_as_a_choice();
-    void refilling_cuts_every_connection_of_the_selector_but_destroyed();
-    void without_a_device_list_the_selector_stays_empty_and_unconnected();
+    void refilling_cuts_every_connection_but_destroyed();
+    void without_a_device_list_the_selector_stays_empty();
     void devices_that_are_null_are_passed_over();
 
     void choosing_a_device_binds_it();
@@ -133,13 +133,13 @@ private slots:
     void bytes_are_whole_mebibytes_rounded_down();
     void free_space_is_that_of_the_volume();
     void a_path_without_a_volume_has_no_space();
-    void estimate_is_used_bytes_rounded_down_plus_ten_mebibytes();
+    void the_estimate_adds_ten_mebibytes();
     void an_empty_device_fits();
 
-    void an_online_device_is_synchronised_behind_the_waiting_dialog();
-    void a_failed_synchronisation_ends_the_save_and_the_waiting_dialog();
+    void synchronising_shows_the_waiting_dialog();
+    void a_failed_synchronisation_ends_the_save();
     void an_offline_device_is_not_synchronised();
-    void the_factory_state_is_restored_behind_the_waiting_dialog();
+    void restoring_the_factory_state_shows_the_waiting_dialog();
 };
 
 void TstDeviceBinding::init()
@@ -148,7 +148,7 @@ void TstDeviceBinding::init()
     QVERIFY(clearProjectFilesDirectory());
 }
 
-void TstDeviceBinding::selector_lists_devices_with_support_in_the_host_s_order()
+void TstDeviceBinding::the_selector_lists_supported_devices_in_host_order()
 {
     const TestSite site;
     const Panel panel;
@@ -165,11 +165,11 @@ void TstDeviceBinding::entries_carry_tool_tip_and_mark_list()
         const std::shared_ptr<Model::Device> device = site->device(panel.marks(i).value(3));
         QCOMPARE(combo->itemData(i, Qt::ToolTipRole).toString(), device->getDeviceInfo());
         QCOMPARE(panel.marks(i), QStringList({device->getDeviceInfo(), device->getTypeString(), device->getName(),
-                                                  device->getIPAddress()}));
+                                              device->getIPAddress()}));
     }
 }
 
-void TstDeviceBinding::long_texts_are_elided_in_the_middle_to_260_pixels()
+void TstDeviceBinding::long_texts_are_elided_to_260_pixels()
 {
     const TestSite site;
     const std::shared_ptr<Model::Device> device = site->device(mainHall);
@@ -266,7 +266,7 @@ void TstDeviceBinding::the_active_device_wins_over_the_selection()
     QCOMPARE(boundAddress(panel, site), sideStage);
 }
 
-void TstDeviceBinding::without_an_active_device_the_selection_is_found_by_its_address()
+void TstDeviceBinding::without_an_active_device_the_address_decides()
 {
     const TestSite site = siteWithoutActiveDevice();
     const Panel panel;
@@ -280,7 +280,7 @@ void TstDeviceBinding::without_an_active_device_the_selection_is_found_by_its_ad
     QCOMPARE(boundAddress(panel, site), foyer);
 }
 
-void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_old_text_is_asked_for()
+void TstDeviceBinding::a_selection_no_longer_listed_binds_no_device()
 {
     const TestSite site = siteWithoutActiveDevice();
     // Two devices whose texts are the same once they are elided, although their addresses differ.
@@ -313,7 +313,7 @@ void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_o
     QCOMPARE(boundAddress(panel, site), QString());
 }
 
-void TstDeviceBinding::an_active_device_without_support_is_bound_but_not_offered()
+void TstDeviceBinding::an_unsupported_active_device_is_bound_but_unlisted()
 {
     const TestSite site;
     activate(site->device(boothSwitcher));
@@ -354,7 +354,7 @@ void TstDeviceBinding::refilling_never_counts_as_a_choice()
     QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
 }
 
-void TstDeviceBinding::refilling_cuts_every_connection_of_the_selector_but_destroyed()
+void TstDeviceBinding::refilling_cuts_every_connection_but_destroyed()
 {
     const TestSite site;
     auto panel = std::make_unique<Panel>();
@@ -397,7 +397,7 @@ void TstDeviceBinding::refilling_cuts_every_connection_of_the_selector_but_destr
     QCOMPARE(destroyed, 1);
 }
 
-void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconnected()
+void TstDeviceBinding::without_a_device_list_the_selector_stays_empty()
 {
     std::unique_ptr<Panel> panel;
     {
@@ -518,7 +518,7 @@ void TstDeviceBinding::a_path_without_a_volume_has_no_space()
     QCOMPARE(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath() + QStringLiteral("missing/")), 0ULL);
 }
 
-void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
+void TstDeviceBinding::the_estimate_adds_ten_mebibytes()
 {
     const TestSite site;
     const Panel panel;
@@ -564,7 +564,7 @@ void TstDeviceBinding::an_empty_device_fits()
     QCOMPARE(boundAddress(panel, site), mainHall);
 }
 
-void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialog()
+void TstDeviceBinding::synchronising_shows_the_waiting_dialog()
 {
     const TestSite site;
     const Panel panel;
@@ -589,7 +589,7 @@ void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialo
     QCOMPARE(seen.text, QStringLiteral("正在同步设备数据，请稍候。"));
 }
 
-void TstDeviceBinding::a_failed_synchronisation_ends_the_save_and_the_waiting_dialog()
+void TstDeviceBinding::a_failed_synchronisation_ends_the_save()
 {
     const TestSite site;
     const Panel panel;
@@ -613,7 +613,7 @@ void TstDeviceBinding::an_offline_device_is_not_synchronised()
     VERIFY_JOURNAL({setActiveDevice});
 }
 
-void TstDeviceBinding::the_factory_state_is_restored_behind_the_waiting_dialog()
+void TstDeviceBinding::restoring_the_factory_state_shows_the_waiting_dialog()
 {
     const TestSite site;
     const Panel panel;

@@ -140,11 +140,11 @@ private slots:
     void short_texts_give_buttons_of_125_by_30();
     void label_is_15_wider_than_its_text();
     void texts_follow_the_language();
-    void rows_follow_the_language_when_their_scan_has_ended();
+    void rows_follow_the_language_after_a_scan();
 
     void command_buttons_run_their_operations();
     void row_buttons_run_their_operations();
-    void a_click_runs_its_operation_once_after_many_refreshes();
+    void after_many_refreshes_a_click_acts_once();
 
     void icons_come_with_the_library_data();
     void icons_come_with_the_library();
@@ -159,8 +159,8 @@ private slots:
     void an_added_file_makes_one_row();
     void a_removed_file_takes_one_row();
     void a_renamed_file_changes_one_row();
-    void a_touched_file_moves_to_the_top_past_untouched_rows();
-    void a_touched_file_leaves_the_rows_behind_it_untouched();
+    void a_touched_file_moves_to_the_top();
+    void touching_a_file_leaves_later_rows_alone();
 };
 
 void TstPanelConstruction::init()
@@ -386,7 +386,7 @@ void TstPanelConstruction::texts_follow_the_language()
     QCOMPARE(panel.saveProject()->text(), QStringLiteral("Save Project"));
 }
 
-void TstPanelConstruction::rows_follow_the_language_when_their_scan_has_ended()
+void TstPanelConstruction::rows_follow_the_language_after_a_scan()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
@@ -464,7 +464,7 @@ void TstPanelConstruction::row_buttons_run_their_operations()
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
 
-void TstPanelConstruction::a_click_runs_its_operation_once_after_many_refreshes()
+void TstPanelConstruction::after_many_refreshes_a_click_acts_once()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
@@ -702,7 +702,7 @@ void TstPanelConstruction::a_renamed_file_changes_one_row()
     QCOMPARE(listed.untouched(), QStringList({QStringLiteral("New"), QStringLiteral("Old")}));
 }
 
-void TstPanelConstruction::a_touched_file_moves_to_the_top_past_untouched_rows()
+void TstPanelConstruction::a_touched_file_moves_to_the_top()
 {
     const ListedFiles listed;
     QVERIFY(listed.isReady());
@@ -715,7 +715,7 @@ void TstPanelConstruction::a_touched_file_moves_to_the_top_past_untouched_rows()
     QCOMPARE(listed.untouched(), QStringList({QStringLiteral("New"), QStringLiteral("Middle")}));
 }
 
-void TstPanelConstruction::a_touched_file_leaves_the_rows_behind_it_untouched()
+void TstPanelConstruction::touching_a_file_leaves_later_rows_alone()
 {
     const ListedFiles listed;
     QVERIFY(listed.isReady());

@@ -65,25 +65,25 @@ private slots:
     void cleanup();
 
     void first_start_creates_the_directory_and_lists_nothing();
-    void first_start_follows_the_directory_only_once_the_panel_is_built_again();
-    void a_file_copied_in_is_listed_by_its_time();
-    void a_file_that_goes_is_not_listed_any_more();
+    void a_first_start_does_not_watch_the_directory();
+    void a_copied_file_is_listed_by_its_time();
+    void a_deleted_file_leaves_the_list();
     void files_are_listed_newest_first();
     void what_is_no_valid_package_is_never_listed_data();
     void what_is_no_valid_package_is_never_listed();
-    void a_directory_that_cannot_be_created_leaves_list_and_table();
+    void a_failed_mkdir_leaves_list_and_table_alone();
     void a_start_without_a_possible_directory_lists_nothing();
     void an_edit_outside_without_renaming_keeps_the_comment();
     void a_renamed_package_is_read_again();
     void building_the_panel_waits_for_no_scan();
-    void a_link_to_a_named_pipe_keeps_nobody_waiting();
-    void a_scan_that_was_started_earlier_never_replaces_a_later_list();
+    void a_link_to_a_pipe_never_blocks();
+    void an_earlier_scan_never_replaces_a_later_list();
     void scans_release_their_watchers();
-    void the_panel_may_go_before_its_scans_begin();
-    void the_panel_may_go_in_the_middle_of_a_scan();
-    void a_package_written_in_pieces_is_listed_when_complete();
-    void what_is_at_rest_is_not_looked_at_again();
-    void a_panel_that_is_closed_looks_at_nothing_again();
+    void the_panel_may_be_deleted_before_a_scan();
+    void the_panel_may_be_deleted_during_a_scan();
+    void a_package_is_listed_once_completely_written();
+    void a_file_at_rest_is_not_reread();
+    void a_closed_panel_looks_at_nothing_again();
 };
 
 void TstProjectListing::init()
@@ -109,7 +109,7 @@ void TstProjectListing::first_start_creates_the_directory_and_lists_nothing()
     QVERIFY(!panel.allDelete()->isEnabled());
 }
 
-void TstProjectListing::first_start_follows_the_directory_only_once_the_panel_is_built_again()
+void TstProjectListing::a_first_start_does_not_watch_the_directory()
 {
     const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
@@ -131,7 +131,7 @@ void TstProjectListing::first_start_follows_the_directory_only_once_the_panel_is
     QTRY_COMPARE(panel.names(), QStringList({one, two}));
 }
 
-void TstProjectListing::a_file_copied_in_is_listed_by_its_time()
+void TstProjectListing::a_copied_file_is_listed_by_its_time()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("new"), 10));
@@ -145,7 +145,7 @@ void TstProjectListing::a_file_copied_in_is_listed_by_its_time()
     QTRY_COMPARE(panel.names().value(0), QStringLiteral("Newest"));
 }
 
-void TstProjectListing::a_file_that_goes_is_not_listed_any_more()
+void TstProjectListing::a_deleted_file_leaves_the_list()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString(), 10));
@@ -209,7 +209,7 @@ void TstProjectListing::what_is_no_valid_package_is_never_listed()
     QCOMPARE(panel.names(), QStringList(one));
 }
 
-void TstProjectListing::a_directory_that_cannot_be_created_leaves_list_and_table()
+void TstProjectListing::a_failed_mkdir_leaves_list_and_table_alone()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("kept")));
@@ -289,7 +289,7 @@ void TstProjectListing::building_the_panel_waits_for_no_scan()
     QCOMPARE(panel.names(), QStringList(one));
 }
 
-void TstProjectListing::a_link_to_a_named_pipe_keeps_nobody_waiting()
+void TstProjectListing::a_link_to_a_pipe_never_blocks()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
@@ -303,7 +303,7 @@ void TstProjectListing::a_link_to_a_named_pipe_keeps_nobody_waiting()
     QVERIFY(QFile::remove(pipe) && QFile::remove(projectFile(QStringLiteral("linked"))));
 }
 
-void TstProjectListing::a_scan_that_was_started_earlier_never_replaces_a_later_list()
+void TstProjectListing::an_earlier_scan_never_replaces_a_later_list()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString(), 10));
@@ -330,7 +330,7 @@ void TstProjectListing::scans_release_their_watchers()
     QCOMPARE(watchers.alive(), 0);
 }
 
-void TstProjectListing::the_panel_may_go_before_its_scans_begin()
+void TstProjectListing::the_panel_may_be_deleted_before_a_scan()
 {
     const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
@@ -348,7 +348,7 @@ void TstProjectListing::the_panel_may_go_before_its_scans_begin()
     QCOMPARE(watchers.alive(), 0);
 }
 
-void TstProjectListing::the_panel_may_go_in_the_middle_of_a_scan()
+void TstProjectListing::the_panel_may_be_deleted_during_a_scan()
 {
     const TestSite site;
     for (int i = 0; i < 20; ++i)
@@ -365,7 +365,7 @@ void TstProjectListing::the_panel_may_go_in_the_middle_of_a_scan()
     QCOMPARE(watchers.alive(), 0);
 }
 
-void TstProjectListing::a_package_written_in_pieces_is_listed_when_complete()
+void TstProjectListing::a_package_is_listed_once_completely_written()
 {
     const TestSite site;
     const QByteArray package = PackageBuilder()
@@ -388,7 +388,7 @@ void TstProjectListing::a_package_written_in_pieces_is_listed_when_complete()
     QCOMPARE(panel.comments(), QStringList(QStringLiteral("by hand")));
 }
 
-void TstProjectListing::what_is_at_rest_is_not_looked_at_again()
+void TstProjectListing::a_file_at_rest_is_not_reread()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
@@ -410,7 +410,7 @@ void TstProjectListing::what_is_at_rest_is_not_looked_at_again()
     QVERIFY(!timer->isActive());
 }
 
-void TstProjectListing::a_panel_that_is_closed_looks_at_nothing_again()
+void TstProjectListing::a_closed_panel_looks_at_nothing_again()
 {
     const TestSite site;
     QPointer<QTimer> timer;

@@ -71,7 +71,7 @@ private slots:
     void a_load_failing_at_once_is_noticed();
     void the_box_comes_between_freeing_and_syncing();
     void a_device_lost_during_a_load_stays_offline();
-    void a_device_removed_during_a_load_is_not_synced();
+    void a_device_removed_midway_is_not_synced();
 
     // Cancelling
     void cancelling_between_operations_is_reported();
@@ -84,7 +84,7 @@ private slots:
     void host_exceptions_end_in_a_message();
 
     // Closing
-    void deleting_the_panel_during_a_load_ends_it_quietly();
+    void deleting_the_panel_midway_ends_the_load();
     void deleting_the_panel_before_finished_frees_the_device();
     void deleting_the_panel_afterwards_tells_the_host_nothing();
     void deleting_the_panel_midway_still_announces_the_end();
@@ -247,7 +247,7 @@ void TstApplyEndings::a_device_lost_during_a_load_stays_offline()
     QCOMPARE(Journal::instance()->count(updateOnlineDevice), 2);
 }
 
-void TstApplyEndings::a_device_removed_during_a_load_is_not_synced()
+void TstApplyEndings::a_device_removed_midway_is_not_synced()
 {
     list(packageOf(plainDevice(sourceIp)));
     Faults::instance()->arm(copyModelToDevice,
@@ -379,7 +379,7 @@ void TstApplyEndings::host_exceptions_end_in_a_message()
 // ---------------------------------------------------------------------------------------------------------------------
 // Closing
 
-void TstApplyEndings::deleting_the_panel_during_a_load_ends_it_quietly()
+void TstApplyEndings::deleting_the_panel_midway_ends_the_load()
 {
     list(packageOf(richDevice(sourceIp)));
     QPointer<QThread> job;

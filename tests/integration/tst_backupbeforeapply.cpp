@@ -35,7 +35,7 @@ private slots:
     void a_backup_without_a_valid_package_applies_nothing();
     void a_waiting_package_is_applied_once();
     void without_an_active_device_nothing_waits();
-    void a_cancel_too_late_for_the_backup_prevents_applying();
+    void a_late_cancel_of_the_backup_prevents_applying();
     void cancelling_after_a_backup_cancels_once();
 };
 
@@ -234,7 +234,7 @@ void TstBackupBeforeApply::without_an_active_device_nothing_waits()
     QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 }
 
-void TstBackupBeforeApply::a_cancel_too_late_for_the_backup_prevents_applying()
+void TstBackupBeforeApply::a_late_cancel_of_the_backup_prevents_applying()
 {
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));

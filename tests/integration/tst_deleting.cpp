@@ -29,10 +29,10 @@ private slots:
     void cleanup() { tearDown(); }
 
     void deleting_one_removes_file_and_row();
-    void deleting_the_last_one_disables_the_buttons_for_all();
+    void deleting_the_last_one_disables_both_all_buttons();
     void answering_no_deletes_nothing_data();
     void answering_no_deletes_nothing();
-    void deleting_a_missing_file_logs_and_keeps_the_row();
+    void deleting_a_missing_file_keeps_the_row();
     void a_failed_delete_stops_watching_the_directory();
     void a_successful_delete_keeps_watching_the_directory();
     void deleting_all_removes_only_listed_files();
@@ -63,7 +63,7 @@ void TstDeleting::deleting_one_removes_file_and_row()
     QVERIFY(m_panel->allDelete()->isEnabled());
 }
 
-void TstDeleting::deleting_the_last_one_disables_the_buttons_for_all()
+void TstDeleting::deleting_the_last_one_disables_both_all_buttons()
 {
     list(QStringLiteral("only"));
     QVERIFY(m_panel->allDelete()->isEnabled());
@@ -93,7 +93,7 @@ void TstDeleting::answering_no_deletes_nothing()
     QVERIFY(QFile::exists(projectFile(QStringLiteral("show"))));
 }
 
-void TstDeleting::deleting_a_missing_file_logs_and_keeps_the_row()
+void TstDeleting::deleting_a_missing_file_keeps_the_row()
 {
     list(QStringLiteral("show"));
     const QString path = projectFile(QStringLiteral("show"));

@@ -62,7 +62,7 @@ private slots:
     void an_edit_updates_the_list_entry();
     void an_edited_row_keeps_its_place();
     void an_edit_updates_its_senders_path();
-    void the_edit_dialog_stays_a_child_of_the_panel();
+    void the_dialog_stays_a_child_of_the_panel();
     void an_edit_locks_the_list();
     void scans_during_an_edit_occupy_no_thread();
     void a_scan_during_an_edit_runs_afterwards();
@@ -292,7 +292,7 @@ void TstEditing::an_edit_updates_its_senders_path()
         QCOMPARE(button->property("FilePath").toString(), projectFile(QStringLiteral("after")));
 }
 
-void TstEditing::the_edit_dialog_stays_a_child_of_the_panel()
+void TstEditing::the_dialog_stays_a_child_of_the_panel()
 {
     list(QStringLiteral("show"));
     const auto dialogs = [this] { return (*m_panel)->findChildren<QDialog *>(QString(), Qt::FindDirectChildrenOnly); };

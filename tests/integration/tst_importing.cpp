@@ -49,7 +49,7 @@ private slots:
     void the_panel_keeps_one_watcher_per_kind();
     void import_watchers_are_deleted_with_the_panel();
     void deleting_the_panel_during_an_import_is_quiet();
-    void deleting_the_panel_behind_the_result_box_is_quiet();
+    void the_panel_may_be_deleted_behind_the_result();
 };
 
 void TstImporting::importing_copies_and_lists()
@@ -336,7 +336,7 @@ void TstImporting::deleting_the_panel_during_an_import_is_quiet()
     m_panel.emplace();
 }
 
-void TstImporting::deleting_the_panel_behind_the_result_box_is_quiet()
+void TstImporting::the_panel_may_be_deleted_behind_the_result()
 {
     const QString file = elsewhere(QStringLiteral("show.corvelpro"));
     QVERIFY(writePackage(file, QString()));

@@ -50,39 +50,39 @@ private slots:
     void init();
     void cleanup();
 
-    void the_metadata_alone_brings_it_up_after_what_it_needs();
+    void the_metadata_orders_it_after_its_dependencies();
     void the_entry_point_gives_the_one_object();
-    void after_its_end_the_entry_point_makes_a_new_one();
-    void the_class_knows_its_one_object_as_long_as_it_lives();
-    void it_registers_its_sub_mode_whatever_device_is_active();
-    void it_is_in_the_object_pool_and_the_panel_is_not_yet();
+    void the_entry_point_replaces_a_deleted_plugin();
+    void the_class_knows_its_living_object();
+    void the_sub_mode_is_registered_for_every_device();
+    void only_the_plugin_is_in_the_pool_yet();
     void coming_up_goes_in_this_order();
     void delayed_work_is_said_to_be_done();
     void file_names_are_utf8_from_the_start();
     void a_missing_translation_is_one_warning();
     void its_texts_come_from_the_translation_directory();
 
-    void without_having_been_shown_it_touches_no_center_widget();
-    void the_panel_is_made_after_the_mode_manager_has_finished();
+    void never_shown_it_touches_no_center_widget();
+    void the_panel_is_created_after_the_mode_change();
     void the_first_activation_enters_the_panel_twice();
-    void the_panel_is_in_the_pool_before_it_is_entered();
+    void the_panel_is_pooled_before_it_is_entered();
     void later_activations_enter_the_same_panel_once();
-    void showing_the_shown_sub_mode_again_registers_nothing_twice();
+    void showing_it_again_registers_nothing_twice();
     void another_mode_takes_the_panel_out();
 
     void no_active_device_changes_nothing();
     void a_supporting_device_registers_nothing_twice();
-    void a_device_without_support_withdraws_the_shown_sub_mode();
-    void a_device_without_support_activates_nothing_behind_another_top_level_mode();
-    void a_device_without_support_activates_nothing_when_another_sub_mode_is_shown();
-    void a_sub_mode_that_is_first_in_the_list_is_activated_again();
-    void a_supporting_device_brings_the_sub_mode_back_with_fresh_texts();
+    void losing_support_withdraws_the_shown_sub_mode();
+    void without_support_other_top_level_modes_stay();
+    void without_support_another_sub_mode_stays();
+    void the_first_sub_mode_is_activated_again();
+    void regaining_support_brings_back_fresh_texts();
     void another_device_without_support_removes_nothing_twice();
 
     void shutting_down_before_the_panel_exists();
     void shutting_down_takes_everything_out();
     void shutting_down_goes_in_this_order();
-    void a_device_change_after_the_shutdown_makes_a_new_sub_mode();
+    void a_device_change_after_shutdown_makes_a_mode();
     void shutting_down_while_the_panel_is_shown();
     void shutting_down_during_a_backup();
     void shutting_down_during_a_scan();
@@ -167,7 +167,7 @@ QStringList TstPluginLifecycle::calls(const char *id)
 // ---------------------------------------------------------------------------------------------------------------------
 // Coming up
 
-void TstPluginLifecycle::the_metadata_alone_brings_it_up_after_what_it_needs()
+void TstPluginLifecycle::the_metadata_orders_it_after_its_dependencies()
 {
     start();
     const PluginSpec *spec = m_manager->plugin("projectfilecfg");
@@ -193,7 +193,7 @@ void TstPluginLifecycle::the_entry_point_gives_the_one_object()
     QCOMPARE(instance(), static_cast<QObject *>(plugin()));
 }
 
-void TstPluginLifecycle::after_its_end_the_entry_point_makes_a_new_one()
+void TstPluginLifecycle::the_entry_point_replaces_a_deleted_plugin()
 {
     start();
     using EntryPoint = QObject *(*)();
@@ -209,7 +209,7 @@ void TstPluginLifecycle::after_its_end_the_entry_point_makes_a_new_one()
     QVERIFY(second->inherits("ProjectFileCfg::ProjectFileCfgPlugin"));
 }
 
-void TstPluginLifecycle::the_class_knows_its_one_object_as_long_as_it_lives()
+void TstPluginLifecycle::the_class_knows_its_living_object()
 {
     start();
     using Instance = QObject *(*)();
@@ -223,7 +223,7 @@ void TstPluginLifecycle::the_class_knows_its_one_object_as_long_as_it_lives()
     QVERIFY(!instance());
 }
 
-void TstPluginLifecycle::it_registers_its_sub_mode_whatever_device_is_active()
+void TstPluginLifecycle::the_sub_mode_is_registered_for_every_device()
 {
     makeActive(m_site->boothSwitcher);
     start();
@@ -232,7 +232,7 @@ void TstPluginLifecycle::it_registers_its_sub_mode_whatever_device_is_active()
     QCOMPARE(subModes()->mode(subMode)->displayName(), QString("Project File"));
 }
 
-void TstPluginLifecycle::it_is_in_the_object_pool_and_the_panel_is_not_yet()
+void TstPluginLifecycle::only_the_plugin_is_in_the_pool_yet()
 {
     start();
     QVERIFY(ObjectPool::instance()->objects().contains(plugin()));
@@ -317,7 +317,7 @@ void TstPluginLifecycle::its_texts_come_from_the_translation_directory()
 // ---------------------------------------------------------------------------------------------------------------------
 // Following the mode
 
-void TstPluginLifecycle::without_having_been_shown_it_touches_no_center_widget()
+void TstPluginLifecycle::never_shown_it_touches_no_center_widget()
 {
     start();
     showSubMode("General");
@@ -329,7 +329,7 @@ void TstPluginLifecycle::without_having_been_shown_it_touches_no_center_widget()
     QVERIFY(!panel());
 }
 
-void TstPluginLifecycle::the_panel_is_made_after_the_mode_manager_has_finished()
+void TstPluginLifecycle::the_panel_is_created_after_the_mode_change()
 {
     start();
     showSubMode("General");
@@ -352,7 +352,7 @@ void TstPluginLifecycle::the_first_activation_enters_the_panel_twice()
     QVERIFY(panel());
 }
 
-void TstPluginLifecycle::the_panel_is_in_the_pool_before_it_is_entered()
+void TstPluginLifecycle::the_panel_is_pooled_before_it_is_entered()
 {
     start();
     showSubMode("General");
@@ -379,7 +379,7 @@ void TstPluginLifecycle::later_activations_enter_the_same_panel_once()
     QCOMPARE(panel(), first.data());
 }
 
-void TstPluginLifecycle::showing_the_shown_sub_mode_again_registers_nothing_twice()
+void TstPluginLifecycle::showing_it_again_registers_nothing_twice()
 {
     start();
     showSubMode(subMode);
@@ -427,7 +427,7 @@ void TstPluginLifecycle::a_supporting_device_registers_nothing_twice()
     QCOMPARE(subModes()->mode(subMode)->displayName(), QString("not translated again"));
 }
 
-void TstPluginLifecycle::a_device_without_support_withdraws_the_shown_sub_mode()
+void TstPluginLifecycle::losing_support_withdraws_the_shown_sub_mode()
 {
     start();
     showSubMode(subMode);
@@ -444,7 +444,7 @@ void TstPluginLifecycle::a_device_without_support_withdraws_the_shown_sub_mode()
     QVERIFY(panel());
 }
 
-void TstPluginLifecycle::a_device_without_support_activates_nothing_behind_another_top_level_mode()
+void TstPluginLifecycle::without_support_other_top_level_modes_stay()
 {
     start();
     showSubMode(subMode);
@@ -459,7 +459,7 @@ void TstPluginLifecycle::a_device_without_support_activates_nothing_behind_anoth
     QVERIFY(!subModes()->containsMode(subMode));
 }
 
-void TstPluginLifecycle::a_device_without_support_activates_nothing_when_another_sub_mode_is_shown()
+void TstPluginLifecycle::without_support_another_sub_mode_stays()
 {
     start();
     showSubMode("General");
@@ -470,7 +470,7 @@ void TstPluginLifecycle::a_device_without_support_activates_nothing_when_another
     QCOMPARE(subModes()->currentModeId(), Id("General"));
 }
 
-void TstPluginLifecycle::a_sub_mode_that_is_first_in_the_list_is_activated_again()
+void TstPluginLifecycle::the_first_sub_mode_is_activated_again()
 {
     start();
     showSubMode(subMode);
@@ -484,7 +484,7 @@ void TstPluginLifecycle::a_sub_mode_that_is_first_in_the_list_is_activated_again
     subModes()->addMode(general);
 }
 
-void TstPluginLifecycle::a_supporting_device_brings_the_sub_mode_back_with_fresh_texts()
+void TstPluginLifecycle::regaining_support_brings_back_fresh_texts()
 {
     start();
     NavigationBar::INavigationBarMode *mode = subModes()->mode(subMode);
@@ -567,7 +567,7 @@ void TstPluginLifecycle::shutting_down_goes_in_this_order()
                                  "plugin out: left, panel gone, mode gone"}));
 }
 
-void TstPluginLifecycle::a_device_change_after_the_shutdown_makes_a_new_sub_mode()
+void TstPluginLifecycle::a_device_change_after_shutdown_makes_a_mode()
 {
     // The plugin goes on listening until it dies.
     start();

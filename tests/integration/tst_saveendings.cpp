@@ -52,7 +52,7 @@ private slots:
 
     // Closing
     void deleting_the_panel_during_a_backup_ends_it();
-    void deleting_the_panel_behind_the_result_box_is_quiet();
+    void the_panel_may_be_deleted_behind_the_result();
     void deleting_the_panel_afterwards_tells_the_host_nothing();
     void deleting_the_panel_lets_a_scan_finish();
 };
@@ -304,7 +304,7 @@ void TstSaveEndings::deleting_the_panel_during_a_backup_ends_it()
     VERIFY_BOOK();
 }
 
-void TstSaveEndings::deleting_the_panel_behind_the_result_box_is_quiet()
+void TstSaveEndings::the_panel_may_be_deleted_behind_the_result()
 {
     Faults::instance()->arm(queryMaterailData, Fault::fail());
     m_book->expectDialog(propertyDialog, [](QDialog *dialog) { click(dialog, QStringLiteral("OK")); });

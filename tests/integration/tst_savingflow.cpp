@@ -52,9 +52,9 @@ private slots:
     void saving_twice_lists_both_newest_first();
 
     // The property dialog
-    void the_proposal_is_a_free_name_and_the_time();
+    void a_free_name_and_the_time_are_proposed();
     void a_gap_in_the_numbers_is_filled_first();
-    void with_all_999_names_taken_the_proposal_is_empty();
+    void with_all_names_taken_the_proposal_is_empty();
     void cancelling_the_property_dialog_starts_nothing();
     void the_property_dialog_is_deleted_after_use_data();
     void the_property_dialog_is_deleted_after_use();
@@ -62,8 +62,8 @@ private slots:
     // What keeps a save from starting
     void saving_without_a_selected_device_is_refused();
     void three_marks_deselect_the_device();
-    void an_empty_mark_is_logged_and_the_device_stays();
-    void a_mark_that_became_short_ends_the_save_silently();
+    void an_empty_mark_keeps_the_device();
+    void a_shortened_mark_ends_the_save_silently();
     void without_an_active_device_a_save_ends_silently();
     void a_removed_device_ends_the_save_silently();
     void losing_the_device_behind_the_dialog_starts_nothing();
@@ -263,7 +263,7 @@ void TstSavingFlow::saving_twice_lists_both_newest_first()
 // ---------------------------------------------------------------------------------------------------------------------
 // The property dialog
 
-void TstSavingFlow::the_proposal_is_a_free_name_and_the_time()
+void TstSavingFlow::a_free_name_and_the_time_are_proposed()
 {
     for (int number = 1; number <= 3; ++number)
         QVERIFY(QFile(projectFile("Project" + QString::number(number))).open(QIODevice::WriteOnly));
@@ -302,7 +302,7 @@ void TstSavingFlow::a_gap_in_the_numbers_is_filled_first()
     QCOMPARE(name, QString("Project2"));
 }
 
-void TstSavingFlow::with_all_999_names_taken_the_proposal_is_empty()
+void TstSavingFlow::with_all_names_taken_the_proposal_is_empty()
 {
     const auto take = [this](int number) {
         return QFile(projectFile("Project" + QString::number(number))).open(QIODevice::WriteOnly);
@@ -393,7 +393,7 @@ void TstSavingFlow::three_marks_deselect_the_device()
     VERIFY_JOURNAL({warningBox, warningBox});
 }
 
-void TstSavingFlow::an_empty_mark_is_logged_and_the_device_stays()
+void TstSavingFlow::an_empty_mark_keeps_the_device()
 {
     m_panel->deviceCombo()->setItemData(1, QStringList(), Panel::markRole);
     {
@@ -414,7 +414,7 @@ void TstSavingFlow::an_empty_mark_is_logged_and_the_device_stays()
     QVERIFY(ZipPackageHandle::getFileList(projectFile("Main hall")).contains("192.168.1.11.json"));
 }
 
-void TstSavingFlow::a_mark_that_became_short_ends_the_save_silently()
+void TstSavingFlow::a_shortened_mark_ends_the_save_silently()
 {
     m_panel->deviceCombo()->blockSignals(true);
     m_panel->deviceCombo()->setItemData(0, QStringList({"Short", "Type", "Name"}), Panel::markRole);

@@ -45,8 +45,8 @@ private slots:
     void records_are_read_leniently();
     void fields_of_a_record_pass_through_utf8();
     void a_refused_record_leaves_the_fields_alone();
-    void a_checksum_with_a_tail_is_read_but_not_loaded();
-    void a_record_with_another_checksum_is_invalid_but_read();
+    void a_checksum_with_a_tail_prevents_loading();
+    void a_wrong_checksum_is_invalid_but_readable();
     void a_record_with_too_few_keys_is_invalid();
     void a_record_without_checksum_is_invalid();
 };
@@ -351,7 +351,7 @@ void TstArchiveComment::a_refused_record_leaves_the_fields_alone()
     QCOMPARE(info.strChecksum, QString("old"));
 }
 
-void TstArchiveComment::a_checksum_with_a_tail_is_read_but_not_loaded()
+void TstArchiveComment::a_checksum_with_a_tail_prevents_loading()
 {
     // Reading the record ends a field at its first zero; the check before a load takes the checksum as it stands.
     const EngineerPacketInfo written = packed();
@@ -362,7 +362,7 @@ void TstArchiveComment::a_checksum_with_a_tail_is_read_but_not_loaded()
     QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
 }
 
-void TstArchiveComment::a_record_with_another_checksum_is_invalid_but_read()
+void TstArchiveComment::a_wrong_checksum_is_invalid_but_readable()
 {
     const EngineerPacketInfo written = packed();
     QVERIFY(ZipPackageHandle::setZipComment(

@@ -54,7 +54,7 @@ private slots:
     void saving_under_the_same_name_replaces_the_package();
     void a_link_to_the_package_stays_a_link();
     void the_job_knows_the_package_it_saved();
-    void the_next_picture_is_fetched_while_one_is_written();
+    void fetching_a_picture_overlaps_writing_another();
     void a_second_save_encodes_only_what_changed();
 
     // Progress
@@ -347,7 +347,7 @@ void TstEngineerDocBackup::the_job_knows_the_package_it_saved()
     QCOMPARE(m_savedPath, packagePath("Tour"));
 }
 
-void TstEngineerDocBackup::the_next_picture_is_fetched_while_one_is_written()
+void TstEngineerDocBackup::fetching_a_picture_overlaps_writing_another()
 {
     // Who writes into a pipe waits for its reader, and that is whoever is asked for the next picture.
     const QString pipe = stage("BKG/BKG_0.png");

@@ -43,8 +43,8 @@ private slots:
     void a_package_is_applied_as_it_was_checked_data();
     void a_package_is_applied_as_it_was_checked();
     void a_package_replaced_between_checks_stays_the_first();
-    void a_package_is_let_go_when_its_run_ends_data();
-    void a_package_is_let_go_when_its_run_ends();
+    void a_finished_run_releases_its_package_data();
+    void a_finished_run_releases_its_package();
     void going_offline_after_the_check_ends_the_load();
     void coming_online_after_the_check_ends_the_load();
 
@@ -277,7 +277,7 @@ void TstEngineerDocLoad::a_package_replaced_between_checks_stays_the_first()
     QVERIFY2(differences.isEmpty(), qPrintable(differences.join(QLatin1Char('\n'))));
 }
 
-void TstEngineerDocLoad::a_package_is_let_go_when_its_run_ends_data()
+void TstEngineerDocLoad::a_finished_run_releases_its_package_data()
 {
     QTest::addColumn<QString>("ip");
     QTest::addColumn<bool>("isFitting");
@@ -286,7 +286,7 @@ void TstEngineerDocLoad::a_package_is_let_go_when_its_run_ends_data()
     QTest::newRow("refused") << onlineIp << false;
 }
 
-void TstEngineerDocLoad::a_package_is_let_go_when_its_run_ends()
+void TstEngineerDocLoad::a_finished_run_releases_its_package()
 {
     QFETCH(QString, ip);
     QFETCH(bool, isFitting);

@@ -26,7 +26,7 @@ private slots:
 
     void offline_apply_calls_the_host_in_order();
     void offline_apply_extracts_everything_but_the_description();
-    void offline_apply_replaces_the_model_and_keeps_the_identity();
+    void applying_replaces_the_model_but_no_identity();
     void offline_apply_writes_the_description_of_the_target();
     void a_failing_serialiser_ends_the_load();
     void a_failing_copy_still_replaces_the_model();
@@ -36,9 +36,9 @@ private slots:
     void the_description_can_be_copied_alone();
     void copying_a_missing_description_succeeds();
     void copying_a_damaged_description_fails();
-    void an_offline_device_gets_its_files_before_its_model();
-    void an_offline_device_never_holds_more_than_a_package();
-    void an_offline_devices_names_never_exceed_those_of_packages();
+    void files_arrive_before_the_model();
+    void a_device_never_holds_more_than_a_package();
+    void its_names_never_exceed_those_of_packages();
 };
 
 void TstOfflineApply::offline_apply_calls_the_host_in_order()
@@ -72,7 +72,7 @@ void TstOfflineApply::offline_apply_extracts_everything_but_the_description()
              QByteArray::fromHex("0000000c") + source.presets.value(1).bytes);
 }
 
-void TstOfflineApply::offline_apply_replaces_the_model_and_keeps_the_identity()
+void TstOfflineApply::applying_replaces_the_model_but_no_identity()
 {
     HardwareState source = richDevice(sourceIp);
     source.cards = {{9, 9, 9, {}}};
@@ -211,7 +211,7 @@ void TstOfflineApply::copying_a_damaged_description_fails()
     QCOMPARE(WarningGuard::texts(QtDebugMsg).filter(QStringLiteral("Extract json file failed:")).size(), 1);
 }
 
-void TstOfflineApply::an_offline_device_gets_its_files_before_its_model()
+void TstOfflineApply::files_arrive_before_the_model()
 {
     const HardwareState source = richDevice(sourceIp);
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(write(packageOf(source)), offlineIp);
@@ -240,7 +240,7 @@ void TstOfflineApply::an_offline_device_gets_its_files_before_its_model()
     QVERIFY(!device->getLogos().front().lock()->thumb().isNull());
 }
 
-void TstOfflineApply::an_offline_device_never_holds_more_than_a_package()
+void TstOfflineApply::a_device_never_holds_more_than_a_package()
 {
     // So many files are flushed and removed there at once.
     const QByteArray temporary = qgetenv("TMPDIR");
@@ -275,7 +275,7 @@ void TstOfflineApply::an_offline_device_never_holds_more_than_a_package()
     QVERIFY(ZipPackageHandle::compressEngineerPacket(folder, info));
 }
 
-void TstOfflineApply::an_offline_devices_names_never_exceed_those_of_packages()
+void TstOfflineApply::its_names_never_exceed_those_of_packages()
 {
     const int most = 16 * 1024 * 1024;
     const QByteArray folder = QByteArray(250, 'd') + '/';

@@ -89,17 +89,17 @@ private slots:
     void case_matters_in_folders_but_not_in_endings_data();
     void case_matters_in_folders_but_not_in_endings();
     void pictures_elsewhere_are_extracted_and_left();
-    void an_applied_picture_is_removed_from_the_extraction_folder();
+    void an_applied_picture_is_removed_from_its_folder();
     void a_picture_whose_apply_failed_is_left();
-    void a_picture_that_cannot_be_removed_is_no_error();
+    void an_unremovable_picture_is_no_error();
     void one_pixel_is_a_picture_data();
     void one_pixel_is_a_picture();
-    void a_bad_picture_is_refused_before_anything_is_sent_data();
-    void a_bad_picture_is_refused_before_anything_is_sent();
+    void a_bad_picture_is_refused_before_sending_data();
+    void a_bad_picture_is_refused_before_sending();
     void the_first_bad_picture_gives_the_code_data();
     void the_first_bad_picture_gives_the_code();
-    void too_many_pixels_are_refused_before_anything_is_read_data();
-    void too_many_pixels_are_refused_before_anything_is_read();
+    void too_many_pixels_are_refused_before_reading_data();
+    void too_many_pixels_are_refused_before_reading();
     void a_large_picture_is_checked_and_sent_data();
     void a_large_picture_is_checked_and_sent();
     void a_taken_place_is_refused_before_sending();
@@ -410,7 +410,7 @@ void TstOnlineApply::pictures_elsewhere_are_extracted_and_left()
     QCOMPARE(Journal::instance()->count(createMaterailFromImage), 3);
 }
 
-void TstOnlineApply::an_applied_picture_is_removed_from_the_extraction_folder()
+void TstOnlineApply::an_applied_picture_is_removed_from_its_folder()
 {
     const QString path = m_site->extractPath() + QStringLiteral("/BKG/BKG_1.png");
     bool wasThere = false;
@@ -429,7 +429,7 @@ void TstOnlineApply::a_picture_whose_apply_failed_is_left()
                                                            QStringLiteral("BKG/BKG_7.png"), QStringLiteral("LOGO")}));
 }
 
-void TstOnlineApply::a_picture_that_cannot_be_removed_is_no_error()
+void TstOnlineApply::an_unremovable_picture_is_no_error()
 {
     const QString path = m_site->extractPath() + QStringLiteral("/BKG/BKG_1.png");
     Faults::instance()->arm(createMaterailFromImage, Fault::run([&] { QFile::remove(path); }));
@@ -456,7 +456,7 @@ void TstOnlineApply::one_pixel_is_a_picture()
     QCOMPARE(onlineState().backgrounds.value(1).pixels, source.backgrounds.value(1).pixels);
 }
 
-void TstOnlineApply::a_bad_picture_is_refused_before_anything_is_sent_data()
+void TstOnlineApply::a_bad_picture_is_refused_before_sending_data()
 {
     QTest::addColumn<QByteArray>("entry");
     QTest::addColumn<QByteArray>("bytes");
@@ -484,7 +484,7 @@ void TstOnlineApply::a_bad_picture_is_refused_before_anything_is_sent_data()
         << QByteArray("Extra/cover.png") << QByteArray("none") << int(LoadImageContentError);
 }
 
-void TstOnlineApply::a_bad_picture_is_refused_before_anything_is_sent()
+void TstOnlineApply::a_bad_picture_is_refused_before_sending()
 {
     QFETCH(QByteArray, entry);
     QFETCH(QByteArray, bytes);
@@ -561,7 +561,7 @@ void TstOnlineApply::the_first_bad_picture_gives_the_code()
     QCOMPARE(check(package, onlineIp), code);
 }
 
-void TstOnlineApply::too_many_pixels_are_refused_before_anything_is_read_data()
+void TstOnlineApply::too_many_pixels_are_refused_before_reading_data()
 {
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("code");
@@ -570,7 +570,7 @@ void TstOnlineApply::too_many_pixels_are_refused_before_anything_is_read_data()
     QTest::newRow("far above") << 512 << int(LoadGalleryFileError);
 }
 
-void TstOnlineApply::too_many_pixels_are_refused_before_anything_is_read()
+void TstOnlineApply::too_many_pixels_are_refused_before_reading()
 {
     QFETCH(int, count);
     QFETCH(int, code);

@@ -66,8 +66,8 @@ class TstPackageFile : public QObject
 private slots:
     void init();
 
-    void every_part_reads_as_it_is_in_the_file_data();
-    void every_part_reads_as_it_is_in_the_file();
+    void every_part_reads_as_it_is_data();
+    void every_part_reads_as_it_is();
     void behind_the_end_there_is_nothing();
     void the_last_65577_bytes_are_read_once();
     void a_failing_seek_is_a_failed_read();
@@ -93,7 +93,7 @@ void TstPackageFile::init()
     };
 }
 
-void TstPackageFile::every_part_reads_as_it_is_in_the_file_data()
+void TstPackageFile::every_part_reads_as_it_is_data()
 {
     QTest::addColumn<int>("size");
     // The last 65,577 bytes are kept in memory.
@@ -101,7 +101,7 @@ void TstPackageFile::every_part_reads_as_it_is_in_the_file_data()
         QTest::addRow("%d bytes", size) << size;
 }
 
-void TstPackageFile::every_part_reads_as_it_is_in_the_file()
+void TstPackageFile::every_part_reads_as_it_is()
 {
     QFETCH(int, size);
     const QByteArray bytes = noise(size + 4).left(size);

@@ -75,7 +75,7 @@ private slots:
     void a_save_replaces_only_with_all_that_it_demands();
     void a_save_keeps_a_package_that_came_meanwhile();
     void a_save_makes_no_folder();
-    void packing_on_a_full_disk_leaves_the_old_package();
+    void packing_onto_a_full_disk_changes_nothing();
     void a_full_disk_anywhere_keeps_the_old_package_data();
     void a_full_disk_anywhere_keeps_the_old_package();
     void packing_an_outward_link_keeps_the_old_package();
@@ -283,7 +283,7 @@ void TstZipPackageHandle::a_save_makes_no_folder()
     QVERIFY2(reason.contains("cannot be packed into"), qPrintable(reason));
 }
 
-void TstZipPackageHandle::packing_on_a_full_disk_leaves_the_old_package()
+void TstZipPackageHandle::packing_onto_a_full_disk_changes_nothing()
 {
     packed();
     const QByteArray old = readFile(m_package);
