@@ -1,6 +1,6 @@
 #pragma once
 
-#include <simulation/simulation_global.h>
+#include <simulation/operations.h>
 
 #include <QString>
 #include <QVector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <simulation/simulation_global.h>
+#include <simulation/operations.h>
 
 #include <QMetaType>
 #include <QObject>
@@ -17,7 +17,7 @@ namespace Simulation {
 /// One call of a host operation.
 struct HOST_SIMULATION_EXPORT JournalEntry
 {
-    /// "Class.operation".
+    /// One of Operations.
     QString operation;
     QVariantMap arguments;
     /// Tells threads apart; 0 is never used.

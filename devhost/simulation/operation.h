@@ -1,10 +1,9 @@
 #pragma once
 
-#include <simulation/simulation_global.h>
+#include <simulation/operations.h>
 
 #include <QHash>
 #include <QString>
-#include <QStringList>
 #include <QVariantMap>
 
 #include <memory>
@@ -12,13 +11,6 @@
 namespace Simulation {
 
 class Hardware;
-
-/// The names under which the journal and the faults know the host's operations.
-namespace Operations {
-
-HOST_SIMULATION_EXPORT QStringList all();
-
-} // namespace Operations
 
 /// How a host operation begins: only with Done does it go on, else it fails.
 enum class Outcome { Done, Failed, Disconnected, Cancelled };

@@ -232,7 +232,7 @@ private slots:
     {
         QTemporaryDir directory;
         DeviceList list;
-        Simulation::Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Simulation::Fault::fail());
+        Simulation::Faults::instance()->arm(Simulation::Operations::serailize, Simulation::Fault::fail());
         QVERIFY(!Serailizer(directory.path()).serailize());
         QVERIFY(Serailizer(directory.path()).serailize());
     }
@@ -250,7 +250,7 @@ private slots:
         brige->setActiveDevice({});
         brige->setActiveDevice({});
         QTRY_COMPARE(changed.count(), 2);
-        QCOMPARE(Simulation::Journal::instance()->count(QStringLiteral("object_brige.setActiveDevice")), 4);
+        QCOMPARE(Simulation::Journal::instance()->count(Simulation::Operations::setActiveDevice), 4);
     }
 
     void the_bridge_keeps_screens()
@@ -275,7 +275,7 @@ private slots:
         QCOMPARE(store->load(QStringLiteral("key"), QImage::Format_RGB32).toImage().format(), QImage::Format_RGB32);
         QCOMPARE(store->load(QStringLiteral("key"), QImage::Format_ARGB32).toImage(), image);
         QVERIFY(store->load(QStringLiteral("other"), QImage::Format_ARGB32).isNull());
-        Simulation::Faults::instance()->arm(QStringLiteral("ImageStorager.load"), Simulation::Fault::fail());
+        Simulation::Faults::instance()->arm(Simulation::Operations::loadImage, Simulation::Fault::fail());
         QVERIFY(store->load(QStringLiteral("key"), QImage::Format_ARGB32).isNull());
         store->remove(QStringLiteral("key"));
         QVERIFY(store->load(QStringLiteral("key"), QImage::Format_ARGB32).isNull());

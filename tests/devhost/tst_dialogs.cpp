@@ -215,7 +215,7 @@ void TstDialogs::a_box_is_in_the_journal()
     Simulation::Journal::instance()->clear();
     whenADialogOpens([](QWidget *box) { box->close(); });
     FramelessMessageBox::warning(nullptr, QStringLiteral("Remind"), QStringLiteral("No disk"));
-    const auto entries = Simulation::Journal::instance()->entries(QStringLiteral("FramelessMessageBox.warning"));
+    const auto entries = Simulation::Journal::instance()->entries(Simulation::Operations::warningBox);
     QCOMPARE(entries.size(), 1);
     QCOMPARE(entries.first().arguments.value(QStringLiteral("title")).toString(), QStringLiteral("Remind"));
     QCOMPARE(entries.first().arguments.value(QStringLiteral("text")).toString(), QStringLiteral("No disk"));

@@ -143,7 +143,7 @@ private slots:
 
     void a_session_takes_everything_down()
     {
-        Faults::instance()->arm(QStringLiteral("Serailizer.serailize"), Fault::fail());
+        Faults::instance()->arm(Operations::serailize, Fault::fail());
         const auto held = device();
         m_session.reset();
         QVERIFY(!Model::DeviceList::instance());
@@ -186,8 +186,7 @@ private slots:
         const auto logo = device()->getLogos().back().lock();
         QCOMPARE(ImageStorager::instance()->load(logo->imageKey(), QImage::Format_ARGB32).toImage().pixel(0, 0),
                  qRgba(9, 8, 7, 6));
-        QCOMPARE(Journal::instance()->entries().first().operation,
-                 QStringLiteral("OperationAdapter.updateOnlineDevice"));
+        QCOMPARE(Journal::instance()->entries().first().operation, Operations::updateOnlineDevice);
         QCOMPARE(Journal::instance()->entries().first().arguments.value(QStringLiteral("ip")).toString(), mainHall);
     }
 
@@ -200,16 +199,16 @@ private slots:
         QCOMPARE(OperationAdapter::instance()->updateOnlineDevice(QStringLiteral("10.9.9.9"), QString(),
                                                                   ControlStruct::defaultCallBack),
                  ControlEnum::ErrorDisconnected);
-        Faults::instance()->arm(QStringLiteral("OperationAdapter.updateOnlineDevice"), Fault::fail());
+        Faults::instance()->arm(Operations::updateOnlineDevice, Fault::fail());
         QCOMPARE(synchronise(*device()), ControlEnum::ErrorRefused);
-        Faults::instance()->arm(QStringLiteral("OperationAdapter.updateOnlineDevice"), Fault::cancel());
+        Faults::instance()->arm(Operations::updateOnlineDevice, Fault::cancel());
         QCOMPARE(synchronise(*device()), ControlEnum::ErrorTimeout);
         QVERIFY(device()->getDeviceOnlineFlag());
     }
 
     void a_dropped_connection_takes_the_device_offline()
     {
-        Faults::instance()->arm(QStringLiteral("MaterialControl.queryMaterailData"), Fault::disconnect(2));
+        Faults::instance()->arm(Operations::queryMaterailData, Fault::disconnect(2));
         const auto first = device()->getBKGs().at(0).lock();
         QVERIFY(fetch(first));
         QVERIFY(!fetch(first));
@@ -238,7 +237,7 @@ private slots:
         QByteArray bytes;
         QVERIFY(ModelControl::PresetControl(preset).presetFullDetail2Binary(bytes));
         QCOMPARE(bytes, hardware()->state().presets.value(preset->getNumber()).bytes);
-        Faults::instance()->arm(QStringLiteral("PresetControl.presetFullDetail2Binary"), Fault::fail());
+        Faults::instance()->arm(Operations::presetFullDetail2Binary, Fault::fail());
         QVERIFY(!ModelControl::PresetControl(preset).presetFullDetail2Binary(bytes));
     }
 
@@ -259,7 +258,7 @@ private slots:
     void a_reset_that_fails_wipes_nothing()
     {
         const HardwareState before = hardware()->state();
-        Faults::instance()->arm(QStringLiteral("DeviceControler.updateDeviceInfo"), Fault::fail());
+        Faults::instance()->arm(Operations::updateDeviceInfo, Fault::fail());
         QVERIFY(!reset(device(), Device::ResetFactory));
         QVERIFY(!DeviceControler(device()).updateDeviceInfo({{Device::DeviceReset, std::any(3.5)}}));
         QVERIFY(hardware()->state() == before);
@@ -368,7 +367,7 @@ private slots:
         QVERIFY(DeviceControler(device()).enableMVR(false, error));
         QVERIFY(!hardware()->state().mvrEnabled);
         QVERIFY(!DeviceControler(device(QStringLiteral("192.168.1.20"))).canMVEEnable());
-        Faults::instance()->arm(QStringLiteral("DeviceControler.enableMVR"), Fault::fail());
+        Faults::instance()->arm(Operations::enableMVR, Fault::fail());
         QVERIFY(!DeviceControler(device()).enableMVR(true, error));
         QVERIFY(!error.isEmpty());
     }
@@ -384,9 +383,10 @@ private slots:
     void each_control_operation_can_fail_data()
     {
         QTest::addColumn<QString>("operation");
-        for (const char *name : {"copySlotDataToDevice", "copyMVRItemDataToDevice", "copyModelToDevice", "enableMVR",
-                                 "createMaterailFromImage"})
-            QTest::newRow(name) << QStringLiteral("DeviceControler.%1").arg(QLatin1String(name));
+        for (const QLatin1String operation :
+             {Operations::copySlotDataToDevice, Operations::copyMVRItemDataToDevice, Operations::copyModelToDevice,
+              Operations::enableMVR, Operations::createMaterailFromImage})
+            QTest::newRow(operation.data()) << operation;
     }
 
     void each_control_operation_can_fail()
@@ -401,7 +401,7 @@ private slots:
 
     void cancelling_the_current_task_fails_the_operation_that_runs()
     {
-        Faults::instance()->arm(QStringLiteral("DeviceControler.copyModelToDevice"),
+        Faults::instance()->arm(Operations::copyModelToDevice,
                                 Fault::run([] { DeviceControler::cancelCurrentTask(); }));
         QVERIFY(!DeviceControler(device()).copyModelToDevice());
         QVERIFY(DeviceControler(device()).copyModelToDevice());
@@ -412,7 +412,7 @@ private slots:
         const auto background = device()->getBKGs().at(0).lock();
         const auto cancelFrom = [this](const QString &ip, std::vector<unsigned char> command) {
             const auto canceller = device(ip);
-            Faults::instance()->arm(QStringLiteral("MaterialControl.queryMaterailData"),
+            Faults::instance()->arm(Operations::queryMaterailData,
                                     Fault::run([=] { DeviceControler(canceller).cancelOperator(command); }));
         };
         cancelFrom(mainHall, {4, 10});
@@ -422,7 +422,7 @@ private slots:
         cancelFrom(sideStage, {4, 10});
         QVERIFY(fetch(background));
         QCOMPARE(Journal::instance()
-                     ->entries(QStringLiteral("DeviceControler.cancelOperator"))
+                     ->entries(Operations::cancelOperator)
                      .first()
                      .arguments.value(QStringLiteral("command"))
                      .toList(),

@@ -15,8 +15,8 @@ using namespace Simulation;
 
 namespace {
 
-const QString operation = QStringLiteral("MaterialControl.queryMaterailData");
-const QString otherOperation = QStringLiteral("DeviceControler.enableMVR");
+const QString operation = Operations::queryMaterailData;
+const QString otherOperation = Operations::enableMVR;
 
 std::shared_ptr<Hardware> makeHardware()
 {

@@ -69,7 +69,7 @@ private slots:
         QVERIFY2(site, qPrintable(error));
         QCOMPARE(site->activeDevice, QStringLiteral("10.0.0.1"));
         QCOMPARE(site->pace.throughput, 100.0);
-        QCOMPARE(site->pace.durations.value(QStringLiteral("Serailizer.serailize")), 50);
+        QCOMPARE(site->pace.durations.value(Operations::serailize), 50);
         QCOMPARE(site->models.at(0).exchangePos, 3);
         const SiteDevice &device = site->devices.at(0);
         QVERIFY(device.online);
@@ -153,10 +153,10 @@ private slots:
         QString error;
         Site site = *Site::fromJson(goodSite, error);
         site.scaleDurations(0.1);
-        QCOMPARE(site.pace.durations.value(QStringLiteral("Serailizer.serailize")), 5);
+        QCOMPARE(site.pace.durations.value(Operations::serailize), 5);
         QCOMPARE(site.pace.throughput, 1000.0);
         site.scaleDurations(0);
-        QCOMPARE(site.pace.durations.value(QStringLiteral("Serailizer.serailize")), 0);
+        QCOMPARE(site.pace.durations.value(Operations::serailize), 0);
         QCOMPARE(site.pace.throughput, 0.0);
     }
 

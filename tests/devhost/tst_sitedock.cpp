@@ -69,13 +69,13 @@ private slots:
 
     void an_armed_fault_strikes()
     {
-        find<QComboBox>("siteOperation")->setCurrentText(QStringLiteral("Serailizer.serailize"));
+        find<QComboBox>("siteOperation")->setCurrentText(Operations::serailize);
         find<QComboBox>("siteFault")->setCurrentIndex(find<QComboBox>("siteFault")->findData(Fault::Cancel));
         find<QSpinBox>("siteCall")->setValue(2);
         QVERIFY(TestSupport::click(find<QPushButton>("siteArm")));
         QCOMPARE(Faults::instance()->armedCount(), 1);
-        QCOMPARE(beginOperation(QStringLiteral("Serailizer.serailize")), Outcome::Done);
-        QCOMPARE(beginOperation(QStringLiteral("Serailizer.serailize")), Outcome::Cancelled);
+        QCOMPARE(beginOperation(Operations::serailize), Outcome::Done);
+        QCOMPARE(beginOperation(Operations::serailize), Outcome::Cancelled);
     }
 
     void armed_faults_can_be_cleared()

@@ -2,7 +2,7 @@
 
 #include "faultpoints.h"
 
-#include <gui/paneltesting.h>
+#include <support/paneltesting.h>
 #include <unit/packagetesting.h>
 
 #include <engineerdocbackup.h>
@@ -13,12 +13,9 @@
 #include <zippackagehandle.h>
 
 #include <simulation/journal.h>
-#include <widgets/fixedbitlineeditex.h>
 #include <widgets/waitingdialog.h>
 
-#include <QComboBox>
 #include <QMap>
-#include <QTextEdit>
 #include <QThreadPool>
 #include <QTimer>
 
@@ -197,7 +194,7 @@ public:
     {
         m_watchedFolders = watchedFolders;
         m_place.reset();
-        select(operation == ApplyOffline ? offlineIp : onlineIp);
+        m_panel->selectDevice(operation == ApplyOffline ? offlineIp : onlineIp);
         m_panel->rescan();
         TestSupport::WarningGuard::clear();
         Simulation::Journal::instance()->clear();
@@ -246,21 +243,6 @@ private:
     void arm() { FaultPoints::arm(m_watchedFolders, m_plan); }
     void disarm() { m_outcome.report = FaultPoints::disarm(); }
 
-    void select(const QString &ip)
-    {
-        QComboBox *combo = m_panel->deviceCombo();
-        for (int row = 0; row < combo->count(); ++row) {
-            if (combo->itemData(row, Qt::UserRole + 1).toStringList().value(3) == ip)
-                combo->setCurrentIndex(row);
-        }
-    }
-
-    QWidget *row(const QString &name) const
-    {
-        const int number = m_panel->names().indexOf(name);
-        return number < 0 ? nullptr : m_panel->table()->cellWidget(number, 2);
-    }
-
     void expectResult()
     {
         m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [this](QDialog *dialog) {
@@ -270,9 +252,8 @@ private:
     }
     void expectProperties(const QString &name)
     {
-        m_book->expectDialog(QStringLiteral("EngineerPropertySettingWidget"), [this, name](QDialog *dialog) {
-            dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText(name);
-            dialog->findChild<QTextEdit *>()->setPlainText(newComment);
+        m_book->expectDialog(propertyDialog, [this, name](QDialog *dialog) {
+            enterProperties(dialog, name, newComment);
             arm();
             TestSupport::click(dialog, QStringLiteral("OK"));
         });
@@ -288,7 +269,7 @@ private:
     /// Whether the job that was started, if any, has come to its end with all that the panel does then.
     static bool isIdle()
     {
-        const auto types = Simulation::Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+        const auto types = Simulation::Journal::instance()->entries(Simulation::Operations::setOperatorType);
         return types.isEmpty() ||
                types.last().arguments.value(QStringLiteral("type")) == QStringLiteral("OperatorNone");
     }
@@ -346,7 +327,7 @@ private:
         const HeldThreadPool held;
         expectProperties(QStringLiteral("renamed"));
         expectResult();
-        TestSupport::click(row(QStringLiteral("show")), QStringLiteral("Edit"));
+        TestSupport::click(m_panel->projectRow(QStringLiteral("show")), QStringLiteral("Edit"));
         disarm();
         const int number = m_panel->names().indexOf(QStringLiteral("renamed"));
         m_outcome.isSuccess = number >= 0 && m_panel->table()->item(number, 1)->text() == newComment;
@@ -368,7 +349,7 @@ private:
     void saveAs()
     {
         m_book->expectFileDialog(QStringLiteral("choose Des Directory"), {m_place.target(SaveAs)});
-        copy([this] { TestSupport::click(row(QStringLiteral("show")), QStringLiteral("Save as")); },
+        copy([this] { TestSupport::click(m_panel->projectRow(QStringLiteral("show")), QStringLiteral("Save as")); },
              QStringLiteral("save as success"));
     }
     void import()
@@ -382,10 +363,10 @@ private:
         const HeldThreadPool held;
         expectQuestion(QMessageBox::No);
         expectResult();
-        TestSupport::click(row(QStringLiteral("show")), QStringLiteral("Apply"));
+        TestSupport::click(m_panel->projectRow(QStringLiteral("show")), QStringLiteral("Apply"));
         waitFor(&isIdle);
         disarm();
-        const bool hasRun = Simulation::Journal::instance()->count(QStringLiteral("ICore.setOperatorType")) > 0;
+        const bool hasRun = Simulation::Journal::instance()->count(Simulation::Operations::setOperatorType) > 0;
         // A package that is no valid one any more is not applied, and a device description that the host could not
         // write not reported: both without a word, and deliberate.
         m_outcome.isSuccess =
@@ -397,7 +378,7 @@ private:
         const HeldThreadPool held;
         expectQuestion(QMessageBox::Yes);
         expectResult();
-        TestSupport::click(row(QStringLiteral("show")), QStringLiteral("Delete"));
+        TestSupport::click(m_panel->projectRow(QStringLiteral("show")), QStringLiteral("Delete"));
         disarm();
         m_outcome.isSuccess = m_outcome.message.isEmpty();
     }

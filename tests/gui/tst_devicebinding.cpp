@@ -1,5 +1,5 @@
-#include "paneltesting.h"
 #include "translatedtexts.h"
+#include <support/paneltesting.h>
 
 #include <support/answerbook.h>
 #include <support/journalmatchers.h>
@@ -17,6 +17,7 @@
 
 using namespace PanelTesting;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Corvel::Widgets::WaitingDialog;
 using Simulation::Fault;
 using Simulation::Faults;
@@ -30,18 +31,15 @@ const QString foyer = QStringLiteral("192.168.1.20");
 const QString touringRack = QStringLiteral("192.168.1.30");   // offline
 const QString boothSwitcher = QStringLiteral("192.168.1.40"); // without support for project files
 
-const QString updateOnlineDevice = QStringLiteral("OperationAdapter.updateOnlineDevice");
-const QString updateDeviceInfo = QStringLiteral("DeviceControler.updateDeviceInfo");
-
 void activate(const std::shared_ptr<Model::Device> &device)
 {
     Model::object_brige::instance()->setActiveDevice(device);
 }
 
 /// A site where no device is active.
-RunningSite siteWithoutActiveDevice()
+TestSite siteWithoutActiveDevice()
 {
-    return RunningSite([](Simulation::Site &site) { site.activeDevice.clear(); });
+    return TestSite([](Simulation::Site &site) { site.activeDevice.clear(); });
 }
 
 void changeDevice(const std::shared_ptr<Model::Device> &device, const std::function<void(Model::DeviceData &)> &change)
@@ -52,27 +50,12 @@ void changeDevice(const std::shared_ptr<Model::Device> &device, const std::funct
     editor.replace(data);
 }
 
-QStringList markList(const QComboBox *combo, int index)
-{
-    return combo->itemData(index, Qt::UserRole + 1).toStringList();
-}
-
-QStringList markedAddresses(const QComboBox *combo)
+QStringList markedAddresses(const Panel &panel)
 {
     QStringList addresses;
-    for (int i = 0; i < combo->count(); ++i)
-        addresses.append(markList(combo, i).value(3));
+    for (int i = 0; i < panel.deviceCombo()->count(); ++i)
+        addresses.append(panel.marks(i).value(3));
     return addresses;
-}
-
-QString selectedAddress(const Panel &panel)
-{
-    return markedAddresses(panel.deviceCombo()).value(panel.deviceCombo()->currentIndex());
-}
-
-void select(const Panel &panel, const QString &ip)
-{
-    panel.deviceCombo()->setCurrentIndex(markedAddresses(panel.deviceCombo()).indexOf(ip));
 }
 
 /// Hiding and showing the panel is how its user gets to see a changed list of devices.
@@ -84,7 +67,7 @@ void showAgain(const Panel &panel)
 
 /// The address of the device on which the panel's commands work, as they tell: "Save Project" makes that device the
 /// active one before it asks for a name, or asks for a device when there is none.
-QString boundAddress(const Panel &panel, const RunningSite &site)
+QString boundAddress(const Panel &panel, const TestSite &site)
 {
     if (!Model::object_brige::instance()->activeDevice())
         activate(site->device(boothSwitcher));
@@ -126,20 +109,20 @@ class TstDeviceBinding : public QObject
 private slots:
     void init();
 
-    void selector_lists_devices_with_support_in_the_host_s_order();
+    void the_selector_lists_supported_devices_in_host_order();
     void entries_carry_tool_tip_and_mark_list();
-    void long_texts_are_elided_in_the_middle_to_260_pixels();
+    void long_texts_are_elided_to_260_pixels();
     void tool_tips_show_markup_as_it_is_data();
     void tool_tips_show_markup_as_it_is();
     void the_active_device_is_selected();
     void the_active_device_wins_over_the_selection();
-    void without_an_active_device_the_selection_is_found_by_its_address();
-    void a_selection_that_left_the_list_leaves_no_device_and_the_old_text_is_asked_for();
-    void an_active_device_without_support_is_bound_but_not_offered();
+    void without_an_active_device_the_address_decides();
+    void a_selection_no_longer_listed_binds_no_device();
+    void an_unsupported_active_device_is_bound_but_unlisted();
     void showing_the_panel_refills_the_selector();
     void refilling_never_counts_as_a_choice();
-    void refilling_cuts_every_connection_of_the_selector_but_destroyed();
-    void without_a_device_list_the_selector_stays_empty_and_unconnected();
+    void refilling_cuts_every_connection_but_destroyed();
+    void without_a_device_list_the_selector_stays_empty();
     void devices_that_are_null_are_passed_over();
 
     void choosing_a_device_binds_it();
@@ -150,13 +133,13 @@ private slots:
     void bytes_are_whole_mebibytes_rounded_down();
     void free_space_is_that_of_the_volume();
     void a_path_without_a_volume_has_no_space();
-    void estimate_is_used_bytes_rounded_down_plus_ten_mebibytes();
+    void the_estimate_adds_ten_mebibytes();
     void an_empty_device_fits();
 
-    void an_online_device_is_synchronised_behind_the_waiting_dialog();
-    void a_failed_synchronisation_ends_the_save_and_the_waiting_dialog();
+    void synchronising_shows_the_waiting_dialog();
+    void a_failed_synchronisation_ends_the_save();
     void an_offline_device_is_not_synchronised();
-    void the_factory_state_is_restored_behind_the_waiting_dialog();
+    void restoring_the_factory_state_shows_the_waiting_dialog();
 };
 
 void TstDeviceBinding::init()
@@ -165,30 +148,30 @@ void TstDeviceBinding::init()
     QVERIFY(clearProjectFilesDirectory());
 }
 
-void TstDeviceBinding::selector_lists_devices_with_support_in_the_host_s_order()
+void TstDeviceBinding::the_selector_lists_supported_devices_in_host_order()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, sideStage, foyer, touringRack}));
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, sideStage, foyer, touringRack}));
     QVERIFY(!site->device(boothSwitcher)->deviceConfig().supportProjectFile);
 }
 
 void TstDeviceBinding::entries_carry_tool_tip_and_mark_list()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     const QComboBox *combo = panel.deviceCombo();
     for (int i = 0; i < combo->count(); ++i) {
-        const std::shared_ptr<Model::Device> device = site->device(markedAddresses(combo).at(i));
+        const std::shared_ptr<Model::Device> device = site->device(panel.marks(i).value(3));
         QCOMPARE(combo->itemData(i, Qt::ToolTipRole).toString(), device->getDeviceInfo());
-        QCOMPARE(markList(combo, i), QStringList({device->getDeviceInfo(), device->getTypeString(), device->getName(),
-                                                  device->getIPAddress()}));
+        QCOMPARE(panel.marks(i), QStringList({device->getDeviceInfo(), device->getTypeString(), device->getName(),
+                                              device->getIPAddress()}));
     }
 }
 
-void TstDeviceBinding::long_texts_are_elided_in_the_middle_to_260_pixels()
+void TstDeviceBinding::long_texts_are_elided_to_260_pixels()
 {
-    const RunningSite site;
+    const TestSite site;
     const std::shared_ptr<Model::Device> device = site->device(mainHall);
     changeDevice(device, [](Model::DeviceData &data) {
         data.name = QStringLiteral("The big hall on the ground floor, behind the foyer, left of the stairs");
@@ -203,7 +186,7 @@ void TstDeviceBinding::long_texts_are_elided_in_the_middle_to_260_pixels()
     QVERIFY(info.endsWith(text.right(8)));
     QVERIFY(combo->fontMetrics().horizontalAdvance(text) <= 260);
     QCOMPARE(combo->itemData(0, Qt::ToolTipRole).toString(), info);
-    QCOMPARE(markList(combo, 0).at(0), info);
+    QCOMPARE(panel.marks(0).at(0), info);
     QCOMPARE(combo->currentIndex(), 0);
 }
 
@@ -229,7 +212,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
     const QString picture = QDir::homePath() + QStringLiteral("/picture.png");
     QVERIFY(QImage(3000, 10, QImage::Format_RGB32).save(picture));
     name.replace(QStringLiteral("%1"), picture);
-    const RunningSite site;
+    const TestSite site;
     const std::shared_ptr<Model::Device> device = site->device(sideStage);
     // The information begins with what is put in here.
     changeDevice(device, [&](Model::DeviceData &data) { data.name = data.typeString = name; });
@@ -238,7 +221,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
 
     const Panel panel;
     panel->show();
-    select(panel, sideStage);
+    panel.selectDevice(sideStage);
     const QString shownTips[] = {panel.deviceCombo()->itemData(1, Qt::ToolTipRole).toString(),
                                  panel.deviceCombo()->toolTip()};
     for (const QString &tip : shownTips) {
@@ -255,7 +238,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
             QVERIFY(!format.isImageFormat() && !format.hasProperty(QTextFormat::FontWeight));
     }
     // Saving sets it too, from the raw text.
-    QCOMPARE(markList(panel.deviceCombo(), 1), QStringList({info, name, name, sideStage}));
+    QCOMPARE(panel.marks(1), QStringList({info, name, name, sideStage}));
     panel.deviceCombo()->setToolTip(QString());
     QCOMPARE(boundAddress(panel, site), sideStage);
     QCOMPARE(panel.deviceCombo()->toolTip(), shownTips[1]);
@@ -263,43 +246,43 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
 
 void TstDeviceBinding::the_active_device_is_selected()
 {
-    const RunningSite site;
+    const TestSite site;
     activate(site->device(foyer));
     const Panel panel;
-    QCOMPARE(selectedAddress(panel), foyer);
+    QCOMPARE(panel.selectedAddress(), foyer);
     panel->show();
     QCOMPARE(boundAddress(panel, site), foyer);
 }
 
 void TstDeviceBinding::the_active_device_wins_over_the_selection()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
-    select(panel, foyer);
+    panel.selectDevice(foyer);
     activate(site->device(sideStage));
     showAgain(panel);
-    QCOMPARE(selectedAddress(panel), sideStage);
+    QCOMPARE(panel.selectedAddress(), sideStage);
     QCOMPARE(boundAddress(panel, site), sideStage);
 }
 
-void TstDeviceBinding::without_an_active_device_the_selection_is_found_by_its_address()
+void TstDeviceBinding::without_an_active_device_the_address_decides()
 {
-    const RunningSite site = siteWithoutActiveDevice();
+    const TestSite site = siteWithoutActiveDevice();
     const Panel panel;
     panel->show();
-    select(panel, foyer);
+    panel.selectDevice(foyer);
     changeDevice(site->device(foyer), [](Model::DeviceData &data) { data.name = QStringLiteral("Renamed"); });
     showAgain(panel);
-    QCOMPARE(selectedAddress(panel), foyer);
+    QCOMPARE(panel.selectedAddress(), foyer);
     QCOMPARE(panel.deviceCombo()->currentData(Qt::ToolTipRole).toString(), site->device(foyer)->getDeviceInfo());
     QCOMPARE(site->device(foyer)->getName(), QStringLiteral("Renamed"));
     QCOMPARE(boundAddress(panel, site), foyer);
 }
 
-void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_old_text_is_asked_for()
+void TstDeviceBinding::a_selection_no_longer_listed_binds_no_device()
 {
-    const RunningSite site = siteWithoutActiveDevice();
+    const TestSite site = siteWithoutActiveDevice();
     // Two devices whose texts are the same once they are elided, although their addresses differ.
     const QString address = QString(40, QLatin1Char('4'));
     const auto addressWith = [&address](QChar digit) { return QString(address).replace(20, 1, digit); };
@@ -320,60 +303,60 @@ void TstDeviceBinding::a_selection_that_left_the_list_leaves_no_device_and_the_o
     const Panel panel;
     panel->show();
     QCOMPARE(panel.deviceCombo()->itemText(1), panel.deviceCombo()->itemText(2));
-    select(panel, addressWith(QLatin1Char('1')));
+    panel.selectDevice(addressWith(QLatin1Char('1')));
     QCOMPARE(panel.deviceCombo()->currentIndex(), 1);
 
     Model::DeviceList::instance()->removeDevice(addressWith(QLatin1Char('1')));
     showAgain(panel);
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, addressWith(QLatin1Char('2')), touringRack}));
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, addressWith(QLatin1Char('2')), touringRack}));
     QCOMPARE(panel.deviceCombo()->currentIndex(), 1);
     QCOMPARE(boundAddress(panel, site), QString());
 }
 
-void TstDeviceBinding::an_active_device_without_support_is_bound_but_not_offered()
+void TstDeviceBinding::an_unsupported_active_device_is_bound_but_unlisted()
 {
-    const RunningSite site;
+    const TestSite site;
     activate(site->device(boothSwitcher));
     const Panel panel;
     panel->show();
-    QVERIFY(!markedAddresses(panel.deviceCombo()).contains(boothSwitcher));
+    QVERIFY(!markedAddresses(panel).contains(boothSwitcher));
     QCOMPARE(boundAddress(panel, site), boothSwitcher);
 }
 
 void TstDeviceBinding::showing_the_panel_refills_the_selector()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     Model::DeviceList::instance()->removeDevice(sideStage);
     QCOMPARE(panel.deviceCombo()->count(), 4);
     showAgain(panel);
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, foyer, touringRack}));
-    QCOMPARE(selectedAddress(panel), mainHall);
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, foyer, touringRack}));
+    QCOMPARE(panel.selectedAddress(), mainHall);
 }
 
 void TstDeviceBinding::refilling_never_counts_as_a_choice()
 {
     // A choice gives the selector a tool tip.
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     activate(site->device(touringRack));
     showAgain(panel);
     panel->retranslateUi();
-    QCOMPARE(selectedAddress(panel), touringRack);
+    QCOMPARE(panel.selectedAddress(), touringRack);
     QCOMPARE(panel.deviceCombo()->toolTip(), QString());
 
-    select(panel, sideStage);
+    panel.selectDevice(sideStage);
     QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
     showAgain(panel);
-    QCOMPARE(selectedAddress(panel), touringRack);
+    QCOMPARE(panel.selectedAddress(), touringRack);
     QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
 }
 
-void TstDeviceBinding::refilling_cuts_every_connection_of_the_selector_but_destroyed()
+void TstDeviceBinding::refilling_cuts_every_connection_but_destroyed()
 {
-    const RunningSite site;
+    const TestSite site;
     auto panel = std::make_unique<Panel>();
     QComboBox *combo = panel->deviceCombo();
     QObject other;
@@ -414,11 +397,11 @@ void TstDeviceBinding::refilling_cuts_every_connection_of_the_selector_but_destr
     QCOMPARE(destroyed, 1);
 }
 
-void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconnected()
+void TstDeviceBinding::without_a_device_list_the_selector_stays_empty()
 {
     std::unique_ptr<Panel> panel;
     {
-        const RunningSite site;
+        const TestSite site;
         panel = std::make_unique<Panel>();
         QCOMPARE(panel->deviceCombo()->count(), 4);
     }
@@ -433,22 +416,22 @@ void TstDeviceBinding::without_a_device_list_the_selector_stays_empty_and_unconn
 
 void TstDeviceBinding::devices_that_are_null_are_passed_over()
 {
-    const RunningSite site;
+    const TestSite site;
     Model::DeviceList::instance()->addDevice(nullptr);
     const Panel panel;
     panel->show();
-    QCOMPARE(markedAddresses(panel.deviceCombo()), QStringList({mainHall, sideStage, foyer, touringRack}));
-    select(panel, foyer);
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, sideStage, foyer, touringRack}));
+    panel.selectDevice(foyer);
     QCOMPARE(boundAddress(panel, site), foyer);
 }
 
 void TstDeviceBinding::choosing_a_device_binds_it()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     for (const QString &ip : {touringRack, sideStage, mainHall, foyer}) {
-        select(panel, ip);
+        panel.selectDevice(ip);
         QCOMPARE(panel.deviceCombo()->toolTip(), site->device(ip)->getDeviceInfo());
         QCOMPARE(boundAddress(panel, site), ip);
     }
@@ -456,11 +439,11 @@ void TstDeviceBinding::choosing_a_device_binds_it()
 
 void TstDeviceBinding::an_entry_without_marks_changes_nothing()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
-    select(panel, sideStage);
-    panel.deviceCombo()->setItemData(2, QVariant(), Qt::UserRole + 1);
+    panel.selectDevice(sideStage);
+    panel.deviceCombo()->setItemData(2, QVariant(), Panel::markRole);
     {
         const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("parameter is empty!!!"), 1);
         panel.deviceCombo()->setCurrentIndex(2);
@@ -478,7 +461,7 @@ void TstDeviceBinding::an_entry_without_marks_changes_nothing()
 
 void TstDeviceBinding::an_entry_with_wrong_marks_unbinds_the_device()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     const QStringList tooMany{QStringLiteral("tip"), QStringLiteral("b"), QStringLiteral("c"), sideStage,
@@ -486,7 +469,7 @@ void TstDeviceBinding::an_entry_with_wrong_marks_unbinds_the_device()
     for (const QStringList &marks : {QStringList(tooMany.mid(0, 3)), tooMany}) {
         showAgain(panel);
         QCOMPARE(boundAddress(panel, site), mainHall);
-        panel.deviceCombo()->setItemData(1, marks, Qt::UserRole + 1);
+        panel.deviceCombo()->setItemData(1, marks, Panel::markRole);
         {
             const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("device mark list count error."), 1);
             panel.deviceCombo()->setCurrentIndex(1);
@@ -535,9 +518,9 @@ void TstDeviceBinding::a_path_without_a_volume_has_no_space()
     QCOMPARE(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath() + QStringLiteral("missing/")), 0ULL);
 }
 
-void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
+void TstDeviceBinding::the_estimate_adds_ten_mebibytes()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     // No volume has that much room, so the panel says what it reckons with.
@@ -562,9 +545,8 @@ void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
                            QStringLiteral("Insufficient default path space to perform current operation"));
         QVERIFY(click(panel.saveProject()));
         QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
-        for (const char *operation : {"DeviceControler.calLogoMaterailCapacity", "DeviceControler.usedCapacity"}) {
-            const QVector<Simulation::JournalEntry> calls =
-                Journal::instance()->entries(QString::fromLatin1(operation));
+        for (const QLatin1String operation : {calLogoMaterailCapacity, usedCapacity}) {
+            const QVector<Simulation::JournalEntry> calls = Journal::instance()->entries(operation);
             QCOMPARE(calls.count(), 1);
             QCOMPARE(calls.first().arguments.value(QStringLiteral("ip")).toString(), mainHall);
         }
@@ -574,7 +556,7 @@ void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
 void TstDeviceBinding::an_empty_device_fits()
 {
     // Ten mebibytes are there; what they are made of is told by the refusals above.
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     site->hardware(mainHall)->fixCounters(0, 0);
@@ -582,9 +564,9 @@ void TstDeviceBinding::an_empty_device_fits()
     QCOMPARE(boundAddress(panel, site), mainHall);
 }
 
-void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialog()
+void TstDeviceBinding::synchronising_shows_the_waiting_dialog()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     Journal::instance()->clear();
@@ -596,8 +578,7 @@ void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialo
     QVERIFY(seen.visible);
     QCOMPARE(seen.text, QStringLiteral("Sync device data , please wait."));
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    VERIFY_JOURNAL_ORDER({QStringLiteral("WaitingDialog.showWaitingDialog"), updateOnlineDevice,
-                          QStringLiteral("WaitingDialog.hideWaitingDialog")});
+    VERIFY_JOURNAL_ORDER({showWaitingDialog, updateOnlineDevice, hideWaitingDialog});
     const QVariantMap arguments = Journal::instance()->entries(updateOnlineDevice).value(0).arguments;
     QCOMPARE(arguments.value(QStringLiteral("ip")).toString(), mainHall);
     QCOMPARE(arguments.value(QStringLiteral("sn")).toString(), site->device(mainHall)->getSN());
@@ -608,9 +589,9 @@ void TstDeviceBinding::an_online_device_is_synchronised_behind_the_waiting_dialo
     QCOMPARE(seen.text, QStringLiteral("正在同步设备数据，请稍候。"));
 }
 
-void TstDeviceBinding::a_failed_synchronisation_ends_the_save_and_the_waiting_dialog()
+void TstDeviceBinding::a_failed_synchronisation_ends_the_save()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     Faults::instance()->arm(updateOnlineDevice, Fault::fail());
@@ -623,18 +604,18 @@ void TstDeviceBinding::a_failed_synchronisation_ends_the_save_and_the_waiting_di
 
 void TstDeviceBinding::an_offline_device_is_not_synchronised()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
-    select(panel, touringRack);
+    panel.selectDevice(touringRack);
     Journal::instance()->clear();
     QCOMPARE(boundAddress(panel, site), touringRack);
-    VERIFY_JOURNAL({QStringLiteral("object_brige.setActiveDevice")});
+    VERIFY_JOURNAL({setActiveDevice});
 }
 
-void TstDeviceBinding::the_factory_state_is_restored_behind_the_waiting_dialog()
+void TstDeviceBinding::restoring_the_factory_state_shows_the_waiting_dialog()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->show();
     {

@@ -1,5 +1,5 @@
-#include "paneltesting.h"
 #include "translatedtexts.h"
+#include <support/paneltesting.h>
 
 #include <support/answerbook.h>
 #include <support/signalrecorder.h>
@@ -109,7 +109,7 @@ private:
         return result;
     }
 
-    const RunningSite m_site;
+    const TestSite m_site;
     bool m_written = true;
 
 public:
@@ -140,11 +140,11 @@ private slots:
     void short_texts_give_buttons_of_125_by_30();
     void label_is_15_wider_than_its_text();
     void texts_follow_the_language();
-    void rows_follow_the_language_when_their_scan_has_ended();
+    void rows_follow_the_language_after_a_scan();
 
     void command_buttons_run_their_operations();
     void row_buttons_run_their_operations();
-    void a_click_runs_its_operation_once_after_many_refreshes();
+    void after_many_refreshes_a_click_acts_once();
 
     void icons_come_with_the_library_data();
     void icons_come_with_the_library();
@@ -159,8 +159,8 @@ private slots:
     void an_added_file_makes_one_row();
     void a_removed_file_takes_one_row();
     void a_renamed_file_changes_one_row();
-    void a_touched_file_moves_to_the_top_past_untouched_rows();
-    void a_touched_file_leaves_the_rows_behind_it_untouched();
+    void a_touched_file_moves_to_the_top();
+    void touching_a_file_leaves_later_rows_alone();
 };
 
 void TstPanelConstruction::init()
@@ -189,7 +189,7 @@ void TstPanelConstruction::slots_stand_in_their_fixed_order()
 
 void TstPanelConstruction::the_host_knows_the_panel_by_its_id()
 {
-    const RunningSite site;
+    const TestSite site;
     QWidget parent;
     const Panel panel(&parent);
     QCOMPARE(panel->id().toString(), QStringLiteral("ProjectFileCfg.Central"));
@@ -198,7 +198,7 @@ void TstPanelConstruction::the_host_knows_the_panel_by_its_id()
 
 void TstPanelConstruction::panel_is_marked_for_the_style_sheet()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     QCOMPARE(panel->property("EngineerFile"), QVariant(true));
     QCOMPARE(panel->styleSheet(), QString());
@@ -206,7 +206,7 @@ void TstPanelConstruction::panel_is_marked_for_the_style_sheet()
 
 void TstPanelConstruction::rows_of_the_layout_stand_in_their_order()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     const auto *outer = qobject_cast<QVBoxLayout *>(panel->layout());
     QVERIFY(outer);
@@ -259,7 +259,7 @@ void TstPanelConstruction::rows_of_the_layout_stand_in_their_order()
 
 void TstPanelConstruction::device_selector_has_a_fixed_size()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     QCOMPARE(panel.deviceCombo()->minimumSize(), QSize(300, 36));
     QCOMPARE(panel.deviceCombo()->maximumSize(), QSize(300, 36));
@@ -270,7 +270,7 @@ void TstPanelConstruction::device_selector_has_a_fixed_size()
 
 void TstPanelConstruction::table_is_set_up_for_looking_only()
 {
-    const RunningSite site;
+    const TestSite site;
     Panel panel;
     const QTableWidget *table = panel.table();
     QCOMPARE(table->sizeAdjustPolicy(), QAbstractScrollArea::AdjustToContents);
@@ -302,7 +302,7 @@ void TstPanelConstruction::table_is_set_up_for_looking_only()
 
 void TstPanelConstruction::separator_is_a_line_of_its_own_style()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     const QFrame *separator = panel.separator();
     QCOMPARE(separator->parentWidget(), panel.widget.get());
@@ -315,7 +315,7 @@ void TstPanelConstruction::separator_is_a_line_of_its_own_style()
 
 void TstPanelConstruction::texts_are_those_of_the_panel()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     QCOMPARE(panel.deviceLabel()->text(), QStringLiteral("Device"));
     QCOMPARE(panel.saveProject()->text(), QStringLiteral("Save Project"));
@@ -329,7 +329,7 @@ void TstPanelConstruction::texts_are_those_of_the_panel()
 
 void TstPanelConstruction::command_buttons_share_one_width()
 {
-    const RunningSite site;
+    const TestSite site;
     const QString longest = QStringLiteral("A text that is far wider than one hundred pixels");
     const OneText text(longest);
     const Panel panel;
@@ -344,7 +344,7 @@ void TstPanelConstruction::command_buttons_share_one_width()
 
 void TstPanelConstruction::short_texts_give_buttons_of_125_by_30()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     const OneText text(QStringLiteral("I"));
     QCoreApplication::processEvents();
@@ -357,7 +357,7 @@ void TstPanelConstruction::short_texts_give_buttons_of_125_by_30()
 
 void TstPanelConstruction::label_is_15_wider_than_its_text()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     const int width = textWidth(panel.widget.get(), QStringLiteral("Device")) + 15;
     QCOMPARE(panel.deviceLabel()->minimumWidth(), width);
@@ -366,7 +366,7 @@ void TstPanelConstruction::label_is_15_wider_than_its_text()
 
 void TstPanelConstruction::texts_follow_the_language()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     {
         const TranslatedTexts chinese(QStringLiteral("zh_CN"));
@@ -386,9 +386,9 @@ void TstPanelConstruction::texts_follow_the_language()
     QCOMPARE(panel.saveProject()->text(), QStringLiteral("Save Project"));
 }
 
-void TstPanelConstruction::rows_follow_the_language_when_their_scan_has_ended()
+void TstPanelConstruction::rows_follow_the_language_after_a_scan()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
     const Panel panel;
     settle();
@@ -410,7 +410,7 @@ void TstPanelConstruction::rows_follow_the_language_when_their_scan_has_ended()
 
 void TstPanelConstruction::command_buttons_run_their_operations()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
     const Panel panel;
     panel->show();
@@ -440,7 +440,7 @@ void TstPanelConstruction::command_buttons_run_their_operations()
 
 void TstPanelConstruction::row_buttons_run_their_operations()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
     const Panel panel;
     panel->show();
@@ -464,9 +464,9 @@ void TstPanelConstruction::row_buttons_run_their_operations()
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
 
-void TstPanelConstruction::a_click_runs_its_operation_once_after_many_refreshes()
+void TstPanelConstruction::after_many_refreshes_a_click_acts_once()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
     const Panel panel;
     panel->show();
@@ -518,7 +518,7 @@ void TstPanelConstruction::icons_come_with_the_library()
 
 void TstPanelConstruction::row_shows_file_and_comment()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project3")), QStringLiteral("before the <b>show</b>")));
     const Panel panel;
     settle();
@@ -555,7 +555,7 @@ void TstPanelConstruction::file_names_lose_every_extension_in_small_letters()
 {
     QFETCH(QString, file);
     QFETCH(QString, shown);
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFilesPath() + file, QString()));
     const Panel panel;
     settle();
@@ -564,7 +564,7 @@ void TstPanelConstruction::file_names_lose_every_extension_in_small_letters()
 
 void TstPanelConstruction::row_buttons_stand_in_their_order()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
     const Panel panel;
     settle();
@@ -610,7 +610,7 @@ void TstPanelConstruction::row_buttons_stand_in_their_order()
 
 void TstPanelConstruction::row_buttons_know_their_file()
 {
-    const RunningSite site;
+    const TestSite site;
     const QStringList names{QStringLiteral("New"), QStringLiteral("Older"), QStringLiteral("Oldest")};
     for (int i = 0; i < names.count(); ++i)
         QVERIFY(writePackage(projectFile(names.at(i)), QString(), i));
@@ -626,7 +626,7 @@ void TstPanelConstruction::row_buttons_know_their_file()
 
 void TstPanelConstruction::commands_on_all_files_need_a_file()
 {
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     settle();
     QCOMPARE(panel.table()->rowCount(), 0);
@@ -702,7 +702,7 @@ void TstPanelConstruction::a_renamed_file_changes_one_row()
     QCOMPARE(listed.untouched(), QStringList({QStringLiteral("New"), QStringLiteral("Old")}));
 }
 
-void TstPanelConstruction::a_touched_file_moves_to_the_top_past_untouched_rows()
+void TstPanelConstruction::a_touched_file_moves_to_the_top()
 {
     const ListedFiles listed;
     QVERIFY(listed.isReady());
@@ -715,7 +715,7 @@ void TstPanelConstruction::a_touched_file_moves_to_the_top_past_untouched_rows()
     QCOMPARE(listed.untouched(), QStringList({QStringLiteral("New"), QStringLiteral("Middle")}));
 }
 
-void TstPanelConstruction::a_touched_file_leaves_the_rows_behind_it_untouched()
+void TstPanelConstruction::touching_a_file_leaves_later_rows_alone()
 {
     const ListedFiles listed;
     QVERIFY(listed.isReady());

@@ -1,5 +1,5 @@
-#include "paneltesting.h"
 #include "translatedtexts.h"
+#include <support/paneltesting.h>
 
 #include <engineerpropertysettingwidget.h>
 
@@ -184,7 +184,7 @@ void TstPanelLook::empty_panel_shows_its_texts_whole()
     QFETCH(QString, language);
     const TranslatedTexts texts(language);
     QVERIFY(texts.areFound());
-    const RunningSite site;
+    const TestSite site;
     const Panel panel;
     panel->resize(1000, 640);
     panel->show();
@@ -200,7 +200,7 @@ void TstPanelLook::full_panel_shows_its_texts_whole()
     QFETCH(QString, language);
     const TranslatedTexts texts(language);
     QVERIFY(texts.areFound());
-    const RunningSite site;
+    const TestSite site;
     const QStringList comments{QStringLiteral("20261121_193000"),
                                QStringLiteral("Opening with the new beams, checked by both operators before doors"),
                                QStringLiteral("开幕式，最终版本"), QString()};
@@ -222,7 +222,7 @@ void TstPanelLook::full_panel_shows_its_texts_whole()
 
 void TstPanelLook::long_device_texts_fit_into_the_selector()
 {
-    const RunningSite site;
+    const TestSite site;
     const std::shared_ptr<Model::Device> device = site->device(QStringLiteral("192.168.1.11"));
     const Panel panel;
     panel->resize(1000, 640);
@@ -243,7 +243,7 @@ void TstPanelLook::long_device_texts_fit_into_the_selector()
 
 void TstPanelLook::the_style_sheet_leaves_fixed_sizes_alone()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
     const Panel panel;
     panel->resize(1000, 640);

@@ -1,4 +1,4 @@
-#include "paneltesting.h"
+#include <support/paneltesting.h>
 #include <unit/packagetesting.h>
 
 #include <support/heldfile.h>
@@ -54,31 +54,6 @@ private:
     HeldFile m_file{projectFile(QStringLiteral("held"))};
 };
 
-/// Knows every future watcher that was told something since it was made.
-class FutureWatchers : public QObject
-{
-public:
-    FutureWatchers() { qApp->installEventFilter(this); }
-
-    bool eventFilter(QObject *object, QEvent *event) override
-    {
-        if (event->type() == QEvent::FutureCallOut && !m_seen.contains(object))
-            m_seen.append(object);
-        return false;
-    }
-
-    int seen() const { return m_seen.count(); }
-    int alive() const
-    {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        return int(std::count_if(m_seen.begin(), m_seen.end(),
-                                 [](const QPointer<QObject> &watcher) { return !watcher.isNull(); }));
-    }
-
-private:
-    QVector<QPointer<QObject>> m_seen;
-};
-
 } // namespace
 
 class TstProjectListing : public QObject
@@ -90,25 +65,25 @@ private slots:
     void cleanup();
 
     void first_start_creates_the_directory_and_lists_nothing();
-    void first_start_follows_the_directory_only_once_the_panel_is_built_again();
-    void a_file_copied_in_is_listed_by_its_time();
-    void a_file_that_goes_is_not_listed_any_more();
+    void a_first_start_does_not_watch_the_directory();
+    void a_copied_file_is_listed_by_its_time();
+    void a_deleted_file_leaves_the_list();
     void files_are_listed_newest_first();
     void what_is_no_valid_package_is_never_listed_data();
     void what_is_no_valid_package_is_never_listed();
-    void a_directory_that_cannot_be_created_leaves_list_and_table();
+    void a_failed_mkdir_leaves_list_and_table_alone();
     void a_start_without_a_possible_directory_lists_nothing();
     void an_edit_outside_without_renaming_keeps_the_comment();
     void a_renamed_package_is_read_again();
     void building_the_panel_waits_for_no_scan();
-    void a_link_to_a_named_pipe_keeps_nobody_waiting();
-    void a_scan_that_was_started_earlier_never_replaces_a_later_list();
+    void a_link_to_a_pipe_never_blocks();
+    void an_earlier_scan_never_replaces_a_later_list();
     void scans_release_their_watchers();
-    void the_panel_may_go_before_its_scans_begin();
-    void the_panel_may_go_in_the_middle_of_a_scan();
-    void a_package_written_in_pieces_is_listed_when_complete();
-    void what_is_at_rest_is_not_looked_at_again();
-    void a_panel_that_is_closed_looks_at_nothing_again();
+    void the_panel_may_be_deleted_before_a_scan();
+    void the_panel_may_be_deleted_during_a_scan();
+    void a_package_is_listed_once_completely_written();
+    void a_file_at_rest_is_not_reread();
+    void a_closed_panel_looks_at_nothing_again();
 };
 
 void TstProjectListing::init()
@@ -125,7 +100,7 @@ void TstProjectListing::cleanup()
 
 void TstProjectListing::first_start_creates_the_directory_and_lists_nothing()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
     const Panel panel;
     settle();
@@ -134,9 +109,9 @@ void TstProjectListing::first_start_creates_the_directory_and_lists_nothing()
     QVERIFY(!panel.allDelete()->isEnabled());
 }
 
-void TstProjectListing::first_start_follows_the_directory_only_once_the_panel_is_built_again()
+void TstProjectListing::a_first_start_does_not_watch_the_directory()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
     {
         const Panel panel;
@@ -156,9 +131,9 @@ void TstProjectListing::first_start_follows_the_directory_only_once_the_panel_is
     QTRY_COMPARE(panel.names(), QStringList({one, two}));
 }
 
-void TstProjectListing::a_file_copied_in_is_listed_by_its_time()
+void TstProjectListing::a_copied_file_is_listed_by_its_time()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("new"), 10));
     QVERIFY(writePackage(projectFile(two), QStringLiteral("old"), 30));
     const Panel panel;
@@ -170,9 +145,9 @@ void TstProjectListing::a_file_copied_in_is_listed_by_its_time()
     QTRY_COMPARE(panel.names().value(0), QStringLiteral("Newest"));
 }
 
-void TstProjectListing::a_file_that_goes_is_not_listed_any_more()
+void TstProjectListing::a_deleted_file_leaves_the_list()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString(), 10));
     QVERIFY(writePackage(projectFile(two), QString(), 30));
     const Panel panel;
@@ -186,7 +161,7 @@ void TstProjectListing::a_file_that_goes_is_not_listed_any_more()
 
 void TstProjectListing::files_are_listed_newest_first()
 {
-    const RunningSite site;
+    const TestSite site;
     QStringList expected;
     for (int i = 0; i < 12; ++i)
         expected.append(QStringLiteral("Project%1").arg(i));
@@ -219,7 +194,7 @@ void TstProjectListing::what_is_no_valid_package_is_never_listed()
 {
     QFETCH(QString, name);
     QFETCH(QByteArray, bytes);
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     QFile bad(projectFilesPath() + name);
     QVERIFY(bad.open(QIODevice::WriteOnly));
@@ -234,9 +209,9 @@ void TstProjectListing::what_is_no_valid_package_is_never_listed()
     QCOMPARE(panel.names(), QStringList(one));
 }
 
-void TstProjectListing::a_directory_that_cannot_be_created_leaves_list_and_table()
+void TstProjectListing::a_failed_mkdir_leaves_list_and_table_alone()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("kept")));
     const Panel panel;
     settle();
@@ -254,7 +229,7 @@ void TstProjectListing::a_directory_that_cannot_be_created_leaves_list_and_table
 
 void TstProjectListing::a_start_without_a_possible_directory_lists_nothing()
 {
-    const RunningSite site;
+    const TestSite site;
     QDir velmora(QDir::cleanPath(projectFilesPath() + QStringLiteral("../..")));
     QVERIFY(velmora.removeRecursively());
     QFile inItsPlace(velmora.path());
@@ -270,7 +245,7 @@ void TstProjectListing::a_start_without_a_possible_directory_lists_nothing()
 
 void TstProjectListing::an_edit_outside_without_renaming_keeps_the_comment()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("first"), 10));
     QVERIFY(writePackage(projectFile(two), QStringLiteral("other"), 5));
     const Panel panel;
@@ -289,7 +264,7 @@ void TstProjectListing::an_edit_outside_without_renaming_keeps_the_comment()
 
 void TstProjectListing::a_renamed_package_is_read_again()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QStringLiteral("first")));
     const Panel panel;
     settle();
@@ -301,7 +276,7 @@ void TstProjectListing::a_renamed_package_is_read_again()
 
 void TstProjectListing::building_the_panel_waits_for_no_scan()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     HeldScan held;
     const Panel panel;
@@ -314,9 +289,9 @@ void TstProjectListing::building_the_panel_waits_for_no_scan()
     QCOMPARE(panel.names(), QStringList(one));
 }
 
-void TstProjectListing::a_link_to_a_named_pipe_keeps_nobody_waiting()
+void TstProjectListing::a_link_to_a_pipe_never_blocks()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     // Links are listed, whatever they lead to.
     const QString pipe = QDir::homePath() + QStringLiteral("/pipe");
@@ -328,9 +303,9 @@ void TstProjectListing::a_link_to_a_named_pipe_keeps_nobody_waiting()
     QVERIFY(QFile::remove(pipe) && QFile::remove(projectFile(QStringLiteral("linked"))));
 }
 
-void TstProjectListing::a_scan_that_was_started_earlier_never_replaces_a_later_list()
+void TstProjectListing::an_earlier_scan_never_replaces_a_later_list()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString(), 10));
     HeldScan held;
     const Panel panel;
@@ -345,7 +320,7 @@ void TstProjectListing::a_scan_that_was_started_earlier_never_replaces_a_later_l
 
 void TstProjectListing::scans_release_their_watchers()
 {
-    const RunningSite site;
+    const TestSite site;
     const FutureWatchers watchers;
     const Panel panel;
     settle();
@@ -355,9 +330,9 @@ void TstProjectListing::scans_release_their_watchers()
     QCOMPARE(watchers.alive(), 0);
 }
 
-void TstProjectListing::the_panel_may_go_before_its_scans_begin()
+void TstProjectListing::the_panel_may_be_deleted_before_a_scan()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(removeProjectFilesDirectory());
     const FutureWatchers watchers;
     {
@@ -373,9 +348,9 @@ void TstProjectListing::the_panel_may_go_before_its_scans_begin()
     QCOMPARE(watchers.alive(), 0);
 }
 
-void TstProjectListing::the_panel_may_go_in_the_middle_of_a_scan()
+void TstProjectListing::the_panel_may_be_deleted_during_a_scan()
 {
-    const RunningSite site;
+    const TestSite site;
     for (int i = 0; i < 20; ++i)
         QVERIFY(writePackage(projectFile(QStringLiteral("Project%1").arg(i)), QString(), i));
     const FutureWatchers watchers;
@@ -390,9 +365,9 @@ void TstProjectListing::the_panel_may_go_in_the_middle_of_a_scan()
     QCOMPARE(watchers.alive(), 0);
 }
 
-void TstProjectListing::a_package_written_in_pieces_is_listed_when_complete()
+void TstProjectListing::a_package_is_listed_once_completely_written()
 {
-    const RunningSite site;
+    const TestSite site;
     const QByteArray package = PackageBuilder()
                                    .file("BKG/BKG_1.png", noise(100000), PackageBuilder::Stored)
                                    .record(one, QStringLiteral("by hand"))
@@ -413,9 +388,9 @@ void TstProjectListing::a_package_written_in_pieces_is_listed_when_complete()
     QCOMPARE(panel.comments(), QStringList(QStringLiteral("by hand")));
 }
 
-void TstProjectListing::what_is_at_rest_is_not_looked_at_again()
+void TstProjectListing::a_file_at_rest_is_not_reread()
 {
-    const RunningSite site;
+    const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
     QVERIFY(writeFile(projectFile(two), "no package"));
     QVERIFY(makeOld(projectFile(two), 1));
@@ -435,9 +410,9 @@ void TstProjectListing::what_is_at_rest_is_not_looked_at_again()
     QVERIFY(!timer->isActive());
 }
 
-void TstProjectListing::a_panel_that_is_closed_looks_at_nothing_again()
+void TstProjectListing::a_closed_panel_looks_at_nothing_again()
 {
-    const RunningSite site;
+    const TestSite site;
     QPointer<QTimer> timer;
     {
         const Panel panel;

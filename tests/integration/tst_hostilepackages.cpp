@@ -4,9 +4,9 @@
 #include <zippackagehandle.h>
 
 #include <data/hostilepackages.h>
-#include <gui/paneltesting.h>
 #include <support/answerbook.h>
 #include <support/customsite.h>
+#include <support/paneltesting.h>
 #include <support/signalrecorder.h>
 #include <support/testmain.h>
 
@@ -562,7 +562,7 @@ void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was()
     Simulation::Journal::instance()->clear();
     click(panel.applyOthers());
     const auto isAtRest = [&] {
-        const auto types = Simulation::Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+        const auto types = Simulation::Journal::instance()->entries(Simulation::Operations::setOperatorType);
         const bool isIdle = types.isEmpty() || types.last().arguments.value(QStringLiteral("type")).toString() ==
                                                    QStringLiteral("OperatorNone");
         return book.isSatisfied() && isIdle;
@@ -576,7 +576,7 @@ void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was()
     }
     const QStringList differences = hardware->state().differencesTo(before);
     QVERIFY2(differences.isEmpty(), qPrintable(differences.join(QLatin1Char('\n'))));
-    QCOMPARE(Simulation::Journal::instance()->count(QStringLiteral("DeviceControler.updateDeviceInfo")), 0);
+    QCOMPARE(Simulation::Journal::instance()->count(Simulation::Operations::updateDeviceInfo), 0);
 }
 
 const HostilePackage &TstHostilePackages::named(const QByteArray &name) const
@@ -745,7 +745,7 @@ void TstHostilePackages::the_panel_imports_and_lists_what_the_table_says()
     const LibraryNoise noise;
     // Those that a scan, a table or a box could stumble over.
     const QVector<QByteArray> kinds{"record_", "comment_", "cut_", "end_record_", "junk_", "zip64_", "file_is_"};
-    const PanelTesting::RunningSite site;
+    const TestSupport::TestSite site;
     QVERIFY(PanelTesting::clearProjectFilesDirectory());
     QMap<QByteArray, Expectation> table;
     for (const auto &row : readTable())

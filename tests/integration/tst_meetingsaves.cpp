@@ -12,14 +12,13 @@
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Simulation::Fault;
 using Simulation::Faults;
 
 namespace {
 
 constexpr int rounds = 200;
-const QString serailize = QStringLiteral("Serailizer.serailize");
-const QString packPreset = QStringLiteral("PresetControl.presetFullDetail2Binary");
 
 /// A save that runs beside others.
 class Save
@@ -125,7 +124,7 @@ void TstMeetingSaves::a_renaming_and_a_save_lose_no_package()
         constexpr int moments = 4;
         QSemaphore isTime;
         const int moment = round % moments;
-        Faults::instance()->arm(moment == 0 ? serailize : packPreset,
+        Faults::instance()->arm(moment == 0 ? serailize : presetFullDetail2Binary,
                                 Fault::run([&] { isTime.release(); }, qMax(1, moment)));
         Save saving(m_site->touringRack, m_projects, "Show", "saved");
         isTime.acquire();

@@ -23,6 +23,7 @@
 #include <QtConcurrentRun>
 
 using namespace TestSupport;
+using namespace Simulation::Operations;
 using Core::ModeManager;
 using Corvel::Widgets::ICenterWidget;
 using Corvel::Widgets::WaitingDialog;
@@ -49,39 +50,39 @@ private slots:
     void init();
     void cleanup();
 
-    void the_metadata_alone_brings_it_up_after_what_it_needs();
+    void the_metadata_orders_it_after_its_dependencies();
     void the_entry_point_gives_the_one_object();
-    void after_its_end_the_entry_point_makes_a_new_one();
-    void the_class_knows_its_one_object_as_long_as_it_lives();
-    void it_registers_its_sub_mode_whatever_device_is_active();
-    void it_is_in_the_object_pool_and_the_panel_is_not_yet();
+    void the_entry_point_replaces_a_deleted_plugin();
+    void the_class_knows_its_living_object();
+    void the_sub_mode_is_registered_for_every_device();
+    void only_the_plugin_is_in_the_pool_yet();
     void coming_up_goes_in_this_order();
     void delayed_work_is_said_to_be_done();
     void file_names_are_utf8_from_the_start();
     void a_missing_translation_is_one_warning();
     void its_texts_come_from_the_translation_directory();
 
-    void without_having_been_shown_it_touches_no_center_widget();
-    void the_panel_is_made_after_the_mode_manager_has_finished();
+    void never_shown_it_touches_no_center_widget();
+    void the_panel_is_created_after_the_mode_change();
     void the_first_activation_enters_the_panel_twice();
-    void the_panel_is_in_the_pool_before_it_is_entered();
+    void the_panel_is_pooled_before_it_is_entered();
     void later_activations_enter_the_same_panel_once();
-    void showing_the_shown_sub_mode_again_registers_nothing_twice();
+    void showing_it_again_registers_nothing_twice();
     void another_mode_takes_the_panel_out();
 
     void no_active_device_changes_nothing();
     void a_supporting_device_registers_nothing_twice();
-    void a_device_without_support_withdraws_the_shown_sub_mode();
-    void a_device_without_support_activates_nothing_behind_another_top_level_mode();
-    void a_device_without_support_activates_nothing_when_another_sub_mode_is_shown();
-    void a_sub_mode_that_is_first_in_the_list_is_activated_again();
-    void a_supporting_device_brings_the_sub_mode_back_with_fresh_texts();
+    void losing_support_withdraws_the_shown_sub_mode();
+    void without_support_other_top_level_modes_stay();
+    void without_support_another_sub_mode_stays();
+    void the_first_sub_mode_is_activated_again();
+    void regaining_support_brings_back_fresh_texts();
     void another_device_without_support_removes_nothing_twice();
 
     void shutting_down_before_the_panel_exists();
     void shutting_down_takes_everything_out();
     void shutting_down_goes_in_this_order();
-    void a_device_change_after_the_shutdown_makes_a_new_sub_mode();
+    void a_device_change_after_shutdown_makes_a_mode();
     void shutting_down_while_the_panel_is_shown();
     void shutting_down_during_a_backup();
     void shutting_down_during_a_scan();
@@ -166,7 +167,7 @@ QStringList TstPluginLifecycle::calls(const char *id)
 // ---------------------------------------------------------------------------------------------------------------------
 // Coming up
 
-void TstPluginLifecycle::the_metadata_alone_brings_it_up_after_what_it_needs()
+void TstPluginLifecycle::the_metadata_orders_it_after_its_dependencies()
 {
     start();
     const PluginSpec *spec = m_manager->plugin("projectfilecfg");
@@ -192,7 +193,7 @@ void TstPluginLifecycle::the_entry_point_gives_the_one_object()
     QCOMPARE(instance(), static_cast<QObject *>(plugin()));
 }
 
-void TstPluginLifecycle::after_its_end_the_entry_point_makes_a_new_one()
+void TstPluginLifecycle::the_entry_point_replaces_a_deleted_plugin()
 {
     start();
     using EntryPoint = QObject *(*)();
@@ -208,7 +209,7 @@ void TstPluginLifecycle::after_its_end_the_entry_point_makes_a_new_one()
     QVERIFY(second->inherits("ProjectFileCfg::ProjectFileCfgPlugin"));
 }
 
-void TstPluginLifecycle::the_class_knows_its_one_object_as_long_as_it_lives()
+void TstPluginLifecycle::the_class_knows_its_living_object()
 {
     start();
     using Instance = QObject *(*)();
@@ -222,16 +223,16 @@ void TstPluginLifecycle::the_class_knows_its_one_object_as_long_as_it_lives()
     QVERIFY(!instance());
 }
 
-void TstPluginLifecycle::it_registers_its_sub_mode_whatever_device_is_active()
+void TstPluginLifecycle::the_sub_mode_is_registered_for_every_device()
 {
     makeActive(m_site->boothSwitcher);
     start();
     QVERIFY(subModes()->containsMode(subMode));
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.addMode"});
+    QCOMPARE(calls(subMode), QStringList{addNavigationMode});
     QCOMPARE(subModes()->mode(subMode)->displayName(), QString("Project File"));
 }
 
-void TstPluginLifecycle::it_is_in_the_object_pool_and_the_panel_is_not_yet()
+void TstPluginLifecycle::only_the_plugin_is_in_the_pool_yet()
 {
     start();
     QVERIFY(ObjectPool::instance()->objects().contains(plugin()));
@@ -316,7 +317,7 @@ void TstPluginLifecycle::its_texts_come_from_the_translation_directory()
 // ---------------------------------------------------------------------------------------------------------------------
 // Following the mode
 
-void TstPluginLifecycle::without_having_been_shown_it_touches_no_center_widget()
+void TstPluginLifecycle::never_shown_it_touches_no_center_widget()
 {
     start();
     showSubMode("General");
@@ -324,11 +325,11 @@ void TstPluginLifecycle::without_having_been_shown_it_touches_no_center_widget()
     QCoreApplication::processEvents();
     QStringList distinct = calls(panelId);
     distinct.removeDuplicates();
-    QCOMPARE(distinct, QStringList{"ModeManager.existCenterWidget"});
+    QCOMPARE(distinct, QStringList{existCenterWidget});
     QVERIFY(!panel());
 }
 
-void TstPluginLifecycle::the_panel_is_made_after_the_mode_manager_has_finished()
+void TstPluginLifecycle::the_panel_is_created_after_the_mode_change()
 {
     start();
     showSubMode("General");
@@ -345,14 +346,13 @@ void TstPluginLifecycle::the_first_activation_enters_the_panel_twice()
     showSubMode("General");
     Journal::instance()->clear();
     showSubMode(subMode);
-    QCOMPARE(calls(panelId), QStringList({"ICenterWidget.enterWindow", "ModeManager.existCenterWidget",
-                                          "ModeManager.addCenterWidget", "ModeManager.setActivateCenterWidget",
-                                          "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
+    QCOMPARE(calls(panelId), QStringList({enterWindow, existCenterWidget, addCenterWidget, setActivateCenterWidget,
+                                          raiseWindow, enterWindow}));
     QCOMPARE(ModeManager::activeCenterWidget(), Id(panelId));
     QVERIFY(panel());
 }
 
-void TstPluginLifecycle::the_panel_is_in_the_pool_before_it_is_entered()
+void TstPluginLifecycle::the_panel_is_pooled_before_it_is_entered()
 {
     start();
     showSubMode("General");
@@ -373,22 +373,20 @@ void TstPluginLifecycle::later_activations_enter_the_same_panel_once()
     showSubMode("General");
     Journal::instance()->clear();
     showSubMode(subMode);
-    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.addCenterWidget",
-                                          "ModeManager.setActivateCenterWidget", "ICenterWidget.raiseWindow",
-                                          "ICenterWidget.enterWindow"}));
+    QCOMPARE(calls(panelId),
+             QStringList({existCenterWidget, addCenterWidget, setActivateCenterWidget, raiseWindow, enterWindow}));
     QVERIFY(first);
     QCOMPARE(panel(), first.data());
 }
 
-void TstPluginLifecycle::showing_the_shown_sub_mode_again_registers_nothing_twice()
+void TstPluginLifecycle::showing_it_again_registers_nothing_twice()
 {
     start();
     showSubMode(subMode);
     Journal::instance()->clear();
     emit subModes()->currentModeChanged(subMode, subMode);
     QCoreApplication::processEvents();
-    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.setActivateCenterWidget",
-                                          "ICenterWidget.raiseWindow", "ICenterWidget.enterWindow"}));
+    QCOMPARE(calls(panelId), QStringList({existCenterWidget, setActivateCenterWidget, raiseWindow, enterWindow}));
 }
 
 void TstPluginLifecycle::another_mode_takes_the_panel_out()
@@ -397,8 +395,7 @@ void TstPluginLifecycle::another_mode_takes_the_panel_out()
     showSubMode(subMode);
     Journal::instance()->clear();
     showSubMode("General");
-    QCOMPARE(calls(panelId), QStringList({"ModeManager.existCenterWidget", "ModeManager.removeCenterWidget",
-                                          "ICenterWidget.leaveWindow"}));
+    QCOMPARE(calls(panelId), QStringList({existCenterWidget, removeCenterWidget, leaveWindow}));
     QVERIFY(panel());
     QVERIFY(!ModeManager::existCenterWidget(panelId));
 }
@@ -430,16 +427,16 @@ void TstPluginLifecycle::a_supporting_device_registers_nothing_twice()
     QCOMPARE(subModes()->mode(subMode)->displayName(), QString("not translated again"));
 }
 
-void TstPluginLifecycle::a_device_without_support_withdraws_the_shown_sub_mode()
+void TstPluginLifecycle::losing_support_withdraws_the_shown_sub_mode()
 {
     start();
     showSubMode(subMode);
     QCOMPARE(subModes()->modes().first(), Id("General"));
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    VERIFY_JOURNAL_ORDER({"NavigationBarModeManager.activateMode", "NavigationBarModeManager.removeMode"});
-    QCOMPARE(calls("General").first(), QString("NavigationBarModeManager.activateMode"));
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    VERIFY_JOURNAL_ORDER({activateNavigationMode, removeNavigationMode});
+    QCOMPARE(calls("General").first(), QString(activateNavigationMode));
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QCOMPARE(subModes()->currentModeId(), Id("General"));
     QVERIFY(!subModes()->containsMode(subMode));
     QCoreApplication::processEvents();
@@ -447,7 +444,7 @@ void TstPluginLifecycle::a_device_without_support_withdraws_the_shown_sub_mode()
     QVERIFY(panel());
 }
 
-void TstPluginLifecycle::a_device_without_support_activates_nothing_behind_another_top_level_mode()
+void TstPluginLifecycle::without_support_other_top_level_modes_stay()
 {
     start();
     showSubMode(subMode);
@@ -457,23 +454,23 @@ void TstPluginLifecycle::a_device_without_support_activates_nothing_behind_anoth
     QCOMPARE(subModes()->currentModeId(), Id(subMode));
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    QCOMPARE(Journal::instance()->count("NavigationBarModeManager.activateMode"), 0);
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(Journal::instance()->count(activateNavigationMode), 0);
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QVERIFY(!subModes()->containsMode(subMode));
 }
 
-void TstPluginLifecycle::a_device_without_support_activates_nothing_when_another_sub_mode_is_shown()
+void TstPluginLifecycle::without_support_another_sub_mode_stays()
 {
     start();
     showSubMode("General");
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    QCOMPARE(Journal::instance()->count("NavigationBarModeManager.activateMode"), 0);
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(Journal::instance()->count(activateNavigationMode), 0);
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QCOMPARE(subModes()->currentModeId(), Id("General"));
 }
 
-void TstPluginLifecycle::a_sub_mode_that_is_first_in_the_list_is_activated_again()
+void TstPluginLifecycle::the_first_sub_mode_is_activated_again()
 {
     start();
     showSubMode(subMode);
@@ -482,13 +479,12 @@ void TstPluginLifecycle::a_sub_mode_that_is_first_in_the_list_is_activated_again
     QCOMPARE(subModes()->modes(), QVector<Id>{Id(subMode)});
     Journal::instance()->clear();
     makeActive(m_site->boothSwitcher);
-    QCOMPARE(calls(subMode),
-             QStringList({"NavigationBarModeManager.activateMode", "NavigationBarModeManager.removeMode"}));
+    QCOMPARE(calls(subMode), QStringList({activateNavigationMode, removeNavigationMode}));
     QVERIFY(!subModes()->containsMode(subMode));
     subModes()->addMode(general);
 }
 
-void TstPluginLifecycle::a_supporting_device_brings_the_sub_mode_back_with_fresh_texts()
+void TstPluginLifecycle::regaining_support_brings_back_fresh_texts()
 {
     start();
     NavigationBar::INavigationBarMode *mode = subModes()->mode(subMode);
@@ -497,7 +493,7 @@ void TstPluginLifecycle::a_supporting_device_brings_the_sub_mode_back_with_fresh
     mode->setDisplayName("old text");
     Journal::instance()->clear();
     makeActive(m_site->foyer);
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.addMode"});
+    QCOMPARE(calls(subMode), QStringList{addNavigationMode});
     QCOMPARE(subModes()->mode(subMode), mode);
     QCOMPARE(mode->displayName(), QString("Project File"));
 }
@@ -522,7 +518,7 @@ void TstPluginLifecycle::shutting_down_before_the_panel_exists()
     Journal::instance()->clear();
     QCOMPARE(int(plugin()->aboutToShutdown()), 0);
     QCOMPARE(calls(panelId), QStringList());
-    QCOMPARE(calls(subMode), QStringList{"NavigationBarModeManager.removeMode"});
+    QCOMPARE(calls(subMode), QStringList{removeNavigationMode});
     QVERIFY(mode.isNull());
     QVERIFY(!subModes()->containsMode(subMode));
     QVERIFY(!ObjectPool::instance()->objects().contains(plugin()));
@@ -541,7 +537,7 @@ void TstPluginLifecycle::shutting_down_takes_everything_out()
     QVERIFY(mode.isNull());
     QVERIFY(center.isNull());
     QVERIFY(object.isNull());
-    QCOMPARE(calls(panelId), QStringList{"ICenterWidget.leaveWindow"});
+    QCOMPARE(calls(panelId), QStringList{leaveWindow});
     QVERIFY(!subModes()->containsMode(subMode));
     QCOMPARE(ObjectPool::instance()->objects(), QList<QObject *>());
 }
@@ -571,7 +567,7 @@ void TstPluginLifecycle::shutting_down_goes_in_this_order()
                                  "plugin out: left, panel gone, mode gone"}));
 }
 
-void TstPluginLifecycle::a_device_change_after_the_shutdown_makes_a_new_sub_mode()
+void TstPluginLifecycle::a_device_change_after_shutdown_makes_a_mode()
 {
     // The plugin goes on listening until it dies.
     start();
@@ -605,7 +601,7 @@ void TstPluginLifecycle::shutting_down_during_a_backup()
     QVERIFY(QThreadPool::globalInstance()->waitForDone());
 
     Gate gate;
-    Faults::instance()->arm("MaterialControl.queryMaterailData", gate.fault());
+    Faults::instance()->arm(queryMaterailData, gate.fault());
     AnswerBook book;
     book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) {
         dialog->findChild<QLineEdit *>()->setText("Show");
@@ -619,12 +615,12 @@ void TstPluginLifecycle::shutting_down_during_a_backup()
 
     m_manager->shutdown();
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    QCOMPARE(Journal::instance()->entries("ICore.setOperatorType").last().arguments["type"].toString(),
+    QCOMPARE(Journal::instance()->entries(setOperatorType).last().arguments["type"].toString(),
              QString("OperatorNone"));
     QVERIFY(job);
     gate.open();
     QTRY_VERIFY(job.isNull());
-    QCOMPARE(Journal::instance()->count("MaterialControl.queryMaterailData"), 1);
+    QCOMPARE(Journal::instance()->count(queryMaterailData), 1);
     QVERIFY(!QFile::exists(QDir::homePath() + "/Documents/Velmora/Tarvo/ProjectFiles/Show.corvelpro"));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
@@ -661,7 +657,7 @@ void TstPluginLifecycle::it_can_be_loaded_again()
     Journal::instance()->clear();
     showSubMode(subMode);
     QVERIFY(panel());
-    QCOMPARE(calls(panelId).count("ICenterWidget.enterWindow"), 2);
+    QCOMPARE(calls(panelId).count(enterWindow), 2);
 }
 
 TEST_MAIN(TstPluginLifecycle)

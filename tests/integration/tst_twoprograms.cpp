@@ -173,7 +173,7 @@ void Program::applies_the_package()
     book.expectQuestion(QStringLiteral("Remind"), QString(), QMessageBox::No);
     click(row(), QStringLiteral("Apply"));
     WAIT_FOR_BOOK(book);
-    WAIT_FOR(Journal::instance()->count(QStringLiteral("object_brige.clearScreenList")) == 1);
+    WAIT_FOR(Journal::instance()->count(Simulation::Operations::clearScreenList) == 1);
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 
     HardwareState identity;

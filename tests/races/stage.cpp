@@ -5,7 +5,6 @@
 #include <model/deviceeditor.h>
 #include <model/objectbrige.h>
 #include <modelcontrol/hardwareaccess.h>
-#include <widgets/fixedbitlineeditex.h>
 #include <widgets/waitingdialog.h>
 
 #include <QDeadlineTimer>
@@ -13,7 +12,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSemaphore>
-#include <QTextEdit>
 #include <QtEndian>
 
 using namespace TestSupport;
@@ -349,11 +347,7 @@ QStringList Stage::filesFor(Operation operation, const Simulation::HardwareState
 
 void Stage::select(const QString &ip)
 {
-    QComboBox *combo = panel().deviceCombo();
-    for (int i = 0; i < combo->count(); ++i) {
-        if (combo->itemData(i, Qt::UserRole + 1).toStringList().value(3) == ip)
-            combo->setCurrentIndex(i);
-    }
+    panel().selectDevice(ip);
 }
 
 void Stage::pressLater(QAbstractButton *button)
@@ -429,9 +423,8 @@ void Stage::answer(QDialog *dialog)
             pressLater(wanted ? wanted : box->button(QMessageBox::No));
         }
     } else if (dialog->inherits("EngineerPropertySettingWidget")) {
-        if (!m_answers.name.isNull())
-            dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText(m_answers.name);
-        dialog->findChild<QTextEdit *>()->setPlainText(m_answers.comment);
+        enterProperties(dialog, m_answers.name.isNull() ? propertiesIn(dialog).name : m_answers.name,
+                        m_answers.comment);
         // Those of the frame around it have names. The first one accepts; a name that is taken keeps the dialog open.
         QPointer<QPushButton> accepting;
         for (QPushButton *button : dialog->findChildren<QPushButton *>(QString())) {
@@ -686,7 +679,7 @@ QStringList Stage::brokenJobTruths() const
 {
     QStringList broken = m_surprises;
     const QVector<Simulation::JournalEntry> types =
-        Journal::instance()->entries(QStringLiteral("ICore.setOperatorType"));
+        Journal::instance()->entries(Simulation::Operations::setOperatorType);
     if (!types.isEmpty() && types.last().arguments.value(QStringLiteral("type")) != QStringLiteral("OperatorNone"))
         broken.append(QStringLiteral("the host still believes that an operation runs"));
     const int calls = Journal::instance()->operations().count();

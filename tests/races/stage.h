@@ -1,6 +1,6 @@
 #pragma once
 
-#include <gui/paneltesting.h>
+#include <support/paneltesting.h>
 
 #include <support/answerbook.h>
 #include <support/customsite.h>

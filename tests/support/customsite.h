@@ -1,19 +1,14 @@
 #pragma once
 
 #include "packagebuilder.h"
+#include "testsite.h"
 
-#include <core/hostsettings.h>
 #include <modelcontrol/hardwareaccess.h>
-#include <simulation/session/session.h>
 
 #include <QBuffer>
 #include <QDataStream>
-#include <QDir>
 #include <QJsonDocument>
 #include <QRandomGenerator>
-#include <QTemporaryDir>
-
-#include <memory>
 
 namespace TestSupport {
 
@@ -27,37 +22,17 @@ struct CustomDevice
     bool online = true;
 };
 
-/// A simulated site with devices of the test's own making, where the built-in ones of TestSite will not do.
-/// Directories are its own; the first device is the active one.
-class CustomSite
+/// A site with devices of the test's own making, where the built-in ones of TestSite will not do. The first is active.
+class CustomSite : public SimulatedSite
 {
 public:
     explicit CustomSite(const QVector<CustomDevice> &devices)
-        : m_session(std::make_unique<Simulation::Session>(prepare(devices), configPath()))
-    {
-        if (!m_session->error().isEmpty())
-            qFatal("The site cannot be brought up: %s", qPrintable(m_session->error()));
-    }
-
-    Simulation::Session *operator->() const { return m_session.get(); }
-
-    /// The fresh folder, which holds nothing but what the next two name.
-    QString path() const { return m_dir.path(); }
-    QString configPath() const { return m_dir.filePath(QStringLiteral("devices")); }
-    QString extractPath() const { return m_dir.filePath(QStringLiteral("extracted")); }
-    /// Where the files of that device lie.
-    QString devicePath(const QString &ip) const { return configPath() + QLatin1Char('/') + ip; }
+        : SimulatedSite(siteOf(devices))
+    {}
 
 private:
-    Simulation::Site prepare(const QVector<CustomDevice> &devices) const
+    static Simulation::Site siteOf(const QVector<CustomDevice> &devices)
     {
-        Core::HostSettings settings = Core::hostSettings();
-        settings.deviceConfigFilePath = configPath();
-        settings.extractJsonPath = extractPath();
-        Core::applySettings(settings);
-        QDir().mkpath(configPath());
-        QDir().mkpath(extractPath());
-
         Simulation::Site site;
         site.models = {{mainModel, QStringLiteral("ST-1600"), true, 8},
                        {otherModel, QStringLiteral("ST-400"), true, 1}};
@@ -71,9 +46,6 @@ private:
             site.activeDevice = devices.first().state.identity.ip;
         return site;
     }
-
-    QTemporaryDir m_dir;
-    std::unique_ptr<Simulation::Session> m_session;
 };
 
 /// Noise, so that no two pictures are alike; with all degrees of transparency where the format has them.

@@ -3,11 +3,7 @@
 #include <QFile>
 #include <QSemaphore>
 
-#include <cstdarg>
 #include <mutex>
-
-#include <dlfcn.h>
-#include <fcntl.h>
 
 using TestSupport::HeldFile;
 
@@ -24,9 +20,11 @@ std::mutex s_mutex;
 /// One file at a time is all that is asked for.
 std::shared_ptr<HeldFile::State> s_held;
 
-void waitIfHeld(const char *path)
+} // namespace
+
+void HeldFile::waitIfHeld(const char *path)
 {
-    std::shared_ptr<HeldFile::State> held;
+    std::shared_ptr<State> held;
     {
         const std::lock_guard<std::mutex> lock(s_mutex);
         if (!s_held || s_held->path != path)
@@ -35,30 +33,6 @@ void waitIfHeld(const char *path)
     }
     held->arrived.release();
     held->released.acquire();
-}
-
-} // namespace
-
-// These stand before the C library's: Qt opens files through the one, the product's own opening through the other.
-extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
-{
-    using Function = int (*)(const char *, int, mode_t);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "open64"));
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    if ((flags & O_ACCMODE) == O_RDONLY)
-        waitIfHeld(path);
-    return original(path, flags, mode);
-}
-extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return open64(path, flags, mode);
 }
 
 HeldFile::HeldFile(const QString &path)

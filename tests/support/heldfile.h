@@ -21,6 +21,9 @@ public:
     bool waitForReader();
     void release();
 
+    /// For systemcalls.cpp: a thread is about to open that file.
+    static void waitIfHeld(const char *path);
+
     struct State;
 
 private:

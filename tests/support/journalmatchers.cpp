@@ -47,4 +47,22 @@ QString journalOrderDifference(const QStringList &expected)
     return QString();
 }
 
+QStringList mainThreadOperations()
+{
+    QStringList operations;
+    for (const Simulation::JournalEntry &entry : Simulation::Journal::instance()->entries()) {
+        if (entry.onMainThread)
+            operations.append(entry.operation);
+    }
+    return operations;
+}
+
+QVariantList journalArguments(const QString &operation, const char *argument)
+{
+    QVariantList values;
+    for (const Simulation::JournalEntry &entry : Simulation::Journal::instance()->entries(operation))
+        values.append(entry.arguments.value(QLatin1String(argument)));
+    return values;
+}
+
 } // namespace TestSupport

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 namespace TestSupport {
 
@@ -11,10 +12,15 @@ QString sequenceDifference(const QStringList &actual, const QStringList &expecte
 
 /// The operations in the journal of the simulated site must be exactly these, in this order:
 ///
-///     VERIFY_JOURNAL({"DeviceControler.restoreFactory", "DeviceControler.copyModelToDevice"});
+///     VERIFY_JOURNAL({Operations::updateDeviceInfo, Operations::copyModelToDevice});
 QString journalDifference(const QStringList &expected);
 /// These operations must occur in this order; others may stand before, between and after them.
 QString journalOrderDifference(const QStringList &expected);
+
+/// What the user-interface thread did, in order.
+QStringList mainThreadOperations();
+/// That argument of each call of the operation, in order.
+QVariantList journalArguments(const QString &operation, const char *argument);
 
 } // namespace TestSupport
 

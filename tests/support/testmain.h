@@ -16,6 +16,12 @@
 #define QTRY_VERIFY2(expression, message) QTRY_VERIFY2_WITH_TIMEOUT((expression), (message), TestSupport::patience)
 #define QTRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT((actual), expected, TestSupport::patience)
 
+/// So that the names of host operations can stand in data rows.
+inline QTestData &operator<<(QTestData &data, QLatin1String text)
+{
+    return data << QString(text);
+}
+
 namespace TestSupport {
 
 /// How long a test waits for an event that must come, in milliseconds.

@@ -8,47 +8,38 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <functional>
 #include <memory>
 
 namespace TestSupport {
 
-/// The built-in "small" site for one test function, with directories of its own: five devices of which
-/// `mainHall`, `sideStage` and `foyer` are online, `touringRack` is offline and `boothSwitcher` is of a model
-/// without project files. `mainHall` is the active one.
-class TestSite
+/// A simulated site for one test function, with directories of its own, which hold nothing at first.
+class SimulatedSite
 {
 public:
-    const QString mainHall = QStringLiteral("192.168.1.11");
-    const QString sideStage = QStringLiteral("192.168.1.12");
-    const QString foyer = QStringLiteral("192.168.1.20");
-    const QString touringRack = QStringLiteral("192.168.1.30");
-    const QString boothSwitcher = QStringLiteral("192.168.1.40");
-
-    TestSite()
+    explicit SimulatedSite(const Simulation::Site &site)
     {
         Core::HostSettings settings = Core::hostSettings();
-        settings.deviceConfigFilePath = path(QStringLiteral("devices"));
-        settings.extractJsonPath = path(QStringLiteral("extracted"));
+        settings.deviceConfigFilePath = configPath();
+        settings.extractJsonPath = extractPath();
         Core::applySettings(settings);
-        QDir().mkpath(settings.deviceConfigFilePath);
-
-        QString error;
-        const auto site = Simulation::Site::fromFile(Simulation::builtInSite(QStringLiteral("small")), error);
-        if (!site)
-            qFatal("The built-in site cannot be read: %s", qPrintable(error));
-        m_session = std::make_unique<Simulation::Session>(*site, settings.deviceConfigFilePath);
+        QDir().mkpath(configPath());
+        QDir().mkpath(extractPath());
+        m_session = std::make_unique<Simulation::Session>(site, configPath());
         if (!m_session->error().isEmpty())
             qFatal("The site cannot be brought up: %s", qPrintable(m_session->error()));
     }
 
     Simulation::Session *operator->() const { return m_session.get(); }
 
-    /// A path in the site's private folder.
-    QString path(const QString &name) const { return m_dir.filePath(name); }
+    /// A path in the site's private folder; that folder itself without a `name`.
+    QString path(const QString &name = QString()) const { return name.isEmpty() ? m_dir.path() : m_dir.filePath(name); }
+    QString configPath() const { return path(QStringLiteral("devices")); }
+    QString extractPath() const { return path(QStringLiteral("extracted")); }
     /// A path in the device's configuration directory; that directory itself without a `name`.
     QString devicePath(const QString &ip, const QString &name = QString()) const
     {
-        const QString directory = path(QStringLiteral("devices/") + ip);
+        const QString directory = configPath() + QLatin1Char('/') + ip;
         return name.isEmpty() ? directory : directory + QLatin1Char('/') + name;
     }
 
@@ -65,6 +56,35 @@ public:
 private:
     QTemporaryDir m_dir;
     std::unique_ptr<Simulation::Session> m_session;
+};
+
+/// The built-in "small" site: five devices of which `mainHall`, `sideStage` and `foyer` are online, `touringRack` is
+/// offline and `boothSwitcher` is of a model without project files. `mainHall` is the active one.
+class TestSite : public SimulatedSite
+{
+public:
+    const QString mainHall = QStringLiteral("192.168.1.11");
+    const QString sideStage = QStringLiteral("192.168.1.12");
+    const QString foyer = QStringLiteral("192.168.1.20");
+    const QString touringRack = QStringLiteral("192.168.1.30");
+    const QString boothSwitcher = QStringLiteral("192.168.1.40");
+
+    /// Changed before it comes up where a test needs that.
+    explicit TestSite(const std::function<void(Simulation::Site &)> &change = {})
+        : SimulatedSite(builtIn(change))
+    {}
+
+private:
+    static Simulation::Site builtIn(const std::function<void(Simulation::Site &)> &change)
+    {
+        QString error;
+        auto site = Simulation::Site::fromFile(Simulation::builtInSite(QStringLiteral("small")), error);
+        if (!site)
+            qFatal("The built-in site cannot be read: %s", qPrintable(error));
+        if (change)
+            change(*site);
+        return *site;
+    }
 };
 
 } // namespace TestSupport

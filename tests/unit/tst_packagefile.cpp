@@ -3,14 +3,13 @@
 #include "projectlist.h"
 
 #include <support/packagebuilder.h>
+#include <support/systemcalls.h>
 #include <support/testmain.h>
 
 #include <QTemporaryDir>
 
 #include <cerrno>
-#include <cstdarg>
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,29 +19,6 @@ using namespace TestSupport;
 
 /// How often each package was opened. On the thread that tests alone.
 static QHash<QByteArray, int> s_opened;
-
-// Stands before the C library's, through which packages are opened.
-extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
-{
-    using Function = int (*)(const char *, int, mode_t);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "open64"));
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    if (QByteArray(path).endsWith(".corvelpro"))
-        ++s_opened[path];
-    return original(path, flags, mode);
-}
-// The product's own opening.
-extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return open64(path, flags, mode);
-}
 
 /// How often anything was read, and whether seeking fails. On the thread that tests alone.
 static int s_reads = 0;
@@ -90,8 +66,8 @@ class TstPackageFile : public QObject
 private slots:
     void init();
 
-    void every_part_reads_as_it_is_in_the_file_data();
-    void every_part_reads_as_it_is_in_the_file();
+    void every_part_reads_as_it_is_data();
+    void every_part_reads_as_it_is();
     void behind_the_end_there_is_nothing();
     void the_last_65577_bytes_are_read_once();
     void a_failing_seek_is_a_failed_read();
@@ -110,9 +86,14 @@ void TstPackageFile::init()
 {
     m_dir.reset(new QTemporaryDir);
     s_opened.clear();
+    systemCalls().onOpen = [](const QByteArray &path, int) {
+        if (path.endsWith(".corvelpro"))
+            ++s_opened[path];
+        return 0;
+    };
 }
 
-void TstPackageFile::every_part_reads_as_it_is_in_the_file_data()
+void TstPackageFile::every_part_reads_as_it_is_data()
 {
     QTest::addColumn<int>("size");
     // The last 65,577 bytes are kept in memory.
@@ -120,7 +101,7 @@ void TstPackageFile::every_part_reads_as_it_is_in_the_file_data()
         QTest::addRow("%d bytes", size) << size;
 }
 
-void TstPackageFile::every_part_reads_as_it_is_in_the_file()
+void TstPackageFile::every_part_reads_as_it_is()
 {
     QFETCH(int, size);
     const QByteArray bytes = noise(size + 4).left(size);

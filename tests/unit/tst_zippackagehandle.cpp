@@ -1,24 +1,17 @@
 #include "durablefile.h"
 #include "packagechecksum.h"
-#include "packagetesting.h"
-#include "zippackagehandle.h"
+#include "packedpackage.h"
 
 #include <support/packagebuilder.h>
 #include <support/testmain.h>
 
 #include <QCryptographicHash>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QScopeGuard>
-#include <QTemporaryDir>
 #include <QTextCodec>
-#include <QThread>
-#include <QtTest>
 
 #include <JlCompress.h>
 
 #include <cstring>
-#include <memory>
 #include <sys/mount.h>
 
 using namespace PackageTesting;
@@ -54,132 +47,58 @@ QString literalChecksum(const QString &path, qint64 commentBytes)
     return QString::fromLatin1(QCryptographicHash::hash(accumulator, QCryptographicHash::Md5).toHex());
 }
 
-QByteArray rawComment(const QString &path)
-{
-    return runPython("import sys, zipfile\n"
-                     "sys.stdout.buffer.write(zipfile.ZipFile(sys.argv[1]).comment)\n",
-                     {path})
-        .output;
-}
-
-QString jsonRecord(const QJsonObject &object)
-{
-    return QString::fromUtf8(QJsonDocument(object).toJson());
-}
-
 } // namespace
 
-class TstZipPackageHandle : public QObject
+/// Packing a directory, and the checksum of what was packed.
+class TstZipPackageHandle : public QObject, protected PackedPackage
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
 
+    // Packing
     void a_record_starts_empty();
     void a_packed_directory_carries_its_record();
-    void the_record_has_three_keys_in_sorted_order_and_ends_in_a_newline();
+    void the_record_has_three_sorted_keys();
     void names_and_comments_in_every_script_survive_data();
     void names_and_comments_in_every_script_survive();
     void any_operation_makes_utf8_the_locale_codec();
-    void other_unpackers_take_a_package_without_a_warning();
+    void other_unpackers_accept_packages();
     void packing_replaces_an_older_package();
     void packing_a_missing_directory_creates_nothing();
     void packing_an_empty_directory_creates_nothing();
-    void packing_onto_a_directory_fails_and_leaves_it_alone();
+    void packing_onto_a_directory_fails();
     void packing_makes_the_folder_of_the_package();
     void a_save_replaces_only_with_all_that_it_demands_data();
     void a_save_replaces_only_with_all_that_it_demands();
     void a_save_keeps_a_package_that_came_meanwhile();
     void a_save_makes_no_folder();
-    void packing_on_a_full_disk_leaves_the_old_package();
-    void a_disk_full_at_any_block_leaves_the_old_package_data();
-    void a_disk_full_at_any_block_leaves_the_old_package();
-    void packing_a_link_that_leads_outside_leaves_the_old_package();
-    void packing_with_a_comment_that_cannot_be_read_back_leaves_the_old_package();
-    void packages_around_a_multiple_of_the_chunk_are_valid_at_once_data();
-    void packages_around_a_multiple_of_the_chunk_are_valid_at_once();
+    void packing_onto_a_full_disk_changes_nothing();
+    void a_full_disk_anywhere_keeps_the_old_package_data();
+    void a_full_disk_anywhere_keeps_the_old_package();
+    void packing_an_outward_link_keeps_the_old_package();
+    void an_unreadable_comment_keeps_the_old_package();
+    void packages_around_a_chunks_multiple_are_valid_data();
+    void packages_around_a_chunks_multiple_are_valid();
 
-    void the_comment_of_a_missing_file_is_empty();
-    void the_comment_of_an_existing_file_of_any_name_is_read();
-    void a_text_file_is_no_package();
-    void an_odd_file_is_no_package_data();
-    void an_odd_file_is_no_package();
-    void a_missing_file_is_logged();
-
-    void a_new_comment_leaves_the_entries_and_the_checksum_alone();
-    void no_tail_of_an_older_comment_stays();
-    void a_null_comment_removes_the_old_one();
-    void the_longest_comment_is_written_and_a_longer_one_refused();
-    void a_comment_is_not_written_to_what_is_no_archive();
-    void a_new_comment_on_a_full_disk_leaves_the_old_package();
-    void a_new_comment_keeps_the_permissions();
-    void a_new_comment_goes_through_a_link();
-    void readers_meet_the_old_or_the_new_comment_and_nothing_else();
-
-    void records_are_read_leniently_data();
-    void records_are_read_leniently();
-    void fields_of_a_record_pass_through_utf8();
-    void a_refused_record_leaves_the_fields_alone();
-    void a_checksum_with_a_tail_is_read_but_not_loaded();
-    void a_record_with_another_checksum_is_invalid_but_read();
-    void a_record_with_too_few_keys_makes_the_package_invalid_even_with_the_right_checksum();
-    void a_record_without_checksum_is_invalid();
-
+    // Checksum
     void the_checksum_is_the_literal_one_data();
     void the_checksum_is_the_literal_one();
-    void the_checksum_of_packages_by_other_programs_is_the_literal_one();
+    void foreign_packages_have_the_literal_checksum();
     void two_small_packages_have_the_same_checksum();
-    void the_checksum_of_what_cannot_be_opened_is_empty();
+    void an_unopenable_file_has_no_checksum();
 
+    // What hosts call
     void compressDir_answers_as_it_always_did();
     void extractDir_answers_as_it_always_did();
     void extractDir_writes_nothing_outside();
     void writeTextChecksum_makes_a_digest_the_comment();
-
-private:
-    EngineerPacketInfo packed(const QString &name = "Project1", const QString &comment = "20240229_101530");
-    void verifyNoFragment();
-
-    QScopedPointer<QTemporaryDir> m_temp;
-    QString m_device;
-    QString m_folder;
-    QString m_package;
 };
 
-void TstZipPackageHandle::init()
-{
-    m_temp.reset(new QTemporaryDir);
-    QVERIFY(m_temp->isValid());
-    m_device = m_temp->path() + "/device";
-    m_folder = m_temp->path() + "/ProjectFiles";
-    m_package = m_folder + "/Project1.corvelpro";
-    QVERIFY(QDir().mkpath(m_folder));
-    QVERIFY(makeDeviceTree(m_device));
-}
-
-void TstZipPackageHandle::cleanup()
-{
-    m_temp.reset();
-}
-
-EngineerPacketInfo TstZipPackageHandle::packed(const QString &name, const QString &comment)
-{
-    EngineerPacketInfo info;
-    info.strFilePath = m_package;
-    info.strProjectName = name;
-    info.strComment = comment;
-    if (!ZipPackageHandle::compressEngineerPacket(m_device, info)) {
-        qWarning("the package could not be made");
-    }
-    return info;
-}
-
-void TstZipPackageHandle::verifyNoFragment()
-{
-    QCOMPARE(contents(m_folder), QStringList{"Project1.corvelpro"});
-}
+// ---------------------------------------------------------------------------------------------------------------------
+// Packing
 
 void TstZipPackageHandle::a_record_starts_empty()
 {
@@ -205,7 +124,7 @@ void TstZipPackageHandle::a_packed_directory_carries_its_record()
     QVERIFY(ZipPackageHandle::getFileList(m_package).contains("BKG/BKG_0.png"));
 }
 
-void TstZipPackageHandle::the_record_has_three_keys_in_sorted_order_and_ends_in_a_newline()
+void TstZipPackageHandle::the_record_has_three_sorted_keys()
 {
     const EngineerPacketInfo info = packed("Name", "Text");
     QCOMPARE(rawComment(m_package), "{\n    \"Checksum\": \"" + info.strChecksum.toLatin1() +
@@ -259,7 +178,7 @@ void TstZipPackageHandle::any_operation_makes_utf8_the_locale_codec()
     }
 }
 
-void TstZipPackageHandle::other_unpackers_take_a_package_without_a_warning()
+void TstZipPackageHandle::other_unpackers_accept_packages()
 {
     packed(QString::fromUtf8("项目 🎬"), "x");
     QCOMPARE(complaints(m_package), QString());
@@ -293,7 +212,7 @@ void TstZipPackageHandle::packing_an_empty_directory_creates_nothing()
     QCOMPARE(contents(m_folder), QStringList());
 }
 
-void TstZipPackageHandle::packing_onto_a_directory_fails_and_leaves_it_alone()
+void TstZipPackageHandle::packing_onto_a_directory_fails()
 {
     QVERIFY(writeFile(m_package + "/Project1.corvelpro", "kept"));
     EngineerPacketInfo info;
@@ -364,7 +283,7 @@ void TstZipPackageHandle::a_save_makes_no_folder()
     QVERIFY2(reason.contains("cannot be packed into"), qPrintable(reason));
 }
 
-void TstZipPackageHandle::packing_on_a_full_disk_leaves_the_old_package()
+void TstZipPackageHandle::packing_onto_a_full_disk_changes_nothing()
 {
     packed();
     const QByteArray old = readFile(m_package);
@@ -385,14 +304,14 @@ void TstZipPackageHandle::packing_on_a_full_disk_leaves_the_old_package()
     QVERIFY(ZipPackageHandle::compressEngineerPacket(m_device, info));
 }
 
-void TstZipPackageHandle::a_disk_full_at_any_block_leaves_the_old_package_data()
+void TstZipPackageHandle::a_full_disk_anywhere_keeps_the_old_package_data()
 {
     QTest::addColumn<bool>("isMounted");
     QTest::newRow("files may not become larger") << false;
     QTest::newRow("a file system of that size") << true;
 }
 
-void TstZipPackageHandle::a_disk_full_at_any_block_leaves_the_old_package()
+void TstZipPackageHandle::a_full_disk_anywhere_keeps_the_old_package()
 {
     QFETCH(bool, isMounted);
     constexpr int blockSize = 4096;
@@ -434,7 +353,7 @@ void TstZipPackageHandle::a_disk_full_at_any_block_leaves_the_old_package()
     QVERIFY2(blocks > neededBlocks && blocks < neededBlocks + 4, qPrintable(QString::number(blocks)));
 }
 
-void TstZipPackageHandle::packing_a_link_that_leads_outside_leaves_the_old_package()
+void TstZipPackageHandle::packing_an_outward_link_keeps_the_old_package()
 {
     packed();
     const QByteArray old = readFile(m_package);
@@ -446,7 +365,7 @@ void TstZipPackageHandle::packing_a_link_that_leads_outside_leaves_the_old_packa
     verifyNoFragment();
 }
 
-void TstZipPackageHandle::packing_with_a_comment_that_cannot_be_read_back_leaves_the_old_package()
+void TstZipPackageHandle::an_unreadable_comment_keeps_the_old_package()
 {
     packed();
     const QByteArray old = readFile(m_package);
@@ -458,7 +377,7 @@ void TstZipPackageHandle::packing_with_a_comment_that_cannot_be_read_back_leaves
     verifyNoFragment();
 }
 
-void TstZipPackageHandle::packages_around_a_multiple_of_the_chunk_are_valid_at_once_data()
+void TstZipPackageHandle::packages_around_a_chunks_multiple_are_valid_data()
 {
     QTest::addColumn<int>("chunks");
     QTest::addColumn<int>("excess");
@@ -468,7 +387,7 @@ void TstZipPackageHandle::packages_around_a_multiple_of_the_chunk_are_valid_at_o
     QTest::addRow("2 chunks +2") << 2 << 2;
 }
 
-void TstZipPackageHandle::packages_around_a_multiple_of_the_chunk_are_valid_at_once()
+void TstZipPackageHandle::packages_around_a_chunks_multiple_are_valid()
 {
     QFETCH(int, chunks);
     QFETCH(int, excess);
@@ -491,346 +410,8 @@ void TstZipPackageHandle::packages_around_a_multiple_of_the_chunk_are_valid_at_o
     }
 }
 
-void TstZipPackageHandle::the_comment_of_a_missing_file_is_empty()
-{
-    QCOMPARE(ZipPackageHandle::getZipComment(m_folder + "/missing.corvelpro"), QString());
-    QCOMPARE(ZipPackageHandle::getZipComment(m_folder + "/missing.zip"), QString());
-    QVERIFY(!ZipPackageHandle::setZipComment(m_folder + "/missing.corvelpro", "x"));
-    QVERIFY(!ZipPackageHandle::setZipComment(m_folder + "/missing.zip", "x"));
-    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_folder + "/missing.corvelpro"));
-    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_folder + "/missing.zip"));
-    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_folder + "/missing.corvelpro"));
-    QCOMPARE(ZipPackageHandle::getFileList(m_folder + "/missing.corvelpro"), QStringList());
-    QCOMPARE(contents(m_folder), QStringList());
-}
-
-void TstZipPackageHandle::the_comment_of_an_existing_file_of_any_name_is_read()
-{
-    packed();
-    const QString other = m_folder + "/renamed.txt";
-    QVERIFY(QFile::rename(m_package, other));
-    QVERIFY(!ZipPackageHandle::getZipComment(other).isEmpty());
-    QVERIFY(ZipPackageHandle::isValidEngineerPacket(other));
-    QVERIFY(ZipPackageHandle::checkPacketChecksum(other));
-    QVERIFY(ZipPackageHandle::setZipComment(other, "new"));
-    QCOMPARE(ZipPackageHandle::getZipComment(other), QString("new"));
-}
-
-void TstZipPackageHandle::a_text_file_is_no_package()
-{
-    QVERIFY(writeFile(m_package, "only a text"));
-    QCOMPARE(ZipPackageHandle::getZipComment(m_package), QString());
-    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
-}
-
-void TstZipPackageHandle::an_odd_file_is_no_package_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("text") << QByteArray("text");
-    QTest::newRow("zeros") << QByteArray(100000, '\0');
-    const QByteArray good = PackageBuilder().file("a.json", "{}").record("n", "c").build();
-    QTest::newRow("truncated in the record") << good.left(good.size() - 1);
-    QTest::newRow("truncated in the entries") << good.left(20);
-    QTest::newRow("end record only") << good.right(good.size() - good.indexOf("PK\x05\x06"));
-    QTest::newRow("no comment") << PackageBuilder().file("a.json", "{}").build();
-    QTest::newRow("comment that is no JSON") << PackageBuilder().file("a.json", "{}").comment("{]").build();
-    QTest::newRow("list as comment") << PackageBuilder().file("a.json", "{}").comment("[1,2,3]").build();
-}
-
-void TstZipPackageHandle::an_odd_file_is_no_package()
-{
-    QFETCH(QByteArray, bytes);
-    QVERIFY(writeFile(m_package, bytes));
-    EngineerPacketInfo info;
-    info.strFilePath = m_package;
-    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
-    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
-    QVERIFY(!ZipPackageHandle::getZipFileEngineerInfo(info));
-    QVERIFY(readFile(m_package) == bytes);
-}
-
-void TstZipPackageHandle::a_missing_file_is_logged()
-{
-    static QString logged;
-    logged.clear();
-    const QtMessageHandler old =
-        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &text) {
-            logged += QString::number(type) + '|' + text + '|' + context.file + '|' + context.function;
-        });
-    EngineerPacketInfo info;
-    info.strFilePath = m_package;
-    const bool found = ZipPackageHandle::getZipFileEngineerInfo(info);
-    qInstallMessageHandler(old);
-    QVERIFY(!found);
-    QVERIFY2(logged.startsWith("0|File is not exist|src/plugins/projectfilecfg/zippackagehandle"), qPrintable(logged));
-    QVERIFY2(logged.contains("getZipFileEngineerInfo("), qPrintable(logged));
-}
-
-void TstZipPackageHandle::a_new_comment_leaves_the_entries_and_the_checksum_alone()
-{
-    const EngineerPacketInfo info = packed();
-    const QByteArray old = readFile(m_package);
-    const qint64 archiveSize = old.size() - rawComment(m_package).size();
-    const QString record =
-        jsonRecord({{"Checksum", info.strChecksum}, {"projectName", "other"}, {"comment", "another comment"}});
-    QVERIFY(ZipPackageHandle::setZipComment(m_package, record));
-
-    const QByteArray edited = readFile(m_package);
-    // All but the length of the comment, which ends the archive.
-    QVERIFY(edited.left(int(archiveSize) - 2) == old.left(int(archiveSize) - 2));
-    QCOMPARE(edited.size() - archiveSize, qint64(record.toUtf8().size()));
-    QCOMPARE(QString::fromUtf8(rawComment(m_package)), record);
-    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
-    QCOMPARE(complaints(m_package), QString());
-    verifyNoFragment();
-}
-
-void TstZipPackageHandle::no_tail_of_an_older_comment_stays()
-{
-    packed();
-    const qint64 archiveSize = QFileInfo(m_package).size() - rawComment(m_package).size();
-    QRandomGenerator random(7);
-    QVector<int> lengths{60000, 1, 60000, 0};
-    for (int edit = 0; edit < 20; ++edit) {
-        lengths.append(random.bounded(65513));
-    }
-    for (int length : lengths) {
-        const QString comment(length, 'c');
-        QVERIFY(ZipPackageHandle::setZipComment(m_package, comment));
-        QCOMPARE(QFileInfo(m_package).size(), archiveSize + length);
-        QCOMPARE(ZipPackageHandle::getZipComment(m_package), comment);
-    }
-    QCOMPARE(complaints(m_package), QString());
-}
-
-void TstZipPackageHandle::a_null_comment_removes_the_old_one()
-{
-    packed();
-    QVERIFY(ZipPackageHandle::setZipComment(m_package, QString()));
-    QCOMPARE(rawComment(m_package), QByteArray());
-    QCOMPARE(ZipPackageHandle::getZipComment(m_package), QString());
-}
-
-void TstZipPackageHandle::the_longest_comment_is_written_and_a_longer_one_refused()
-{
-    packed();
-    const QString longest = QString(65510, 'c') + QString::fromUtf8("长");
-    QVERIFY(ZipPackageHandle::setZipComment(m_package, longest));
-    QCOMPARE(ZipPackageHandle::getZipComment(m_package), longest);
-    const QByteArray old = readFile(m_package);
-    QVERIFY(!ZipPackageHandle::setZipComment(m_package, longest + 'c'));
-    QVERIFY(!ZipPackageHandle::setZipComment(m_package, QString(100000, 'c')));
-    QVERIFY(readFile(m_package) == old);
-    verifyNoFragment();
-}
-
-void TstZipPackageHandle::a_comment_is_not_written_to_what_is_no_archive()
-{
-    for (const QByteArray &bytes : {QByteArray(), QByteArray("text"), QByteArray(70000, '\0')}) {
-        QVERIFY(writeFile(m_package, bytes));
-        QVERIFY(!ZipPackageHandle::setZipComment(m_package, "x"));
-        QVERIFY(readFile(m_package) == bytes);
-        verifyNoFragment();
-    }
-}
-
-void TstZipPackageHandle::a_new_comment_on_a_full_disk_leaves_the_old_package()
-{
-    packed();
-    const QByteArray old = readFile(m_package);
-    const int archiveSize = old.size() - rawComment(m_package).size();
-    // In the copy, in the directory, in the comment, at its last byte.
-    for (int limit : {0, 100, archiveSize - 10, archiveSize, archiveSize + 499}) {
-        {
-            const FullDisk disk(limit);
-            QVERIFY2(!ZipPackageHandle::setZipComment(m_package, QString(500, 'c')),
-                     qPrintable(QString::number(limit)));
-        }
-        QVERIFY(readFile(m_package) == old);
-        verifyNoFragment();
-    }
-    const FullDisk disk(archiveSize + 500);
-    QVERIFY(ZipPackageHandle::setZipComment(m_package, QString(500, 'c')));
-}
-
-void TstZipPackageHandle::a_new_comment_keeps_the_permissions()
-{
-    packed();
-    const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
-    QVERIFY(QFile::setPermissions(m_package, permissions));
-    QVERIFY(ZipPackageHandle::setZipComment(m_package, "x"));
-    struct stat status;
-    QCOMPARE(stat(QFile::encodeName(m_package).constData(), &status), 0);
-    QCOMPARE(int(status.st_mode & 0777), 0640);
-}
-
-void TstZipPackageHandle::a_new_comment_goes_through_a_link()
-{
-    packed();
-    const QString link = m_temp->path() + "/link.corvelpro";
-    QVERIFY(QFile::link(m_package, link));
-    QVERIFY(ZipPackageHandle::setZipComment(link, "x"));
-    QVERIFY(QFileInfo(link).isSymLink());
-    QCOMPARE(ZipPackageHandle::getZipComment(m_package), QString("x"));
-}
-
-void TstZipPackageHandle::readers_meet_the_old_or_the_new_comment_and_nothing_else()
-{
-    const QString first(60000, 'a');
-    const QString second(10, 'b');
-    packed();
-    QVERIFY(ZipPackageHandle::setZipComment(m_package, first));
-    bool written = true;
-    QScopedPointer<QThread> writer(QThread::create([&] {
-        for (int edit = 0; edit < 40; ++edit) {
-            written = ZipPackageHandle::setZipComment(m_package, edit % 2 ? first : second) && written;
-        }
-    }));
-    writer->start();
-    bool whole = true;
-    do {
-        const QString met = ZipPackageHandle::getZipComment(m_package);
-        whole = whole && (met == first || met == second);
-    } while (!writer->isFinished());
-    QVERIFY(writer->wait());
-    QVERIFY(written);
-    QVERIFY(whole);
-}
-
-void TstZipPackageHandle::records_are_read_leniently_data()
-{
-    QTest::addColumn<QString>("json");
-    QTest::addColumn<bool>("accepted");
-    QTest::addColumn<QStringList>("fields");
-    QTest::newRow("three keys") << R"({"Checksum":"1","projectName":"2","comment":"3"})" << true
-                                << QStringList{"1", "2", "3"};
-    QTest::newRow("four keys") << R"({"Checksum":"1","projectName":"2","comment":"3","x":"4"})" << true
-                               << QStringList{"1", "2", "3"};
-    QTest::newRow("two keys") << R"({"Checksum":"1","projectName":"2"})" << false << QStringList();
-    QTest::newRow("no checksum") << R"({"projectName":"2","comment":"3","x":"4"})" << true << QStringList{"", "2", "3"};
-    QTest::newRow("three other keys") << R"({"a":"1","b":"2","c":"3"})" << true << QStringList{"", "", ""};
-    QTest::newRow("wrong types") << R"({"Checksum":1,"projectName":null,"comment":["3"]})" << true
-                                 << QStringList{"", "", ""};
-    QTest::newRow("list") << "[1,2,3]" << false << QStringList();
-    QTest::newRow("empty") << "" << false << QStringList();
-    QTest::newRow("no JSON") << "hello" << false << QStringList();
-    QTest::newRow("cut off") << R"({"Checksum":"1","projectName":"2","comment":"3")" << false << QStringList();
-    QTest::newRow("Chinese") << QString::fromUtf8(R"({"Checksum":"1","projectName":"项目","comment":"🎬"})") << true
-                             << QStringList{"1", QString::fromUtf8("项目"), QString::fromUtf8("🎬")};
-}
-
-void TstZipPackageHandle::records_are_read_leniently()
-{
-    QFETCH(QString, json);
-    QFETCH(bool, accepted);
-    QFETCH(QStringList, fields);
-    EngineerPacketInfo info;
-    info.strFilePath = "kept";
-    QCOMPARE(ZipPackageHandle::parseEngineerInfo(info, json), accepted);
-    QCOMPARE(info.strFilePath, QString("kept"));
-    if (accepted) {
-        QCOMPARE((QStringList{info.strChecksum, info.strProjectName, info.strComment}), fields);
-    }
-}
-
-void TstZipPackageHandle::fields_of_a_record_pass_through_utf8()
-{
-    // Halves of surrogate pairs, zeros, byte order marks, what is no character, and whole ones.
-    const QVector<QString> parts{QString(QChar(0xD83C)), QString(QChar(0xDFAC)),  QString(QChar(0)),
-                                 QString(QChar(0xFEFF)), QString(QChar(0xFFFE)),  QString(QChar(0x7F)),
-                                 QStringLiteral("a"),    QString::fromUtf8("项"), QString::fromUtf8("🎬"),
-                                 QStringLiteral("\"")};
-    QRandomGenerator random(2026);
-    const auto field = [&] {
-        QString text;
-        for (int left = random.bounded(6); left > 0; --left) {
-            text += parts.at(random.bounded(parts.size()));
-        }
-        return text;
-    };
-    // JSON escapes carry what no UTF-8 could.
-    const auto escaped = [](const QString &text) {
-        QString json;
-        for (const QChar unit : text) {
-            json += QStringLiteral("\\u%1").arg(unit.unicode(), 4, 16, QLatin1Char('0'));
-        }
-        return json;
-    };
-    int changed = 0;
-    for (int i = 0; i < 3000; ++i) {
-        const QStringList fields{field(), field(), field()};
-        EngineerPacketInfo info;
-        QVERIFY(ZipPackageHandle::parseEngineerInfo(
-            info, QStringLiteral(R"({"Checksum":"%1","projectName":"%2","comment":"%3"})")
-                      .arg(escaped(fields.at(0)), escaped(fields.at(1)), escaped(fields.at(2)))));
-        QStringList expected;
-        for (const QString &text : fields) {
-            expected.append(QString::fromUtf8(text.toUtf8()));
-        }
-        QCOMPARE((QStringList{info.strChecksum, info.strProjectName, info.strComment}), expected);
-        changed += expected != fields ? 1 : 0;
-    }
-    QVERIFY(changed > 1000);
-}
-
-void TstZipPackageHandle::a_refused_record_leaves_the_fields_alone()
-{
-    EngineerPacketInfo info;
-    info.strChecksum = "old";
-    QVERIFY(!ZipPackageHandle::parseEngineerInfo(info, R"({"Checksum":"1","projectName":"2"})"));
-    QCOMPARE(info.strChecksum, QString("old"));
-}
-
-void TstZipPackageHandle::a_checksum_with_a_tail_is_read_but_not_loaded()
-{
-    // Reading the record ends a field at its first zero; the check before a load takes the checksum as it stands.
-    const EngineerPacketInfo written = packed();
-    QVERIFY(ZipPackageHandle::setZipComment(
-        m_package, QStringLiteral(R"({"Checksum":"%1\u0000tail","projectName":"name","comment":"text"})")
-                       .arg(written.strChecksum)));
-    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
-    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
-}
-
-void TstZipPackageHandle::a_record_with_another_checksum_is_invalid_but_read()
-{
-    const EngineerPacketInfo written = packed();
-    QVERIFY(ZipPackageHandle::setZipComment(
-        m_package,
-        jsonRecord({{"Checksum", written.strChecksum.toUpper()}, {"projectName", "name"}, {"comment", "text"}})));
-    EngineerPacketInfo info;
-    info.strFilePath = m_package;
-    QVERIFY(!ZipPackageHandle::getZipFileEngineerInfo(info));
-    QCOMPARE(info.strProjectName, QString("name"));
-    QCOMPARE(info.strComment, QString("text"));
-    QCOMPARE(info.strChecksum, written.strChecksum.toUpper());
-    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
-    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
-}
-
-void TstZipPackageHandle::a_record_with_too_few_keys_makes_the_package_invalid_even_with_the_right_checksum()
-{
-    const EngineerPacketInfo written = packed();
-    QVERIFY(ZipPackageHandle::setZipComment(m_package,
-                                            jsonRecord({{"Checksum", written.strChecksum}, {"projectName", "n"}})));
-    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
-    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
-    QVERIFY(ZipPackageHandle::setZipComment(
-        m_package,
-        jsonRecord({{"Checksum", written.strChecksum}, {"projectName", "n"}, {"comment", "c"}, {"more", 1}})));
-    QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
-    QVERIFY(ZipPackageHandle::checkPacketChecksum(m_package));
-}
-
-void TstZipPackageHandle::a_record_without_checksum_is_invalid()
-{
-    packed();
-    QVERIFY(
-        ZipPackageHandle::setZipComment(m_package, jsonRecord({{"a", "1"}, {"projectName", "n"}, {"comment", "c"}})));
-    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
-    QVERIFY(!ZipPackageHandle::checkPacketChecksum(m_package));
-}
+// ---------------------------------------------------------------------------------------------------------------------
+// Checksum
 
 void TstZipPackageHandle::the_checksum_is_the_literal_one_data()
 {
@@ -876,7 +457,7 @@ void TstZipPackageHandle::the_checksum_is_the_literal_one()
     QCOMPARE(PackageChecksum::ofLeadingBytes(file, size - 50), literalChecksum(raw, 50));
 }
 
-void TstZipPackageHandle::the_checksum_of_packages_by_other_programs_is_the_literal_one()
+void TstZipPackageHandle::foreign_packages_have_the_literal_checksum()
 {
     QVERIFY(writeFile(m_device + "/large.png", noise(12 * MiB)));
     const QString withPython = m_folder + "/python.corvelpro";
@@ -908,12 +489,15 @@ void TstZipPackageHandle::two_small_packages_have_the_same_checksum()
     QCOMPARE(packed().strChecksum, first);
 }
 
-void TstZipPackageHandle::the_checksum_of_what_cannot_be_opened_is_empty()
+void TstZipPackageHandle::an_unopenable_file_has_no_checksum()
 {
     QVERIFY(writeFile(m_package, "text"));
     QCOMPARE(ZipPackageHandle::calcPacketChecksum(m_package), QString());
     QCOMPARE(ZipPackageHandle::calcPacketChecksum(m_folder + "/missing.corvelpro"), QString());
 }
+
+// ---------------------------------------------------------------------------------------------------------------------
+// What hosts call
 
 void TstZipPackageHandle::compressDir_answers_as_it_always_did()
 {

@@ -11,7 +11,7 @@ ImageStorager *ImageStorager::instance()
 StoredImage ImageStorager::load(const QString &imageKey, QImage::Format format) const
 {
     const Simulation::Outcome outcome = Simulation::beginOperation(
-        QStringLiteral("ImageStorager.load"),
+        Simulation::Operations::loadImage,
         {{QStringLiteral("imageKey"), imageKey}, {QStringLiteral("format"), static_cast<int>(format)}});
     if (outcome != Simulation::Outcome::Done)
         return StoredImage();

@@ -340,7 +340,7 @@ void Device::clearPreset()
 
 void Device::fromJson(const QJsonObject &object)
 {
-    Simulation::meetFaults(QStringLiteral("Device.fromJson"));
+    Simulation::meetFaults(Simulation::Operations::deviceFromJson);
     DeviceData data;
     data.modelId = number<int>(object.value(QLatin1String("modelId")));
     data.id = number<quint16>(object.value(QLatin1String("id")));

@@ -38,7 +38,7 @@ std::vector<std::shared_ptr<Device>> DeviceList::getDevices() const
 
 std::shared_ptr<Device> DeviceList::getDeviceByIPAddr(const QString &ip) const
 {
-    Simulation::meetFaults(QStringLiteral("DeviceList.getDeviceByIPAddr"));
+    Simulation::meetFaults(Simulation::Operations::getDeviceByIPAddr);
     const std::vector<std::shared_ptr<Device>> devices = getDevices();
     const auto found = std::find_if(devices.begin(), devices.end(),
                                     [&ip](const auto &device) { return device && device->getIPAddress() == ip; });

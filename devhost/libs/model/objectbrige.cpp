@@ -18,7 +18,7 @@ std::shared_ptr<Device> object_brige::activeDevice() const
 void object_brige::setActiveDevice(const std::weak_ptr<Device> &device)
 {
     const std::shared_ptr<Device> wanted = device.lock();
-    Simulation::beginOperation(QStringLiteral("object_brige.setActiveDevice"),
+    Simulation::beginOperation(Simulation::Operations::setActiveDevice,
                                {{QStringLiteral("ip"), wanted ? wanted->getIPAddress() : QString()}});
     // Compared as owners, so that the end of an active device that is gone counts as a change.
     if (!m_activeDevice.owner_before(device) && !device.owner_before(m_activeDevice))
@@ -29,8 +29,7 @@ void object_brige::setActiveDevice(const std::weak_ptr<Device> &device)
 
 void object_brige::clearScreenList(bool withActived)
 {
-    Simulation::beginOperation(QStringLiteral("object_brige.clearScreenList"),
-                               {{QStringLiteral("withActived"), withActived}});
+    Simulation::beginOperation(Simulation::Operations::clearScreenList, {{QStringLiteral("withActived"), withActived}});
     m_selectedScreens.clear();
     if (withActived)
         m_activedScreen.reset();
@@ -39,7 +38,7 @@ void object_brige::clearScreenList(bool withActived)
 
 void object_brige::setActivedScreen(const std::shared_ptr<Screen> &screen)
 {
-    Simulation::beginOperation(QStringLiteral("object_brige.setActivedScreen"),
+    Simulation::beginOperation(Simulation::Operations::setActivedScreen,
                                {{QStringLiteral("screen"), screen ? screen->id : -1}});
     m_activedScreen = screen;
     emit signal_screensChanged();
@@ -47,7 +46,7 @@ void object_brige::setActivedScreen(const std::shared_ptr<Screen> &screen)
 
 void object_brige::appendSelectedScreen(const std::shared_ptr<Screen> &screen)
 {
-    Simulation::beginOperation(QStringLiteral("object_brige.appendSelectedScreen"),
+    Simulation::beginOperation(Simulation::Operations::appendSelectedScreen,
                                {{QStringLiteral("screen"), screen ? screen->id : -1}});
     m_selectedScreens.push_back(screen);
     emit signal_screensChanged();

@@ -35,8 +35,8 @@ Serailizer::Serailizer(const QString &configPath)
 
 bool Serailizer::serailize()
 {
-    const Simulation::Outcome outcome = Simulation::beginOperation(QStringLiteral("Serailizer.serailize"),
-                                                                   {{QStringLiteral("configPath"), m_configPath}});
+    const Simulation::Outcome outcome =
+        Simulation::beginOperation(Simulation::Operations::serailize, {{QStringLiteral("configPath"), m_configPath}});
     const DeviceList *list = DeviceList::instance();
     if (outcome != Simulation::Outcome::Done || !list)
         return false;

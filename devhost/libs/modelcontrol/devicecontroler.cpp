@@ -53,7 +53,7 @@ quint64 DeviceControler::calLogoMaterailCapacity(const Talvik::weak_refrence<Mod
     if (!m_device)
         return 0;
     const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("DeviceControler.calLogoMaterailCapacity"), m_device->getIPAddress(),
+        Simulation::Operations::calLogoMaterailCapacity, m_device->getIPAddress(),
         {{QStringLiteral("materailType"), materailType}, {QStringLiteral("wholeGallery"), wholeGallery}});
     quint64 bytes = 0;
     if (materailType != Model::Materail::Logo)
@@ -69,7 +69,7 @@ quint64 DeviceControler::usedCapacity() const
     if (!m_device)
         return 0;
     const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.usedCapacity"), m_device->getIPAddress(), {});
+        HardwareAccess::begin(Simulation::Operations::usedCapacity, m_device->getIPAddress(), {});
     if (hardware)
         return hardware->otherBytes();
     quint64 bytes = bytesOf(m_device->getBKGs());
@@ -96,7 +96,7 @@ bool DeviceControler::updateDeviceInfo(const std::map<Model::Device::ParameterTy
     if (reset)
         arguments.insert(QStringLiteral("reset"), static_cast<int>(*reset));
     const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.updateDeviceInfo"), m_device->getIPAddress(), arguments);
+        HardwareAccess::begin(Simulation::Operations::updateDeviceInfo, m_device->getIPAddress(), arguments);
     const bool allUnderstood = (nameEntry == parameters.end() || name) && (resetEntry == parameters.end() || reset);
     if (!hardware || !allUnderstood)
         return false;
@@ -127,7 +127,7 @@ void DeviceControler::setChannelExclusive(bool exclusive)
     if (!m_device)
         return;
     const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.setChannelExclusive"), m_device->getIPAddress(),
+        HardwareAccess::begin(Simulation::Operations::setChannelExclusive, m_device->getIPAddress(),
                               {{QStringLiteral("exclusive"), exclusive}});
     if (hardware)
         hardware->setChannelExclusive(exclusive);
@@ -140,16 +140,15 @@ void DeviceControler::cancelOperator(const std::vector<unsigned char> &command)
     QVariantList bytes;
     for (const unsigned char byte : command)
         bytes.append(static_cast<int>(byte));
-    const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.cancelOperator"), m_device->getIPAddress(),
-                              {{QStringLiteral("command"), bytes}});
+    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
+        Simulation::Operations::cancelOperator, m_device->getIPAddress(), {{QStringLiteral("command"), bytes}});
     if (hardware && command == abandonPicture)
         Simulation::cancelRunningOperations(hardware->ip());
 }
 
 void DeviceControler::cancelCurrentTask()
 {
-    Simulation::beginOperation(QStringLiteral("DeviceControler.cancelCurrentTask"));
+    Simulation::beginOperation(Simulation::Operations::cancelCurrentTask);
     Simulation::cancelRunningOperations();
 }
 
@@ -157,8 +156,8 @@ bool DeviceControler::canMVEEnable() const
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("DeviceControler.canMVEEnable"), m_device->getIPAddress(), whose(m_device, {}));
+    const std::shared_ptr<Simulation::Hardware> hardware =
+        HardwareAccess::begin(Simulation::Operations::canMVEEnable, m_device->getIPAddress(), whose(m_device, {}));
     return hardware && hardware->state().mvrCapable;
 }
 
@@ -167,7 +166,7 @@ bool DeviceControler::enableMVR(bool enable, QString &errorText)
     if (!m_device)
         return false;
     const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.enableMVR"), m_device->getIPAddress(),
+        HardwareAccess::begin(Simulation::Operations::enableMVR, m_device->getIPAddress(),
                               whose(m_device, {{QStringLiteral("enable"), enable}}));
     if (!hardware) {
         errorText = QCoreApplication::translate("ModelControl::DeviceControler", "The device did not answer.");
@@ -182,7 +181,7 @@ bool DeviceControler::copySlotDataToDevice(const std::shared_ptr<Model::Device> 
     if (!m_device || !source)
         return false;
     const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("DeviceControler.copySlotDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
+        Simulation::Operations::copySlotDataToDevice, m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*source).data();
@@ -195,7 +194,7 @@ bool DeviceControler::copyMVRItemDataToDevice()
     if (!m_device)
         return false;
     const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("DeviceControler.copyMVRItemDataToDevice"), m_device->getIPAddress(), whose(m_device, {}));
+        Simulation::Operations::copyMVRItemDataToDevice, m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();
@@ -207,8 +206,8 @@ bool DeviceControler::copyModelToDevice()
 {
     if (!m_device)
         return false;
-    const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("DeviceControler.copyModelToDevice"), m_device->getIPAddress(), whose(m_device, {}));
+    const std::shared_ptr<Simulation::Hardware> hardware =
+        HardwareAccess::begin(Simulation::Operations::copyModelToDevice, m_device->getIPAddress(), whose(m_device, {}));
     if (!hardware)
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();
@@ -222,7 +221,7 @@ bool DeviceControler::createMaterailFromImage(const QImage &image, int kind, con
     if (!m_device)
         return false;
     const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("DeviceControler.createMaterailFromImage"), m_device->getIPAddress(),
+        HardwareAccess::begin(Simulation::Operations::createMaterailFromImage, m_device->getIPAddress(),
                               whose(m_device, {{QStringLiteral("imageSize"), image.size()},
                                                {QStringLiteral("kind"), kind},
                                                {QStringLiteral("text"), text},

@@ -19,7 +19,7 @@ bool MaterialControl::queryMaterailData(const std::map<Model::Materail::Paramete
     const QImage *place = entry == request.end() ? nullptr : std::any_cast<QImage>(&entry->second);
     const bool wantsPicture = place && place->isNull();
     const std::shared_ptr<Simulation::Hardware> hardware =
-        HardwareAccess::begin(QStringLiteral("MaterialControl.queryMaterailData"), m_materail->deviceIp(),
+        HardwareAccess::begin(Simulation::Operations::queryMaterailData, m_materail->deviceIp(),
                               {{QStringLiteral("type"), m_materail->getType()},
                                {QStringLiteral("keyNo"), m_materail->getKeyNo()},
                                {QStringLiteral("picture"), wantsPicture},

@@ -22,7 +22,7 @@ ControlEnum::enum_ErrorCode OperationAdapter::updateOnlineDevice(const QString &
 
     Simulation::Outcome outcome = Simulation::Outcome::Done;
     const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
-        QStringLiteral("OperationAdapter.updateOnlineDevice"), ip, {{QStringLiteral("sn"), sn}}, 0, &outcome);
+        Simulation::Operations::updateOnlineDevice, ip, {{QStringLiteral("sn"), sn}}, 0, &outcome);
     if (!hardware) {
         switch (outcome) {
         case Simulation::Outcome::Disconnected:

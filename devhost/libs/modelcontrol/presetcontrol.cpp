@@ -12,8 +12,8 @@ bool PresetControl::presetFullDetail2Binary(QByteArray &binary)
 {
     if (!m_preset)
         return false;
-    const Simulation::Outcome outcome = Simulation::beginOperation(
-        QStringLiteral("PresetControl.presetFullDetail2Binary"), {{QStringLiteral("number"), m_preset->getNumber()}});
+    const Simulation::Outcome outcome = Simulation::beginOperation(Simulation::Operations::presetFullDetail2Binary,
+                                                                   {{QStringLiteral("number"), m_preset->getNumber()}});
     if (outcome != Simulation::Outcome::Done)
         return false;
     binary = m_preset->detail;

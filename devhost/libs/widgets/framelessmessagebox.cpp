@@ -6,7 +6,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMap>
-#include <QMetaEnum>
 #include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -35,9 +34,15 @@ QString iconName(FramelessMessageBox::Kind kind)
 
 QString operationName(FramelessMessageBox::Kind kind)
 {
-    const QString kindName =
-        QString::fromLatin1(QMetaEnum::fromType<FramelessMessageBox::Kind>().valueToKey(kind)).toLower();
-    return QStringLiteral("FramelessMessageBox.") + kindName;
+    switch (kind) {
+    case FramelessMessageBox::Information:
+        return Simulation::Operations::informationBox;
+    case FramelessMessageBox::Warning:
+        return Simulation::Operations::warningBox;
+    case FramelessMessageBox::Question:
+        return Simulation::Operations::questionBox;
+    }
+    return QString();
 }
 
 /// Lets a long path or name wrap, which has no blanks to wrap at.

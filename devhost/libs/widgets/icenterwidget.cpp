@@ -30,18 +30,18 @@ HX::Utils::Id ICenterWidget::id() const
 
 void ICenterWidget::raiseWindow()
 {
-    record(QStringLiteral("ICenterWidget.raiseWindow"), m_id);
+    record(Simulation::Operations::raiseWindow, m_id);
     raise();
 }
 
 void ICenterWidget::enterWindow()
 {
-    record(QStringLiteral("ICenterWidget.enterWindow"), m_id);
+    record(Simulation::Operations::enterWindow, m_id);
 }
 
 void ICenterWidget::leaveWindow()
 {
-    record(QStringLiteral("ICenterWidget.leaveWindow"), m_id);
+    record(Simulation::Operations::leaveWindow, m_id);
 }
 
 void ICenterWidget::retranslateUi() {}

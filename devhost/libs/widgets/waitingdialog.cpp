@@ -11,17 +11,15 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace Operations = Simulation::Operations;
+using Simulation::Journal;
+
 namespace Corvel {
 namespace Widgets {
 
 namespace {
 
 QPointer<WaitingDialog> theInstance;
-
-void record(const QString &operation, const QVariantMap &arguments = QVariantMap())
-{
-    Simulation::Journal::instance()->record(QStringLiteral("WaitingDialog.") + operation, arguments);
-}
 
 } // namespace
 
@@ -91,7 +89,7 @@ WaitingDialog::~WaitingDialog()
 void WaitingDialog::showWaitingDialog(const QString &text, int level)
 {
     Q_UNUSED(level)
-    record(QStringLiteral("showWaitingDialog"), {{QStringLiteral("text"), text}});
+    Journal::instance()->record(Operations::showWaitingDialog, {{QStringLiteral("text"), text}});
     setWindowTitle(text);
     d->text->setText(text);
     fitToText();
@@ -104,13 +102,13 @@ void WaitingDialog::showWaitingDialog(const QString &text, int level)
 
 void WaitingDialog::hideWaitingDialog()
 {
-    record(QStringLiteral("hideWaitingDialog"));
+    Journal::instance()->record(Operations::hideWaitingDialog);
     hide();
 }
 
 void WaitingDialog::setCanelVisible(bool visible)
 {
-    record(QStringLiteral("setCanelVisible"), {{QStringLiteral("visible"), visible}});
+    Journal::instance()->record(Operations::setCanelVisible, {{QStringLiteral("visible"), visible}});
     d->cancelButton->setVisible(visible);
     fitToText();
 }

@@ -36,7 +36,7 @@ QString ICore::ExtractJsonPath()
 void ICore::setOperatorType(OperatorDeviceType type, const QString &text)
 {
     const QString typeName = QString::fromLatin1(QMetaEnum::fromType<OperatorDeviceType>().valueToKey(type));
-    Simulation::beginOperation(QStringLiteral("ICore.setOperatorType"),
+    Simulation::beginOperation(Simulation::Operations::setOperatorType,
                                {{QStringLiteral("type"), typeName}, {QStringLiteral("text"), text}});
     emit instance()->operatorTypeChanged(type, text);
 }

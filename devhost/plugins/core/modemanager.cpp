@@ -11,10 +11,9 @@ namespace Core {
 
 namespace {
 
-void record(const char *operation, const HX::Utils::Id &id)
+void record(QLatin1String operation, const HX::Utils::Id &id)
 {
-    Simulation::Journal::instance()->record(QStringLiteral("ModeManager.") + QLatin1String(operation),
-                                            {{QStringLiteral("id"), id.toString()}});
+    Simulation::Journal::instance()->record(operation, {{QStringLiteral("id"), id.toString()}});
 }
 
 } // namespace
@@ -61,7 +60,7 @@ HX::Utils::Id ModeManager::currentMode()
 
 void ModeManager::activateMode(const HX::Utils::Id &id)
 {
-    record("activateMode", id);
+    record(Simulation::Operations::activateMode, id);
     const QVector<IMode *> &modes = instance()->m_modes;
     const bool known = std::any_of(modes.begin(), modes.end(),
                                    [&id](const IMode *mode) { return mode->id() == id && mode->enabled(); });
@@ -84,13 +83,13 @@ void ModeManager::setCurrentMode(const HX::Utils::Id &id)
 
 bool ModeManager::existCenterWidget(const HX::Utils::Id &id)
 {
-    record("existCenterWidget", id);
+    record(Simulation::Operations::existCenterWidget, id);
     return instance()->m_centerWidgets.contains(id);
 }
 
 void ModeManager::addCenterWidget(const HX::Utils::Id &id)
 {
-    record("addCenterWidget", id);
+    record(Simulation::Operations::addCenterWidget, id);
     if (instance()->m_centerWidgets.contains(id))
         return;
     instance()->m_centerWidgets.append(id);
@@ -99,7 +98,7 @@ void ModeManager::addCenterWidget(const HX::Utils::Id &id)
 
 void ModeManager::removeCenterWidget(const HX::Utils::Id &id)
 {
-    record("removeCenterWidget", id);
+    record(Simulation::Operations::removeCenterWidget, id);
     if (!instance()->m_centerWidgets.removeOne(id))
         return;
     emit instance()->centerWidgetRemoved(id);
@@ -109,7 +108,7 @@ void ModeManager::removeCenterWidget(const HX::Utils::Id &id)
 
 void ModeManager::setActivateCenterWidget(const HX::Utils::Id &id)
 {
-    record("setActivateCenterWidget", id);
+    record(Simulation::Operations::setActivateCenterWidget, id);
     if (!instance()->m_centerWidgets.contains(id)) {
         qWarning() << "There is no central widget" << id << "to show";
         return;

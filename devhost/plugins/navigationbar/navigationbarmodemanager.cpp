@@ -10,10 +10,9 @@ namespace NavigationBar {
 
 namespace {
 
-void record(const char *operation, const HX::Utils::Id &id)
+void record(QLatin1String operation, const HX::Utils::Id &id)
 {
-    Simulation::Journal::instance()->record(QStringLiteral("NavigationBarModeManager.") + QLatin1String(operation),
-                                            {{QStringLiteral("id"), id.toString()}});
+    Simulation::Journal::instance()->record(operation, {{QStringLiteral("id"), id.toString()}});
 }
 
 } // namespace
@@ -37,7 +36,7 @@ HX::Utils::Id NavigationBarModeManager::currentModeId() const
 
 void NavigationBarModeManager::activateMode(const HX::Utils::Id &id)
 {
-    record("activateMode", id);
+    record(Simulation::Operations::activateNavigationMode, id);
     const INavigationBarMode *wanted = mode(id);
     if (wanted && wanted->enabled() && id != m_currentModeId)
         setCurrentMode(id);
@@ -50,7 +49,7 @@ bool NavigationBarModeManager::containsMode(const HX::Utils::Id &id) const
 
 void NavigationBarModeManager::addMode(INavigationBarMode *mode)
 {
-    record("addMode", mode->id());
+    record(Simulation::Operations::addNavigationMode, mode->id());
     if (containsMode(mode->id()))
         return;
     const auto position = std::upper_bound(
@@ -62,7 +61,7 @@ void NavigationBarModeManager::addMode(INavigationBarMode *mode)
 
 void NavigationBarModeManager::removeMode(INavigationBarMode *mode)
 {
-    record("removeMode", mode->id());
+    record(Simulation::Operations::removeNavigationMode, mode->id());
     if (!m_modes.removeOne(mode))
         return;
     mode->setVisible(false);

@@ -2,29 +2,35 @@
 
 #include <engineerdocoperwidget.h>
 
-#include <core/hostsettings.h>
-#include <simulation/session/session.h>
+#include <support/answerbook.h>
 #include <support/packagebuilder.h>
+#include <support/testsite.h>
+#include <widgets/fixedbitlineeditex.h>
 
 #include <QComboBox>
 #include <QDateTime>
+#include <QDialog>
 #include <QDir>
+#include <QEvent>
 #include <QFile>
+#include <QFileSystemWatcher>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QSemaphore>
 #include <QStandardPaths>
 #include <QTableWidget>
+#include <QTextEdit>
 #include <QThreadPool>
 #include <QToolButton>
 #include <QtConcurrentRun>
 #include <QtTest>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
-#include <optional>
 
 /// What the tests of the panel share: project files, a site, the panel's parts as its user finds them, and ways
 /// to wait for scans, to hold them back and to look at their end.
@@ -44,9 +50,10 @@ inline QString projectFile(const QString &name)
     return projectFilesPath() + name + QStringLiteral(".corvelpro");
 }
 
-/// The directory as a first start finds it, or an empty one.
+/// The directory as a first start finds it, or an empty one. Also where a file was put in its place.
 inline bool removeProjectFilesDirectory()
 {
+    QFile::remove(projectFilesPath().chopped(1));
     return QDir(projectFilesPath()).removeRecursively();
 }
 inline bool clearProjectFilesDirectory()
@@ -71,32 +78,6 @@ inline bool writePackage(const QString &path, const QString &comment, int minute
     QFile::remove(path);
     return package.write(aside) && makeOld(aside, minutesOld) && QFile::rename(aside, path);
 }
-
-/// The site "small" with its host around it, changed before it comes up where a test needs that.
-class RunningSite
-{
-public:
-    explicit RunningSite(const std::function<void(Simulation::Site &)> &change = {})
-    {
-        QString error;
-        std::optional<Simulation::Site> site =
-            Simulation::Site::fromFile(Simulation::builtInSite(QStringLiteral("small")), error);
-        if (!site)
-            qFatal("No site: %s", qPrintable(error));
-        if (change)
-            change(*site);
-        Core::HostSettings settings = Core::hostSettings();
-        settings.deviceConfigFilePath = QDir::homePath() + QStringLiteral("/devices");
-        settings.extractJsonPath = QDir::homePath() + QStringLiteral("/extracted");
-        Core::applySettings(settings);
-        m_session = std::make_unique<Simulation::Session>(*site, settings.deviceConfigFilePath);
-    }
-
-    Simulation::Session *operator->() const { return m_session.get(); }
-
-private:
-    std::unique_ptr<Simulation::Session> m_session;
-};
 
 /// Waits until all work of the thread pool has ended and the user-interface thread knows of it.
 inline void settle()
@@ -133,6 +114,73 @@ private:
     QSemaphore m_end;
 };
 
+/// Tells when the system has reported a change of the project-files directory, as it does to the panel.
+class DirectoryObserver
+{
+public:
+    DirectoryObserver()
+        : m_watcher(QStringList{projectFilesPath()})
+    {
+        QObject::connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_watcher, [this] { ++m_changes; });
+    }
+    int changes() const { return m_changes; }
+
+private:
+    int m_changes = 0;
+    QFileSystemWatcher m_watcher;
+};
+
+/// Knows every future watcher that was told something since it was made: those of scans, copies and imports.
+class FutureWatchers : public QObject
+{
+public:
+    FutureWatchers() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::FutureCallOut && !m_seen.contains(object))
+            m_seen.append(object);
+        return false;
+    }
+
+    int seen() const { return m_seen.count(); }
+    int alive() const
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return int(std::count_if(m_seen.begin(), m_seen.end(),
+                                 [](const QPointer<QObject> &watcher) { return !watcher.isNull(); }));
+    }
+
+private:
+    QVector<QPointer<QObject>> m_seen;
+};
+
+/// The dialog of name and comment, as AnswerBook knows it.
+inline const QString propertyDialog = QStringLiteral("EngineerPropertySettingWidget");
+
+/// What the property dialog shows.
+struct Properties
+{
+    QString name;
+    QString comment;
+};
+inline Properties propertiesIn(const QDialog *dialog)
+{
+    return {dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->text(),
+            dialog->findChild<QTextEdit *>()->toPlainText()};
+}
+inline void enterProperties(const QDialog *dialog, const QString &name, const QString &comment)
+{
+    dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText(name);
+    dialog->findChild<QTextEdit *>()->setPlainText(comment);
+}
+/// Fills the dialog and presses OK.
+inline void answerProperties(QDialog *dialog, const QString &name, const QString &comment)
+{
+    enterProperties(dialog, name, comment);
+    TestSupport::click(dialog, QStringLiteral("OK"));
+}
+
 /// The panel and its parts, found where the user finds them.
 class Panel
 {
@@ -166,6 +214,29 @@ public:
     QList<QToolButton *> rowButtons(int tableRow) const
     {
         return table()->cellWidget(tableRow, 2)->findChildren<QToolButton *>();
+    }
+
+    /// The buttons of that project's row; null when it is not listed.
+    QWidget *projectRow(const QString &project) const
+    {
+        const int tableRow = names().indexOf(project);
+        return tableRow < 0 ? nullptr : table()->cellWidget(tableRow, 2);
+    }
+
+    /// The list of four that each entry of the selector carries: information, type, name and address.
+    static constexpr int markRole = Qt::UserRole + 1;
+    QStringList marks(int index) const { return deviceCombo()->itemData(index, markRole).toStringList(); }
+    QString selectedAddress() const { return marks(deviceCombo()->currentIndex()).value(3); }
+    /// Chooses the device with that address in the selector; false when it is not there.
+    bool selectDevice(const QString &ip) const
+    {
+        for (int index = 0; index < deviceCombo()->count(); ++index) {
+            if (marks(index).value(3) == ip) {
+                deviceCombo()->setCurrentIndex(index);
+                return true;
+            }
+        }
+        return false;
     }
 
     /// Starts a scan, as every operation that changes the directory does, and waits for its end.

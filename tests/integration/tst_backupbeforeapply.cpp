@@ -1,0 +1,268 @@
+#include <support/applyfixture.h>
+#include <support/testmain.h>
+#include <zippackagehandle.h>
+
+#include <simulation/faults.h>
+
+#include <QThread>
+
+using namespace PanelTesting;
+using namespace TestSupport;
+using namespace Simulation::Operations;
+using Corvel::Widgets::WaitingDialog;
+using ProjectFileCfg::Internal::EngineerPacketInfo;
+using ProjectFileCfg::Internal::ZipPackageHandle;
+using Simulation::Fault;
+using Simulation::Faults;
+using Simulation::HardwareState;
+using Simulation::Journal;
+
+/// Applying a project after a backup of what the device has: "Yes" to the question.
+class TstBackupBeforeApply : public QObject, protected Applying
+{
+    Q_OBJECT
+
+private slots:
+    void init() { setUp(); }
+    void cleanup() { tearDown(); }
+
+    void yes_saves_a_project_before_applying();
+    void a_failed_backup_applies_nothing();
+    void a_cancelled_backup_applies_nothing();
+    void cancel_reaches_a_backup_after_an_apply();
+    void with_all_names_taken_the_backup_is_nameless();
+    void a_backup_without_a_valid_package_applies_nothing_data();
+    void a_backup_without_a_valid_package_applies_nothing();
+    void a_waiting_package_is_applied_once();
+    void without_an_active_device_nothing_waits();
+    void a_late_cancel_of_the_backup_prevents_applying();
+    void cancelling_after_a_backup_cancels_once();
+};
+
+void TstBackupBeforeApply::yes_saves_a_project_before_applying()
+{
+    const HardwareState before = hardware(targetIp);
+    const HardwareState source = plainDevice(sourceIp);
+    list(packageOf(source));
+    apply(QMessageBox::Yes);
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+    QCOMPARE(journalArguments(setOperatorType, "type"),
+             (QVariantList{QStringLiteral("OperatorBackup"), QStringLiteral("OperatorNone"),
+                           QStringLiteral("OperatorLoad"), QStringLiteral("OperatorNone")}));
+
+    QTRY_COMPARE(m_panel->table()->rowCount(), 2);
+    EngineerPacketInfo info;
+    info.strFilePath = projectFile(QStringLiteral("Project1"));
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, QStringLiteral("Project1"));
+    QVERIFY2(QRegularExpression(QStringLiteral("^\\d{8}_\\d{6}$")).match(info.strComment).hasMatch(),
+             qPrintable(info.strComment));
+
+    // What was saved brings back what was there before.
+    apply(QMessageBox::No, QStringLiteral("Project1"));
+    waitForEndOfLoad(2);
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstBackupBeforeApply::a_failed_backup_applies_nothing()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(queryMaterailData, Fault::fail());
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("Failed to export bkg"));
+    clickApply();
+    waitForAnswers();
+    settle();
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+    QVERIFY(!QFile::exists(projectFile(QStringLiteral("Project1"))));
+
+    // The package does not wait for the next backup either.
+    saveAsProposed();
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    VERIFY_BOOK();
+}
+
+void TstBackupBeforeApply::a_cancelled_backup_applies_nothing()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(queryMaterailData, cancelling());
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    waitForAnswers();
+    settle();
+    QCOMPARE(journalArguments(cancelOperator, "command"), (QVariantList{QVariant(QVariantList{4, 10})}));
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+    QCOMPARE(m_panel->names(), QStringList{QStringLiteral("show")});
+}
+
+void TstBackupBeforeApply::cancel_reaches_a_backup_after_an_apply()
+{
+    // Its job is still there.
+    applyAndWait(packageOf(richDevice(sourceIp)));
+    Journal::instance()->clear();
+    Faults::instance()->arm(queryMaterailData, cancelling());
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    waitForAnswers();
+    settle();
+    QCOMPARE(Journal::instance()->count(cancelOperator), 1);
+    QCOMPARE(Journal::instance()->count(cancelCurrentTask), 0);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+}
+
+void TstBackupBeforeApply::with_all_names_taken_the_backup_is_nameless()
+{
+    for (int number = 1; number <= 999; ++number) {
+        QFile taken(projectFile(QStringLiteral("Project%1").arg(number)));
+        QVERIFY(taken.open(QIODevice::WriteOnly));
+    }
+    const HardwareState source = plainDevice(sourceIp);
+    list(packageOf(source));
+    apply(QMessageBox::Yes);
+    waitForEndOfLoad();
+    EngineerPacketInfo info;
+    info.strFilePath = projectFile(QString());
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strProjectName, QString());
+    COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
+}
+
+void TstBackupBeforeApply::a_backup_without_a_valid_package_applies_nothing_data()
+{
+    QTest::addColumn<QString>("harm");
+    QTest::newRow("a preset file cannot be opened") << "preset";
+    QTest::newRow("a file has the name of the presets' folder") << "file in the way";
+    QTest::newRow("the package is broken before the panel hears of the end") << "broken";
+    QTest::newRow("the package is gone before the panel hears of the end") << "gone";
+}
+
+void TstBackupBeforeApply::a_backup_without_a_valid_package_applies_nothing()
+{
+    QFETCH(QString, harm);
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    const QString presetFolder = m_site->devicePath(targetIp) + QStringLiteral("/Preset");
+    const QString backup = projectFile(QStringLiteral("Project1"));
+    if (harm == QStringLiteral("preset")) {
+        Faults::instance()->arm(presetFullDetail2Binary,
+                                Fault::run([&] { QDir().mkpath(presetFolder + QStringLiteral("/1.RPst")); }));
+    } else if (harm == QStringLiteral("file in the way")) {
+        QVERIFY(QDir().mkpath(m_site->devicePath(targetIp)));
+        QFile inTheWay(presetFolder);
+        QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+    } else {
+        // The end of the thread is told to the panel through its event loop, so this comes before.
+        Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&] {
+                                    QThread *const job = QThread::currentThread();
+                                    connect(
+                                        job, &QThread::finished, job,
+                                        [&] {
+                                            if (harm == QStringLiteral("gone"))
+                                                QFile::remove(backup);
+                                            else
+                                                QFile::resize(backup, 3);
+                                        },
+                                        Qt::DirectConnection);
+                                }));
+    }
+    // A folder that cannot be made ends the save with a message; where there is none, the log tells why nothing
+    // follows.
+    const bool isTold = harm == QStringLiteral("file in the way");
+    {
+        const ExpectMessage logged(
+            QtWarningMsg, QRegularExpression(QStringLiteral("^The backup left no valid package,.* not applied:")),
+            isTold ? 0 : 1);
+        expectQuestion(QMessageBox::Yes);
+        if (isTold)
+            m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("Failed to encrypt file"));
+        clickApply();
+        QTRY_VERIFY(hasJobEnded());
+        settle();
+    }
+    VERIFY_BOOK();
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+
+    // Nor does it wait for the next backup.
+    QFile::remove(presetFolder);
+    Journal::instance()->clear();
+    expectProperties(QStringLiteral("Afterwards"), QString());
+    click(m_panel->saveProject());
+    QTRY_VERIFY(hasJobEnded());
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(projectFile(QStringLiteral("Afterwards"))));
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+}
+
+void TstBackupBeforeApply::a_waiting_package_is_applied_once()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    apply(QMessageBox::Yes);
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 1);
+
+    saveAsProposed();
+    VERIFY_BOOK();
+    QVERIFY(QFile::exists(projectFile(QStringLiteral("Project2"))));
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+}
+
+void TstBackupBeforeApply::without_an_active_device_nothing_waits()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Model::object_brige::instance()->setActiveDevice({});
+    apply(QMessageBox::Yes);
+    VERIFY_BOOK();
+    settle();
+
+    // The next save is a save alone.
+    Model::object_brige::instance()->setActiveDevice((*m_site)->device(targetIp));
+    saveAsProposed();
+    VERIFY_BOOK();
+    QVERIFY(QFile::exists(projectFile(QStringLiteral("Project1"))));
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+}
+
+void TstBackupBeforeApply::a_late_cancel_of_the_backup_prevents_applying()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(plainDevice(sourceIp)));
+    // While the last preset is fetched: the save looks at a cancel before each picture and preset, and only packs now.
+    const int presets = before.presets.size();
+    Faults::instance()->arm(presetFullDetail2Binary, cancelling(presets));
+    apply(QMessageBox::Yes);
+    QTRY_VERIFY(hasJobEnded());
+    settle();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(cancelOperator), 1);
+    QVERIFY(ZipPackageHandle::isValidEngineerPacket(projectFile(QStringLiteral("Project1"))));
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstBackupBeforeApply::cancelling_after_a_backup_cancels_once()
+{
+    // A connection that the backup had left would cancel once more.
+    list(packageOf(richDevice(sourceIp)));
+    Faults::instance()->arm(canMVEEnable, cancelling());
+    expectQuestion(QMessageBox::Yes);
+    m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("User cancels current operation"));
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(cancelCurrentTask), 1);
+}
+
+TEST_MAIN(TstBackupBeforeApply)
+#include "tst_backupbeforeapply.moc"

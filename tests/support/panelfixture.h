@@ -1,0 +1,162 @@
+#pragma once
+
+#include "answerbook.h"
+#include "customsite.h"
+#include "journalmatchers.h"
+#include "paneltesting.h"
+#include "testmain.h"
+#include "warningguard.h"
+
+#include <simulation/journal.h>
+#include <simulation/operation.h>
+#include <widgets/waitingdialog.h>
+
+#include <QTemporaryDir>
+
+#include <optional>
+#include <utility>
+
+namespace PanelTesting {
+
+/// A shown panel on a simulated site with an empty list of projects, and an operator who works it: what the tests of
+/// the panel's operations derive from, beside QObject. `Site` is TestSite or CustomSite.
+///
+///     void init() { setUp(); }
+///     void cleanup() { tearDown(); }
+template<typename Site>
+class PanelOnSite
+{
+protected:
+    /// The arguments are those of the site. The journal is empty afterwards.
+    template<typename... Arguments>
+    void setUp(Arguments &&...ofTheSite)
+    {
+        QVERIFY(clearProjectFilesDirectory());
+        m_elsewhere.emplace();
+        m_site.emplace(std::forward<Arguments>(ofTheSite)...);
+        m_panel.emplace();
+        (*m_panel)->resize(1200, 700);
+        (*m_panel)->show();
+        settle();
+        m_book.emplace();
+        TestSupport::WarningGuard::clear();
+        Simulation::Journal::instance()->clear();
+    }
+    void tearDown()
+    {
+        settle();
+        m_book.reset();
+        m_panel.reset();
+        // Where a test failed, a job may still be waiting for the device.
+        Simulation::cancelRunningOperations();
+        settle();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        Corvel::Widgets::WaitingDialog::instance()->hideWaitingDialog();
+        m_site.reset();
+        m_elsewhere.reset();
+    }
+
+    /// Puts a package with that name into the list.
+    void list(const QString &name, const QString &comment = QStringLiteral("a comment"))
+    {
+        QVERIFY(writePackage(projectFile(name), comment));
+        rescanFor(name);
+    }
+    /// The same with those entries. The journal is empty afterwards.
+    void list(TestSupport::PackageBuilder package, const QString &name = QStringLiteral("show"))
+    {
+        QVERIFY(package.record(name, QStringLiteral("listed")).write(projectFile(name)));
+        rescanFor(name);
+        Simulation::Journal::instance()->clear();
+    }
+    /// A path in a folder that belongs to no one.
+    QString elsewhere(const QString &fileName) const { return m_elsewhere->filePath(fileName); }
+    /// Writes the package there and returns its path.
+    QString elsewhere(TestSupport::PackageBuilder package, const QString &name) const
+    {
+        const QString path = elsewhere(name);
+        if (!package.record(name, QString()).write(path))
+            qFatal("The package could not be written");
+        return path;
+    }
+
+    QWidget *row(const QString &project) const { return m_panel->projectRow(project); }
+    /// Clicks that button of the project's row.
+    void clickRow(const QString &project, const QString &button) const
+    {
+        QVERIFY2(row(project), qPrintable(project));
+        TestSupport::click(row(project), button);
+    }
+    /// Chooses the device with that address. The journal is empty afterwards.
+    void selectDevice(const QString &ip) const
+    {
+        QVERIFY2(m_panel->selectDevice(ip), qPrintable(ip));
+        Simulation::Journal::instance()->clear();
+    }
+
+    /// The property dialog comes next; it is filled and accepted.
+    void expectProperties(const QString &name, const QString &comment)
+    {
+        m_book->expectDialog(propertyDialog, [=](QDialog *dialog) { answerProperties(dialog, name, comment); });
+    }
+    static QStringList waitingTexts()
+    {
+        return QVariant(TestSupport::journalArguments(Simulation::Operations::showWaitingDialog, "text"))
+            .toStringList();
+    }
+    /// True when the host was told that a job runs and that none does any more, and nobody waits.
+    static bool hasJobEnded()
+    {
+        const QVariantList types = TestSupport::journalArguments(Simulation::Operations::setOperatorType, "type");
+        return !types.isEmpty() && types.last() == QStringLiteral("OperatorNone") &&
+               !Corvel::Widgets::WaitingDialog::instance()->isVisible();
+    }
+    /// Presses "Save Project" and OK in the dialog with these texts.
+    bool pressSave(const QString &name, const QString &comment = QString())
+    {
+        expectProperties(name, comment);
+        return TestSupport::click(m_panel->saveProject()) && m_book->isSatisfied();
+    }
+    /// Presses "Save Project", accepts what the dialog proposes and waits for the end. The journal holds this save
+    /// alone.
+    void saveAsProposed()
+    {
+        m_book->expectDialog(propertyDialog, [](QDialog *dialog) { TestSupport::click(dialog, QStringLiteral("OK")); });
+        Simulation::Journal::instance()->clear();
+        TestSupport::click(m_panel->saveProject());
+        QTRY_VERIFY(hasJobEnded());
+        settle();
+    }
+    void waitForAnswers() { QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report())); }
+
+    /// Whether a package that somebody copies into the directory is listed.
+    bool isFollowingTheDirectory()
+    {
+        const DirectoryObserver observer;
+        const QString path = projectFile(QStringLiteral("copied by hand"));
+        if (!writePackage(path, QString()) ||
+            !QTest::qWaitFor([&] { return observer.changes() > 0; }, TestSupport::patience))
+            qFatal("The change of the directory was not reported");
+        settle();
+        const bool isListed = m_panel->names().contains(QStringLiteral("copied by hand"));
+        QFile::remove(path);
+        m_panel->rescan();
+        return isListed;
+    }
+
+    std::optional<Site> m_site;
+    std::optional<Panel> m_panel;
+    std::optional<TestSupport::AnswerBook> m_book;
+    std::optional<QTemporaryDir> m_elsewhere;
+
+private:
+    void rescanFor(const QString &name)
+    {
+        m_panel->rescan();
+        QVERIFY2(m_panel->names().contains(name), qPrintable(m_panel->names().join(QLatin1Char(' '))));
+    }
+};
+
+} // namespace PanelTesting
+
+#define VERIFY_BOOK() QVERIFY2(m_book->isSatisfied(), qPrintable(m_book->report()))
