@@ -183,7 +183,7 @@ void EngineerDocBackup::pack(const QString &packagePath, const DurableFile::File
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
     QString reason;
-    if (!ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info, {m_hashStaged, previous}, reason))
+    if (!ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info, {m_hashStaged, previous}, &reason))
         fail(reason);
     else if (ZipPackageHandle::isValidEngineerPacket(packagePath))
         m_strSavedPackagePath = packagePath;

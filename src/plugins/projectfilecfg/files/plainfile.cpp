@@ -1,5 +1,7 @@
 #include "plainfile.h"
 
+#include "reason.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -12,22 +14,31 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-bool openPlainFile(QFile &file, bool unbuffered)
+static bool cannotOpen(QString *reason, const QString &path, const QString &error)
 {
+    return failBecause(reason, QStringLiteral("cannot open %1: %2").arg(path, error));
+}
+
+bool openPlainFile(QFile &file, bool unbuffered, QString *reason)
+{
+    const QString noPlainFile = QStringLiteral("it is no plain file");
     const QIODevice::OpenMode mode =
         unbuffered ? QIODevice::ReadOnly | QIODevice::Unbuffered : QIODevice::OpenMode(QIODevice::ReadOnly);
 #ifdef Q_OS_WIN
-    return QFileInfo(file).isFile() && file.open(mode);
+    if (QFileInfo(file).exists() && !QFileInfo(file).isFile())
+        return cannotOpen(reason, file.fileName(), noPlainFile);
+    return file.open(mode) || cannotOpen(reason, file.fileName(), file.errorString());
 #else
     const int handle =
         ::open(QFile::encodeName(file.fileName()).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (handle < 0)
+        return cannotOpen(reason, file.fileName(), systemError());
     struct stat found;
-    if (handle >= 0 && ::fstat(handle, &found) == 0 && S_ISREG(found.st_mode) &&
-        file.open(handle, mode, QFileDevice::AutoCloseHandle))
+    const bool isPlain = ::fstat(handle, &found) == 0 && S_ISREG(found.st_mode);
+    if (isPlain && file.open(handle, mode, QFileDevice::AutoCloseHandle))
         return true;
-    if (handle >= 0)
-        ::close(handle);
-    return false;
+    ::close(handle);
+    return cannotOpen(reason, file.fileName(), isPlain ? file.errorString() : noPlainFile);
 #endif
 }
 

@@ -18,7 +18,8 @@ public:
     explicit PackageFile(std::unique_ptr<QFile> file);
     ~PackageFile() override;
 
-    /// `mode` must be ReadOnly. False on failure, and at once if it is not a plain file, for instance a pipe.
+    /// `mode` must be ReadOnly. False on failure, and at once if it is not a plain file, for instance a pipe;
+    /// errorString() names the path then.
     bool open(OpenMode mode) override;
 
     bool isSequential() const override;
