@@ -8,6 +8,7 @@
 #include "zippackagehandle.h"
 
 #include <data/pngmaker.h>
+#include <support/customsite.h>
 #include <support/packagebuilder.h>
 #include <support/testmain.h>
 #include <support/warningguard.h>
@@ -23,7 +24,9 @@
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestData::PngMaker;
+using TestSupport::noisePicture;
 using TestSupport::PackageBuilder;
+using TestSupport::pngOf;
 using TestSupport::WarningGuard;
 
 /// Prepares a failure in the test's folder.
@@ -150,6 +153,8 @@ void TstReasons::a_failed_save_says_why()
     QString reason;
     QVERIFY(!save(previous, &reason));
     QCOMPARE(missingIn(reason, where, cause), QString());
+    // Qt cannot remove it.
+    ::rmdir((QFile::encodeName(m_temp->path()) + "/device/\xFF").constData());
 }
 
 void TstReasons::a_save_without_room_says_so()
@@ -162,7 +167,7 @@ void TstReasons::a_save_without_room_says_so()
         const FullDisk fullDisk(4000);
         QVERIFY(!save(previous, &reason));
     }
-    QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "File too large"), QString());
+    QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only a part could be written"), QString());
 }
 
 void TstReasons::an_invalid_package_says_why_data()
@@ -331,7 +336,7 @@ void TstReasons::an_entry_that_is_not_extracted_says_why_data()
     QTest::newRow("onto a folder") << "folder"
                                    << "Is a directory";
     QTest::newRow("below a file") << "file/below"
-                                  << "Not a directory";
+                                  << "File exists";
 }
 
 void TstReasons::an_entry_that_is_not_extracted_says_why()
@@ -393,13 +398,14 @@ void TstReasons::a_picture_that_is_not_read_says_why_data()
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QString>("cause");
 
-    const QByteArray start = PngMaker::signature() + PngMaker::header(4, 4);
+    const QByteArray whole = pngOf(noisePicture({40, 40}, 1));
+    const QByteArray pixels = PngMaker::pixels(QByteArray(100, '\0'));
     QTest::newRow("a text") << QByteArray("text") << "is no PNG";
-    QTest::newRow("no pixels") << PngMaker::signature() + PngMaker::header(0, 4) + PngMaker::end() << "";
     QTest::newRow("too wide") << PngMaker::signature() + PngMaker::header(1000001, 1) << "too wide";
-    QTest::newRow("too many pixels") << PngMaker::signature() + PngMaker::header(900000, 900000) + PngMaker::end()
+    QTest::newRow("too many pixels") << PngMaker::signature() + PngMaker::header(900000, 900000) + pixels
                                      << "too much memory";
-    QTest::newRow("cut") << start << "";
+    QTest::newRow("no more than a header") << PngMaker::signature() + PngMaker::header(4, 4) << "header is damaged";
+    QTest::newRow("cut") << whole.left(whole.size() / 2) << "Unable to read image data";
 }
 
 void TstReasons::a_picture_that_is_not_read_says_why()

@@ -82,6 +82,7 @@ private:
     bool guarded(const std::function<bool()> &work);
     /// The same for a check: if it does not pass, there will be no run.
     bool check(const std::function<bool()> &work);
+    QString noDevice() const;
     bool openPackage();
     bool readDescription();
     bool apply();
@@ -90,8 +91,10 @@ private:
     bool applyOnline(const std::shared_ptr<Model::Device> &target);
     bool onlineSend(OnlineApply &online);
     bool sendSourceToOnlineDevice(OnlineApply &online);
-    bool fail(LoadResultCode code);
-    bool passes(LoadResultCode code) { return code == LoadSuccess || fail(code); }
+    /// Nothing is logged without a reason.
+    bool fail(LoadResultCode code, const QString &reason = QString());
+    /// `reason` is that of the code, if it is none of success.
+    bool passes(LoadResultCode code, const QString &reason) { return code == LoadSuccess || fail(code, reason); }
     bool stopIfCanceled();
 
     std::atomic<bool> m_bCancel{false};
@@ -103,6 +106,8 @@ private:
     /// Whether the device was online at the check.
     bool m_bCheckedOnline = false;
     std::atomic<int> m_nResultCode{LoadSuccess};
+    /// Why the check or the run under way fails.
+    QString m_strReason;
 };
 
 } // namespace Internal

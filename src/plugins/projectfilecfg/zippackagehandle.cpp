@@ -112,7 +112,7 @@ bool writeRecord(ReplacingFile &package, EngineerPacketInfo &info, QString *reas
         return cannotWrite(QStringLiteral("what was written is no archive"));
     const QByteArray tail = ArchiveComment::tailWith(record);
     return (file.seek(none.offset()) && file.write(tail) == tail.size() && file.flush()) ||
-           cannotWrite(file.errorString());
+           cannotWrite(writeError(file));
 }
 
 /// False unless the package has all of the entries with their sizes.

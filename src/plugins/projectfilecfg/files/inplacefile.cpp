@@ -74,7 +74,7 @@ bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString 
     if (tailFrom(record.offset) != tail) {
         const qint64 size = record.offset + tail.size();
         if (!m_file.seek(record.offset) || m_file.write(tail) != tail.size())
-            error = m_file.errorString();
+            error = writeError(m_file);
         // Some file systems wait for the disk where there is nothing to cut, too.
         if (m_file.size() > size)
             m_file.resize(size);

@@ -22,23 +22,24 @@ static bool cannotOpen(QString *reason, const QString &path, const QString &erro
 bool openPlainFile(QFile &file, bool unbuffered, QString *reason)
 {
     const QString noPlainFile = QStringLiteral("it is no plain file");
+    // Forgotten once it was opened by its handle.
+    const QString path = file.fileName();
     const QIODevice::OpenMode mode =
         unbuffered ? QIODevice::ReadOnly | QIODevice::Unbuffered : QIODevice::OpenMode(QIODevice::ReadOnly);
 #ifdef Q_OS_WIN
     if (QFileInfo(file).exists() && !QFileInfo(file).isFile())
-        return cannotOpen(reason, file.fileName(), noPlainFile);
-    return file.open(mode) || cannotOpen(reason, file.fileName(), file.errorString());
+        return cannotOpen(reason, path, noPlainFile);
+    return file.open(mode) || cannotOpen(reason, path, file.errorString());
 #else
-    const int handle =
-        ::open(QFile::encodeName(file.fileName()).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int handle = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (handle < 0)
-        return cannotOpen(reason, file.fileName(), systemError());
+        return cannotOpen(reason, path, systemError());
     struct stat found;
     const bool isPlain = ::fstat(handle, &found) == 0 && S_ISREG(found.st_mode);
     if (isPlain && file.open(handle, mode, QFileDevice::AutoCloseHandle))
         return true;
     ::close(handle);
-    return cannotOpen(reason, file.fileName(), isPlain ? file.errorString() : noPlainFile);
+    return cannotOpen(reason, path, isPlain ? file.errorString() : noPlainFile);
 #endif
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFile>
 #include <QString>
 
 #include <cerrno>
@@ -24,6 +25,14 @@ inline bool failBecause(QString *reason, const QString &text)
 inline QString systemError()
 {
     return QString::fromLocal8Bit(std::generic_category().message(errno).c_str());
+}
+
+/// Why a write to the device failed. Qt has no text if the system took only a part, as a disk does that becomes full.
+inline QString writeError(const QIODevice &device)
+{
+    const QString error = device.errorString();
+    return error == QFile().errorString() ? QStringLiteral("only a part could be written, the disk may be full")
+                                          : error;
 }
 
 } // namespace Internal

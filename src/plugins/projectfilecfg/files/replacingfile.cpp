@@ -109,7 +109,7 @@ bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
 
 bool ReplacingFile::cannotWrite(QString *reason) const
 {
-    return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_targetPath, m_fragment.errorString()));
+    return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_targetPath, writeError(m_fragment)));
 }
 
 bool ReplacingFile::commit(ExistingTarget existing, QString *reason)

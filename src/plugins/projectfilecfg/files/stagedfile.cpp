@@ -13,7 +13,7 @@ bool writeWhole(QFile &file, const QByteArray &content, QString *reason)
     if (isWritten)
         file.close();
     return (isWritten && file.error() == QFileDevice::NoError) ||
-           failBecause(reason, QStringLiteral("cannot write %1: %2").arg(file.fileName(), file.errorString()));
+           failBecause(reason, QStringLiteral("cannot write %1: %2").arg(file.fileName(), writeError(file)));
 }
 
 } // namespace Internal

@@ -22,7 +22,7 @@ bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 
         if (*copied > limit)
             return failBecause(reason, QStringLiteral("there are more than %1 bytes").arg(limit));
         if (destination.write(block.constData(), count) != count)
-            return failBecause(reason, QStringLiteral("cannot write: %1").arg(destination.errorString()));
+            return failBecause(reason, QStringLiteral("cannot write: %1").arg(writeError(destination)));
     }
     return count == 0 || failBecause(reason, QStringLiteral("cannot read: %1").arg(source.errorString()));
 }

@@ -39,7 +39,7 @@ std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QStrin
 /// reads from the package. LoadJsonFileError if there is none, and `device` is unchanged; LoadGetDeviceFailed, and
 /// `device` is null, if the first one cannot be extracted or read.
 LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
-                                     std::shared_ptr<Model::Device> &device);
+                                     std::shared_ptr<Model::Device> &device, QString *reason);
 
 /// Gives a description the identity of the device that is to get it: id, address in the network, protocol.
 void takeIdentity(Model::Device &description, const Model::Device &target, const QString &ip);

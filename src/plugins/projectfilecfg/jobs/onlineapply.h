@@ -33,7 +33,7 @@ public:
     /// Names the next picture to the host as the progress, and sends it. Extracts it besides; the file stays if it is
     /// outside the gallery, or could not be sent. LoadSuccess, a code of PictureReadAhead::Picture, or
     /// LoadApplyGalleryFailed.
-    LoadResultCode sendPicture();
+    LoadResultCode sendPicture(QString *reason);
 
     bool sendConfiguration();
 

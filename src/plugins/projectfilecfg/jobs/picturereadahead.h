@@ -25,6 +25,8 @@ public:
         /// LoadSuccess, or the code with which the apply ends: those of PackagedPicture::open(), and
         /// LoadGalleryFileError if it cannot be decoded.
         LoadResultCode code;
+        /// Of that code.
+        QString reason;
         /// Null unless it is of the gallery and was read.
         QImage image;
     };
@@ -38,7 +40,7 @@ public:
 
 private:
     void decodeAhead(const QString &entry);
-    LoadResultCode read(PackagedPicture &picture, QImage &image);
+    LoadResultCode read(PackagedPicture &picture, QImage &image, QString *reason);
 
     PackageReader &m_package;
     const Model::Device &m_device;

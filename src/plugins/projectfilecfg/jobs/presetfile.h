@@ -27,7 +27,7 @@ public:
 
     /// After Written: its bytes.
     qint64 size() const { return m_nSize; }
-    /// Unless it was opened: why not, in the system's words.
+    /// Unless it was written: why not, in the system's words; after Cut with the path (see reason.h).
     QString errorString() const { return m_strError; }
 
 private:

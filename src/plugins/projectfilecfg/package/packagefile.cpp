@@ -16,11 +16,13 @@ namespace Internal {
 static const qint64 endSize = ZipFormat::maxTextSize + ZipFormat::endRecordSize + ZipFormat::locatorSize;
 
 PackageFile::PackageFile(const QString &path)
-    : m_file(std::make_unique<QFile>(path))
+    : m_path(path)
+    , m_file(std::make_unique<QFile>(path))
 {}
 
 PackageFile::PackageFile(std::unique_ptr<QFile> file)
-    : m_file(std::move(file))
+    : m_path(file->fileName())
+    , m_file(std::move(file))
 {}
 
 PackageFile::~PackageFile() = default;
@@ -33,7 +35,7 @@ bool PackageFile::open(OpenMode mode)
         return false;
     }
     if (!readEndAtRest()) {
-        setErrorString(QStringLiteral("cannot read %1: %2").arg(m_file->fileName(), m_file->errorString()));
+        setErrorString(QStringLiteral("cannot read %1: %2").arg(m_path, m_file->errorString()));
         return false;
     }
     // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.

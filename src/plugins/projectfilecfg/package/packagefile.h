@@ -26,6 +26,8 @@ public:
     qint64 size() const override;
     bool seek(qint64 position) override;
 
+    /// Its path, also when it was opened by its handle.
+    QString path() const { return m_path; }
     /// The underlying file, to read other parts of it.
     QFile &file() { return *m_file; }
 
@@ -37,6 +39,7 @@ private:
     bool readEnd();
     bool readEndAtRest();
 
+    const QString m_path;
     const std::unique_ptr<QFile> m_file;
     QByteArray m_end;
     qint64 m_nSize = 0;

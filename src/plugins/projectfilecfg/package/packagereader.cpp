@@ -105,7 +105,7 @@ PackageReader::PackageReader(std::unique_ptr<PackageFile> file)
     if (!m_file->open(QIODevice::ReadOnly))
         m_openError = m_file->errorString();
     else if (!m_zip->open(QuaZip::mdUnzip))
-        m_openError = QStringLiteral("%1 is no zip archive, or incomplete").arg(m_file->file().fileName());
+        m_openError = QStringLiteral("%1 is no zip archive, or incomplete").arg(m_file->path());
 }
 
 PackageReader::~PackageReader() = default;

@@ -242,9 +242,8 @@ bool PackageWriter::write(QFile &archive, QString *reason)
 
 bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reason)
 {
-    const auto cannotWrite = [&archive, reason] {
-        return failBecause(reason,
-                           QStringLiteral("cannot write %1: %2").arg(archive.fileName(), archive.errorString()));
+    const auto cannotWrite = [&] {
+        return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_packetPath, writeError(archive)));
     };
     if (!archive.resize(0) || !archive.seek(0))
         return cannotWrite();

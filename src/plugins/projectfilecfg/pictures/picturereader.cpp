@@ -43,8 +43,10 @@ QSize PictureReader::size(QString *reason) const
                                 .arg(PackageLimits::maxPictureFileSize));
     else if (m_scan.isBeyondLimits())
         failBecause(reason, QStringLiteral("it is too wide or too high, or has too many texts and profiles"));
-    else
+    else if (m_reader.size().isValid())
         return m_reader.size();
+    else
+        failBecause(reason, QStringLiteral("its header is damaged"));
     return QSize();
 }
 
