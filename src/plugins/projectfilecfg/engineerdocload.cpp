@@ -102,7 +102,6 @@ QString EngineerDocLoad::noDevice() const
     return QStringLiteral("there is no device %1").arg(m_strDeviceIp);
 }
 
-/// False without a code when there is no package any more.
 bool EngineerDocLoad::openPackage()
 {
     QString reason;

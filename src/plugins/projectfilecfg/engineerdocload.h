@@ -83,6 +83,7 @@ private:
     /// The same for a check: if it does not pass, there will be no run.
     bool check(const std::function<bool()> &work);
     QString noDevice() const;
+    /// False without a code if there is no package any more.
     bool openPackage();
     bool readDescription();
     bool apply();
@@ -91,9 +92,9 @@ private:
     bool applyOnline(const std::shared_ptr<Model::Device> &target);
     bool onlineSend(OnlineApply &online);
     bool sendSourceToOnlineDevice(OnlineApply &online);
-    /// Nothing is logged without a reason.
+    /// Sets the code and the reason, and returns false. guarded() logs the reason, if there is one.
     bool fail(LoadResultCode code, const QString &reason = QString());
-    /// `reason` is that of the code, if it is none of success.
+    /// True for LoadSuccess; fails with any other code.
     bool passes(LoadResultCode code, const QString &reason) { return code == LoadSuccess || fail(code, reason); }
     bool stopIfCanceled();
 

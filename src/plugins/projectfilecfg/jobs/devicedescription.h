@@ -32,16 +32,15 @@ QString findDescription(const QStringList &entries);
 /// text. Null, with the parser's reason in `error`, if it is not a JSON document with content, or exceeds
 /// PackageLimits.
 std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString &error);
-/// The same for a file. `error` is empty, and the path in the log, if it cannot be opened; `error` is empty also if
-/// there is no such file.
+/// The same for a file. `error` is empty if there is none, or if it cannot be opened, which is logged.
 std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QString &error);
-/// The same for a package's description. Extracts all of its descriptions to `folder`, where others expect them, but
-/// reads from the package. LoadJsonFileError if there is none, and `device` is unchanged; LoadGetDeviceFailed, and
-/// `device` is null, if the first one cannot be extracted or read.
+/// The same for the description that a load reads. Extracts all descriptions of the package to `folder`, where others
+/// expect them, but reads from the package. LoadJsonFileError if there is none: `device` is unchanged.
+/// LoadGetDeviceFailed if it cannot be extracted or read: `device` is null.
 LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
                                      std::shared_ptr<Model::Device> &device, QString *reason);
 
-/// Gives a description the identity of the device that is to get it: id, address in the network, protocol.
+/// Gives a description the identity of the device that is to get it: its id, network settings and protocol number.
 void takeIdentity(Model::Device &description, const Model::Device &target, const QString &ip);
 
 } // namespace Internal

@@ -30,14 +30,14 @@ public:
     bool sendSlots();
 
     bool hasPicture() const { return m_pictures.hasNext(); }
-    /// Names the next picture to the host as the progress, and sends it. Extracts it besides; the file stays if it is
-    /// outside the gallery, or could not be sent. LoadSuccess, a code of PictureReadAhead::Picture, or
-    /// LoadApplyGalleryFailed.
+    /// Sends the next picture, and names it to the host as progress. Also extracts it; the file is removed once it is
+    /// sent, so it stays if it is outside the gallery or cannot be sent. LoadSuccess, the code of
+    /// PictureReadAhead::Picture, or LoadApplyGalleryFailed.
     LoadResultCode sendPicture(QString *reason);
 
     bool sendConfiguration();
 
-    /// True also if the description has MVR switched off.
+    /// Also true, without a call, if the description has MVR switched off.
     bool sendMvrItems();
 
 private:

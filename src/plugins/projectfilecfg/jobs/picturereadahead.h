@@ -12,22 +12,22 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 /// The pictures of a package, one after the other, for an apply to an online device: while one is sent, the next one is
-/// decoded on a thread of its own. What is wrong with that one comes to light at its turn, when it is read as if
-/// nothing had been done before. Use it only on the thread that created it.
+/// decoded on another thread. If that fails, the picture is read and decoded again at its own turn, and fails there.
+/// Use it only on the thread that created it.
 class PictureReadAhead
 {
 public:
     struct Picture
     {
         PackagedPicture packaged;
-        /// Where it was extracted; empty if that failed, which is no reason to leave the device without it.
+        /// Where it was extracted; empty if that failed, which does not keep it from being sent.
         QString extractedPath;
-        /// LoadSuccess, or the code with which the apply ends: those of PackagedPicture::open(), and
+        /// LoadSuccess, or the code with which the apply ends: that of PackagedPicture::open(), or
         /// LoadGalleryFileError if it cannot be decoded.
         LoadResultCode code;
-        /// Of that code.
+        /// Why, unless it is LoadSuccess.
         QString reason;
-        /// Null unless it is of the gallery and was read.
+        /// Null on failure, and outside the gallery.
         QImage image;
     };
 
@@ -35,7 +35,7 @@ public:
     PictureReadAhead(PackageReader &package, const Model::Device &device, const QString &folder);
 
     bool hasNext() const { return m_nNext < m_entries.size(); }
-    /// The next one in the archive's order, also if it is outside the gallery.
+    /// Reads the next one in the archive's order, in the gallery or not.
     Picture next();
 
 private:

@@ -12,7 +12,7 @@ class PresetFile
 public:
     enum Outcome {
         Written,
-        /// The folder was removed, and is not back yet.
+        /// The folder was removed.
         FolderGone,
         /// Cannot be opened although the folder is there.
         NotOpened,
@@ -27,7 +27,7 @@ public:
 
     /// After Written: its bytes.
     qint64 size() const { return m_nSize; }
-    /// Unless it was written: why not, in the system's words; after Cut with the path (see reason.h).
+    /// After NotOpened: the system's reason; after Cut, with the path.
     QString errorString() const { return m_strError; }
 
 private:
