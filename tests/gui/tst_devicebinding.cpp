@@ -1,3 +1,4 @@
+#include "diskspace.h"
 #include "paneltesting.h"
 #include "translatedtexts.h"
 
@@ -18,6 +19,7 @@
 using namespace PanelTesting;
 using namespace TestSupport;
 using Corvel::Widgets::WaitingDialog;
+namespace DiskSpace = ProjectFileCfg::Internal::DiskSpace;
 using Simulation::Fault;
 using Simulation::Faults;
 using Simulation::Journal;
@@ -513,7 +515,7 @@ void TstDeviceBinding::bytes_are_whole_mebibytes_rounded_down()
 {
     QFETCH(qint64, bytes);
     QFETCH(quint64, mebibytes);
-    QCOMPARE(quint64(EngineerDocOperWidget::wholeMebibytes(bytes)), mebibytes);
+    QCOMPARE(quint64(DiskSpace::wholeMebibytes(bytes)), mebibytes);
 }
 
 void TstDeviceBinding::free_space_is_that_of_the_volume()
@@ -521,7 +523,7 @@ void TstDeviceBinding::free_space_is_that_of_the_volume()
     // Others write to the volume too, so it is asked before and after.
     const QStorageInfo volume(projectFilesPath());
     const quint64 before = quint64(volume.bytesAvailable());
-    const quint64 size = EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath()) << 20;
+    const quint64 size = DiskSpace::getDiskAvailableSize(projectFilesPath()) << 20;
     const quint64 after = quint64(QStorageInfo(projectFilesPath()).bytesAvailable());
     const quint64 slack = 1024 * 1024 * 1024;
     QVERIFY(size + slack > qMin(before, after));
@@ -532,7 +534,7 @@ void TstDeviceBinding::free_space_is_that_of_the_volume()
 
 void TstDeviceBinding::a_path_without_a_volume_has_no_space()
 {
-    QCOMPARE(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath() + QStringLiteral("missing/")), 0ULL);
+    QCOMPARE(DiskSpace::getDiskAvailableSize(projectFilesPath() + QStringLiteral("missing/")), 0ULL);
 }
 
 void TstDeviceBinding::estimate_is_used_bytes_rounded_down_plus_ten_mebibytes()
@@ -578,7 +580,7 @@ void TstDeviceBinding::an_empty_device_fits()
     const Panel panel;
     panel->show();
     site->hardware(mainHall)->fixCounters(0, 0);
-    QVERIFY(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath()) > 10);
+    QVERIFY(DiskSpace::getDiskAvailableSize(projectFilesPath()) > 10);
     QCOMPARE(boundAddress(panel, site), mainHall);
 }
 

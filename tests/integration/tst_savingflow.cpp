@@ -1,3 +1,4 @@
+#include "diskspace.h"
 #include "engineerdocoperwidget.h"
 #include "zippackagehandle.h"
 
@@ -626,7 +627,7 @@ void TstSavingFlow::an_offline_device_never_meets_the_space_warning()
     select(m_site->touringRack);
     // On a folder that does not exist nothing is free.
     QVERIFY(QDir(m_projects).removeRecursively());
-    QCOMPARE(EngineerDocOperWidget::getDiskAvailableSize(m_projects), 0ULL);
+    QCOMPARE(DiskSpace::getDiskAvailableSize(m_projects), 0ULL);
     QVERIFY(pressSave("Rack"));
     QTRY_VERIFY(hasEnded());
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(packagePath("Rack")));

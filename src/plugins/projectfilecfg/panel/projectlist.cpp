@@ -2,56 +2,83 @@
 
 #include "durablefile.h"
 #include "inplacefile.h"
-#include "projectfilefacts.h"
+#include "packagefiles.h"
 #include "replacingfile.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QFileInfo>
 #include <QHash>
 #include <QMutexLocker>
-#include <QVector>
 
 #include <algorithm>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The newest first, those of one time by name: QDir::Time, which takes most of a scan, since it makes two local times
-/// for each comparison.
-static QFileInfoList packagesIn(const QString &dirPath)
+QList<EngineerPacketInfo> ProjectList::snapshot()
 {
-    struct Package
-    {
-        qint64 modified;
-        QString name;
-        QFileInfo file;
-    };
-    QVector<Package> packages;
-    const QFileInfoList entries = QDir(dirPath).entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
-                                                              QDir::Dirs | QDir::Files | QDir::Drives, QDir::Unsorted);
-    for (const QFileInfo &entry : entries)
-        packages.append({entry.lastModified().toMSecsSinceEpoch(), entry.fileName(), entry});
-    std::sort(packages.begin(), packages.end(), [](const Package &one, const Package &other) {
-        return one.modified == other.modified ? one.name < other.name : one.modified > other.modified;
-    });
-    QFileInfoList sorted;
-    for (const Package &package : qAsConst(packages))
-        sorted.append(package.file);
-    return sorted;
+    const QMutexLocker locker(&mutex);
+    return projects;
+}
+
+QStringList ProjectList::paths()
+{
+    const QList<EngineerPacketInfo> current = snapshot();
+    QStringList paths;
+    for (const EngineerPacketInfo &info : current)
+        paths.append(info.strFilePath);
+    return paths;
+}
+
+QList<EngineerPacketInfo>::iterator ProjectList::entryOf(const QString &path)
+{
+    return std::find_if(projects.begin(), projects.end(),
+                        [&path](const EngineerPacketInfo &info) { return info.strFilePath == path; });
+}
+
+std::optional<EngineerPacketInfo> ProjectList::find(const QString &path)
+{
+    const QMutexLocker locker(&mutex);
+    const auto entry = entryOf(path);
+    return entry == projects.end() ? std::nullopt : std::make_optional(*entry);
+}
+
+bool ProjectList::remove(const QString &path)
+{
+    const QMutexLocker locker(&mutex);
+    const auto isThere = [&path](const EngineerPacketInfo &info) { return info.strFilePath == path; };
+    projects.erase(std::remove_if(projects.begin(), projects.end(), isThere), projects.end());
+    return supersedeScans();
+}
+
+bool ProjectList::rename(const QString &path, const EngineerPacketInfo &edited)
+{
+    const QMutexLocker locker(&mutex);
+    const auto entry = entryOf(path);
+    if (entry != projects.end())
+        *entry = edited;
+    return supersedeScans();
+}
+
+bool ProjectList::clear()
+{
+    const QMutexLocker locker(&mutex);
+    for (const EngineerPacketInfo &info : qAsConst(projects))
+        QFile::remove(info.strFilePath);
+    projects.clear();
+    return supersedeScans();
+}
+
+bool ProjectList::supersedeScans()
+{
+    const bool scansRunning = m_lastApplied != m_lastStarted;
+    m_lastApplied = ++m_lastStarted;
+    return scansRunning;
 }
 
 quint64 ProjectList::beginScan()
 {
     return ++m_lastStarted;
-}
-
-bool ProjectList::supersedeScans()
-{
-    const QMutexLocker locker(&mutex);
-    const bool scansRunning = m_lastApplied != m_lastStarted;
-    m_lastApplied = ++m_lastStarted;
-    return scansRunning;
 }
 
 ProjectList::Hold::Hold(ProjectList &list)
@@ -96,6 +123,18 @@ bool ProjectList::lockForScan()
             return false;
     }
     return true;
+}
+
+/// Unless the list is held, or a scan that started later has replaced it already.
+void ProjectList::replace(const QList<EngineerPacketInfo> &found, quint64 scanNumber)
+{
+    if (!lockForScan())
+        return;
+    if (scanNumber >= m_lastApplied) {
+        m_lastApplied = scanNumber;
+        projects = found;
+    }
+    mutex.unlock();
 }
 
 int ProjectList::nextLook(qint64 changed, qint64 now)
@@ -147,13 +186,7 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
         found.append(info);
     }
 
-    if (!lockForScan())
-        return next;
-    if (scanNumber >= m_lastApplied) {
-        m_lastApplied = scanNumber;
-        projects = found;
-    }
-    mutex.unlock();
+    replace(found, scanNumber);
     return next;
 }
 

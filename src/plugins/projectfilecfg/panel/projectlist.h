@@ -4,22 +4,41 @@
 
 #include <QList>
 #include <QMutex>
-#include <QString>
+#include <QStringList>
 
 #include <atomic>
+#include <optional>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
 /// The list of packages, shared by the panel and the scans in the thread pool. A scan holds its own reference, so it
-/// may outlive the panel that started it.
+/// may outlive the panel that started it. Its operations lock the list themselves; any thread.
+///
+/// An operation that changes the list supersedes the scans that are still running: they may have seen the previous
+/// state of the directory, and will not replace the list any more. It returns true if there are such scans: start a new
+/// one.
 class ProjectList
 {
 public:
-    /// Guards `projects`. Recursive, since an operation of the panel that has locked it rebuilds the table.
+    /// Guards `projects`. Recursive, since the panel reads the list while it holds it.
     QMutex mutex{QMutex::Recursive};
     /// One record per package, newest file first; `strProjectName` is the file's base name.
     QList<EngineerPacketInfo> projects;
+
+    /// The records, as they are now.
+    QList<EngineerPacketInfo> snapshot();
+    /// Their paths, in the list's order.
+    QStringList paths();
+    /// The record of the package at `path`; none if it is not listed.
+    std::optional<EngineerPacketInfo> find(const QString &path);
+
+    /// Removes the record of the package at `path`.
+    bool remove(const QString &path);
+    /// Replaces the record of the package at `path` by `edited`, which may name another path.
+    bool rename(const QString &path, const EngineerPacketInfo &edited);
+    /// Removes the files of all packages, as far as that is possible, and empties the list.
+    bool clear();
 
     /// Returns the number to pass to scanProjectFiles(). Call it in the order in which scans start. Any thread.
     quint64 beginScan();
@@ -56,12 +75,11 @@ public:
     /// Call after releasing the list. True, once, if scans were missed meanwhile: start one.
     bool takeMissedScan();
 
-    /// Call after the panel has changed `projects`: scans that are still running may have seen the previous state of
-    /// the directory, and will not replace the list any more. True if there are such scans: start a new one. Any
-    /// thread.
-    bool supersedeScans();
-
 private:
+    /// With the mutex locked.
+    QList<EngineerPacketInfo>::iterator entryOf(const QString &path);
+    bool supersedeScans();
+    void replace(const QList<EngineerPacketInfo> &found, quint64 scanNumber);
     bool lockForScan();
 
     std::atomic<quint64> m_lastStarted{0};
