@@ -291,10 +291,13 @@ void EngineerDocOperWidget::slot_applyOtherProject()
         return;
     EngineerPacketInfo info;
     info.strFilePath = files.first();
-    if (ZipPackageHandle::getZipFileEngineerInfo(info))
+    QString reason;
+    if (ZipPackageHandle::getZipFileEngineerInfo(info, &reason)) {
         askBackupBeforeApply(info.strFilePath);
-    else
-        MessageBoxes::remind(this, tr("The file does not exist or the file format is incorrect."));
+        return;
+    }
+    qDebug().noquote() << "Not applied:" << reason;
+    MessageBoxes::remind(this, tr("The file does not exist or the file format is incorrect."));
 }
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)

@@ -20,8 +20,11 @@ QString ProjectCopies::saveAsConcurrent(const QStringList &files, const QString 
     QStringList failed;
     for (const QString &file : files) {
         const QFileInfo source(file);
-        if (!copyToFreeName(file, bDestIsDir ? pathIn(destination, source) : destination))
-            failed.append(source.baseName());
+        QString reason;
+        if (copyToFreeName(file, bDestIsDir ? pathIn(destination, source) : destination, &reason))
+            continue;
+        qDebug().noquote() << "Save as failed:" << reason;
+        failed.append(source.baseName());
     }
     return failed.isEmpty() ? QString() : tr("save as [%1] failed").arg(failed.join(QStringLiteral(", ")));
 }
@@ -35,10 +38,14 @@ QString ProjectCopies::importProjectFiles(const QStringList &files, const QStrin
         // copied onto itself and is reported.
         if (source.path() == dirPath)
             continue;
-        if (!ZipPackageHandle::isValidEngineerPacket(file))
+        QString reason;
+        const bool isValid = ZipPackageHandle::isValidEngineerPacket(file, &reason);
+        if (isValid && copyToFreeName(file, pathIn(dirPath, source), &reason))
+            continue;
+        qDebug().noquote() << "Import failed:" << reason;
+        if (!isValid)
             return tr("The file[%1] context is invalid.").arg(file);
-        if (!copyToFreeName(file, pathIn(dirPath, source)))
-            failed.append(source.baseName());
+        failed.append(source.baseName());
     }
     return failed.isEmpty() ? QString() : tr("Import project file [%1] failed").arg(failed.join(QStringLiteral(", ")));
 }

@@ -35,11 +35,15 @@ std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectLi
     edited.strProjectName = dialog->getProjectName();
     edited.strComment = dialog->getComment();
     // A kill between here and the renaming leaves the new name in the record alone; the list shows file names.
-    if (!ZipPackageHandle::setEngineerInfo(edited))
+    QString reason;
+    if (!ZipPackageHandle::setEngineerInfo(edited, &reason)) {
+        qDebug().noquote() << "Edit failed:" << reason;
         return std::nullopt;
+    }
 
     edited.strFilePath = directory + edited.strProjectName + ProjectFileFacts::packageExtension;
-    if (edited.strFilePath != path && !DurableFile::renameDurably(path, edited.strFilePath)) {
+    if (edited.strFilePath != path && !DurableFile::renameDurably(path, edited.strFilePath, &reason)) {
+        qDebug().noquote() << "Edit failed:" << reason;
         qWarning() << "File rename failed.";
         MessageBoxes::remind(panel, tr("File rename failed"));
         return std::nullopt;

@@ -6,6 +6,7 @@
 #include "replacingfile.h"
 
 #include <QDateTime>
+#include <QDebug>
 #include <QFileInfo>
 #include <QHash>
 #include <QMutexLocker>
@@ -148,9 +149,25 @@ int ProjectList::nextLook(qint64 changed, qint64 now)
     return int(age < second ? second - age : second);
 }
 
+/// Without a reason it is listed, and the next reason is a new one.
+void ProjectList::logOnce(const QString &path, const QString &reason)
+{
+    {
+        const QMutexLocker locker(&m_holdMutex);
+        if (m_refused.value(path) == reason)
+            return;
+        m_refused.insert(path, reason);
+    }
+    if (!reason.isEmpty())
+        qDebug().noquote() << "Not listed:" << reason;
+}
+
 int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
 {
-    if (!DurableFile::makeFolder(dirPath))
+    QString noFolder;
+    const bool hasFolder = DurableFile::makeFolder(dirPath, &noFolder);
+    logOnce(dirPath, noFolder);
+    if (!hasFolder)
         return -1;
     ReplacingFile::removeStaleFragments(dirPath);
     InPlaceFile::recover(dirPath);
@@ -173,7 +190,10 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
         EngineerPacketInfo info = known.value(entry.filePath());
         if (info.strFilePath.isEmpty()) {
             info.strFilePath = entry.filePath();
-            if (!ZipPackageHandle::getZipFileEngineerInfo(info)) {
+            QString reason;
+            const bool isPackage = ZipPackageHandle::getZipFileEngineerInfo(info, &reason);
+            logOnce(entry.filePath(), reason);
+            if (!isPackage) {
                 const int look = entry.isFile()
                                      ? nextLook(QFileInfo(entry.filePath()).lastModified().toMSecsSinceEpoch(),
                                                 QDateTime::currentMSecsSinceEpoch())

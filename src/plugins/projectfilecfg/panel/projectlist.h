@@ -2,6 +2,7 @@
 
 #include "zippackagehandle.h"
 
+#include <QHash>
 #include <QList>
 #include <QMutex>
 #include <QStringList>
@@ -49,7 +50,8 @@ public:
     /// also leaves it unchanged, without waiting, and counts as missed. Any thread.
     ///
     /// Returns in how many milliseconds another scan is due, because some files are not packages yet but may become so
-    /// when their writers have finished; -1 if there are none.
+    /// when their writers have finished; -1 if there are none. Logs at debug level why a file is not listed, once until
+    /// the reason changes.
     int scanProjectFiles(const QString &dirPath, quint64 scanNumber);
 
     /// The same for one file that is not a valid package, changed and checked at these times, in milliseconds since
@@ -81,13 +83,16 @@ private:
     bool supersedeScans();
     void replace(const QList<EngineerPacketInfo> &found, quint64 scanNumber);
     bool lockForScan();
+    void logOnce(const QString &path, const QString &reason);
 
     std::atomic<quint64> m_lastStarted{0};
     quint64 m_lastApplied = 0; // guarded by mutex
-    /// Guards the next two; never locked for long.
+    /// Guards the next three; never locked for long.
     QMutex m_holdMutex;
     int m_holds = 0;
     bool m_isScanMissed = false;
+    /// By path, why a file is not listed, as it was logged.
+    QHash<QString, QString> m_refused;
 };
 
 } // namespace Internal
