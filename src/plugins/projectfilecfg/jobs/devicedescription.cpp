@@ -31,11 +31,6 @@ bool writeDeviceDescriptions()
     return false;
 }
 
-QString descriptionEntryOf(const QString &ip)
-{
-    return ip + QStringLiteral(".json");
-}
-
 QString findDescription(const QStringList &entries)
 {
     const auto found = std::find_if(entries.begin(), entries.end(), PackageLayout::isDescription);

@@ -22,9 +22,6 @@ class PackageReader;
 /// log, if it fails.
 bool writeDeviceDescriptions();
 
-/// The name of the description of an offline device with that address, in its directory.
-QString descriptionEntryOf(const QString &ip);
-
 /// The entry that a load reads: the first description in the archive's order. Empty if there is none.
 QString findDescription(const QStringList &entries);
 

@@ -7,9 +7,9 @@
 #include "packagereader.h"
 #include "picturereader.h"
 #include "reason.h"
+#include "stagingdirectory.h"
 #include "thumbnail.h"
 
-#include <core/icore.h>
 #include <model/device.h>
 
 #include <QDebug>
@@ -26,7 +26,7 @@ namespace Internal {
 
 QString offlineFolder(const QString &ip)
 {
-    return QStringLiteral("%1/%2/").arg(Core::ICore::deviceConfigFilePath(), ip);
+    return StagingDirectory(ip).path() + QLatin1Char('/');
 }
 
 /// One text for both: readers of logs look for it.
@@ -57,7 +57,7 @@ LoadResultCode extractDescription(const QString &path, const QString &ip)
     const QString description = findDescription(package.fileList());
     if (description.isEmpty())
         return LoadSuccess;
-    const QString target = offlineFolder(ip) + descriptionEntryOf(ip);
+    const QString target = offlineFolder(ip) + PackageLayout::descriptionEntry(ip);
     QFile::remove(target);
     return package.extractFile(description, target).isEmpty() ? extractionFailed(path) : LoadSuccess;
 }

@@ -73,7 +73,7 @@ bool fitsPackageAfterwards(const PackageReader &package, const QString &deviceFo
     }
     // The host writes one where there is none.
     if (findDescription(contents.keys()).isEmpty())
-        contents.insert(descriptionEntryOf(QDir(deviceFolder).dirName()), 0);
+        contents.insert(PackageLayout::descriptionEntry(QDir(deviceFolder).dirName()), 0);
     return fitsPackage(contents);
 }
 
