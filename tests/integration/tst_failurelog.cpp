@@ -324,9 +324,10 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     QVERIFY(writePackage(show, "a comment"));
     panel.rescan();
     WarningGuard::clear();
+    QVERIFY(writePackage(projectFile("taken"), "a comment"));
     book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) {
-        dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText("other");
-        QVERIFY(writePackage(projectFile("other"), "came meanwhile"));
+        // The blank keeps the dialog from refusing the name itself.
+        dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText("taken ");
         click(dialog, "OK");
     });
     book.expectWarning("Remind", "File rename failed");
@@ -334,7 +335,7 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
         const ExpectMessage fixedLine(QtWarningMsg, QStringLiteral("File rename failed."), 1);
         QVERIFY(rowButton("Edit"));
     }
-    QCOMPARE(wrongIn(logged(), projectFile("other"), "File exists"), QString());
+    QCOMPARE(wrongIn(logged(), projectFile("taken"), "File exists"), QString());
 }
 
 TEST_MAIN(TstFailureLog)
