@@ -163,10 +163,12 @@ void TstReasons::a_save_without_room_says_so()
     QVERIFY(QDir().mkpath(path("projects")));
     const DurableFile::FileIdentity previous(path("projects/show.corvelpro"));
     QString reason;
+    bool isSaved = false;
     {
         const FullDisk fullDisk(4000);
-        QVERIFY(!save(previous, &reason));
+        isSaved = save(previous, &reason);
     }
+    QVERIFY(!isSaved);
     QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only a part could be written"), QString());
 }
 
@@ -294,7 +296,7 @@ void TstReasons::a_failed_copy_says_why_data()
     QTest::newRow("no room") << "source"
                              << "copy"
                              << "copy"
-                             << "File too large";
+                             << "only a part could be written";
 }
 
 void TstReasons::a_failed_copy_says_why()
@@ -306,9 +308,14 @@ void TstReasons::a_failed_copy_says_why()
     QVERIFY(writeFile(path("source"), noise(MiB)));
     QVERIFY(writeFile(path("taken"), "taken"));
     QVERIFY(QDir().mkpath(path("folder")));
-    const FullDisk disk(cause == "File too large" ? 1000 : 10 * MiB);
     QString reason;
-    QVERIFY(!copyToFreeName(path(source), path(target), &reason));
+    bool isCopied = false;
+    {
+        // Not longer: the test's own log may be a file.
+        const FullDisk disk(cause.startsWith("only a part") ? 1000 : 10 * MiB);
+        isCopied = copyToFreeName(path(source), path(target), &reason);
+    }
+    QVERIFY(!isCopied);
     QCOMPARE(missingIn(reason, path(where), cause), QString());
 }
 
@@ -388,9 +395,13 @@ void TstReasons::a_package_that_is_not_copied_says_why()
     QVERIFY(writeFile(path("show.corvelpro"), noise(MiB)));
     QCOMPARE(snapshot.take(path("show.corvelpro"), {path("no/folder")}, &reason), PackageSnapshot::NoRoom);
     QCOMPARE(missingIn(reason, path("show.corvelpro"), "No such file or directory"), QString());
-    const FullDisk disk(1000);
-    QCOMPARE(snapshot.take(path("show.corvelpro"), {m_temp->path()}, &reason), PackageSnapshot::NoRoom);
-    QCOMPARE(missingIn(reason, path("show.corvelpro"), "File too large"), QString());
+    PackageSnapshot::Outcome outcome = PackageSnapshot::Taken;
+    {
+        const FullDisk disk(1000);
+        outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()}, &reason);
+    }
+    QCOMPARE(outcome, PackageSnapshot::NoRoom);
+    QCOMPARE(missingIn(reason, path("show.corvelpro"), "only a part could be written"), QString());
 }
 
 void TstReasons::a_picture_that_is_not_read_says_why_data()
