@@ -1393,18 +1393,22 @@ void TstEngineerDocLoad::an_offline_device_never_holds_more_than_a_package()
             package.file(prefix + QByteArray::number(number), "x", PackageBuilder::Stored);
         return package;
     };
-    QCOMPARE(apply(packageOfFiles("first", 33000), offlineIp), 0);
+    QCOMPARE(apply(packageOfFiles("first", 20), offlineIp), 0);
+    const int most = 65534;
+    const int room = 10;
+    for (int count = contents(folder).size(); count < most - room; ++count)
+        QVERIFY(writeFile(folder + QStringLiteral("/before%1").arg(count), "x"));
     const QStringList before = contents(folder);
-    QCOMPARE(apply(packageOfFiles("second", 33000), offlineIp), 6);
+    QCOMPARE(before.size(), most - room);
+    QCOMPARE(apply(packageOfFiles("second", room + 1), offlineIp), 6);
     QCOMPARE(contents(folder), before);
     // What is replaced takes no more room.
-    QCOMPARE(apply(packageOfFiles("first", 33000), offlineIp), 0);
+    QCOMPARE(apply(packageOfFiles("first", 20), offlineIp), 0);
 
-    const int most = 65534;
-    QCOMPARE(apply(packageOfFiles("more/", most - before.size()), offlineIp), 6);
-    QCOMPARE(contents(folder), before);
     // The folder is an entry as well.
-    QCOMPARE(apply(packageOfFiles("more/", most - before.size() - 1), offlineIp), 0);
+    QCOMPARE(apply(packageOfFiles("more/", room), offlineIp), 6);
+    QCOMPARE(contents(folder), before);
+    QCOMPARE(apply(packageOfFiles("more/", room - 1), offlineIp), 0);
     EngineerPacketInfo info;
     info.strFilePath = m_packages.filePath(QStringLiteral("saved.corvelpro"));
     QVERIFY(ZipPackageHandle::compressEngineerPacket(folder, info));

@@ -123,7 +123,7 @@ bool EngineerDocLoad::readDescription()
 std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString &path)
 {
     QString error;
-    const std::shared_ptr<Model::Device> device = readDeviceDescription(path, error);
+    std::shared_ptr<Model::Device> device = readDeviceDescription(path, error);
     if (!device && !error.isEmpty()) {
         // Shown to nobody: whoever asked reports a code of its own. It helps whoever stops here in a debugger.
         const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error);
