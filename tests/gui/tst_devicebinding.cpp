@@ -1,8 +1,9 @@
+#include "diskspace.h"
 #include "translatedtexts.h"
-#include <support/paneltesting.h>
 
 #include <support/answerbook.h>
 #include <support/journalmatchers.h>
+#include <support/paneltesting.h>
 #include <support/testmain.h>
 
 #include <model/deviceeditor.h>
@@ -19,6 +20,7 @@ using namespace PanelTesting;
 using namespace TestSupport;
 using namespace Simulation::Operations;
 using Corvel::Widgets::WaitingDialog;
+namespace DiskSpace = ProjectFileCfg::Internal::DiskSpace;
 using Simulation::Fault;
 using Simulation::Faults;
 using Simulation::Journal;
@@ -496,7 +498,7 @@ void TstDeviceBinding::bytes_are_whole_mebibytes_rounded_down()
 {
     QFETCH(qint64, bytes);
     QFETCH(quint64, mebibytes);
-    QCOMPARE(quint64(EngineerDocOperWidget::wholeMebibytes(bytes)), mebibytes);
+    QCOMPARE(quint64(DiskSpace::wholeMebibytes(bytes)), mebibytes);
 }
 
 void TstDeviceBinding::free_space_is_that_of_the_volume()
@@ -504,7 +506,7 @@ void TstDeviceBinding::free_space_is_that_of_the_volume()
     // Others write to the volume too, so it is asked before and after.
     const QStorageInfo volume(projectFilesPath());
     const quint64 before = quint64(volume.bytesAvailable());
-    const quint64 size = EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath()) << 20;
+    const quint64 size = DiskSpace::getDiskAvailableSize(projectFilesPath()) << 20;
     const quint64 after = quint64(QStorageInfo(projectFilesPath()).bytesAvailable());
     const quint64 slack = 1024 * 1024 * 1024;
     QVERIFY(size + slack > qMin(before, after));
@@ -515,7 +517,7 @@ void TstDeviceBinding::free_space_is_that_of_the_volume()
 
 void TstDeviceBinding::a_path_without_a_volume_has_no_space()
 {
-    QCOMPARE(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath() + QStringLiteral("missing/")), 0ULL);
+    QCOMPARE(DiskSpace::getDiskAvailableSize(projectFilesPath() + QStringLiteral("missing/")), 0ULL);
 }
 
 void TstDeviceBinding::the_estimate_adds_ten_mebibytes()
@@ -560,7 +562,7 @@ void TstDeviceBinding::an_empty_device_fits()
     const Panel panel;
     panel->show();
     site->hardware(mainHall)->fixCounters(0, 0);
-    QVERIFY(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath()) > 10);
+    QVERIFY(DiskSpace::getDiskAvailableSize(projectFilesPath()) > 10);
     QCOMPARE(boundAddress(panel, site), mainHall);
 }
 

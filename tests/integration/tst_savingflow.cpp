@@ -1,3 +1,5 @@
+#include "diskspace.h"
+
 #include <support/freespace.h>
 #include <support/gate.h>
 #include <support/journalmatchers.h>
@@ -503,7 +505,7 @@ void TstSavingFlow::free_space_does_not_matter_offline()
     selectDevice(m_site->touringRack);
     // On a folder that does not exist nothing is free.
     QVERIFY(QDir(projectFilesPath()).removeRecursively());
-    QCOMPARE(EngineerDocOperWidget::getDiskAvailableSize(projectFilesPath()), 0ULL);
+    QCOMPARE(DiskSpace::getDiskAvailableSize(projectFilesPath()), 0ULL);
     QVERIFY(pressSave("Rack"));
     QTRY_VERIFY(hasJobEnded());
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(projectFile("Rack")));

@@ -1,6 +1,8 @@
+#include "durablefile.h"
 #include "packagefile.h"
 #include "packagetesting.h"
 #include "projectlist.h"
+#include "zippackagehandle.h"
 
 #include <support/packagebuilder.h>
 #include <support/systemcalls.h>
@@ -10,6 +12,7 @@
 
 #include <cerrno>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,7 +20,7 @@ using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
 
-/// How often each package was opened. On the thread that tests alone.
+/// How often each package and each fragment was opened to read it. On the thread that tests alone.
 static QHash<QByteArray, int> s_opened;
 
 /// How often anything was read, and whether seeking fails. On the thread that tests alone.
@@ -75,6 +78,7 @@ private slots:
     void nothing_can_be_written();
     void what_cannot_be_read_anywhere_is_not_opened();
     void a_scan_opens_each_package_once();
+    void packing_opens_the_archive_once_to_verify_it();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -86,8 +90,9 @@ void TstPackageFile::init()
 {
     m_dir.reset(new QTemporaryDir);
     s_opened.clear();
-    systemCalls().onOpen = [](const QByteArray &path, int) {
-        if (path.endsWith(".corvelpro"))
+    systemCalls().onOpen = [](const QByteArray &path, int flags) {
+        const bool isReader = (flags & (O_ACCMODE | O_PATH)) == O_RDONLY;
+        if (isReader && (path.endsWith(".corvelpro") || path.endsWith(".part")))
             ++s_opened[path];
         return 0;
     };
@@ -221,6 +226,22 @@ void TstPackageFile::a_scan_opens_each_package_once()
     list.scanProjectFiles(m_dir->path(), list.beginScan());
     QCOMPARE(list.projects.size(), 5);
     QVERIFY(s_opened.isEmpty());
+}
+
+void TstPackageFile::packing_opens_the_archive_once_to_verify_it()
+{
+    QVERIFY(makeDeviceTree(path("device")));
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    const DurableFile::FileIdentity previous(info.strFilePath);
+    s_opened.clear();
+    QString reason;
+    QVERIFY2(
+        ZipPackageHandle::compressEngineerPacket(path("device"), info, {{{"BKG/BKG_0.png", 5000}}, previous}, &reason),
+        qPrintable(reason));
+    QCOMPARE(s_opened.size(), 1);
+    QCOMPARE(s_opened.begin().value(), 1);
+    QVERIFY(s_opened.begin().key().endsWith(".part"));
 }
 
 TEST_MAIN_CORE(TstPackageFile)

@@ -1,4 +1,5 @@
 #include "packagechecksum.h"
+#include "packagereader.h"
 #include "packagetesting.h"
 #include "packagewriter.h"
 #include "zippackagehandle.h"
@@ -14,6 +15,7 @@
 #include <JlCompress.h>
 
 using namespace PackageTesting;
+using ProjectFileCfg::Internal::PackageReader;
 using ProjectFileCfg::Internal::PackageWriter;
 using ProjectFileCfg::Internal::ZipPackageHandle;
 using TestData::PngMaker;
@@ -97,7 +99,7 @@ bool TstPackageWriter::pack()
     PackageWriter writer(m_dir, m_archive);
     QFile archive(m_archive);
     return writer.scan() && archive.open(QIODevice::ReadWrite | QIODevice::Truncate) && writer.write(archive) &&
-           writer.isListedIn(m_archive);
+           writer.isListedIn(PackageReader(m_archive));
 }
 
 QString TstPackageWriter::renamedAsPackage() const
@@ -249,7 +251,7 @@ void TstPackageWriter::names_are_utf8_whatever_the_locale_codec_is()
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
     QVERIFY(writer.write(archive));
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
-    QVERIFY(writer.isListedIn(m_archive));
+    QVERIFY(writer.isListedIn(PackageReader(m_archive)));
     QVERIFY(readFile(m_archive).contains(name.toUtf8()));
 }
 
@@ -520,14 +522,14 @@ void TstPackageWriter::another_archive_is_not_taken_for_the_written_one()
     QVERIFY(writer.scan());
     QVERIFY(archive.open(QIODevice::ReadWrite));
     QVERIFY(writer.write(archive));
-    QVERIFY(writer.isListedIn(m_archive));
+    QVERIFY(writer.isListedIn(PackageReader(m_archive)));
 
     QVERIFY(writeFile(m_dir + "/LOGO/LOGO_3.png", noise(101)));
     QVERIFY(pack());
-    QVERIFY(!writer.isListedIn(m_archive));
+    QVERIFY(!writer.isListedIn(PackageReader(m_archive)));
     QVERIFY(QFile::remove(m_dir + "/LOGO/LOGO_3.png"));
     QVERIFY(pack());
-    QVERIFY(!writer.isListedIn(m_archive));
+    QVERIFY(!writer.isListedIn(PackageReader(m_archive)));
 }
 
 void TstPackageWriter::the_end_record_never_begins_a_chunk_data()

@@ -6,11 +6,14 @@
 
 #include <QtConcurrentRun>
 
+#include <functional>
 #include <thread>
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
+
+Q_DECLARE_METATYPE(std::function<bool(ProjectList &)>)
 
 class TstProjectList : public QObject
 {
@@ -36,9 +39,17 @@ private slots:
 
     void a_scan_started_earlier_never_replaces_a_later_ones_list();
     void scans_that_end_in_order_replace_each_other();
-    void superseded_scans_leave_a_list_that_was_changed_by_hand();
-    void superseding_tells_whether_scans_are_running();
+    void a_running_scan_leaves_a_list_that_was_changed();
+    void a_change_tells_whether_scans_are_running_data();
+    void a_change_tells_whether_scans_are_running();
     void scans_in_many_threads_leave_the_list_of_the_last_one();
+
+    void a_snapshot_stays_as_it_was_taken();
+    void packages_are_found_by_their_path();
+    void removing_takes_the_one_package();
+    void renaming_changes_the_one_record_in_its_place();
+    void renaming_what_is_not_listed_changes_nothing();
+    void clearing_removes_every_file_that_it_can();
 
     void a_held_list_keeps_no_scan_waiting();
     void a_list_held_twice_is_free_after_both();
@@ -282,29 +293,40 @@ void TstProjectList::scans_that_end_in_order_replace_each_other()
     QCOMPARE(names(), QStringList({"B", "A"}));
 }
 
-void TstProjectList::superseded_scans_leave_a_list_that_was_changed_by_hand()
+void TstProjectList::a_running_scan_leaves_a_list_that_was_changed()
 {
     QVERIFY(addPackage("A.corvelpro", "a"));
     scan();
     const quint64 running = m_list->beginScan();
-    m_list->projects.clear();
-    QVERIFY(m_list->supersedeScans());
+    QVERIFY(m_list->remove(m_path + "A.corvelpro"));
     m_list->scanProjectFiles(m_path, running);
-    QVERIFY(m_list->projects.isEmpty());
+    QCOMPARE(names(), QStringList());
     scan();
     QCOMPARE(names(), QStringList{"A"});
 }
 
-void TstProjectList::superseding_tells_whether_scans_are_running()
+void TstProjectList::a_change_tells_whether_scans_are_running_data()
 {
-    QVERIFY(!m_list->supersedeScans());
+    QTest::addColumn<std::function<bool(ProjectList &)>>("change");
+    const auto row = [](const char *name, const std::function<bool(ProjectList &)> &change) {
+        QTest::newRow(name) << change;
+    };
+    row("remove", [](ProjectList &list) { return list.remove(QString()); });
+    row("rename", [](ProjectList &list) { return list.rename(QString(), EngineerPacketInfo()); });
+    row("clear", [](ProjectList &list) { return list.clear(); });
+}
+
+void TstProjectList::a_change_tells_whether_scans_are_running()
+{
+    QFETCH(std::function<bool(ProjectList &)>, change);
+    QVERIFY(!change(*m_list));
     const quint64 running = m_list->beginScan();
-    QVERIFY(m_list->supersedeScans());
-    QVERIFY(!m_list->supersedeScans());
+    QVERIFY(change(*m_list));
+    QVERIFY(!change(*m_list));
     m_list->scanProjectFiles(m_path, running);
-    QVERIFY(!m_list->supersedeScans());
+    QVERIFY(!change(*m_list));
     scan();
-    QVERIFY(!m_list->supersedeScans());
+    QVERIFY(!change(*m_list));
 }
 
 void TstProjectList::scans_in_many_threads_leave_the_list_of_the_last_one()
@@ -324,6 +346,85 @@ void TstProjectList::scans_in_many_threads_leave_the_list_of_the_last_one()
         one.waitForFinished();
     QCOMPARE(names(), QStringList({"B", "A"}));
     QCOMPARE(comments(), QStringList({"b", "a"}));
+}
+
+void TstProjectList::a_snapshot_stays_as_it_was_taken()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QVERIFY(addPackage("B.corvelpro", "b", 5));
+    scan();
+    const QList<EngineerPacketInfo> before = m_list->snapshot();
+    m_list->remove(m_path + "A.corvelpro");
+    QCOMPARE(before.size(), 2);
+    QCOMPARE(before.first().strComment, QString("a"));
+    QCOMPARE(m_list->snapshot().size(), 1);
+    QCOMPARE(m_list->snapshot().first().strComment, QString("b"));
+}
+
+void TstProjectList::packages_are_found_by_their_path()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QVERIFY(addPackage("B.corvelpro", "b", 5));
+    scan();
+    QCOMPARE(m_list->paths(), QStringList({m_path + "A.corvelpro", m_path + "B.corvelpro"}));
+    QVERIFY(m_list->find(m_path + "B.corvelpro"));
+    QCOMPARE(m_list->find(m_path + "B.corvelpro")->strComment, QString("b"));
+    QVERIFY(!m_list->find(m_path + "b.corvelpro"));
+}
+
+void TstProjectList::removing_takes_the_one_package()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QVERIFY(addPackage("B.corvelpro", "b", 5));
+    QVERIFY(addPackage("C.corvelpro", "c", 10));
+    scan();
+    m_list->remove(m_path + "B.corvelpro");
+    QCOMPARE(names(), QStringList({"A", "C"}));
+    m_list->remove(m_path + "B.corvelpro");
+    QCOMPARE(names(), QStringList({"A", "C"}));
+    QVERIFY2(QFile::exists(m_path + "B.corvelpro"), "the file is the caller's business");
+}
+
+void TstProjectList::renaming_changes_the_one_record_in_its_place()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QVERIFY(addPackage("B.corvelpro", "b", 5));
+    QVERIFY(addPackage("C.corvelpro", "c", 10));
+    scan();
+    EngineerPacketInfo edited = *m_list->find(m_path + "B.corvelpro");
+    edited.strFilePath = m_path + "New.corvelpro";
+    edited.strProjectName = "New";
+    edited.strComment = "new";
+    m_list->rename(m_path + "B.corvelpro", edited);
+    QCOMPARE(names(), QStringList({"A", "New", "C"}));
+    QCOMPARE(comments(), QStringList({"a", "new", "c"}));
+    QCOMPARE(m_list->paths().at(1), m_path + "New.corvelpro");
+}
+
+void TstProjectList::renaming_what_is_not_listed_changes_nothing()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    scan();
+    EngineerPacketInfo edited = *m_list->find(m_path + "A.corvelpro");
+    edited.strProjectName = "New";
+    m_list->rename(m_path + "B.corvelpro", edited);
+    QCOMPARE(names(), QStringList{"A"});
+}
+
+void TstProjectList::clearing_removes_every_file_that_it_can()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    QVERIFY(addPackage("B.corvelpro", "b", 5));
+    QVERIFY(addPackage("C.corvelpro", "c", 10));
+    scan();
+    QVERIFY(addPackage("Unlisted.corvelpro", "unlisted"));
+    // A folder of that name cannot be removed like a file.
+    QVERIFY(QFile::remove(m_path + "B.corvelpro"));
+    QVERIFY(QDir().mkdir(m_path + "B.corvelpro"));
+    m_list->clear();
+    QCOMPARE(names(), QStringList());
+    QCOMPARE(QDir(m_path).entryList({"*.corvelpro"}, QDir::NoFilter, QDir::Name),
+             QStringList({"B.corvelpro", "Unlisted.corvelpro"}));
 }
 
 void TstProjectList::a_held_list_keeps_no_scan_waiting()

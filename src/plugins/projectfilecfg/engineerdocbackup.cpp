@@ -74,7 +74,7 @@ void EngineerDocBackup::save()
         if (!exportPictures())
             return;
     } else if (!offlineResourcesComplete()) {
-        m_nResultCode = BackupOfflineResourceIncomplete;
+        fail(QStringLiteral("pictures are missing in %1").arg(directory().path()), BackupOfflineResourceIncomplete);
         return;
     }
 
@@ -86,25 +86,27 @@ void EngineerDocBackup::save()
 void EngineerDocBackup::pack(const QString &packagePath, const DurableFile::FileIdentity &previous)
 {
     // This one folder alone: a name that leads into another one may be mistyped.
-    if (!DurableFile::makeFolder(m_strProjectPath)) {
-        fail(QStringLiteral("%1 cannot be made").arg(m_strProjectPath));
+    QString reason;
+    if (!DurableFile::makeFolder(m_strProjectPath, &reason)) {
+        fail(reason);
         return;
     }
     EngineerPacketInfo info;
     info.strFilePath = packagePath;
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
-    QString reason;
-    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_hashStaged, previous}, reason))
+    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_hashStaged, previous}, &reason))
         fail(reason);
-    else if (ZipPackageHandle::isValidEngineerPacket(packagePath))
+    else if (ZipPackageHandle::isValidEngineerPacket(packagePath, &reason))
         m_strSavedPackagePath = packagePath;
+    else
+        qDebug().noquote() << "The saved package was changed or removed at once:" << reason;
 }
 
-bool EngineerDocBackup::fail(const QString &reason)
+bool EngineerDocBackup::fail(const QString &reason, BackupResultCode code)
 {
     qDebug().noquote() << "Save failed:" << reason;
-    m_nResultCode = BackupEncryptFailed;
+    m_nResultCode = code;
     return false;
 }
 
@@ -114,7 +116,7 @@ std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
 {
     std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIp);
     if (!device)
-        m_nResultCode = BackupGetDeviceFailed;
+        fail(QStringLiteral("there is no device %1").arg(m_strDeviceIp), BackupGetDeviceFailed);
     return device;
 }
 
@@ -138,12 +140,13 @@ bool EngineerDocBackup::exportPictures()
         return false;
 
     const bool hasPictures = writer.hasPictures();
-    const bool areWhole = writer.waitForDone();
+    QString reason;
+    const bool areWhole = writer.waitForDone(&reason);
     // Pressed before the last one was written.
     if (hasPictures && stopIfCanceled())
         return false;
     if (!areWhole)
-        return fail(QStringLiteral("a picture in %1 is cut").arg(directory().picturePath(QString())));
+        return fail(reason);
     const QHash<QString, qint64> written = writer.written();
     for (auto picture = written.begin(); picture != written.end(); ++picture)
         m_hashStaged.insert(directory().pictureEntry(picture.key()), picture.value());
@@ -166,8 +169,10 @@ bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
         emit signal_operatoerChanged(tr("Saving the gallery [%1]...").arg(tr("BKG:") + background->getName()));
         const std::map<Materail::ParameterType, std::any> request{{Materail::Picture, QImage()}};
         if (!ModelControl::MaterialControl(background).queryMaterailData(request)) {
-            m_nResultCode = m_bCancel ? BackupUserCanceled : BackupExportBkgFailed;
-            return false;
+            if (stopIfCanceled())
+                return false;
+            return fail(QStringLiteral("the device did not send the background %1").arg(background->getName()),
+                        BackupExportBkgFailed);
         }
         writer.write(loadPicture(background->imageKey(), QImage::Format_RGB32),
                      directory().picturePath(PackageLayout::backgroundEntry(background->getKeyNo())));
@@ -234,7 +239,7 @@ bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &deta
     case PresetFile::FolderGone:
         return fail(QStringLiteral("%1 was removed").arg(directory().presetPath()));
     case PresetFile::Cut:
-        return fail(QStringLiteral("%1 is cut").arg(path));
+        return fail(file.errorString());
     case PresetFile::NotOpened:
         break;
     }

@@ -74,7 +74,8 @@ protected:
 private:
     void save();
     void pack(const QString &packagePath, const DurableFile::FileIdentity &previous);
-    bool fail(const QString &reason);
+    /// Logs the reason and returns false.
+    bool fail(const QString &reason, BackupResultCode code = BackupEncryptFailed);
     std::shared_ptr<Model::Device> findDevice();
     StagingDirectory directory() const;
     bool exportPictures();

@@ -14,6 +14,7 @@
 
 #include <core/icore.h>
 
+#include <QDebug>
 #include <QFile>
 
 using Core::ICore;
@@ -38,9 +39,10 @@ void EngineerDocLoad::releasePackage()
     m_package.reset();
 }
 
-bool EngineerDocLoad::fail(LoadResultCode code)
+bool EngineerDocLoad::fail(LoadResultCode code, const QString &reason)
 {
     m_nResultCode = code;
+    m_strReason = reason;
     return false;
 }
 
@@ -52,8 +54,12 @@ bool EngineerDocLoad::stopIfCanceled()
 bool EngineerDocLoad::guarded(const std::function<bool()> &work)
 {
     bool isDone = false;
-    const bool hasEnded = runGuarded("Import project file failed, exception", [&] { isDone = work(); });
-    return hasEnded ? isDone : fail(LoadImportFailed);
+    m_strReason.clear();
+    if (!runGuarded("Import project file failed, exception", [&] { isDone = work(); }))
+        return fail(LoadImportFailed);
+    if (!isDone && !m_strReason.isEmpty())
+        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:" << m_strReason;
+    return isDone;
 }
 
 bool EngineerDocLoad::check(const std::function<bool()> &work)
@@ -68,10 +74,10 @@ bool EngineerDocLoad::checkPackageFile()
 {
     return check([this] {
         if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
-            return fail(LoadFileContentError);
+            return fail(LoadFileContentError, QStringLiteral("there is no such file"));
         // Asked of the file first, since what is no package is not worth a copy; what counts is the copy.
-        return ZipPackageHandle::checkPacketChecksum(m_strPackagePath) && openPackage() &&
-               ZipPackageHandle::checkPacketChecksum(*m_package);
+        return ZipPackageHandle::checkPacketChecksum(m_strPackagePath, &m_strReason) && openPackage() &&
+               ZipPackageHandle::checkPacketChecksum(*m_package, &m_strReason);
     });
 }
 
@@ -80,27 +86,38 @@ bool EngineerDocLoad::checkDevice()
     return check([this] {
         const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
         if (!target)
-            return fail(LoadGetDeviceFailed);
+            return fail(LoadGetDeviceFailed, noDevice());
         m_bCheckedOnline = target->getDeviceOnlineFlag();
-        if (!readDescription() || !passes(compareDevices(*m_pPackageDevice, *target, m_bCheckedOnline)))
+        QString reason;
+        if (!readDescription() ||
+            !passes(compareDevices(*m_pPackageDevice, *target, m_bCheckedOnline, &reason), reason))
             return false;
         ReadinessCheck readiness(*m_package, *m_pPackageDevice, ICore::ExtractJsonPath());
-        return passes(m_bCheckedOnline ? readiness.run() : readiness.runOffline());
+        return passes(m_bCheckedOnline ? readiness.run(&reason) : readiness.runOffline(&reason), reason);
     });
+}
+
+QString EngineerDocLoad::noDevice() const
+{
+    return QStringLiteral("there is no device %1").arg(m_strDeviceIp);
 }
 
 bool EngineerDocLoad::openPackage()
 {
-    return passes(openPackageCopy(m_strPackagePath, m_package)) && m_package;
+    QString reason;
+    const LoadResultCode code = openPackageCopy(m_strPackagePath, m_package, &reason);
+    m_strReason = reason;
+    return passes(code, reason) && m_package;
 }
 
 bool EngineerDocLoad::readDescription()
 {
     if (!ProjectFileFacts::hasPackageExtension(m_strPackagePath))
-        return fail(LoadJsonFileError);
+        return fail(LoadJsonFileError, QStringLiteral("its name has another extension than that of packages"));
     if (!m_package && !openPackage())
-        return m_nResultCode == LoadSuccess ? fail(LoadJsonFileError) : false;
-    return passes(readDeviceDescription(*m_package, ICore::ExtractJsonPath(), m_pPackageDevice));
+        return m_nResultCode == LoadSuccess ? fail(LoadJsonFileError, m_strReason) : false;
+    QString reason;
+    return passes(readDeviceDescription(*m_package, ICore::ExtractJsonPath(), m_pPackageDevice, &reason), reason);
 }
 
 std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString &path)
@@ -127,13 +144,13 @@ bool EngineerDocLoad::apply()
 {
     const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
     if (!target || !m_pPackageDevice || !m_package)
-        return fail(LoadGetDeviceFailed);
+        return fail(LoadGetDeviceFailed, noDevice());
     takeIdentity(*m_pPackageDevice, *target, m_strDeviceIp);
 
     // What was checked and done before does not hold for the other kind of device: one that went offline has been reset
     // and would stay empty, one that came online has neither been compared nor reset.
     if (target->getDeviceOnlineFlag() != m_bCheckedOnline)
-        return fail(LoadImportFailed);
+        return fail(LoadImportFailed, QStringLiteral("the device went offline or came online after it was checked"));
     return m_bCheckedOnline ? applyOnline(target) : applyOffline(*target);
 }
 
@@ -144,30 +161,32 @@ bool EngineerDocLoad::applyOffline(Model::Device &target)
     // Also after a failed copy, whose code stays and tells the operator.
     replaceModel(target, *m_pPackageDevice);
     if (!writeDeviceDescriptions())
-        return isCopied && fail(LoadSerializeFailed);
+        return isCopied && fail(LoadSerializeFailed, QStringLiteral("the host cannot write the description"));
     refreshThumbnails(target, offlineFolder(m_strDeviceIp));
     return isCopied && !stopIfCanceled();
 }
 
 bool EngineerDocLoad::copySourceToOfflineDevice()
 {
-    return passes(extractContent(*m_package, m_strPackagePath, offlineFolder(m_strDeviceIp)));
+    QString reason;
+    return passes(extractContent(*m_package, m_strPackagePath, offlineFolder(m_strDeviceIp), &reason), reason);
 }
 
 bool EngineerDocLoad::copyConfigFileToDevice()
 {
-    return passes(extractDescription(m_strPackagePath, m_strDeviceIp));
+    // Logged already.
+    return passes(extractDescription(m_strPackagePath, m_strDeviceIp), QString());
 }
 
 bool EngineerDocLoad::applyOnline(const std::shared_ptr<Model::Device> &target)
 {
     OnlineApply online(*m_package, m_pPackageDevice, target, {tr("LOGO:"), tr("BKG:")});
     if (!online.sendSlots())
-        return fail(LoadImportFailed);
+        return fail(LoadImportFailed, QStringLiteral("the device did not take MVR or the slots"));
     const bool isSent = onlineSend(online);
     // Also after a failed send, whose code it replaces when it fails as well.
     if (!online.sendMvrItems())
-        return fail(LoadImportFailed);
+        return fail(LoadImportFailed, QStringLiteral("the device did not take the MVR items"));
     return isSent && !stopIfCanceled();
 }
 
@@ -176,13 +195,15 @@ bool EngineerDocLoad::onlineSend(OnlineApply &online)
     if (!sendSourceToOnlineDevice(online) || stopIfCanceled())
         return false;
     emit signal_operatoerChanged(tr("Send Config to Device"));
-    return online.sendConfiguration() || fail(LoadImportFailed);
+    return online.sendConfiguration() ||
+           fail(LoadImportFailed, QStringLiteral("the device did not take the configuration"));
 }
 
 bool EngineerDocLoad::sendSourceToOnlineDevice(OnlineApply &online)
 {
     while (online.hasPicture()) {
-        if (stopIfCanceled() || !passes(online.sendPicture()))
+        QString reason;
+        if (stopIfCanceled() || !passes(online.sendPicture(&reason), reason))
             return false;
     }
     return true;

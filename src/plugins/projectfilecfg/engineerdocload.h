@@ -82,6 +82,7 @@ private:
     bool guarded(const std::function<bool()> &work);
     /// The same for a check: if it does not pass, there will be no run.
     bool check(const std::function<bool()> &work);
+    QString noDevice() const;
     /// False without a code if there is no package any more.
     bool openPackage();
     bool readDescription();
@@ -91,10 +92,10 @@ private:
     bool applyOnline(const std::shared_ptr<Model::Device> &target);
     bool onlineSend(OnlineApply &online);
     bool sendSourceToOnlineDevice(OnlineApply &online);
-    /// Sets the code and returns false.
-    bool fail(LoadResultCode code);
+    /// Sets the code and the reason, and returns false. guarded() logs the reason, if there is one.
+    bool fail(LoadResultCode code, const QString &reason = QString());
     /// True for LoadSuccess; fails with any other code.
-    bool passes(LoadResultCode code) { return code == LoadSuccess || fail(code); }
+    bool passes(LoadResultCode code, const QString &reason) { return code == LoadSuccess || fail(code, reason); }
     bool stopIfCanceled();
 
     std::atomic<bool> m_bCancel{false};
@@ -106,6 +107,8 @@ private:
     /// Whether the device was online at the check.
     bool m_bCheckedOnline = false;
     std::atomic<int> m_nResultCode{LoadSuccess};
+    /// Why the check or the run under way fails.
+    QString m_strReason;
 };
 
 } // namespace Internal

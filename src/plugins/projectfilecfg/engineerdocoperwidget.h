@@ -2,12 +2,10 @@
 
 #include "operationresultcodes.h"
 #include "projectlist.h"
-#include "projectrowwidget.h"
 
 #include <widgets/icenterwidget.h>
 
 #include <QFuture>
-#include <QIcon>
 
 #include <memory>
 
@@ -16,21 +14,20 @@ class QFileSystemWatcher;
 class QLabel;
 class QPushButton;
 class QTableWidget;
-class QTimer;
-class QToolButton;
 template<typename T>
 class QFutureWatcher;
-
-namespace Model {
-class Device;
-}
 
 namespace ProjectFileCfg {
 namespace Internal {
 
+class DeviceSelector;
 class EncodedPictures;
 class EngineerDocBackup;
 class EngineerDocLoad;
+class PanelLayout;
+class ProjectRowWidget;
+class ProjectScans;
+class ProjectTable;
 
 /// The panel of the "Project File" mode: a device selector, the table of project files and every operation on them.
 ///
@@ -51,14 +48,9 @@ public:
 
     void retranslateUi() override;
 
-    /// Bytes as whole MiB, rounded towards zero. A volume that cannot be read has -1 bytes free, which is 0 MiB.
-    static unsigned long long wholeMebibytes(qint64 bytes);
-    /// Free space, in MiB, of the volume that holds `path`.
-    static unsigned long long getDiskAvailableSize(const QString &path);
-
 protected:
     /// Refills the device selector each time the panel becomes visible.
-    void showEvent(QShowEvent *event) override;
+    void showEvent(QShowEvent *) override { initDevice(); }
 
 private slots:
     void slot_backupFinished();
@@ -81,40 +73,22 @@ private slots:
 private:
     void initUI();
     void initConnects(bool bConnect);
+    void connectSelector(bool bConnect);
     void connectFileWatcher(bool bConnect);
+    void connectCancel(bool bConnect);
+    void connectRow(const ProjectRowWidget &row);
 
-    void onScanFinished(int nextScan);
     void updateProjectTable();
     void updateButtonState();
-    void fillTableRow(int row);
-    void setTableRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts);
-    ProjectRowWidget *rowWidget(int row) const;
 
     void initDevice();
-    QString elidedDeviceInfo(const Model::Device &device) const;
-    unsigned long long availableForProjects() const;
-    unsigned long long estimateProjectSize() const;
-    bool syncDeviceData();
-    bool syncActiveDeviceData();
-    bool syncDevice(const std::shared_ptr<Model::Device> &device);
-    bool restoreFactory();
-    std::shared_ptr<Model::Device> activateSelectedDevice();
-
-    QString generateProjectName() const;
     bool startBackup(const QString &name, const QString &comment);
-    bool startLoad(const QString &path);
     void askBackupBeforeApply(const QString &path);
-    void showBackupResult(int code);
-    void showLoadResult(int code);
+    bool startLoad(const QString &path);
 
-    void editProject(QToolButton *button);
-    QStringList selectProjectFiles(bool bMulti);
     void startSaveas(const QStringList &files, const QString &destination, bool bDestIsDir);
-    static QString saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir);
     void onSaveasFinished();
-    static QString importProjectFiles(const QStringList &files, const QString &dirPath);
     void onImportFinished();
-    void showCopyResult(const QString &failure, const QString &success);
 
     QLabel *m_pDeviceLabel = nullptr;
     QComboBox *m_pDeviceCombo = nullptr;
@@ -124,7 +98,7 @@ private:
     QPushButton *m_pAllSaveasBtn = nullptr;
     QPushButton *m_pAllDeleteBtn = nullptr;
     QTableWidget *m_pProjectTable = nullptr;
-    /// Shared with running scans. m_listProjectInfo and m_mutex refer to its members.
+    /// Shared with running scans. m_listProjectInfo and m_mutex are its members, which only its operations touch.
     const std::shared_ptr<ProjectList> m_pProjects;
     QList<EngineerPacketInfo> &m_listProjectInfo;
     QFileSystemWatcher *m_pFileWatcher = nullptr;
@@ -140,12 +114,12 @@ private:
     QString m_strDefaultPath;
     QString m_strDocumentsPath;
     QMutex &m_mutex;
-    /// Runs while another program is still writing a file into the directory.
-    QTimer *m_pScanTimer = nullptr;
     /// Kept from save to save.
     const std::shared_ptr<EncodedPictures> m_pEncodedPictures;
-    const QIcon m_projectIcon;
-    const ProjectRowWidget::Icons m_rowIcons;
+    std::unique_ptr<ProjectScans> m_pScans;
+    std::unique_ptr<PanelLayout> m_pPanelLayout;
+    std::unique_ptr<DeviceSelector> m_pDeviceSelector;
+    std::unique_ptr<ProjectTable> m_pTableRows;
 };
 
 } // namespace Internal

@@ -4,10 +4,12 @@
 #include "inplacefile.h"
 #include "localecodec.h"
 #include "packagechecksum.h"
+#include "packagelimits.h"
 #include "packagereader.h"
 #include "packagewriter.h"
 #include "plainfile.h"
 #include "projectfilefacts.h"
+#include "reason.h"
 #include "replacingfile.h"
 
 #include <QCryptographicHash>
@@ -34,14 +36,38 @@ bool isWorthOpening(const QString &packetPath)
     return QFileInfo::exists(packetPath) || ProjectFileFacts::hasPackageExtension(packetPath);
 }
 
-bool hasOwnChecksum(const PackageReader &package, EngineerPacketInfo &info)
+bool hasChecksum(const PackageReader &package, const QString &checksum, QString *reason)
 {
-    return ZipPackageHandle::parseEngineerInfo(info, package.comment()) && info.strChecksum == package.checksum();
+    const QString found = package.checksum();
+    return found == checksum ||
+           failBecause(reason,
+                       QStringLiteral("the package's checksum is %1, its record says \"%2\"").arg(found, checksum));
+}
+
+bool hasNoRecord(QString *reason)
+{
+    return failBecause(reason, QStringLiteral("the archive's comment is no info record"));
+}
+
+/// Puts the path before the reason, which names none.
+bool failWith(QString *reason, const QString &path, const QString &cause)
+{
+    return failBecause(reason, cause.contains(path) ? cause : QStringLiteral("%1: %2").arg(path, cause));
+}
+
+bool hasOwnRecord(const PackageReader &package, EngineerPacketInfo &info, QString *reason)
+{
+    if (!package.isOpen(reason))
+        return false;
+    if (!ZipPackageHandle::parseEngineerInfo(info, package.comment()))
+        return hasNoRecord(reason);
+    return hasChecksum(package, info.strChecksum, reason);
 }
 
 /// A null object where the comment is no JSON, or has fewer keys than a record.
 QJsonObject recordIn(const QString &commentJson)
 {
+    useUtf8LocaleCodec();
     constexpr int leastKeys = 3;
     const QJsonObject record = QJsonDocument::fromJson(commentJson.toLocal8Bit()).object();
     return record.size() < leastKeys ? QJsonObject() : record;
@@ -54,6 +80,13 @@ QString throughUtf8(const QJsonValue &value)
     return QString::fromUtf8(bytes.constData());
 }
 
+/// Why ArchiveComment::isReadable() is false.
+QString unreadableRecord()
+{
+    return QStringLiteral("the record has more than %1 bytes, or contains the end of an archive")
+        .arg(PackageLimits::maxCommentSize);
+}
+
 QString recordOf(const EngineerPacketInfo &info)
 {
     const QJsonObject record{{ProjectFileFacts::checksumKey, info.strChecksum},
@@ -62,75 +95,85 @@ QString recordOf(const EngineerPacketInfo &info)
     return QString::fromUtf8(QJsonDocument(record).toJson());
 }
 
-/// Gives the archive that `replacement` holds, which was written aside and has no comment yet, one, and checks what a
-/// reader will find there.
-bool writeVerifiedComment(ReplacingFile &replacement, const QString &comment)
+/// Gives the archive in `package`, which has no comment yet, its record.
+bool writeRecord(ReplacingFile &package, EngineerPacketInfo &info, QString *reason)
 {
-    const QByteArray bytes = comment.toUtf8();
-    QFile &file = replacement.file();
-    const ArchiveComment old(file);
-    return old.isFound() && old.bytes().isEmpty() && ArchiveComment::isReadable(bytes) && file.seek(old.offset()) &&
-           file.write(ArchiveComment::tailWith(bytes)) == bytes.size() + ArchiveComment::lengthSize && file.flush() &&
-           PackageReader(replacement.path()).comment() == QString::fromUtf8(bytes);
+    const auto cannotWrite = [&info, reason](const QString &cause) {
+        return failBecause(reason, QStringLiteral("cannot write the record of %1: %2").arg(info.strFilePath, cause));
+    };
+    QFile &file = package.file();
+    const ArchiveComment none(file);
+    bool isComplete = false;
+    info.strChecksum = PackageChecksum::ofLeadingBytes(file, file.size(), QByteArray(), &isComplete);
+    const QByteArray record = recordOf(info).toUtf8();
+    if (!ArchiveComment::isReadable(record))
+        return cannotWrite(unreadableRecord());
+    if (!isComplete || !none.isFound() || !none.bytes().isEmpty())
+        return cannotWrite(QStringLiteral("what was written is no archive"));
+    const QByteArray tail = ArchiveComment::tailWith(record);
+    return (file.seek(none.offset()) && file.write(tail) == tail.size() && file.flush()) ||
+           cannotWrite(writeError(file));
+}
+
+/// False unless the package has all of the entries with their sizes.
+bool holdsAll(const PackageReader &package, const QHash<QString, qint64> &entries, const QString &dirPath,
+              QString *reason)
+{
+    for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+        if (package.entrySize(entry.key()) != entry.value())
+            return failBecause(
+                reason,
+                QStringLiteral("%1 was taken out of %2 or changed before it was packed").arg(entry.key(), dirPath));
+    }
+    return true;
+}
+
+/// Packs the directory into `package`, with a record that `info` gives, and reads back what was written.
+bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFile &package,
+                  ReplacingFile::MissingFolders folders, const QHash<QString, qint64> &demanded, QString *reason)
+{
+    PackageWriter writer(dirPath, info.strFilePath);
+    if (!writer.scan(reason) || !package.create(folders, reason) || !writer.write(package.file(), reason) ||
+        !writeRecord(package, info, reason))
+        return false;
+    QString cause;
+    const PackageReader written(package.path());
+    const bool isAsWritten =
+        written.isOpen(&cause) &&
+        (written.comment() == recordOf(info) || failBecause(&cause, QStringLiteral("its record"))) &&
+        writer.isListedIn(written, &cause) && ZipPackageHandle::checkPacketChecksum(written, &cause);
+    if (!isAsWritten)
+        return failBecause(reason, QStringLiteral("%1 is not as it was written: %2").arg(info.strFilePath, cause));
+    return holdsAll(written, demanded, dirPath, reason);
 }
 
 /// Replaces the comment of the package where it lies. `comment` is asked for it when the package is open; without one
 /// the package stays as it is.
 bool editComment(const QString &packetPath,
-                 const std::function<std::optional<QByteArray>(QFile &package, const ArchiveComment &old)> &comment)
+                 const std::function<std::optional<QByteArray>(QFile &package, const ArchiveComment &old)> &comment,
+                 QString *reason)
 {
+    useUtf8LocaleCodec();
     InPlaceFile package(packetPath);
-    if (!isWorthOpening(packetPath) || !package.open()) {
+    if (!isWorthOpening(packetPath))
+        return failBecause(reason, QStringLiteral("%1 does not exist").arg(packetPath));
+    if (!package.open(reason))
         return false;
-    }
     const ArchiveComment old(package.file());
     // What the zip library takes for the comment must be what is going to be replaced.
     const PackageReader reader(packetPath);
-    if (!old.isFound() || !reader.isOpen() || reader.comment() != QString::fromUtf8(old.bytes().constData())) {
+    if (!reader.isOpen(reason))
         return false;
-    }
+    if (!old.isFound() || reader.comment() != QString::fromUtf8(old.bytes().constData()))
+        return failBecause(reason, QStringLiteral("%1 is no archive of which the comment can be replaced: it is of 64 "
+                                                  "bits or on several disks, or something follows its comment")
+                                       .arg(packetPath));
     const std::optional<QByteArray> bytes = comment(package.file(), old);
-    return bytes && ArchiveComment::isReadable(*bytes) &&
-           package.replaceTail(old.offset(), ArchiveComment::tailWith(*bytes));
-}
-
-bool packAside(PackageWriter &writer, ReplacingFile &package,
-               ReplacingFile::MissingFolders folders = ReplacingFile::Made)
-{
-    return writer.scan() && package.create(folders) && writer.write(package.file()) &&
-           writer.isListedIn(package.path());
-}
-
-/// Packs the directory into `package`, with a record that `info` gives, and reads back what was written.
-bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFile &package,
-                  ReplacingFile::MissingFolders folders)
-{
-    useUtf8LocaleCodec();
-    if (!QDir(dirPath).exists()) {
-        return false;
-    }
-    PackageWriter writer(dirPath, info.strFilePath);
-    if (!packAside(writer, package, folders)) {
-        return false;
-    }
-    info.strChecksum = ZipPackageHandle::calcPacketChecksum(package.path());
-    if (info.strChecksum.isEmpty()) {
-        return false;
-    }
-    return writeVerifiedComment(package, recordOf(info)) && writer.isListedIn(package.path()) &&
-           ZipPackageHandle::checkPacketChecksum(package.path());
-}
-
-/// The first of the entries that the package does not hold with its size; empty when it holds them all.
-QString missingEntry(const QString &packetPath, const QHash<QString, qint64> &entries)
-{
-    const PackageReader package(packetPath);
-    for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-        if (package.entrySize(entry.key()) != entry.value()) {
-            return entry.key();
-        }
-    }
-    return QString();
+    if (!bytes)
+        return failBecause(reason, QStringLiteral("%1 cannot be read to its end").arg(packetPath));
+    if (!ArchiveComment::isReadable(*bytes))
+        return failBecause(reason, QStringLiteral("%1: %2").arg(packetPath, unreadableRecord()));
+    return package.replaceTail(old.offset(), ArchiveComment::tailWith(*bytes), reason);
 }
 
 void removeFiles(const QStringList &paths)
@@ -146,56 +189,67 @@ void removeFiles(const QStringList &paths)
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info)
 {
     ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
-    return packVerified(dirPath, info, package, ReplacingFile::Made) && package.commit();
+    return packVerified(dirPath, info, package, ReplacingFile::Made, {}, nullptr) && package.commit();
 }
 
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info,
-                                              const PacketDemands &demands, QString &reason)
+                                              const PacketDemands &demands, QString *reason)
 {
     ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
-    if (!packVerified(dirPath, info, package, ReplacingFile::NotMade)) {
-        reason = QStringLiteral("%1 cannot be packed into %2").arg(dirPath, info.strFilePath);
-        return false;
-    }
-    const QString missing = missingEntry(package.path(), demands.entries);
-    if (!missing.isEmpty()) {
-        reason = QStringLiteral("%1 was taken out of %2 or changed before it was packed").arg(missing, dirPath);
-        return false;
-    }
-    if (!package.commitInPlaceOf(demands.previous)) {
-        reason = QStringLiteral("%1 cannot be put in its place, or another file has come there").arg(info.strFilePath);
-        return false;
-    }
-    return true;
+    return packVerified(dirPath, info, package, ReplacingFile::NotMade, demands.entries, reason) &&
+           package.commitInPlaceOf(demands.previous, reason);
 }
 
 bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info)
 {
+    return getZipFileEngineerInfo(info, nullptr);
+}
+
+bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info, QString *reason)
+{
     if (!QFileInfo::exists(info.strFilePath)) {
         QMessageLogger("src/plugins/projectfilecfg/zippackagehandle.cpp", __LINE__, Q_FUNC_INFO)
             .debug("File is not exist");
-        return false;
+        return failBecause(reason, QStringLiteral("%1 does not exist").arg(info.strFilePath));
     }
-    return hasOwnChecksum(PackageReader(info.strFilePath), info);
+    QString cause;
+    return hasOwnRecord(PackageReader(info.strFilePath), info, &cause) || failWith(reason, info.strFilePath, cause);
 }
 
 bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath)
 {
+    return isValidEngineerPacket(packetPath, nullptr);
+}
+
+bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath, QString *reason)
+{
+    if (!isWorthOpening(packetPath))
+        return failBecause(reason, QStringLiteral("%1 does not exist").arg(packetPath));
     EngineerPacketInfo info;
-    return isWorthOpening(packetPath) && hasOwnChecksum(PackageReader(packetPath), info);
+    QString cause;
+    return hasOwnRecord(PackageReader(packetPath), info, &cause) || failWith(reason, packetPath, cause);
 }
 
 bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath)
 {
-    useUtf8LocaleCodec();
-    return QFileInfo::exists(packetPath) && checkPacketChecksum(PackageReader(packetPath));
+    return checkPacketChecksum(packetPath, nullptr);
+}
+
+bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath, QString *reason)
+{
+    QString cause;
+    return checkPacketChecksum(PackageReader(packetPath), &cause) || failWith(reason, packetPath, cause);
 }
 
 // As it stands in the record, and so stricter than isValidEngineerPacket().
-bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package)
+bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package, QString *reason)
 {
+    if (!package.isOpen(reason))
+        return false;
     const QJsonObject record = recordIn(package.comment());
-    return !record.isEmpty() && record.value(ProjectFileFacts::checksumKey).toString() == package.checksum();
+    if (record.isEmpty())
+        return hasNoRecord(reason);
+    return hasChecksum(package, record.value(ProjectFileFacts::checksumKey).toString(), reason);
 }
 
 QStringList ZipPackageHandle::extractJsonFiles(const QString &packetPath, const QString &destDir)
@@ -218,19 +272,18 @@ QStringList ZipPackageHandle::getFileList(const QString &packetPath)
 
 QString ZipPackageHandle::getZipComment(const QString &packetPath)
 {
-    useUtf8LocaleCodec();
-    return isWorthOpening(packetPath) ? PackageReader(packetPath).comment() : QString();
+    const PackageReader package(packetPath);
+    return isWorthOpening(packetPath) ? package.comment() : QString();
 }
 
 bool ZipPackageHandle::setZipComment(const QString &packetPath, const QString &comment)
 {
-    useUtf8LocaleCodec();
-    return editComment(packetPath, [&comment](QFile &, const ArchiveComment &) { return comment.toUtf8(); });
+    return editComment(
+        packetPath, [&comment](QFile &, const ArchiveComment &) { return comment.toUtf8(); }, nullptr);
 }
 
-bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info)
+bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info, QString *reason)
 {
-    useUtf8LocaleCodec();
     EngineerPacketInfo edited = info;
     const auto record = [&edited](QFile &package, const ArchiveComment &old) -> std::optional<QByteArray> {
         // A record is as long with any checksum, and its length is all of it that the checksum may reach.
@@ -241,7 +294,7 @@ bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info)
             PackageChecksum::ofLeadingBytes(package, old.offset() + ArchiveComment::lengthSize, end, &isComplete);
         return isComplete ? std::make_optional(recordOf(edited).toUtf8()) : std::nullopt;
     };
-    const bool isWritten = editComment(info.strFilePath, record);
+    const bool isWritten = editComment(info.strFilePath, record, reason);
     if (isWritten) {
         info = edited;
     }
@@ -250,7 +303,6 @@ bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info)
 
 bool ZipPackageHandle::parseEngineerInfo(EngineerPacketInfo &info, const QString &commentJson)
 {
-    useUtf8LocaleCodec();
     const QJsonObject record = recordIn(commentJson);
     if (record.isEmpty()) {
         return false;
@@ -277,7 +329,9 @@ int ZipPackageHandle::compressDir(const QString &dirPath, const QString &packetP
     }
     PackageWriter writer(dirPath, packetPath);
     ReplacingFile package(packetPath, ReplacingFile::FlushedToDisk);
-    return packAside(writer, package) && package.commit() ? Packed : NotPacked;
+    const bool isPacked = writer.scan() && package.create() && writer.write(package.file()) &&
+                          writer.isListedIn(PackageReader(package.path())) && package.commit();
+    return isPacked ? Packed : NotPacked;
 }
 
 int ZipPackageHandle::extractDir(const QString &packetPath, const QString &destDir, bool overwrite)
@@ -304,8 +358,9 @@ int ZipPackageHandle::extractDir(const QString &packetPath, const QString &destD
 
 bool ZipPackageHandle::writeTextChecksum(const QString &packetPath)
 {
-    useUtf8LocaleCodec();
     QFile file(packetPath);
+    // The text is read in the locale's encoding.
+    useUtf8LocaleCodec();
     if (!isWorthOpening(packetPath) || !openPlainFile(file)) {
         return false;
     }

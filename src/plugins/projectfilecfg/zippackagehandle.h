@@ -41,6 +41,9 @@ struct PacketDemands
 /// from it.
 ///
 /// A file is replaced completely or not at all, also if the disk is full or the process is killed.
+///
+/// Operations with a `reason` set it on failure (see reason.h). None logs a failure, except a missing file where the
+/// contract says so.
 class ZipPackageHandle
 {
 public:
@@ -52,21 +55,25 @@ public:
 
     /// The same for a save, while other programs may change both directories. Also false, leaving the file at the path
     /// unchanged, if a required entry is missing or has another size, if there is another file at the path by now, or
-    /// if a folder of the path is missing. `reason` then says in English what failed.
+    /// if a folder of the path is missing.
     static bool compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info, const PacketDemands &demands,
-                                       QString &reason);
+                                       QString *reason);
 
     /// Fills `info` from the record of the package `info.strFilePath`. True if the record can be read and its checksum
-    /// is the package's; the fields stay filled if only the checksum is wrong.
+    /// is the package's; the fields stay filled if only the checksum is wrong. Logs "File is not exist" at debug level
+    /// if there is no file.
     static bool getZipFileEngineerInfo(EngineerPacketInfo &info);
+    static bool getZipFileEngineerInfo(EngineerPacketInfo &info, QString *reason);
 
     /// True if the file has a record whose checksum is the package's.
     static bool isValidEngineerPacket(const QString &packetPath);
+    static bool isValidEngineerPacket(const QString &packetPath, QString *reason);
 
     /// The same test for a package that is about to be applied; false if the file does not exist.
     static bool checkPacketChecksum(const QString &packetPath);
+    static bool checkPacketChecksum(const QString &packetPath, QString *reason);
     /// The same for an open package.
-    static bool checkPacketChecksum(const PackageReader &package);
+    static bool checkPacketChecksum(const PackageReader &package, QString *reason = nullptr);
 
     /// Extracts every entry whose name ends in ".json", in any case, to `destDir` + "/" + its name. Returns
     /// the written paths in the archive's order, an empty string for each entry that could not be extracted,
@@ -97,7 +104,7 @@ public:
     /// Writes `info` as the record of the package `info.strFilePath`, in the same way. Sets its checksum to that of the
     /// package as it is now, even if another program has replaced it since it was listed: a valid package stays valid.
     /// Also fails, leaving `info` unchanged, if the package cannot be read completely.
-    static bool setEngineerInfo(EngineerPacketInfo &info);
+    static bool setEngineerInfo(EngineerPacketInfo &info, QString *reason = nullptr);
 
     /// Reads a record: a JSON object of at least three keys. A missing key, or one that is not a string, gives
     /// an empty field. `info.strFilePath` is left as it is; on failure so are the others.

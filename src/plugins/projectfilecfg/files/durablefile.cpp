@@ -1,10 +1,13 @@
 #include "durablefile.h"
 
+#include "reason.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
 
 #include <cerrno>
 #include <cstdio>
@@ -35,13 +38,15 @@ static const qint64 nanosecondsPerSecond = 1000000000;
 
 #ifdef Q_OS_WIN
 
-Folder::Folder(const QString &) {}
+Folder::Folder(const QString &path, QString *)
+    : m_path(path)
+{}
 Folder::~Folder() = default;
 bool Folder::isOpen() const
 {
     return true;
 }
-bool Folder::flush() const
+bool Folder::flush(QString *) const
 {
     return true;
 }
@@ -62,9 +67,16 @@ FileIdentity::FileIdentity(const QString &path)
 
 FileIdentity::~FileIdentity() = default;
 
-int openToChange(const QString &path)
+int openToChange(const QString &path, QString *reason)
 {
-    return QFileInfo(path).isFile() ? _wopen(path.toStdWString().c_str(), _O_RDWR | _O_BINARY | _O_NOINHERIT) : -1;
+    if (!QFileInfo(path).isFile()) {
+        failBecause(reason, QStringLiteral("%1 is no plain file, or missing").arg(path));
+        return -1;
+    }
+    const int handle = _wopen(path.toStdWString().c_str(), _O_RDWR | _O_BINARY | _O_NOINHERIT);
+    if (handle < 0)
+        failBecause(reason, QStringLiteral("cannot open %1 for writing: %2").arg(path, systemError()));
+    return handle;
 }
 
 bool lock(int handle)
@@ -104,9 +116,13 @@ bool setModified(int handle, qint64 nanoseconds)
 
 #else
 
-Folder::Folder(const QString &path)
-    : m_handle(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
-{}
+Folder::Folder(const QString &path, QString *reason)
+    : m_path(path)
+    , m_handle(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+{
+    if (!isOpen())
+        failBecause(reason, QStringLiteral("cannot open the folder %1: %2").arg(path, systemError()));
+}
 
 Folder::~Folder()
 {
@@ -119,9 +135,10 @@ bool Folder::isOpen() const
     return m_handle >= 0;
 }
 
-bool Folder::flush() const
+bool Folder::flush(QString *reason) const
 {
-    return DurableFile::flush(m_handle) || errno == EINVAL || errno == ENOTSUP;
+    return DurableFile::flush(m_handle) || errno == EINVAL || errno == ENOTSUP ||
+           failBecause(reason, QStringLiteral("cannot flush the folder %1: %2").arg(m_path, systemError()));
 }
 
 bool flush(int handle)
@@ -129,13 +146,18 @@ bool flush(int handle)
     return fsync(handle) == 0;
 }
 
-int openToChange(const QString &path)
+int openToChange(const QString &path, QString *reason)
 {
     const int handle = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (handle < 0) {
+        failBecause(reason, QStringLiteral("cannot open %1 for writing: %2").arg(path, systemError()));
+        return -1;
+    }
     struct stat status;
-    if (handle < 0 || (fstat(handle, &status) == 0 && S_ISREG(status.st_mode)))
+    if (fstat(handle, &status) == 0 && S_ISREG(status.st_mode))
         return handle;
     ::close(handle);
+    failBecause(reason, QStringLiteral("%1 is no plain file").arg(path));
     return -1;
 }
 
@@ -240,57 +262,78 @@ void beginFlush(int handle)
 #endif
 }
 
-bool flushTree(const QString &folderPath)
+bool flushTree(const QString &folderPath, QString *reason)
 {
+    const auto failed = [&](const QString &path) {
+        return failBecause(reason, QStringLiteral("cannot flush %1: %2").arg(path, systemError()));
+    };
 #ifdef Q_OS_LINUX
     const int handle = ::open(QFile::encodeName(folderPath).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle < 0)
-        return false;
-    const bool flushed = syncfs(handle) == 0;
+        return failed(folderPath);
+    const bool flushed = syncfs(handle) == 0 || failed(folderPath);
     ::close(handle);
     return flushed;
 #else
-    bool flushed = Folder(folderPath).flush();
+    bool flushed = Folder(folderPath).flush(reason);
     QDirIterator walk(folderPath, QDir::AllEntries | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot,
                       QDirIterator::Subdirectories);
     while (walk.hasNext() && flushed) {
         QFile file(walk.next());
-        flushed = walk.fileInfo().isDir() ? Folder(file.fileName()).flush()
-                                          : file.open(QIODevice::ReadWrite) && flush(file.handle());
+        if (walk.fileInfo().isDir())
+            flushed = Folder(file.fileName()).flush(reason);
+        else
+            flushed = (file.open(QIODevice::ReadWrite) && flush(file.handle())) || failed(file.fileName());
     }
     return flushed;
 #endif
 }
 
-bool makeFolder(const QString &path)
+bool makeFolder(const QString &path, QString *reason)
 {
     const QString folder = QDir(path).absolutePath();
     if (QFileInfo(folder).isDir())
         return true;
     const QString parentPath = QFileInfo(folder).absolutePath();
-    if (parentPath == folder || !makeFolder(parentPath))
+    if (parentPath == folder)
+        return failBecause(reason, QStringLiteral("there is no %1").arg(folder));
+    if (!makeFolder(parentPath, reason))
         return false;
-    const Folder parent(parentPath);
-    // Somebody else may have made it meanwhile.
-    return parent.isOpen() && (QDir().mkdir(folder) || QFileInfo(folder).isDir()) && parent.flush();
+    const Folder parent(parentPath, reason);
+    if (!parent.isOpen())
+        return false;
+    if (!QDir().mkdir(folder)) {
+        const QString error = systemError();
+        // Another program may have made it in between.
+        if (!QFileInfo(folder).isDir())
+            return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(folder, error));
+    }
+    return parent.flush(reason);
 }
 
-bool replace(const QString &from, const QString &to)
+static bool cannotRename(QString *reason, const QString &from, const QString &to, const QString &error)
+{
+    return failBecause(reason, QStringLiteral("cannot rename %1 to %2: %3").arg(from, to, error));
+}
+
+bool replace(const QString &from, const QString &to, QString *reason)
 {
 #ifdef Q_OS_WIN
     // Here rename() would not replace.
     std::error_code error;
     std::filesystem::rename(from.toStdWString(), to.toStdWString(), error);
-    return !error;
+    return !error || cannotRename(reason, from, to, QString::fromLocal8Bit(error.message().c_str()));
 #else
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0 ||
+           cannotRename(reason, from, to, systemError());
 #endif
 }
 
-bool renameToFreeName(const QString &from, const QString &to)
+bool renameToFreeName(const QString &from, const QString &to, QString *reason)
 {
 #ifdef Q_OS_WIN
-    return _wrename(from.toStdWString().c_str(), to.toStdWString().c_str()) == 0;
+    return _wrename(from.toStdWString().c_str(), to.toStdWString().c_str()) == 0 ||
+           cannotRename(reason, from, to, systemError());
 #else
 #ifdef RENAME_NOREPLACE
     const QByteArray source = QFile::encodeName(from);
@@ -299,10 +342,12 @@ bool renameToFreeName(const QString &from, const QString &to)
         return true;
     // Not every file system and kernel has it.
     if (errno != EINVAL && errno != ENOSYS)
-        return false;
+        return cannotRename(reason, from, to, systemError());
 #endif
     const QFileInfo existing(to);
-    return !existing.exists() && !existing.isSymLink() && replace(from, to);
+    if (existing.exists() || existing.isSymLink())
+        return cannotRename(reason, from, to, QStringLiteral("it exists already"));
+    return replace(from, to, reason);
 #endif
 }
 
@@ -314,12 +359,15 @@ static bool exchange(const QString &one, const QString &other)
 }
 #endif
 
-bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected)
+bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected, QString *reason)
 {
-    if (expected.isNothing() || FileIdentity(to).isNothing())
-        return renameToFreeName(from, to);
-    if (expected.m_isFolder || !expected.isAt(to))
-        return false;
+    if (FileIdentity(to).isNothing())
+        return renameToFreeName(from, to, reason);
+    if (expected.m_isFolder)
+        return failBecause(reason, QStringLiteral("%1 is a folder").arg(to));
+    const auto isAnother = [&] { return failBecause(reason, QStringLiteral("another file has come to %1").arg(to)); };
+    if (!expected.isAt(to))
+        return isAnother();
 #ifdef RENAME_EXCHANGE
     if (exchange(from, to)) {
         // Only what has come out cannot be exchanged for another any more.
@@ -327,21 +375,35 @@ bool replaceSame(const QString &from, const QString &to, const FileIdentity &exp
             return true;
         if (!exchange(from, to))
             renameToFreeName(from, to);
-        return false;
+        return isAnother();
     }
     if (errno == ENOENT)
-        return renameToFreeName(from, to);
+        return renameToFreeName(from, to, reason);
     // Not every file system and kernel has it.
     if (errno != EINVAL && errno != ENOSYS)
-        return false;
+        return cannotRename(reason, from, to, systemError());
 #endif
-    return expected.isAt(to) && replace(from, to);
+    return expected.isAt(to) ? replace(from, to, reason) : isAnother();
 }
 
-bool renameDurably(const QString &from, const QString &to)
+bool renameDurably(const QString &from, const QString &to, QString *reason)
 {
-    const Folder folder(QFileInfo(to).absolutePath());
-    return folder.isOpen() && renameToFreeName(from, to) && folder.flush();
+    const Folder folder(QFileInfo(to).absolutePath(), reason);
+    return folder.isOpen() && renameToFreeName(from, to, reason) && folder.flush(reason);
+}
+
+ReadLock::ReadLock(int handle)
+    : m_handle(handle)
+{
+    constexpr int patience = 200;
+    for (int waited = 0; !(m_isHeld = lockToRead(m_handle)) && waited < patience; ++waited)
+        QThread::msleep(1);
+}
+
+ReadLock::~ReadLock()
+{
+    if (m_isHeld)
+        unlock(m_handle);
 }
 
 } // namespace DurableFile

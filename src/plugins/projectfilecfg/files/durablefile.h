@@ -5,7 +5,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Atomic operations on files and folders, and what makes them survive a power failure.
+/// Atomic operations on files and folders, and what makes them survive a power failure. A `reason` is set on failure
+/// (see reason.h); where there is none, the caller knows the path, and `errno` is that of the failed call.
 namespace DurableFile {
 
 /// An open folder, to flush what is created or renamed in it. Open it before the change, so that a failure to open it
@@ -13,16 +14,17 @@ namespace DurableFile {
 class Folder
 {
 public:
-    explicit Folder(const QString &path);
+    explicit Folder(const QString &path, QString *reason = nullptr);
     ~Folder();
 
     bool isOpen() const;
     /// Also true on platforms and file systems that cannot flush a folder.
-    bool flush() const;
+    bool flush(QString *reason = nullptr) const;
 
 private:
     Q_DISABLE_COPY(Folder)
 
+    const QString m_path;
     int m_handle = -1;
 };
 
@@ -38,10 +40,10 @@ bool shareContent(int from, int to);
 void beginFlush(int handle);
 
 /// Flushes everything below the folder. For many files: flushing them one by one takes milliseconds each.
-bool flushTree(const QString &folderPath);
+bool flushTree(const QString &folderPath, QString *reason = nullptr);
 
 /// Creates the folder and its parents, and flushes them. Also true if it existed already.
-bool makeFolder(const QString &path);
+bool makeFolder(const QString &path, QString *reason = nullptr);
 
 /// Identifies the file that is at a path now, to tell it from one that replaces it later. Does not follow links. Uses
 /// device and inode number, which the system does not reuse while this object lives; on Windows size and modification
@@ -59,7 +61,7 @@ public:
 
 private:
     Q_DISABLE_COPY(FileIdentity)
-    friend bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected);
+    friend bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected, QString *reason);
 
     bool m_exists = false;
     bool m_isFolder = false;
@@ -69,10 +71,10 @@ private:
 };
 
 /// Renames within a volume, replacing a file at `to`. Not flushed.
-bool replace(const QString &from, const QString &to);
+bool replace(const QString &from, const QString &to, QString *reason = nullptr);
 
 /// The same, but fails if anything is at `to`. Not flushed.
-bool renameToFreeName(const QString &from, const QString &to);
+bool renameToFreeName(const QString &from, const QString &to, QString *reason = nullptr);
 
 /// Renames within a volume, replacing `expected` and nothing else: false if there is another file or a folder at `to`.
 /// If nothing is there any more, the same as renameToFreeName(). The replaced file is at `from` afterwards, or gone.
@@ -80,15 +82,15 @@ bool renameToFreeName(const QString &from, const QString &to);
 ///
 /// Atomic if the system and the file system can exchange two names. Otherwise there is a gap between the last check and
 /// the renaming: a file that appears in between is replaced.
-bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected);
+bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected, QString *reason = nullptr);
 
 /// renameToFreeName(), flushed. Not QFile::rename(): it copies what it cannot rename, and a kill during the copy leaves
 /// half a file under the new name.
-bool renameDurably(const QString &from, const QString &to);
+bool renameDurably(const QString &from, const QString &to, QString *reason = nullptr);
 
 /// Opens an existing plain file for reading and writing and returns its handle, -1 on failure. Never creates a file,
 /// and never blocks, as opening a pipe would.
-int openToChange(const QString &path);
+int openToChange(const QString &path, QString *reason = nullptr);
 
 /// Locks the open file exclusively until it is closed, also by a kill. False if another process has locked it. Also
 /// true on file systems without locks.
@@ -97,6 +99,21 @@ bool lock(int handle);
 /// Locks the open file for reading, shared with other readers, until unlock(). False while a writer has locked it.
 bool lockToRead(int handle);
 void unlock(int handle);
+
+/// Keeps writers from the open file while it lives. Waits 200 ms for one that has locked it, much longer than an edit
+/// takes; after that it goes without the lock, and what is read has to be checked.
+class ReadLock
+{
+public:
+    explicit ReadLock(int handle);
+    ~ReadLock();
+
+private:
+    Q_DISABLE_COPY(ReadLock)
+
+    const int m_handle;
+    bool m_isHeld = false;
+};
 
 /// True if the open file is still the one at `path`: it was neither removed nor replaced since it was opened.
 bool isOpenFile(const QString &path, int handle);

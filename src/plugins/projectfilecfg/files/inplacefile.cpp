@@ -1,6 +1,7 @@
 #include "inplacefile.h"
 
 #include "durablefile.h"
+#include "reason.h"
 #include "undorecord.h"
 
 #include <QDir>
@@ -15,41 +16,50 @@ namespace Internal {
 /// More than any tail: who has written so much is not us.
 static const qint64 maxTailSize = 128 * 1024;
 
+/// The path itself if there is no file, so that a failure names it.
+static QString pathBehind(const QString &path)
+{
+    const QString canonicalPath = QFileInfo(path).canonicalFilePath();
+    return canonicalPath.isEmpty() ? path : canonicalPath;
+}
+
 InPlaceFile::InPlaceFile(const QString &path)
-    : m_path(QFileInfo(path).canonicalFilePath())
+    : m_path(pathBehind(path))
 {}
 
 InPlaceFile::~InPlaceFile() = default;
 
-bool InPlaceFile::open()
+bool InPlaceFile::open(QString *reason)
 {
     // A record that is being ended, or another program's edit, takes milliseconds. Who is ill holds it longer.
     constexpr int second = 1000;
     // While it was waited for, another one may have taken its place, whose undo record is none of this one.
-    return openPlainFile() && lock(second) && isStillInPlace() && settle(UndoRecord::pathFor(m_path));
+    return openPlainFile(reason) && lock(second, reason) && isStillInPlace(reason) &&
+           settle(UndoRecord::pathFor(m_path), reason);
 }
 
-bool InPlaceFile::openPlainFile()
+bool InPlaceFile::openPlainFile(QString *reason)
 {
     // Not QFile::open: that would make the file where it has gone meanwhile.
-    const int handle = DurableFile::openToChange(m_path);
+    const int handle = DurableFile::openToChange(m_path, reason);
     return handle >= 0 && m_file.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFile::AutoCloseHandle);
 }
 
-bool InPlaceFile::lock(int patience)
+bool InPlaceFile::lock(int patience, QString *reason)
 {
     constexpr int pause = 10;
     for (int waited = 0; !DurableFile::lock(m_file.handle()); waited += pause) {
         if (waited >= patience)
-            return false;
+            return failBecause(reason, QStringLiteral("another program keeps %1 locked").arg(m_path));
         QThread::msleep(pause);
     }
     return true;
 }
 
-bool InPlaceFile::isStillInPlace() const
+bool InPlaceFile::isStillInPlace(QString *reason) const
 {
-    return DurableFile::isOpenFile(m_path, m_file.handle());
+    return DurableFile::isOpenFile(m_path, m_file.handle()) ||
+           failBecause(reason, QStringLiteral("%1 was removed or replaced meanwhile").arg(m_path));
 }
 
 QByteArray InPlaceFile::tailFrom(qint64 offset)
@@ -58,23 +68,28 @@ QByteArray InPlaceFile::tailFrom(qint64 offset)
 }
 
 /// Makes `tail` the file's last bytes, on the disk. What was read back decides, whatever the steps say of themselves.
-bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail)
+bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString *reason)
 {
+    QString error = QStringLiteral("what was read back differs");
     if (tailFrom(record.offset) != tail) {
         const qint64 size = record.offset + tail.size();
-        if (m_file.seek(record.offset))
-            m_file.write(tail);
+        if (!m_file.seek(record.offset) || m_file.write(tail) != tail.size())
+            error = writeError(m_file);
         // Some file systems wait for the disk where there is nothing to cut, too.
         if (m_file.size() > size)
             m_file.resize(size);
     }
     // Not an error where it fails: it is only the place in the table.
     DurableFile::setModified(m_file.handle(), record.modified);
-    return DurableFile::flush(m_file.handle()) && tailFrom(record.offset) == tail;
+    const bool isFlushed = DurableFile::flush(m_file.handle());
+    if (!isFlushed)
+        error = systemError();
+    return (isFlushed && tailFrom(record.offset) == tail) ||
+           failBecause(reason, QStringLiteral("cannot write the end of %1: %2").arg(m_path, error));
 }
 
 // docs/package-format.md says the state on disk after a crash at each of these steps.
-bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail)
+bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail, QString *reason)
 {
     UndoRecord record;
     record.fileName = QFileInfo(m_path).fileName();
@@ -84,21 +99,21 @@ bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail)
     record.after = tail;
     record.modified = DurableFile::modified(m_file.handle());
     if (record.mark.isEmpty() || offset + record.before.size() != m_file.size())
-        return false;
+        return failBecause(reason, QStringLiteral("cannot read the end of %1: %2").arg(m_path, m_file.errorString()));
     const QString recordPath = UndoRecord::pathFor(m_path);
     if (!record.write(recordPath)) {
         // An older record whose removal was not flushed must not come back after this.
         QFile::remove(recordPath);
         DurableFile::Folder(QFileInfo(m_path).absolutePath()).flush();
     }
-    const bool isReplaced = put(record, tail) && isStillInPlace();
+    const bool isReplaced = put(record, tail, reason) && isStillInPlace(reason);
     if (isReplaced || put(record, record.before))
         QFile::remove(recordPath);
     return isReplaced;
 }
 
 /// Ends what the record at `recordPath`, if there is one, says of this file, and removes it.
-bool InPlaceFile::settle(const QString &recordPath)
+bool InPlaceFile::settle(const QString &recordPath, QString *reason)
 {
     if (!QFileInfo::exists(recordPath))
         return true;
@@ -108,10 +123,13 @@ bool InPlaceFile::settle(const QString &recordPath)
         const QByteArray tail = tailFrom(record.offset);
         const bool isOurs = tail == record.before || tail == record.after || record.isTorn(tail);
         // What is whole is flushed, too: the process may have been killed before it came to that.
-        if (isOurs && !put(record, tail == record.after ? tail : record.before))
+        if (isOurs && !put(record, tail == record.after ? tail : record.before, reason))
             return false;
     }
-    return reading != UndoRecord::Unreadable && QFile::remove(recordPath);
+    if (reading == UndoRecord::Unreadable)
+        return failBecause(reason, QStringLiteral("cannot read the undo record %1").arg(recordPath));
+    return QFile::remove(recordPath) ||
+           failBecause(reason, QStringLiteral("cannot remove the undo record %1: %2").arg(recordPath, systemError()));
 }
 
 /// False when the record is not for the file, so that another one may be looked for.

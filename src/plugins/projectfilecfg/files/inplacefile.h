@@ -26,14 +26,14 @@ public:
     /// Opens and locks the file for reading and writing, and applies an undo record that a crash has left. Never
     /// creates a file. Fails if there is none, if it is not a plain one or is read-only, or if another process keeps it
     /// locked for a second.
-    bool open();
+    bool open(QString *reason = nullptr);
 
     QFile &file() { return m_file; }
 
     /// Replaces all bytes from `offset` on, at most 64 KiB, by `tail`, with one write. True if they were flushed and
     /// read back, and the file is still at its path. Otherwise the file is restored; if even that fails, the undo
     /// record stays for the next recover() or open().
-    bool replaceTail(qint64 offset, const QByteArray &tail);
+    bool replaceTail(qint64 offset, const QByteArray &tail, QString *reason = nullptr);
 
     /// Applies the undo records in the folder, except those of files that another process has locked: the last bytes of
     /// each file become the old ones again, unless they are the complete new ones. Finds a file that was renamed within
@@ -45,12 +45,12 @@ public:
 private:
     Q_DISABLE_COPY(InPlaceFile)
 
-    bool openPlainFile();
-    bool lock(int patience);
-    bool isStillInPlace() const;
+    bool openPlainFile(QString *reason = nullptr);
+    bool lock(int patience, QString *reason = nullptr);
+    bool isStillInPlace(QString *reason = nullptr) const;
     QByteArray tailFrom(qint64 offset);
-    bool put(const UndoRecord &record, const QByteArray &tail);
-    bool settle(const QString &recordPath);
+    bool put(const UndoRecord &record, const QByteArray &tail, QString *reason = nullptr);
+    bool settle(const QString &recordPath, QString *reason = nullptr);
     static bool settleInFolder(const QString &recordPath, const QDir &folder, const UndoRecord &record);
     static bool settleRecord(const QString &recordPath, const QString &filePath, const UndoRecord &record);
 

@@ -1,5 +1,7 @@
 #include "plainfile.h"
 
+#include "reason.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -12,22 +14,32 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-bool openPlainFile(QFile &file, bool unbuffered)
+static bool cannotOpen(QString *reason, const QString &path, const QString &error)
 {
+    return failBecause(reason, QStringLiteral("cannot open %1: %2").arg(path, error));
+}
+
+bool openPlainFile(QFile &file, bool unbuffered, QString *reason)
+{
+    const QString noPlainFile = QStringLiteral("it is no plain file");
+    // Forgotten once it was opened by its handle.
+    const QString path = file.fileName();
     const QIODevice::OpenMode mode =
         unbuffered ? QIODevice::ReadOnly | QIODevice::Unbuffered : QIODevice::OpenMode(QIODevice::ReadOnly);
 #ifdef Q_OS_WIN
-    return QFileInfo(file).isFile() && file.open(mode);
+    if (QFileInfo(file).exists() && !QFileInfo(file).isFile())
+        return cannotOpen(reason, path, noPlainFile);
+    return file.open(mode) || cannotOpen(reason, path, file.errorString());
 #else
-    const int handle =
-        ::open(QFile::encodeName(file.fileName()).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int handle = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (handle < 0)
+        return cannotOpen(reason, path, systemError());
     struct stat found;
-    if (handle >= 0 && ::fstat(handle, &found) == 0 && S_ISREG(found.st_mode) &&
-        file.open(handle, mode, QFileDevice::AutoCloseHandle))
+    const bool isPlain = ::fstat(handle, &found) == 0 && S_ISREG(found.st_mode);
+    if (isPlain && file.open(handle, mode, QFileDevice::AutoCloseHandle))
         return true;
-    if (handle >= 0)
-        ::close(handle);
-    return false;
+    ::close(handle);
+    return cannotOpen(reason, path, isPlain ? file.errorString() : noPlainFile);
 #endif
 }
 

@@ -2,6 +2,7 @@
 
 #include "durablefile.h"
 #include "plainfile.h"
+#include "reason.h"
 #include "streamcopy.h"
 
 #include <QDateTime>
@@ -66,51 +67,62 @@ ReplacingFile::~ReplacingFile()
     }
 }
 
-bool ReplacingFile::create(MissingFolders folders)
+bool ReplacingFile::create(MissingFolders folders, QString *reason)
 {
     // Nearly always it is there, and a package has thousands of entries.
-    if (openFragment())
+    if (openFragment(reason))
         return true;
     if (folders == NotMade)
         return false;
-    const bool hasFolder =
-        m_durability == FlushedToDisk ? DurableFile::makeFolder(m_folderPath) : QDir().mkpath(m_folderPath);
-    return hasFolder && openFragment();
+    if (m_durability == FlushedToDisk)
+        return DurableFile::makeFolder(m_folderPath, reason) && openFragment(reason);
+    if (!QDir().mkpath(m_folderPath))
+        return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(m_folderPath, systemError()));
+    return openFragment(reason);
 }
 
-bool ReplacingFile::openFragment()
+bool ReplacingFile::openFragment(QString *reason)
 {
     if (m_durability == FlushedToDisk)
         removeStaleFragments(m_folderPath);
-    return m_fragment.open(QIODevice::ReadWrite | QIODevice::Truncate);
+    return m_fragment.open(QIODevice::ReadWrite | QIODevice::Truncate) ||
+           failBecause(reason,
+                       QStringLiteral("cannot make a file beside %1: %2").arg(m_targetPath, m_fragment.errorString()));
 }
 
-bool ReplacingFile::createFrom(const QString &sourcePath)
+bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
 {
     QFile source(sourcePath);
     qint64 copied = 0;
-    if (!openPlainFile(source, true) || !openFragment())
+    if (!openPlainFile(source, true, reason) || !openFragment(reason))
         return false;
+    QString error;
     if (!DurableFile::shareContent(source.handle(), m_fragment.handle()) &&
-        !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied))
-        return false;
+        !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied, nullptr, &error))
+        return failBecause(reason, QStringLiteral("cannot copy %1 to %2: %3").arg(sourcePath, m_targetPath, error));
     // What this user may do with the source is no permission of the file. Not an error where it fails: a stick's
     // file system knows no permissions.
     constexpr QFile::Permissions thisUser = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
     m_fragment.setPermissions(source.permissions() & ~thisUser);
-    return m_fragment.flush() && m_fragment.seek(0);
+    return (m_fragment.flush() && m_fragment.seek(0)) || cannotWrite(reason);
 }
 
-bool ReplacingFile::commit(ExistingTarget existing)
+bool ReplacingFile::cannotWrite(QString *reason) const
+{
+    return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_targetPath, writeError(m_fragment)));
+}
+
+bool ReplacingFile::commit(ExistingTarget existing, QString *reason)
 {
     const auto rename = existing == Kept ? DurableFile::renameToFreeName : DurableFile::replace;
-    return finish([&] { return rename(path(), m_targetPath); });
+    return finish([&] { return rename(path(), m_targetPath, reason); }, reason);
 }
 
-bool ReplacingFile::commitInPlaceOf(const DurableFile::FileIdentity &previous)
+bool ReplacingFile::commitInPlaceOf(const DurableFile::FileIdentity &previous, QString *reason)
 {
     const DurableFile::FileIdentity own(path());
-    const bool committed = finish([&] { return DurableFile::replaceSame(path(), m_targetPath, previous); });
+    const bool committed =
+        finish([&] { return DurableFile::replaceSame(path(), m_targetPath, previous, reason); }, reason);
     // What was replaced lies there now. After a failure in a failure it is perhaps the only one of another program.
     if (m_isCommitted)
         m_fragment.remove();
@@ -120,23 +132,23 @@ bool ReplacingFile::commitInPlaceOf(const DurableFile::FileIdentity &previous)
 }
 
 // docs/package-format.md says the state on disk after a crash between any two of these steps.
-bool ReplacingFile::finish(const std::function<bool()> &rename)
+bool ReplacingFile::finish(const std::function<bool()> &rename, QString *reason)
 {
     if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError)
-        return false;
+        return cannotWrite(reason);
     if (m_durability == FlushedToDisk && !DurableFile::flush(m_fragment.handle()))
-        return false;
+        return failBecause(reason, QStringLiteral("cannot flush %1: %2").arg(m_targetPath, systemError()));
     m_fragment.close();
     if (m_fragment.error() != QFileDevice::NoError)
-        return false;
+        return cannotWrite(reason);
 
     if (m_durability == NotFlushed) {
         m_isCommitted = rename();
         return m_isCommitted;
     }
-    const DurableFile::Folder folder(m_folderPath);
+    const DurableFile::Folder folder(m_folderPath, reason);
     m_isCommitted = folder.isOpen() && rename();
-    return m_isCommitted && folder.flush();
+    return m_isCommitted && folder.flush(reason);
 }
 
 bool ReplacingFile::isFragment(const QString &fileName)
@@ -158,13 +170,13 @@ void ReplacingFile::removeStaleFragments(const QString &folderPath)
     }
 }
 
-bool copyToFreeName(const QString &sourcePath, const QString &targetPath)
+bool copyToFreeName(const QString &sourcePath, const QString &targetPath, QString *reason)
 {
     // Asked again when it is renamed; here it saves the copying.
     if (QFileInfo::exists(targetPath))
-        return false;
+        return failBecause(reason, QStringLiteral("cannot copy %1: %2 exists already").arg(sourcePath, targetPath));
     ReplacingFile copy(targetPath, ReplacingFile::FlushedToDisk);
-    return copy.createFrom(sourcePath) && copy.commit(ReplacingFile::Kept);
+    return copy.createFrom(sourcePath, reason) && copy.commit(ReplacingFile::Kept, reason);
 }
 
 } // namespace Internal

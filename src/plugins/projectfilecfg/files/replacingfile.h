@@ -44,11 +44,11 @@ public:
 
     /// Creates an empty fragment, by default with its folders, and opens it for reading and writing. With
     /// FlushedToDisk, also removes stale fragments from the folder.
-    bool create(MissingFolders folders = Made);
+    bool create(MissingFolders folders = Made, QString *reason = nullptr);
 
     /// The same with the content and the permissions of the plain file at `sourcePath`, positioned at the beginning.
     /// Creates no folders: the copy must fail if the stick there was removed.
-    bool createFrom(const QString &sourcePath);
+    bool createFrom(const QString &sourcePath, QString *reason = nullptr);
 
     /// The fragment; open after create() or createFrom().
     QFile &file() { return m_fragment; }
@@ -56,11 +56,11 @@ public:
 
     /// Flushes and closes the fragment and renames it to the target's name. Only a failure of the last step, flushing
     /// the renaming, leaves the new target in place.
-    bool commit(ExistingTarget existing = Replaced);
+    bool commit(ExistingTarget existing = Replaced, QString *reason = nullptr);
 
     /// The same, but replaces only `previous` (see DurableFile::replaceSame()): if another file is at the target by
     /// now, fails and leaves it there.
-    bool commitInPlaceOf(const DurableFile::FileIdentity &previous);
+    bool commitInPlaceOf(const DurableFile::FileIdentity &previous, QString *reason = nullptr);
 
     /// True for names of fragments.
     static bool isFragment(const QString &fileName);
@@ -87,8 +87,9 @@ private:
         qint64 m_nWaiting = 0;
     };
 
-    bool openFragment();
-    bool finish(const std::function<bool()> &rename);
+    bool openFragment(QString *reason);
+    bool cannotWrite(QString *reason) const;
+    bool finish(const std::function<bool()> &rename, QString *reason);
 
     QString m_targetPath;
     QString m_folderPath;
@@ -99,7 +100,7 @@ private:
 
 /// Copies a file with its permissions, completely or not at all, and flushes it to disk. Fails if anything is at
 /// `targetPath`. Not QFile::copy(): it does not check whether flushing failed.
-bool copyToFreeName(const QString &sourcePath, const QString &targetPath);
+bool copyToFreeName(const QString &sourcePath, const QString &targetPath, QString *reason = nullptr);
 
 } // namespace Internal
 } // namespace ProjectFileCfg

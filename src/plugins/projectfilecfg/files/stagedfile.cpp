@@ -1,16 +1,19 @@
 #include "stagedfile.h"
 
+#include "reason.h"
+
 #include <QFile>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-bool writeWhole(QFile &file, const QByteArray &content)
+bool writeWhole(QFile &file, const QByteArray &content, QString *reason)
 {
-    if (file.write(content) != content.size() || !file.flush())
-        return false;
-    file.close();
-    return file.error() == QFileDevice::NoError;
+    const bool isWritten = file.write(content) == content.size() && file.flush();
+    if (isWritten)
+        file.close();
+    return (isWritten && file.error() == QFileDevice::NoError) ||
+           failBecause(reason, QStringLiteral("cannot write %1: %2").arg(file.fileName(), writeError(file)));
 }
 
 } // namespace Internal

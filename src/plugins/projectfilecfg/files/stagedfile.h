@@ -2,13 +2,14 @@
 
 class QByteArray;
 class QFile;
+class QString;
 
 namespace ProjectFileCfg {
 namespace Internal {
 
 /// Writes the whole content of a staged file that was just opened, and closes it. False if the file is incomplete, for
 /// instance because the disk is full: the package must not include it then.
-bool writeWhole(QFile &file, const QByteArray &content);
+bool writeWhole(QFile &file, const QByteArray &content, QString *reason = nullptr);
 
 } // namespace Internal
 } // namespace ProjectFileCfg

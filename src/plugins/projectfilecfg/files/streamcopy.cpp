@@ -1,5 +1,7 @@
 #include "streamcopy.h"
 
+#include "reason.h"
+
 #include <QByteArray>
 #include <QIODevice>
 
@@ -7,7 +9,7 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied,
-                const std::function<void(const char *data, qint64 size)> &look)
+                const std::function<void(const char *data, qint64 size)> &look, QString *reason)
 {
     constexpr qint64 blockSize = 256 * 1024;
     QByteArray block(int(blockSize), Qt::Uninitialized);
@@ -17,10 +19,12 @@ bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 
         *copied += count;
         if (look)
             look(block.constData(), count);
-        if (*copied > limit || destination.write(block.constData(), count) != count)
-            return false;
+        if (*copied > limit)
+            return failBecause(reason, QStringLiteral("there are more than %1 bytes").arg(limit));
+        if (destination.write(block.constData(), count) != count)
+            return failBecause(reason, QStringLiteral("cannot write: %1").arg(writeError(destination)));
     }
-    return count == 0;
+    return count == 0 || failBecause(reason, QStringLiteral("cannot read: %1").arg(source.errorString()));
 }
 
 } // namespace Internal

@@ -5,15 +5,16 @@
 #include <functional>
 
 class QIODevice;
+class QString;
 
 namespace ProjectFileCfg {
 namespace Internal {
 
 /// Copies the rest of `source`, in bounded memory. False if reading or writing fails, or if there are more than `limit`
 /// bytes; nothing beyond them is written. `*copied` returns how many bytes were read. `look`, if given, is called with
-/// each portion.
+/// each portion. `reason` names no path: the caller knows both.
 bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied,
-                const std::function<void(const char *data, qint64 size)> &look = nullptr);
+                const std::function<void(const char *data, qint64 size)> &look = nullptr, QString *reason = nullptr);
 
 } // namespace Internal
 } // namespace ProjectFileCfg

@@ -31,7 +31,8 @@ public:
     bool isSequential() const override { return false; }
     qint64 size() const override { return m_nSize; }
 
-    /// Waits until everything is written to the file. False from the first failed write on.
+    /// Waits until everything is written to the file. False from the first failed write on; the file's errorString()
+    /// says why.
     bool flush();
 
 protected:

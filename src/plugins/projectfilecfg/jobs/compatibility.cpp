@@ -1,5 +1,7 @@
 #include "compatibility.h"
 
+#include "reason.h"
+
 #include <model/deviceconfigmanager.h>
 
 #include <algorithm>
@@ -48,15 +50,31 @@ static bool isFromNewerProtocol(const Model::Device &package, const Model::Devic
     return package.getCommunicationProtocolNumber() * 10 > target.getCommunicationProtocolNumber() * 10;
 }
 
-LoadResultCode compareDevices(const Model::Device &package, const Model::Device &target, bool isTargetOnline)
+LoadResultCode compareDevices(const Model::Device &package, const Model::Device &target, bool isTargetOnline,
+                              QString *reason)
 {
-    if (target.getModelID() != package.getModelID())
+    const auto differ = [reason](const QString &what, double ofPackage, double ofTarget) {
+        failBecause(reason, QStringLiteral("the package's %1 is %2, the device's %3")
+                                .arg(what, QString::number(ofPackage), QString::number(ofTarget)));
+    };
+    if (target.getModelID() != package.getModelID()) {
+        differ(QStringLiteral("model ID"), package.getModelID(), target.getModelID());
         return LoadDeviceTypeMismatch;
+    }
     if (!isTargetOnline)
         return LoadSuccess;
-    if (!cardsAgree(package, target))
+    if (!cardsAgree(package, target)) {
+        failBecause(reason, QStringLiteral("the package has %1 slots, the device %2, or the cards in them differ")
+                                .arg(package.getSlots().size())
+                                .arg(target.getSlots().size()));
         return LoadCardMismatch;
-    return isFromNewerProtocol(package, target) ? LoadProtocolVersionMismatch : LoadSuccess;
+    }
+    if (isFromNewerProtocol(package, target)) {
+        differ(QStringLiteral("protocol number"), package.getCommunicationProtocolNumber(),
+               target.getCommunicationProtocolNumber());
+        return LoadProtocolVersionMismatch;
+    }
+    return LoadSuccess;
 }
 
 } // namespace Internal

@@ -2,6 +2,8 @@
 
 #include "operationresultcodes.h"
 
+class QString;
+
 namespace Model {
 class Device;
 } // namespace Model
@@ -12,7 +14,8 @@ namespace Internal {
 /// Compares the device that a package describes with the device that is to get its configuration:
 /// LoadDeviceTypeMismatch if they are of different models; for an online device also LoadCardMismatch if a slot has
 /// another card, and LoadProtocolVersionMismatch if the package is from a newer protocol. Otherwise LoadSuccess.
-LoadResultCode compareDevices(const Model::Device &package, const Model::Device &target, bool isTargetOnline);
+LoadResultCode compareDevices(const Model::Device &package, const Model::Device &target, bool isTargetOnline,
+                              QString *reason);
 
 } // namespace Internal
 } // namespace ProjectFileCfg

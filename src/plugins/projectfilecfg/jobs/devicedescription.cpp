@@ -4,6 +4,7 @@
 #include "packagelayout.h"
 #include "packagelimits.h"
 #include "packagereader.h"
+#include "reason.h"
 
 #include <core/icore.h>
 #include <model/device.h>
@@ -28,11 +29,6 @@ bool writeDeviceDescriptions()
         return true;
     qDebug() << "Fail to serailize model data.";
     return false;
-}
-
-QString descriptionEntryOf(const QString &ip)
-{
-    return ip + QStringLiteral(".json");
 }
 
 QString findDescription(const QStringList &entries)
@@ -76,19 +72,28 @@ std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QStrin
 }
 
 LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
-                                     std::shared_ptr<Model::Device> &device)
+                                     std::shared_ptr<Model::Device> &device, QString *reason)
 {
-    const QStringList extracted = package.extractJsonFiles(folder);
-    if (extracted.isEmpty())
+    QString cause;
+    const QStringList extracted = package.extractJsonFiles(folder, &cause);
+    if (extracted.isEmpty()) {
+        failBecause(reason, cause);
         return LoadJsonFileError;
+    }
     const QString entry = findDescription(package.entries());
     QByteArray description =
-        extracted.first().isEmpty() ? QByteArray() : package.read(entry, PackageReader::maxSizeOf(entry));
+        extracted.first().isEmpty() ? QByteArray() : package.read(entry, PackageReader::maxSizeOf(entry), &cause);
     QBuffer buffer(&description);
     QString error;
     buffer.open(QIODevice::ReadOnly | QIODevice::Text);
     device = readDeviceDescription(buffer, error);
-    return device ? LoadSuccess : LoadGetDeviceFailed;
+    if (device)
+        return LoadSuccess;
+    failBecause(reason,
+                !cause.isEmpty()
+                    ? cause
+                    : QStringLiteral("the description %1 is empty, too large or no JSON: %2").arg(entry, error));
+    return LoadGetDeviceFailed;
 }
 
 void takeIdentity(Model::Device &description, const Model::Device &target, const QString &ip)

@@ -22,9 +22,6 @@ class PackageReader;
 /// log, if it fails.
 bool writeDeviceDescriptions();
 
-/// The name of the description of an offline device with that address, in its directory.
-QString descriptionEntryOf(const QString &ip);
-
 /// The entry that a load reads: the first description in the archive's order. Empty if there is none.
 QString findDescription(const QStringList &entries);
 
@@ -38,7 +35,7 @@ std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QStrin
 /// expect them, but reads from the package. LoadJsonFileError if there is none: `device` is unchanged.
 /// LoadGetDeviceFailed if it cannot be extracted or read: `device` is null.
 LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
-                                     std::shared_ptr<Model::Device> &device);
+                                     std::shared_ptr<Model::Device> &device, QString *reason);
 
 /// Gives a description the identity of the device that is to get it: its id, network settings and protocol number.
 void takeIdentity(Model::Device &description, const Model::Device &target, const QString &ip);

@@ -6,9 +6,10 @@
 #include "packagelayout.h"
 #include "packagereader.h"
 #include "picturereader.h"
+#include "reason.h"
+#include "stagingdirectory.h"
 #include "thumbnail.h"
 
-#include <core/icore.h>
 #include <model/device.h>
 
 #include <QDebug>
@@ -25,7 +26,7 @@ namespace Internal {
 
 QString offlineFolder(const QString &ip)
 {
-    return QStringLiteral("%1/%2/").arg(Core::ICore::deviceConfigFilePath(), ip);
+    return StagingDirectory(ip).path() + QLatin1Char('/');
 }
 
 /// One text for both: readers of logs look for it.
@@ -35,18 +36,18 @@ static LoadResultCode extractionFailed(const QString &path)
     return LoadDecompressFailed;
 }
 
-LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder)
+LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder, QString *reason)
 {
     if (!fitsPackageAfterwards(package, folder)) {
-        qDebug() << "More than a package holds would be in" << folder;
+        failBecause(reason, QStringLiteral("more than a package holds would be in %1").arg(folder));
         return LoadDecompressFailed;
     }
     QStringList entries = package.entries();
     entries.erase(std::remove_if(entries.begin(), entries.end(), PackageLayout::isDescription), entries.end());
     const bool areExtracted = std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
-        return !package.extractFile(entry, QStringLiteral("%1/%2").arg(folder, entry)).isEmpty();
+        return !package.extractFile(entry, QStringLiteral("%1/%2").arg(folder, entry), reason).isEmpty();
     });
-    const bool areOnDisk = areExtracted && (entries.isEmpty() || DurableFile::flushTree(folder));
+    const bool areOnDisk = areExtracted && (entries.isEmpty() || DurableFile::flushTree(folder, reason));
     return areOnDisk ? LoadSuccess : extractionFailed(path);
 }
 
@@ -56,7 +57,7 @@ LoadResultCode extractDescription(const QString &path, const QString &ip)
     const QString description = findDescription(package.fileList());
     if (description.isEmpty())
         return LoadSuccess;
-    const QString target = offlineFolder(ip) + descriptionEntryOf(ip);
+    const QString target = offlineFolder(ip) + PackageLayout::descriptionEntry(ip);
     QFile::remove(target);
     return package.extractFile(description, target).isEmpty() ? extractionFailed(path) : LoadSuccess;
 }

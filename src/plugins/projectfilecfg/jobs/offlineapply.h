@@ -17,10 +17,10 @@ class PackageReader;
 QString offlineFolder(const QString &ip);
 
 /// Extracts everything but the descriptions of the package at `path` to an offline device's directory and flushes it to
-/// disk, so that it is there before the description that names it. LoadDecompressFailed, with a line in the log, if an
-/// entry cannot be extracted, or before anything is written if the directory would not fit a package afterwards;
-/// otherwise LoadSuccess.
-LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder);
+/// disk, so that it is there before the description that names it. LoadDecompressFailed if an entry cannot be
+/// extracted, which is logged besides, or before anything is written if the directory would not fit a package
+/// afterwards; otherwise LoadSuccess.
+LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder, QString *reason);
 
 /// Extracts the first description of the package at `path` to the directory of the device with that address.
 /// LoadSuccess also if there is none; LoadDecompressFailed, with a line in the log, if it cannot be extracted.

@@ -4,7 +4,9 @@
 #include "packagelayout.h"
 #include "packagelimits.h"
 #include "packagereader.h"
+#include "packagesize.h"
 #include "replacingfile.h"
+#include "zipformat.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -45,19 +47,16 @@ void addEntry(const QString &entry, qint64 size, Contents &contents)
         contents.insert(name.left(end + 1), 0);
 }
 
-/// As PackageWriter counts it: what is stored takes its own size.
+/// As PackageWriter counts it.
 bool fitsPackage(const Contents &contents)
 {
-    constexpr qint64 headersSize = 30 + 46;
-    constexpr qint64 endRecordSize = 22;
     qint64 contentSize = 0;
     qint64 namesLength = 0;
-    qint64 leastSize = endRecordSize;
+    qint64 leastSize = ZipFormat::endRecordSize;
     for (auto it = contents.begin(); it != contents.end(); ++it) {
-        const qint64 nameLength = it.key().toUtf8().size();
         contentSize += it.value();
-        namesLength += nameLength;
-        leastSize += headersSize + 2 * nameLength + (PackageLayout::isPicture(it.key()) ? it.value() : 0);
+        namesLength += it.key().toUtf8().size();
+        leastSize += leastPackedSize(it.key(), it.value());
     }
     return contents.size() <= PackageLimits::maxPackedEntries && contentSize <= PackageLimits::maxContentSize &&
            namesLength <= PackageLimits::maxNamesLength && leastSize <= PackageLimits::maxArchiveSize;
@@ -74,7 +73,7 @@ bool fitsPackageAfterwards(const PackageReader &package, const QString &deviceFo
     }
     // The host writes one where there is none.
     if (findDescription(contents.keys()).isEmpty())
-        contents.insert(descriptionEntryOf(QDir(deviceFolder).dirName()), 0);
+        contents.insert(PackageLayout::descriptionEntry(QDir(deviceFolder).dirName()), 0);
     return fitsPackage(contents);
 }
 

@@ -1,5 +1,7 @@
 #include "onlineapply.h"
 
+#include "reason.h"
+
 #include <core/icore.h>
 
 #include <QDebug>
@@ -34,9 +36,11 @@ bool OnlineApply::sendSlots()
     return true;
 }
 
-LoadResultCode OnlineApply::sendPicture()
+LoadResultCode OnlineApply::sendPicture(QString *reason)
 {
     const PictureReadAhead::Picture picture = m_pictures.next();
+    if (picture.code != LoadSuccess)
+        failBecause(reason, picture.reason);
     if (picture.code != LoadSuccess || !picture.packaged.isOfGallery())
         return picture.code;
 
@@ -44,8 +48,10 @@ LoadResultCode OnlineApply::sendPicture()
     ICore::setOperatorType(ICore::OperatorLoad,
                            (isLogo ? m_labels.logo : m_labels.background) + picture.packaged.materail()->getName());
     if (!m_targetControler.createMaterailFromImage(picture.image, isLogo ? Materail::Logo : Materail::Background,
-                                                   QString(), 0, QSize(0, 0), picture.packaged.name()))
+                                                   QString(), 0, QSize(0, 0), picture.packaged.name())) {
+        failBecause(reason, QStringLiteral("the device did not take the picture %1").arg(picture.packaged.entry()));
         return LoadApplyGalleryFailed;
+    }
     if (!picture.extractedPath.isEmpty() && !QFile::remove(picture.extractedPath))
         qDebug() << "Remove file failed:" << picture.extractedPath;
     return LoadSuccess;

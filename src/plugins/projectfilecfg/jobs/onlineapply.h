@@ -33,7 +33,7 @@ public:
     /// Sends the next picture, and names it to the host as progress. Also extracts it; the file is removed once it is
     /// sent, so it stays if it is outside the gallery or cannot be sent. LoadSuccess, the code of
     /// PictureReadAhead::Picture, or LoadApplyGalleryFailed.
-    LoadResultCode sendPicture();
+    LoadResultCode sendPicture(QString *reason);
 
     bool sendConfiguration();
 

@@ -5,27 +5,25 @@
 
 #include <core/icore.h>
 
-#include <QDebug>
 #include <QDir>
 #include <QFile>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-LoadResultCode openPackageCopy(const QString &path, std::unique_ptr<PackageReader> &package)
+LoadResultCode openPackageCopy(const QString &path, std::unique_ptr<PackageReader> &package, QString *reason)
 {
     const QString folder = Core::ICore::ExtractJsonPath();
     QDir().mkpath(folder);
     PackageSnapshot snapshot;
     package.reset();
-    switch (snapshot.take(path, {folder, QDir::tempPath()})) {
+    switch (snapshot.take(path, {folder, QDir::tempPath()}, reason)) {
     case PackageSnapshot::Taken:
         package = std::make_unique<PackageReader>(snapshot.release());
         break;
     case PackageSnapshot::Unreadable:
         break;
     case PackageSnapshot::NoRoom:
-        qDebug() << "No room to copy the package:" << path;
         return LoadDecompressFailed;
     }
     return LoadSuccess;

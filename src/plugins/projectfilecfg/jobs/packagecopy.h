@@ -12,9 +12,9 @@ namespace Internal {
 class PackageReader;
 
 /// Copies a package to the host's extraction folder, or to the folder of temporary files (see PackageSnapshot), and
-/// opens the copy. LoadDecompressFailed, with a line in the log, if neither has room. LoadSuccess otherwise, but with a
-/// null `package` if there is none at `path` any more.
-LoadResultCode openPackageCopy(const QString &path, std::unique_ptr<PackageReader> &package);
+/// opens the copy. LoadDecompressFailed if neither has room. LoadSuccess otherwise, but with a null `package` if there
+/// is none at `path` any more. `reason` is set in both cases.
+LoadResultCode openPackageCopy(const QString &path, std::unique_ptr<PackageReader> &package, QString *reason);
 
 } // namespace Internal
 } // namespace ProjectFileCfg

@@ -5,6 +5,7 @@
 #include "packagelimits.h"
 #include "packagereader.h"
 #include "picturereader.h"
+#include "reason.h"
 
 #include <model/device.h>
 
@@ -50,33 +51,40 @@ QString PackagedPicture::name() const
            QString::number(PackageLayout::galleryNumber(m_path));
 }
 
-QString PackagedPicture::extract(PackageReader &package, const QString &folder) const
+QString PackagedPicture::extract(PackageReader &package, const QString &folder, QString *reason) const
 {
     const QString path = QStringLiteral("%1/%2").arg(folder, m_entry);
-    if (!package.extractFile(m_entry, path).isEmpty())
+    if (!package.extractFile(m_entry, path, reason).isEmpty())
         return path;
     qDebug() << "Extract file failed:" << path;
     return QString();
 }
 
-LoadResultCode PackagedPicture::open(PackageReader &package, const QString &folder)
+LoadResultCode PackagedPicture::open(PackageReader &package, const QString &folder, QString *reason)
 {
-    if (!takeContent(package, folder))
+    if (!takeContent(package, folder, reason))
         return LoadDecompressFailed;
-    m_size = PictureReader(m_content.get()).size();
-    if (m_size.width() < 1 || m_size.height() < 1)
+    QString cause = QStringLiteral("it has no pixels");
+    m_size = PictureReader(m_content.get()).size(&cause);
+    if (m_size.width() < 1 || m_size.height() < 1) {
+        failBecause(reason, QStringLiteral("the picture %1: %2").arg(m_entry, cause));
         return LoadImageContentError;
-    if (isOfGallery() && (!m_materail || m_materail->size() != m_size))
+    }
+    if (isOfGallery() && (!m_materail || m_materail->size() != m_size)) {
+        failBecause(reason,
+                    QStringLiteral("the picture %1 has no place in the description, or its place has another size")
+                        .arg(m_entry));
         return LoadGalleryFileError;
+    }
     return m_content->seek(0) ? LoadSuccess : LoadDecompressFailed;
 }
 
-bool PackagedPicture::takeContent(PackageReader &package, const QString &folder)
+bool PackagedPicture::takeContent(PackageReader &package, const QString &folder, QString *reason)
 {
     const qint64 size = package.entrySize(m_entry);
     if (size > maxSizeInMemory) {
-        m_content = openNamelessFile(folder);
-        if (m_content && package.read(m_entry, *m_content, size) && m_content->seek(0))
+        m_content = openNamelessFile(folder, reason);
+        if (m_content && package.read(m_entry, *m_content, size, reason) && m_content->seek(0))
             return true;
     }
     // A full disk is no reason to leave a device without its picture.
@@ -85,7 +93,7 @@ bool PackagedPicture::takeContent(PackageReader &package, const QString &folder)
     const auto buffer = std::make_shared<QBuffer>();
     buffer->buffer().reserve(int(std::max<qint64>(size, 0)));
     m_content = buffer;
-    return buffer->open(QIODevice::ReadWrite) && package.read(m_entry, *buffer, size) && buffer->seek(0);
+    return buffer->open(QIODevice::ReadWrite) && package.read(m_entry, *buffer, size, reason) && buffer->seek(0);
 }
 
 } // namespace Internal

@@ -38,19 +38,19 @@ public:
 
     /// Extracts it to `folder` under the entry's name, where others expect it, and returns the path. Empty, with a line
     /// in the log, if that fails.
-    QString extract(PackageReader &package, const QString &folder) const;
+    QString extract(PackageReader &package, const QString &folder, QString *reason = nullptr) const;
 
     /// Reads the content from the package, and checks its header. Above 32 MiB it goes to a nameless file in `folder`,
     /// or to memory if there is no room and it is within PackageLimits::maxPictureFileSize. LoadDecompressFailed if it
     /// cannot be read to its end with the right CRC; LoadImageContentError if its width or height is below 1;
     /// LoadGalleryFileError if it is in the gallery and has no place there, or its place has another size. Otherwise
     /// LoadSuccess, and content() is at its beginning.
-    LoadResultCode open(PackageReader &package, const QString &folder);
+    LoadResultCode open(PackageReader &package, const QString &folder, QString *reason = nullptr);
     std::shared_ptr<QIODevice> content() const { return m_content; }
     QSize size() const { return m_size; }
 
 private:
-    bool takeContent(PackageReader &package, const QString &folder);
+    bool takeContent(PackageReader &package, const QString &folder, QString *reason);
 
     QString m_entry;
     /// The entry's normalised path, which determines the kind.

@@ -3,6 +3,7 @@
 #include "packagelayout.h"
 #include "packagereader.h"
 #include "picturereader.h"
+#include "reason.h"
 
 #include <model/device.h>
 
@@ -31,9 +32,9 @@ PictureReadAhead::Picture PictureReadAhead::next()
     ++m_nNext;
     if (hasNext())
         decodeAhead(m_entries.at(m_nNext));
-    Picture picture{PackagedPicture(entry, m_device), QString(), LoadSuccess, QImage()};
+    Picture picture{PackagedPicture(entry, m_device), QString(), LoadSuccess, QString(), QImage()};
     picture.extractedPath = picture.packaged.extract(m_package, m_folder);
-    picture.code = read(picture.packaged, picture.image);
+    picture.code = read(picture.packaged, picture.image, &picture.reason);
     return picture;
 }
 
@@ -47,17 +48,21 @@ void PictureReadAhead::decodeAhead(const QString &entry)
         m_decoder.begin(entry, picture.content(), size);
 }
 
-LoadResultCode PictureReadAhead::read(PackagedPicture &picture, QImage &image)
+LoadResultCode PictureReadAhead::read(PackagedPicture &picture, QImage &image, QString *reason)
 {
     image = m_decoder.take(picture.entry());
     if (!image.isNull())
         return LoadSuccess;
-    const LoadResultCode code = picture.open(m_package, m_folder);
+    const LoadResultCode code = picture.open(m_package, m_folder, reason);
     if (code != LoadSuccess || !picture.isOfGallery())
         return code;
-    image = PictureReader(picture.content().get()).read();
+    QString cause;
+    image = PictureReader(picture.content().get()).read(&cause);
+    if (!image.isNull())
+        return LoadSuccess;
     // A cut file still tells its size, and so does one that is too large to be read.
-    return image.isNull() ? LoadGalleryFileError : LoadSuccess;
+    failBecause(reason, QStringLiteral("cannot decode %1: %2").arg(picture.entry(), cause));
+    return LoadGalleryFileError;
 }
 
 } // namespace Internal

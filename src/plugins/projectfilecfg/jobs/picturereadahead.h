@@ -25,6 +25,8 @@ public:
         /// LoadSuccess, or the code with which the apply ends: that of PackagedPicture::open(), or
         /// LoadGalleryFileError if it cannot be decoded.
         LoadResultCode code;
+        /// Why, unless it is LoadSuccess.
+        QString reason;
         /// Null on failure, and outside the gallery.
         QImage image;
     };
@@ -38,7 +40,7 @@ public:
 
 private:
     void decodeAhead(const QString &entry);
-    LoadResultCode read(PackagedPicture &picture, QImage &image);
+    LoadResultCode read(PackagedPicture &picture, QImage &image, QString *reason);
 
     PackageReader &m_package;
     const Model::Device &m_device;

@@ -31,7 +31,7 @@ PresetFile::Outcome PresetFile::write(const QByteArray &detail)
     // A null array would be streamed as the length 0xffffffff.
     stream << (detail.isNull() ? QByteArray("") : detail);
     m_nSize = content.size();
-    return writeWhole(file, content) ? Written : Cut;
+    return writeWhole(file, content, &m_strError) ? Written : Cut;
 }
 
 } // namespace Internal

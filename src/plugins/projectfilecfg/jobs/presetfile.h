@@ -27,7 +27,7 @@ public:
 
     /// After Written: its bytes.
     qint64 size() const { return m_nSize; }
-    /// After NotOpened: the system's reason.
+    /// After NotOpened: the system's reason; after Cut, with the path.
     QString errorString() const { return m_strError; }
 
 private:

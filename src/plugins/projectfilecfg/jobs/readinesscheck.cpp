@@ -5,6 +5,7 @@
 #include "packagelimits.h"
 #include "packagereader.h"
 #include "picturedecoder.h"
+#include "reason.h"
 
 #include <model/device.h>
 
@@ -23,33 +24,33 @@ ReadinessCheck::ReadinessCheck(PackageReader &package, const Model::Device &devi
     , m_folder(folder)
 {}
 
-LoadResultCode ReadinessCheck::run()
+LoadResultCode ReadinessCheck::run(QString *reason)
 {
-    if (hasTooManyPixels())
+    if (hasTooManyPixels(reason))
         return LoadGalleryFileError;
     PictureDecoder decoder(QThread::idealThreadCount());
     LoadResultCode code = LoadSuccess;
     const QStringList entries = m_package.entries();
     for (auto entry = entries.begin(); entry != entries.end() && code == LoadSuccess; ++entry) {
         if (PackageLayout::isPicture(*entry))
-            code = begin(*entry, decoder);
+            code = begin(*entry, decoder, reason);
     }
     // Those stand before the entry that gave the code.
     while (!m_begun.isEmpty()) {
-        if (!isOldestDecoded(decoder))
+        if (!isOldestDecoded(decoder, reason))
             return LoadGalleryFileError;
     }
     return code;
 }
 
-LoadResultCode ReadinessCheck::runOffline() const
+LoadResultCode ReadinessCheck::runOffline(QString *reason) const
 {
-    return hasTooManyPixels() ? LoadGalleryFileError : LoadSuccess;
+    return hasTooManyPixels(reason) ? LoadGalleryFileError : LoadSuccess;
 }
 
 // By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is
 // too large for itself.
-bool ReadinessCheck::hasTooManyPixels() const
+bool ReadinessCheck::hasTooManyPixels(QString *reason) const
 {
     qint64 pixels = 0;
     for (const QString &entry : m_package.entries()) {
@@ -60,17 +61,18 @@ bool ReadinessCheck::hasTooManyPixels() const
         if (qint64(size.width()) * size.height() <= PackageLimits::maxPictureMemory / bytesPerPixel)
             pixels += qint64(size.width()) * size.height();
     }
-    return pixels > PackageLimits::maxPixels;
+    return pixels > PackageLimits::maxPixels &&
+           !failBecause(reason, QStringLiteral("its pictures have %1 pixels together").arg(pixels));
 }
 
-LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decoder)
+LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decoder, QString *reason)
 {
     PackagedPicture picture(entry, m_device);
-    const QString extractedPath = picture.extract(m_package, m_folder);
+    const QString extractedPath = picture.extract(m_package, m_folder, reason);
     if (extractedPath.isEmpty())
         return LoadDecompressFailed;
     QFile::remove(extractedPath);
-    const LoadResultCode code = picture.open(m_package, m_folder);
+    const LoadResultCode code = picture.open(m_package, m_folder, reason);
     if (code != LoadSuccess || !picture.isOfGallery())
         return code;
     const qint64 bytes = qint64(picture.size().width()) * picture.size().height() * bytesPerPixel;
@@ -79,7 +81,7 @@ LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decod
                m_begunBytes - m_begun.head().second + bytes > maxBytesBeyondFirst;
     };
     while (!m_begun.isEmpty() && isTooMuch()) {
-        if (!isOldestDecoded(decoder))
+        if (!isOldestDecoded(decoder, reason))
             return LoadGalleryFileError;
     }
     decoder.begin(entry, picture.content(), picture.size());
@@ -88,11 +90,11 @@ LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decod
     return LoadSuccess;
 }
 
-bool ReadinessCheck::isOldestDecoded(PictureDecoder &decoder)
+bool ReadinessCheck::isOldestDecoded(PictureDecoder &decoder, QString *reason)
 {
     const QPair<QString, qint64> oldest = m_begun.dequeue();
     m_begunBytes -= oldest.second;
-    return !decoder.take(oldest.first).isNull();
+    return !decoder.take(oldest.first, reason).isNull();
 }
 
 } // namespace Internal

@@ -30,17 +30,17 @@ public:
     /// LoadSuccess, or the code with which the apply would end, for the first failing picture in the archive's order:
     /// the codes of PackagedPicture::open(), LoadDecompressFailed also if it cannot be extracted, LoadGalleryFileError
     /// if it cannot be decoded. LoadGalleryFileError before anything is read if hasTooManyPixels(). Caller's thread.
-    LoadResultCode run();
+    LoadResultCode run(QString *reason);
 
     /// The same for an offline device, which gets its pictures as they are: LoadGalleryFileError if hasTooManyPixels(),
     /// since decoding them for their thumbnails would take minutes. Otherwise LoadSuccess.
-    LoadResultCode runOffline() const;
+    LoadResultCode runOffline(QString *reason) const;
 
 private:
     /// True if the pictures together, by their sizes in the description, have more pixels than PackageLimits allows.
-    bool hasTooManyPixels() const;
-    LoadResultCode begin(const QString &entry, PictureDecoder &decoder);
-    bool isOldestDecoded(PictureDecoder &decoder);
+    bool hasTooManyPixels(QString *reason) const;
+    LoadResultCode begin(const QString &entry, PictureDecoder &decoder, QString *reason);
+    bool isOldestDecoded(PictureDecoder &decoder, QString *reason);
 
     PackageReader &m_package;
     const Model::Device &m_device;

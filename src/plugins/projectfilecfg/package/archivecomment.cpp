@@ -1,6 +1,7 @@
 #include "archivecomment.h"
 
 #include "packagelimits.h"
+#include "zipformat.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -10,14 +11,13 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+using namespace ZipFormat;
+
 /// Parts of an end record, by their places in it.
-static const int endRecordSize = 22;
 static const int disksPosition = 4;
 static const int entriesPosition = 10;
 static const int directoryPosition = 12;
 static const int lengthPosition = 20;
-/// Stands before the end record of a 64-bit archive.
-static const int locatorSize = 20;
 
 static QByteArray endMark()
 {
@@ -44,7 +44,7 @@ static bool isClassic(const QByteArray &endRecord)
 
 ArchiveComment::ArchiveComment(QFile &file)
 {
-    const qint64 size = std::min<qint64>(file.size(), locatorSize + endRecordSize + 0xFFFF);
+    const qint64 size = std::min<qint64>(file.size(), locatorSize + endRecordSize + maxTextSize);
     if (!file.seek(file.size() - size))
         return;
     const QByteArray end = file.read(size);

@@ -5,8 +5,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Sets the process's locale codec to UTF-8, permanently. Call it before constructing a QuaZip, which takes its codecs
-/// for entry names and comments from the locale then. Any thread: every caller sets the same value.
+/// Sets the process's locale codec to UTF-8, permanently. Any thread: every caller sets the same value. Archives do it
+/// (Utf8Zip), and operations on names and records that begin, or may end, without one.
 inline void useUtf8LocaleCodec()
 {
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));

@@ -3,6 +3,7 @@
 #include "archivecomment.h"
 #include "durablefile.h"
 #include "plainfile.h"
+#include "zipformat.h"
 
 #include <QThread>
 
@@ -12,24 +13,33 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 /// The longest comment, the record that ends an archive, and the mark of a 64-bit one before it.
-static const qint64 endSize = 0xFFFF + 22 + 20;
+static const qint64 endSize = ZipFormat::maxTextSize + ZipFormat::endRecordSize + ZipFormat::locatorSize;
 
 PackageFile::PackageFile(const QString &path)
-    : m_file(std::make_unique<QFile>(path))
+    : m_path(path)
+    , m_file(std::make_unique<QFile>(path))
 {}
 
 PackageFile::PackageFile(std::unique_ptr<QFile> file)
-    : m_file(std::move(file))
+    : m_path(file->fileName())
+    , m_file(std::move(file))
 {}
 
 PackageFile::~PackageFile() = default;
 
 bool PackageFile::open(OpenMode mode)
 {
-    if (mode != QIODevice::ReadOnly || (!m_file->isOpen() && !openPlainFile(*m_file)))
+    QString reason;
+    if (mode != QIODevice::ReadOnly || (!m_file->isOpen() && !openPlainFile(*m_file, false, &reason))) {
+        setErrorString(reason);
         return false;
+    }
+    if (!readEndAtRest()) {
+        setErrorString(QStringLiteral("cannot read %1: %2").arg(m_path, m_file->errorString()));
+        return false;
+    }
     // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
-    return readEndAtRest() && QIODevice::open(mode | QIODevice::Unbuffered);
+    return QIODevice::open(mode | QIODevice::Unbuffered);
 }
 
 bool PackageFile::readEnd()

@@ -18,13 +18,16 @@ public:
     explicit PackageFile(std::unique_ptr<QFile> file);
     ~PackageFile() override;
 
-    /// `mode` must be ReadOnly. False on failure, and at once if it is not a plain file, for instance a pipe.
+    /// `mode` must be ReadOnly. False on failure, and at once if it is not a plain file, for instance a pipe;
+    /// errorString() names the path then.
     bool open(OpenMode mode) override;
 
     bool isSequential() const override;
     qint64 size() const override;
     bool seek(qint64 position) override;
 
+    /// Its path, also when it was opened by its handle.
+    QString path() const { return m_path; }
     /// The underlying file, to read other parts of it.
     QFile &file() { return *m_file; }
 
@@ -36,6 +39,7 @@ private:
     bool readEnd();
     bool readEndAtRest();
 
+    const QString m_path;
     const std::unique_ptr<QFile> m_file;
     QByteArray m_end;
     qint64 m_nSize = 0;

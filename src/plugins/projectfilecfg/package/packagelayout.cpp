@@ -95,6 +95,11 @@ QString presetEntry(int number)
     return presetFolder + QLatin1Char('/') + QString::number(number) + presetEnding;
 }
 
+QString descriptionEntry(const QString &ip)
+{
+    return ip + descriptionEnding;
+}
+
 bool isFolder(const QString &entryName)
 {
     return entryName.endsWith(QLatin1Char('/'));

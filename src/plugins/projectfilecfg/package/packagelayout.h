@@ -18,10 +18,11 @@ constexpr QLatin1String backgroundFolder = ProjectFileFacts::literal("BKG");
 constexpr QLatin1String logoFolder = ProjectFileFacts::literal("LOGO");
 constexpr QLatin1String presetFolder = ProjectFileFacts::literal("Preset");
 
-/// "BKG/BKG_7.png", "LOGO/LOGO_7.png", "Preset/7.RPst"
+/// "BKG/BKG_7.png", "LOGO/LOGO_7.png", "Preset/7.RPst", "192.168.0.10.json": the last one is that of an offline device.
 QString backgroundEntry(int keyNo);
 QString logoEntry(int keyNo);
 QString presetEntry(int number);
+QString descriptionEntry(const QString &ip);
 
 bool isFolder(const QString &entryName);
 /// Device descriptions, pictures, presets: by extension, in any case.

@@ -1,12 +1,14 @@
 #include "packagereader.h"
 
-#include "localecodec.h"
 #include "packagechecksum.h"
 #include "packagefile.h"
 #include "packagelayout.h"
 #include "packagelimits.h"
+#include "reason.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
+#include "utf8zip.h"
+#include "zipformat.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -14,7 +16,6 @@
 #include <QHash>
 #include <QSet>
 
-#include <quazip.h>
 #include <quazipfile.h>
 
 #include <algorithm>
@@ -99,20 +100,19 @@ PackageReader::PackageReader(std::unique_ptr<QFile> packet)
 
 PackageReader::PackageReader(std::unique_ptr<PackageFile> file)
     : m_file(std::move(file))
+    , m_zip(std::make_unique<Utf8Zip>(*m_file))
 {
-    useUtf8LocaleCodec();
-    m_zip.reset(new QuaZip(m_file.get()));
-    m_zip->setAutoClose(false);
-    if (m_file->open(QIODevice::ReadOnly)) {
-        m_zip->open(QuaZip::mdUnzip);
-    }
+    if (!m_file->open(QIODevice::ReadOnly))
+        m_openError = m_file->errorString();
+    else if (!m_zip->open(QuaZip::mdUnzip))
+        m_openError = QStringLiteral("%1 is no zip archive, or incomplete").arg(m_file->path());
 }
 
 PackageReader::~PackageReader() = default;
 
-bool PackageReader::isOpen() const
+bool PackageReader::isOpen(QString *reason) const
 {
-    return m_zip->isOpen();
+    return m_zip->isOpen() || failBecause(reason, m_openError);
 }
 
 QStringList PackageReader::fileList() const
@@ -193,12 +193,11 @@ const PackageReader::Directory &PackageReader::directory() const
 // Straight from the archive's bytes: QuaZip would read each header twice and cut a name at a NUL.
 bool PackageReader::readCurrentHeader() const
 {
-    constexpr int longestName = 0xFFFF;
-    QByteArray name(longestName, Qt::Uninitialized);
+    QByteArray name(ZipFormat::maxTextSize, Qt::Uninitialized);
     unz_file_info64 info;
     Entry entry;
-    if (unzGetCurrentFileInfo64(m_zip->getUnzFile(), &info, name.data(), longestName, nullptr, 0, nullptr, 0) !=
-            UNZ_OK ||
+    if (unzGetCurrentFileInfo64(m_zip->getUnzFile(), &info, name.data(), ZipFormat::maxTextSize, nullptr, 0, nullptr,
+                                0) != UNZ_OK ||
         unzGetFilePos64(m_zip->getUnzFile(), &entry.position) != UNZ_OK) {
         return false;
     }
@@ -235,17 +234,42 @@ bool PackageReader::leadsThroughLink(const QString &entryName, const QString &de
     return isSymbolicLink(path);
 }
 
-QString PackageReader::extractFile(const QString &entryName, const QString &destPath)
+const PackageReader::Entry *PackageReader::findReadable(const QString &entryName, QString *reason) const
+{
+    const auto entry = directory().entries.constFind(entryName);
+    if (entry == directory().entries.constEnd())
+        failBecause(reason, QStringLiteral("there is no such entry, or the archive's directory is damaged"));
+    else if (!entry->isOrdinary)
+        failBecause(reason, QStringLiteral("it is a link, a special file or encrypted"));
+    else if (!isSafeName(entryName))
+        failBecause(reason, QStringLiteral("its name could lead out of the folder"));
+    else
+        return &*entry;
+    return nullptr;
+}
+
+QString PackageReader::extractFile(const QString &entryName, const QString &destPath, QString *reason)
 {
     const QString target = destPath.isEmpty() ? entryName : destPath;
-    const auto entry = directory().entries.constFind(entryName);
-    if (entry == directory().entries.constEnd() || !entry->isOrdinary || !isSafeName(entryName) ||
-        blocksLaterPackages(entryName) || leadsThroughLink(entryName, target)) {
-        return QString();
-    }
-    const bool extracted =
-        isFolder(entryName) ? QDir().mkpath(target) : writeEntry(*entry, target, maxSizeOf(entryName));
-    return extracted ? QFileInfo(target).absoluteFilePath() : QString();
+    QString cause;
+    if (extract(entryName, target, &cause))
+        return QFileInfo(target).absoluteFilePath();
+    failBecause(reason, QStringLiteral("cannot extract %1 to %2: %3").arg(entryName, target, cause));
+    return QString();
+}
+
+bool PackageReader::extract(const QString &entryName, const QString &destPath, QString *reason)
+{
+    const Entry *entry = findReadable(entryName, reason);
+    if (!entry)
+        return false;
+    if (blocksLaterPackages(entryName))
+        return failBecause(reason, QStringLiteral("it would be in the way of later packages"));
+    if (leadsThroughLink(entryName, destPath))
+        return failBecause(reason, QStringLiteral("a symbolic link is in the way"));
+    if (!isFolder(entryName))
+        return writeEntry(*entry, destPath, maxSizeOf(entryName), reason);
+    return QDir().mkpath(destPath) || failBecause(reason, systemError());
 }
 
 bool PackageReader::goTo(const Entry &entry)
@@ -256,22 +280,34 @@ bool PackageReader::goTo(const Entry &entry)
            unzGoToFilePos64(m_zip->getUnzFile(), &position) == UNZ_OK;
 }
 
-bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64 limit)
+static bool failAsTooLarge(QString *reason, qint64 size, qint64 limit)
+{
+    return failBecause(reason, QStringLiteral("it has %1 bytes, and there is room for %2").arg(size).arg(limit));
+}
+
+bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64 limit, QString *reason)
 {
     QuaZipFile source(m_zip.get());
     qint64 copied = 0;
-    if (entry.size > limit || !goTo(entry) || !source.open(QIODevice::ReadOnly) ||
-        !copyStream(source, destination, limit, &copied) || copied != entry.size)
+    if (entry.size > limit)
+        return failAsTooLarge(reason, entry.size, limit);
+    if (!goTo(entry) || !source.open(QIODevice::ReadOnly))
+        return failBecause(reason, QStringLiteral("its header is damaged"));
+    if (!copyStream(source, destination, limit, &copied, nullptr, reason))
         return false;
+    if (copied != entry.size)
+        return failBecause(reason, QStringLiteral("it has %1 of %2 bytes").arg(copied).arg(entry.size));
     // Closing compares the checksum of what was read.
     source.close();
-    return source.getZipError() == UNZ_OK;
+    return source.getZipError() == UNZ_OK || failBecause(reason, QStringLiteral("its CRC is wrong"));
 }
 
-bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint64 limit)
+bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint64 limit, QString *reason)
 {
-    if (entry.size > limit || isFolder(destPath))
-        return false;
+    if (entry.size > limit)
+        return failAsTooLarge(reason, entry.size, limit);
+    if (isFolder(destPath))
+        return failBecause(reason, QStringLiteral("it is a file"));
     const QString folderPath = QFileInfo(destPath).absolutePath();
     if (!m_tidiedFolders.contains(folderPath)) {
         ReplacingFile::removeStaleFragments(folderPath);
@@ -281,35 +317,47 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
     constexpr qint64 smallSize = 64 * 1024;
     const qint64 room = entry.size > smallSize ? freeSpace(folderPath) : smallSize;
     ReplacingFile destination(destPath, ReplacingFile::NotFlushed);
-    return destination.create() && copyEntry(entry, destination.file(), std::min(limit, room)) && destination.commit();
+    return destination.create(ReplacingFile::Made, reason) &&
+           copyEntry(entry, destination.file(), std::min(limit, room), reason) &&
+           destination.commit(ReplacingFile::Replaced, reason);
 }
 
-QByteArray PackageReader::read(const QString &entryName, qint64 limit)
+QByteArray PackageReader::read(const QString &entryName, qint64 limit, QString *reason)
 {
     QBuffer content;
     content.open(QIODevice::WriteOnly);
-    return read(entryName, content, limit) ? content.data() : QByteArray();
+    return read(entryName, content, limit, reason) ? content.data() : QByteArray();
 }
 
-bool PackageReader::read(const QString &entryName, QIODevice &destination, qint64 limit)
+bool PackageReader::read(const QString &entryName, QIODevice &destination, qint64 limit, QString *reason)
 {
-    const auto entry = directory().entries.constFind(entryName);
-    return entry != directory().entries.constEnd() && entry->isOrdinary && isSafeName(entryName) &&
-           copyEntry(*entry, destination, std::min(limit, maxEntrySize));
+    QString cause;
+    const Entry *entry = findReadable(entryName, &cause);
+    return (entry && copyEntry(*entry, destination, std::min(limit, maxEntrySize), &cause)) ||
+           failBecause(reason, QStringLiteral("cannot read %1: %2").arg(entryName, cause));
 }
 
-QStringList PackageReader::extractJsonFiles(const QString &destDir)
+QStringList PackageReader::extractJsonFiles(const QString &destDir, QString *reason)
 {
     QStringList writtenPaths;
+    QString firstReason;
     qint64 size = 0;
     for (const QString &entryName : entries()) {
-        if (isDescription(entryName)) {
-            size += directory().entries.value(entryName).size;
-            const bool isWithinLimits = size <= maxDescriptionSize && writtenPaths.size() < maxDescriptions;
-            writtenPaths.append(isWithinLimits ? extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName))
-                                               : QString());
-        }
+        if (!isDescription(entryName))
+            continue;
+        QString cause = QStringLiteral("%1 is beyond the limits of descriptions").arg(entryName);
+        size += directory().entries.value(entryName).size;
+        const bool isWithinLimits = size <= maxDescriptionSize && writtenPaths.size() < maxDescriptions;
+        writtenPaths.append(isWithinLimits
+                                ? extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName), &cause)
+                                : QString());
+        if (writtenPaths.last().isEmpty() && firstReason.isEmpty())
+            firstReason = cause;
     }
+    if (writtenPaths.isEmpty())
+        firstReason = QStringLiteral("there is no device description, or the archive's directory is damaged");
+    if (!firstReason.isEmpty())
+        failBecause(reason, firstReason);
     return writtenPaths;
 }
 

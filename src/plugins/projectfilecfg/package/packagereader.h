@@ -18,6 +18,8 @@ namespace Internal {
 class PackageFile;
 
 /// An open package, to read and extract entries. Not thread-safe.
+///
+/// A `reason` is set on failure (see reason.h). It names the entry; only that of isOpen() names the package.
 class PackageReader
 {
 public:
@@ -27,7 +29,7 @@ public:
     ~PackageReader();
 
     /// False if the file is missing or not an archive; the other operations then return nothing.
-    bool isOpen() const;
+    bool isOpen(QString *reason = nullptr) const;
 
     /// The names of all entries in the archive's order, decoded by PackageLayout::namesOf(). Names of folders end in
     /// "/". Also empty if the archive's directory is damaged or cannot be true: more packed bytes than the file has, or
@@ -58,18 +60,18 @@ public:
     /// is false or PackageLayout::blocksLaterPackages() is true; links, special files and encrypted entries; a
     /// destination that is a symbolic link or, if `destPath` is a folder followed by the entry's name, leads through
     /// one below that folder; content larger than maxSizeOf() or the free space, whatever size the archive states.
-    QString extractFile(const QString &entryName, const QString &destPath);
+    QString extractFile(const QString &entryName, const QString &destPath, QString *reason = nullptr);
 
     /// The content of a small entry. Empty if the entry is missing, damaged, larger than `limit` bytes, has an unsafe
     /// name, or is a link, a special file or encrypted.
-    QByteArray read(const QString &entryName, qint64 limit);
+    QByteArray read(const QString &entryName, qint64 limit, QString *reason = nullptr);
     /// The same, to a device that is open for writing. False on failure; part of the content may be written then.
-    bool read(const QString &entryName, QIODevice &destination, qint64 limit);
+    bool read(const QString &entryName, QIODevice &destination, qint64 limit, QString *reason = nullptr);
 
     /// Extracts each of entries() that ends in ".json", in any case, to `destDir` + "/" + its name. Returns the results
     /// of extractFile() in the archive's order; an empty string for those beyond 64 MiB together, or beyond the
-    /// 1,000th.
-    QStringList extractJsonFiles(const QString &destDir);
+    /// 1,000th. `reason` is that of the first failure; also set if there is no such entry.
+    QStringList extractJsonFiles(const QString &destDir, QString *reason = nullptr);
 
 private:
     explicit PackageReader(std::unique_ptr<PackageFile> file);
@@ -81,11 +83,15 @@ private:
     bool readCurrentHeader() const;
     bool leadsThroughLink(const QString &entryName, const QString &destPath);
     bool goTo(const Entry &entry);
-    bool copyEntry(const Entry &entry, QIODevice &destination, qint64 limit);
-    bool writeEntry(const Entry &entry, const QString &destPath, qint64 limit);
+    const Entry *findReadable(const QString &entryName, QString *reason) const;
+    bool extract(const QString &entryName, const QString &destPath, QString *reason);
+    bool copyEntry(const Entry &entry, QIODevice &destination, qint64 limit, QString *reason);
+    bool writeEntry(const Entry &entry, const QString &destPath, qint64 limit, QString *reason);
 
     std::unique_ptr<PackageFile> m_file;
     std::unique_ptr<QuaZip> m_zip;
+    /// Why it is not open.
+    QString m_openError;
     mutable std::unique_ptr<Directory> m_directory;
     /// Folders in which this object has removed stale fragments.
     QSet<QString> m_tidiedFolders;

@@ -26,7 +26,8 @@ public:
     };
 
     /// Copies the package to the first of the existing folders where that is possible. Any thread.
-    Outcome take(const QString &packetPath, const QStringList &folders);
+    /// Waits for an edit by another program to end (DurableFile::ReadLock).
+    Outcome take(const QString &packetPath, const QStringList &folders, QString *reason = nullptr);
 
     /// Hands over the copy, open for reading; null if there is none.
     std::unique_ptr<QFile> release();

@@ -6,16 +6,19 @@
 #include "packagelayout.h"
 #include "packagelimits.h"
 #include "packagereader.h"
+#include "packagesize.h"
+#include "reason.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
 #include "undorecord.h"
+#include "utf8zip.h"
 #include "writebehinddevice.h"
+#include "zipformat.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 
-#include <quazip.h>
 #include <quazipfile.h>
 
 #include <algorithm>
@@ -27,9 +30,6 @@ namespace Internal {
 using namespace PackageLayout;
 
 namespace {
-
-/// Length of the record that ends an archive, without its comment.
-constexpr qint64 endRecordSize = 22;
 
 bool isAscii(const QString &name)
 {
@@ -102,7 +102,14 @@ QByteArray paddingField(int size)
 bool checksumOutlivesComment(qint64 archiveSize)
 {
     const qint64 lastChunk = archiveSize % PackageChecksum::chunkSize;
-    return lastChunk == 0 || lastChunk >= endRecordSize;
+    return lastChunk == 0 || lastChunk >= ZipFormat::endRecordSize;
+}
+
+bool isWithinArchive(qint64 size, QString *reason)
+{
+    return size <= PackageLimits::maxArchiveSize ||
+           failBecause(reason, QStringLiteral("the archive is larger than the %1 bytes of its format")
+                                   .arg(PackageLimits::maxArchiveSize));
 }
 
 } // namespace
@@ -113,28 +120,33 @@ PackageWriter::PackageWriter(const QString &dirPath, const QString &packetPath)
     , m_canonicalDirPath(QFileInfo(dirPath).canonicalFilePath())
 {}
 
-bool PackageWriter::scan()
+bool PackageWriter::scan(QString *reason)
 {
+    // Qt takes the encoding of file names from it, too.
     useUtf8LocaleCodec();
     m_entries.clear();
     m_firstDescription.clear();
-    return QDir(m_dirPath).exists() && scanFolder(m_dirPath, QString(), QStringList()) && isWithinLimits();
+    if (!QDir(m_dirPath).exists())
+        return failBecause(reason, QStringLiteral("there is no folder %1").arg(m_dirPath));
+    return scanFolder(m_dirPath, QString(), QStringList(), reason) && isWithinLimits(reason);
 }
 
-bool PackageWriter::isWithinLimits()
+bool PackageWriter::isWithinLimits(QString *reason)
 {
     using namespace PackageLimits;
-    constexpr qint64 headersSize = 30 + 46;
-    // What is stored takes its own size, so some trees are seen to be too large without writing 4 GiB first.
-    qint64 leastSize = endRecordSize;
+    const auto isBeyond = [&](const QString &what, qint64 found, qint64 limit) {
+        return found > limit &&
+               !failBecause(reason, QStringLiteral("%1 of %2 are %3, the limit is %4")
+                                        .arg(what, m_dirPath, QString::number(found), QString::number(limit)));
+    };
+    qint64 leastSize = ZipFormat::endRecordSize;
     qint64 namesLength = 0;
     qint64 contentSize = 0;
     qint64 descriptionsSize = 0;
     int descriptions = 0;
     for (const Entry &entry : qAsConst(m_entries)) {
-        const qint64 nameLength = entry.name.toUtf8().size();
-        leastSize += headersSize + 2 * nameLength + (isPicture(entry.name) ? entry.size : 0);
-        namesLength += nameLength;
+        leastSize += leastPackedSize(entry.name, entry.size);
+        namesLength += entry.name.toUtf8().size();
         contentSize += entry.size;
         if (!isDescription(entry.name))
             continue;
@@ -142,40 +154,50 @@ bool PackageWriter::isWithinLimits()
         // The load reads the first one.
         if (++descriptions == 1) {
             m_firstDescription = entry.name;
-            if (entry.size > maxParsedDescriptionSize)
+            if (isBeyond(QStringLiteral("the bytes of the description ") + entry.name, entry.size,
+                         maxParsedDescriptionSize))
                 return false;
         }
     }
-    return m_entries.size() <= maxPackedEntries && leastSize <= maxArchiveSize && namesLength <= maxNamesLength &&
-           contentSize <= maxContentSize && descriptions <= maxDescriptions && descriptionsSize <= maxDescriptionSize;
+    return !isBeyond(QStringLiteral("the entries"), m_entries.size(), maxPackedEntries) &&
+           !isBeyond(QStringLiteral("the bytes of an archive"), leastSize, maxArchiveSize) &&
+           !isBeyond(QStringLiteral("the bytes of the names"), namesLength, maxNamesLength) &&
+           !isBeyond(QStringLiteral("the bytes"), contentSize, maxContentSize) &&
+           !isBeyond(QStringLiteral("the descriptions"), descriptions, maxDescriptions) &&
+           !isBeyond(QStringLiteral("the bytes of the descriptions"), descriptionsSize, maxDescriptionSize);
 }
 
-bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders)
+bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders,
+                               QString *reason)
 {
+    const auto cannotPack = [reason](const QString &source, const char *cause) {
+        return failBecause(reason, QStringLiteral("cannot pack %1: %2").arg(source, QLatin1String(cause)));
+    };
     const QFileInfo folder(path);
     const QString canonicalPath = folder.canonicalFilePath();
-    if (!folder.isReadable() || !folder.isExecutable() || enclosingFolders.contains(canonicalPath) ||
-        !hasOnlyListableNames(path)) {
-        return false;
-    }
+    if (!folder.isReadable() || !folder.isExecutable())
+        return cannotPack(path, "the folder cannot be read");
+    if (enclosingFolders.contains(canonicalPath))
+        return cannotPack(path, "the link leads back to an enclosing folder");
+    if (!hasOnlyListableNames(path))
+        return cannotPack(path, "the folder cannot be listed, or a name in it is not UTF-8");
     enclosingFolders.append(canonicalPath);
 
     // System entries are broken links and special files: listed so that they can be refused.
     const QFileInfoList sources =
         QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QFileInfo &source : sources) {
-        if (!staysInside(source) || m_entries.size() > PackageLimits::maxPackedEntries) {
-            return false;
-        }
+        if (!staysInside(source))
+            return cannotPack(source.filePath(), "the link is broken or leads out of the device's folder");
+        if (m_entries.size() > PackageLimits::maxPackedEntries)
+            return cannotPack(source.filePath(), "a package cannot hold so many entries");
         if (source.isDir()) {
             const QString name = prefix + source.fileName() + QLatin1Char('/');
-            if (!isSafeName(name) || blocksLaterPackages(name)) {
-                return false;
-            }
+            if (!isSafeName(name) || blocksLaterPackages(name))
+                return cannotPack(source.filePath(), "no reader accepts a folder of this name");
             m_entries.append({name, source.absoluteFilePath(), 0});
-            if (!scanFolder(source.absoluteFilePath(), name, enclosingFolders)) {
+            if (!scanFolder(source.absoluteFilePath(), name, enclosingFolders, reason))
                 return false;
-            }
         }
     }
     for (const QFileInfo &source : sources) {
@@ -185,13 +207,16 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         }
         const QString name = prefix + source.fileName();
         // What no reader takes would be found out when the package is applied.
-        if (!source.isFile() || !source.isReadable() || source.size() > maxSizeToPack(name) || !isSafeName(name) ||
-            blocksLaterPackages(name)) {
-            return false;
-        }
+        if (!source.isFile() || !source.isReadable())
+            return cannotPack(source.filePath(), "it is no plain file, or cannot be read");
+        if (source.size() > maxSizeToPack(name))
+            return cannotPack(source.filePath(), "no reader accepts a file of this size");
+        if (!isSafeName(name) || blocksLaterPackages(name))
+            return cannotPack(source.filePath(), "no reader accepts a file of this name");
         m_entries.append({name, source.absoluteFilePath(), source.size()});
     }
-    return m_entries.size() <= PackageLimits::maxPackedEntries;
+    return m_entries.size() <= PackageLimits::maxPackedEntries ||
+           cannotPack(path, "a package cannot hold so many entries");
 }
 
 bool PackageWriter::staysInside(const QFileInfo &source) const
@@ -203,42 +228,50 @@ bool PackageWriter::staysInside(const QFileInfo &source) const
     return canonicalPath == m_canonicalDirPath || canonicalPath.startsWith(m_canonicalDirPath + QLatin1Char('/'));
 }
 
-bool PackageWriter::write(QFile &archive)
+bool PackageWriter::write(QFile &archive, QString *reason)
 {
     constexpr int paddingSize = 32;
-    if (!writeEntries(archive, 0)) {
+    if (!writeEntries(archive, 0, reason))
         return false;
-    }
-    return checksumOutlivesComment(archive.size()) ||
-           (writeEntries(archive, paddingSize) && checksumOutlivesComment(archive.size()));
+    if (checksumOutlivesComment(archive.size()))
+        return true;
+    return writeEntries(archive, paddingSize, reason) &&
+           (checksumOutlivesComment(archive.size()) ||
+            failBecause(reason, QStringLiteral("%1 grew while it was packed").arg(m_dirPath)));
 }
 
-bool PackageWriter::writeEntries(QFile &archive, int paddingSize)
+bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reason)
 {
-    if (!archive.resize(0) || !archive.seek(0)) {
-        return false;
-    }
-    useUtf8LocaleCodec();
+    const auto cannotWrite = [&] {
+        return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_packetPath, writeError(archive)));
+    };
+    if (!archive.resize(0) || !archive.seek(0))
+        return cannotWrite();
     WriteBehindDevice device(archive);
-    QuaZip zip(&device);
-    zip.setAutoClose(false);
-    if (!zip.open(QuaZip::mdCreate)) {
-        return false;
-    }
+    Utf8Zip zip(device);
+    if (!zip.open(QuaZip::mdCreate))
+        return cannotWrite();
     m_nPixels = 0;
-    for (Entry &entry : m_entries) {
-        if (!writeEntry(zip, entry, paddingSize) || device.pos() > PackageLimits::maxArchiveSize) {
-            return false;
-        }
+    bool isWritten = true;
+    for (auto entry = m_entries.begin(); isWritten && entry != m_entries.end(); ++entry) {
+        isWritten = writeEntry(zip, *entry, paddingSize, reason) && isWithinArchive(device.pos(), reason);
         paddingSize = 0;
     }
-    zip.close();
-    return zip.getZipError() == UNZ_OK && device.flush() && archive.error() == QFileDevice::NoError &&
-           archive.size() <= PackageLimits::maxArchiveSize;
+    if (isWritten)
+        zip.close();
+    // Of a refused write the zip library tells no reason.
+    if (!device.flush() || archive.error() != QFileDevice::NoError)
+        return cannotWrite();
+    if (isWritten && zip.getZipError() != UNZ_OK)
+        return cannotWrite();
+    return isWritten && isWithinArchive(archive.size(), reason);
 }
 
-bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize)
+bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize, QString *reason)
 {
+    const auto cannotPack = [&entry, reason](const QString &cause) {
+        return failBecause(reason, QStringLiteral("cannot pack %1: %2").arg(entry.sourcePath, cause));
+    };
     markEncoding(zip, entry.name);
     // Of a link's attributes those of its target count, else it would come out as a link again.
     const QFileInfo source(entry.sourcePath);
@@ -250,35 +283,36 @@ bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize)
     // says is needed, which is one of the few bytes that the checksum covers.
     const int method = entry.isFolder() || isPicture(entry.name) ? 0 : Z_DEFLATED;
     QuaZipFile destination(&zip);
-    if (!destination.open(QIODevice::WriteOnly, header, nullptr, 0, method, Z_DEFAULT_COMPRESSION)) {
-        return false;
-    }
-    if (!entry.isFolder() && !copyContent(entry, destination)) {
-        return false;
-    }
+    QString cause;
+    if (!destination.open(QIODevice::WriteOnly, header, nullptr, 0, method, Z_DEFAULT_COMPRESSION))
+        return cannotPack(destination.errorString());
+    if (!entry.isFolder() && !copyContent(entry, destination, &cause))
+        return cannotPack(cause);
     destination.close();
-    return destination.getZipError() == UNZ_OK;
+    return destination.getZipError() == UNZ_OK || cannotPack(destination.errorString());
 }
 
-bool PackageWriter::copyContent(Entry &entry, QIODevice &destination)
+bool PackageWriter::copyContent(Entry &entry, QIODevice &destination, QString *reason)
 {
     QFile source(entry.sourcePath);
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        return false;
-    }
+    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return failBecause(reason, source.errorString());
     const qint64 limit = maxSizeToPack(entry.name);
     if (isPicture(entry.name)) {
         PictureScan picture;
         const auto look = [&picture](const char *data, qint64 size) { picture.feed(data, size); };
-        return copyStream(source, destination, limit, &entry.size, look) && isFit(picture, entry.name);
+        return copyStream(source, destination, limit, &entry.size, look, reason) &&
+               (isFit(picture, entry.name) ||
+                failBecause(reason, QStringLiteral("no reader accepts a picture of this size or with such texts")));
     }
     if (entry.name == m_firstDescription) {
         DescriptionScan description;
         const auto look = [&description](const char *data, qint64 size) { description.feed(data, size); };
-        return copyStream(source, destination, PackageLimits::maxParsedDescriptionSize, &entry.size, look) &&
-               description.parts() <= PackageLimits::maxDescriptionParts;
+        return copyStream(source, destination, PackageLimits::maxParsedDescriptionSize, &entry.size, look, reason) &&
+               (description.parts() <= PackageLimits::maxDescriptionParts ||
+                failBecause(reason, QStringLiteral("no reader accepts a description with so many parts")));
     }
-    return copyStream(source, destination, limit, &entry.size);
+    return copyStream(source, destination, limit, &entry.size, nullptr, reason);
 }
 
 bool PackageWriter::isFit(const PictureScan &picture, const QString &name)
@@ -291,14 +325,16 @@ bool PackageWriter::isFit(const PictureScan &picture, const QString &name)
     return !picture.isBeyondLimits();
 }
 
-bool PackageWriter::isListedIn(const QString &path) const
+bool PackageWriter::isListedIn(const PackageReader &package, QString *reason) const
 {
-    const PackageReader package(path);
     const QStringList listed = package.fileList();
-    return package.isOpen() && std::equal(listed.begin(), listed.end(), m_entries.begin(), m_entries.end(),
-                                          [&package](const QString &found, const Entry &written) {
-                                              return found == written.name && package.entrySize(found) == written.size;
-                                          });
+    const bool isListed = std::equal(listed.begin(), listed.end(), m_entries.begin(), m_entries.end(),
+                                     [&package](const QString &found, const Entry &written) {
+                                         return found == written.name && package.entrySize(found) == written.size;
+                                     });
+    if (!package.isOpen(reason))
+        return false;
+    return isListed || failBecause(reason, QStringLiteral("it lists other entries"));
 }
 
 } // namespace Internal

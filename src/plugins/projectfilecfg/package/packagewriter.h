@@ -11,6 +11,7 @@ class QuaZip;
 namespace ProjectFileCfg {
 namespace Internal {
 
+class PackageReader;
 class PictureScan;
 
 /// Packs a directory tree into a zip archive, in bounded memory.
@@ -18,6 +19,8 @@ class PictureScan;
 /// Names are relative to the directory, with "/" between levels. For each folder: its own entry ("BKG/"), then its
 /// sub-folders, then its files, each sorted by name without regard to case. Hidden files are included. Pictures are
 /// stored, since they are compressed already; the rest is deflated.
+///
+/// A `reason` is set on failure (see reason.h).
 class PackageWriter
 {
 public:
@@ -28,15 +31,15 @@ public:
     /// or whose name is not UTF-8, a special file, a link that is broken, leads outside or back to an enclosing folder;
     /// or if the package could not be applied: a name that PackageReader refuses, or more or larger files than
     /// PackageLimits allows. Other links are packed as their targets.
-    bool scan();
+    bool scan(QString *reason = nullptr);
 
     /// Replaces the content of `archive` (open for reading and writing) by the archive, without a comment. False if a
     /// source cannot be read, a write fails, or a description or picture exceeds PackageLimits; the file is unusable
     /// then.
-    bool write(QFile &archive);
+    bool write(QFile &archive, QString *reason = nullptr);
 
-    /// True if the archive at `path` has exactly the entries that were written: same names, order and sizes.
-    bool isListedIn(const QString &path) const;
+    /// True if the package has exactly the entries that were written: same names, order and sizes.
+    bool isListedIn(const PackageReader &package, QString *reason = nullptr) const;
 
 private:
     struct Entry
@@ -48,12 +51,12 @@ private:
         bool isFolder() const { return name.endsWith(QLatin1Char('/')); }
     };
 
-    bool scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders);
-    bool isWithinLimits();
+    bool scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders, QString *reason);
+    bool isWithinLimits(QString *reason);
     bool staysInside(const QFileInfo &source) const;
-    bool writeEntries(QFile &archive, int paddingSize);
-    bool writeEntry(QuaZip &zip, Entry &entry, int paddingSize);
-    bool copyContent(Entry &entry, QIODevice &destination);
+    bool writeEntries(QFile &archive, int paddingSize, QString *reason);
+    bool writeEntry(QuaZip &zip, Entry &entry, int paddingSize, QString *reason);
+    bool copyContent(Entry &entry, QIODevice &destination, QString *reason);
     bool isFit(const PictureScan &picture, const QString &name);
 
     QString m_dirPath;

@@ -2,56 +2,84 @@
 
 #include "durablefile.h"
 #include "inplacefile.h"
-#include "projectfilefacts.h"
+#include "packagefiles.h"
 #include "replacingfile.h"
 
 #include <QDateTime>
-#include <QDir>
+#include <QDebug>
 #include <QFileInfo>
 #include <QHash>
 #include <QMutexLocker>
-#include <QVector>
 
 #include <algorithm>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The newest first, those of one time by name: QDir::Time, which takes most of a scan, since it makes two local times
-/// for each comparison.
-static QFileInfoList packagesIn(const QString &dirPath)
+QList<EngineerPacketInfo> ProjectList::snapshot()
 {
-    struct Package
-    {
-        qint64 modified;
-        QString name;
-        QFileInfo file;
-    };
-    QVector<Package> packages;
-    const QFileInfoList entries = QDir(dirPath).entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
-                                                              QDir::Dirs | QDir::Files | QDir::Drives, QDir::Unsorted);
-    for (const QFileInfo &entry : entries)
-        packages.append({entry.lastModified().toMSecsSinceEpoch(), entry.fileName(), entry});
-    std::sort(packages.begin(), packages.end(), [](const Package &one, const Package &other) {
-        return one.modified == other.modified ? one.name < other.name : one.modified > other.modified;
-    });
-    QFileInfoList sorted;
-    for (const Package &package : qAsConst(packages))
-        sorted.append(package.file);
-    return sorted;
+    const QMutexLocker locker(&mutex);
+    return projects;
+}
+
+QStringList ProjectList::paths()
+{
+    const QList<EngineerPacketInfo> current = snapshot();
+    QStringList paths;
+    for (const EngineerPacketInfo &info : current)
+        paths.append(info.strFilePath);
+    return paths;
+}
+
+QList<EngineerPacketInfo>::iterator ProjectList::entryOf(const QString &path)
+{
+    return std::find_if(projects.begin(), projects.end(),
+                        [&path](const EngineerPacketInfo &info) { return info.strFilePath == path; });
+}
+
+std::optional<EngineerPacketInfo> ProjectList::find(const QString &path)
+{
+    const QMutexLocker locker(&mutex);
+    const auto entry = entryOf(path);
+    return entry == projects.end() ? std::nullopt : std::make_optional(*entry);
+}
+
+bool ProjectList::remove(const QString &path)
+{
+    const QMutexLocker locker(&mutex);
+    const auto isThere = [&path](const EngineerPacketInfo &info) { return info.strFilePath == path; };
+    projects.erase(std::remove_if(projects.begin(), projects.end(), isThere), projects.end());
+    return supersedeScans();
+}
+
+bool ProjectList::rename(const QString &path, const EngineerPacketInfo &edited)
+{
+    const QMutexLocker locker(&mutex);
+    const auto entry = entryOf(path);
+    if (entry != projects.end())
+        *entry = edited;
+    return supersedeScans();
+}
+
+bool ProjectList::clear()
+{
+    const QMutexLocker locker(&mutex);
+    for (const EngineerPacketInfo &info : qAsConst(projects))
+        QFile::remove(info.strFilePath);
+    projects.clear();
+    return supersedeScans();
+}
+
+bool ProjectList::supersedeScans()
+{
+    const bool scansRunning = m_lastApplied != m_lastStarted;
+    m_lastApplied = ++m_lastStarted;
+    return scansRunning;
 }
 
 quint64 ProjectList::beginScan()
 {
     return ++m_lastStarted;
-}
-
-bool ProjectList::supersedeScans()
-{
-    const QMutexLocker locker(&mutex);
-    const bool scansRunning = m_lastApplied != m_lastStarted;
-    m_lastApplied = ++m_lastStarted;
-    return scansRunning;
 }
 
 ProjectList::Hold::Hold(ProjectList &list)
@@ -98,6 +126,18 @@ bool ProjectList::lockForScan()
     return true;
 }
 
+/// Unless the list is held, or a scan that started later has replaced it already.
+void ProjectList::replace(const QList<EngineerPacketInfo> &found, quint64 scanNumber)
+{
+    if (!lockForScan())
+        return;
+    if (scanNumber >= m_lastApplied) {
+        m_lastApplied = scanNumber;
+        projects = found;
+    }
+    mutex.unlock();
+}
+
 int ProjectList::nextLook(qint64 changed, qint64 now)
 {
     constexpr qint64 second = 1000;
@@ -109,9 +149,25 @@ int ProjectList::nextLook(qint64 changed, qint64 now)
     return int(age < second ? second - age : second);
 }
 
+/// Without a reason it is listed, and the next reason is a new one.
+void ProjectList::logOnce(const QString &path, const QString &reason)
+{
+    {
+        const QMutexLocker locker(&m_holdMutex);
+        if (m_refused.value(path) == reason)
+            return;
+        m_refused.insert(path, reason);
+    }
+    if (!reason.isEmpty())
+        qDebug().noquote() << "Not listed:" << reason;
+}
+
 int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
 {
-    if (!DurableFile::makeFolder(dirPath))
+    QString noFolder;
+    const bool hasFolder = DurableFile::makeFolder(dirPath, &noFolder);
+    logOnce(dirPath, noFolder);
+    if (!hasFolder)
         return -1;
     ReplacingFile::removeStaleFragments(dirPath);
     InPlaceFile::recover(dirPath);
@@ -134,7 +190,10 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
         EngineerPacketInfo info = known.value(entry.filePath());
         if (info.strFilePath.isEmpty()) {
             info.strFilePath = entry.filePath();
-            if (!ZipPackageHandle::getZipFileEngineerInfo(info)) {
+            QString reason;
+            const bool isPackage = ZipPackageHandle::getZipFileEngineerInfo(info, &reason);
+            logOnce(entry.filePath(), reason);
+            if (!isPackage) {
                 const int look = entry.isFile()
                                      ? nextLook(QFileInfo(entry.filePath()).lastModified().toMSecsSinceEpoch(),
                                                 QDateTime::currentMSecsSinceEpoch())
@@ -147,13 +206,7 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
         found.append(info);
     }
 
-    if (!lockForScan())
-        return next;
-    if (scanNumber >= m_lastApplied) {
-        m_lastApplied = scanNumber;
-        projects = found;
-    }
-    mutex.unlock();
+    replace(found, scanNumber);
     return next;
 }
 

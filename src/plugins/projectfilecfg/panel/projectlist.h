@@ -2,24 +2,44 @@
 
 #include "zippackagehandle.h"
 
+#include <QHash>
 #include <QList>
 #include <QMutex>
-#include <QString>
+#include <QStringList>
 
 #include <atomic>
+#include <optional>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
 /// The list of packages, shared by the panel and the scans in the thread pool. A scan holds its own reference, so it
-/// may outlive the panel that started it.
+/// may outlive the panel that started it. Its operations lock the list themselves; any thread.
+///
+/// An operation that changes the list supersedes the scans that are still running: they may have seen the previous
+/// state of the directory, and will not replace the list any more. It returns true if there are such scans: start a new
+/// one.
 class ProjectList
 {
 public:
-    /// Guards `projects`. Recursive, since an operation of the panel that has locked it rebuilds the table.
+    /// Guards `projects`. Recursive, since the panel reads the list while it holds it.
     QMutex mutex{QMutex::Recursive};
     /// One record per package, newest file first; `strProjectName` is the file's base name.
     QList<EngineerPacketInfo> projects;
+
+    /// The records, as they are now.
+    QList<EngineerPacketInfo> snapshot();
+    /// Their paths, in the list's order.
+    QStringList paths();
+    /// The record of the package at `path`; none if it is not listed.
+    std::optional<EngineerPacketInfo> find(const QString &path);
+
+    /// Removes the record of the package at `path`.
+    bool remove(const QString &path);
+    /// Replaces the record of the package at `path` by `edited`, which may name another path.
+    bool rename(const QString &path, const EngineerPacketInfo &edited);
+    /// Removes the files of all packages, as far as that is possible, and empties the list.
+    bool clear();
 
     /// Returns the number to pass to scanProjectFiles(). Call it in the order in which scans start. Any thread.
     quint64 beginScan();
@@ -30,7 +50,8 @@ public:
     /// also leaves it unchanged, without waiting, and counts as missed. Any thread.
     ///
     /// Returns in how many milliseconds another scan is due, because some files are not packages yet but may become so
-    /// when their writers have finished; -1 if there are none.
+    /// when their writers have finished; -1 if there are none. Logs at debug level why a file is not listed, once until
+    /// the reason changes.
     int scanProjectFiles(const QString &dirPath, quint64 scanNumber);
 
     /// The same for one file that is not a valid package, changed and checked at these times, in milliseconds since
@@ -56,20 +77,22 @@ public:
     /// Call after releasing the list. True, once, if scans were missed meanwhile: start one.
     bool takeMissedScan();
 
-    /// Call after the panel has changed `projects`: scans that are still running may have seen the previous state of
-    /// the directory, and will not replace the list any more. True if there are such scans: start a new one. Any
-    /// thread.
-    bool supersedeScans();
-
 private:
+    /// With the mutex locked.
+    QList<EngineerPacketInfo>::iterator entryOf(const QString &path);
+    bool supersedeScans();
+    void replace(const QList<EngineerPacketInfo> &found, quint64 scanNumber);
     bool lockForScan();
+    void logOnce(const QString &path, const QString &reason);
 
     std::atomic<quint64> m_lastStarted{0};
     quint64 m_lastApplied = 0; // guarded by mutex
-    /// Guards the next two; never locked for long.
+    /// Guards the next three; never locked for long.
     QMutex m_holdMutex;
     int m_holds = 0;
     bool m_isScanMissed = false;
+    /// By path, why a file is not listed, as it was logged.
+    QHash<QString, QString> m_refused;
 };
 
 } // namespace Internal

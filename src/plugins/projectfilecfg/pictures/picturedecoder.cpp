@@ -1,6 +1,7 @@
 #include "picturedecoder.h"
 
 #include "picturereader.h"
+#include "reason.h"
 
 #include <QIODevice>
 #include <QtConcurrentRun>
@@ -8,10 +9,14 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static QImage decode(const std::shared_ptr<QIODevice> &content, const QSize &size)
+PictureDecoder::Decoded PictureDecoder::decode(const std::shared_ptr<QIODevice> &content, const QSize &size)
 {
     PictureReader reader(content.get());
-    return reader.size() == size ? reader.read() : QImage();
+    if (reader.size() != size)
+        return {QImage(), QStringLiteral("it has another size than expected")};
+    Decoded decoded;
+    decoded.picture = reader.read(&decoded.reason);
+    return decoded;
 }
 
 PictureDecoder::PictureDecoder(int threads)
@@ -27,17 +32,19 @@ PictureDecoder::~PictureDecoder()
 
 void PictureDecoder::begin(const QString &name, const std::shared_ptr<QIODevice> &content, const QSize &size)
 {
-    m_pictures.insert(name, QtConcurrent::run(&m_pool, decode, content, size));
+    m_pictures.insert(name, QtConcurrent::run(&m_pool, &PictureDecoder::decode, content, size));
 }
 
-QImage PictureDecoder::take(const QString &name)
+QImage PictureDecoder::take(const QString &name, QString *reason)
 {
     const auto picture = m_pictures.find(name);
     if (picture == m_pictures.end())
         return QImage();
-    const QImage image = picture->result();
+    const Decoded decoded = picture->result();
     m_pictures.erase(picture);
-    return image;
+    if (decoded.picture.isNull())
+        failBecause(reason, QStringLiteral("cannot decode %1: %2").arg(name, decoded.reason));
+    return decoded.picture;
 }
 
 } // namespace Internal

@@ -25,14 +25,23 @@ public:
     /// Starts decoding the PNG file in `content`; take() returns it by `name`. A file that states another size is not
     /// decoded. The decoder alone uses `content` from now on.
     void begin(const QString &name, const std::shared_ptr<QIODevice> &content, const QSize &size);
-    /// Waits for the picture and removes it. Null if it was not started or could not be decoded.
-    QImage take(const QString &name);
+    /// Waits for the picture and removes it. Null if it was not started or could not be decoded; `reason` (see
+    /// reason.h) is set in the latter case.
+    QImage take(const QString &name, QString *reason = nullptr);
 
 private:
     Q_DISABLE_COPY(PictureDecoder)
 
+    struct Decoded
+    {
+        QImage picture;
+        QString reason;
+    };
+
+    static Decoded decode(const std::shared_ptr<QIODevice> &content, const QSize &size);
+
     QThreadPool m_pool;
-    QHash<QString, QFuture<QImage>> m_pictures;
+    QHash<QString, QFuture<Decoded>> m_pictures;
 };
 
 } // namespace Internal

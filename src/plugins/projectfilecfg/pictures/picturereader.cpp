@@ -1,6 +1,7 @@
 #include "picturereader.h"
 
 #include "packagelimits.h"
+#include "reason.h"
 
 #include <QFile>
 
@@ -35,18 +36,33 @@ PictureReader::PictureReader(QIODevice *device)
     m_reader.setAutoDetectImageFormat(false);
 }
 
-QSize PictureReader::size() const
+QSize PictureReader::size(QString *reason) const
 {
-    return m_scan.isPng() && !m_scan.isBeyondLimits() ? m_reader.size() : QSize();
+    if (!m_scan.isPng())
+        failBecause(reason, QStringLiteral("it cannot be read, is no PNG, or is larger than %1 bytes")
+                                .arg(PackageLimits::maxPictureFileSize));
+    else if (m_scan.isBeyondLimits())
+        failBecause(reason, QStringLiteral("it is too wide or too high, or has too many texts and profiles"));
+    else if (m_reader.size().isValid())
+        return m_reader.size();
+    else
+        failBecause(reason, QStringLiteral("its header is damaged"));
+    return QSize();
 }
 
-QImage PictureReader::read()
+QImage PictureReader::read(QString *reason)
 {
-    if (size().isEmpty() || m_scan.memory() > PackageLimits::maxPictureMemory)
+    const QSize stated = size(reason);
+    if (!stated.isValid())
         return QImage();
+    const bool isTooLarge = m_scan.memory() > PackageLimits::maxPictureMemory;
     QImage image;
-    if (!m_reader.read(&image))
+    if (stated.isEmpty() || isTooLarge || !m_reader.read(&image)) {
+        failBecause(reason, stated.isEmpty() ? QStringLiteral("it has no pixels")
+                            : isTooLarge     ? QStringLiteral("its pixels need too much memory")
+                                             : m_reader.errorString());
         return QImage();
+    }
     return std::move(image).convertToFormat(QImage::Format_ARGB32);
 }
 

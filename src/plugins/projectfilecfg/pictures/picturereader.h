@@ -19,12 +19,13 @@ public:
     explicit PictureReader(QIODevice *device);
 
     /// Width and height as the file states them. Invalid if the file is missing, is not a PNG, whatever its name, or is
-    /// beyond PackageLimits: its size, width, height, or texts and profiles.
-    QSize size() const;
+    /// beyond PackageLimits: its size, width, height, or texts and profiles. `reason` is set then (see reason.h), and
+    /// names no path.
+    QSize size(QString *reason = nullptr) const;
 
     /// The picture as QImage::Format_ARGB32. Null if it cannot be read completely, or if that would take more memory
     /// than PackageLimits::maxPictureMemory.
-    QImage read();
+    QImage read(QString *reason = nullptr);
 
 private:
     /// An empty scan if the file cannot be read or is too large.

@@ -1,6 +1,7 @@
 #include "picturewriter.h"
 
 #include "encodedpictures.h"
+#include "reason.h"
 #include "stagedfile.h"
 
 #include <QDebug>
@@ -12,14 +13,16 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-qint64 PictureWriter::writeFile(const QString &path, const QByteArray &bytes)
+PictureWriter::File PictureWriter::writeFile(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
     if (bytes.isEmpty() || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        qDebug() << "Save picture failed:" << path;
-        return LeftOut;
+        qDebug() << "Save picture failed:" << path
+                 << (bytes.isEmpty() ? QStringLiteral("it is empty or cannot be encoded") : file.errorString());
+        return {LeftOut, QString()};
     }
-    return writeWhole(file, bytes) ? bytes.size() : Cut;
+    QString reason;
+    return writeWhole(file, bytes, &reason) ? File{bytes.size(), QString()} : File{Cut, reason};
 }
 
 PictureWriter::PictureWriter(const std::shared_ptr<EncodedPictures> &encoded, qint64 budget, int threads)
@@ -46,10 +49,11 @@ void PictureWriter::take(int index)
 {
     const Pending pending = m_listPending.takeAt(index);
     m_nPixelBytes -= pending.pixelBytes;
-    const qint64 size = pending.end.result();
-    m_bCut = m_bCut || size == Cut;
-    if (size >= 0)
-        m_written.insert(pending.path, size);
+    const File file = pending.end.result();
+    if (m_strCutReason.isEmpty())
+        m_strCutReason = file.reason;
+    if (file.size >= 0)
+        m_written.insert(pending.path, file.size);
 }
 
 void PictureWriter::write(QImage picture, const QString &path)
@@ -70,11 +74,11 @@ void PictureWriter::write(QImage picture, const QString &path)
     m_listPending.append({path, pixelBytes, QtConcurrent::run(&m_pool, task)});
 }
 
-bool PictureWriter::waitForDone()
+bool PictureWriter::waitForDone(QString *reason)
 {
     while (!m_listPending.isEmpty())
         take(0);
-    return !m_bCut;
+    return m_strCutReason.isEmpty() || failBecause(reason, m_strCutReason);
 }
 
 } // namespace Internal

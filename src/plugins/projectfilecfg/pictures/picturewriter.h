@@ -41,7 +41,7 @@ public:
 
     /// Waits until everything is written. False if a picture's file is incomplete: the staged files must not be packed
     /// then.
-    bool waitForDone();
+    bool waitForDone(QString *reason = nullptr);
 
     /// After waitForDone(): the paths of the pictures that were written, with the sizes of their files in bytes.
     const QHash<QString, qint64> &written() const { return m_written; }
@@ -49,23 +49,29 @@ public:
 private:
     Q_DISABLE_COPY(PictureWriter)
 
+    enum { LeftOut = -1, Cut = -2 };
+    struct File
+    {
+        /// In bytes, or LeftOut, or Cut.
+        qint64 size;
+        QString reason;
+    };
     struct Pending
     {
         QString path;
         qint64 pixelBytes;
-        /// The file's size, LeftOut or Cut.
-        QFuture<qint64> end;
+        QFuture<File> end;
     };
-    enum { LeftOut = -1, Cut = -2 };
 
-    static qint64 writeFile(const QString &path, const QByteArray &bytes);
+    static File writeFile(const QString &path, const QByteArray &bytes);
     bool hasRoomFor(qint64 pixelBytes) const;
     void take(int index);
 
     const std::shared_ptr<EncodedPictures> m_pEncoded;
     const qint64 m_nBudget;
     qint64 m_nPixelBytes = 0;
-    bool m_bCut = false;
+    /// Of the first file that was cut.
+    QString m_strCutReason;
     QHash<QString, qint64> m_written;
     QThreadPool m_pool;
     QList<Pending> m_listPending;

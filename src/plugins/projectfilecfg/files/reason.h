@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QFile>
+#include <QString>
+
+#include <cerrno>
+#include <system_error>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// An operation that can fail takes `QString *reason` as its last parameter: on failure it sets the text, if one is
+/// given, to a short English sentence for the log, with the path and the system's error; on success it leaves it alone.
+/// Nothing below the jobs and the panel's slots logs a failure that it returns: whoever gives up does, once.
+///
+/// Sets the reason and returns false.
+inline bool failBecause(QString *reason, const QString &text)
+{
+    if (reason)
+        *reason = text;
+    return false;
+}
+
+/// The text of `errno`, as the last failed call of the system left it.
+inline QString systemError()
+{
+    return QString::fromLocal8Bit(std::generic_category().message(errno).c_str());
+}
+
+/// Why a write to the device failed. Qt has no text if the system took only a part, as a disk does that becomes full.
+inline QString writeError(const QIODevice &device)
+{
+    const QString error = device.errorString();
+    return error == QFile().errorString() ? QStringLiteral("only a part could be written, the disk may be full")
+                                          : error;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

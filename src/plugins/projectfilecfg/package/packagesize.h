@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QtGlobal>
+
+class QString;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The least that an entry takes in a package, in bytes: its headers, and its content if that is stored. So a tree that
+/// is much too large for a package is found out before 4 GiB are written.
+qint64 leastPackedSize(const QString &entryName, qint64 size);
+
+} // namespace Internal
+} // namespace ProjectFileCfg

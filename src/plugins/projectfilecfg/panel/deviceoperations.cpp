@@ -1,0 +1,134 @@
+#include "deviceoperations.h"
+
+#include "devicelookup.h"
+#include "hostcalls.h"
+#include "waiting.h"
+
+#include <model/devicelist.h>
+#include <model/objectbrige.h>
+#include <modelcontrol/devicecontroler.h>
+#include <modelcontrol/operationadapter.h>
+
+#include <algorithm>
+
+using Model::object_brige;
+using ModelControl::DeviceControler;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Null if it has none.
+static std::shared_ptr<Model::Screen> firstScreen(const Model::Device &device)
+{
+    const std::vector<std::shared_ptr<Model::Screen>> screens = device.getScreens();
+    const auto first = std::find_if(screens.begin(), screens.end(), [](const auto &screen) { return bool(screen); });
+    return first == screens.end() ? nullptr : *first;
+}
+
+static void setChannelExclusive(const std::shared_ptr<Model::Device> &device, bool exclusive)
+{
+    callHost("setChannelExclusive", [&] { DeviceControler(device).setChannelExclusive(exclusive); });
+}
+
+std::shared_ptr<Model::Device> DeviceOperations::activate(const QString &address)
+{
+    std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
+    if (!device || device->getIPAddress() == address)
+        return device;
+    device = findDeviceByAddress(address);
+    return device && makeActive(device) ? device : nullptr;
+}
+
+bool DeviceOperations::makeActive(const std::shared_ptr<Model::Device> &device)
+{
+    return callHost("setActiveDevice", [&device] { object_brige::instance()->setActiveDevice(device); });
+}
+
+void DeviceOperations::activateFirstScreen(const Model::Device &device)
+{
+    object_brige *bridge = object_brige::instance();
+    const std::shared_ptr<Model::Screen> screen = firstScreen(device);
+    callHost("clearScreenList", [&] { bridge->clearScreenList(!screen); });
+    if (screen) {
+        callHost("setActivedScreen", [&] { bridge->setActivedScreen(screen); });
+        callHost("appendSelectedScreen", [&] { bridge->appendSelectedScreen(screen); });
+    }
+}
+
+bool DeviceOperations::syncDeviceData(const QString &address)
+{
+    return sync(findDeviceByAddress(address));
+}
+
+bool DeviceOperations::syncActiveDeviceData()
+{
+    return sync(object_brige::instance()->activeDevice());
+}
+
+bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
+{
+    if (!device)
+        return false;
+    const bool online = device->getDeviceOnlineFlag();
+    if (online)
+        Waiting::show(tr("Sync device data , please wait."));
+    bool synchronised = false;
+    callHost("updateOnlineDevice", [&] {
+        synchronised =
+            OperationAdapter::instance()->updateOnlineDevice(device->getIPAddress(), device->getSN(),
+                                                             ControlStruct::defaultCallBack) == ControlEnum::ErrorNone;
+    });
+    if (online)
+        Waiting::hide();
+    return synchronised;
+}
+
+bool DeviceOperations::restoreFactory()
+{
+    const std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
+    if (!device)
+        return false;
+    const std::map<Model::Device::ParameterType, std::any> parameters{
+        {Model::Device::DeviceReset, Model::Device::ResetFactory}};
+    if (device->getDeviceOnlineFlag())
+        Waiting::show(tr("Restore factory,please wait..."));
+    bool restored = false;
+    callHost("updateDeviceInfo", [&] { restored = DeviceControler(device).updateDeviceInfo(parameters); });
+    Waiting::hide();
+    return restored;
+}
+
+unsigned long long DeviceOperations::estimateProjectSize(const QString &address)
+{
+    const std::shared_ptr<Model::Device> device = address.isEmpty() ? nullptr : findDeviceByAddress(address);
+    if (!device)
+        return 0;
+    const DeviceControler controler(device);
+    const unsigned long long logos = controler.calLogoMaterailCapacity({}, Model::Materail::Logo, true);
+    // Bytes as whole MiB, and a margin of ten.
+    return ((logos + controler.usedCapacity()) >> 20) + 10;
+}
+
+void DeviceOperations::reserveChannel(const std::shared_ptr<Model::Device> &device)
+{
+    setChannelExclusive(device, true);
+}
+
+void DeviceOperations::freeChannel(const std::shared_ptr<Model::Device> &device)
+{
+    if (device && device->getDeviceOnlineFlag())
+        setChannelExclusive(device, false);
+}
+
+void DeviceOperations::cancelSave(const std::shared_ptr<Model::Device> &device)
+{
+    callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
+}
+
+void DeviceOperations::cancelLoad()
+{
+    callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

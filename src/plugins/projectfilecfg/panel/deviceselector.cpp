@@ -1,0 +1,117 @@
+#include "deviceselector.h"
+
+#include <model/devicelist.h>
+#include <model/objectbrige.h>
+
+#include <QComboBox>
+#include <QDebug>
+#include <QMetaMethod>
+#include <QStandardItemModel>
+#include <QTextDocument>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+static const int markRole = Qt::UserRole + 1;
+static const int markCount = 4;
+static const int markInfo = 0;
+static const int markAddress = 3;
+static const int widestInfo = 260; // pixels
+
+static QStringList markOf(const Model::Device &device)
+{
+    return {device.getDeviceInfo(), device.getTypeString(), device.getName(), device.getIPAddress()};
+}
+
+/// Tool tips show rich text. What comes from a device is shown as it is, and nothing in it is loaded.
+static QString asToolTip(const QString &text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
+}
+
+/// The style sheet's cache of widgets lives by destroyed(), which stays connected.
+static void cutConnections(QWidget *widget)
+{
+    const QMetaMethod destroyed = QMetaMethod::fromSignal(&QObject::destroyed);
+    const QMetaObject *meta = widget->metaObject();
+    for (int i = 0; i < meta->methodCount(); ++i) {
+        const QMetaMethod method = meta->method(i);
+        if (method.methodType() == QMetaMethod::Signal && method.name() != destroyed.name())
+            QObject::disconnect(widget, method, nullptr, QMetaMethod());
+    }
+}
+
+DeviceSelector::DeviceSelector(QComboBox *combo)
+    : m_pCombo(combo)
+{}
+
+QString DeviceSelector::elidedInfo(const Model::Device &device) const
+{
+    return m_pCombo->fontMetrics().elidedText(device.getDeviceInfo(), Qt::ElideMiddle, widestInfo);
+}
+
+bool DeviceSelector::refill(QString &address)
+{
+    QString selection = m_pCombo->currentText();
+    m_pCombo->clear();
+    cutConnections(m_pCombo);
+
+    const Model::DeviceList *devices = Model::DeviceList::instance();
+    if (!devices) {
+        qCritical() << "DeviceList::instance() is nullptr!!!";
+        return false;
+    }
+
+    auto *model = new QStandardItemModel(m_pCombo);
+    QString matchedAddress;
+    for (const std::shared_ptr<Model::Device> &device : devices->getDevices()) {
+        if (!device || !device->deviceConfig().supportProjectFile)
+            continue;
+        auto *item = new QStandardItem(elidedInfo(*device));
+        item->setToolTip(asToolTip(device->getDeviceInfo()));
+        item->setData(markOf(*device), markRole);
+        if (device->getIPAddress() == address) {
+            matchedAddress = device->getIPAddress();
+            selection = item->text();
+        }
+        model->appendRow(item);
+    }
+    m_pCombo->setModel(model);
+
+    if (const std::shared_ptr<Model::Device> active = Model::object_brige::instance()->activeDevice()) {
+        address = active->getIPAddress();
+        selection = elidedInfo(*active);
+    } else {
+        address = matchedAddress;
+    }
+    m_pCombo->setCurrentText(selection);
+    return true;
+}
+
+QStringList DeviceSelector::currentMark() const
+{
+    return m_pCombo->currentData(markRole).toStringList();
+}
+
+bool DeviceSelector::showCurrent()
+{
+    const QStringList mark = currentMark();
+    if (mark.isEmpty())
+        qCritical() << "parameter is empty!!!";
+    else
+        m_pCombo->setToolTip(asToolTip(mark.at(markInfo)));
+    return mark.count() == markCount;
+}
+
+void DeviceSelector::changeDevice(QString &address)
+{
+    if (showCurrent()) {
+        address = currentMark().at(markAddress);
+    } else if (!currentMark().isEmpty()) {
+        address.clear();
+        qCritical() << "device mark list count error.";
+    }
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

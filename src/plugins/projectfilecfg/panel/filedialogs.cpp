@@ -1,0 +1,69 @@
+#include "filedialogs.h"
+
+#include "messageboxes.h"
+#include "projectfilefacts.h"
+
+#include <QDebug>
+#include <QFileDialog>
+#include <QPointer>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Such a dialog must be on the heap, which those of QFileDialog's static functions are not.
+static QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
+{
+    const int answer = dialog->exec();
+    if (!dialog)
+        return QStringList();
+    dialog->deleteLater();
+    return answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
+}
+
+static QString otherThan(const QString &documents, const QString &chosen)
+{
+    return chosen == documents ? QString() : chosen;
+}
+
+QString FileDialogs::projectFileFilter()
+{
+    return QStringLiteral("%1(*%2)").arg(tr("file"), ProjectFileFacts::packageExtension);
+}
+
+QStringList FileDialogs::selectProjectFiles(QWidget *parent, bool bMulti)
+{
+    auto *dialog = new QFileDialog(parent);
+    dialog->setWindowTitle(tr("Project file"));
+    dialog->setDirectory(QStringLiteral("."));
+    dialog->setNameFilter(projectFileFilter());
+    dialog->setFileMode(bMulti ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+    dialog->setViewMode(QFileDialog::Detail);
+    return chosenFiles(dialog);
+}
+
+QString FileDialogs::selectTarget(QWidget *parent, QString documents, QString path)
+{
+    const QString suggested = documents + QLatin1Char('/') + QFileInfo(path).fileName();
+    auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), suggested, projectFileFilter());
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    const QString target = otherThan(documents, chosenFiles(dialog).value(0));
+    if (target.isEmpty() || !QFile::exists(target))
+        return target;
+    const QString message =
+        tr("Project File [%1] already exist. Please change file name and try again").arg(QFileInfo(target).baseName());
+    qWarning().noquote() << message;
+    MessageBoxes::remind(parent, message);
+    return QString();
+}
+
+QString FileDialogs::selectFolder(QWidget *parent, QString documents)
+{
+    auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), documents);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    return otherThan(documents, chosenFiles(dialog).value(0));
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QStringList>
+
+class QWidget;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Asks for files and folders. User-interface thread; each runs a modal dialog.
+///
+/// The answer is empty if the operator cancelled, or if `parent` has gone meanwhile and the dialog with it. Takes
+/// strings by value, since those of `parent` may have gone too.
+class FileDialogs
+{
+    // The panel's texts.
+    Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
+
+public:
+    /// Existing project files from anywhere; one unless `bMulti`. Begins in the process's current directory.
+    static QStringList selectProjectFiles(QWidget *parent, bool bMulti);
+
+    /// The path of a copy of the file at `path`, by default under its name in the folder `documents`. Empty also if the
+    /// answer is `documents` itself, or an existing file, which a box says.
+    static QString selectTarget(QWidget *parent, QString documents, QString path);
+
+    /// The folder for copies, by default `documents`. Empty also if the answer is `documents` itself.
+    static QString selectFolder(QWidget *parent, QString documents);
+
+private:
+    static QString projectFileFilter();
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,43 @@
+#include "loadpreparation.h"
+
+#include "deviceoperations.h"
+#include "engineerdocload.h"
+#include "messageboxes.h"
+
+#include <QDebug>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+bool LoadPreparation::sync(const EngineerDocLoad &load)
+{
+    if (DeviceOperations::syncDeviceData(load.deviceIp()))
+        return true;
+    qWarning() << "Import project file failed, as sync device from hardware failed.";
+    return false;
+}
+
+bool LoadPreparation::reset(QWidget *panel, EngineerDocLoad &load)
+{
+    const bool restored = DeviceOperations::restoreFactory();
+    if (restored && sync(load))
+        return true;
+    load.releasePackage();
+    if (!restored)
+        MessageBoxes::warn(panel, tr(" Restore factory failed "));
+    return false;
+}
+
+bool LoadPreparation::prepare(QWidget *panel, EngineerDocLoad &load, bool online)
+{
+    if (online && !sync(load))
+        return false;
+    if (!load.checkPackageFile() || !load.checkDevice()) {
+        MessageBoxes::showLoadResult(panel, load.resultCode());
+        return false;
+    }
+    return !online || reset(panel, load);
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QMessageBox>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The panel's message boxes. User-interface thread; each runs modally, and the panel may have gone when it returns.
+class MessageBoxes
+{
+    // The panel's texts.
+    Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
+
+public:
+    /// A warning under the title "Warning".
+    static void warn(QWidget *panel, const QString &text);
+    /// A warning under the title "Remind".
+    static void remind(QWidget *panel, const QString &text);
+
+    /// True if the operator answers Yes and the panel is still there.
+    static bool confirm(QWidget *panel, const QString &question);
+    /// Whether to save the device's configuration before another is applied: Yes, No or Cancel; Cancel also if the
+    /// panel has gone.
+    static QMessageBox::StandardButton askForBackup(QWidget *panel);
+
+    /// Shows the text of a BackupResultCode; nothing for one that has none, such as success.
+    static void showBackupResult(QWidget *panel, int code);
+    /// Shows the text of a LoadResultCode; nothing for one that has none, such as success.
+    static void showLoadResult(QWidget *panel, int code);
+    /// Shows the failure of copying or importing, or its success if `failure` is empty.
+    static void showCopyResult(QWidget *panel, const QString &failure, const QString &success);
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,48 @@
+#include "newproject.h"
+
+#include "engineerpropertysettingwidget.h"
+#include "projectfilefacts.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QPointer>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+static const int lastNumber = 999;
+
+QString NewProject::generateProjectName(const QString &directory)
+{
+    const QString base = tr("Project");
+    for (int number = 1; number <= lastNumber; ++number) {
+        const QString name = base + QString::number(number);
+        if (!QFile::exists(directory + name + ProjectFileFacts::packageExtension))
+            return name;
+    }
+    return QString();
+}
+
+QString NewProject::timeStamp()
+{
+    return QDateTime::currentDateTime().toString(ProjectFileFacts::timeStampFormat);
+}
+
+std::optional<NewProject::Properties> NewProject::ask(QWidget *panel, const QString &directory)
+{
+    // The dialog is modal, but the panel may go while it is open, and the dialog with it.
+    const QPointer<EngineerPropertySettingWidget> dialog =
+        new EngineerPropertySettingWidget(panel, QString(), QString());
+    dialog->setProjectName(generateProjectName(directory));
+    dialog->setComment(timeStamp());
+    const int answer = dialog->exec();
+    if (!dialog)
+        return std::nullopt;
+    dialog->deleteLater();
+    if (answer != QDialog::Accepted)
+        return std::nullopt;
+    return Properties{dialog->getProjectName(), dialog->getComment()};
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,37 @@
+#include "packagefiles.h"
+
+#include "projectfilefacts.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QVector>
+
+#include <algorithm>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+QFileInfoList packagesIn(const QString &dirPath)
+{
+    struct Package
+    {
+        qint64 modified;
+        QString name;
+        QFileInfo file;
+    };
+    QVector<Package> packages;
+    const QFileInfoList entries = QDir(dirPath).entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
+                                                              QDir::Dirs | QDir::Files | QDir::Drives, QDir::Unsorted);
+    for (const QFileInfo &entry : entries)
+        packages.append({entry.lastModified().toMSecsSinceEpoch(), entry.fileName(), entry});
+    std::sort(packages.begin(), packages.end(), [](const Package &one, const Package &other) {
+        return one.modified == other.modified ? one.name < other.name : one.modified > other.modified;
+    });
+    QFileInfoList sorted;
+    for (const Package &package : qAsConst(packages))
+        sorted.append(package.file);
+    return sorted;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

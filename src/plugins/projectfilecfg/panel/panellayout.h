@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QCoreApplication>
+
+class QComboBox;
+class QLabel;
+class QPushButton;
+class QTableWidget;
+class QWidget;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Where the panel's widgets stand, how large they are, and what the label and the command buttons are called.
+class PanelLayout
+{
+    // The panel's texts.
+    Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
+
+public:
+    struct Widgets
+    {
+        QLabel *pDeviceLabel;
+        QComboBox *pDeviceCombo;
+        QPushButton *pSaveProjectBtn;
+        QPushButton *pImportProjectBtn;
+        QPushButton *pApplyOthersBtn;
+        QPushButton *pAllSaveasBtn;
+        QPushButton *pAllDeleteBtn;
+        QTableWidget *pProjectTable;
+    };
+
+    /// Lays the widgets out in the panel, which becomes their parent and must outlive this object.
+    PanelLayout(QWidget *panel, const Widgets &widgets);
+
+    /// Sets the texts, and the widths that follow from them: one for all command buttons.
+    void retranslate();
+
+private:
+    QWidget *const m_pPanel;
+    const Widgets m_widgets;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

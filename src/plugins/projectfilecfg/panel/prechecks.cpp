@@ -1,0 +1,64 @@
+#include "prechecks.h"
+
+#include "deviceoperations.h"
+#include "diskspace.h"
+#include "hostcalls.h"
+#include "messageboxes.h"
+
+#include <QDebug>
+#include <QFile>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+bool PreChecks::isDeviceSelected(QWidget *panel, const QString &address)
+{
+    if (!address.isEmpty())
+        return true;
+    MessageBoxes::warn(panel, tr("Please select a device."));
+    return false;
+}
+
+bool PreChecks::isFileThere(QWidget *panel, const QString &path)
+{
+    if (QFile::exists(path))
+        return true;
+    MessageBoxes::remind(panel, tr("The file does not exist."));
+    return false;
+}
+
+bool PreChecks::isRoomForProject(QWidget *panel, const QString &address, const QString &directory)
+{
+    unsigned long long size = 0;
+    if (!DeviceOperations::syncActiveDeviceData() ||
+        !callHost("the estimate of the size", [&] { size = DeviceOperations::estimateProjectSize(address); })) {
+        MessageBoxes::warn(panel, tr("Failed to get device information"));
+        return false;
+    }
+    const unsigned long long available = DiskSpace::availableForProjects(directory);
+    if (size < available)
+        return true;
+    qCritical() << "m_strDefaultPath:" << directory << "  project file size:" << size
+                << "  available space size:" << available;
+    MessageBoxes::warn(panel, tr("Insufficient default path space to perform current operation"));
+    return false;
+}
+
+bool PreChecks::isRoomForImport(QWidget *panel, const QStringList &files, const QString &directory)
+{
+    if (DiskSpace::isEnoughFor(files, DiskSpace::availableForProjects(directory)))
+        return true;
+    MessageBoxes::remind(panel, tr("Not enough space to import all selected files."));
+    return false;
+}
+
+bool PreChecks::isRoomForCopies(QWidget *panel, const QStringList &files, const QString &folder)
+{
+    if (DiskSpace::isEnoughFor(files, DiskSpace::getDiskAvailableSize(folder)))
+        return true;
+    MessageBoxes::warn(panel, tr("Cannot save the file because there is not enough storage available."));
+    return false;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QStringList>
+
+class QWidget;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// What the panel checks before an operation. Each check that fails is told to the operator in a box; the panel may
+/// have gone then. User-interface thread.
+class PreChecks
+{
+    // The panel's texts.
+    Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
+
+public:
+    /// True if `address`, that of the selected device, is not empty.
+    static bool isDeviceSelected(QWidget *panel, const QString &address);
+    static bool isFileThere(QWidget *panel, const QString &path);
+
+    /// Refreshes the host's model of the active device. True if that device answers, and if a project of the device at
+    /// `address` is estimated to be smaller than the free space in the project-files directory.
+    static bool isRoomForProject(QWidget *panel, const QString &address, const QString &directory);
+    /// True if the files are smaller than the free space in the project-files directory.
+    static bool isRoomForImport(QWidget *panel, const QStringList &files, const QString &directory);
+    /// True if the files are smaller than the free space in the folder.
+    static bool isRoomForCopies(QWidget *panel, const QStringList &files, const QString &folder);
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

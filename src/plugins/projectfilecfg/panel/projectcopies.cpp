@@ -1,0 +1,68 @@
+#include "projectcopies.h"
+
+#include "replacingfile.h"
+#include "zippackagehandle.h"
+
+#include <QDebug>
+#include <QFileInfo>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+static QString pathIn(const QString &folder, const QFileInfo &file)
+{
+    return QStringLiteral("%1/%2").arg(folder, file.fileName());
+}
+
+QString ProjectCopies::saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir)
+{
+    qDebug() << "file save path is " << destination;
+    QStringList failed;
+    for (const QString &file : files) {
+        const QFileInfo source(file);
+        QString reason;
+        if (copyToFreeName(file, bDestIsDir ? pathIn(destination, source) : destination, &reason))
+            continue;
+        qDebug().noquote() << "Save as failed:" << reason;
+        failed.append(source.baseName());
+    }
+    return failed.isEmpty() ? QString() : tr("save as [%1] failed").arg(failed.join(QStringLiteral(", ")));
+}
+
+QString ProjectCopies::importProjectFiles(const QStringList &files, const QString &dirPath)
+{
+    QStringList failed;
+    for (const QString &file : files) {
+        const QFileInfo source(file);
+        // Never true, since `dirPath` ends in a separator: a file from the directory itself fails to be
+        // copied onto itself and is reported.
+        if (source.path() == dirPath)
+            continue;
+        QString reason;
+        const bool isValid = ZipPackageHandle::isValidEngineerPacket(file, &reason);
+        if (isValid && copyToFreeName(file, pathIn(dirPath, source), &reason))
+            continue;
+        qDebug().noquote() << "Import failed:" << reason;
+        if (!isValid)
+            return tr("The file[%1] context is invalid.").arg(file);
+        failed.append(source.baseName());
+    }
+    return failed.isEmpty() ? QString() : tr("Import project file [%1] failed").arg(failed.join(QStringLiteral(", ")));
+}
+
+QFutureWatcher<QString> *ProjectCopies::watch(const QFuture<QString> &work, QObject *panel,
+                                              const std::function<void()> &finished)
+{
+    auto *watcher = new QFutureWatcher<QString>;
+    QObject::connect(watcher, &QFutureWatcher<QString>::finished, panel, finished);
+    watcher->setFuture(work);
+    return watcher;
+}
+
+bool ProjectCopies::isAwaited(const QFutureWatcher<QString> *watcher)
+{
+    return watcher && !watcher->isFinished();
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QFutureWatcher>
+#include <QStringList>
+
+#include <functional>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Copies packages out of the project-files directory and into it, in the global thread pool.
+class ProjectCopies
+{
+    // The panel's texts.
+    Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
+
+public:
+    // The work. Any thread: uses only its arguments and the disk. Returns an empty string, or the text that tells the
+    // operator what failed.
+
+    /// Copies `files` into the folder `destination`, or the one file to the path `destination`. Replaces nothing; the
+    /// text names all files that could not be copied.
+    static QString saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir);
+
+    /// Copies `files` into `dirPath`. Replaces nothing; the text names all files that could not be copied. The first
+    /// one that is no valid package ends the import, and the text names it alone.
+    static QString importProjectFiles(const QStringList &files, const QString &dirPath);
+
+    // Its end. User-interface thread.
+
+    /// Calls `finished` in the event loop when the work is over, unless `panel` has gone.
+    static QFutureWatcher<QString> *watch(const QFuture<QString> &work, QObject *panel,
+                                          const std::function<void()> &finished);
+    /// False if nobody waits for that work any more; `watcher` may be null. The future would not do: the work may be
+    /// over and the panel not yet know of it.
+    static bool isAwaited(const QFutureWatcher<QString> *watcher);
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,55 @@
+#include "projectediting.h"
+
+#include "durablefile.h"
+#include "engineerpropertysettingwidget.h"
+#include "messageboxes.h"
+#include "projectfilefacts.h"
+#include "projectlist.h"
+
+#include <QDebug>
+#include <QPointer>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectList &projects, const QString &path,
+                                                       QString directory)
+{
+    std::optional<EngineerPacketInfo> entry = projects.find(path);
+    if (!entry)
+        return std::nullopt;
+
+    // Not released: it stays a child of the panel.
+    const QPointer<EngineerPropertySettingWidget> dialog =
+        new EngineerPropertySettingWidget(panel, QString(), QString());
+    dialog->setProjectName(entry->strProjectName);
+    dialog->setComment(entry->strComment);
+    const int answer = dialog->exec();
+    if (!dialog)
+        return std::nullopt;
+    entry = projects.find(path);
+    if (answer != QDialog::Accepted || !entry)
+        return std::nullopt;
+
+    EngineerPacketInfo edited = *entry;
+    edited.strProjectName = dialog->getProjectName();
+    edited.strComment = dialog->getComment();
+    // A kill between here and the renaming leaves the new name in the record alone; the list shows file names.
+    QString reason;
+    if (!ZipPackageHandle::setEngineerInfo(edited, &reason)) {
+        qDebug().noquote() << "Edit failed:" << reason;
+        return std::nullopt;
+    }
+
+    edited.strFilePath = directory + edited.strProjectName + ProjectFileFacts::packageExtension;
+    if (edited.strFilePath != path && !DurableFile::renameDurably(path, edited.strFilePath, &reason)) {
+        qDebug().noquote() << "Edit failed:" << reason;
+        qWarning() << "File rename failed.";
+        MessageBoxes::remind(panel, tr("File rename failed"));
+        return std::nullopt;
+    }
+    return edited;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

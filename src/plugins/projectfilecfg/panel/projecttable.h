@@ -1,0 +1,48 @@
+#pragma once
+
+#include "projectrowwidget.h"
+#include "zippackagehandle.h"
+
+#include <QCoreApplication>
+#include <QIcon>
+#include <QList>
+
+#include <functional>
+
+class QTableWidget;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The contents of the project table: one row per package, with its file, its comment and its buttons.
+class ProjectTable
+{
+    // The panel's texts.
+    Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
+
+public:
+    using ConnectRow = std::function<void(const ProjectRowWidget &row)>;
+
+    /// Sets up `table`, which must outlive this object. Calls `connectRow` once for the buttons of each new row.
+    ProjectTable(QTableWidget *table, const ConnectRow &connectRow);
+
+    /// The header's texts. Those of the rows follow with the next show().
+    void retranslate();
+    /// Shows the packages in their order. Keeps the rows that are right, since making them anew takes a hundred times
+    /// longer than looking at them.
+    void show(const QList<EngineerPacketInfo> &projects);
+    void clear();
+
+private:
+    void makeRow(int row);
+    void fillRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts);
+    ProjectRowWidget *rowWidget(int row) const;
+
+    QTableWidget *const m_pTable;
+    const ConnectRow m_connectRow;
+    const QIcon m_projectIcon;
+    const ProjectRowWidget::Icons m_rowIcons;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

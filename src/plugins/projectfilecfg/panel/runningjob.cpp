@@ -1,0 +1,69 @@
+#include "runningjob.h"
+
+#include "devicelookup.h"
+#include "deviceoperations.h"
+#include "engineerdocbackup.h"
+#include "engineerdocload.h"
+#include "hostcalls.h"
+#include "zippackagehandle.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QSemaphore>
+#include <QThread>
+
+#include <memory>
+
+using Core::ICore;
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace RunningJob {
+
+/// How many jobs were announced in this process: tells whether one that ends late is still the last.
+static int s_announcedJobs = 0;
+
+void announce(ICore::OperatorDeviceType type)
+{
+    if (type != ICore::OperatorNone)
+        ++s_announcedJobs;
+    callHost("setOperatorType", [type] { ICore::setOperatorType(type, QString()); });
+}
+
+static bool hasSavedPackage(const EngineerDocBackup &backup)
+{
+    return !backup.savedPackagePath().isEmpty() && ZipPackageHandle::isValidEngineerPacket(backup.savedPackagePath());
+}
+
+bool isApplyDue(const EngineerDocBackup *backup, const QString &next)
+{
+    if (next.isEmpty() || !backup || backup->resultCode() != BackupSuccess)
+        return false;
+    if (hasSavedPackage(*backup))
+        return true;
+    qWarning() << "The backup left no valid package, so this one is not applied:" << next;
+    return false;
+}
+
+void startThenConnect(QThread &job, const std::function<void()> &connectAll)
+{
+    const auto connected = std::make_shared<QSemaphore>();
+    QObject::connect(
+        &job, &QThread::started, &job, [connected] { connected->acquire(); }, Qt::DirectConnection);
+    job.start(QThread::InheritPriority);
+    connectAll();
+    connected->release();
+}
+
+void endAfterPanel(const EngineerDocLoad &load)
+{
+    QObject::connect(&load, &QObject::destroyed, qApp, [address = load.deviceIp(), number = s_announcedJobs] {
+        if (number == s_announcedJobs)
+            announce(ICore::OperatorNone);
+        DeviceOperations::freeChannel(findDeviceByAddress(address));
+    });
+}
+
+} // namespace RunningJob
+} // namespace Internal
+} // namespace ProjectFileCfg

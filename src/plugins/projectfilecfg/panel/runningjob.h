@@ -1,0 +1,38 @@
+#pragma once
+
+#include <core/icore.h>
+
+#include <functional>
+
+class QThread;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+class EngineerDocBackup;
+class EngineerDocLoad;
+
+/// What a job's start and end need beside the job. User-interface thread.
+namespace RunningJob {
+
+/// Tells the host which operation runs on a device from now on.
+void announce(Core::ICore::OperatorDeviceType type);
+
+/// After the end of a save, which may be null: true if a package waits to be applied, at the path `next`, and the save
+/// succeeded and left its package, which is valid. A save may end with success and without a package; then there is
+/// nothing to come back to, and a line in the log says so.
+bool isApplyDue(const EngineerDocBackup *backup, const QString &next);
+
+/// Starts the thread of `job`, calls `connectAll`, and only then lets the thread begin its work. Otherwise the end of a
+/// job that fails at once would be reported to nobody.
+void startThenConnect(QThread &job, const std::function<void()> &connectAll);
+
+/// For a load whose panel goes while it runs: when the job has been destroyed, and so its thread has ended, others may
+/// use the device again. Then frees the device's channel and, unless another job was announced meanwhile, tells the
+/// host that nothing runs: until then the job may have told it of one more picture.
+void endAfterPanel(const EngineerDocLoad &load);
+
+} // namespace RunningJob
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,124 @@
+#include "durablefile.h"
+#include "packagesnapshot.h"
+#include "packagetesting.h"
+
+#include <support/testmain.h>
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+#include <dlfcn.h>
+#include <sys/file.h>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+
+/// Called when somebody asked in vain for a lock to read, before he hears of it. On the thread that tests alone.
+static std::function<void()> s_onRefusedReader;
+
+// Stands before the C library's.
+extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
+{
+    static const auto original = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "flock"));
+    const int result = original(handle, operation);
+    if (result != 0 && (operation & LOCK_SH) && s_onRefusedReader) {
+        const int error = errno;
+        s_onRefusedReader();
+        errno = error;
+    }
+    return result;
+}
+
+class TstPackageSnapshot : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void a_copy_holds_what_the_package_held();
+    void a_copy_waits_for_the_edit_of_another_program();
+    void a_writer_that_never_ends_is_not_waited_for();
+    void the_package_can_be_edited_after_the_copy();
+
+private:
+    QString path(const QString &name) const { return m_temp->filePath(name); }
+    /// Empty if there is no copy.
+    QByteArray copied();
+
+    QScopedPointer<QTemporaryDir> m_temp;
+};
+
+void TstPackageSnapshot::init()
+{
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+}
+
+void TstPackageSnapshot::cleanup()
+{
+    s_onRefusedReader = nullptr;
+}
+
+QByteArray TstPackageSnapshot::copied()
+{
+    PackageSnapshot snapshot;
+    const PackageSnapshot::Outcome outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()});
+    const std::unique_ptr<QFile> copy = snapshot.release();
+    return outcome == PackageSnapshot::Taken && copy->seek(0) ? copy->readAll() : QByteArray();
+}
+
+void TstPackageSnapshot::a_copy_holds_what_the_package_held()
+{
+    QVERIFY(writeFile(path("show.corvelpro"), noise(3 * MiB)));
+    QCOMPARE(copied(), noise(3 * MiB));
+}
+
+void TstPackageSnapshot::a_copy_waits_for_the_edit_of_another_program()
+{
+    const QByteArray before = noise(100000) + "old end";
+    const QByteArray after = noise(100000) + "the new end, which is longer";
+    QVERIFY(writeFile(path("show.corvelpro"), before));
+    QFile writer(path("show.corvelpro"));
+    QVERIFY(writer.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    QVERIFY(DurableFile::lock(writer.handle()));
+    QVERIFY(writer.seek(100000));
+    QCOMPARE(writer.write("the new"), qint64(7));
+    s_onRefusedReader = [&] {
+        writer.write(", which is longer");
+        writer.seek(100000);
+        writer.write("the new end, which is longer");
+        DurableFile::unlock(writer.handle());
+    };
+    QCOMPARE(copied(), after);
+}
+
+void TstPackageSnapshot::a_writer_that_never_ends_is_not_waited_for()
+{
+    QVERIFY(writeFile(path("show.corvelpro"), noise(100000)));
+    QFile writer(path("show.corvelpro"));
+    QVERIFY(writer.open(QIODevice::ReadWrite));
+    QVERIFY(DurableFile::lock(writer.handle()));
+    int refused = 0;
+    s_onRefusedReader = [&refused] { ++refused; };
+    QCOMPARE(copied(), noise(100000));
+    QVERIFY(refused > 1);
+}
+
+void TstPackageSnapshot::the_package_can_be_edited_after_the_copy()
+{
+    QVERIFY(writeFile(path("show.corvelpro"), noise(100000)));
+    QFile other(path("show.corvelpro"));
+    QVERIFY(other.open(QIODevice::ReadWrite));
+    PackageSnapshot snapshot;
+    QCOMPARE(snapshot.take(path("show.corvelpro"), {m_temp->path()}), PackageSnapshot::Taken);
+    QVERIFY(DurableFile::lock(other.handle()));
+    QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}), PackageSnapshot::Unreadable);
+}
+
+TEST_MAIN_CORE(TstPackageSnapshot)
+#include "tst_packagesnapshot.moc"

@@ -1,0 +1,488 @@
+#include "durablefile.h"
+#include "packagereader.h"
+#include "packagesnapshot.h"
+#include "packagetesting.h"
+#include "picturereader.h"
+#include "projectlist.h"
+#include "replacingfile.h"
+#include "zippackagehandle.h"
+
+#include <data/pngmaker.h>
+#include <support/customsite.h>
+#include <support/packagebuilder.h>
+#include <support/testmain.h>
+#include <support/warningguard.h>
+
+#include <QBuffer>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <functional>
+
+#include <sys/stat.h>
+
+using namespace PackageTesting;
+using namespace ProjectFileCfg::Internal;
+using TestData::PngMaker;
+using TestSupport::noisePicture;
+using TestSupport::PackageBuilder;
+using TestSupport::pngOf;
+using TestSupport::WarningGuard;
+
+/// Prepares a failure in the test's folder.
+using Preparation = std::function<void(const QString &folder)>;
+Q_DECLARE_METATYPE(Preparation)
+
+/// Each failure tells the path and the cause.
+class TstReasons : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void a_failed_save_says_why_data();
+    void a_failed_save_says_why();
+    void a_save_without_room_says_so();
+    void an_invalid_package_says_why_data();
+    void an_invalid_package_says_why();
+    void a_failed_edit_says_why_data();
+    void a_failed_edit_says_why();
+    void an_edit_of_a_locked_package_says_so();
+    void a_failed_copy_says_why_data();
+    void a_failed_copy_says_why();
+    void an_entry_that_is_not_extracted_says_why_data();
+    void an_entry_that_is_not_extracted_says_why();
+    void a_missing_description_is_a_reason();
+    void a_package_that_is_not_copied_says_why();
+    void a_picture_that_is_not_read_says_why_data();
+    void a_picture_that_is_not_read_says_why();
+    void success_leaves_the_reason_alone();
+    void nothing_is_logged_below_the_jobs();
+    void a_scan_logs_once_why_a_package_is_not_listed();
+
+private:
+    QString path(const QString &name) const { return m_temp->filePath(name); }
+    /// Saves the folder "device" as "projects/show.corvelpro".
+    bool save(const DurableFile::FileIdentity &previous, QString *reason);
+    /// Complains unless the text contains both.
+    static QString missingIn(const QString &reason, const QString &path, const QString &cause);
+
+    QScopedPointer<QTemporaryDir> m_temp;
+};
+
+void TstReasons::init()
+{
+    WarningGuard::clear();
+    m_temp.reset(new QTemporaryDir);
+    QVERIFY(m_temp->isValid());
+}
+
+QString TstReasons::missingIn(const QString &reason, const QString &path, const QString &cause)
+{
+    return reason.contains(path) && reason.contains(cause)
+               ? QString()
+               : QStringLiteral("\"%1\" lacks \"%2\" or \"%3\"").arg(reason, path, cause);
+}
+
+bool TstReasons::save(const DurableFile::FileIdentity &previous, QString *reason)
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path("projects/show.corvelpro");
+    info.strProjectName = "show";
+    return ZipPackageHandle::compressEngineerPacket(path("device"), info, {{{"Preset/1.RPst", 64}}, previous}, reason);
+}
+
+void TstReasons::a_failed_save_says_why_data()
+{
+    QTest::addColumn<Preparation>("prepare");
+    QTest::addColumn<QString>("where");
+    QTest::addColumn<QString>("cause");
+
+    const auto row = [](const char *name, const QString &where, const QString &cause, const Preparation &prepare) {
+        QTest::newRow(name) << prepare << where << cause;
+    };
+    row("no device folder", "/device", "there is no folder",
+        [](const QString &folder) { QDir(folder + "/device").removeRecursively(); });
+    row("no project folder", "/projects/show.corvelpro", "No such file or directory",
+        [](const QString &folder) { QDir(folder + "/projects").removeRecursively(); });
+    row("a link that leads outside", "/device/link", "leads out of the device's folder",
+        [](const QString &folder) { QFile::link("/etc/hostname", folder + "/device/link"); });
+    row("a link that leads back", "/device/BKG/back", "leads back",
+        [](const QString &folder) { QFile::link(folder + "/device", folder + "/device/BKG/back"); });
+    row("a pipe", "/device/pipe", "no plain file",
+        [](const QString &folder) { ::mkfifo(QFile::encodeName(folder + "/device/pipe").constData(), 0600); });
+    row("a folder named like a picture", "/device/x.png", "no reader accepts a folder of this name",
+        [](const QString &folder) { QDir().mkpath(folder + "/device/x.png"); });
+    row("a file named like a folder", "/device/bkg", "no reader accepts a file of this name",
+        [](const QString &folder) { writeFile(folder + "/device/bkg", "x"); });
+    row("a name that is not UTF-8", "/device", "not UTF-8", [](const QString &folder) {
+        QVERIFY(::mkdir((QFile::encodeName(folder) + "/device/\xFF").constData(), 0700) == 0);
+    });
+    row("a picture's file that is too large", "/device/BKG/BKG_1.png", "of this size", [](const QString &folder) {
+        QFile large(folder + "/device/BKG/BKG_1.png");
+        QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(257 * MiB));
+    });
+    row("a picture with too many pixels", "/device/BKG/BKG_1.png", "a picture of this size", [](const QString &folder) {
+        QVERIFY(writeFile(folder + "/device/BKG/BKG_1.png",
+                          PngMaker::signature() + PngMaker::header(900000, 900000) + PngMaker::end()));
+    });
+    row("a description with too many parts", "/device/192.168.0.10.json", "so many parts", [](const QString &folder) {
+        QVERIFY(writeFile(folder + "/device/192.168.0.10.json", QByteArray(2000000, '[')));
+    });
+    row("a description that is too large", "/device", "192.168.0.10.json",
+        [](const QString &folder) { QVERIFY(QFile::resize(folder + "/device/192.168.0.10.json", 17 * MiB)); });
+    row("a preset that was taken away", "Preset/1.RPst", "was taken out of",
+        [](const QString &folder) { QFile::remove(folder + "/device/Preset/1.RPst"); });
+    row("another file in its place", "/projects/show.corvelpro", "another file has come", [](const QString &folder) {
+        QFile::remove(folder + "/projects/show.corvelpro");
+        writeFile(folder + "/projects/show.corvelpro", "came meanwhile");
+    });
+}
+
+void TstReasons::a_failed_save_says_why()
+{
+    QFETCH(Preparation, prepare);
+    QFETCH(QString, where);
+    QFETCH(QString, cause);
+    QVERIFY(makeDeviceTree(path("device")));
+    QVERIFY(QDir().mkpath(path("projects")));
+    QVERIFY(writeFile(path("projects/show.corvelpro"), "old"));
+    const DurableFile::FileIdentity previous(path("projects/show.corvelpro"));
+    prepare(m_temp->path());
+    QString reason;
+    QVERIFY(!save(previous, &reason));
+    QCOMPARE(missingIn(reason, where, cause), QString());
+    // Qt cannot remove it.
+    ::rmdir((QFile::encodeName(m_temp->path()) + "/device/\xFF").constData());
+}
+
+void TstReasons::a_save_without_room_says_so()
+{
+    QVERIFY(makeDeviceTree(path("device")));
+    QVERIFY(QDir().mkpath(path("projects")));
+    const DurableFile::FileIdentity previous(path("projects/show.corvelpro"));
+    QString reason;
+    bool isSaved = false;
+    {
+        const FullDisk fullDisk(4000);
+        isSaved = save(previous, &reason);
+    }
+    QVERIFY(!isSaved);
+    QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only a part could be written"), QString());
+}
+
+void TstReasons::an_invalid_package_says_why_data()
+{
+    QTest::addColumn<Preparation>("prepare");
+    QTest::addColumn<QString>("cause");
+
+    const auto row = [](const char *name, const QString &cause, const std::function<void(const QString &)> &make) {
+        QTest::newRow(name) << Preparation([make](const QString &folder) { make(folder + "/show.corvelpro"); })
+                            << cause;
+    };
+    const PackageBuilder good = PackageBuilder().file("a.json", "{}");
+    row("a text", "no zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
+    row("an empty file", "no zip archive", [](const QString &file) { QVERIFY(writeFile(file, "")); });
+    row("a cut archive", "no zip archive", [good](const QString &file) {
+        const QByteArray whole = PackageBuilder(good).record("show", "x").build();
+        QVERIFY(writeFile(file, whole.left(whole.size() / 3)));
+    });
+    row("a folder", "no plain file", [](const QString &file) { QVERIFY(QDir().mkpath(file)); });
+    row("a pipe", "no plain file",
+        [](const QString &file) { QVERIFY(::mkfifo(QFile::encodeName(file).constData(), 0600) == 0); });
+    row("no comment", "no info record", [good](const QString &file) { QVERIFY(good.write(file)); });
+    row("two keys", "no info record", [good](const QString &file) {
+        QVERIFY(PackageBuilder(good).comment(R"({"Checksum": "x", "comment": "y"})").write(file));
+    });
+    row("another checksum", "its record says \"0123\"", [good](const QString &file) {
+        QVERIFY(PackageBuilder(good).recordWithChecksum("0123", "show", "x").write(file));
+    });
+}
+
+void TstReasons::an_invalid_package_says_why()
+{
+    QFETCH(Preparation, prepare);
+    QFETCH(QString, cause);
+    prepare(m_temp->path());
+    const QString package = path("show.corvelpro");
+    EngineerPacketInfo info;
+    info.strFilePath = package;
+    QString listing;
+    QString importing;
+    QString applying;
+    QVERIFY(!ZipPackageHandle::getZipFileEngineerInfo(info, &listing));
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(package, &importing));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(package, &applying));
+    for (const QString &reason : {listing, importing, applying})
+        QCOMPARE(missingIn(reason, package, cause), QString());
+}
+
+void TstReasons::a_failed_edit_says_why_data()
+{
+    QTest::addColumn<Preparation>("prepare");
+    QTest::addColumn<QString>("cause");
+
+    const auto row = [](const char *name, const QString &cause, const std::function<void(const QString &)> &make) {
+        QTest::newRow(name) << Preparation([make](const QString &folder) { make(folder + "/show.corvelpro"); })
+                            << cause;
+    };
+    row("gone", "No such file or directory", [](const QString &file) { QVERIFY(QFile::remove(file)); });
+    row("a pipe", "no plain file", [](const QString &file) {
+        QVERIFY(QFile::remove(file) && ::mkfifo(QFile::encodeName(file).constData(), 0600) == 0);
+    });
+    row("no archive", "no zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
+    row("bytes behind the comment", "something follows its comment", [](const QString &file) {
+        QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").trailingBytes("more").write(file));
+    });
+    row("a record that is too long", "more than 65513 bytes",
+        [](const QString &file) { QVERIFY(PackageBuilder().file("b.json", "{}").record("show", "x").write(file)); });
+}
+
+void TstReasons::a_failed_edit_says_why()
+{
+    QFETCH(Preparation, prepare);
+    QFETCH(QString, cause);
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "before").write(info.strFilePath));
+    prepare(m_temp->path());
+    info.strComment = QString(cause.contains("65513") ? 70000 : 10, 'x');
+    QString reason;
+    QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
+    QCOMPARE(missingIn(reason, info.strFilePath, cause), QString());
+}
+
+void TstReasons::an_edit_of_a_locked_package_says_so()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "before").write(info.strFilePath));
+    QFile other(info.strFilePath);
+    QVERIFY(other.open(QIODevice::ReadWrite));
+    QVERIFY(DurableFile::lock(other.handle()));
+    QString reason;
+    QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
+    QCOMPARE(missingIn(reason, info.strFilePath, "another program keeps"), QString());
+}
+
+void TstReasons::a_failed_copy_says_why_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("where");
+    QTest::addColumn<QString>("cause");
+
+    QTest::newRow("no source") << "missing"
+                               << "copy"
+                               << "missing"
+                               << "No such file or directory";
+    QTest::newRow("a folder") << "folder"
+                              << "copy"
+                              << "folder"
+                              << "no plain file";
+    QTest::newRow("the name is taken") << "source"
+                                       << "taken"
+                                       << "taken"
+                                       << "exists already";
+    QTest::newRow("the stick is gone") << "source"
+                                       << "stick/copy"
+                                       << "stick/copy"
+                                       << "No such file or directory";
+    QTest::newRow("a file in the folder's place") << "source"
+                                                  << "taken/copy"
+                                                  << "taken/copy"
+                                                  << "Not a directory";
+    QTest::newRow("no room") << "source"
+                             << "copy"
+                             << "copy"
+                             << "only a part could be written";
+}
+
+void TstReasons::a_failed_copy_says_why()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, target);
+    QFETCH(QString, where);
+    QFETCH(QString, cause);
+    QVERIFY(writeFile(path("source"), noise(MiB)));
+    QVERIFY(writeFile(path("taken"), "taken"));
+    QVERIFY(QDir().mkpath(path("folder")));
+    QString reason;
+    bool isCopied = false;
+    {
+        // Not longer: the test's own log may be a file.
+        const FullDisk disk(cause.startsWith("only a part") ? 1000 : 10 * MiB);
+        isCopied = copyToFreeName(path(source), path(target), &reason);
+    }
+    QVERIFY(!isCopied);
+    QCOMPARE(missingIn(reason, path(where), cause), QString());
+}
+
+void TstReasons::an_entry_that_is_not_extracted_says_why_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("cause");
+
+    QTest::newRow("not there") << "missing"
+                               << "there is no such entry";
+    QTest::newRow("a link") << "link"
+                            << "a link, a special file or encrypted";
+    QTest::newRow("leads out") << "../out"
+                               << "lead out of the folder";
+    QTest::newRow("in the way") << "bkg"
+                                << "in the way of later packages";
+    QTest::newRow("wrong CRC") << "damaged"
+                               << "its CRC is wrong";
+    QTest::newRow("shorter than it says") << "short"
+                                          << "bytes";
+    QTest::newRow("too large") << "large.json"
+                               << "there is room for 67108864";
+    QTest::newRow("through a link") << "linked/file"
+                                    << "a symbolic link is in the way";
+    QTest::newRow("onto a folder") << "folder"
+                                   << "Is a directory";
+    QTest::newRow("below a file") << "file/below"
+                                  << "File exists";
+}
+
+void TstReasons::an_entry_that_is_not_extracted_says_why()
+{
+    QFETCH(QString, entry);
+    QFETCH(QString, cause);
+    const QByteArray content = noise(100);
+    QVERIFY(PackageBuilder()
+                .symbolicLink("link", "/etc/hostname")
+                .file("../out", content)
+                .file("bkg", content)
+                .file("damaged", content)
+                .claimCrc(1)
+                .file("short", content, PackageBuilder::Stored)
+                .claimSize(200)
+                .file("large.json", content)
+                .claimSize(70 * MiB)
+                .file("linked/file", content)
+                .file("folder", content)
+                .file("file/below", content)
+                .write(path("show.corvelpro")));
+    QVERIFY(QDir().mkpath(path("out/folder")));
+    QVERIFY(writeFile(path("out/file"), "file"));
+    QVERIFY(QFile::link(m_temp->path(), path("out/linked")));
+    PackageReader package(path("show.corvelpro"));
+    QString extracting;
+    QCOMPARE(package.extractFile(entry, path("out/") + entry, &extracting), QString());
+    QCOMPARE(missingIn(extracting, path("out/") + entry, cause), QString());
+}
+
+void TstReasons::a_missing_description_is_a_reason()
+{
+    QVERIFY(PackageBuilder().file("a.txt", "x").record("show", "x").write(path("show.corvelpro")));
+    QString reason;
+    QVERIFY(PackageReader(path("show.corvelpro")).extractJsonFiles(path("out"), &reason).isEmpty());
+    QVERIFY2(reason.contains("no device description"), qPrintable(reason));
+
+    QVERIFY(PackageBuilder().file("../a.json", "{}").file("b.json", "{}").write(path("show.corvelpro")));
+    QCOMPARE(PackageReader(path("show.corvelpro")).extractJsonFiles(path("out"), &reason).size(), 2);
+    QCOMPARE(missingIn(reason, "../a.json", "lead out"), QString());
+}
+
+void TstReasons::a_package_that_is_not_copied_says_why()
+{
+    PackageSnapshot snapshot;
+    QString reason;
+    QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}, &reason), PackageSnapshot::Unreadable);
+    QCOMPARE(missingIn(reason, path("missing"), "No such file or directory"), QString());
+    QVERIFY(writeFile(path("show.corvelpro"), noise(MiB)));
+    QCOMPARE(snapshot.take(path("show.corvelpro"), {path("no/folder")}, &reason), PackageSnapshot::NoRoom);
+    QCOMPARE(missingIn(reason, path("show.corvelpro"), "No such file or directory"), QString());
+    PackageSnapshot::Outcome outcome = PackageSnapshot::Taken;
+    {
+        const FullDisk disk(1000);
+        outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()}, &reason);
+    }
+    QCOMPARE(outcome, PackageSnapshot::NoRoom);
+    QCOMPARE(missingIn(reason, path("show.corvelpro"), "only a part could be written"), QString());
+}
+
+void TstReasons::a_picture_that_is_not_read_says_why_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("cause");
+
+    const QByteArray whole = pngOf(noisePicture({40, 40}, 1));
+    const QByteArray pixels = PngMaker::pixels(QByteArray(100, '\0'));
+    QTest::newRow("a text") << QByteArray("text") << "is no PNG";
+    QTest::newRow("too wide") << PngMaker::signature() + PngMaker::header(1000001, 1) << "too wide";
+    QTest::newRow("too many pixels") << PngMaker::signature() + PngMaker::header(900000, 900000) + pixels
+                                     << "too much memory";
+    QTest::newRow("no more than a header") << PngMaker::signature() + PngMaker::header(4, 4) << "header is damaged";
+    QTest::newRow("cut") << whole.left(whole.size() / 2) << "Unable to read image data";
+}
+
+void TstReasons::a_picture_that_is_not_read_says_why()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, cause);
+    QBuffer buffer(&file);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    QString reason;
+    QVERIFY(PictureReader(&buffer).read(&reason).isNull());
+    QVERIFY(!reason.isEmpty());
+    QVERIFY2(reason.contains(cause), qPrintable(reason));
+}
+
+void TstReasons::success_leaves_the_reason_alone()
+{
+    QVERIFY(makeDeviceTree(path("device")));
+    QVERIFY(QDir().mkpath(path("projects")));
+    const DurableFile::FileIdentity previous(path("projects/show.corvelpro"));
+    QString reason;
+    QVERIFY2(save(previous, &reason), qPrintable(reason));
+    EngineerPacketInfo info;
+    info.strFilePath = path("projects/show.corvelpro");
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info, &reason));
+    QVERIFY(ZipPackageHandle::setEngineerInfo(info, &reason));
+    QVERIFY(copyToFreeName(info.strFilePath, path("copy"), &reason));
+    PackageReader package(info.strFilePath);
+    QVERIFY(!package.extractFile("Preset/1.RPst", path("out"), &reason).isEmpty());
+    QVERIFY(package.read("Preset/1.RPst", 100, &reason).size() == 64);
+    QCOMPARE(package.extractJsonFiles(path("json"), &reason).size(), 1);
+    QCOMPARE(reason, QString());
+}
+
+void TstReasons::nothing_is_logged_below_the_jobs()
+{
+    QString reason;
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(path("missing.corvelpro"), &reason));
+    QVERIFY(!ZipPackageHandle::checkPacketChecksum(path("missing.corvelpro"), &reason));
+    EngineerPacketInfo info;
+    info.strFilePath = path("missing.corvelpro");
+    QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
+    QVERIFY(!copyToFreeName(path("missing"), path("copy"), &reason));
+    QVERIFY(!save(DurableFile::FileIdentity(path("x")), &reason));
+    QCOMPARE(WarningGuard::texts(QtDebugMsg), QStringList());
+}
+
+void TstReasons::a_scan_logs_once_why_a_package_is_not_listed()
+{
+    const QString broken = path("broken.corvelpro");
+    QVERIFY(writeFile(broken, "text"));
+    QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").write(path("good.corvelpro")));
+    ProjectList list;
+    const auto logged = [&] {
+        WarningGuard::clear();
+        list.scanProjectFiles(m_temp->path() + '/', list.beginScan());
+        return WarningGuard::texts(QtDebugMsg);
+    };
+    QCOMPARE(logged(), QStringList{"Not listed: " + broken + " is no zip archive, or incomplete"});
+    QCOMPARE(logged(), QStringList());
+    QVERIFY(PackageBuilder().file("a.json", "{}").write(broken));
+    QCOMPARE(logged(), QStringList{"Not listed: " + broken + ": the archive's comment is no info record"});
+    QCOMPARE(logged(), QStringList());
+    QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").write(broken));
+    QCOMPARE(logged(), QStringList());
+    QCOMPARE(list.projects.size(), 2);
+}
+
+TEST_MAIN(TstReasons)
+#include "tst_reasons.moc"
