@@ -22,7 +22,8 @@ static QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
 
 static QString otherThan(const QString &documents, const QString &chosen)
 {
-    return chosen == documents ? QString() : chosen;
+    // Without an answer the owner of `documents` may have gone.
+    return chosen.isEmpty() || chosen == documents ? QString() : chosen;
 }
 
 QString FileDialogs::projectFileFilter()
@@ -41,7 +42,7 @@ QStringList FileDialogs::selectProjectFiles(QWidget *parent, bool bMulti)
     return chosenFiles(dialog);
 }
 
-QString FileDialogs::selectTarget(QWidget *parent, QString documents, QString path)
+QString FileDialogs::selectTarget(QWidget *parent, const QString &documents, const QString &path)
 {
     const QString suggested = documents + QLatin1Char('/') + QFileInfo(path).fileName();
     auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), suggested, projectFileFilter());
@@ -57,7 +58,7 @@ QString FileDialogs::selectTarget(QWidget *parent, QString documents, QString pa
     return QString();
 }
 
-QString FileDialogs::selectFolder(QWidget *parent, QString documents)
+QString FileDialogs::selectFolder(QWidget *parent, const QString &documents)
 {
     auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), documents);
     dialog->setFileMode(QFileDialog::Directory);
