@@ -10,8 +10,10 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// Such a dialog must be on the heap, which those of QFileDialog's static functions are not.
-static QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
+QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
 {
     const int answer = dialog->exec();
     if (!dialog)
@@ -20,11 +22,13 @@ static QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
     return answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
 }
 
-static QString otherThan(const QString &documents, const QString &chosen)
+QString otherThan(const QString &documents, const QString &chosen)
 {
     // Without an answer the owner of `documents` may have gone.
     return chosen.isEmpty() || chosen == documents ? QString() : chosen;
 }
+
+} // namespace
 
 QString FileDialogs::projectFileFilter()
 {

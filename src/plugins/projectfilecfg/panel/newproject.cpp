@@ -10,7 +10,11 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static const int lastNumber = 999;
+namespace {
+
+constexpr int lastNumber = 999;
+
+} // namespace
 
 QString NewProject::generateProjectName(const QString &directory)
 {
