@@ -20,7 +20,7 @@ QString NewProject::generateProjectName(const QString &directory)
 {
     const QString base = tr("Project");
     for (int number = 1; number <= lastNumber; ++number) {
-        const QString name = base + QString::number(number);
+        QString name = base + QString::number(number);
         if (!QFile::exists(directory + name + ProjectFileFacts::packageExtension))
             return name;
     }
