@@ -63,7 +63,7 @@ EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
     }));
     setProperty("EngineerFile", true);
     initUI();
-    retranslateUi();
+    EngineerDocOperWidget::retranslateUi();
     initConnects(true);
     slot_projectFilesChanged();
 }

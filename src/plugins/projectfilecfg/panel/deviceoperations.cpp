@@ -17,18 +17,22 @@ using ModelControl::DeviceControler;
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// Null if it has none.
-static std::shared_ptr<Model::Screen> firstScreen(const Model::Device &device)
+std::shared_ptr<Model::Screen> firstScreen(const Model::Device &device)
 {
     const std::vector<std::shared_ptr<Model::Screen>> screens = device.getScreens();
     const auto first = std::find_if(screens.begin(), screens.end(), [](const auto &screen) { return bool(screen); });
     return first == screens.end() ? nullptr : *first;
 }
 
-static void setChannelExclusive(const std::shared_ptr<Model::Device> &device, bool exclusive)
+void setChannelExclusive(const std::shared_ptr<Model::Device> &device, bool exclusive)
 {
     callHost("setChannelExclusive", [&] { DeviceControler(device).setChannelExclusive(exclusive); });
 }
+
+} // namespace
 
 std::shared_ptr<Model::Device> DeviceOperations::activate(const QString &address)
 {

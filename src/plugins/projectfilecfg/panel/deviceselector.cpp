@@ -12,25 +12,27 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static const int markRole = Qt::UserRole + 1;
-static const int markCount = 4;
-static const int markInfo = 0;
-static const int markAddress = 3;
-static const int widestInfo = 260; // pixels
+namespace {
 
-static QStringList markOf(const Model::Device &device)
+constexpr int markRole = Qt::UserRole + 1;
+constexpr int markCount = 4;
+constexpr int markInfo = 0;
+constexpr int markAddress = 3;
+constexpr int widestInfo = 260; // pixels
+
+QStringList markOf(const Model::Device &device)
 {
     return {device.getDeviceInfo(), device.getTypeString(), device.getName(), device.getIPAddress()};
 }
 
 /// Tool tips show rich text. What comes from a device is shown as it is, and nothing in it is loaded.
-static QString asToolTip(const QString &text)
+QString asToolTip(const QString &text)
 {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }
 
 /// The style sheet's cache of widgets lives by destroyed(), which stays connected.
-static void cutConnections(QWidget *widget)
+void cutConnections(QWidget *widget)
 {
     const QMetaMethod destroyed = QMetaMethod::fromSignal(&QObject::destroyed);
     const QMetaObject *meta = widget->metaObject();
@@ -40,6 +42,8 @@ static void cutConnections(QWidget *widget)
             QObject::disconnect(widget, method, nullptr, QMetaMethod());
     }
 }
+
+} // namespace
 
 DeviceSelector::DeviceSelector(QComboBox *combo)
     : m_pCombo(combo)

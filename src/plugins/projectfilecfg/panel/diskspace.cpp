@@ -31,7 +31,7 @@ unsigned long long availableForProjects(const QString &directory)
 
 bool isEnoughFor(const QStringList &files, unsigned long long mebibytes)
 {
-    constexpr unsigned long long bytesPerMebibyte = 1024 * 1024;
+    constexpr unsigned long long bytesPerMebibyte = 1024ULL * 1024;
     unsigned long long total = 0;
     for (const QString &file : files)
         total += static_cast<unsigned long long>(QFileInfo(file).size());

@@ -10,8 +10,10 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// Such a dialog must be on the heap, which those of QFileDialog's static functions are not.
-static QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
+QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
 {
     const int answer = dialog->exec();
     if (!dialog)
@@ -20,10 +22,13 @@ static QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
     return answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
 }
 
-static QString otherThan(const QString &documents, const QString &chosen)
+QString otherThan(const QString &documents, const QString &chosen)
 {
-    return chosen == documents ? QString() : chosen;
+    // Without an answer the owner of `documents` may have gone.
+    return chosen.isEmpty() || chosen == documents ? QString() : chosen;
 }
+
+} // namespace
 
 QString FileDialogs::projectFileFilter()
 {
@@ -41,13 +46,13 @@ QStringList FileDialogs::selectProjectFiles(QWidget *parent, bool bMulti)
     return chosenFiles(dialog);
 }
 
-QString FileDialogs::selectTarget(QWidget *parent, QString documents, QString path)
+QString FileDialogs::selectTarget(QWidget *parent, const QString &documents, const QString &path)
 {
     const QString suggested = documents + QLatin1Char('/') + QFileInfo(path).fileName();
     auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), suggested, projectFileFilter());
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
-    const QString target = otherThan(documents, chosenFiles(dialog).value(0));
+    QString target = otherThan(documents, chosenFiles(dialog).value(0));
     if (target.isEmpty() || !QFile::exists(target))
         return target;
     const QString message =
@@ -57,7 +62,7 @@ QString FileDialogs::selectTarget(QWidget *parent, QString documents, QString pa
     return QString();
 }
 
-QString FileDialogs::selectFolder(QWidget *parent, QString documents)
+QString FileDialogs::selectFolder(QWidget *parent, const QString &documents)
 {
     auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), documents);
     dialog->setFileMode(QFileDialog::Directory);

@@ -10,8 +10,7 @@ namespace Internal {
 
 /// Asks for files and folders. User-interface thread; each runs a modal dialog.
 ///
-/// The answer is empty if the operator cancelled, or if `parent` has gone meanwhile and the dialog with it. Takes
-/// strings by value, since those of `parent` may have gone too.
+/// The answer is empty if the operator cancelled, or if `parent` has gone meanwhile and the dialog with it.
 class FileDialogs
 {
     // The panel's texts.
@@ -23,10 +22,10 @@ public:
 
     /// The path of a copy of the file at `path`, by default under its name in the folder `documents`. Empty also if the
     /// answer is `documents` itself, or an existing file, which a box says.
-    static QString selectTarget(QWidget *parent, QString documents, QString path);
+    static QString selectTarget(QWidget *parent, const QString &documents, const QString &path);
 
     /// The folder for copies, by default `documents`. Empty also if the answer is `documents` itself.
-    static QString selectFolder(QWidget *parent, QString documents);
+    static QString selectFolder(QWidget *parent, const QString &documents);
 
 private:
     static QString projectFileFilter();

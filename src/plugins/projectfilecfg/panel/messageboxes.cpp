@@ -15,22 +15,22 @@ namespace {
 
 struct ResultText
 {
-    int code;
-    const char *text;
+    int nCode;
+    const char *pText;
 };
-
-} // namespace
 
 /// Null, which has no translation, if the table does not have the code.
 template<int count>
-static const char *textOf(int code, const ResultText (&table)[count])
+const char *textOf(int code, const ResultText (&table)[count])
 {
     for (const ResultText &entry : table) {
-        if (entry.code == code)
-            return entry.text;
+        if (entry.nCode == code)
+            return entry.pText;
     }
     return nullptr;
 }
+
+} // namespace
 
 void MessageBoxes::warn(QWidget *panel, const QString &text)
 {

@@ -10,13 +10,17 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static const int lastNumber = 999;
+namespace {
+
+constexpr int lastNumber = 999;
+
+} // namespace
 
 QString NewProject::generateProjectName(const QString &directory)
 {
     const QString base = tr("Project");
     for (int number = 1; number <= lastNumber; ++number) {
-        const QString name = base + QString::number(number);
+        QString name = base + QString::number(number);
         if (!QFile::exists(directory + name + ProjectFileFacts::packageExtension))
             return name;
     }

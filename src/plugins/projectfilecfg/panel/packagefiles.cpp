@@ -15,8 +15,8 @@ QFileInfoList packagesIn(const QString &dirPath)
 {
     struct Package
     {
-        qint64 modified;
-        QString name;
+        qint64 nModified;
+        QString strName;
         QFileInfo file;
     };
     QVector<Package> packages;
@@ -25,7 +25,7 @@ QFileInfoList packagesIn(const QString &dirPath)
     for (const QFileInfo &entry : entries)
         packages.append({entry.lastModified().toMSecsSinceEpoch(), entry.fileName(), entry});
     std::sort(packages.begin(), packages.end(), [](const Package &one, const Package &other) {
-        return one.modified == other.modified ? one.name < other.name : one.modified > other.modified;
+        return one.nModified == other.nModified ? one.strName < other.strName : one.nModified > other.nModified;
     });
     QFileInfoList sorted;
     for (const Package &package : qAsConst(packages))

@@ -11,14 +11,16 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static QHBoxLayout *newRow()
+namespace {
+
+QHBoxLayout *newRow()
 {
     auto *row = new QHBoxLayout;
     row->setSpacing(16);
     return row;
 }
 
-static QFrame *newSeparator(QWidget *panel)
+QFrame *newSeparator(QWidget *panel)
 {
     auto *separator = new QFrame(panel);
     separator->setFrameShape(QFrame::HLine);
@@ -29,38 +31,45 @@ static QFrame *newSeparator(QWidget *panel)
     return separator;
 }
 
+} // namespace
+
 PanelLayout::PanelLayout(QWidget *panel, const Widgets &widgets)
     : m_pPanel(panel)
     , m_widgets(widgets)
 {
-    widgets.pDeviceCombo->setItemDelegate(new QStyledItemDelegate(panel));
-    widgets.pDeviceCombo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Minimum);
-    widgets.pDeviceCombo->setFixedSize(300, 36);
-    widgets.pDeviceCombo->setMaximumWidth(300);
+    arrange();
+}
+
+void PanelLayout::arrange()
+{
+    m_widgets.pDeviceCombo->setItemDelegate(new QStyledItemDelegate(m_pPanel));
+    m_widgets.pDeviceCombo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Minimum);
+    m_widgets.pDeviceCombo->setFixedSize(300, 36);
+    m_widgets.pDeviceCombo->setMaximumWidth(300);
     QHBoxLayout *deviceRow = newRow();
     deviceRow->addSpacing(25);
-    deviceRow->addWidget(widgets.pDeviceLabel);
-    deviceRow->addWidget(widgets.pDeviceCombo);
+    deviceRow->addWidget(m_widgets.pDeviceLabel);
+    deviceRow->addWidget(m_widgets.pDeviceCombo);
     deviceRow->addStretch(1);
 
     QHBoxLayout *commandRow = newRow();
     commandRow->addSpacing(25);
-    commandRow->addWidget(widgets.pSaveProjectBtn);
+    commandRow->addWidget(m_widgets.pSaveProjectBtn);
     commandRow->addStretch(0);
-    commandRow->addWidget(widgets.pAllSaveasBtn);
-    commandRow->addWidget(widgets.pAllDeleteBtn);
+    commandRow->addWidget(m_widgets.pAllSaveasBtn);
+    commandRow->addWidget(m_widgets.pAllDeleteBtn);
     commandRow->addSpacing(24);
 
-    QFrame *separator = newSeparator(panel);
+    QFrame *separator = newSeparator(m_pPanel);
     QHBoxLayout *tableRow = newRow();
     tableRow->addSpacing(24);
-    tableRow->addWidget(widgets.pProjectTable);
+    tableRow->addWidget(m_widgets.pProjectTable);
     tableRow->addSpacing(10);
 
     QHBoxLayout *importRow = newRow();
     importRow->addStretch(0);
-    importRow->addWidget(widgets.pImportProjectBtn);
-    importRow->addWidget(widgets.pApplyOthersBtn);
+    importRow->addWidget(m_widgets.pImportProjectBtn);
+    importRow->addWidget(m_widgets.pApplyOthersBtn);
     importRow->addSpacing(24);
 
     auto *outerLayout = new QVBoxLayout;
@@ -74,7 +83,7 @@ PanelLayout::PanelLayout(QWidget *panel, const Widgets &widgets)
     outerLayout->addSpacing(10);
     outerLayout->addLayout(importRow);
     outerLayout->addSpacing(10);
-    panel->setLayout(outerLayout);
+    m_pPanel->setLayout(outerLayout);
 }
 
 void PanelLayout::retranslate()

@@ -37,6 +37,8 @@ public:
     void retranslate();
 
 private:
+    void arrange();
+
     QWidget *const m_pPanel;
     const Widgets m_widgets;
 };

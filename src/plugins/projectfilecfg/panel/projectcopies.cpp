@@ -9,10 +9,14 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static QString pathIn(const QString &folder, const QFileInfo &file)
+namespace {
+
+QString pathIn(const QString &folder, const QFileInfo &file)
 {
     return QStringLiteral("%1/%2").arg(folder, file.fileName());
 }
+
+} // namespace
 
 QString ProjectCopies::saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir)
 {

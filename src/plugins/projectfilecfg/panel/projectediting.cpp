@@ -13,7 +13,7 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectList &projects, const QString &path,
-                                                       QString directory)
+                                                       const QString &directory)
 {
     std::optional<EngineerPacketInfo> entry = projects.find(path);
     if (!entry)

@@ -27,7 +27,7 @@ public:
     /// shown; the operator cancelled; the panel has gone; or the file could not be renamed, which a box says, and then
     /// the file's record has the new name and comment already.
     static std::optional<EngineerPacketInfo> edit(QWidget *panel, ProjectList &projects, const QString &path,
-                                                  QString directory);
+                                                  const QString &directory);
 };
 
 } // namespace Internal

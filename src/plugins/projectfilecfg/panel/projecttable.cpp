@@ -10,12 +10,16 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static const int fileColumn = 0;
-static const int commentColumn = 1;
-static const int operationsColumn = 2;
-static const int columnCount = 3;
-static const int fixedColumnWidth = 340; // pixels
-static const int rowHeight = 48;         // pixels
+namespace {
+
+constexpr int fileColumn = 0;
+constexpr int commentColumn = 1;
+constexpr int operationsColumn = 2;
+constexpr int columnCount = 3;
+constexpr int fixedColumnWidth = 340; // pixels
+constexpr int rowHeight = 48;         // pixels
+
+} // namespace
 
 ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
     : m_pTable(table)

@@ -20,19 +20,23 @@ namespace ProjectFileCfg {
 namespace Internal {
 namespace RunningJob {
 
+namespace {
+
 /// How many jobs were announced in this process: tells whether one that ends late is still the last.
-static int s_announcedJobs = 0;
+int s_announcedJobs = 0;
+
+bool hasSavedPackage(const EngineerDocBackup &backup)
+{
+    return !backup.savedPackagePath().isEmpty() && ZipPackageHandle::isValidEngineerPacket(backup.savedPackagePath());
+}
+
+} // namespace
 
 void announce(ICore::OperatorDeviceType type)
 {
     if (type != ICore::OperatorNone)
         ++s_announcedJobs;
     callHost("setOperatorType", [type] { ICore::setOperatorType(type, QString()); });
-}
-
-static bool hasSavedPackage(const EngineerDocBackup &backup)
-{
-    return !backup.savedPackagePath().isEmpty() && ZipPackageHandle::isValidEngineerPacket(backup.savedPackagePath());
 }
 
 bool isApplyDue(const EngineerDocBackup *backup, const QString &next)
