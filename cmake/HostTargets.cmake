@@ -42,11 +42,11 @@ function(_add_host_shared name include_root)
         FILES_MATCHING PATTERN "*.h")
 endfunction()
 
-# add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>])
+# add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>] [X11_RUNNER <command>])
 # Makes a Qt Test program and registers it with CTest: headless, with warnings as failures where the
-# test uses the warning guard of tests/support.
+# test uses the warning guard of tests/support. With a command that brings an X server it runs in that one.
 function(add_host_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;X11_RUNNER" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     _moc_test_class(${name} ${ARG_SOURCES})
     target_precompile_headers(${name} REUSE_FROM TestSupport)
@@ -55,11 +55,15 @@ function(add_host_test name)
         # Built with ThreadSanitizer only; see tests/sanitizers.
         target_link_libraries(${name} PRIVATE QtSynchronisation)
     endif()
-    add_test(NAME ${name} COMMAND ${name})
+    add_test(NAME ${name} COMMAND ${ARG_X11_RUNNER} $<TARGET_FILE:${name}>)
+    set(platform offscreen)
+    if(ARG_X11_RUNNER)
+        set(platform xcb)
+    endif()
     set_tests_properties(${name} PROPERTIES
         LABELS "${ARG_LABELS}"
         TIMEOUT 1800
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
+        ENVIRONMENT "QT_QPA_PLATFORM=${platform};QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
 endfunction()
 
 # AUTOMOC takes a scan and the compilation of an empty file for each program. A test has one class to moc, in the source
