@@ -1,6 +1,7 @@
 #include <core/devicecard.h>
 
 #include <core/elidedlabel.h>
+#include <utils/textsize.h>
 
 #include <QGridLayout>
 #include <QStyle>
@@ -32,7 +33,7 @@ DeviceCard::DeviceCard(QWidget *parent)
 {
     setObjectName(QStringLiteral("DeviceCard"));
     setAutoDefault(false);
-    setFixedSize(216, 56);
+    setFixedSize(Corvel::Utils::inTextSize(216), Corvel::Utils::inTextSize(56));
     m_name->setObjectName(QStringLiteral("DeviceCardName"));
     m_details->setObjectName(QStringLiteral("DeviceCardDetails"));
     m_dot->setObjectName(QStringLiteral("DeviceCardDot"));
