@@ -66,6 +66,7 @@ private slots:
     void the_text_has_the_size_that_was_set();
     void texts_of_other_sizes_grow_with_it();
     void emoji_have_a_font();
+    void a_button_of_the_width_of_its_text_is_not_cut();
 };
 
 void TstLook::the_focus_can_be_seen_data()
@@ -193,7 +194,7 @@ void TstLook::texts_of_other_sizes_grow_with_it()
     setTextSize(20);
     QCOMPARE(heightOf("PageTitle", nullptr), 28);
     // Their column has a fixed width.
-    QCOMPARE(heightOf("", "EngineerDocOperBlue"), 14);
+    QCOMPARE(heightOf("", "EngineerDocOperBlue"), 12);
 }
 
 void TstLook::emoji_have_a_font()
@@ -207,6 +208,17 @@ void TstLook::emoji_have_a_font()
     for (const QGlyphRun &run : runs) {
         const QVector<quint32> glyphs = run.glyphIndexes();
         QVERIFY2(!glyphs.contains(0), qPrintable(run.rawFont().familyName()));
+    }
+}
+
+void TstLook::a_button_of_the_width_of_its_text_is_not_cut()
+{
+    // Plugins make buttons 25 pixels wider than their text.
+    for (const int size : {13, 20}) {
+        setTextSize(size);
+        QPushButton button(QStringLiteral("Import Project"));
+        button.ensurePolished();
+        QVERIFY(button.sizeHint().width() <= button.fontMetrics().horizontalAdvance(button.text()) + 25);
     }
 }
 
