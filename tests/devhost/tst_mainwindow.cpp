@@ -504,7 +504,13 @@ void TstMainWindow::the_message_of_an_operation_is_told_instead()
         ICore::OperatorLoad,
         [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); }, box);
     QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
-    // A box that comes later is about something else.
+    // A question, and a box that comes later, are about something else.
+    book.expectQuestion(QStringLiteral("Remind"), text, QMessageBox::No);
+    runOperation(
+        ICore::OperatorLoad,
+        [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); },
+        [&] { HX::Widgets::FramelessMessageBox::question(m_window.data(), QStringLiteral("Remind"), text); });
+    QCOMPARE(status(), QStringLiteral("Applied to \"\""));
     book.expectInformation(QStringLiteral("Remind"), text);
     runOperation(ICore::OperatorLoad,
                  [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });

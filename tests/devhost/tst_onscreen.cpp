@@ -1,7 +1,10 @@
+#include <core/look.h>
 #include <widgets/waitingdialog.h>
 
 #include <support/testmain.h>
 
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QLabel>
 #include <QScreen>
 #include <QThread>
@@ -65,10 +68,9 @@ private:
     void configure(const xcb_configure_request_event_t &request)
     {
         const uint32_t values[] = {uint32_t(request.x), uint32_t(request.y), request.width, request.height};
-        xcb_configure_window(m_connection, request.window,
-                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
-                                 XCB_CONFIG_WINDOW_HEIGHT,
-                             values);
+        xcb_configure_window(
+            m_connection, request.window,
+            XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
         xcb_flush(m_connection);
     }
 
@@ -104,6 +106,7 @@ private slots:
     void each_text_is_on_the_screen_at_return_data();
     void each_text_is_on_the_screen_at_return();
     void hiding_at_once_is_no_x_error();
+    void the_text_is_as_large_as_the_desktops();
 };
 
 void TstOnScreen::cleanup()
@@ -125,7 +128,8 @@ void TstOnScreen::each_text_is_on_the_screen_at_return()
     WaitingDialog *dialog = WaitingDialog::instance();
     const auto *label = dialog->findChild<QLabel *>(QStringLiteral("WaitingDialogText"));
     // The event loop does not run between these: each call is followed by one that blocks.
-    for (const QString &text : {QStringLiteral("Saving"), QStringLiteral("Synchronising"), QStringLiteral("Resetting")}) {
+    for (const QString &text :
+         {QStringLiteral("Saving"), QStringLiteral("Synchronising"), QStringLiteral("Resetting")}) {
         dialog->hideWaitingDialog();
         dialog->showWaitingDialog(text, 0);
         QCOMPARE(onScreen(label), painted(const_cast<QLabel *>(label)));
@@ -147,6 +151,16 @@ void TstOnScreen::hiding_at_once_is_no_x_error()
     QWidget other;
     other.show();
     QVERIFY(QTest::qWaitForWindowExposed(&other, TestSupport::patience));
+}
+
+void TstOnScreen::the_text_is_as_large_as_the_desktops()
+{
+    // The X server has 130 dots per inch.
+    const int desktops = QFontInfo(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).pixelSize();
+    const int normal = 13;
+    QVERIFY(desktops > normal);
+    Core::applyLook();
+    QCOMPARE(QApplication::font().pixelSize(), desktops);
 }
 
 TEST_MAIN(TstOnScreen)

@@ -19,7 +19,7 @@ namespace Widgets {
 
 namespace {
 
-const int patienceMs = 500;
+const int patienceMs = 2000;
 const int pollIntervalMs = 1;
 
 bool isViewable(xcb_connection_t *connection, WId id)

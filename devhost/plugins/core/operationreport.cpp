@@ -41,7 +41,10 @@ OperationReport::OperationReport(QObject *parent)
     connect(
         Simulation::Journal::instance(), &Simulation::Journal::recorded, this,
         [this](const Simulation::JournalEntry &entry) {
-            if (!entry.onMainThread || !m_ending || !entry.operation.startsWith(QLatin1String("FramelessMessageBox.")))
+            // A question begins something else.
+            const bool isResult = entry.operation == QLatin1String("FramelessMessageBox.information") ||
+                                  entry.operation == QLatin1String("FramelessMessageBox.warning");
+            if (!entry.onMainThread || !m_ending || !isResult)
                 return;
             m_outcome = Message;
             m_detail = entry.arguments.value(QStringLiteral("text")).toString();
