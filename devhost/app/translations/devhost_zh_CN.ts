@@ -144,6 +144,33 @@
     </message>
 </context>
 <context>
+    <name>Core::OperationReport</name>
+    <message>
+        <source>Saved &quot;%1&quot;</source>
+        <translation>已保存“%1”</translation>
+    </message>
+    <message>
+        <source>Project files written: %1</source>
+        <translation>已写入的项目文件：%1</translation>
+    </message>
+    <message>
+        <source>Ended without a new project file of &quot;%1&quot;</source>
+        <translation>已结束，未生成“%1”的项目文件</translation>
+    </message>
+    <message>
+        <source>Applied to &quot;%1&quot;</source>
+        <translation>已应用到“%1”</translation>
+    </message>
+    <message>
+        <source>Ended without writing the configuration of &quot;%1&quot;</source>
+        <translation>已结束，未写入“%1”的配置</translation>
+    </message>
+    <message>
+        <source>Ended with the message: %1</source>
+        <translation>操作结束，提示：%1</translation>
+    </message>
+</context>
+<context>
     <name>Corvel::Widgets::WaitingDialog</name>
     <message>
         <source>Cancel</source>
@@ -351,33 +378,6 @@
     <message>
         <source>Kind of fault</source>
         <translation>故障类型</translation>
-    </message>
-</context>
-<context>
-    <name>Core::OperationReport</name>
-    <message>
-        <source>Saved &quot;%1&quot;</source>
-        <translation>已保存“%1”</translation>
-    </message>
-    <message>
-        <source>Project files written: %1</source>
-        <translation>已写入的项目文件：%1</translation>
-    </message>
-    <message>
-        <source>Ended without a new project file of &quot;%1&quot;</source>
-        <translation>已结束，未生成“%1”的项目文件</translation>
-    </message>
-    <message>
-        <source>Applied to &quot;%1&quot;</source>
-        <translation>已应用到“%1”</translation>
-    </message>
-    <message>
-        <source>Ended without writing the configuration of &quot;%1&quot;</source>
-        <translation>已结束，未写入“%1”的配置</translation>
-    </message>
-    <message>
-        <source>Ended with the message: %1</source>
-        <translation>操作结束，提示：%1</translation>
     </message>
 </context>
 </TS>
