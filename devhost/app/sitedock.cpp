@@ -78,7 +78,6 @@ SiteDock::SiteDock(Simulation::Session &session, QWidget *parent)
     m_call->setRange(1, 999);
     m_faultTitle->setBuddy(m_operation);
     m_callLabel->setBuddy(m_call);
-    m_pictureTitle->setBuddy(m_pictures);
     m_armButton->setObjectName(QStringLiteral("siteArm"));
     m_clearButton->setObjectName(QStringLiteral("siteClear"));
 
@@ -172,6 +171,7 @@ void SiteDock::retranslate()
     m_armButton->setText(tr("Arm"));
     m_clearButton->setText(tr("Clear"));
     m_pictureTitle->setText(tr("Pictures in the hardware"));
+    m_pictures->setAccessibleName(m_pictureTitle->text());
     refresh();
 }
 
