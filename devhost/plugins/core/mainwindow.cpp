@@ -8,7 +8,6 @@
 #include <core/modebar.h>
 #include <core/modemanager.h>
 #include <core/operationreport.h>
-#include <utils/textsize.h>
 #include <widgets/titlebar.h>
 #include <widgets/waitingdialog.h>
 
@@ -93,7 +92,7 @@ MainWindow::MainWindow()
 
     m_logDock = makeDock(new LogView(this), QStringLiteral("LogDock"));
     addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
-    resizeDocks({m_logDock}, {Corvel::Utils::inTextSize(235)}, Qt::Vertical);
+    resizeDocks({m_logDock}, {235}, Qt::Vertical);
 
     m_operationLabel->setTextFormat(Qt::PlainText);
     statusBar()->addWidget(m_operationLabel, 1);
