@@ -11,8 +11,8 @@ namespace Widgets {
 ///
 /// The static operations run the box modally and return the button that was pressed. A box that is
 /// closed without a button answers its escape button: Cancel if it has one, else No, else its only
-/// button, else NoButton: never the button that applies something. Its buttons follow a change of the language; assistive
-/// technology is told the text as the box's description. User-interface thread only.
+/// button, else NoButton: never the button that applies something. Its buttons follow a change of the language;
+/// assistive technology is told the text as the box's description. User-interface thread only.
 class HOST_WIDGETS_EXPORT FramelessMessageBox : public FramelessDialog
 {
     Q_OBJECT
