@@ -64,9 +64,8 @@ QByteArray picture(int size, quint32 seed)
     rows.reserve(height * (width * 3 + 1));
     for (int y = 0; y < height; ++y) {
         rows.append('\0');
-        for (int x = 0; x < width * 3; ++x) {
+        for (int x = 0; x < width * 3; ++x)
             rows.append(char(random.generate()));
-        }
     }
     uLongf packedSize = compressBound(uLong(rows.size()));
     QByteArray packed(int(packedSize), Qt::Uninitialized);
@@ -74,9 +73,8 @@ QByteArray picture(int size, quint32 seed)
               uLong(rows.size()), 1);
     packed.truncate(int(packedSize));
     QByteArray header;
-    for (quint32 value : {quint32(width), quint32(height)}) {
+    for (quint32 value : {quint32(width), quint32(height)})
         header.append(char(value >> 24)).append(char(value >> 16)).append(char(value >> 8)).append(char(value));
-    }
     header.append(QByteArray("\x08\x02\x00\x00\x00", 5));
     return QByteArray("\x89PNG\r\n\x1A\n", 8) + chunkOfPng("IHDR", header) + chunkOfPng("IDAT", packed) +
            chunkOfPng("IEND", QByteArray());
@@ -132,9 +130,8 @@ QByteArray contentDigest(const QString &package)
     for (const QString &path : paths) {
         QFile file(path);
         digest.addData(QDir(out.path()).relativeFilePath(path).toUtf8());
-        if (file.open(QIODevice::ReadOnly)) {
+        if (file.open(QIODevice::ReadOnly))
             digest.addData(&file);
-        }
     }
     return digest.result();
 }

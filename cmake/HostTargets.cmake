@@ -49,7 +49,7 @@ function(add_host_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;X11_RUNNER" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     _moc_test_class(${name} ${ARG_SOURCES})
-    target_precompile_headers(${name} REUSE_FROM TestSupport)
+    use_test_headers(${name})
     target_link_libraries(${name} PRIVATE Qt5::Test ${ARG_LIBS})
     if(TARGET QtSynchronisation)
         # Built with ThreadSanitizer only; see tests/sanitizers.
@@ -60,10 +60,24 @@ function(add_host_test name)
     if(ARG_X11_RUNNER)
         set(platform xcb)
     endif()
+    # CTest starts the costliest first.
+    list(FIND LONG_TESTS ${name} cost)
+    if(cost GREATER_EQUAL 0)
+        math(EXPR cost "1000 - ${cost}")
+    else()
+        set(cost 1)
+    endif()
     set_tests_properties(${name} PROPERTIES
         LABELS "${ARG_LABELS}"
         TIMEOUT 1800
+        COST ${cost}
         ENVIRONMENT "QT_QPA_PLATFORM=${platform};QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
+endfunction()
+
+# use_test_headers(<target>): the precompiled header of the tests, which holds only for the same options.
+function(use_test_headers name)
+    target_compile_options(${name} PRIVATE ${TEST_COMPILE_OPTIONS})
+    target_precompile_headers(${name} REUSE_FROM TestSupport)
 endfunction()
 
 # AUTOMOC takes a scan and the compilation of an empty file for each program. A test has one class to moc, in the source

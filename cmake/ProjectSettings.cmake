@@ -25,6 +25,12 @@ if(PROJECTFILECFG_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
         "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${PROJECTFILECFG_CCACHE}")
 endif()
 
+# Saves a third of a second for each of more than sixty programs. What ships is linked by the system's linker.
+find_program(PROJECTFILECFG_MOLD mold)
+if(PROJECTFILECFG_MOLD)
+    add_link_options($<$<CONFIG:Debug>:-fuse-ld=mold>)
+endif()
+
 add_compile_options(-Wall -Wextra)
 option(PROJECTFILECFG_WERROR "Treat warnings as errors" OFF)
 if(PROJECTFILECFG_WERROR)
@@ -40,5 +46,25 @@ if(PROJECTFILECFG_SANITIZE)
     add_compile_options(-fsanitize=${_sanitizers} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
     add_link_options(-fsanitize=${_sanitizers})
 endif()
+
+# Tests are compiled more often than they are run, and compute little themselves.
+set(TEST_COMPILE_OPTIONS)
+if(NOT PROJECTFILECFG_SANITIZE)
+    set(TEST_COMPILE_OPTIONS $<$<CONFIG:Debug>:-O0>)
+endif()
+
+# Reading Qt's headers takes most of the time that compiling a widget takes. use_widget_headers(<target>...) is for targets
+# that link Qt5::Widgets. The product compiles without it, too: a test builds it alone.
+function(use_widget_headers)
+    if(NOT TARGET WidgetHeaders)
+        add_library(WidgetHeaders STATIC "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/widgetheaders.cpp")
+        set_target_properties(WidgetHeaders PROPERTIES AUTOMOC OFF AUTORCC OFF)
+        target_link_libraries(WidgetHeaders PRIVATE Qt5::Widgets)
+        target_precompile_headers(WidgetHeaders PRIVATE <QtWidgets> <algorithm> <functional> <map> <memory> <vector>)
+    endif()
+    foreach(target IN LISTS ARGN)
+        target_precompile_headers(${target} REUSE_FROM WidgetHeaders)
+    endforeach()
+endfunction()
 
 include(HostTargets)

@@ -137,7 +137,9 @@ class Tree:
         found = []
         for test in listed["tests"]:
             arguments = test.get("command")
-            if not arguments or pathlib.Path(arguments[0]).parent != self.build / "bin":
+            # Other programs, such as the host itself, have no test functions to choose from.
+            if not arguments or not pathlib.Path(arguments[0]).name.startswith("tst_") or \
+                    pathlib.Path(arguments[0]).parent != self.build / "bin":
                 continue
             content = pathlib.Path(arguments[0]).read_bytes()
             if b"mutation_on" not in content and str(self.build / "plugins").encode() not in content:

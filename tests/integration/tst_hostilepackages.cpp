@@ -677,8 +677,10 @@ void TstHostilePackages::too_many_entries_together_are_refused_before_writing()
         const QString folder = m_site->devicePath(offlineIp);
         QDirIterator walk(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
         QMap<QString, QDateTime> found;
-        while (walk.hasNext())
-            found.insert(walk.next(), walk.fileInfo().lastModified());
+        while (walk.hasNext()) {
+            const QString path = walk.next();
+            found.insert(path, walk.fileInfo().lastModified());
+        }
         // The model is replaced all the same, and the host writes its description.
         found.remove(folder + QLatin1Char('/') + offlineIp + QStringLiteral(".json"));
         return found;

@@ -16,6 +16,7 @@
 #include <QRegularExpression>
 #include <QtEndian>
 
+#include <cmath>
 #include <optional>
 
 using namespace PackageTesting;
@@ -201,6 +202,7 @@ private slots:
 
     void an_offline_device_gets_its_files_before_its_model();
     void an_offline_device_never_holds_more_than_a_package();
+    void an_offline_devices_names_never_exceed_those_of_packages();
 
     // Exceptions and nulls
     void a_host_call_that_throws_is_code_7_data();
@@ -532,19 +534,23 @@ void TstEngineerDocLoad::output_and_exchange_card_replace_each_other_at_the_exch
 
 void TstEngineerDocLoad::a_newer_protocol_is_code_12_data()
 {
+    QTest::addColumn<double>("target");
     QTest::addColumn<double>("protocol");
     QTest::addColumn<int>("code");
-    QTest::newRow("none") << 0.0 << 0;
-    QTest::newRow("older") << 2.3 << 0;
-    QTest::newRow("equal") << 2.4 << 0;
-    QTest::newRow("newer") << 2.5 << 12;
-    QTest::newRow("a little newer") << 2.41 << 12;
+    QTest::newRow("none") << 2.4 << 0.0 << 0;
+    QTest::newRow("older") << 2.4 << 2.3 << 0;
+    QTest::newRow("equal") << 2.4 << 2.4 << 0;
+    QTest::newRow("newer") << 2.4 << 2.5 << 12;
+    QTest::newRow("a little newer") << 2.4 << 2.41 << 12;
+    QTest::newRow("equal but for the last bit") << 3.3 << std::nextafter(3.3, 4) << 0;
 }
 
 void TstEngineerDocLoad::a_newer_protocol_is_code_12()
 {
+    QFETCH(double, target);
     QFETCH(double, protocol);
     QFETCH(int, code);
+    (*m_site)->device(onlineIp)->setCommunicationProtocol(target);
     HardwareState source = plainDevice(sourceIp);
     source.protocolNumber = protocol;
     QCOMPARE(check(packageOf(source), onlineIp), code);
@@ -1381,25 +1387,75 @@ void TstEngineerDocLoad::an_offline_device_never_holds_more_than_a_package()
     const QString folder = m_site->devicePath(offlineIp);
     const auto packageOfFiles = [](const QByteArray &prefix, int count) {
         PackageBuilder package = descriptionOnly(descriptionOf(plainDevice(sourceIp)));
+        if (prefix.endsWith('/'))
+            package.folder(prefix);
         for (int number = 0; number < count; ++number)
             package.file(prefix + QByteArray::number(number), "x", PackageBuilder::Stored);
         return package;
     };
-    QCOMPARE(apply(packageOfFiles("first", 33000), offlineIp), 0);
+    QCOMPARE(apply(packageOfFiles("first", 20), offlineIp), 0);
+    const int most = 65534;
+    const int room = 10;
+    for (int count = contents(folder).size(); count < most - room; ++count)
+        QVERIFY(writeFile(folder + QStringLiteral("/before%1").arg(count), "x"));
     const QStringList before = contents(folder);
-    QCOMPARE(apply(packageOfFiles("second", 33000), offlineIp), 6);
+    QCOMPARE(before.size(), most - room);
+    QCOMPARE(apply(packageOfFiles("second", room + 1), offlineIp), 6);
     QCOMPARE(contents(folder), before);
     // What is replaced takes no more room.
-    QCOMPARE(apply(packageOfFiles("first", 33000), offlineIp), 0);
+    QCOMPARE(apply(packageOfFiles("first", 20), offlineIp), 0);
 
-    const int most = 65534;
-    QCOMPARE(apply(packageOfFiles("more/", most - before.size()), offlineIp), 6);
-    QCOMPARE(contents(folder), before);
     // The folder is an entry as well.
-    QCOMPARE(apply(packageOfFiles("more/", most - before.size() - 1), offlineIp), 0);
+    QCOMPARE(apply(packageOfFiles("more/", room), offlineIp), 6);
+    QCOMPARE(contents(folder), before);
+    QCOMPARE(apply(packageOfFiles("more/", room - 1), offlineIp), 0);
     EngineerPacketInfo info;
     info.strFilePath = m_packages.filePath(QStringLiteral("saved.corvelpro"));
     QVERIFY(ZipPackageHandle::compressEngineerPacket(folder, info));
+}
+
+void TstEngineerDocLoad::an_offline_devices_names_never_exceed_those_of_packages()
+{
+    const int most = 16 * 1024 * 1024;
+    const QByteArray folder = QByteArray(250, 'd') + '/';
+    const int deepest = 12;
+    const int longest = deepest * folder.size() + 250;
+    int files = 0;
+    const auto addFile = [&](PackageBuilder &package, int nameLength) {
+        const QByteArray number = QByteArray::number(++files);
+        const int depth = (nameLength - 10) / folder.size();
+        package.file(folder.repeated(depth) + number.rightJustified(nameLength - depth * folder.size(), 'x'), "x",
+                     PackageBuilder::Stored);
+    };
+    const auto addFiles = [&](PackageBuilder &package, int length) {
+        for (; length > 2 * longest; length -= longest)
+            addFile(package, longest);
+        addFile(package, length / 2);
+        addFile(package, length - length / 2);
+    };
+
+    PackageBuilder first = descriptionOnly(descriptionOf(plainDevice(sourceIp)));
+    addFiles(first, most / 2);
+    QCOMPARE(apply(first, offlineIp), 0);
+
+    const QString path = m_site->devicePath(offlineIp);
+    const QStringList before = contents(path);
+    int length = 0;
+    for (const QString &name : before)
+        length += name.toUtf8().size() + (QFileInfo(path + QLatin1Char('/') + name).isDir() ? 1 : 0);
+    PackageBuilder tooMuch = descriptionOnly(descriptionOf(plainDevice(sourceIp)));
+    addFiles(tooMuch, most - length + 1);
+    QCOMPARE(apply(tooMuch, offlineIp), 6);
+    QCOMPARE(contents(path), before);
+
+    PackageBuilder asMuchAsFits = descriptionOnly(descriptionOf(plainDevice(sourceIp)));
+    addFiles(asMuchAsFits, most - length);
+    QCOMPARE(apply(asMuchAsFits, offlineIp), 0);
+    EngineerPacketInfo info;
+    info.strFilePath = m_packages.filePath(QStringLiteral("saved.corvelpro"));
+    QVERIFY(ZipPackageHandle::compressEngineerPacket(path, info));
+    QVERIFY(writeFile(path + QStringLiteral("/y"), "one name too many"));
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(path, info));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

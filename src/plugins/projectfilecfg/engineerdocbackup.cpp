@@ -1,79 +1,29 @@
 #include "engineerdocbackup.h"
 
+#include "devicedescription.h"
 #include "devicelookup.h"
 #include "durablefile.h"
 #include "encodedpictures.h"
+#include "exceptionguard.h"
 #include "packagelayout.h"
 #include "picturewriter.h"
+#include "presetfile.h"
 #include "projectfilefacts.h"
 #include "replacingfile.h"
-#include "stagedfile.h"
+#include "stagingdirectory.h"
 #include "zippackagehandle.h"
 
-#include <core/icore.h>
 #include <imagestorager/imagestorager.h>
 #include <model/device.h>
-#include <model/serailizer.h>
 #include <modelcontrol/materialcontrol.h>
 #include <modelcontrol/presetcontrol.h>
 
-#include <QDataStream>
 #include <QDebug>
-#include <QDir>
-#include <QFile>
 
-#include <exception>
-
-using Core::ICore;
 using Model::Materail;
 
 namespace ProjectFileCfg {
 namespace Internal {
-
-static void emptyFolder(const QString &path)
-{
-    QDir folder(path);
-    if (!folder.exists()) {
-        folder.mkpath(QStringLiteral("."));
-        return;
-    }
-    const QFileInfoList entries =
-        folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    for (const QFileInfo &entry : entries) {
-        if (entry.isDir() && !entry.isSymLink())
-            QDir(entry.filePath()).removeRecursively();
-        else
-            QFile::remove(entry.filePath());
-    }
-}
-
-static void emptyStageFolders(const QString &stagingDirectory)
-{
-    emptyFolder(stagingDirectory + PackageLayout::backgroundFolder);
-    emptyFolder(stagingDirectory + PackageLayout::logoFolder);
-    emptyFolder(stagingDirectory + PackageLayout::presetFolder);
-}
-
-namespace {
-
-/// The files that the save of an online device stages: only the package keeps them, however the save ends.
-class StagedFiles
-{
-public:
-    explicit StagedFiles(const QString &stagingDirectory)
-        : m_stagingDirectory(stagingDirectory)
-    {
-        emptyStageFolders(m_stagingDirectory);
-    }
-    ~StagedFiles() { emptyStageFolders(m_stagingDirectory); }
-
-private:
-    Q_DISABLE_COPY(StagedFiles)
-
-    const QString m_stagingDirectory;
-};
-
-} // namespace
 
 static QImage loadPicture(const QString &imageKey, QImage::Format format)
 {
@@ -90,55 +40,18 @@ EngineerDocBackup::EngineerDocBackup(QObject *parent, const QString &ip)
 
 EngineerDocBackup::~EngineerDocBackup() = default;
 
-void EngineerDocBackup::setDeviceIp(const QString &ip)
-{
-    m_strDeviceIp = ip;
-}
-
 void EngineerDocBackup::setProjectInfo(const QString &name, const QString &comment)
 {
     m_strProjectName = name;
     m_strComment = comment;
 }
 
-void EngineerDocBackup::setProjectPath(const QString &directory)
-{
-    m_strProjectPath = directory;
-}
-
-void EngineerDocBackup::setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures)
-{
-    m_pEncodedPictures = pictures;
-}
-
-void EngineerDocBackup::cancel()
-{
-    m_bCancel = true;
-}
-
-int EngineerDocBackup::resultCode() const
-{
-    return m_nResultCode;
-}
-
-QString EngineerDocBackup::savedPackagePath() const
-{
-    return m_strSavedPackagePath;
-}
-
 void EngineerDocBackup::run()
 {
     m_bCancel = false;
     m_strSavedPackagePath.clear();
-    try {
-        save();
-    } catch (const std::exception &exception) {
-        qCritical() << "The save ended with an exception:" << exception.what();
+    if (!runGuarded("The save ended with an exception", [this] { save(); }))
         m_nResultCode = BackupEncryptFailed;
-    } catch (...) {
-        qCritical() << "The save ended with an exception";
-        m_nResultCode = BackupEncryptFailed;
-    }
 }
 
 void EngineerDocBackup::save()
@@ -146,8 +59,7 @@ void EngineerDocBackup::save()
     const QString packagePath = m_strProjectPath + m_strProjectName + ProjectFileFacts::packageExtension;
     const DurableFile::FileIdentity previous(ReplacingFile::targetBehind(packagePath));
 
-    if (!Model::Serailizer(ICore::deviceConfigFilePath()).serailize()) {
-        qDebug() << "Fail to serailize model data.";
+    if (!writeDeviceDescriptions()) {
         m_nResultCode = BackupSaveJsonFailed;
         return;
     }
@@ -158,7 +70,7 @@ void EngineerDocBackup::save()
 
     std::unique_ptr<StagedFiles> stagedFiles;
     if (device->getDeviceOnlineFlag()) {
-        stagedFiles = std::make_unique<StagedFiles>(stagingDirectory());
+        stagedFiles = std::make_unique<StagedFiles>(directory());
         if (!exportPictures())
             return;
     } else if (!offlineResourcesComplete()) {
@@ -183,7 +95,7 @@ void EngineerDocBackup::pack(const QString &packagePath, const DurableFile::File
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
     QString reason;
-    if (!ZipPackageHandle::compressEngineerPacket(deviceDirectory(), info, {m_hashStaged, previous}, reason))
+    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_hashStaged, previous}, reason))
         fail(reason);
     else if (ZipPackageHandle::isValidEngineerPacket(packagePath))
         m_strSavedPackagePath = packagePath;
@@ -196,6 +108,8 @@ bool EngineerDocBackup::fail(const QString &reason)
     return false;
 }
 
+// Asked anew by each step, four times in a save of an online device: the host may remove the device between two of
+// them, or replace it by another one of that address. A step that finds none ends the save.
 std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
 {
     std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIp);
@@ -204,19 +118,9 @@ std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
     return device;
 }
 
-QString EngineerDocBackup::deviceDirectory() const
+StagingDirectory EngineerDocBackup::directory() const
 {
-    return ICore::deviceConfigFilePath() + QDir::separator() + m_strDeviceIp;
-}
-
-QString EngineerDocBackup::stagingDirectory() const
-{
-    return deviceDirectory() + QDir::separator() + QLatin1Char('/');
-}
-
-QString EngineerDocBackup::presetDirectory() const
-{
-    return deviceDirectory() + QDir::separator() + PackageLayout::presetFolder + QLatin1Char('/');
+    return StagingDirectory(m_strDeviceIp);
 }
 
 bool EngineerDocBackup::stopIfCanceled()
@@ -239,10 +143,10 @@ bool EngineerDocBackup::exportPictures()
     if (hasPictures && stopIfCanceled())
         return false;
     if (!areWhole)
-        return fail(QStringLiteral("a picture in %1 is cut").arg(stagingDirectory()));
+        return fail(QStringLiteral("a picture in %1 is cut").arg(directory().picturePath(QString())));
     const QHash<QString, qint64> written = writer.written();
     for (auto picture = written.begin(); picture != written.end(); ++picture)
-        m_hashStaged.insert(picture.key().mid(stagingDirectory().size()), picture.value());
+        m_hashStaged.insert(directory().pictureEntry(picture.key()), picture.value());
     return true;
 }
 
@@ -266,7 +170,7 @@ bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
             return false;
         }
         writer.write(loadPicture(background->imageKey(), QImage::Format_RGB32),
-                     stagingDirectory() + PackageLayout::backgroundEntry(background->getKeyNo()));
+                     directory().picturePath(PackageLayout::backgroundEntry(background->getKeyNo())));
     }
     return true;
 }
@@ -283,7 +187,7 @@ bool EngineerDocBackup::exportLogos(PictureWriter &writer)
             return false;
         if (const std::shared_ptr<Materail> logo = reference.lock())
             writer.write(loadPicture(logo->imageKey(), QImage::Format_ARGB32),
-                         stagingDirectory() + PackageLayout::logoEntry(logo->getKeyNo()));
+                         directory().picturePath(PackageLayout::logoEntry(logo->getKeyNo())));
     }
     return true;
 }
@@ -291,20 +195,7 @@ bool EngineerDocBackup::exportLogos(PictureWriter &writer)
 bool EngineerDocBackup::offlineResourcesComplete() const
 {
     const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIp);
-    if (!device)
-        return false;
-
-    for (const Talvik::weak_refrence<Materail> &reference : device->getBKGs()) {
-        const std::shared_ptr<Materail> background = reference.lock();
-        if (background && !QFile::exists(stagingDirectory() + PackageLayout::backgroundEntry(background->getKeyNo())))
-            return false;
-    }
-    for (const Talvik::weak_refrence<Materail> &reference : device->getLogos()) {
-        const std::shared_ptr<Materail> logo = reference.lock();
-        if (logo && !QFile::exists(stagingDirectory() + PackageLayout::logoEntry(logo->getKeyNo())))
-            return false;
-    }
-    return true;
+    return device && directory().hasPicturesOf(*device);
 }
 
 bool EngineerDocBackup::LoadPreset()
@@ -312,11 +203,10 @@ bool EngineerDocBackup::LoadPreset()
     const std::shared_ptr<Model::Device> device = findDevice();
     if (!device)
         return false;
+    if (!directory().renewPresetFolder())
+        return fail(QStringLiteral("%1 cannot be made").arg(directory().presetPath()));
 
-    QDir(presetDirectory()).removeRecursively();
-    if (!QDir().mkpath(presetDirectory()))
-        return fail(QStringLiteral("%1 cannot be made").arg(presetDirectory()));
-
+    // A copy: the host's list may change meanwhile.
     const std::vector<std::shared_ptr<Model::Preset>> presets = device->getPresets();
     for (const std::shared_ptr<Model::Preset> &preset : presets) {
         if (stopIfCanceled())
@@ -335,26 +225,22 @@ bool EngineerDocBackup::LoadPreset()
 
 bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &detail, const QString &deviceName)
 {
-    QFile file(deviceDirectory() + QDir::separator() + entry);
-    const auto open = [&file] { return file.open(QIODevice::WriteOnly | QIODevice::Truncate); };
-    if (!open()) {
-        const QString reason = file.errorString();
-        // Another program that saves this device removes the folder, and makes it anew.
-        if (!QDir(presetDirectory()).exists())
-            return fail(QStringLiteral("%1 was removed").arg(presetDirectory()));
-        if (!open()) {
-            qDebug().noquote() << QStringLiteral("Device [%1] serailize error,reason: %2").arg(deviceName, reason);
-            return false;
-        }
+    const QString path = directory().presetPath(entry);
+    PresetFile file(path);
+    switch (file.write(detail)) {
+    case PresetFile::Written:
+        m_hashStaged.insert(entry, file.size());
+        return true;
+    case PresetFile::FolderGone:
+        return fail(QStringLiteral("%1 was removed").arg(directory().presetPath()));
+    case PresetFile::Cut:
+        return fail(QStringLiteral("%1 is cut").arg(path));
+    case PresetFile::NotOpened:
+        break;
     }
-    QByteArray content;
-    QDataStream stream(&content, QIODevice::WriteOnly);
-    // A null array would be streamed as the length 0xffffffff.
-    stream << (detail.isNull() ? QByteArray("") : detail);
-    if (!writeWhole(file, content))
-        return fail(QStringLiteral("%1 is cut").arg(file.fileName()));
-    m_hashStaged.insert(entry, content.size());
-    return true;
+    // No code: the panel shows nothing, and savedPackagePath() tells that there is no package.
+    qDebug().noquote() << QStringLiteral("Device [%1] serailize error,reason: %2").arg(deviceName, file.errorString());
+    return false;
 }
 
 } // namespace Internal

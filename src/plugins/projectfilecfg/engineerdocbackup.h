@@ -18,6 +18,7 @@ namespace Internal {
 
 class EncodedPictures;
 class PictureWriter;
+class StagingDirectory;
 
 namespace DurableFile {
 class FileIdentity;
@@ -36,32 +37,32 @@ public:
     ~EngineerDocBackup() override;
 
     /// Before start(): the address of the device to save.
-    void setDeviceIp(const QString &ip);
+    void setDeviceIp(const QString &ip) { m_strDeviceIp = ip; }
     /// Before start(): `name` becomes the package's base name; the record contains it and `comment`.
     void setProjectInfo(const QString &name, const QString &comment);
     /// Before start(): the package's directory, with a trailing separator. It is created if it is missing, but not a
     /// sub-folder that a separator in the name leads to. The package replaces only the file that was there when the run
     /// began: if there is another one by then, that one stays and the run ends with BackupEncryptFailed.
-    void setProjectPath(const QString &directory);
+    void setProjectPath(const QString &directory) { m_strProjectPath = directory; }
 
     /// Before start(): the cache of encoded pictures. By default the job uses an empty one.
-    void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures);
+    void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures) { m_pEncodedPictures = pictures; }
 
     /// Requests the job to end before the next picture or preset. Any thread; a request before the thread has started
     /// is lost, and one while the package is being written comes too late. A request while the last pictures are being
     /// encoded is still in time.
-    void cancel();
+    void cancel() { m_bCancel = true; }
 
     /// The BackupResultCode of the run; valid once QThread::finished was emitted.
     ///
     /// A run that was cancelled between the last picture and the first preset, or whose preset file could not be
     /// opened, ends with BackupSuccess and without a package. An exception from the host ends it with
     /// BackupEncryptFailed. However the run ends, no picture or preset of an online device stays in its directory.
-    int resultCode() const;
+    int resultCode() const { return m_nResultCode; }
 
     /// The path of the saved package, which the run has read back and found valid; valid like the result code. Empty if
     /// there is no package, even with BackupSuccess. Check it before any work that depends on the save.
-    QString savedPackagePath() const;
+    QString savedPackagePath() const { return m_strSavedPackagePath; }
 
 signals:
     /// Progress for the waiting dialog, emitted from the job's thread (the name is part of the interface).
@@ -75,9 +76,7 @@ private:
     void pack(const QString &packagePath, const DurableFile::FileIdentity &previous);
     bool fail(const QString &reason);
     std::shared_ptr<Model::Device> findDevice();
-    QString deviceDirectory() const;
-    QString stagingDirectory() const;
-    QString presetDirectory() const;
+    StagingDirectory directory() const;
     bool exportPictures();
     bool exportBackgrounds(PictureWriter &writer);
     bool exportLogos(PictureWriter &writer);

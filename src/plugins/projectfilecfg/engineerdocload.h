@@ -2,25 +2,22 @@
 
 #include "operationresultcodes.h"
 
-#include <QHash>
-#include <QImage>
 #include <QString>
 #include <QThread>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 namespace Model {
 class Device;
-class Materail;
 } // namespace Model
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-class PackagedPicture;
+class OnlineApply;
 class PackageReader;
-class PictureDecoder;
 
 /// The job that applies a project file to one device, online or offline.
 ///
@@ -43,8 +40,8 @@ public:
     ~EngineerDocLoad() override;
 
     void setPackagePath(const QString &path);
-    void setDeviceIp(const QString &ip);
-    QString deviceIp() const;
+    void setDeviceIp(const QString &ip) { m_strDeviceIp = ip; }
+    QString deviceIp() const { return m_strDeviceIp; }
 
     /// True if the package exists and its checksum is right. A wrong checksum leaves the result code at LoadSuccess, so
     /// that nothing is shown: the list does not offer such a package. LoadDecompressFailed if there is no room for the
@@ -60,10 +57,10 @@ public:
 
     /// Requests the job to end before the next picture, or to report the cancellation once the transfer is over. Any
     /// thread; a request before the thread has started is lost.
-    void cancel();
+    void cancel() { m_bCancel = true; }
 
     /// The LoadResultCode; valid after a check returned false, or once QThread::finished was emitted.
-    int resultCode() const;
+    int resultCode() const { return m_nResultCode; }
 
     /// Reads a device description that the host has written. Null if the file cannot be read, is not a JSON document
     /// with content, or is too large (see readDeviceDescription()). Caller's thread.
@@ -81,27 +78,24 @@ protected:
     void run() override;
 
 private:
-    bool isFittingDevice();
+    /// Calls the host: an exception is logged and fails with LoadImportFailed.
+    bool guarded(const std::function<bool()> &work);
+    /// The same for a check: if it does not pass, there will be no run.
+    bool check(const std::function<bool()> &work);
+    /// False without a code if there is no package any more.
     bool openPackage();
     bool readDescription();
-    bool cardsAgree(const Model::Device &target);
-    void apply();
-    void applyOffline(const std::shared_ptr<Model::Device> &target);
-    void applyOnline(const std::shared_ptr<Model::Device> &target);
-    bool offlineCopy();
+    bool apply();
+    bool applyOffline(Model::Device &target);
     bool copySourceToOfflineDevice();
-    bool onlineSend(const std::shared_ptr<Model::Device> &target);
-    bool sendSourceToOnlineDevice(const std::shared_ptr<Model::Device> &target);
-    void decodeAhead(const QString &entry, PictureDecoder &decoder);
-    bool sendPicture(const QString &entry, const std::shared_ptr<Model::Device> &target, PictureDecoder &decoder);
-    /// `known` caches thumbnails by the paths of their pictures.
-    void refreshThumbnail(Model::Materail &materail, QHash<QString, QImage> &known) const;
-    QString deviceFolder() const;
+    bool applyOnline(const std::shared_ptr<Model::Device> &target);
+    bool onlineSend(OnlineApply &online);
+    bool sendSourceToOnlineDevice(OnlineApply &online);
+    /// Sets the code and returns false.
     bool fail(LoadResultCode code);
+    /// True for LoadSuccess; fails with any other code.
+    bool passes(LoadResultCode code) { return code == LoadSuccess || fail(code); }
     bool stopIfCanceled();
-    /// Runs `work`; logs an exception and fails with LoadImportFailed.
-    template<typename Work>
-    bool guarded(const Work &work);
 
     std::atomic<bool> m_bCancel{false};
     QString m_strPackagePath;

@@ -18,9 +18,11 @@ using Corvel::Widgets::FixedBitLineEditEx;
 using HX::Widgets::FramelessMessageBox;
 namespace Facts = ProjectFileCfg::Internal::ProjectFileFacts;
 
-static const int maxCommentLength = 100;
+namespace {
 
-static bool splitsSurrogatePair(const QString &text, int position)
+constexpr int maxCommentLength = 100;
+
+bool splitsSurrogatePair(const QString &text, int position)
 {
     return position > 0 && position < text.length() && text.at(position).isLowSurrogate() &&
            text.at(position - 1).isHighSurrogate();
@@ -28,7 +30,7 @@ static bool splitsSurrogatePair(const QString &text, int position)
 
 /// Drops what exceeds the limit: the characters that end at the caret, since they were typed or pasted last.
 /// With too few of them before the caret, as after setComment(), the first 100 characters are kept.
-static QString cutToLimit(const QString &typed, int *caret)
+QString cutToLimit(const QString &typed, int *caret)
 {
     const int excess = typed.length() - maxCommentLength;
     if (excess <= 0)
@@ -49,6 +51,8 @@ static QString cutToLimit(const QString &typed, int *caret)
     }
     return typed.left(from) + typed.mid(to);
 }
+
+} // namespace
 
 EngineerPropertySettingWidget::EngineerPropertySettingWidget(QWidget *parent, const QString &name,
                                                              const QString &comment)

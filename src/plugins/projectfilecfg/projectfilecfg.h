@@ -3,7 +3,7 @@
 #include "projectfilecfg_global.h"
 
 /// Exported by the library since its first release; hosts in the field may use the symbol.
-class PROJECTFILECFG_EXPORT projectfilecfg
+class PROJECTFILECFG_EXPORT projectfilecfg // NOLINT(readability-identifier-naming)
 {
 public:
     projectfilecfg();

@@ -19,11 +19,15 @@ using SettingCfg::SettingCfgModeManager;
 
 namespace ProjectFileCfg {
 
-static ProjectFileCfgPlugin *s_instance = nullptr;
+namespace {
 
-static const char modeId[] = "ProjectFileCfg";
-static const char centerWidgetId[] = "ProjectFileCfg.Central";
-static const char settingsAreaId[] = "SettingCfg";
+ProjectFileCfgPlugin *s_instance = nullptr;
+
+constexpr char modeId[] = "ProjectFileCfg";
+constexpr char centerWidgetId[] = "ProjectFileCfg.Central";
+constexpr char settingsAreaId[] = "SettingCfg";
+
+} // namespace
 
 ProjectFileCfgPlugin::ProjectFileCfgPlugin()
 {
@@ -120,7 +124,7 @@ void ProjectFileCfgPlugin::destoryModeWidgets()
     m_pCenterWidget = nullptr;
 }
 
-void ProjectFileCfgPlugin::currentModeChanged(HX::Utils::Id current, HX::Utils::Id)
+void ProjectFileCfgPlugin::currentModeChanged(const HX::Utils::Id &current, const HX::Utils::Id &)
 {
     // The mode manager is still telling everybody; the panel is made once it is done.
     QTimer::singleShot(0, this, [this, current] { showOrLeavePanel(current); });

@@ -56,7 +56,7 @@ private:
     void destoryModeWidgets();
     void registerDefaultActions();
 
-    void currentModeChanged(HX::Utils::Id current, HX::Utils::Id previous);
+    void currentModeChanged(const HX::Utils::Id &current, const HX::Utils::Id &previous);
     void showOrLeavePanel(const HX::Utils::Id &current);
     void withdrawMode();
 

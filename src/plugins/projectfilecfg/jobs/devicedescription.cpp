@@ -1,18 +1,45 @@
 #include "devicedescription.h"
 
 #include "contentscan.h"
+#include "packagelayout.h"
 #include "packagelimits.h"
+#include "packagereader.h"
 
+#include <core/icore.h>
 #include <model/device.h>
+#include <model/serailizer.h>
 
-#include <QIODevice>
+#include <QBuffer>
+#include <QDebug>
+#include <QFile>
 #include <QJsonDocument>
+
+#include <algorithm>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
 /// Id of a device that is in no list.
 static const quint16 unlistedDeviceId = 65535;
+
+bool writeDeviceDescriptions()
+{
+    if (Model::Serailizer(Core::ICore::deviceConfigFilePath()).serailize())
+        return true;
+    qDebug() << "Fail to serailize model data.";
+    return false;
+}
+
+QString descriptionEntryOf(const QString &ip)
+{
+    return ip + QStringLiteral(".json");
+}
+
+QString findDescription(const QStringList &entries)
+{
+    const auto found = std::find_if(entries.begin(), entries.end(), PackageLayout::isDescription);
+    return found == entries.end() ? QString() : *found;
+}
 
 static QJsonDocument parseDescription(QIODevice &device, QJsonParseError &error)
 {
@@ -34,6 +61,44 @@ std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString 
     auto read = std::make_shared<Model::Device>(unlistedDeviceId, nullptr);
     read->fromJson(document.object());
     return read;
+}
+
+std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QString &error)
+{
+    error.clear();
+    if (!QFile::exists(path))
+        return nullptr;
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return readDeviceDescription(file, error);
+    qDebug().noquote() << QStringLiteral("Open file [%1] failed").arg(path);
+    return nullptr;
+}
+
+LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
+                                     std::shared_ptr<Model::Device> &device)
+{
+    const QStringList extracted = package.extractJsonFiles(folder);
+    if (extracted.isEmpty())
+        return LoadJsonFileError;
+    const QString entry = findDescription(package.entries());
+    QByteArray description =
+        extracted.first().isEmpty() ? QByteArray() : package.read(entry, PackageReader::maxSizeOf(entry));
+    QBuffer buffer(&description);
+    QString error;
+    buffer.open(QIODevice::ReadOnly | QIODevice::Text);
+    device = readDeviceDescription(buffer, error);
+    return device ? LoadSuccess : LoadGetDeviceFailed;
+}
+
+void takeIdentity(Model::Device &description, const Model::Device &target, const QString &ip)
+{
+    description.setIPAddress(ip);
+    description.setNetMask(target.getNetMask());
+    description.setGateWay(target.getGateWay());
+    description.setMAC(target.getMAC());
+    description.setId(target.getId());
+    description.setCommunicationProtocol(target.getCommunicationProtocolNumber());
 }
 
 } // namespace Internal

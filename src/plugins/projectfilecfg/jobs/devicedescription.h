@@ -1,6 +1,9 @@
 #pragma once
 
+#include "operationresultcodes.h"
+
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -13,10 +16,32 @@ class Device;
 namespace ProjectFileCfg {
 namespace Internal {
 
+class PackageReader;
+
+/// Has the host write the descriptions of its devices into their configuration directories. False, with a line in the
+/// log, if it fails.
+bool writeDeviceDescriptions();
+
+/// The name of the description of an offline device with that address, in its directory.
+QString descriptionEntryOf(const QString &ip);
+
+/// The entry that a load reads: the first description in the archive's order. Empty if there is none.
+QString findDescription(const QStringList &entries);
+
 /// Creates a device, which is in no list, from a description that the host has written. `device` is open for reading as
 /// text. Null, with the parser's reason in `error`, if it is not a JSON document with content, or exceeds
 /// PackageLimits.
 std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString &error);
+/// The same for a file. `error` is empty if there is none, or if it cannot be opened, which is logged.
+std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QString &error);
+/// The same for the description that a load reads. Extracts all descriptions of the package to `folder`, where others
+/// expect them, but reads from the package. LoadJsonFileError if there is none: `device` is unchanged.
+/// LoadGetDeviceFailed if it cannot be extracted or read: `device` is null.
+LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
+                                     std::shared_ptr<Model::Device> &device);
+
+/// Gives a description the identity of the device that is to get it: its id, network settings and protocol number.
+void takeIdentity(Model::Device &description, const Model::Device &target, const QString &ip);
 
 } // namespace Internal
 } // namespace ProjectFileCfg

@@ -1,5 +1,6 @@
 #include "offlineroom.h"
 
+#include "devicedescription.h"
 #include "packagelayout.h"
 #include "packagelimits.h"
 #include "packagereader.h"
@@ -14,7 +15,7 @@ namespace Internal {
 
 namespace {
 
-/// Sizes by path relative to the device's folder; folders have none.
+/// Sizes by the names of the entries that a package would have. Names of folders end in "/"; their size is 0.
 using Contents = QHash<QString, qint64>;
 
 Contents contentsOf(const QString &folder)
@@ -24,22 +25,24 @@ Contents contentsOf(const QString &folder)
                       QDirIterator::Subdirectories);
     const QDir root(folder);
     while (walk.hasNext()) {
-        const QString path = walk.next();
-        if (!ReplacingFile::isFragment(walk.fileName()))
-            found.insert(root.relativeFilePath(path), walk.fileInfo().isDir() ? 0 : walk.fileInfo().size());
+        const QString name = root.relativeFilePath(walk.next());
+        if (walk.fileInfo().isDir())
+            found.insert(name + QLatin1Char('/'), 0);
+        else if (!ReplacingFile::isFragment(walk.fileName()))
+            found.insert(name, walk.fileInfo().size());
     }
     return found;
 }
 
 void addEntry(const QString &entry, qint64 size, Contents &contents)
 {
-    const QString path = PackageLayout::plainName(entry);
-    contents.insert(path, size);
+    const QString name = PackageLayout::plainName(entry);
+    contents.insert(name, size);
     // None so deep is extracted; its folders' names together could fill the memory.
-    if (path.count(QLatin1Char('/')) >= PackageLimits::maxDepth)
+    if (name.count(QLatin1Char('/')) >= PackageLimits::maxDepth)
         return;
-    for (int end = path.lastIndexOf(QLatin1Char('/')); end > 0; end = path.lastIndexOf(QLatin1Char('/'), end - 1))
-        contents.insert(path.left(end), 0);
+    for (int end = name.indexOf(QLatin1Char('/')); end >= 0; end = name.indexOf(QLatin1Char('/'), end + 1))
+        contents.insert(name.left(end + 1), 0);
 }
 
 /// As PackageWriter counts it: what is stored takes its own size.
@@ -48,18 +51,16 @@ bool fitsPackage(const Contents &contents)
     constexpr qint64 headersSize = 30 + 46;
     constexpr qint64 endRecordSize = 22;
     qint64 contentSize = 0;
+    qint64 namesLength = 0;
     qint64 leastSize = endRecordSize;
-    bool hasDescription = false;
     for (auto it = contents.begin(); it != contents.end(); ++it) {
-        const bool isStored = PackageLayout::isPicture(it.key());
+        const qint64 nameLength = it.key().toUtf8().size();
         contentSize += it.value();
-        leastSize += headersSize + 2 * (it.key().toUtf8().size() + 1) + (isStored ? it.value() : 0);
-        hasDescription = hasDescription || PackageLayout::isDescription(it.key());
+        namesLength += nameLength;
+        leastSize += headersSize + 2 * nameLength + (PackageLayout::isPicture(it.key()) ? it.value() : 0);
     }
-    // The host writes one where there is none.
-    const int count = contents.size() + (hasDescription ? 0 : 1);
-    return count <= PackageLimits::maxPackedEntries && contentSize <= PackageLimits::maxContentSize &&
-           leastSize <= PackageLimits::maxArchiveSize;
+    return contents.size() <= PackageLimits::maxPackedEntries && contentSize <= PackageLimits::maxContentSize &&
+           namesLength <= PackageLimits::maxNamesLength && leastSize <= PackageLimits::maxArchiveSize;
 }
 
 } // namespace
@@ -71,6 +72,9 @@ bool fitsPackageAfterwards(const PackageReader &package, const QString &deviceFo
         if (!PackageLayout::isDescription(entry))
             addEntry(entry, package.entrySize(entry), contents);
     }
+    // The host writes one where there is none.
+    if (findDescription(contents.keys()).isEmpty())
+        contents.insert(descriptionEntryOf(QDir(deviceFolder).dirName()), 0);
     return fitsPackage(contents);
 }
 

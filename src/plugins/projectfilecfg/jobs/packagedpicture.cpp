@@ -9,7 +9,7 @@
 #include <model/device.h>
 
 #include <QBuffer>
-#include <QDir>
+#include <QDebug>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -48,6 +48,15 @@ QString PackagedPicture::name() const
 {
     return PackageLayout::galleryFolder(m_path) + QLatin1Char('_') +
            QString::number(PackageLayout::galleryNumber(m_path));
+}
+
+QString PackagedPicture::extract(PackageReader &package, const QString &folder) const
+{
+    const QString path = QStringLiteral("%1/%2").arg(folder, m_entry);
+    if (!package.extractFile(m_entry, path).isEmpty())
+        return path;
+    qDebug() << "Extract file failed:" << path;
+    return QString();
 }
 
 LoadResultCode PackagedPicture::open(PackageReader &package, const QString &folder)

@@ -36,6 +36,10 @@ public:
     /// The first of the device's pictures of that kind and number; null if there is none, or outside the gallery.
     std::shared_ptr<Model::Materail> materail() const { return m_materail; }
 
+    /// Extracts it to `folder` under the entry's name, where others expect it, and returns the path. Empty, with a line
+    /// in the log, if that fails.
+    QString extract(PackageReader &package, const QString &folder) const;
+
     /// Reads the content from the package, and checks its header. Above 32 MiB it goes to a nameless file in `folder`,
     /// or to memory if there is no room and it is within PackageLimits::maxPictureFileSize. LoadDecompressFailed if it
     /// cannot be read to its end with the right CRC; LoadImageContentError if its width or height is below 1;

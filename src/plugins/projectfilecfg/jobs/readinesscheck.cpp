@@ -8,7 +8,6 @@
 
 #include <model/device.h>
 
-#include <QDebug>
 #include <QFile>
 #include <QThread>
 
@@ -43,6 +42,11 @@ LoadResultCode ReadinessCheck::run()
     return code;
 }
 
+LoadResultCode ReadinessCheck::runOffline() const
+{
+    return hasTooManyPixels() ? LoadGalleryFileError : LoadSuccess;
+}
+
 // By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is
 // too large for itself.
 bool ReadinessCheck::hasTooManyPixels() const
@@ -59,22 +63,13 @@ bool ReadinessCheck::hasTooManyPixels() const
     return pixels > PackageLimits::maxPixels;
 }
 
-bool ReadinessCheck::isExtracted(const QString &entry)
-{
-    const QString path = QStringLiteral("%1/%2").arg(m_folder, entry);
-    const bool isExtracted = !m_package.extractFile(entry, path).isEmpty();
-    if (!isExtracted)
-        qDebug() << "Extract file failed:" << path;
-    else
-        QFile::remove(path);
-    return isExtracted;
-}
-
 LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decoder)
 {
-    if (!isExtracted(entry))
-        return LoadDecompressFailed;
     PackagedPicture picture(entry, m_device);
+    const QString extractedPath = picture.extract(m_package, m_folder);
+    if (extractedPath.isEmpty())
+        return LoadDecompressFailed;
+    QFile::remove(extractedPath);
     const LoadResultCode code = picture.open(m_package, m_folder);
     if (code != LoadSuccess || !picture.isOfGallery())
         return code;

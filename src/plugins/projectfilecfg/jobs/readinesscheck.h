@@ -32,12 +32,13 @@ public:
     /// if it cannot be decoded. LoadGalleryFileError before anything is read if hasTooManyPixels(). Caller's thread.
     LoadResultCode run();
 
-    /// True if the pictures together, by their sizes in the description, have more pixels than PackageLimits allows.
-    /// For offline devices, too: decoding the pictures for their thumbnails would take minutes.
-    bool hasTooManyPixels() const;
+    /// The same for an offline device, which gets its pictures as they are: LoadGalleryFileError if hasTooManyPixels(),
+    /// since decoding them for their thumbnails would take minutes. Otherwise LoadSuccess.
+    LoadResultCode runOffline() const;
 
 private:
-    bool isExtracted(const QString &entry);
+    /// True if the pictures together, by their sizes in the description, have more pixels than PackageLimits allows.
+    bool hasTooManyPixels() const;
     LoadResultCode begin(const QString &entry, PictureDecoder &decoder);
     bool isOldestDecoded(PictureDecoder &decoder);
 

@@ -1,0 +1,24 @@
+#include "exceptionguard.h"
+
+#include <QDebug>
+
+#include <exception>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+bool runGuarded(const char *failure, const std::function<void()> &work)
+{
+    try {
+        work();
+        return true;
+    } catch (const std::exception &error) {
+        qCritical().nospace() << failure << ": " << error.what();
+    } catch (...) {
+        qCritical() << failure;
+    }
+    return false;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

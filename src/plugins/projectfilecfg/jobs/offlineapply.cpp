@@ -1,0 +1,100 @@
+#include "offlineapply.h"
+
+#include "devicedescription.h"
+#include "durablefile.h"
+#include "offlineroom.h"
+#include "packagelayout.h"
+#include "packagereader.h"
+#include "picturereader.h"
+#include "thumbnail.h"
+
+#include <core/icore.h>
+#include <model/device.h>
+
+#include <QDebug>
+#include <QFile>
+#include <QHash>
+#include <QImage>
+
+#include <algorithm>
+
+using Model::Materail;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+QString offlineFolder(const QString &ip)
+{
+    return QStringLiteral("%1/%2/").arg(Core::ICore::deviceConfigFilePath(), ip);
+}
+
+/// One text for both: readers of logs look for it.
+static LoadResultCode extractionFailed(const QString &path)
+{
+    qDebug() << "Extract json file failed:" << path;
+    return LoadDecompressFailed;
+}
+
+LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder)
+{
+    if (!fitsPackageAfterwards(package, folder)) {
+        qDebug() << "More than a package holds would be in" << folder;
+        return LoadDecompressFailed;
+    }
+    QStringList entries = package.entries();
+    entries.erase(std::remove_if(entries.begin(), entries.end(), PackageLayout::isDescription), entries.end());
+    const bool areExtracted = std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
+        return !package.extractFile(entry, QStringLiteral("%1/%2").arg(folder, entry)).isEmpty();
+    });
+    const bool areOnDisk = areExtracted && (entries.isEmpty() || DurableFile::flushTree(folder));
+    return areOnDisk ? LoadSuccess : extractionFailed(path);
+}
+
+LoadResultCode extractDescription(const QString &path, const QString &ip)
+{
+    PackageReader package(path);
+    const QString description = findDescription(package.fileList());
+    if (description.isEmpty())
+        return LoadSuccess;
+    const QString target = offlineFolder(ip) + descriptionEntryOf(ip);
+    QFile::remove(target);
+    return package.extractFile(description, target).isEmpty() ? extractionFailed(path) : LoadSuccess;
+}
+
+void replaceModel(Model::Device &target, const Model::Device &description)
+{
+    target.clearAll(true);
+    target.clearMaterial();
+    target.clearPreset();
+    target.fromJson(description.toJson());
+}
+
+static QString picturePath(const QString &folder, const Materail &materail)
+{
+    if (materail.getType() == Materail::Background)
+        return folder + PackageLayout::backgroundEntry(materail.getKeyNo());
+    if (materail.getType() == Materail::Logo)
+        return folder + PackageLayout::logoEntry(materail.getKeyNo());
+    return QString();
+}
+
+void refreshThumbnails(const Model::Device &device, const QString &folder)
+{
+    // Any number of them may have the same number, and so the same picture.
+    QHash<QString, QImage> thumbnails;
+    for (const auto &materails : {device.getBKGs(), device.getLogos()}) {
+        for (const Talvik::weak_refrence<Materail> &reference : materails) {
+            const std::shared_ptr<Materail> materail = reference.lock();
+            if (!materail)
+                continue;
+            const QString path = picturePath(folder, *materail);
+            auto thumbnail = thumbnails.find(path);
+            if (thumbnail == thumbnails.end())
+                thumbnail = thumbnails.insert(path, thumbnailOf(PictureReader(path).read()));
+            materail->setThumb(*thumbnail);
+        }
+    }
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "operationresultcodes.h"
+
+#include <QString>
+
+namespace Model {
+class Device;
+} // namespace Model
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+class PackageReader;
+
+/// The directory of an offline device, with a trailing "/".
+QString offlineFolder(const QString &ip);
+
+/// Extracts everything but the descriptions of the package at `path` to an offline device's directory and flushes it to
+/// disk, so that it is there before the description that names it. LoadDecompressFailed, with a line in the log, if an
+/// entry cannot be extracted, or before anything is written if the directory would not fit a package afterwards;
+/// otherwise LoadSuccess.
+LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder);
+
+/// Extracts the first description of the package at `path` to the directory of the device with that address.
+/// LoadSuccess also if there is none; LoadDecompressFailed, with a line in the log, if it cannot be extracted.
+LoadResultCode extractDescription(const QString &path, const QString &ip);
+
+/// Replaces the model of an offline device by what `description` holds.
+void replaceModel(Model::Device &target, const Model::Device &description);
+
+/// Makes the thumbnails of an offline device's backgrounds and logos from the pictures in its directory. One without a
+/// readable picture gets an empty one.
+void refreshThumbnails(const Model::Device &device, const QString &folder);
+
+} // namespace Internal
+} // namespace ProjectFileCfg

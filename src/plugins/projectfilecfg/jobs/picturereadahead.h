@@ -1,0 +1,52 @@
+#pragma once
+
+#include "operationresultcodes.h"
+#include "packagedpicture.h"
+#include "picturedecoder.h"
+
+#include <QImage>
+#include <QString>
+#include <QStringList>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The pictures of a package, one after the other, for an apply to an online device: while one is sent, the next one is
+/// decoded on another thread. If that fails, the picture is read and decoded again at its own turn, and fails there.
+/// Use it only on the thread that created it.
+class PictureReadAhead
+{
+public:
+    struct Picture
+    {
+        PackagedPicture packaged;
+        /// Where it was extracted; empty if that failed, which does not keep it from being sent.
+        QString extractedPath;
+        /// LoadSuccess, or the code with which the apply ends: that of PackagedPicture::open(), or
+        /// LoadGalleryFileError if it cannot be decoded.
+        LoadResultCode code;
+        /// Null on failure, and outside the gallery.
+        QImage image;
+    };
+
+    /// `device` is the package's device description. Extracts the pictures to `folder`, where others expect them.
+    PictureReadAhead(PackageReader &package, const Model::Device &device, const QString &folder);
+
+    bool hasNext() const { return m_nNext < m_entries.size(); }
+    /// Reads the next one in the archive's order, in the gallery or not.
+    Picture next();
+
+private:
+    void decodeAhead(const QString &entry);
+    LoadResultCode read(PackagedPicture &picture, QImage &image);
+
+    PackageReader &m_package;
+    const Model::Device &m_device;
+    const QString m_folder;
+    PictureDecoder m_decoder;
+    QStringList m_entries;
+    int m_nNext = 0;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

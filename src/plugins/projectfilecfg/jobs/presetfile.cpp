@@ -1,0 +1,38 @@
+#include "presetfile.h"
+
+#include "stagedfile.h"
+
+#include <QDataStream>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+PresetFile::PresetFile(const QString &path)
+    : m_strPath(path)
+{}
+
+PresetFile::Outcome PresetFile::write(const QByteArray &detail)
+{
+    QFile file(m_strPath);
+    const auto open = [&file] { return file.open(QIODevice::WriteOnly | QIODevice::Truncate); };
+    if (!open()) {
+        m_strError = file.errorString();
+        // Another program that saves this device removes the folder, and makes it anew.
+        if (!QFileInfo(m_strPath).dir().exists())
+            return FolderGone;
+        if (!open())
+            return NotOpened;
+    }
+    QByteArray content;
+    QDataStream stream(&content, QIODevice::WriteOnly);
+    // A null array would be streamed as the length 0xffffffff.
+    stream << (detail.isNull() ? QByteArray("") : detail);
+    m_nSize = content.size();
+    return writeWhole(file, content) ? Written : Cut;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The file of a preset in a staging directory: its bytes as a QDataStream writes a QByteArray.
+class PresetFile
+{
+public:
+    enum Outcome {
+        Written,
+        /// The folder was removed.
+        FolderGone,
+        /// Cannot be opened although the folder is there.
+        NotOpened,
+        /// The file is incomplete: it must not be packed.
+        Cut
+    };
+
+    explicit PresetFile(const QString &path);
+
+    /// Writes the file anew. `detail` is what the host made of the preset.
+    Outcome write(const QByteArray &detail);
+
+    /// After Written: its bytes.
+    qint64 size() const { return m_nSize; }
+    /// After NotOpened: the system's reason.
+    QString errorString() const { return m_strError; }
+
+private:
+    const QString m_strPath;
+    qint64 m_nSize = 0;
+    QString m_strError;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QString>
+
+namespace Model {
+class Device;
+} // namespace Model
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// A device's configuration directory, in which a save stages pictures and presets, and which it packs.
+class StagingDirectory
+{
+public:
+    explicit StagingDirectory(const QString &ip);
+
+    /// Without a trailing separator.
+    QString path() const { return m_path; }
+    /// With a trailing separator.
+    QString presetPath() const;
+    /// The file of a preset's entry.
+    QString presetPath(const QString &entry) const;
+    /// The file of a picture's entry, and the entry of such a file.
+    QString picturePath(const QString &entry) const;
+    QString pictureEntry(const QString &path) const;
+
+    /// Empties the folders of pictures and presets, or creates them.
+    void clear() const;
+    /// Removes the folder of presets and creates it anew; false if it cannot be created.
+    bool renewPresetFolder() const;
+
+    /// True if there is a file for each background and logo of the device.
+    bool hasPicturesOf(const Model::Device &device) const;
+
+private:
+    QString m_path;
+};
+
+/// Clears a staging directory now and when it goes out of scope: however a save ends, only the package keeps what was
+/// staged.
+class StagedFiles
+{
+public:
+    explicit StagedFiles(const StagingDirectory &directory);
+    ~StagedFiles();
+
+private:
+    Q_DISABLE_COPY(StagedFiles)
+
+    const StagingDirectory m_directory;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -1,0 +1,31 @@
+#include "thumbnail.h"
+
+#include <QImage>
+
+#include <cmath>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+static const int smallThumbnailArea = 65536;
+static const int largeThumbnailArea = 262144;
+
+QImage thumbnailOf(const QImage &picture)
+{
+    // 32 bits, as the gallery has always computed it.
+    const auto area =
+        static_cast<qint32>(static_cast<quint32>(picture.width()) * static_cast<quint32>(picture.height()));
+    // A tenth, and so smaller than the thumbnails of smaller and of larger pictures: the gallery expects it.
+    if (area > smallThumbnailArea && area < largeThumbnailArea)
+        return picture.scaled(picture.width() / 10, picture.height() / 10, Qt::IgnoreAspectRatio,
+                              Qt::FastTransformation);
+    if (area <= largeThumbnailArea)
+        return picture;
+    const double ratio = static_cast<double>(picture.width()) / picture.height();
+    const float height = std::sqrt(static_cast<float>(largeThumbnailArea / ratio));
+    return picture.scaled(static_cast<int>(height * ratio), static_cast<int>(height), Qt::IgnoreAspectRatio,
+                          Qt::FastTransformation);
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg
