@@ -42,11 +42,11 @@ function(_add_host_shared name include_root)
         FILES_MATCHING PATTERN "*.h")
 endfunction()
 
-# add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>])
+# add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>] [X11_RUNNER <command>])
 # Makes a Qt Test program and registers it with CTest: headless, with warnings as failures where the
-# test uses the warning guard of tests/support.
+# test uses the warning guard of tests/support. With a command that brings an X server it runs in that one.
 function(add_host_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;X11_RUNNER" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     _moc_test_class(${name} ${ARG_SOURCES})
     use_test_headers(${name})
@@ -55,7 +55,11 @@ function(add_host_test name)
         # Built with ThreadSanitizer only; see tests/sanitizers.
         target_link_libraries(${name} PRIVATE QtSynchronisation)
     endif()
-    add_test(NAME ${name} COMMAND ${name})
+    add_test(NAME ${name} COMMAND ${ARG_X11_RUNNER} $<TARGET_FILE:${name}>)
+    set(platform offscreen)
+    if(ARG_X11_RUNNER)
+        set(platform xcb)
+    endif()
     # CTest starts the costliest first.
     list(FIND LONG_TESTS ${name} cost)
     if(cost GREATER_EQUAL 0)
@@ -67,7 +71,7 @@ function(add_host_test name)
         LABELS "${ARG_LABELS}"
         TIMEOUT 1800
         COST ${cost}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
+        ENVIRONMENT "QT_QPA_PLATFORM=${platform};QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
 endfunction()
 
 # use_test_headers(<target>): the precompiled header of the tests, which holds only for the same options.

@@ -24,6 +24,13 @@ static void makePrivateHome(const QString &directory)
         qputenv(variable, QFile::encodeName(home));
 }
 
+/// An empty size for what is none.
+static QSize sizeFrom(const QString &text)
+{
+    const QStringList sides = text.split(QLatin1Char('x'));
+    return sides.size() == 2 ? QSize(sides.first().toInt(), sides.last().toInt()) : QSize();
+}
+
 /// What only prints needs no display.
 static std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
 {
@@ -36,6 +43,8 @@ static std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[]
         return std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // The desktop's own file dialogs speak the desktop's language, not the one that is chosen here.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     return std::make_unique<QApplication>(argc, argv);
 }
 
@@ -65,19 +74,29 @@ int main(int argc, char *argv[])
     const QCommandLineOption pace(QStringLiteral("pace"),
                                   QStringLiteral("How many times as long as the site says its devices take."),
                                   QStringLiteral("factor"), QString::number(options.durationFactor));
+    const QCommandLineOption size(QStringLiteral("size"),
+                                  QStringLiteral("The window's size; by default it fits the screen."),
+                                  QStringLiteral("WIDTHxHEIGHT"));
+    const QCommandLineOption textSize(QStringLiteral("text-size"),
+                                      QStringLiteral("Height of the text, 11 to 20; by default the desktop's."),
+                                      QStringLiteral("pixels"));
     const QCommandLineOption tour(QStringLiteral("tour"),
                                   QStringLiteral("Works the project file panel by itself, checks each outcome, "
                                                  "leaves pictures there, and ends. Uses no documents of yours."),
                                   QStringLiteral("directory"));
-    parser.addOptions({site, language, plugins, work, open, pace, tour});
+    parser.addOptions({site, language, plugins, work, open, pace, size, textSize, tour});
     parser.process(*application);
     const QString tourDirectory = parser.isSet(tour) ? QDir::current().absoluteFilePath(parser.value(tour)) : QString();
     if (!tourDirectory.isEmpty()) {
         makePrivateHome(tourDirectory);
-        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         options = Program::defaultOptions();
         options.language = QStringLiteral("en");
+        // The pictures need no screen.
+        options.windowSize = QSize(1440, 900);
     }
+    if (parser.isSet(size))
+        options.windowSize = sizeFrom(parser.value(size));
+    options.textSize = parser.value(textSize).toInt();
     options.siteFile = parser.value(site);
     options.pluginDirectory = parser.value(plugins);
     options.firstSubMode = parser.value(open);

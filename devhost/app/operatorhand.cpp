@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QThread>
+#include <QWindow>
 
 using Corvel::Widgets::WaitingDialog;
 using HX::Widgets::FramelessMessageBox;
@@ -60,6 +61,9 @@ void OperatorHand::answerDialog()
 {
     auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
     if (m_answering || !dialog || !dialog->isVisible() || qobject_cast<WaitingDialog *>(dialog))
+        return;
+    // A person answers what is on the screen.
+    if (!dialog->windowHandle() || !dialog->windowHandle()->isExposed())
         return;
     m_answering = true;
     // An exception must not pass through an event loop: it waits for waitUntil() to throw it.

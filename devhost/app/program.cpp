@@ -52,6 +52,7 @@ bool Program::makeDirectories()
     settings.trPath = m_options.translationDirectory;
     settings.deviceConfigFilePath = work + QStringLiteral("/devices");
     settings.extractJsonPath = work + QStringLiteral("/extracted");
+    settings.textPixelSize = m_options.textSize;
     for (const QString &directory : {settings.deviceConfigFilePath, settings.extractJsonPath}) {
         if (!QDir().mkpath(directory)) {
             m_error = tr("The folder %1 cannot be created.").arg(QDir::toNativeSeparators(directory));
@@ -92,6 +93,8 @@ bool Program::startPlugins()
     window->addDock(siteDock, siteDock->windowTitle());
     Core::ModeManager::activateMode("SettingCfg");
     SettingCfg::SettingCfgModeManager::instance()->activateMode(HX::Utils::Id(m_options.firstSubMode));
+    if (!m_options.windowSize.isEmpty())
+        window->resize(m_options.windowSize);
     window->show();
     return true;
 }

@@ -5,6 +5,7 @@
 #include <simulation/session/session.h>
 
 #include <QCoreApplication>
+#include <QSize>
 
 #include <memory>
 
@@ -26,6 +27,10 @@ public:
         QString firstSubMode;
         /// The site's devices take this many times as long as its file says.
         double durationFactor = 1;
+        /// The window's size; an empty one for what is comfortable and fits the screen.
+        QSize windowSize;
+        /// In pixels; 0 for the desktop's.
+        int textSize = 0;
     };
 
     /// What a start without arguments uses; directories are relative to where the program lies.

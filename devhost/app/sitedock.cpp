@@ -9,6 +9,7 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSpinBox>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -75,6 +76,7 @@ SiteDock::SiteDock(Simulation::Session &session, QWidget *parent)
         m_kind->addItem(QString(), kind);
     m_call->setObjectName(QStringLiteral("siteCall"));
     m_call->setRange(1, 999);
+    m_faultTitle->setBuddy(m_operation);
     m_callLabel->setBuddy(m_call);
     m_armButton->setObjectName(QStringLiteral("siteArm"));
     m_clearButton->setObjectName(QStringLiteral("siteClear"));
@@ -108,11 +110,22 @@ SiteDock::SiteDock(Simulation::Session &session, QWidget *parent)
     auto *pictureColumn = new QVBoxLayout;
     pictureColumn->addWidget(m_pictureTitle);
     pictureColumn->addWidget(m_pictures, 1);
-    auto *layout = new QHBoxLayout(this);
+    auto *content = new QWidget;
+    content->setObjectName(QStringLiteral("siteContent"));
+    auto *layout = new QHBoxLayout(content);
     layout->setSpacing(16);
     layout->addLayout(deviceColumn, 4);
     layout->addLayout(faultColumn, 3);
     layout->addLayout(pictureColumn, 3);
+    // On a small screen it has less room than it needs.
+    auto *scrollArea = new QScrollArea;
+    scrollArea->setFrameShape(QFrame::NoFrame);
+    scrollArea->setFocusPolicy(Qt::NoFocus);
+    scrollArea->setWidgetResizable(true);
+    scrollArea->setWidget(content);
+    auto *outerLayout = new QVBoxLayout(this);
+    outerLayout->setContentsMargins(0, 0, 0, 0);
+    outerLayout->addWidget(scrollArea);
 
     m_refreshTimer.setInterval(refreshIntervalMs);
     connect(&m_refreshTimer, &QTimer::timeout, this, &SiteDock::refresh);
@@ -146,6 +159,8 @@ void SiteDock::hideEvent(QHideEvent *event)
 void SiteDock::retranslate()
 {
     setWindowTitle(tr("Simulated site"));
+    m_devices->setAccessibleName(tr("Devices of the site"));
+    m_kind->setAccessibleName(tr("Kind of fault"));
     m_devices->setHeaderLabels({tr("Device"), tr("Address"), tr("State")});
     m_faultTitle->setText(tr("Next fault"));
     m_kind->setItemText(0, tr("Fails"));
@@ -156,6 +171,7 @@ void SiteDock::retranslate()
     m_armButton->setText(tr("Arm"));
     m_clearButton->setText(tr("Clear"));
     m_pictureTitle->setText(tr("Pictures in the hardware"));
+    m_pictures->setAccessibleName(m_pictureTitle->text());
     refresh();
 }
 

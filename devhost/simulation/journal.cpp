@@ -31,6 +31,11 @@ void Journal::record(const QString &operation, const QVariantMap &arguments)
     emit recorded(entry);
 }
 
+void Journal::recordSuccess(const QString &operation)
+{
+    emit succeeded(operation);
+}
+
 QVector<JournalEntry> Journal::entries() const
 {
     const std::lock_guard<std::mutex> locker(m_mutex);

@@ -34,6 +34,8 @@ public:
     static Journal *instance();
 
     void record(const QString &operation, const QVariantMap &arguments = QVariantMap());
+    /// Tells that an operation did all of its work, where the host's window shows that it did.
+    void recordSuccess(const QString &operation);
 
     QVector<JournalEntry> entries() const;
     /// The entries of that operation alone.
@@ -46,6 +48,8 @@ public:
 signals:
     /// Emitted from the thread that made the call.
     void recorded(const Simulation::JournalEntry &entry);
+    /// The same for recordSuccess().
+    void succeeded(const QString &operation);
 
 private:
     Journal();

@@ -5,12 +5,17 @@
 
 #include <support/testmain.h>
 
+#include <QAccessible>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
 
 using Corvel::Widgets::WaitingDialog;
 using HX::Widgets::FramelessDialog;
@@ -24,6 +29,82 @@ void whenADialogOpens(Act act)
 {
     QTimer::singleShot(0, [act]() { act(QApplication::activeModalWidget()); });
 }
+
+/// While it lives, remembers what assistive technology is told.
+class Announcements
+{
+public:
+    struct Announcement
+    {
+        QAccessible::Event type;
+        QObject *object;
+        QString name;
+    };
+
+    Announcements()
+    {
+        told().clear();
+        m_previous = QAccessible::installUpdateHandler([](QAccessibleEvent *event) {
+            const QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(event->object());
+            told().append({event->type(), event->object(), interface ? interface->text(QAccessible::Name) : QString()});
+        });
+        // Nothing is told while nobody listens, and only the platform can say that somebody does.
+        setActive(true);
+    }
+    ~Announcements()
+    {
+        setActive(false);
+        QAccessible::installUpdateHandler(m_previous);
+    }
+
+    /// The names that `object` had each time when it announced that.
+    static QStringList names(QAccessible::Event type, const QObject *object)
+    {
+        QStringList names;
+        for (const Announcement &announcement : qAsConst(told())) {
+            if (announcement.type == type && announcement.object == object)
+                names.append(announcement.name);
+        }
+        return names;
+    }
+
+private:
+    static void setActive(bool active)
+    {
+        QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(active);
+    }
+
+    static QVector<Announcement> &told()
+    {
+        static QVector<Announcement> list;
+        return list;
+    }
+
+    QAccessible::UpdateHandler m_previous;
+};
+
+QPushButton *cancelButton()
+{
+    return WaitingDialog::instance()->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel"));
+}
+
+/// Where a person's next key goes.
+QWidget *keyTarget(QWidget *window)
+{
+    return window->focusWidget() ? window->focusWidget() : window;
+}
+
+/// Counts how often the object that it is installed on is asked to paint.
+class PaintCounter : public QObject
+{
+public:
+    int count = 0;
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
+};
 
 } // namespace
 
@@ -47,11 +128,21 @@ private slots:
     void a_box_survives_the_deletion_of_its_parent();
     void a_box_is_in_the_journal();
     void markup_in_a_message_stays_what_it_is();
+    void a_box_tells_assistive_technology_its_text();
+    void the_buttons_of_a_box_are_reached_by_keys();
 
     void the_waiting_dialog_returns_at_once_and_is_painted();
     void the_waiting_dialog_blocks_the_other_windows();
-    void escape_does_not_close_the_waiting_dialog();
+    void escape_presses_cancel_and_closes_nothing();
+    void escape_without_cancel_does_nothing();
+    void a_held_escape_does_not_cancel();
+    void tab_reaches_cancel_and_space_presses_it();
     void a_key_does_not_press_cancel();
+    void cancel_is_acknowledged_before_it_is_obeyed();
+    void progress_does_not_hide_that_it_stops();
+    void the_next_operation_can_be_cancelled_again();
+    void cancel_that_nobody_obeys_cannot_be_pressed();
+    void each_waiting_text_is_announced();
     void the_cancel_button_tells();
     void a_long_text_makes_the_waiting_dialog_higher();
     void the_waiting_dialog_comes_back_after_its_parent_was_deleted();
@@ -235,19 +326,50 @@ void TstDialogs::markup_in_a_message_stays_what_it_is()
     QCOMPARE(shown, text);
 }
 
+void TstDialogs::a_box_tells_assistive_technology_its_text()
+{
+    // Long enough to be broken where it has no blanks.
+    const QString text = QStringLiteral("Not written: /media/") + QString(60, QLatin1Char('x'));
+    const Announcements announcements;
+    QString title;
+    QString description;
+    QStringList labels;
+    QStringList alerts;
+    whenADialogOpens([&](QWidget *box) {
+        const QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(box);
+        title = interface->text(QAccessible::Name);
+        description = interface->text(QAccessible::Description);
+        for (QLabel *label : box->findChildren<QLabel *>())
+            labels.append(QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name));
+        alerts = announcements.names(QAccessible::Alert, box);
+        box->close();
+    });
+    FramelessMessageBox::warning(nullptr, QStringLiteral("Remind"), text);
+    QCOMPARE(title, QStringLiteral("Remind"));
+    QCOMPARE(description, text);
+    QVERIFY2(labels.contains(text), qPrintable(labels.join(QLatin1Char('|'))));
+    QVERIFY2(labels.contains(QStringLiteral("Warning")), qPrintable(labels.join(QLatin1Char('|'))));
+    QVERIFY(!labels.contains(QString()));
+    QCOMPARE(alerts, QStringList(QStringLiteral("Remind")));
+}
+
+void TstDialogs::the_buttons_of_a_box_are_reached_by_keys()
+{
+    const QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    whenADialogOpens([](QWidget *box) {
+        const QAbstractButton *yes = qobject_cast<FramelessMessageBox *>(box)->button(QMessageBox::Yes);
+        for (int tabs = 0; tabs < 3 && box->focusWidget() != yes; ++tabs)
+            QTest::keyClick(keyTarget(box), Qt::Key_Tab);
+        QTest::keyClick(keyTarget(box), Qt::Key_Space);
+        box->close();
+    });
+    QCOMPARE(FramelessMessageBox::question(nullptr, QStringLiteral("t"), QStringLiteral("x"), buttons),
+             QMessageBox::Yes);
+}
+
 void TstDialogs::the_waiting_dialog_returns_at_once_and_is_painted()
 {
-    /// Counts how often it is asked to paint.
-    class PaintCounter : public QObject
-    {
-    public:
-        int count = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            count += event->type() == QEvent::Paint;
-            return false;
-        }
-    } counter;
+    PaintCounter counter;
     WaitingDialog *dialog = WaitingDialog::instance();
     auto *label = dialog->findChild<QLabel *>(QStringLiteral("WaitingDialogText"));
     label->installEventFilter(&counter);
@@ -279,17 +401,59 @@ void TstDialogs::the_waiting_dialog_blocks_the_other_windows()
     QCOMPARE(clicked.count(), 1);
 }
 
-void TstDialogs::escape_does_not_close_the_waiting_dialog()
+void TstDialogs::escape_presses_cancel_and_closes_nothing()
 {
     WaitingDialog *dialog = WaitingDialog::instance();
     QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
     dialog->setCanelVisible(true);
     dialog->showWaitingDialog(QStringLiteral("x"), 0);
-    QTest::keyClick(dialog, Qt::Key_Escape);
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+    QCOMPARE(cancelled.count(), 1);
     QVERIFY(dialog->isVisible());
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+    QCOMPARE(cancelled.count(), 1);
     QVERIFY(!dialog->close());
     QVERIFY(dialog->isVisible());
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::escape_without_cancel_does_nothing()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(false);
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+    QVERIFY(dialog->isVisible());
     QCOMPARE(cancelled.count(), 0);
+    QCOMPARE(dialog->text(), QStringLiteral("x"));
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::a_held_escape_does_not_cancel()
+{
+    // Pressed in a box, and still held when the box has gone and the waiting dialog has come.
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, QString(), true);
+    QApplication::sendEvent(keyTarget(dialog), &repeated);
+    QCOMPARE(cancelled.count(), 0);
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::tab_reaches_cancel_and_space_presses_it()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QVERIFY(!cancelButton()->hasFocus());
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Tab);
+    QCOMPARE(dialog->focusWidget(), cancelButton());
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Space);
+    QCOMPARE(cancelled.count(), 1);
     dialog->hideWaitingDialog();
 }
 
@@ -304,6 +468,106 @@ void TstDialogs::a_key_does_not_press_cancel()
         QTest::keyClick(focus ? focus : dialog, key);
     }
     QCOMPARE(cancelled.count(), 0);
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::cancel_is_acknowledged_before_it_is_obeyed()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    auto *label = dialog->findChild<QLabel *>(QStringLiteral("WaitingDialogText"));
+    PaintCounter paints;
+    label->installEventFilter(&paints);
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("Saving"), 0);
+    bool enabled = true;
+    QString text;
+    int paintsBefore = paints.count;
+    int paintsThen = 0;
+    // Whoever obeys may block in a call to the device.
+    QObject context;
+    connect(dialog, &WaitingDialog::signal_canelLoad, &context, [&]() {
+        enabled = cancelButton()->isEnabled();
+        text = dialog->text();
+        paintsThen = paints.count;
+    });
+    QTest::mouseClick(cancelButton(), Qt::LeftButton);
+    QVERIFY(!enabled);
+    QCOMPARE(text, QStringLiteral("Stopping, please wait..."));
+    QVERIFY(paintsThen > paintsBefore);
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::progress_does_not_hide_that_it_stops()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("Picture 1"), 0);
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+    const QString stopping = dialog->text();
+    QVERIFY(stopping != QStringLiteral("Picture 1"));
+    // What was on its way when Cancel was pressed.
+    dialog->showWaitingDialog(QStringLiteral("Picture 2"), 0);
+    dialog->setCanelVisible(true);
+    dialog->setButtonText(QStringLiteral("Cancel"));
+    QCOMPARE(dialog->text(), stopping);
+    QVERIFY(!cancelButton()->isEnabled());
+    QTest::mouseClick(cancelButton(), Qt::LeftButton);
+    QCOMPARE(cancelled.count(), 1);
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::the_next_operation_can_be_cancelled_again()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    for (int operation = 1; operation <= 2; ++operation) {
+        dialog->setCanelVisible(true);
+        dialog->showWaitingDialog(QStringLiteral("Saving"), 0);
+        QCOMPARE(dialog->text(), QStringLiteral("Saving"));
+        QVERIFY(cancelButton()->isEnabled());
+        QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+        QCOMPARE(cancelled.count(), operation);
+        QVERIFY(!cancelButton()->isEnabled());
+        dialog->hideWaitingDialog();
+    }
+}
+
+void TstDialogs::cancel_that_nobody_obeys_cannot_be_pressed()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("Copying"), 0);
+    QVERIFY(!cancelButton()->isEnabled());
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+    QCOMPARE(dialog->text(), QStringLiteral("Copying"));
+    {
+        QObject operation;
+        connect(dialog, &WaitingDialog::signal_canelLoad, &operation, []() {});
+        QVERIFY(cancelButton()->isEnabled());
+        dialog->disconnect(&operation);
+        QVERIFY(!cancelButton()->isEnabled());
+        connect(dialog, &WaitingDialog::signal_canelLoad, &operation, []() {});
+    }
+    // An operation that has gone says no goodbye.
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+    QCOMPARE(dialog->text(), QStringLiteral("Copying"));
+    dialog->hideWaitingDialog();
+}
+
+void TstDialogs::each_waiting_text_is_announced()
+{
+    WaitingDialog *dialog = WaitingDialog::instance();
+    QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    const Announcements announcements;
+    dialog->showWaitingDialog(QStringLiteral("Synchronising"), 0);
+    dialog->showWaitingDialog(QStringLiteral("Resetting"), 0);
+    dialog->showWaitingDialog(QStringLiteral("Resetting"), 0);
+    QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
+    QCOMPARE(announcements.names(QAccessible::Alert, dialog),
+             QStringList({QStringLiteral("Synchronising"), QStringLiteral("Resetting"), dialog->text()}));
+    QVERIFY(announcements.names(QAccessible::NameChanged, dialog).contains(QStringLiteral("Resetting")));
     dialog->hideWaitingDialog();
 }
 

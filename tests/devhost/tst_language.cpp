@@ -8,6 +8,12 @@
 
 #include <support/testmain.h>
 
+#include <widgets/framelessmessagebox.h>
+#include <widgets/waitingdialog.h>
+
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QPushButton>
 #include <QSignalSpy>
 
 namespace {
@@ -70,6 +76,9 @@ private slots:
     void the_language_that_is_in_force_changes_nothing();
     void a_plugin_without_texts_is_named();
     void settings_can_be_read_from_any_thread();
+    void an_open_file_dialog_changes_its_language();
+    void an_open_box_changes_its_language();
+    void an_open_waiting_dialog_changes_its_language();
 };
 
 void TstLanguage::init()
@@ -150,6 +159,55 @@ void TstLanguage::settings_can_be_read_from_any_thread()
     thread->start();
     thread->wait();
     QCOMPARE(read, QStringList({QStringLiteral("/devices"), QStringLiteral("/extracted")}));
+}
+
+void TstLanguage::an_open_file_dialog_changes_its_language()
+{
+    QFileDialog dialog(nullptr, QStringLiteral("t"));
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.show();
+    const auto *cancel = dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Cancel);
+    const auto *folder = dialog.findChild<QLabel *>(QStringLiteral("lookInLabel"));
+    QCOMPARE(cancel->text().remove(QLatin1Char('&')), QStringLiteral("Cancel"));
+    QCOMPARE(folder->text(), QStringLiteral("Look in:"));
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    QTRY_COMPARE(cancel->text(), QStringLiteral("取消"));
+    QCOMPARE(folder->text(), QStringLiteral("查找范围："));
+    Core::switchLanguage(QStringLiteral("en"));
+    QTRY_COMPARE(folder->text(), QStringLiteral("Look in:"));
+}
+
+void TstLanguage::an_open_box_changes_its_language()
+{
+    using HX::Widgets::FramelessMessageBox;
+    QStringList texts;
+    QTimer::singleShot(0, [&texts]() {
+        auto *box = qobject_cast<FramelessMessageBox *>(QApplication::activeModalWidget());
+        texts.append(box->button(QMessageBox::Yes)->text());
+        Core::switchLanguage(QStringLiteral("zh_CN"));
+        QCoreApplication::processEvents();
+        texts.append(box->button(QMessageBox::Yes)->text());
+        box->close();
+    });
+    FramelessMessageBox::question(nullptr, QStringLiteral("t"), QStringLiteral("x"));
+    QCOMPARE(texts, QStringList({QStringLiteral("Yes"), QStringLiteral("是")}));
+}
+
+void TstLanguage::an_open_waiting_dialog_changes_its_language()
+{
+    auto *dialog = Corvel::Widgets::WaitingDialog::instance();
+    const auto *cancel = dialog->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel"));
+    QSignalSpy cancelled(dialog, &Corvel::Widgets::WaitingDialog::signal_canelLoad);
+    dialog->setCanelVisible(true);
+    dialog->showWaitingDialog(QStringLiteral("x"), 0);
+    QCOMPARE(cancel->text(), QStringLiteral("Cancel"));
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QCOMPARE(dialog->text(), QStringLiteral("Stopping, please wait..."));
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    QTRY_COMPARE(cancel->text(), QStringLiteral("取消"));
+    QCOMPARE(dialog->text(), QStringLiteral("正在停止，请稍候……"));
+    dialog->hideWaitingDialog();
 }
 
 TEST_MAIN(TstLanguage)

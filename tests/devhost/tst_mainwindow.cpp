@@ -5,16 +5,24 @@
 #include <core/logrelay.h>
 #include <core/mainwindow.h>
 #include <core/modemanager.h>
+#include <simulation/journal.h>
+#include <widgets/framelessmessagebox.h>
 #include <widgets/titlebar.h>
 #include <widgets/waitingdialog.h>
 
 #include <support/answerbook.h>
 #include <support/testmain.h>
 
+#include <QAccessible>
+#include <QDir>
 #include <QDockWidget>
 #include <QLabel>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTextDocument>
 #include <QThread>
@@ -71,7 +79,29 @@ private slots:
     void the_title_bar_works_the_window();
     void a_cut_label_tells_its_text_as_it_is();
 
+    void the_window_opens_no_larger_than_its_screen();
+    void a_low_window_opens_without_docks();
+    void a_closed_dock_is_brought_back_by_keys();
+    void what_needs_more_room_is_scrolled_to();
+    void tab_follows_the_eye_and_is_never_trapped();
+    void the_buttons_of_the_window_are_named_data();
+    void the_buttons_of_the_window_are_named();
+    void a_dock_keeps_its_name_in_its_close_button();
+
+    void a_save_that_left_a_package_is_told();
+    void a_save_that_left_nothing_claims_nothing();
+    void an_apply_that_wrote_the_configuration_is_told();
+    void an_apply_that_wrote_nothing_claims_nothing();
+    void the_message_of_an_operation_is_told_instead();
+
 private:
+    QToolButton *viewButton() const { return m_window->findChild<QToolButton *>(QStringLiteral("ViewButton")); }
+    QDockWidget *logDock() const { return m_window->findChild<QDockWidget *>(QStringLiteral("LogDock")); }
+    /// As the panel: on the user-interface thread.
+    static void runOperation(
+        ICore::OperatorDeviceType type, const std::function<void()> &work,
+        const std::function<void()> &afterwards = [] {});
+    static QString projectFiles();
     QString status() const { return m_window->statusBar()->findChild<QLabel *>()->text(); }
     static void fromAnotherThread(const std::function<void()> &work);
 
@@ -233,6 +263,259 @@ void TstMainWindow::a_cut_label_tells_its_text_as_it_is()
     label.resize(2000, 20);
     label.grab();
     QCOMPARE(label.toolTip(), QString());
+}
+
+void TstMainWindow::the_window_opens_no_larger_than_its_screen()
+{
+    const QSize screen = QGuiApplication::primaryScreen()->availableGeometry().size();
+    QVERIFY2(m_window->width() <= screen.width() && m_window->height() <= screen.height(),
+             qPrintable(QStringLiteral("%1 x %2").arg(m_window->width()).arg(m_window->height())));
+    // Also with a plugin that needs more.
+    m_window->resize(1024, 600);
+    QCOMPARE(m_window->size(), QSize(1024, 600));
+    QVERIFY(m_window->minimumSizeHint().width() <= 512);
+    QVERIFY(m_window->minimumSizeHint().height() <= 300);
+}
+
+void TstMainWindow::a_low_window_opens_without_docks()
+{
+    for (const int height : {600, 900}) {
+        MainWindow window;
+        window.addDock(new QLabel, QStringLiteral("Site"));
+        window.resize(1024, height);
+        window.show();
+        const QList<QDockWidget *> docks = window.findChildren<QDockWidget *>();
+        QCOMPARE(docks.size(), 2);
+        for (const QDockWidget *dock : docks)
+            QCOMPARE(dock->isVisible(), height == 900);
+    }
+}
+
+void TstMainWindow::a_closed_dock_is_brought_back_by_keys()
+{
+    m_window->resize(1440, 900);
+    logDock()->show();
+    TestSupport::click(logDock()->findChild<QAbstractButton *>(QStringLiteral("qt_dockwidget_closebutton")));
+    QVERIFY(!logDock()->isVisible());
+    QVERIFY(viewButton()->isVisible());
+    QMenu *menu = viewButton()->menu();
+    connect(menu, &QMenu::aboutToShow, menu, [menu] {
+        QTimer::singleShot(0, menu, [menu] {
+            QTest::keyClick(menu, Qt::Key_Down);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+    });
+    QVERIFY(QTest::qWaitForWindowActive(m_window.data(), TestSupport::patience));
+    QTest::keyClick(m_window.data(), Qt::Key_V, Qt::AltModifier);
+    QTRY_VERIFY(logDock()->isVisible());
+}
+
+void TstMainWindow::what_needs_more_room_is_scrolled_to()
+{
+    auto *area = m_window->findChild<QScrollArea *>(QStringLiteral("CenterScrollArea"));
+    QVERIFY(area);
+    auto *stack = qobject_cast<QStackedWidget *>(area->widget());
+    QVERIFY(stack);
+    auto *page = new QWidget;
+    page->setMinimumSize(1200, 900);
+    auto *lowest = new QPushButton(QStringLiteral("lowest"), page);
+    lowest->move(1000, 860);
+    stack->addWidget(page);
+    stack->setCurrentWidget(page);
+    m_window->resize(1024, 600);
+    QCOMPARE(m_window->size(), QSize(1024, 600));
+    for (int tabs = 0; tabs < 20 && m_window->focusWidget() != lowest; ++tabs)
+        QTest::keyClick(m_window->focusWidget() ? m_window->focusWidget() : m_window.data(), Qt::Key_Tab);
+    QCOMPARE(m_window->focusWidget(), lowest);
+    area->ensureWidgetVisible(lowest);
+    const QRect place(lowest->mapTo(area->viewport(), QPoint(0, 0)), lowest->size());
+    QVERIFY(area->viewport()->rect().contains(place));
+}
+
+void TstMainWindow::tab_follows_the_eye_and_is_never_trapped()
+{
+    // Made in another order than they stand in.
+    m_window->resize(1440, 900);
+    logDock()->show();
+    Mode mode("First");
+    auto *stack = m_window->findChild<QStackedWidget *>(QStringLiteral("CenterArea"));
+    auto *central = new QPushButton(QStringLiteral("central"));
+    stack->addWidget(central);
+    stack->setCurrentWidget(central);
+    auto *site = new QPushButton(QStringLiteral("site"));
+    m_window->addDock(site, QStringLiteral("Site"));
+    auto *side = new QPushButton(QStringLiteral("side"), mode.m_side);
+    side->show();
+    const auto *modeButton = m_window->findChild<QToolButton *>(QStringLiteral("ModeButton"));
+    QTRY_VERIFY(modeButton->isVisible());
+
+    const auto press = [this](Qt::Key key) {
+        QTest::keyClick(m_window->focusWidget() ? m_window->focusWidget() : m_window.data(), key,
+                        key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
+        return m_window->focusWidget();
+    };
+    viewButton()->setFocus();
+    QWidgetList met{viewButton()};
+    for (int tabs = 0; tabs < 20 && press(Qt::Key_Tab) != viewButton(); ++tabs)
+        met.append(m_window->focusWidget());
+    QVERIFY(m_window->focusWidget() == viewButton());
+    const QList<const QWidget *> expected{viewButton(), modeButton, side, central};
+    QString order;
+    QDebug(&order) << met;
+    for (int i = 0; i < expected.size(); ++i)
+        QVERIFY2(met.value(i) == expected.at(i), qPrintable(order));
+    QVERIFY(met.contains(site));
+    QVERIFY(met.contains(logDock()->widget()));
+    for (int i = met.size() - 1; i > 0; --i)
+        QCOMPARE(press(Qt::Key_Backtab), met.at(i));
+    delete central;
+}
+
+void TstMainWindow::the_buttons_of_the_window_are_named_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("English") << QStringLiteral("en")
+                             << QStringList{QStringLiteral("View"), QStringLiteral("Minimize"),
+                                            QStringLiteral("Maximize"), QStringLiteral("Close"),
+                                            QStringLiteral("Close Log")};
+    QTest::newRow("Chinese") << QStringLiteral("zh_CN")
+                             << QStringList{QStringLiteral("视图"), QStringLiteral("最小化"), QStringLiteral("最大化"),
+                                            QStringLiteral("关闭"), QStringLiteral("关闭日志")};
+}
+
+void TstMainWindow::the_buttons_of_the_window_are_named()
+{
+    QFETCH(QString, language);
+    QFETCH(QStringList, names);
+    m_window->resize(1440, 900);
+    logDock()->show();
+    Core::switchLanguage(language);
+    QCoreApplication::processEvents();
+    QStringList met;
+    const QList<QAbstractButton *> buttons = m_window->findChildren<QAbstractButton *>();
+    for (QAbstractButton *button : buttons) {
+        if (button->isVisible())
+            met.append(QAccessible::queryAccessibleInterface(button)->text(QAccessible::Name));
+    }
+    for (const QString &name : names)
+        QVERIFY2(met.count(name) == 1, qPrintable(name + QStringLiteral(" in ") + met.join(QLatin1Char('|'))));
+    QVERIFY(!met.contains(QString()));
+    const auto *log = logDock()->widget();
+    QVERIFY(!log->accessibleName().isEmpty());
+    QCOMPARE(log->accessibleName(), logDock()->windowTitle());
+    m_window->showMaximized();
+    QTRY_VERIFY(m_window->isMaximized());
+    QVERIFY(m_window->findChildren<QToolButton *>().size() > 3);
+    const auto named = [this](const QString &name) {
+        const QList<QToolButton *> all = m_window->findChildren<QToolButton *>();
+        return std::any_of(all.begin(), all.end(),
+                           [&](const QToolButton *one) { return one->accessibleName() == name; });
+    };
+    QVERIFY(named(language == QLatin1String("en") ? QStringLiteral("Restore") : QStringLiteral("还原")));
+}
+
+void TstMainWindow::a_dock_keeps_its_name_in_its_close_button()
+{
+    auto *widget = new QLabel;
+    m_window->addDock(widget, QStringLiteral("Site"));
+    widget->setWindowTitle(QStringLiteral("Other"));
+    const auto *close =
+        widget->parentWidget()->findChild<QAbstractButton *>(QStringLiteral("qt_dockwidget_closebutton"));
+    QCOMPARE(close->accessibleName(), QStringLiteral("Close Other"));
+}
+
+QString TstMainWindow::projectFiles()
+{
+    const QString path = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) +
+                         QStringLiteral("/Velmora/Tarvo/ProjectFiles");
+    QDir().mkpath(path);
+    return path;
+}
+
+void TstMainWindow::runOperation(ICore::OperatorDeviceType type, const std::function<void()> &work,
+                                 const std::function<void()> &afterwards)
+{
+    ICore::setOperatorType(type, QString());
+    work();
+    ICore::setOperatorType(ICore::OperatorNone, QString());
+    afterwards();
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+}
+
+void TstMainWindow::a_save_that_left_a_package_is_told()
+{
+    const auto write = [](const QString &name, const char *content) {
+        QFile file(QStringLiteral("%1/%2.corvelpro").arg(projectFiles(), name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    write(QStringLiteral("Old"), "old");
+    runOperation(ICore::OperatorBackup, [&] { write(QStringLiteral("Evening v1.2 <b>"), "new"); });
+    QCOMPARE(status(), QStringLiteral("Saved \"Evening v1.2 <b>\""));
+    runOperation(ICore::OperatorBackup, [&] { write(QStringLiteral("Old"), "another content"); });
+    QCOMPARE(status(), QStringLiteral("Saved \"Old\""));
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), QStringLiteral("已保存“Old”"));
+    // Another program wrote one of them.
+    Core::switchLanguage(QStringLiteral("en"));
+    runOperation(ICore::OperatorBackup, [&] {
+        write(QStringLiteral("A"), "a");
+        write(QStringLiteral("B"), "b");
+    });
+    QCOMPARE(status(), QStringLiteral("Project files written: A, B"));
+}
+
+void TstMainWindow::a_save_that_left_nothing_claims_nothing()
+{
+    projectFiles();
+    runOperation(ICore::OperatorBackup, [] {});
+    QCOMPARE(status(), QStringLiteral("Ended without a new project file of \"\""));
+    ICore::setOperatorType(ICore::OperatorBackup, QString());
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), QStringLiteral("Reading from the device"));
+}
+
+void TstMainWindow::an_apply_that_wrote_the_configuration_is_told()
+{
+    runOperation(ICore::OperatorLoad,
+                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+    QCOMPARE(status(), QStringLiteral("Applied to \"\""));
+}
+
+void TstMainWindow::an_apply_that_wrote_nothing_claims_nothing()
+{
+    runOperation(ICore::OperatorLoad,
+                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("DeviceControler.enableMVR")); });
+    QCOMPARE(status(), QStringLiteral("Ended without writing the configuration of \"\""));
+}
+
+void TstMainWindow::the_message_of_an_operation_is_told_instead()
+{
+    TestSupport::AnswerBook book;
+    const QString text = QStringLiteral("User cancels current operation");
+    book.expectInformation(QStringLiteral("Remind"), text);
+    const auto box = [&] {
+        HX::Widgets::FramelessMessageBox::information(m_window.data(), QStringLiteral("Remind"), text);
+    };
+    runOperation(
+        ICore::OperatorLoad,
+        [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); }, box);
+    QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
+    // A question, and a box that comes later, are about something else.
+    book.expectQuestion(QStringLiteral("Remind"), text, QMessageBox::No);
+    runOperation(
+        ICore::OperatorLoad,
+        [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); },
+        [&] { HX::Widgets::FramelessMessageBox::question(m_window.data(), QStringLiteral("Remind"), text); });
+    QCOMPARE(status(), QStringLiteral("Applied to \"\""));
+    book.expectInformation(QStringLiteral("Remind"), text);
+    runOperation(ICore::OperatorLoad,
+                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+    box();
+    QCOMPARE(status(), QStringLiteral("Applied to \"\""));
 }
 
 TEST_MAIN(TstMainWindow)

@@ -7,6 +7,7 @@
 #include <support/answerbook.h>
 #include <support/testmain.h>
 
+#include <QAccessible>
 #include <QComboBox>
 #include <QListWidget>
 #include <QPushButton>
@@ -97,6 +98,21 @@ private slots:
         QTRY_COMPARE(pictures->item(0)->text(), QStringLiteral("Renamed"));
         find<QTreeWidget>("siteDevices")->setCurrentItem(find<QTreeWidget>("siteDevices")->topLevelItem(4));
         QCOMPARE(pictures->count(), 0);
+    }
+
+    void each_control_has_a_name_of_its_own()
+    {
+        QStringList names;
+        for (const QWidget *control : m_dock->findChildren<QWidget *>()) {
+            if (!control->objectName().startsWith(QLatin1String("site")) || control->focusPolicy() == Qt::NoFocus)
+                continue;
+            const QString name =
+                QAccessible::queryAccessibleInterface(const_cast<QWidget *>(control))->text(QAccessible::Name);
+            QVERIFY2(!name.isEmpty(), qPrintable(control->objectName()));
+            QVERIFY2(!names.contains(name), qPrintable(name));
+            names.append(name);
+        }
+        QCOMPARE(names.size(), 8);
     }
 };
 

@@ -118,12 +118,67 @@
         <source>%1: %2</source>
         <translation>%1：%2</translation>
     </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>视图(&amp;V)</translation>
+    </message>
+    <message>
+        <source>View</source>
+        <translation>视图</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <translation>最小化</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>最大化</translation>
+    </message>
+    <message>
+        <source>Restore</source>
+        <translation>还原</translation>
+    </message>
+    <message>
+        <source>Close %1</source>
+        <translation>关闭%1</translation>
+    </message>
+</context>
+<context>
+    <name>Core::OperationReport</name>
+    <message>
+        <source>Saved &quot;%1&quot;</source>
+        <translation>已保存“%1”</translation>
+    </message>
+    <message>
+        <source>Project files written: %1</source>
+        <translation>已写入的项目文件：%1</translation>
+    </message>
+    <message>
+        <source>Ended without a new project file of &quot;%1&quot;</source>
+        <translation>已结束，未生成“%1”的项目文件</translation>
+    </message>
+    <message>
+        <source>Applied to &quot;%1&quot;</source>
+        <translation>已应用到“%1”</translation>
+    </message>
+    <message>
+        <source>Ended without writing the configuration of &quot;%1&quot;</source>
+        <translation>已结束，未写入“%1”的配置</translation>
+    </message>
+    <message>
+        <source>Ended with the message: %1</source>
+        <translation>操作结束，提示：%1</translation>
+    </message>
 </context>
 <context>
     <name>Corvel::Widgets::WaitingDialog</name>
     <message>
         <source>Cancel</source>
         <translation>取消</translation>
+    </message>
+    <message>
+        <source>Stopping, please wait...</source>
+        <translation>正在停止，请稍候……</translation>
     </message>
 </context>
 <context>
@@ -162,6 +217,18 @@
     <message>
         <source>OK</source>
         <translation>确定</translation>
+    </message>
+    <message>
+        <source>Information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Question</source>
+        <translation>询问</translation>
     </message>
 </context>
 <context>
@@ -303,6 +370,14 @@
     <message>
         <source>Faults armed: %1</source>
         <translation>已启用故障：%1</translation>
+    </message>
+    <message>
+        <source>Devices of the site</source>
+        <translation>现场设备</translation>
+    </message>
+    <message>
+        <source>Kind of fault</source>
+        <translation>故障类型</translation>
     </message>
 </context>
 </TS>

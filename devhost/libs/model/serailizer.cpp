@@ -3,6 +3,7 @@
 #include "device.h"
 #include "devicelist.h"
 
+#include <simulation/journal.h>
 #include <simulation/operation.h>
 
 #include <QDir>
@@ -43,6 +44,8 @@ bool Serailizer::serailize()
     bool written = true;
     for (const std::shared_ptr<Device> &device : list->getDevices())
         written = writeDevice(*device, m_configPath) && written;
+    if (written)
+        Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize"));
     return written;
 }
 

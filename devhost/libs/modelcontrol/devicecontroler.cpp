@@ -3,6 +3,7 @@
 #include "hardwareaccess.h"
 
 #include <model/devicelist.h>
+#include <simulation/journal.h>
 #include <simulation/network.h>
 
 #include <QCoreApplication>
@@ -212,6 +213,7 @@ bool DeviceControler::copyModelToDevice()
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();
     hardware->change([&data](Simulation::HardwareState &state) { HardwareAccess::writeConfiguration(data, state); });
+    Simulation::Journal::instance()->recordSuccess(QStringLiteral("DeviceControler.copyModelToDevice"));
     return true;
 }
 

@@ -3,6 +3,8 @@
 #include <simulation/journal.h>
 #include <utils/icon.h>
 
+#include <QAccessible>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMap>
@@ -70,6 +72,7 @@ class FramelessMessageBox::Private
 public:
     Kind kind = Information;
     QString text;
+    QLabel *icon = nullptr;
     QMessageBox::StandardButtons buttons;
     QMap<QMessageBox::StandardButton, QPushButton *> buttonWidgets;
     QMessageBox::StandardButton answer = QMessageBox::NoButton;
@@ -89,11 +92,13 @@ FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QStri
     setWindowTitle(title);
     setBottomBarVisible(false);
 
-    auto *icon = new QLabel(this);
+    setAccessibleDescription(text);
+    d->icon = new QLabel(this);
     const int iconSize = 32;
-    icon->setPixmap(Corvel::Utils::Icon::fromTheme(iconName(kind), QString()).pixmap(iconSize, iconSize));
+    d->icon->setPixmap(Corvel::Utils::Icon::fromTheme(iconName(kind), QString()).pixmap(iconSize, iconSize));
     auto *message = new QLabel(withBreakOpportunities(text), this);
     message->setObjectName(QStringLiteral("FramelessMessageBoxText"));
+    message->setAccessibleName(text);
     message->setTextFormat(Qt::PlainText);
     message->setWordWrap(true);
     message->setMinimumWidth(320);
@@ -102,7 +107,7 @@ FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QStri
     auto *messageRow = new QHBoxLayout;
     messageRow->setContentsMargins(24, 24, 24, 24);
     messageRow->setSpacing(16);
-    messageRow->addWidget(icon, 0, Qt::AlignTop);
+    messageRow->addWidget(d->icon, 0, Qt::AlignTop);
     messageRow->addWidget(message, 1, Qt::AlignVCenter);
 
     auto *buttonBar = new QWidget(this);
@@ -115,7 +120,7 @@ FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QStri
     for (const QMessageBox::StandardButton which : buttonOrder) {
         if (!buttons.testFlag(which))
             continue;
-        auto *button = new QPushButton(buttonText(which), buttonBar);
+        auto *button = new QPushButton(buttonBar);
         connect(button, &QPushButton::clicked, this, [this, which]() {
             d->answer = which;
             accept();
@@ -131,6 +136,7 @@ FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QStri
     layout->addWidget(buttonBar);
     setLayout(layout);
 
+    retranslateUi();
     // Without a wish of the caller, Return answers the same as Escape.
     QPushButton *chosen = d->buttonWidgets.value(defaultButton, d->buttonWidgets.value(d->answer));
     if (chosen) {
@@ -142,6 +148,40 @@ FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QStri
 FramelessMessageBox::~FramelessMessageBox()
 {
     delete d;
+}
+
+void FramelessMessageBox::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslateUi();
+    FramelessDialog::changeEvent(event);
+}
+
+void FramelessMessageBox::showEvent(QShowEvent *event)
+{
+    FramelessDialog::showEvent(event);
+    QAccessibleEvent announcement(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+}
+
+void FramelessMessageBox::retranslateUi()
+{
+    d->icon->setAccessibleName(kindText(d->kind));
+    for (auto button = d->buttonWidgets.cbegin(); button != d->buttonWidgets.cend(); ++button)
+        button.value()->setText(buttonText(button.key()));
+}
+
+QString FramelessMessageBox::kindText(Kind kind)
+{
+    switch (kind) {
+    case Information:
+        return tr("Information");
+    case Warning:
+        return tr("Warning");
+    case Question:
+        break;
+    }
+    return tr("Question");
 }
 
 QString FramelessMessageBox::buttonText(QMessageBox::StandardButton which)

@@ -11,7 +11,8 @@ namespace Widgets {
 ///
 /// The static operations run the box modally and return the button that was pressed. A box that is
 /// closed without a button answers its escape button: Cancel if it has one, else No, else its only
-/// button, else NoButton: never the button that applies something. User-interface thread only.
+/// button, else NoButton: never the button that applies something. Its buttons follow a change of the language;
+/// assistive technology is told the text as the box's description. User-interface thread only.
 class HOST_WIDGETS_EXPORT FramelessMessageBox : public FramelessDialog
 {
     Q_OBJECT
@@ -39,6 +40,10 @@ public:
     /// What a box with these buttons answers when it is closed without one.
     static QMessageBox::StandardButton escapeAnswer(QMessageBox::StandardButtons buttons);
 
+protected:
+    void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
 private:
     FramelessMessageBox(Kind kind, QWidget *parent, const QString &title, const QString &text,
                         QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton);
@@ -47,6 +52,8 @@ private:
                                            QMessageBox::StandardButtons buttons,
                                            QMessageBox::StandardButton defaultButton);
 
+    void retranslateUi();
+    static QString kindText(Kind kind);
     static QString buttonText(QMessageBox::StandardButton which);
 
     class Private;

@@ -1,6 +1,7 @@
 #include <widgets/titlebar.h>
 
 #include <utils/icon.h>
+#include <utils/textsize.h>
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -18,7 +19,7 @@ TitleBar::TitleBar(QWidget *window)
 {
     setObjectName(QStringLiteral("TitleBar"));
     setAttribute(Qt::WA_StyledBackground);
-    setFixedHeight(40);
+    setFixedHeight(Corvel::Utils::inTextSize(40));
 
     auto *title = new QLabel(window->windowTitle(), this);
     title->setObjectName(QStringLiteral("TitleBarText"));
@@ -41,8 +42,24 @@ QToolButton *TitleBar::addButton(const QString &iconName)
     button->setIcon(Corvel::Utils::Icon::fromTheme(iconName, QString()));
     button->setFixedSize(36, 32);
     button->setFocusPolicy(Qt::NoFocus);
-    m_layout->insertWidget(m_closeButton ? m_layout->indexOf(m_closeButton) : m_layout->count(), button);
+    insert(button);
     return button;
+}
+
+QToolButton *TitleBar::addMenuButton(QMenu *menu)
+{
+    auto *button = new QToolButton(this);
+    button->setMenu(menu);
+    button->setPopupMode(QToolButton::InstantPopup);
+    button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    button->setFocusPolicy(Qt::TabFocus);
+    insert(button);
+    return button;
+}
+
+void TitleBar::insert(QToolButton *button)
+{
+    m_layout->insertWidget(m_closeButton ? m_layout->indexOf(m_closeButton) : m_layout->count(), button);
 }
 
 void TitleBar::mousePressEvent(QMouseEvent *event)

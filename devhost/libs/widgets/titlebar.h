@@ -7,6 +7,7 @@
 
 class QHBoxLayout;
 class QLabel;
+class QMenu;
 class QToolButton;
 
 namespace HX {
@@ -21,8 +22,10 @@ class HOST_WIDGETS_EXPORT TitleBar : public QWidget
 public:
     explicit TitleBar(QWidget *window);
 
-    /// Adds a button in front of the close button.
+    /// Adds a button in front of the close button. Its tool tip and its name are the caller's business.
     QToolButton *addButton(const QString &iconName);
+    /// Adds a button with a text that opens `menu`, which stays the caller's. Keys reach it.
+    QToolButton *addMenuButton(QMenu *menu);
     QToolButton *closeButton() const { return m_closeButton; }
 
 signals:
@@ -37,6 +40,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    void insert(QToolButton *button);
     void retranslateUi();
 
     QHBoxLayout *m_layout;

@@ -1,12 +1,15 @@
 #include <widgets/waitingdialog.h>
 
 #include <simulation/journal.h>
+#include <widgets/onscreen.h>
 #include <widgets/spinner.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QFrame>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMetaMethod>
 #include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -28,6 +31,11 @@ class WaitingDialog::Private
 public:
     QLabel *text = nullptr;
     QPushButton *cancelButton = nullptr;
+    /// What the caller wants to be shown; empty for the button's own text.
+    QString wantedText;
+    QString wantedButtonText;
+    /// Cancel was pressed.
+    bool stopping = false;
 };
 
 WaitingDialog *WaitingDialog::instance(QWidget *parent, int level)
@@ -53,6 +61,7 @@ WaitingDialog::WaitingDialog(QWidget *parent)
     setObjectName(QStringLiteral("WaitingDialog"));
     setWindowModality(Qt::ApplicationModal);
     setFocusPolicy(Qt::StrongFocus);
+    ignoreLateMapping(this);
     setFixedWidth(420);
 
     auto *frame = new QFrame(this);
@@ -67,8 +76,9 @@ WaitingDialog::WaitingDialog(QWidget *parent)
     d->cancelButton->setObjectName(QStringLiteral("WaitingDialogCancel"));
     d->cancelButton->setAutoDefault(false);
     d->cancelButton->hide();
-    setButtonText(tr("Cancel"));
-    connect(d->cancelButton, &QPushButton::clicked, this, &WaitingDialog::signal_canelLoad);
+    setButtonText(QString());
+    connect(d->cancelButton, &QPushButton::clicked, this, &WaitingDialog::cancel);
+    refreshCancelButton();
 
     auto *layout = new QVBoxLayout(frame);
     layout->setContentsMargins(32, 32, 32, 28);
@@ -90,20 +100,22 @@ void WaitingDialog::showWaitingDialog(const QString &text, int level)
 {
     Q_UNUSED(level)
     Journal::instance()->record(Operations::showWaitingDialog, {{QStringLiteral("text"), text}});
-    setWindowTitle(text);
-    d->text->setText(text);
-    fitToText();
-    if (!isVisible())
+    d->wantedText = text;
+    refreshText();
+    if (!isVisible()) {
         show();
-    // Until its first expose event comes, which takes the event loop, a widget refuses to paint.
-    setAttribute(Qt::WA_Mapped);
-    repaint();
+        waitUntilOnScreen(windowHandle());
+    }
+    refreshCancelButton();
+    paintNow();
 }
 
 void WaitingDialog::hideWaitingDialog()
 {
     Journal::instance()->record(Operations::hideWaitingDialog);
     hide();
+    d->stopping = false;
+    refreshCancelButton();
 }
 
 void WaitingDialog::setCanelVisible(bool visible)
@@ -115,7 +127,8 @@ void WaitingDialog::setCanelVisible(bool visible)
 
 void WaitingDialog::setButtonText(const QString &text)
 {
-    d->cancelButton->setText(text);
+    d->wantedButtonText = text;
+    d->cancelButton->setText(text.isEmpty() ? tr("Cancel") : text);
 }
 
 QString WaitingDialog::text() const
@@ -130,8 +143,49 @@ bool WaitingDialog::isCanelVisible() const
 
 void WaitingDialog::reject() {}
 
+bool WaitingDialog::isObeyed() const
+{
+    return isSignalConnected(QMetaMethod::fromSignal(&WaitingDialog::signal_canelLoad));
+}
+
+void WaitingDialog::refreshCancelButton()
+{
+    d->cancelButton->setEnabled(isObeyed() && !d->stopping);
+}
+
+void WaitingDialog::connectNotify(const QMetaMethod &signal)
+{
+    refreshCancelButton();
+    QDialog::connectNotify(signal);
+}
+
+void WaitingDialog::disconnectNotify(const QMetaMethod &signal)
+{
+    refreshCancelButton();
+    QDialog::disconnectNotify(signal);
+}
+
+void WaitingDialog::cancel()
+{
+    // A receiver that was deleted did not disconnect itself.
+    if (!isObeyed()) {
+        refreshCancelButton();
+        return;
+    }
+    d->stopping = true;
+    setFocus();
+    refreshCancelButton();
+    refreshText();
+    // Whoever obeys may block in a call to the device.
+    paintNow();
+    emit signal_canelLoad();
+}
+
 void WaitingDialog::keyPressEvent(QKeyEvent *event)
 {
+    // Held since a box was closed with it, Escape is not meant for this dialog.
+    if (event->key() == Qt::Key_Escape && !event->isAutoRepeat() && d->cancelButton->isVisible())
+        d->cancelButton->click();
     event->accept();
 }
 
@@ -143,6 +197,38 @@ void WaitingDialog::showEvent(QShowEvent *event)
     if (window && window != this)
         move(window->frameGeometry().center() - rect().center());
     QDialog::showEvent(event);
+}
+
+void WaitingDialog::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange) {
+        setButtonText(d->wantedButtonText);
+        refreshText();
+    }
+    QDialog::changeEvent(event);
+}
+
+void WaitingDialog::refreshText()
+{
+    const QString text = d->stopping ? tr("Stopping, please wait...") : d->wantedText;
+    const bool isNews = text != windowTitle() || !isVisible();
+    setWindowTitle(text);
+    d->text->setText(text);
+    fitToText();
+    if (!isNews)
+        return;
+    // An alert is what is meant, but AT-SPI passes only a change of the name on.
+    for (const QAccessible::Event type : {QAccessible::NameChanged, QAccessible::Alert}) {
+        QAccessibleEvent announcement(this, type);
+        QAccessible::updateAccessibility(&announcement);
+    }
+}
+
+void WaitingDialog::paintNow()
+{
+    // Until its first expose event comes, which takes the event loop, a widget refuses to paint.
+    setAttribute(Qt::WA_Mapped);
+    repaint();
 }
 
 void WaitingDialog::fitToText()

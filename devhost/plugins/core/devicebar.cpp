@@ -3,6 +3,7 @@
 #include <core/devicecard.h>
 #include <model/devicelist.h>
 #include <model/objectbrige.h>
+#include <utils/textsize.h>
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -44,7 +45,7 @@ DeviceBar::DeviceBar(QWidget *parent)
 {
     setObjectName(QStringLiteral("DeviceBar"));
     setAttribute(Qt::WA_StyledBackground);
-    setFixedHeight(76);
+    setFixedHeight(Corvel::Utils::inTextSize(76));
 
     auto *cards = new QWidget;
     cards->setObjectName(QStringLiteral("DeviceBarCards"));
@@ -59,6 +60,8 @@ DeviceBar::DeviceBar(QWidget *parent)
     auto *scrollArea = new QScrollArea(this);
     scrollArea->setObjectName(QStringLiteral("DeviceBarScrollArea"));
     scrollArea->setFrameShape(QFrame::NoFrame);
+    // The cards are reached, not what they are in; it scrolls to the one with the focus.
+    scrollArea->setFocusPolicy(Qt::NoFocus);
     scrollArea->setWidgetResizable(true);
     scrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollArea->setWidget(cards);

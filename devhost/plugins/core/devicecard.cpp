@@ -1,7 +1,9 @@
 #include <core/devicecard.h>
 
 #include <core/elidedlabel.h>
+#include <utils/textsize.h>
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QStyle>
 #include <QVariant>
@@ -32,7 +34,7 @@ DeviceCard::DeviceCard(QWidget *parent)
 {
     setObjectName(QStringLiteral("DeviceCard"));
     setAutoDefault(false);
-    setFixedSize(216, 56);
+    fixSize();
     m_name->setObjectName(QStringLiteral("DeviceCardName"));
     m_details->setObjectName(QStringLiteral("DeviceCardDetails"));
     m_dot->setObjectName(QStringLiteral("DeviceCardDot"));
@@ -65,7 +67,22 @@ void DeviceCard::setSummary(const DeviceSummary &summary)
     m_details->setText(QStringLiteral("%1 · %2").arg(summary.type, summary.ip));
     setStyleProperty(this, "ActiveDevice", summary.active);
     setStyleProperty(m_dot, "Online", summary.online);
+    fixSize();
     retranslateUi();
+}
+
+bool DeviceCard::event(QEvent *event)
+{
+    const bool handled = QPushButton::event(event);
+    if (event->type() == QEvent::Polish)
+        fixSize();
+    return handled;
+}
+
+/// The style sheet's minimum for buttons replaces the card's own each time the card is polished.
+void DeviceCard::fixSize()
+{
+    setFixedSize(Corvel::Utils::inTextSize(216), Corvel::Utils::inTextSize(56));
 }
 
 void DeviceCard::retranslateUi()

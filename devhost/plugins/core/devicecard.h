@@ -35,7 +35,12 @@ public:
     void setSummary(const DeviceSummary &summary);
     void retranslateUi();
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
+    void fixSize();
+
     DeviceSummary m_summary;
     ElidedLabel *m_name;
     ElidedLabel *m_details;

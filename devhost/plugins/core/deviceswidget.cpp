@@ -27,7 +27,8 @@ DevicesWidget::DevicesWidget(QWidget *parent)
     m_table->setColumnCount(9);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setSelectionMode(QAbstractItemView::NoSelection);
-    m_table->setFocusPolicy(Qt::NoFocus);
+    // Keys scroll it and read it, and leave it.
+    m_table->setTabKeyNavigation(false);
     m_table->setFrameShape(QFrame::NoFrame);
     m_table->setShowGrid(false);
     m_table->verticalHeader()->hide();
@@ -56,6 +57,7 @@ DevicesWidget::DevicesWidget(QWidget *parent)
 void DevicesWidget::retranslateUi()
 {
     m_title->setText(tr("Devices"));
+    m_table->setAccessibleName(m_title->text());
     m_table->setHorizontalHeaderLabels({tr("Type"), tr("Name"), tr("Address"), tr("State"), tr("Serial number"),
                                         tr("Cards"), tr("Screens"), tr("Pictures"), tr("Presets")});
     refresh();

@@ -14,6 +14,8 @@ struct HOST_CORE_EXPORT HostSettings
     QString trPath;
     QString deviceConfigFilePath;
     QString extractJsonPath;
+    /// Height of the text in pixels; 0 for the desktop's. Between 11 and 20, see applyLook().
+    int textPixelSize = 0;
 };
 
 /// Replaces the settings that ICore tells. Installs no texts: switchLanguage() does. Any thread.

@@ -22,6 +22,7 @@ LogView::LogView(QWidget *parent)
 {
     setObjectName(QStringLiteral("LogView"));
     setReadOnly(true);
+    setTabChangesFocus(true);
     setMaximumBlockCount(shownLines);
     setLineWrapMode(QPlainTextEdit::WidgetWidth);
     // Both may come from any thread.

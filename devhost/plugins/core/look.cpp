@@ -1,14 +1,52 @@
 #include <core/look.h>
 
+#include <core/hostsettings.h>
+
 #include <QApplication>
 #include <QFile>
 #include <QFont>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QPalette>
+#include <QRegularExpression>
 #include <QStyleFactory>
 
 namespace Core {
 
 namespace {
+
+/// For what dark.qss gives its sizes.
+const int normalTextSize = 13;
+
+int textSize()
+{
+    const int wanted = hostSettings().textPixelSize;
+    if (wanted > 0)
+        return qBound(11, wanted, 20);
+    // Where there is no desktop, Qt makes a size up.
+    if (QGuiApplication::platformName() == QLatin1String("offscreen") ||
+        QGuiApplication::platformName() == QLatin1String("minimal"))
+        return normalTextSize;
+    return qBound(11, QFontInfo(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).pixelSize(), 20);
+}
+
+/// The style sheet for text of that size. A style sheet knows no relative sizes of text.
+QString inTextSize(const QString &sheet, int size)
+{
+    static const QRegularExpression fontSize(QStringLiteral("font-size: (\\d+)px;(?: /\\* at most (\\d+)px \\*/)?"));
+    QString result;
+    int copied = 0;
+    for (auto matches = fontSize.globalMatch(sheet); matches.hasNext();) {
+        const QRegularExpressionMatch match = matches.next();
+        int scaled = qRound(match.captured(1).toDouble() * size / normalTextSize);
+        if (!match.captured(2).isEmpty())
+            scaled = qMin(scaled, match.captured(2).toInt());
+        result += sheet.midRef(copied, match.capturedStart() - copied);
+        result += QStringLiteral("font-size: %1px;").arg(scaled);
+        copied = match.capturedEnd();
+    }
+    return result + sheet.midRef(copied);
+}
 
 /// For what the style sheet does not reach, such as the parts of Qt's own dialogs. The colours are those of dark.qss.
 QPalette darkPalette()
@@ -52,14 +90,17 @@ void applyLook()
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(darkPalette());
+    const int size = textSize();
     QFont font;
-    font.setFamilies({QStringLiteral("DejaVu Sans"), QStringLiteral("WenQuanYi Micro Hei")});
-    font.setPixelSize(13);
+    // Named, since what Qt falls back to by itself for emoji depends on the machine.
+    font.setFamilies(
+        {QStringLiteral("DejaVu Sans"), QStringLiteral("WenQuanYi Micro Hei"), QStringLiteral("Noto Color Emoji")});
+    font.setPixelSize(size);
     QApplication::setFont(font);
 
     QFile sheet(QStringLiteral(":/core/style/dark.qss"));
     if (sheet.open(QIODevice::ReadOnly))
-        qApp->setStyleSheet(QString::fromUtf8(sheet.readAll()));
+        qApp->setStyleSheet(inTextSize(QString::fromUtf8(sheet.readAll()), size));
     else
         qWarning("The host's style sheet is missing");
 }

@@ -7,14 +7,23 @@
 
 class QHBoxLayout;
 class QLabel;
+class QMenu;
+class QToolButton;
 
 namespace Core {
 
 class CenterArea;
 class DeviceBar;
+class ModeBar;
+class OperationReport;
 
 /// The host's window: title bar, top-level modes at the left, beside them the current mode's own
-/// navigation, the device bar, the central-widget area, and docks below. User-interface thread only.
+/// navigation, the device bar, the central-widget area, and docks below.
+///
+/// It opens no larger than its screen. What does not fit into the central area is scrolled to; docks can be closed, and
+/// opened with the View button of the title bar; where the window is low, they are closed at first. Tab goes through
+/// the areas in that order, whichever was made first. The status bar tells what runs, and what became of it.
+/// User-interface thread only.
 class HOST_CORE_EXPORT MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -31,6 +40,8 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     void showCurrentMode();
@@ -38,12 +49,24 @@ private:
     void retranslateUi();
     QDockWidget *makeDock(QWidget *widget, const QString &name);
 
+    void retranslateTitleBar();
+    void showStatus();
+    QList<QWidget *> tabOrder() const;
+
+    QWidget *m_titleBar;
+    QToolButton *m_viewButton;
+    QToolButton *m_minimizeButton;
+    QToolButton *m_maximizeButton;
+    QMenu *m_viewMenu;
+    bool m_wasShown = false;
     QHBoxLayout *m_bodyLayout;
+    ModeBar *m_modeBar;
     DeviceBar *m_deviceBar;
     CenterArea *m_centerArea;
     QWidget *m_navigation = nullptr;
     QDockWidget *m_logDock;
     QLabel *m_operationLabel;
+    OperationReport *m_report;
     ICore::OperatorDeviceType m_operation = ICore::OperatorNone;
     QString m_operationText;
 };

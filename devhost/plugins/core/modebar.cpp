@@ -2,6 +2,7 @@
 
 #include <core/imode.h>
 #include <core/modemanager.h>
+#include <utils/textsize.h>
 
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -14,7 +15,7 @@ ModeBar::ModeBar(QWidget *parent)
 {
     setObjectName(QStringLiteral("ModeBar"));
     setAttribute(Qt::WA_StyledBackground);
-    setFixedWidth(92);
+    setFixedWidth(Corvel::Utils::inTextSize(92));
     m_layout->setContentsMargins(0, 8, 0, 8);
     m_layout->setSpacing(4);
     m_layout->addStretch();
@@ -39,7 +40,7 @@ void ModeBar::rebuild()
         button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
         button->setAutoRaise(true);
         button->setCheckable(true);
-        button->setFixedSize(92, 68);
+        button->setFixedSize(Corvel::Utils::inTextSize(92), Corvel::Utils::inTextSize(68));
         connect(button, &QToolButton::clicked, this, [this, id]() {
             ModeManager::activateMode(id);
             showCurrent();

@@ -3,6 +3,7 @@
 #include <navigationbar/inavigationbarmode.h>
 #include <navigationbar/navigationbarmodemanager.h>
 #include <utils/icon.h>
+#include <utils/textsize.h>
 
 #include <QLabel>
 #include <QToolButton>
@@ -33,9 +34,9 @@ NavigationBarWidget::NavigationBarWidget(NavigationBarModeManager *manager, QWid
 {
     setObjectName(QStringLiteral("NavigationBar"));
     setAttribute(Qt::WA_StyledBackground);
-    setFixedWidth(184);
+    setFixedWidth(Corvel::Utils::inTextSize(184));
     m_title->setObjectName(QStringLiteral("NavigationBarTitle"));
-    m_title->setFixedHeight(44);
+    m_title->setFixedHeight(Corvel::Utils::inTextSize(44));
     m_layout->setContentsMargins(0, 0, 0, 8);
     m_layout->setSpacing(2);
     m_layout->addWidget(m_title);
@@ -73,7 +74,7 @@ void NavigationBarWidget::rebuild()
         button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         button->setAutoRaise(true);
         button->setCheckable(true);
-        button->setFixedHeight(40);
+        button->setFixedHeight(Corvel::Utils::inTextSize(40));
         button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         connect(button, &QToolButton::clicked, this, [this, id]() {
             m_manager->activateMode(id);

@@ -27,6 +27,7 @@ GeneralWidget::GeneralWidget(QWidget *parent)
     const QVector<Core::Language> languages = Core::languages();
     for (const Core::Language &language : languages)
         m_language->addItem(language.name, language.code);
+    m_languageLabel->setBuddy(m_language);
     connect(m_language, QOverload<int>::of(&QComboBox::activated), this,
             [this](int index) { Core::switchLanguage(m_language->itemData(index).toString()); });
     for (QLabel *path : {m_devices, m_extraction}) {
