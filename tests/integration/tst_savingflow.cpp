@@ -19,6 +19,7 @@ using namespace TestSupport;
 using namespace Simulation::Operations;
 using Corvel::Widgets::WaitingDialog;
 using Model::object_brige;
+namespace DiskSpace = ProjectFileCfg::Internal::DiskSpace;
 using ProjectFileCfg::Internal::EngineerPacketInfo;
 using ProjectFileCfg::Internal::ZipPackageHandle;
 using Simulation::Fault;
