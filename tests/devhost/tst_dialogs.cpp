@@ -490,6 +490,7 @@ void TstDialogs::cancel_is_acknowledged_before_it_is_obeyed()
         text = dialog->text();
         paintsThen = paints.count;
     });
+    QTRY_VERIFY(cancelButton()->isEnabled());
     QTest::mouseClick(cancelButton(), Qt::LeftButton);
     QVERIFY(!enabled);
     QCOMPARE(text, QStringLiteral("Stopping, please wait..."));
@@ -544,10 +545,12 @@ void TstDialogs::cancel_that_nobody_obeys_cannot_be_pressed()
     {
         QObject operation;
         connect(dialog, &WaitingDialog::signal_canelLoad, &operation, []() {});
-        QVERIFY(cancelButton()->isEnabled());
+        QTRY_VERIFY(cancelButton()->isEnabled());
         dialog->disconnect(&operation);
-        QVERIFY(!cancelButton()->isEnabled());
+        QTRY_VERIFY(!cancelButton()->isEnabled());
         connect(dialog, &WaitingDialog::signal_canelLoad, &operation, []() {});
+        QTRY_VERIFY(cancelButton()->isEnabled());
+        // Its destructor disconnects it.
     }
     // An operation that has gone says no goodbye.
     QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);

@@ -205,6 +205,7 @@ void TstSaveEndings::a_cancel_the_host_refuses_still_cancels()
     m_book->expectInformation("Remind", "User cancels current operation");
     {
         const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in cancelOperator: out of luck"), 1);
+        QTRY_VERIFY(WaitingDialog::instance()->findChild<QPushButton *>("WaitingDialogCancel")->isEnabled());
         QVERIFY(click(WaitingDialog::instance(), QStringLiteral("Cancel")));
     }
     gate.open();

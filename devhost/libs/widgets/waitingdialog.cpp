@@ -155,14 +155,22 @@ void WaitingDialog::refreshCancelButton()
 
 void WaitingDialog::connectNotify(const QMetaMethod &signal)
 {
-    refreshCancelButton();
+    refreshCancelButtonLater();
     QDialog::connectNotify(signal);
 }
 
 void WaitingDialog::disconnectNotify(const QMetaMethod &signal)
 {
-    refreshCancelButton();
+    refreshCancelButtonLater();
     QDialog::disconnectNotify(signal);
+}
+
+void WaitingDialog::refreshCancelButtonLater()
+{
+    // Qt holds its lock of the connections while the destructor of a receiver notifies: asking for them now would never
+    // return.
+    QMetaObject::invokeMethod(
+        this, [this] { refreshCancelButton(); }, Qt::QueuedConnection);
 }
 
 void WaitingDialog::cancel()

@@ -57,6 +57,7 @@ private:
     static void deleteInstance();
     bool isObeyed() const;
     void refreshCancelButton();
+    void refreshCancelButtonLater();
     void cancel();
     void refreshText();
     void fitToText();
