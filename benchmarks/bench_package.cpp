@@ -383,7 +383,7 @@ void listing(Report &report, const QString &packages, const QString &what, int c
         [&] {
             ProjectList list;
             list.scanProjectFiles(packages, list.beginScan());
-            actual = list.projects;
+            actual = list.listProjects;
         },
         [&] { require(actual.size() == count && content(actual) == content(expected), "another list"); });
     report.faster(what, "three times opened, every byte read", times, faster);
@@ -648,7 +648,7 @@ void growth(Report &report, const QString &folder)
             times.milliseconds.append(millisecondsOf([&] {
                 ProjectList list;
                 list.scanProjectFiles(packages, list.beginScan());
-                require(list.projects.size() == count, "packages are missing");
+                require(list.listProjects.size() == count, "packages are missing");
             }));
         }
         lists.append({double(count), times.median()});

@@ -146,9 +146,9 @@ public:
 
     void fill()
     {
-        table->setRowCount(list.projects.size());
+        table->setRowCount(list.listProjects.size());
         int row = 0;
-        for (const EngineerPacketInfo &info : qAsConst(list.projects)) {
+        for (const EngineerPacketInfo &info : qAsConst(list.listProjects)) {
             const QString name = QFileInfo(info.strFilePath).fileName().remove(".corvelpro");
             table->setItem(row, 0, new QTableWidgetItem(QIcon(":resource/images/icon_project_normal.png"), name));
             table->setItem(row, 1, new QTableWidgetItem(info.strComment));

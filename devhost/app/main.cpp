@@ -14,8 +14,10 @@
 #include <algorithm>
 #include <memory>
 
+namespace {
+
 /// The tour works on project files that it may delete, so it gets a home of its own: never the user's Documents.
-static void makePrivateHome(const QString &directory)
+void makePrivateHome(const QString &directory)
 {
     const QString home = QDir(directory).absoluteFilePath(QStringLiteral("home"));
     QDir(home).removeRecursively();
@@ -25,14 +27,14 @@ static void makePrivateHome(const QString &directory)
 }
 
 /// An empty size for what is none.
-static QSize sizeFrom(const QString &text)
+QSize sizeFrom(const QString &text)
 {
     const QStringList sides = text.split(QLatin1Char('x'));
     return sides.size() == 2 ? QSize(sides.first().toInt(), sides.last().toInt()) : QSize();
 }
 
 /// What only prints needs no display.
-static std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
+std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
 {
     const QStringList printing{QStringLiteral("-h"), QStringLiteral("--help"), QStringLiteral("--help-all"),
                                QStringLiteral("-v"), QStringLiteral("--version")};
@@ -47,6 +49,8 @@ static std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[]
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     return std::make_unique<QApplication>(argc, argv);
 }
+
+} // namespace
 
 int main(int argc, char *argv[])
 {

@@ -16,7 +16,11 @@
 using Corvel::Widgets::WaitingDialog;
 using HX::Widgets::FramelessMessageBox;
 
-static const int pollIntervalMs = 20;
+namespace {
+
+constexpr int pollIntervalMs = 20;
+
+} // namespace
 
 OperatorHand::OperatorHand(QWidget *window, const QString &pictureDirectory)
     : m_window(window)

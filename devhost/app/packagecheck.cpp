@@ -9,7 +9,9 @@
 #include <quazip.h>
 #include <quazipfile.h>
 
-static QHash<QString, QByteArray> readEntries(QuaZip &archive)
+namespace {
+
+QHash<QString, QByteArray> readEntries(QuaZip &archive)
 {
     QHash<QString, QByteArray> entries;
     for (bool more = archive.goToFirstFile(); more; more = archive.goToNextFile()) {
@@ -20,8 +22,8 @@ static QHash<QString, QByteArray> readEntries(QuaZip &archive)
     return entries;
 }
 
-static QString pictureDifference(const QHash<QString, QByteArray> &entries, const QString &folder,
-                                 const QMap<quint8, Simulation::PictureState> &pictures, QImage::Format format)
+QString pictureDifference(const QHash<QString, QByteArray> &entries, const QString &folder,
+                          const QMap<quint8, Simulation::PictureState> &pictures, QImage::Format format)
 {
     for (auto picture = pictures.begin(); picture != pictures.end(); ++picture) {
         const QString entry = QStringLiteral("%1/%1_%2.png").arg(folder, QString::number(picture.key()));
@@ -34,8 +36,8 @@ static QString pictureDifference(const QHash<QString, QByteArray> &entries, cons
     return QString();
 }
 
-static QString presetDifference(const QHash<QString, QByteArray> &entries,
-                                const QMap<quint16, Simulation::PresetState> &presets)
+QString presetDifference(const QHash<QString, QByteArray> &entries,
+                         const QMap<quint16, Simulation::PresetState> &presets)
 {
     for (auto preset = presets.begin(); preset != presets.end(); ++preset) {
         const QString entry = QStringLiteral("Preset/%1.RPst").arg(preset.key());
@@ -47,6 +49,8 @@ static QString presetDifference(const QHash<QString, QByteArray> &entries,
     }
     return QString();
 }
+
+} // namespace
 
 QString packageDifference(const QString &packagePath, const Simulation::HardwareState &hardware,
                           const QString &projectName, const QString &comment)

@@ -71,9 +71,9 @@ SiteDock::SiteDock(Simulation::Session &session, QWidget *parent)
     m_operation->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_operation->setMinimumContentsLength(16);
     m_kind->setObjectName(QStringLiteral("siteFault"));
-    for (const int kind :
-         {Simulation::Fault::Fail, Simulation::Fault::Late, Simulation::Fault::Disconnect, Simulation::Fault::Cancel})
-        m_kind->addItem(QString(), kind);
+    for (const Simulation::Fault::Kind kind : {Simulation::Fault::Kind::Fail, Simulation::Fault::Kind::Late,
+                                               Simulation::Fault::Kind::Disconnect, Simulation::Fault::Kind::Cancel})
+        m_kind->addItem(QString(), int(kind));
     m_call->setObjectName(QStringLiteral("siteCall"));
     m_call->setRange(1, 999);
     m_faultTitle->setBuddy(m_operation);
@@ -202,9 +202,10 @@ void SiteDock::refreshPictures()
     const auto hardware = m_session.hardware(selectedAddress());
     const Simulation::HardwareState state = hardware ? hardware->state() : Simulation::HardwareState();
     QStringList wanted;
-    for (const auto &gallery : {state.backgrounds, state.logos})
+    for (const auto &gallery : {state.backgrounds, state.logos}) {
         for (const Simulation::PictureState &picture : gallery)
             wanted.append(QString::number(picture.pixels.cacheKey()) + picture.name);
+    }
     if (wanted == m_shown)
         return;
     m_shown = wanted;

@@ -28,22 +28,26 @@ using Corvel::Widgets::ICenterWidget;
 using Corvel::Widgets::WaitingDialog;
 using HX::Widgets::FramelessMessageBox;
 
-static const QString firstProject = QStringLiteral("Evening show");
-static const QString editedProject = QStringLiteral("Evening show 晚会 🎬");
-static const QString projectExtension = QStringLiteral(".corvelpro");
-static const QString backupQuestion =
+namespace {
+
+const QString firstProject = QStringLiteral("Evening show");
+const QString editedProject = QStringLiteral("Evening show 晚会 🎬");
+const QString projectExtension = QStringLiteral(".corvelpro");
+const QString backupQuestion =
     QStringLiteral("Whether the current configuration needs to be backed up before the project file is imported?");
 
-static QTextStream &out()
+QTextStream &out()
 {
     static QTextStream stream(stdout);
     return stream;
 }
 
-static QString mebibytes(const QString &path)
+QString mebibytes(const QString &path)
 {
     return QString::number(double(QFileInfo(path).size()) / (1024 * 1024), 'f', 1) + QStringLiteral(" MiB");
 }
+
+} // namespace
 
 Tour::Tour(Simulation::Session &session, QWidget *window, const QString &directory)
     : m_session(session)

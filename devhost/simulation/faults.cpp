@@ -20,36 +20,36 @@ Fault makeFault(Fault::Kind kind, int call)
 
 Fault Fault::fail(int call)
 {
-    return makeFault(Fail, call);
+    return makeFault(Kind::Fail, call);
 }
 
 Fault Fault::late(int delayMs, int call)
 {
-    Fault fault = makeFault(Late, call);
+    Fault fault = makeFault(Kind::Late, call);
     fault.delayMs = delayMs;
     return fault;
 }
 
 Fault Fault::disconnect(int call)
 {
-    return makeFault(Disconnect, call);
+    return makeFault(Kind::Disconnect, call);
 }
 
 Fault Fault::cancel(int call)
 {
-    return makeFault(Cancel, call);
+    return makeFault(Kind::Cancel, call);
 }
 
 Fault Fault::run(const std::function<void()> &action, int call)
 {
-    Fault fault = makeFault(Run, call);
+    Fault fault = makeFault(Kind::Run, call);
     fault.action = action;
     return fault;
 }
 
 Fault Fault::throwing(int call)
 {
-    return makeFault(Throw, call);
+    return makeFault(Kind::Throw, call);
 }
 
 Faults *Faults::instance()
@@ -89,7 +89,7 @@ QVector<Fault> Faults::strike(const QString &operation)
             continue;
         }
         ++armed.calls;
-        if (armed.fault.call == Fault::EveryCall) {
+        if (armed.fault.call == Fault::everyCall) {
             striking.append(armed.fault);
             ++i;
         } else if (armed.calls == armed.fault.call) {

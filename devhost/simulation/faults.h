@@ -13,7 +13,7 @@ namespace Simulation {
 /// What goes wrong, and at which call. Faults are chosen, never random.
 struct HOST_SIMULATION_EXPORT Fault
 {
-    enum Kind {
+    enum class Kind {
         Fail,       ///< the device refuses the operation
         Late,       ///< the operation answers `delayMs` later than it would
         Disconnect, ///< the device drops off the network, so that the operation and all later ones fail
@@ -22,9 +22,9 @@ struct HOST_SIMULATION_EXPORT Fault
         Throw       ///< the operation throws a std::runtime_error, as if the host had a mistake
     };
     /// For `call`: the fault strikes at every call until the faults are cleared.
-    static constexpr int EveryCall = 0;
+    static constexpr int everyCall = 0;
 
-    Kind kind = Fail;
+    Kind kind = Kind::Fail;
     /// The call at which the fault strikes, counted from 1 since it was armed; then it is spent.
     int call = 1;
     int delayMs = 0;

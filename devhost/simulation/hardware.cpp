@@ -56,9 +56,10 @@ void compareMaps(QStringList &differences, const QString &what, const QMap<Key, 
         else if (!(it.value() == other.value()))
             differences.append(QStringLiteral("%1 %2 differs").arg(what).arg(it.key()));
     }
-    for (auto it = right.begin(); it != right.end(); ++it)
+    for (auto it = right.begin(); it != right.end(); ++it) {
         if (!left.contains(it.key()))
             differences.append(QStringLiteral("%1 %2 is new").arg(what).arg(it.key()));
+    }
 }
 
 QString digest(const QByteArray &bytes)
@@ -88,9 +89,10 @@ QJsonArray picturesToJson(const QMap<quint8, PictureState> &pictures)
 
 void normalise(QMap<quint8, PictureState> &pictures, QImage::Format format)
 {
-    for (auto it = pictures.begin(); it != pictures.end(); ++it)
+    for (auto it = pictures.begin(); it != pictures.end(); ++it) {
         if (it->pixels.format() != format)
             it->pixels = it->pixels.convertToFormat(format);
+    }
 }
 
 } // namespace

@@ -46,9 +46,10 @@ QVector<JournalEntry> Journal::entries(const QString &operation) const
 {
     QVector<JournalEntry> found;
     const QVector<JournalEntry> all = entries();
-    for (const JournalEntry &entry : all)
+    for (const JournalEntry &entry : all) {
         if (entry.operation == operation)
             found.append(entry);
+    }
     return found;
 }
 

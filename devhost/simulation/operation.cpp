@@ -72,25 +72,25 @@ Outcome begin(const QString &operation, const QVariantMap &arguments, Hardware *
     qint64 duration = running.duration(operation, bytes);
     for (const Fault &fault : Faults::instance()->strike(operation)) {
         switch (fault.kind) {
-        case Fault::Fail:
+        case Fault::Kind::Fail:
             outcome = Outcome::Failed;
             break;
-        case Fault::Late:
+        case Fault::Kind::Late:
             duration += fault.delayMs;
             break;
-        case Fault::Disconnect:
+        case Fault::Kind::Disconnect:
             if (hardware)
                 hardware->setReachable(false);
             outcome = Outcome::Disconnected;
             break;
-        case Fault::Cancel:
+        case Fault::Kind::Cancel:
             outcome = Outcome::Cancelled;
             break;
-        case Fault::Run:
+        case Fault::Kind::Run:
             if (fault.action)
                 fault.action();
             break;
-        case Fault::Throw:
+        case Fault::Kind::Throw:
             throw std::runtime_error(operation.toStdString() + " throws");
         }
     }
@@ -147,9 +147,9 @@ Outcome beginOperation(const QString &operation, const QVariantMap &arguments,
 void meetFaults(const QString &operation)
 {
     for (const Fault &fault : Faults::instance()->strike(operation)) {
-        if (fault.kind == Fault::Run && fault.action)
+        if (fault.kind == Fault::Kind::Run && fault.action)
             fault.action();
-        else if (fault.kind == Fault::Throw)
+        else if (fault.kind == Fault::Kind::Throw)
             throw std::runtime_error(operation.toStdString() + " throws");
     }
 }

@@ -87,10 +87,11 @@ public:
     /// Members that nobody asked for are spelling mistakes.
     void refuseUnknown()
     {
-        for (const QString &key : m_object.keys())
+        for (const QString &key : m_object.keys()) {
             if (!m_known.contains(key))
                 setError(
                     QStringLiteral("%1 is not known").arg(m_where.isEmpty() ? key : m_where + QLatin1Char('.') + key));
+        }
     }
 
     void fail(const char *key, const char *reason)

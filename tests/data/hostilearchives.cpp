@@ -174,17 +174,18 @@ void Corpus::addEndRecords()
         patched([](ZipArchive &archive) { archive.insertBeforeEnd(QByteArray(100, 'x')); }));
     add("end_record_twice", [] { return sealed(honest()) + raw("PK\5\6") + QByteArray(18, '\0'); });
     add("end_record_of_another_archive_behind",
-        [] { return sealed(honest()) + PackageBuilder().file("other.txt", "other").comment("other").build(); });
+        [] { return sealed(honest()) + PackageBuilder().file("other.txt", "other").archiveComment("other").build(); });
     add("end_record_in_the_comment", [] {
         const QByteArray record =
             PackageBuilder::infoRecord(QString::fromLatin1(rightChecksum()), QStringLiteral("x"), QStringLiteral("x"));
         const QByteArray inner = raw("PK\5\6") + QByteArray(18, '\0');
-        return honest().comment(record + inner).build();
+        return honest().archiveComment(record + inner).build();
     });
     add("end_record_in_the_comment_leads_to_another_directory", [] {
         const QByteArray other = PackageBuilder().file("other.txt", "other").build();
         return honest()
-            .comment("{\"Checksum\":\"" + rightChecksum() + "\",\"projectName\":\"x\",\"comment\":\"x\"}" + other)
+            .archiveComment("{\"Checksum\":\"" + rightChecksum() + "\",\"projectName\":\"x\",\"comment\":\"x\"}" +
+                            other)
             .build();
     });
     add("end_record_alone", [] { return sealed(PackageBuilder()); });
@@ -205,7 +206,7 @@ void Corpus::addEndRecords()
     add("comment_claims_nothing", withEnd([](ZipArchive &a) { a.set16(a.end() + 20, 0); }));
     for (const int size : {65512, 65513, 65514, 65515, 65516, 65534, 65535})
         add("comment_of_" + QByteArray::number(size) + "_bytes",
-            [size] { return honest().comment(recordOfSize(size)).build(); });
+            [size] { return honest().archiveComment(recordOfSize(size)).build(); });
 
     add("count_of_entries_is_too_small",
         withEnd([](ZipArchive &a) { a.set16(a.end() + 8, 1).set16(a.end() + 10, 1); }));

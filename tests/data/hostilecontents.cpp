@@ -155,7 +155,7 @@ void Corpus::addRecords()
     const QByteArray withZero = checksum + raw("\"projectName\":\"x\",\"comment\":\"a\0b\"}");
     add("record_has_a_zero_byte_in_a_text", withComment(withZero));
     add("record_has_a_zero_byte_in_a_text_and_the_directory_no_signature", [=] {
-        ZipArchive archive(honest().comment(withZero).build());
+        ZipArchive archive(honest().archiveComment(withZero).build());
         return archive.set32(archive.central(0), 0).bytes;
     });
     add("record_has_two_members", withComment(checksum + "\"projectName\":\"x\"}"));
@@ -189,7 +189,9 @@ void Corpus::addRecords()
     add("record_is_not_utf8", withRecord("\"projectName\":\"\xff\xfe\",\"comment\":\"\xc3\""));
     add("record_is_utf16", [checksum] {
         const QString text = QString::fromUtf8(checksum + "\"projectName\":\"x\",\"comment\":\"x\"}");
-        return honest().comment(QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2)).build();
+        return honest()
+            .archiveComment(QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2))
+            .build();
     });
     add("record_has_a_byte_order_mark",
         withComment("\xef\xbb\xbf" + checksum + "\"projectName\":\"x\",\"comment\":\"x\"}"));

@@ -152,7 +152,7 @@ inline QByteArray pngWith(const QByteArray &chunks)
 
 inline Bytes withComment(const QByteArray &comment)
 {
-    return [comment] { return honest().comment(comment).build(); };
+    return [comment] { return honest().archiveComment(comment).build(); };
 }
 
 inline QByteArray rightChecksum()
@@ -163,7 +163,9 @@ inline QByteArray rightChecksum()
 /// A record of these members and the right checksum.
 inline Bytes withRecord(const QByteArray &members)
 {
-    return [members] { return honest().comment("{\"Checksum\":\"" + rightChecksum() + "\"," + members + "}").build(); };
+    return [members] {
+        return honest().archiveComment("{\"Checksum\":\"" + rightChecksum() + "\"," + members + "}").build();
+    };
 }
 
 inline QByteArray recordOfSize(int size)

@@ -152,10 +152,12 @@ private slots:
     {
         const QSize size(1, 1);
         QSet<QString> keys;
-        for (const auto type : {Materail::Background, Materail::Logo})
-            for (const QString &ip : {QStringLiteral("10.0.0.1"), QStringLiteral("10.0.0.11")})
+        for (const auto type : {Materail::Background, Materail::Logo}) {
+            for (const QString &ip : {QStringLiteral("10.0.0.1"), QStringLiteral("10.0.0.11")}) {
                 for (const int keyNo : {1, 11})
                     keys.insert(Materail(type, static_cast<quint8>(keyNo), QString(), size, ip).imageKey());
+            }
+        }
         QCOMPARE(keys.size(), 8);
     }
 

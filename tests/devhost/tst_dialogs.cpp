@@ -121,8 +121,8 @@ private slots:
     void a_hidden_bottom_bar_has_no_default_button();
     void the_layout_goes_between_the_bars();
 
-    void a_box_closed_without_a_button_answers_the_harmless_one_data();
-    void a_box_closed_without_a_button_answers_the_harmless_one();
+    void closing_a_box_answers_its_escape_button_data();
+    void closing_a_box_answers_its_escape_button();
     void a_pressed_button_is_the_answer();
     void return_answers_like_escape_unless_told_otherwise();
     void a_box_survives_the_deletion_of_its_parent();
@@ -131,7 +131,7 @@ private slots:
     void a_box_tells_assistive_technology_its_text();
     void the_buttons_of_a_box_are_reached_by_keys();
 
-    void the_waiting_dialog_returns_at_once_and_is_painted();
+    void waiting_dialog_is_painted_without_blocking();
     void the_waiting_dialog_blocks_the_other_windows();
     void escape_presses_cancel_and_closes_nothing();
     void escape_without_cancel_does_nothing();
@@ -145,7 +145,7 @@ private slots:
     void each_waiting_text_is_announced();
     void the_cancel_button_tells();
     void a_long_text_makes_the_waiting_dialog_higher();
-    void the_waiting_dialog_comes_back_after_its_parent_was_deleted();
+    void waiting_dialog_survives_its_parents_deletion();
 };
 
 void TstDialogs::a_dialog_is_dragged_by_its_title_bar()
@@ -247,7 +247,7 @@ void TstDialogs::the_layout_goes_between_the_bars()
     QVERIFY(top + content->height() <= bottomBar->mapTo(&dialog, QPoint(0, 0)).y());
 }
 
-void TstDialogs::a_box_closed_without_a_button_answers_the_harmless_one_data()
+void TstDialogs::closing_a_box_answers_its_escape_button_data()
 {
     QTest::addColumn<int>("buttons");
     QTest::addColumn<int>("answer");
@@ -259,7 +259,7 @@ void TstDialogs::a_box_closed_without_a_button_answers_the_harmless_one_data()
     QTest::newRow("Yes, OK") << int(B::Yes | B::Ok) << int(B::NoButton);
 }
 
-void TstDialogs::a_box_closed_without_a_button_answers_the_harmless_one()
+void TstDialogs::closing_a_box_answers_its_escape_button()
 {
     QFETCH(int, buttons);
     QFETCH(int, answer);
@@ -367,7 +367,7 @@ void TstDialogs::the_buttons_of_a_box_are_reached_by_keys()
              QMessageBox::Yes);
 }
 
-void TstDialogs::the_waiting_dialog_returns_at_once_and_is_painted()
+void TstDialogs::waiting_dialog_is_painted_without_blocking()
 {
     PaintCounter counter;
     WaitingDialog *dialog = WaitingDialog::instance();
@@ -609,7 +609,7 @@ void TstDialogs::a_long_text_makes_the_waiting_dialog_higher()
     dialog->hideWaitingDialog();
 }
 
-void TstDialogs::the_waiting_dialog_comes_back_after_its_parent_was_deleted()
+void TstDialogs::waiting_dialog_survives_its_parents_deletion()
 {
     const QPointer<WaitingDialog> orphan = WaitingDialog::instance();
     QCOMPARE(WaitingDialog::instance(nullptr, 0), orphan.data());

@@ -23,22 +23,22 @@ class TstFixedBitLineEditEx : public QObject
 private slots:
     void a_text_of_exactly_the_limit_is_kept_data();
     void a_text_of_exactly_the_limit_is_kept();
-    void a_text_beyond_the_limit_is_cut_at_whole_characters_data();
-    void a_text_beyond_the_limit_is_cut_at_whole_characters();
-    void typing_into_the_middle_of_a_full_field_drops_what_is_typed();
+    void text_beyond_the_limit_is_cut_between_characters_data();
+    void text_beyond_the_limit_is_cut_between_characters();
+    void typing_into_a_full_field_drops_the_input();
     void pasting_keeps_what_fits();
     void nobody_sees_a_text_beyond_the_limit();
     void a_smaller_limit_cuts_at_once();
 
-    void what_no_file_name_can_have_is_left_out_data();
-    void what_no_file_name_can_have_is_left_out();
-    void every_character_is_taken_or_left_out_by_itself();
-    void deleting_never_brings_a_dot_to_the_front();
-    void the_caret_stays_where_it_was_among_what_is_kept();
+    void characters_illegal_in_file_names_are_dropped_data();
+    void characters_illegal_in_file_names_are_dropped();
+    void each_character_is_accepted_or_dropped_alone();
+    void deleting_never_leaves_a_leading_dot();
+    void cursor_stays_among_the_kept_characters();
     void undo_brings_back_nothing_that_was_left_out();
-    void blanks_at_both_ends_go_when_it_is_left_data();
-    void blanks_at_both_ends_go_when_it_is_left();
-    void a_blank_can_be_typed_before_the_next_word();
+    void leaving_the_field_trims_its_text_data();
+    void leaving_the_field_trims_its_text();
+    void blank_can_be_typed_between_words();
 };
 
 void TstFixedBitLineEditEx::a_text_of_exactly_the_limit_is_kept_data()
@@ -59,7 +59,7 @@ void TstFixedBitLineEditEx::a_text_of_exactly_the_limit_is_kept()
     QCOMPARE(edit.text(), text);
 }
 
-void TstFixedBitLineEditEx::a_text_beyond_the_limit_is_cut_at_whole_characters_data()
+void TstFixedBitLineEditEx::text_beyond_the_limit_is_cut_between_characters_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("kept");
@@ -73,7 +73,7 @@ void TstFixedBitLineEditEx::a_text_beyond_the_limit_is_cut_at_whole_characters_d
         << QString(63, QLatin1Char('a')) + composed << QString(63, QLatin1Char('a'));
 }
 
-void TstFixedBitLineEditEx::a_text_beyond_the_limit_is_cut_at_whole_characters()
+void TstFixedBitLineEditEx::text_beyond_the_limit_is_cut_between_characters()
 {
     QFETCH(QString, text);
     QFETCH(QString, kept);
@@ -85,7 +85,7 @@ void TstFixedBitLineEditEx::a_text_beyond_the_limit_is_cut_at_whole_characters()
     QCOMPARE(edit.text(), kept);
 }
 
-void TstFixedBitLineEditEx::typing_into_the_middle_of_a_full_field_drops_what_is_typed()
+void TstFixedBitLineEditEx::typing_into_a_full_field_drops_the_input()
 {
     FixedBitLineEditEx edit;
     const QString full = QString(32, QLatin1Char('a')) + QString(32, QLatin1Char('b'));
@@ -124,7 +124,7 @@ void TstFixedBitLineEditEx::a_smaller_limit_cuts_at_once()
     QCOMPARE(edit.text(), QStringLiteral("项目"));
 }
 
-void TstFixedBitLineEditEx::what_no_file_name_can_have_is_left_out_data()
+void TstFixedBitLineEditEx::characters_illegal_in_file_names_are_dropped_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("kept");
@@ -153,7 +153,7 @@ void TstFixedBitLineEditEx::what_no_file_name_can_have_is_left_out_data()
         << QString(40, QLatin1Char('?')) + QString(64, QLatin1Char('a')) << QString(64, QLatin1Char('a'));
 }
 
-void TstFixedBitLineEditEx::what_no_file_name_can_have_is_left_out()
+void TstFixedBitLineEditEx::characters_illegal_in_file_names_are_dropped()
 {
     QFETCH(QString, text);
     QFETCH(QString, kept);
@@ -187,7 +187,7 @@ void TstFixedBitLineEditEx::what_no_file_name_can_have_is_left_out()
     }
 }
 
-void TstFixedBitLineEditEx::every_character_is_taken_or_left_out_by_itself()
+void TstFixedBitLineEditEx::each_character_is_accepted_or_dropped_alone()
 {
     const QString never = QStringLiteral("<>:\"/\\|?*");
     FixedBitLineEditEx edit;
@@ -203,7 +203,7 @@ void TstFixedBitLineEditEx::every_character_is_taken_or_left_out_by_itself()
     }
 }
 
-void TstFixedBitLineEditEx::deleting_never_brings_a_dot_to_the_front()
+void TstFixedBitLineEditEx::deleting_never_leaves_a_leading_dot()
 {
     FixedBitLineEditEx edit;
     edit.setEditText(QStringLiteral("a..b"));
@@ -213,7 +213,7 @@ void TstFixedBitLineEditEx::deleting_never_brings_a_dot_to_the_front()
     QCOMPARE(edit.cursorPosition(), 0);
 }
 
-void TstFixedBitLineEditEx::the_caret_stays_where_it_was_among_what_is_kept()
+void TstFixedBitLineEditEx::cursor_stays_among_the_kept_characters()
 {
     FixedBitLineEditEx edit;
     edit.setEditText(QStringLiteral("ab"));
@@ -244,7 +244,7 @@ void TstFixedBitLineEditEx::undo_brings_back_nothing_that_was_left_out()
     }
 }
 
-void TstFixedBitLineEditEx::blanks_at_both_ends_go_when_it_is_left_data()
+void TstFixedBitLineEditEx::leaving_the_field_trims_its_text_data()
 {
     QTest::addColumn<QString>("way");
     QTest::newRow("focus") << "focus";
@@ -252,7 +252,7 @@ void TstFixedBitLineEditEx::blanks_at_both_ends_go_when_it_is_left_data()
     QTest::newRow("return") << "return";
 }
 
-void TstFixedBitLineEditEx::blanks_at_both_ends_go_when_it_is_left()
+void TstFixedBitLineEditEx::leaving_the_field_trims_its_text()
 {
     QFETCH(QString, way);
     QWidget window;
@@ -279,7 +279,7 @@ void TstFixedBitLineEditEx::blanks_at_both_ends_go_when_it_is_left()
     QCOMPARE(edit.text(), QString());
 }
 
-void TstFixedBitLineEditEx::a_blank_can_be_typed_before_the_next_word()
+void TstFixedBitLineEditEx::blank_can_be_typed_between_words()
 {
     FixedBitLineEditEx edit;
     QTest::keyClicks(&edit, QStringLiteral("My "));

@@ -30,21 +30,21 @@ class TstIPlugin : public QObject
     Q_OBJECT
 
 private slots:
-    void the_pool_keeps_the_order_and_says_what_comes_and_goes();
-    void the_pool_takes_an_object_once();
+    void pool_keeps_order_and_announces_changes();
+    void pool_accepts_an_object_once();
     void a_deleted_object_leaves_the_pool();
     void objects_are_found_by_type();
     void a_translation_replaces_the_earlier_one();
     void a_missing_translation_withdraws_the_earlier_one();
     void a_shorter_language_code_is_not_taken_instead();
-    void a_plugin_takes_its_translation_along();
+    void unloading_a_plugin_removes_its_translation();
 
 private:
     const QString m_texts = QStringLiteral(TRANSLATION_DIRECTORY);
     const QString m_base = QStringLiteral("fixturetexts");
 };
 
-void TstIPlugin::the_pool_keeps_the_order_and_says_what_comes_and_goes()
+void TstIPlugin::pool_keeps_order_and_announces_changes()
 {
     Plugin plugin;
     QObject first, second;
@@ -66,7 +66,7 @@ void TstIPlugin::the_pool_keeps_the_order_and_says_what_comes_and_goes()
     disconnect(connection);
 }
 
-void TstIPlugin::the_pool_takes_an_object_once()
+void TstIPlugin::pool_accepts_an_object_once()
 {
     Plugin plugin;
     plugin.addObject(this);
@@ -130,7 +130,7 @@ void TstIPlugin::a_shorter_language_code_is_not_taken_instead()
     QCOMPARE(word(), QStringLiteral("word"));
 }
 
-void TstIPlugin::a_plugin_takes_its_translation_along()
+void TstIPlugin::unloading_a_plugin_removes_its_translation()
 {
     {
         Plugin plugin;

@@ -70,14 +70,14 @@ private slots:
 
     void the_window_is_known_while_it_lives();
     void texts_follow_the_language();
-    void the_status_bar_tells_what_runs_on_a_device();
+    void status_bar_names_the_running_operation();
     void progress_is_shown_where_the_operator_looks();
-    void the_log_takes_messages_and_operations_of_any_thread();
+    void log_takes_messages_from_any_thread();
     void a_dock_is_named_after_its_widget();
     void only_the_current_mode_has_the_side();
     void what_a_mode_shows_outlives_the_window();
     void the_title_bar_works_the_window();
-    void a_cut_label_tells_its_text_as_it_is();
+    void elided_label_shows_plain_text_in_its_tooltip();
 
     void the_window_opens_no_larger_than_its_screen();
     void a_low_window_opens_without_docks();
@@ -159,7 +159,7 @@ void TstMainWindow::texts_follow_the_language()
     QCOMPARE(status(), QStringLiteral("Writing to the device: BKG:Opening"));
 }
 
-void TstMainWindow::the_status_bar_tells_what_runs_on_a_device()
+void TstMainWindow::status_bar_names_the_running_operation()
 {
     fromAnotherThread([] { ICore::setOperatorType(ICore::OperatorBackup, QString()); });
     QCOMPARE(status(), QStringLiteral("Reading from the device"));
@@ -182,7 +182,7 @@ void TstMainWindow::progress_is_shown_where_the_operator_looks()
     QCOMPARE(waiting->text(), QStringLiteral("BKG:Keynote"));
 }
 
-void TstMainWindow::the_log_takes_messages_and_operations_of_any_thread()
+void TstMainWindow::log_takes_messages_from_any_thread()
 {
     const auto *log = m_window->findChild<QPlainTextEdit *>(QStringLiteral("LogView"));
     QVERIFY(log);
@@ -247,7 +247,7 @@ void TstMainWindow::the_title_bar_works_the_window()
     QVERIFY(!m_window->isVisible());
 }
 
-void TstMainWindow::a_cut_label_tells_its_text_as_it_is()
+void TstMainWindow::elided_label_shows_plain_text_in_its_tooltip()
 {
     Core::ElidedLabel label;
     label.setTextFormat(Qt::PlainText);

@@ -45,12 +45,12 @@ class TstModes : public QObject
 private slots:
     void sub_modes_stand_by_priority_and_once();
     void the_manager_keeps_which_sub_mode_is_visible();
-    void an_unknown_or_disabled_sub_mode_is_not_shown();
-    void removing_the_current_sub_mode_shows_the_first_remaining_one();
+    void unknown_or_disabled_sub_mode_is_not_shown();
+    void removing_the_current_sub_mode_shows_the_first();
     void removing_another_sub_mode_changes_nothing_shown();
     void the_first_top_level_mode_becomes_current();
-    void a_top_level_mode_gets_its_last_central_widget_back();
-    void only_a_registered_central_widget_can_be_made_active();
+    void top_level_mode_restores_its_last_central_widget();
+    void only_registered_central_widgets_can_be_activated();
     void removing_the_active_central_widget_leaves_none_active();
 };
 
@@ -86,7 +86,7 @@ void TstModes::the_manager_keeps_which_sub_mode_is_visible()
     QCOMPARE(changed.last().at(1).value<Id>(), Id("First"));
 }
 
-void TstModes::an_unknown_or_disabled_sub_mode_is_not_shown()
+void TstModes::unknown_or_disabled_sub_mode_is_not_shown()
 {
     NavigationBarModeManager manager;
     Mode first("First", 1), disabled("Disabled", 2);
@@ -99,7 +99,7 @@ void TstModes::an_unknown_or_disabled_sub_mode_is_not_shown()
     QCOMPARE(manager.currentModeId(), Id("First"));
 }
 
-void TstModes::removing_the_current_sub_mode_shows_the_first_remaining_one()
+void TstModes::removing_the_current_sub_mode_shows_the_first()
 {
     NavigationBarModeManager manager;
     Mode first("First", 1), second("Second", 2);
@@ -149,7 +149,7 @@ void TstModes::the_first_top_level_mode_becomes_current()
     QVERIFY(!ModeManager::currentMode().isValid());
 }
 
-void TstModes::a_top_level_mode_gets_its_last_central_widget_back()
+void TstModes::top_level_mode_restores_its_last_central_widget()
 {
     Mode home("Home", 1), settings("Settings", 9);
     ModeManager::addMode(&home);
@@ -170,7 +170,7 @@ void TstModes::a_top_level_mode_gets_its_last_central_widget_back()
     ModeManager::removeMode(&home);
 }
 
-void TstModes::only_a_registered_central_widget_can_be_made_active()
+void TstModes::only_registered_central_widgets_can_be_activated()
 {
     TestSupport::ExpectMessage warning(QtWarningMsg, QRegularExpression(QStringLiteral("no central widget")), 1);
     QVERIFY(!ModeManager::existCenterWidget("Page"));

@@ -15,13 +15,13 @@ private slots:
     void init();
 
     void metadata_is_read_without_making_a_plugin();
-    void plugins_come_up_after_those_they_need_and_go_down_before_them();
+    void plugins_initialize_after_and_shut_down_before_dependencies();
     void delayed_initialization_comes_from_the_event_loop();
-    void a_busy_plugin_delays_the_next_one_but_loses_none();
+    void busy_plugin_delays_the_next_initialization();
     void shutting_down_early_leaves_no_delayed_initialization();
     void a_missing_dependency_is_named_with_its_version();
-    void a_plugin_provides_the_versions_from_compatible_to_current_data();
-    void a_plugin_provides_the_versions_from_compatible_to_current();
+    void plugin_provides_versions_from_compatible_to_current_data();
+    void plugin_provides_versions_from_compatible_to_current();
     void a_circle_is_refused_and_shown();
     void a_plugin_that_needs_itself_is_refused();
     void broken_metadata_is_refused_data();
@@ -29,7 +29,7 @@ private slots:
     void a_file_that_is_no_plugin_is_refused();
     void a_plugin_of_another_program_is_refused();
     void the_second_plugin_of_a_name_is_refused();
-    void a_plugin_that_cannot_initialize_takes_only_its_dependents_along();
+    void failed_initialization_stops_only_dependents();
 
 private:
     /// Makes the directory of plugins consist of these fixtures.
@@ -71,7 +71,7 @@ void TstPluginManager::metadata_is_read_without_making_a_plugin()
     QCOMPARE(calls(), QStringList());
 }
 
-void TstPluginManager::plugins_come_up_after_those_they_need_and_go_down_before_them()
+void TstPluginManager::plugins_initialize_after_and_shut_down_before_dependencies()
 {
     have({QStringLiteral("alpha"), QStringLiteral("middle"), QStringLiteral("zeta")});
     PluginManager manager;
@@ -106,7 +106,7 @@ void TstPluginManager::delayed_initialization_comes_from_the_event_loop()
                           QStringLiteral("alpha.delayedInitialize")}));
 }
 
-void TstPluginManager::a_busy_plugin_delays_the_next_one_but_loses_none()
+void TstPluginManager::busy_plugin_delays_the_next_initialization()
 {
     have({QStringLiteral("busy"), QStringLiteral("zeta")});
     PluginManager manager;
@@ -151,7 +151,7 @@ void TstPluginManager::a_missing_dependency_is_named_with_its_version()
     QVERIFY(calls().filter(QStringLiteral("orphan")).isEmpty());
 }
 
-void TstPluginManager::a_plugin_provides_the_versions_from_compatible_to_current_data()
+void TstPluginManager::plugin_provides_versions_from_compatible_to_current_data()
 {
     QTest::addColumn<QString>("needed");
     QTest::addColumn<bool>("provided");
@@ -162,7 +162,7 @@ void TstPluginManager::a_plugin_provides_the_versions_from_compatible_to_current
     QTest::newRow("numbers, not letters, are compared") << "1.10.0" << false;
 }
 
-void TstPluginManager::a_plugin_provides_the_versions_from_compatible_to_current()
+void TstPluginManager::plugin_provides_versions_from_compatible_to_current()
 {
     QFETCH(QString, needed);
     QFETCH(bool, provided);
@@ -281,7 +281,7 @@ void TstPluginManager::the_second_plugin_of_a_name_is_refused()
     QCOMPARE(calls(QStringLiteral("initialize")), QStringList({QStringLiteral("namesake.initialize")}));
 }
 
-void TstPluginManager::a_plugin_that_cannot_initialize_takes_only_its_dependents_along()
+void TstPluginManager::failed_initialization_stops_only_dependents()
 {
     have({QStringLiteral("needs_refusing"), QStringLiteral("refusing"), QStringLiteral("zeta")});
     PluginManager manager;

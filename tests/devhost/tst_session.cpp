@@ -453,10 +453,12 @@ private slots:
                 synchronise(*device());
         });
         workers.emplace_back([this] {
-            for (int i = 0; i < 200; ++i)
-                for (const auto &reference : device()->getBKGs())
+            for (int i = 0; i < 200; ++i) {
+                for (const auto &reference : device()->getBKGs()) {
                     if (const auto background = reference.lock())
                         fetch(background);
+                }
+            }
         });
         workers.emplace_back([this] {
             for (int i = 0; i < 200; ++i)

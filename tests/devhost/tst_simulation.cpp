@@ -101,7 +101,7 @@ private slots:
 
     void a_fault_can_strike_at_every_call()
     {
-        Faults::instance()->arm(operation, Fault::cancel(Fault::EveryCall));
+        Faults::instance()->arm(operation, Fault::cancel(Fault::everyCall));
         QCOMPARE(beginOperation(operation), Outcome::Cancelled);
         QCOMPARE(beginOperation(operation), Outcome::Cancelled);
         Faults::instance()->clear();
@@ -359,9 +359,10 @@ private slots:
         std::vector<std::thread> workers;
         for (int i = 0; i < threads; ++i)
             workers.emplace_back([&failures] {
-                for (int call = 0; call < calls; ++call)
+                for (int call = 0; call < calls; ++call) {
                     if (beginOperation(operation) == Outcome::Failed)
                         ++failures;
+                }
             });
         for (std::thread &worker : workers)
             worker.join();

@@ -39,11 +39,13 @@ std::optional<Site> builtIn(const QString &name)
 QVector<SiteDevice> devicesOf(const Site &site, bool online, bool projectFiles)
 {
     QVector<SiteDevice> found;
-    for (const SiteDevice &device : site.devices)
-        for (const ModelDescription &model : site.models)
+    for (const SiteDevice &device : site.devices) {
+        for (const ModelDescription &model : site.models) {
             if (model.modelId == device.state.identity.modelId && model.supportProjectFile == projectFiles &&
                 device.online == online)
                 found.append(device);
+        }
+    }
     return found;
 }
 

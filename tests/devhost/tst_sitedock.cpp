@@ -71,7 +71,7 @@ private slots:
     void an_armed_fault_strikes()
     {
         find<QComboBox>("siteOperation")->setCurrentText(Operations::serailize);
-        find<QComboBox>("siteFault")->setCurrentIndex(find<QComboBox>("siteFault")->findData(Fault::Cancel));
+        find<QComboBox>("siteFault")->setCurrentIndex(find<QComboBox>("siteFault")->findData(int(Fault::Kind::Cancel)));
         find<QSpinBox>("siteCall")->setValue(2);
         QVERIFY(TestSupport::click(find<QPushButton>("siteArm")));
         QCOMPARE(Faults::instance()->armedCount(), 1);

@@ -409,11 +409,15 @@ using namespace FaultPoints;
 
 #define FAULT_POINT extern "C" __attribute__((visibility("default")))
 
-static mode_t modeOf(int flags, va_list arguments)
+namespace {
+
+mode_t modeOf(int flags, va_list arguments)
 {
     const bool makesFile = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
     return makesFile ? mode_t(va_arg(arguments, int)) : 0;
 }
+
+} // namespace
 
 // The bodies with a variable mode.
 #define OPEN_BODY(name)                                                                                                \

@@ -42,15 +42,15 @@ inline QString operationName(Operation operation)
     return QLatin1String(names[operation]);
 }
 
-static const QString onlineIp = QStringLiteral("10.0.0.11");
-static const QString offlineIp = QStringLiteral("10.0.0.13");
+inline const QString onlineIp = QStringLiteral("10.0.0.11");
+inline const QString offlineIp = QStringLiteral("10.0.0.13");
 /// The device from which the packages come; the site does not have it.
-static const QString sourceIp = QStringLiteral("10.0.0.77");
+inline const QString sourceIp = QStringLiteral("10.0.0.77");
 
 /// Longer than the new one, so that an edit also cuts the file.
-static const QString oldComment = QStringLiteral("before, in many more words");
-static const QString newComment = QStringLiteral("after");
-static const QByteArray oldDeviceFile = "the device's own";
+inline const QString oldComment = QStringLiteral("before, in many more words");
+inline const QString newComment = QStringLiteral("after");
+inline const QByteArray oldDeviceFile = "the device's own";
 
 using Files = QMap<QString, QByteArray>;
 
@@ -522,7 +522,7 @@ private:
         ProjectList list;
         list.scanProjectFiles(m_place.projects(), list.beginScan());
         QStringList listed;
-        for (const EngineerPacketInfo &info : list.projects)
+        for (const EngineerPacketInfo &info : list.listProjects)
             listed.append(info.strFilePath);
         for (const QString &folder : {m_place.projects(), m_place.stick() + '/'}) {
             for (const QString &name : contents(folder)) {

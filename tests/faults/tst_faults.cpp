@@ -1,6 +1,6 @@
 #include "operations.h"
 
-#include <durablefile.h>
+#include <filesystem.h>
 #include <support/testmain.h>
 
 #include <cerrno>
@@ -22,9 +22,9 @@ private slots:
     void each_package_is_whole_and_success_is_true_data();
     void each_package_is_whole_and_success_is_true();
     void an_edit_writes_behind_a_flushed_undo_record();
-    void without_an_exclusive_rename_copies_and_edits_work_too();
+    void copies_and_edits_work_without_exclusive_rename();
     void without_an_exclusive_rename_nothing_is_replaced();
-    void a_file_system_without_flushing_of_folders_is_no_failure();
+    void unsupported_folder_flush_is_no_failure();
 
 private:
     void verify(Operation operation, const Plan &plan, const Outcome &outcome);
@@ -179,7 +179,7 @@ void TstFaults::an_edit_writes_behind_a_flushed_undo_record()
     QCOMPARE(outcome.report.calls.at(FaultPoints::Remove), 1);
 }
 
-void TstFaults::without_an_exclusive_rename_copies_and_edits_work_too()
+void TstFaults::copies_and_edits_work_without_exclusive_rename()
 {
     for (const Operation operation : {Edit, SaveAs, Import}) {
         Plan plan;
@@ -205,7 +205,7 @@ void TstFaults::without_an_exclusive_rename_nothing_is_replaced()
     plan.error = EINVAL;
     for (const QString &to : {m_place.show(), link}) {
         FaultPoints::arm(m_place.all(), plan);
-        const bool renamed = ProjectFileCfg::Internal::DurableFile::renameToFreeName(from, to);
+        const bool renamed = ProjectFileCfg::Internal::FileSystem::renameToFreeName(from, to);
         QVERIFY(FaultPoints::disarm().struck);
         QVERIFY(!renamed);
         QVERIFY(QFile::exists(from));
@@ -213,7 +213,7 @@ void TstFaults::without_an_exclusive_rename_nothing_is_replaced()
     QVERIFY(QFileInfo(link).isSymLink());
 }
 
-void TstFaults::a_file_system_without_flushing_of_folders_is_no_failure()
+void TstFaults::unsupported_folder_flush_is_no_failure()
 {
     Plan plan;
     plan.kind = FaultPoints::Flush;

@@ -18,8 +18,8 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
 
-    void a_killed_process_leaves_whole_packages_data();
-    void a_killed_process_leaves_whole_packages();
+    void kill_leaves_complete_packages_data();
+    void kill_leaves_complete_packages();
 
 private:
     enum End { Killed, Succeeded, Failed };
@@ -75,14 +75,14 @@ void TstKills::cleanupTestCase()
     printPoints("kill", m_points);
 }
 
-void TstKills::a_killed_process_leaves_whole_packages_data()
+void TstKills::kill_leaves_complete_packages_data()
 {
     QTest::addColumn<int>("operation");
     for (int operation = 0; operation < OperationCount; ++operation)
         QTest::newRow(qPrintable(operationName(Operation(operation)))) << operation;
 }
 
-void TstKills::a_killed_process_leaves_whole_packages()
+void TstKills::kill_leaves_complete_packages()
 {
     QFETCH(int, operation);
     // Beyond any operation; here something must be wrong with this test.

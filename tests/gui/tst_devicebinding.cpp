@@ -122,7 +122,7 @@ private slots:
     void a_selection_no_longer_listed_binds_no_device();
     void an_unsupported_active_device_is_bound_but_unlisted();
     void showing_the_panel_refills_the_selector();
-    void refilling_never_counts_as_a_choice();
+    void refilling_is_not_a_selection();
     void refilling_cuts_every_connection_but_destroyed();
     void without_a_device_list_the_selector_stays_empty();
     void devices_that_are_null_are_passed_over();
@@ -337,7 +337,7 @@ void TstDeviceBinding::showing_the_panel_refills_the_selector()
     QCOMPARE(panel.selectedAddress(), mainHall);
 }
 
-void TstDeviceBinding::refilling_never_counts_as_a_choice()
+void TstDeviceBinding::refilling_is_not_a_selection()
 {
     // A choice gives the selector a tool tip.
     const TestSite site;

@@ -133,21 +133,21 @@ private slots:
     void comment_of_exactly_100_characters_is_kept_whole();
     void typing_the_101st_character_drops_exactly_that_one_data();
     void typing_the_101st_character_drops_exactly_that_one();
-    void pasting_30_at_the_start_of_90_keeps_the_first_10();
+    void pasting_30_before_90_keeps_the_first_10();
     void pasting_far_too_much_keeps_what_fits();
-    void setting_a_longer_comment_keeps_its_first_100_characters_data();
-    void setting_a_longer_comment_keeps_its_first_100_characters();
-    void an_emoji_that_does_not_fit_is_left_out_whole();
-    void an_emoji_put_before_a_full_comment_is_left_out_whole();
+    void setting_a_long_comment_keeps_100_characters_data();
+    void setting_a_long_comment_keeps_100_characters();
+    void emoji_that_does_not_fit_is_dropped_whole();
+    void emoji_before_a_full_comment_is_dropped_whole();
     void emoji_are_never_split_wherever_they_are_pasted();
-    void a_comment_cut_inside_an_emoji_loses_it_whole();
+    void truncating_inside_an_emoji_removes_it_whole();
     void the_field_can_be_edited_after_a_cut();
-    void a_comment_that_looks_like_html_stays_what_it_is();
+    void html_in_a_comment_stays_plain_text();
     void formatted_text_is_pasted_as_plain_text();
 
     void name_holds_64_bytes_of_whole_characters_data();
     void name_holds_64_bytes_of_whole_characters();
-    void ok_is_enabled_exactly_while_the_name_is_not_empty();
+    void ok_needs_a_name();
     void enter_confirms_only_while_ok_is_enabled();
 
     void ok_accepts_a_free_name();
@@ -155,9 +155,9 @@ private slots:
     void cancel_escape_and_close_reject_data();
     void cancel_escape_and_close_reject();
     void cancel_is_not_hindered_by_a_taken_name();
-    void the_name_of_another_project_is_refused_until_it_changes();
-    void the_old_name_is_accepted_although_its_file_exists_data();
-    void the_old_name_is_accepted_although_its_file_exists();
+    void name_of_another_project_is_refused();
+    void unchanged_name_is_accepted_although_its_file_exists_data();
+    void unchanged_name_is_accepted_although_its_file_exists();
     void existence_is_tested_with_the_name_as_typed();
 };
 
@@ -384,7 +384,7 @@ void TstEngineerPropertySettingWidget::typing_the_101st_character_drops_exactly_
     QCOMPARE(shown.countLabel()->text(), QStringLiteral("100/100"));
 }
 
-void TstEngineerPropertySettingWidget::pasting_30_at_the_start_of_90_keeps_the_first_10()
+void TstEngineerPropertySettingWidget::pasting_30_before_90_keeps_the_first_10()
 {
     const QString old(90, QLatin1Char('o'));
     ShownDialog shown(QStringLiteral("Project1"), old);
@@ -406,14 +406,14 @@ void TstEngineerPropertySettingWidget::pasting_far_too_much_keeps_what_fits()
     QCOMPARE(shown.caret(), 98);
 }
 
-void TstEngineerPropertySettingWidget::setting_a_longer_comment_keeps_its_first_100_characters_data()
+void TstEngineerPropertySettingWidget::setting_a_long_comment_keeps_100_characters_data()
 {
     QTest::addColumn<int>("length");
     for (const int length : {101, 150, 200, 201, 5000})
         QTest::addRow("%d", length) << length;
 }
 
-void TstEngineerPropertySettingWidget::setting_a_longer_comment_keeps_its_first_100_characters()
+void TstEngineerPropertySettingWidget::setting_a_long_comment_keeps_100_characters()
 {
     QFETCH(int, length);
     QString comment;
@@ -426,7 +426,7 @@ void TstEngineerPropertySettingWidget::setting_a_longer_comment_keeps_its_first_
     QCOMPARE(shown.countLabel()->text(), QStringLiteral("100/100"));
 }
 
-void TstEngineerPropertySettingWidget::an_emoji_that_does_not_fit_is_left_out_whole()
+void TstEngineerPropertySettingWidget::emoji_that_does_not_fit_is_dropped_whole()
 {
     const QString comment(99, QLatin1Char('c'));
     ShownDialog shown(QStringLiteral("Project1"), comment);
@@ -440,7 +440,7 @@ void TstEngineerPropertySettingWidget::an_emoji_that_does_not_fit_is_left_out_wh
     QCOMPARE(shown.countLabel()->text(), QStringLiteral("99/100"));
 }
 
-void TstEngineerPropertySettingWidget::an_emoji_put_before_a_full_comment_is_left_out_whole()
+void TstEngineerPropertySettingWidget::emoji_before_a_full_comment_is_dropped_whole()
 {
     // There is room for its first half.
     const QString comment(99, QLatin1Char('c'));
@@ -475,7 +475,7 @@ void TstEngineerPropertySettingWidget::emoji_are_never_split_wherever_they_are_p
     }
 }
 
-void TstEngineerPropertySettingWidget::a_comment_cut_inside_an_emoji_loses_it_whole()
+void TstEngineerPropertySettingWidget::truncating_inside_an_emoji_removes_it_whole()
 {
     const QString start(99, QLatin1Char('s'));
     ShownDialog shown(QStringLiteral("Project1"), start + emoji.repeated(20));
@@ -497,7 +497,7 @@ void TstEngineerPropertySettingWidget::the_field_can_be_edited_after_a_cut()
     QCOMPARE(shown.caret(), 100);
 }
 
-void TstEngineerPropertySettingWidget::a_comment_that_looks_like_html_stays_what_it_is()
+void TstEngineerPropertySettingWidget::html_in_a_comment_stays_plain_text()
 {
     const QString comment = QStringLiteral("<b>Keynote</b> &amp; <img src=\"x\"> <!-- 1 -->");
     ShownDialog shown(QStringLiteral("Project1"), comment);
@@ -556,7 +556,7 @@ void TstEngineerPropertySettingWidget::name_holds_64_bytes_of_whole_characters()
     QCOMPARE(typed.dialog.getProjectName(), longest);
 }
 
-void TstEngineerPropertySettingWidget::ok_is_enabled_exactly_while_the_name_is_not_empty()
+void TstEngineerPropertySettingWidget::ok_needs_a_name()
 {
     EngineerPropertySettingWidget fresh(nullptr, QString(), QString());
     fresh.show();
@@ -649,7 +649,7 @@ void TstEngineerPropertySettingWidget::cancel_is_not_hindered_by_a_taken_name()
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
 
-void TstEngineerPropertySettingWidget::the_name_of_another_project_is_refused_until_it_changes()
+void TstEngineerPropertySettingWidget::name_of_another_project_is_refused()
 {
     QVERIFY(makeProjectFile(QStringLiteral("Project2")));
     QVERIFY(makeProjectFile(QStringLiteral("Project3")));
@@ -675,14 +675,14 @@ void TstEngineerPropertySettingWidget::the_name_of_another_project_is_refused_un
     QCOMPARE(dialog.getProjectName(), QStringLiteral("Project3b"));
 }
 
-void TstEngineerPropertySettingWidget::the_old_name_is_accepted_although_its_file_exists_data()
+void TstEngineerPropertySettingWidget::unchanged_name_is_accepted_although_its_file_exists_data()
 {
     QTest::addColumn<QString>("confirmed");
     QTest::newRow("unchanged") << QStringLiteral("Project2");
     QTest::newRow("other letter case") << QStringLiteral("project2");
 }
 
-void TstEngineerPropertySettingWidget::the_old_name_is_accepted_although_its_file_exists()
+void TstEngineerPropertySettingWidget::unchanged_name_is_accepted_although_its_file_exists()
 {
     QFETCH(QString, confirmed);
     QVERIFY(makeProjectFile(QStringLiteral("Project2")));

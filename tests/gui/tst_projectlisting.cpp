@@ -69,10 +69,10 @@ private slots:
     void a_copied_file_is_listed_by_its_time();
     void a_deleted_file_leaves_the_list();
     void files_are_listed_newest_first();
-    void what_is_no_valid_package_is_never_listed_data();
-    void what_is_no_valid_package_is_never_listed();
+    void invalid_packages_are_never_listed_data();
+    void invalid_packages_are_never_listed();
     void a_failed_mkdir_leaves_list_and_table_alone();
-    void a_start_without_a_possible_directory_lists_nothing();
+    void uncreatable_directory_lists_nothing();
     void an_edit_outside_without_renaming_keeps_the_comment();
     void a_renamed_package_is_read_again();
     void building_the_panel_waits_for_no_scan();
@@ -173,7 +173,7 @@ void TstProjectListing::files_are_listed_newest_first()
     QCOMPARE(panel.names(), expected);
 }
 
-void TstProjectListing::what_is_no_valid_package_is_never_listed_data()
+void TstProjectListing::invalid_packages_are_never_listed_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("bytes");
@@ -183,14 +183,15 @@ void TstProjectListing::what_is_no_valid_package_is_never_listed_data()
     QTest::newRow("empty") << "bad.corvelpro" << QByteArray();
     QTest::newRow("cut") << "bad.corvelpro" << good.left(good.size() - 60);
     QTest::newRow("without record") << "bad.corvelpro" << package().build();
-    QTest::newRow("two keys") << "bad.corvelpro" << package().comment("{\"Checksum\":\"x\",\"comment\":\"\"}").build();
+    QTest::newRow("two keys") << "bad.corvelpro"
+                              << package().archiveComment("{\"Checksum\":\"x\",\"comment\":\"\"}").build();
     QTest::newRow("other checksum") << "bad.corvelpro"
                                     << package().recordWithChecksum(QString(32, QLatin1Char('0')), one, one).build();
     QTest::newRow("other extension") << "good.zip" << good;
     QTest::newRow("extension in the middle") << "good.corvelpro.bak" << good;
 }
 
-void TstProjectListing::what_is_no_valid_package_is_never_listed()
+void TstProjectListing::invalid_packages_are_never_listed()
 {
     QFETCH(QString, name);
     QFETCH(QByteArray, bytes);
@@ -227,7 +228,7 @@ void TstProjectListing::a_failed_mkdir_leaves_list_and_table_alone()
     QVERIFY(inItsPlace.remove());
 }
 
-void TstProjectListing::a_start_without_a_possible_directory_lists_nothing()
+void TstProjectListing::uncreatable_directory_lists_nothing()
 {
     const TestSite site;
     QDir velmora(QDir::cleanPath(projectFilesPath() + QStringLiteral("../..")));

@@ -15,7 +15,11 @@ using Simulation::Faults;
 using Simulation::HardwareState;
 using Simulation::Journal;
 
-static const QString syncText = QStringLiteral("Sync device data , please wait.");
+namespace {
+
+const QString syncText = QStringLiteral("Sync device data , please wait.");
+
+} // namespace
 
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
 

@@ -25,9 +25,13 @@ using Simulation::Fault;
 using Simulation::Faults;
 using Simulation::HardwareState;
 
-static const QString onlineIp = QStringLiteral("10.0.0.11");
-static const QString offlineIp = QStringLiteral("10.0.0.12");
-static const QString sourceIp = QStringLiteral("10.0.0.77");
+namespace {
+
+const QString onlineIp = QStringLiteral("10.0.0.11");
+const QString offlineIp = QStringLiteral("10.0.0.12");
+const QString sourceIp = QStringLiteral("10.0.0.77");
+
+} // namespace
 
 using SaveStep = std::function<void(CustomSite &site, EngineerDocBackup &job)>;
 using PackageStep = std::function<void(PackageBuilder &package)>;
@@ -149,7 +153,7 @@ void TstFailureLog::a_refused_apply_leaves_one_line_data()
     row("no device", "10.0.0.99", LoadGetDeviceFailed, "there is no device 10.0.0.99", none);
     row("a wrong checksum", onlineIp, LoadSuccess, "its record says",
         [](PackageBuilder &package) { package.recordWithChecksum("0", "show", "x"); });
-    row("no record", onlineIp, LoadSuccess, "no info record", [](PackageBuilder &package) { package.comment("x"); });
+    row("no record", onlineIp, LoadSuccess, "no info record", [](PackageBuilder &package) { package.archiveComment("x"); });
     row("no description", onlineIp, LoadJsonFileError, "no device description",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.txt", "x"); });
     row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or no JSON",

@@ -243,20 +243,20 @@ private slots:
     void cleanup();
     void cleanupTestCase();
 
-    void the_table_and_the_recipe_name_the_same_packages();
+    void table_and_recipe_name_the_same_packages();
     void the_honest_package_is_applied_to_both_devices();
-    void an_operation_ends_as_the_table_says_data();
-    void an_operation_ends_as_the_table_says();
-    void an_online_device_gets_all_or_stays_what_it_was_data();
-    void an_online_device_gets_all_or_stays_what_it_was();
-    void the_first_of_two_names_of_one_path_counts_data();
-    void the_first_of_two_names_of_one_path_counts();
-    void names_that_are_no_utf8_stay_apart();
+    void operation_ends_as_the_table_says_data();
+    void operation_ends_as_the_table_says();
+    void online_device_gets_everything_or_stays_unchanged_data();
+    void online_device_gets_everything_or_stays_unchanged();
+    void first_of_two_aliased_names_counts_data();
+    void first_of_two_aliased_names_counts();
+    void non_utf8_names_stay_distinct();
     void after_many_packages_the_device_can_be_saved();
     void too_many_entries_together_are_refused_before_writing();
-    void what_is_no_file_is_refused_data();
-    void what_is_no_file_is_refused();
-    void the_panel_imports_and_lists_what_the_table_says();
+    void special_files_are_refused_data();
+    void special_files_are_refused();
+    void panel_imports_and_lists_by_the_table();
 
 private:
     /// A fresh site and, in a folder of its own, the package. Below the test's home lies nothing else that may change.
@@ -343,7 +343,7 @@ QString TstHostilePackages::list() const
 {
     ProjectList list;
     list.scanProjectFiles(QFileInfo(m_package).path(), list.beginScan());
-    return yesNo(list.projects.size() == 1 && list.projects.first().strFilePath == m_package);
+    return yesNo(list.listProjects.size() == 1 && list.listProjects.first().strFilePath == m_package);
 }
 
 /// As the panel does it; the new record must be the package's and all else what it was.
@@ -425,7 +425,7 @@ QStringList TstHostilePackages::mayChange(const QString &operation) const
 
 // ---------------------------------------------------------------------------------------------------------------------
 
-void TstHostilePackages::the_table_and_the_recipe_name_the_same_packages()
+void TstHostilePackages::table_and_recipe_name_the_same_packages()
 {
     QVector<QByteArray> inTable;
     for (const auto &row : readTable())
@@ -450,7 +450,7 @@ void TstHostilePackages::the_honest_package_is_applied_to_both_devices()
     QVERIFY(QFile::exists(m_site->devicePath(offlineIp) + QStringLiteral("/LOGO/LOGO_2.png")));
 }
 
-void TstHostilePackages::an_operation_ends_as_the_table_says_data()
+void TstHostilePackages::operation_ends_as_the_table_says_data()
 {
     QTest::addColumn<int>("package");
     QTest::addColumn<QString>("operation");
@@ -474,7 +474,7 @@ void TstHostilePackages::an_operation_ends_as_the_table_says_data()
     }
 }
 
-void TstHostilePackages::an_operation_ends_as_the_table_says()
+void TstHostilePackages::operation_ends_as_the_table_says()
 {
     QFETCH(int, package);
     QFETCH(QString, operation);
@@ -511,7 +511,7 @@ void TstHostilePackages::an_operation_ends_as_the_table_says()
                  QStringLiteral("0"));
 }
 
-void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was_data()
+void TstHostilePackages::online_device_gets_everything_or_stays_unchanged_data()
 {
     QTest::addColumn<int>("package");
     QTest::addColumn<QString>("outcome");
@@ -525,7 +525,7 @@ void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was_data()
 }
 
 /// By the panel, which resets the device in between.
-void TstHostilePackages::an_online_device_gets_all_or_stays_what_it_was()
+void TstHostilePackages::online_device_gets_everything_or_stays_unchanged()
 {
     QFETCH(int, package);
     QFETCH(QString, outcome);
@@ -604,7 +604,7 @@ QString TstHostilePackages::save() const
     return QString::number(job.resultCode());
 }
 
-void TstHostilePackages::the_first_of_two_names_of_one_path_counts_data()
+void TstHostilePackages::first_of_two_aliased_names_counts_data()
 {
     QTest::addColumn<QByteArray>("package");
     for (const HostilePackage &package : qAsConst(m_packages)) {
@@ -613,7 +613,7 @@ void TstHostilePackages::the_first_of_two_names_of_one_path_counts_data()
     }
 }
 
-void TstHostilePackages::the_first_of_two_names_of_one_path_counts()
+void TstHostilePackages::first_of_two_aliased_names_counts()
 {
     QFETCH(QByteArray, package);
     setUp(named(package));
@@ -625,7 +625,7 @@ void TstHostilePackages::the_first_of_two_names_of_one_path_counts()
         QCOMPARE((*m_site)->hardware(onlineIp)->state().backgrounds.value(1).pixels.size(), QSize(16, 9));
 }
 
-void TstHostilePackages::names_that_are_no_utf8_stay_apart()
+void TstHostilePackages::non_utf8_names_stay_distinct()
 {
     setUp(named("names_that_are_no_utf8_decode_alike"));
     QCOMPARE(apply(m_package, offlineIp), QStringLiteral("0"));
@@ -692,7 +692,7 @@ void TstHostilePackages::too_many_entries_together_are_refused_before_writing()
     QCOMPARE(save(), QStringLiteral("0"));
 }
 
-void TstHostilePackages::what_is_no_file_is_refused_data()
+void TstHostilePackages::special_files_are_refused_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<bool>("throughLink");
@@ -703,7 +703,7 @@ void TstHostilePackages::what_is_no_file_is_refused_data()
     }
 }
 
-void TstHostilePackages::what_is_no_file_is_refused()
+void TstHostilePackages::special_files_are_refused()
 {
     QFETCH(QString, kind);
     QFETCH(bool, throughLink);
@@ -740,7 +740,7 @@ void TstHostilePackages::what_is_no_file_is_refused()
     QVERIFY2(changes.isEmpty(), qPrintable(changes));
 }
 
-void TstHostilePackages::the_panel_imports_and_lists_what_the_table_says()
+void TstHostilePackages::panel_imports_and_lists_by_the_table()
 {
     const LibraryNoise noise;
     // Those that a scan, a table or a box could stumble over.

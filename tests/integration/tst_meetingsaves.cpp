@@ -1,5 +1,5 @@
-#include <durablefile.h>
 #include <engineerdocbackup.h>
+#include <filesystem.h>
 #include <unit/packagetesting.h>
 #include <zippackagehandle.h>
 
@@ -61,9 +61,9 @@ private slots:
     void init();
     void cleanup() { m_site.reset(); }
 
-    void of_two_saves_under_one_name_one_succeeds_data();
-    void of_two_saves_under_one_name_one_succeeds();
-    void a_renaming_and_a_save_lose_no_package();
+    void one_of_two_saves_under_one_name_succeeds_data();
+    void one_of_two_saves_under_one_name_succeeds();
+    void rename_and_save_lose_no_package();
     void two_saves_of_one_device_lack_nothing();
 
 private:
@@ -79,14 +79,14 @@ void TstMeetingSaves::init()
     m_projects = m_site->path("projects/");
 }
 
-void TstMeetingSaves::of_two_saves_under_one_name_one_succeeds_data()
+void TstMeetingSaves::one_of_two_saves_under_one_name_succeeds_data()
 {
     QTest::addColumn<bool>("isTaken");
     QTest::newRow("new name") << false;
     QTest::newRow("over a package") << true;
 }
 
-void TstMeetingSaves::of_two_saves_under_one_name_one_succeeds()
+void TstMeetingSaves::one_of_two_saves_under_one_name_succeeds()
 {
     QFETCH(bool, isTaken);
     for (int round = 0; round < rounds; ++round) {
@@ -112,7 +112,7 @@ void TstMeetingSaves::of_two_saves_under_one_name_one_succeeds()
     }
 }
 
-void TstMeetingSaves::a_renaming_and_a_save_lose_no_package()
+void TstMeetingSaves::rename_and_save_lose_no_package()
 {
     QVERIFY(Save(m_site->touringRack, m_projects, "Pattern", "renamed").succeeded());
     const QByteArray pattern = readFile(packagePath("Pattern"));
@@ -128,7 +128,7 @@ void TstMeetingSaves::a_renaming_and_a_save_lose_no_package()
                                 Fault::run([&] { isTime.release(); }, qMax(1, moment)));
         Save saving(m_site->touringRack, m_projects, "Show", "saved");
         isTime.acquire();
-        const bool isRenamed = DurableFile::renameDurably(packagePath("Old name"), packagePath());
+        const bool isRenamed = FileSystem::renameDurably(packagePath("Old name"), packagePath());
         QVERIFY(saving.endedOrderly());
         QVERIFY(saving.succeeded() != isRenamed);
         QVERIFY(readFile(isRenamed ? packagePath() : packagePath("Old name")) == pattern);

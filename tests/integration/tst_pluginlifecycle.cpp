@@ -38,8 +38,12 @@ using Simulation::Faults;
 using Simulation::Journal;
 using Simulation::JournalEntry;
 
-static const char subMode[] = "ProjectFileCfg";
-static const char panelId[] = "ProjectFileCfg.Central";
+namespace {
+
+constexpr char subMode[] = "ProjectFileCfg";
+constexpr char panelId[] = "ProjectFileCfg.Central";
+
+} // namespace
 
 /// The plugin as it is shipped: found by its metadata, loaded and driven by the host's plugin manager.
 class TstPluginLifecycle : public QObject
@@ -60,7 +64,7 @@ private slots:
     void delayed_work_is_said_to_be_done();
     void file_names_are_utf8_from_the_start();
     void a_missing_translation_is_one_warning();
-    void its_texts_come_from_the_translation_directory();
+    void texts_come_from_the_translation_directory();
 
     void never_shown_it_touches_no_center_widget();
     void the_panel_is_created_after_the_mode_change();
@@ -86,7 +90,7 @@ private slots:
     void shutting_down_while_the_panel_is_shown();
     void shutting_down_during_a_backup();
     void shutting_down_during_a_scan();
-    void it_can_be_loaded_again();
+    void plugin_can_be_loaded_again();
 
 private:
     void start();
@@ -301,7 +305,7 @@ void TstPluginLifecycle::a_missing_translation_is_one_warning()
     QCOMPARE(m_manager->plugin("projectfilecfg")->state(), PluginSpec::Running);
 }
 
-void TstPluginLifecycle::its_texts_come_from_the_translation_directory()
+void TstPluginLifecycle::texts_come_from_the_translation_directory()
 {
     Core::HostSettings settings = Core::hostSettings();
     settings.language = QStringLiteral("zh_CN");
@@ -647,7 +651,7 @@ void TstPluginLifecycle::shutting_down_during_a_scan()
     QCoreApplication::processEvents();
 }
 
-void TstPluginLifecycle::it_can_be_loaded_again()
+void TstPluginLifecycle::plugin_can_be_loaded_again()
 {
     start();
     showSubMode(subMode);

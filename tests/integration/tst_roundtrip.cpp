@@ -16,12 +16,12 @@ using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
 using Simulation::HardwareState;
 
-static const QString sourceIp = QStringLiteral("10.0.0.11");
-static const QString targetIp = QStringLiteral("10.0.0.12");
-
-static const int deviceCount = 208;
-
 namespace {
+
+const QString sourceIp = QStringLiteral("10.0.0.11");
+const QString targetIp = QStringLiteral("10.0.0.12");
+
+constexpr int deviceCount = 208;
 
 enum Route { SameDevice, SecondDevice, OnlineToOffline, OfflineToOffline, RouteCount };
 

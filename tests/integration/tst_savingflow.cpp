@@ -28,11 +28,15 @@ using Simulation::HardwareState;
 using Simulation::Journal;
 using Simulation::JournalEntry;
 
+namespace {
+
 /// As calls() writes it.
-static QString called(QLatin1String operation, const QString &arguments)
+QString called(QLatin1String operation, const QString &arguments)
 {
     return operation + QLatin1Char(' ') + arguments;
 }
+
+} // namespace
 
 /// Saving a project with the real panel, from the press to the package in the list, and what keeps a save from
 /// starting.

@@ -68,23 +68,27 @@ class TstTranslations : public QObject
     Q_OBJECT
 
 private slots:
-    void every_text_of_the_sources_has_its_translation_and_nothing_else_has_one_data();
-    void every_text_of_the_sources_has_its_translation_and_nothing_else_has_one();
-    void a_translation_takes_the_same_values_as_its_source_data() { fileRows(); }
-    void a_translation_takes_the_same_values_as_its_source();
+    void translations_match_the_source_texts_exactly_data();
+    void translations_match_the_source_texts_exactly();
+    void translation_has_the_placeholders_of_its_source_data() { fileRows(); }
+    void translation_has_the_placeholders_of_its_source();
     void english_texts_are_those_of_the_sources();
 
 private:
     static void fileRows();
 };
 
-static const QString product = QStringLiteral(SOURCE_DIRECTORY "/src/plugins/projectfilecfg");
-static const QString host = QStringLiteral(SOURCE_DIRECTORY "/devhost");
-static const QString productEnglish = product + QStringLiteral("/translations/projectfilecfg_en.ts");
-static const QString productChinese = product + QStringLiteral("/translations/projectfilecfg_zh_CN.ts");
-static const QString hostChinese = host + QStringLiteral("/app/translations/devhost_zh_CN.ts");
+namespace {
 
-void TstTranslations::every_text_of_the_sources_has_its_translation_and_nothing_else_has_one_data()
+const QString product = QStringLiteral(SOURCE_DIRECTORY "/src/plugins/projectfilecfg");
+const QString host = QStringLiteral(SOURCE_DIRECTORY "/devhost");
+const QString productEnglish = product + QStringLiteral("/translations/projectfilecfg_en.ts");
+const QString productChinese = product + QStringLiteral("/translations/projectfilecfg_zh_CN.ts");
+const QString hostChinese = host + QStringLiteral("/app/translations/devhost_zh_CN.ts");
+
+} // namespace
+
+void TstTranslations::translations_match_the_source_texts_exactly_data()
 {
     QTest::addColumn<QString>("sources");
     QTest::addColumn<QString>("translations");
@@ -93,7 +97,7 @@ void TstTranslations::every_text_of_the_sources_has_its_translation_and_nothing_
     QTest::newRow("host, Chinese") << host << hostChinese;
 }
 
-void TstTranslations::every_text_of_the_sources_has_its_translation_and_nothing_else_has_one()
+void TstTranslations::translations_match_the_source_texts_exactly()
 {
     QFETCH(QString, sources);
     QFETCH(QString, translations);
@@ -129,7 +133,7 @@ void TstTranslations::fileRows()
     QTest::newRow("host") << hostChinese;
 }
 
-void TstTranslations::a_translation_takes_the_same_values_as_its_source()
+void TstTranslations::translation_has_the_placeholders_of_its_source()
 {
     QFETCH(QString, translations);
     const QVector<Text> texts = readTexts(translations);

@@ -24,11 +24,11 @@ using HX::ExtensionSystem::PluginManager;
 using Simulation::HardwareState;
 using Simulation::Journal;
 
-/// Where the two programs meet, as if it were a USB disk: nothing else is known to both.
-static const char exchangeVariable[] = "EXCHANGE_DIRECTORY";
-static const QString projectName = QString::fromUtf8("Evening show 晚会");
-
 namespace {
+
+/// Where the two programs meet, as if it were a USB disk: nothing else is known to both.
+constexpr char exchangeVariable[] = "EXCHANGE_DIRECTORY";
+const QString projectName = QString::fromUtf8("Evening show 晚会");
 
 QString inExchange(const QString &name)
 {

@@ -357,8 +357,8 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void what_a_save_reports_as_saved_is_listed_and_read_by_others_and_stays_so_while_edited_data();
-    void what_a_save_reports_as_saved_is_listed_and_read_by_others_and_stays_so_while_edited();
+    void saved_packages_stay_listed_and_readable_when_edited_data();
+    void saved_packages_stay_listed_and_readable_when_edited();
     void cleanupTestCase();
 
 private:
@@ -502,12 +502,12 @@ QString TstVerifiedSaves::misread() const
     ProjectList list;
     list.scanProjectFiles(m_projects, list.beginScan());
     QMap<QString, EngineerPacketInfo> listed;
-    for (const EngineerPacketInfo &info : qAsConst(list.projects))
+    for (const EngineerPacketInfo &info : qAsConst(list.listProjects))
         listed.insert(info.strFilePath, info);
     QString all;
-    if (list.projects.size() != m_saved.size())
+    if (list.listProjects.size() != m_saved.size())
         all += QStringLiteral("%1 are listed, %2 were saved\n")
-                   .arg(QString::number(list.projects.size()), QString::number(m_saved.size()));
+                   .arg(QString::number(list.listProjects.size()), QString::number(m_saved.size()));
     for (const Saved &project : m_saved) {
         const EngineerPacketInfo info = listed.value(project.path);
         EngineerPacketInfo record;
@@ -537,7 +537,7 @@ QString TstVerifiedSaves::notExtracted() const
     return all;
 }
 
-void TstVerifiedSaves::what_a_save_reports_as_saved_is_listed_and_read_by_others_and_stays_so_while_edited_data()
+void TstVerifiedSaves::saved_packages_stay_listed_and_readable_when_edited_data()
 {
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("count");
@@ -551,7 +551,7 @@ void TstVerifiedSaves::what_a_save_reports_as_saved_is_listed_and_read_by_others
     }
 }
 
-void TstVerifiedSaves::what_a_save_reports_as_saved_is_listed_and_read_by_others_and_stays_so_while_edited()
+void TstVerifiedSaves::saved_packages_stay_listed_and_readable_when_edited()
 {
     QFETCH(int, first);
     QFETCH(int, count);

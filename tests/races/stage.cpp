@@ -26,16 +26,20 @@ const QString richIp = QStringLiteral("10.0.0.11");
 const QString plainIp = QStringLiteral("10.0.0.12");
 const QString offlineIp = QStringLiteral("10.0.0.13");
 const QString foreignIp = QStringLiteral("10.0.0.14");
-/// In no site at first.
-static const QString addedIp = QStringLiteral("10.0.0.15");
-/// The device from which packages come that somebody else has made.
-static const QString elsewhereIp = QStringLiteral("10.0.0.78");
+namespace {
 
-static const QStringList allIps{richIp, plainIp, offlineIp, foreignIp};
-static const char backupClass[] = "ProjectFileCfg::Internal::EngineerDocBackup";
-static const char loadClass[] = "ProjectFileCfg::Internal::EngineerDocLoad";
-static const char panelClass[] = "ProjectFileCfg::Internal::EngineerDocOperWidget";
-static const char watcherClass[] = "QFutureWatcherBase";
+/// In no site at first.
+const QString addedIp = QStringLiteral("10.0.0.15");
+/// The device from which packages come that somebody else has made.
+const QString elsewhereIp = QStringLiteral("10.0.0.78");
+
+const QStringList allIps{richIp, plainIp, offlineIp, foreignIp};
+constexpr char backupClass[] = "ProjectFileCfg::Internal::EngineerDocBackup";
+constexpr char loadClass[] = "ProjectFileCfg::Internal::EngineerDocLoad";
+constexpr char panelClass[] = "ProjectFileCfg::Internal::EngineerDocOperWidget";
+constexpr char watcherClass[] = "QFutureWatcherBase";
+
+} // namespace
 
 QString nameOf(Operation operation)
 {
@@ -98,14 +102,16 @@ Simulation::HardwareState replacementDevice()
 // ---------------------------------------------------------------------------------------------------------------------
 // Packages, looked at from outside
 
-static QByteArray contentOf(const QString &path)
+namespace {
+
+QByteArray contentOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /// Where the archive's end record begins, whose comment must reach to the end of the file; -1 when there is none.
-static int endRecord(const QByteArray &bytes)
+int endRecord(const QByteArray &bytes)
 {
     constexpr int size = 22;
     for (int at = bytes.size() - size; at >= 0; --at) {
@@ -114,6 +120,8 @@ static int endRecord(const QByteArray &bytes)
     }
     return -1;
 }
+
+} // namespace
 
 bool isValidPackage(const QString &path)
 {

@@ -8,8 +8,12 @@ using namespace Races;
 using namespace TestSupport;
 using Simulation::HardwareState;
 
-static const QString packageName = QStringLiteral("show");
-static const QString savedName = QStringLiteral("saved");
+namespace {
+
+const QString packageName = QStringLiteral("show");
+const QString savedName = QStringLiteral("saved");
+
+} // namespace
 
 /// Each disturbance at each point of each operation.
 ///
@@ -19,10 +23,10 @@ class TstDisturbances : public QObject
     Q_OBJECT
 
 private slots:
-    void an_operation_that_is_disturbed_leaves_everything_in_order_data();
-    void an_operation_that_is_disturbed_leaves_everything_in_order();
-    void pool_work_that_is_disturbed_leaves_everything_in_order_data();
-    void pool_work_that_is_disturbed_leaves_everything_in_order();
+    void disturbed_operation_keeps_the_invariants_data();
+    void disturbed_operation_keeps_the_invariants();
+    void disturbed_pool_work_keeps_the_invariants_data();
+    void disturbed_pool_work_keeps_the_invariants();
 
 private:
     bool disturb(Operation operation, const QString &ip, Disturbance disturbance, int point);
@@ -31,7 +35,7 @@ private:
 /// Of work in the thread pool.
 enum Moment { BeforeItBegins, InTheMiddle, OverButNotYetTold, MomentCount };
 
-void TstDisturbances::an_operation_that_is_disturbed_leaves_everything_in_order_data()
+void TstDisturbances::disturbed_operation_keeps_the_invariants_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<QString>("ip");
@@ -137,7 +141,7 @@ bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbanc
     return isDisturbed;
 }
 
-void TstDisturbances::an_operation_that_is_disturbed_leaves_everything_in_order()
+void TstDisturbances::disturbed_operation_keeps_the_invariants()
 {
     QFETCH(int, operation);
     QFETCH(QString, ip);
@@ -148,7 +152,7 @@ void TstDisturbances::an_operation_that_is_disturbed_leaves_everything_in_order(
         point += distance;
 }
 
-void TstDisturbances::pool_work_that_is_disturbed_leaves_everything_in_order_data()
+void TstDisturbances::disturbed_pool_work_keeps_the_invariants_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<int>("moment");
@@ -164,7 +168,7 @@ void TstDisturbances::pool_work_that_is_disturbed_leaves_everything_in_order_dat
     }
 }
 
-void TstDisturbances::pool_work_that_is_disturbed_leaves_everything_in_order()
+void TstDisturbances::disturbed_pool_work_keeps_the_invariants()
 {
     QFETCH(int, operation);
     QFETCH(int, moment);
@@ -193,11 +197,10 @@ void TstDisturbances::pool_work_that_is_disturbed_leaves_everything_in_order()
     }
     std::optional<HeldThreadPool> heldPool;
     std::optional<HeldFile> heldFile;
-    if (moment == BeforeItBegins) {
+    if (moment == BeforeItBegins)
         heldPool.emplace();
-    } else if (moment == InTheMiddle) {
+    else if (moment == InTheMiddle)
         heldFile.emplace(heldPath);
-    }
 
     bool isDisturbed = false;
     const auto disturbNow = [&] {

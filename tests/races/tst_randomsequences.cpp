@@ -17,7 +17,7 @@ class TstRandomSequences : public QObject
     Q_OBJECT
 
 private slots:
-    void whatever_happens_leaves_everything_in_order();
+    void random_sequences_keep_the_invariants();
 };
 
 namespace {
@@ -194,7 +194,7 @@ quint32 numberFrom(const char *variable, quint32 otherwise)
 
 } // namespace
 
-void TstRandomSequences::whatever_happens_leaves_everything_in_order()
+void TstRandomSequences::random_sequences_keep_the_invariants()
 {
     const quint32 first = numberFrom("RANDOM_SEED", 1);
     const quint32 count = numberFrom("RANDOM_SEQUENCES", 20);

@@ -16,13 +16,13 @@ class TstSynchronisation : public QObject
     Q_OBJECT
 
 private slots:
-    void results_of_a_thread_are_seen_when_it_has_finished();
-    void a_thread_that_was_waited_for_touches_its_object_no_more();
+    void thread_results_are_visible_after_finished();
+    void joined_thread_no_longer_touches_its_object();
     void signals_carry_strings_across_threads();
     void posted_calls_see_what_was_done_before();
     void contended_mutexes_order_what_they_guard();
     void semaphores_order_what_was_done_before_a_release();
-    void results_of_pool_work_are_seen_by_its_watcher();
+    void pool_results_are_visible_to_their_watcher();
 };
 
 namespace {
@@ -50,7 +50,7 @@ protected:
 
 } // namespace
 
-void TstSynchronisation::results_of_a_thread_are_seen_when_it_has_finished()
+void TstSynchronisation::thread_results_are_visible_after_finished()
 {
     for (int round = 0; round < 50; ++round) {
         Job job;
@@ -62,7 +62,7 @@ void TstSynchronisation::results_of_a_thread_are_seen_when_it_has_finished()
     }
 }
 
-void TstSynchronisation::a_thread_that_was_waited_for_touches_its_object_no_more()
+void TstSynchronisation::joined_thread_no_longer_touches_its_object()
 {
     // Each job is made where the one before it was.
     for (int round = 0; round < 200; ++round) {
@@ -152,7 +152,7 @@ void TstSynchronisation::semaphores_order_what_was_done_before_a_release()
     }
 }
 
-void TstSynchronisation::results_of_pool_work_are_seen_by_its_watcher()
+void TstSynchronisation::pool_results_are_visible_to_their_watcher()
 {
     for (int round = 0; round < 50; ++round) {
         QStringList input{QStringLiteral("a"), QString::number(round)};

@@ -4,7 +4,9 @@
 
 namespace TestSupport {
 
-static QString withMark(const QStringList &sequence, int at)
+namespace {
+
+QString withMark(const QStringList &sequence, int at)
 {
     QStringList lines;
     for (int i = qMax(0, at - 3); i < qMin(sequence.size(), at + 3); ++i)
@@ -15,6 +17,8 @@ static QString withMark(const QStringList &sequence, int at)
         lines.append(QStringLiteral("  -> (end, %1 in all)").arg(sequence.size()));
     return lines.join(QLatin1Char('\n'));
 }
+
+} // namespace
 
 QString sequenceDifference(const QStringList &actual, const QStringList &expected)
 {

@@ -31,7 +31,7 @@ QByteArray rawDeflate(const QByteArray &bytes)
     return wrapped.mid(6, wrapped.size() - 10);
 }
 
-const quint16 utf8NamesFlag = 1 << 11;
+constexpr quint16 utf8NamesFlag = 1 << 11;
 // Half past one on the second of January 2020, so that archives are the same on every run.
 const quint16 dosTime = (13 << 11) | (30 << 5);
 const quint16 dosDate = ((2020 - 1980) << 9) | (1 << 5) | 2;
@@ -92,7 +92,7 @@ PackageBuilder &PackageBuilder::claimVersionNeeded(quint16 version)
     return *this;
 }
 
-PackageBuilder &PackageBuilder::comment(const QByteArray &bytes)
+PackageBuilder &PackageBuilder::archiveComment(const QByteArray &bytes)
 {
     Q_ASSERT(bytes.size() <= 0xffff);
     m_comment = bytes;
@@ -108,7 +108,7 @@ PackageBuilder &PackageBuilder::record(const QString &projectName, const QString
 PackageBuilder &PackageBuilder::recordWithChecksum(const QString &checksum, const QString &projectName,
                                                    const QString &projectComment)
 {
-    return comment(infoRecord(checksum, projectName, projectComment));
+    return archiveComment(infoRecord(checksum, projectName, projectComment));
 }
 
 PackageBuilder &PackageBuilder::trailingBytes(const QByteArray &bytes)

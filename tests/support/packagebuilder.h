@@ -30,7 +30,7 @@ public:
     PackageBuilder &claimVersionNeeded(quint16 version);
 
     /// The archive comment, any bytes up to 65,535.
-    PackageBuilder &comment(const QByteArray &bytes);
+    PackageBuilder &archiveComment(const QByteArray &bytes);
     /// An info record as comment, with the archive's checksum.
     PackageBuilder &record(const QString &projectName, const QString &projectComment);
     /// The same with a checksum of the test's choice.

@@ -60,9 +60,8 @@ inline QStringList contents(const QString &dir)
     QStringList paths;
     QDirIterator walk(dir, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                       QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
+    while (walk.hasNext())
         paths.append(QDir(dir).relativeFilePath(walk.next()));
-    }
     paths.sort();
     return paths;
 }
@@ -80,9 +79,8 @@ inline Run run(const QString &program, const QStringList &arguments, const QStri
     process.setWorkingDirectory(workingDirectory);
     process.start(program, arguments);
     Run result;
-    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit) {
+    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
         result.exitCode = process.exitCode();
-    }
     result.output = process.readAllStandardOutput();
     result.errors = process.readAllStandardError();
     return result;
@@ -148,15 +146,13 @@ public:
         : m_wasRoot(getuid() == 0)
     {
         constexpr uid_t nobody = 65534;
-        if (m_wasRoot && setresuid(nobody, nobody, 0) != 0) {
+        if (m_wasRoot && setresuid(nobody, nobody, 0) != 0)
             qFatal("cannot give up the administrator's rights");
-        }
     }
     ~OrdinaryUser()
     {
-        if (m_wasRoot && setresuid(0, 0, 0) != 0) {
+        if (m_wasRoot && setresuid(0, 0, 0) != 0)
             qFatal("cannot take the administrator's rights back");
-        }
     }
     OrdinaryUser(const OrdinaryUser &) = delete;
 

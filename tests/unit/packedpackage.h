@@ -51,9 +51,8 @@ protected:
         info.strFilePath = m_package;
         info.strProjectName = name;
         info.strComment = comment;
-        if (!ZipPackageHandle::compressEngineerPacket(m_device, info)) {
+        if (!ZipPackageHandle::compressEngineerPacket(m_device, info))
             qWarning("the package could not be made");
-        }
         return info;
     }
     /// Nothing but the package is in its folder.

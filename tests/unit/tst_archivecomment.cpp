@@ -24,9 +24,9 @@ private slots:
     // Reading
     void the_comment_of_a_missing_file_is_empty();
     void comments_are_read_whatever_the_file_name();
-    void a_text_file_is_no_package();
-    void an_odd_file_is_no_package_data();
-    void an_odd_file_is_no_package();
+    void text_file_is_no_package();
+    void special_file_is_no_package_data();
+    void special_file_is_no_package();
     void a_missing_file_is_logged();
 
     // Replacing
@@ -79,14 +79,14 @@ void TstArchiveComment::comments_are_read_whatever_the_file_name()
     QCOMPARE(ZipPackageHandle::getZipComment(other), QString("new"));
 }
 
-void TstArchiveComment::a_text_file_is_no_package()
+void TstArchiveComment::text_file_is_no_package()
 {
     QVERIFY(writeFile(m_package, "only a text"));
     QCOMPARE(ZipPackageHandle::getZipComment(m_package), QString());
     QVERIFY(!ZipPackageHandle::isValidEngineerPacket(m_package));
 }
 
-void TstArchiveComment::an_odd_file_is_no_package_data()
+void TstArchiveComment::special_file_is_no_package_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("empty") << QByteArray();
@@ -97,11 +97,11 @@ void TstArchiveComment::an_odd_file_is_no_package_data()
     QTest::newRow("truncated in the entries") << good.left(20);
     QTest::newRow("end record only") << good.right(good.size() - good.indexOf("PK\x05\x06"));
     QTest::newRow("no comment") << PackageBuilder().file("a.json", "{}").build();
-    QTest::newRow("comment that is no JSON") << PackageBuilder().file("a.json", "{}").comment("{]").build();
-    QTest::newRow("list as comment") << PackageBuilder().file("a.json", "{}").comment("[1,2,3]").build();
+    QTest::newRow("comment that is no JSON") << PackageBuilder().file("a.json", "{}").archiveComment("{]").build();
+    QTest::newRow("list as comment") << PackageBuilder().file("a.json", "{}").archiveComment("[1,2,3]").build();
 }
 
-void TstArchiveComment::an_odd_file_is_no_package()
+void TstArchiveComment::special_file_is_no_package()
 {
     QFETCH(QByteArray, bytes);
     QVERIFY(writeFile(m_package, bytes));
@@ -158,9 +158,8 @@ void TstArchiveComment::no_tail_of_an_older_comment_stays()
     const qint64 archiveSize = QFileInfo(m_package).size() - rawComment(m_package).size();
     QRandomGenerator random(7);
     QVector<int> lengths{60000, 1, 60000, 0};
-    for (int edit = 0; edit < 20; ++edit) {
+    for (int edit = 0; edit < 20; ++edit)
         lengths.append(random.bounded(65513));
-    }
     for (int length : lengths) {
         const QString comment(length, 'c');
         QVERIFY(ZipPackageHandle::setZipComment(m_package, comment));
@@ -249,9 +248,8 @@ void TstArchiveComment::readers_see_the_old_or_new_comment()
     QVERIFY(ZipPackageHandle::setZipComment(m_package, first));
     bool written = true;
     QScopedPointer<QThread> writer(QThread::create([&] {
-        for (int edit = 0; edit < 40; ++edit) {
+        for (int edit = 0; edit < 40; ++edit)
             written = ZipPackageHandle::setZipComment(m_package, edit % 2 ? first : second) && written;
-        }
     }));
     writer->start();
     bool whole = true;
@@ -298,9 +296,8 @@ void TstArchiveComment::records_are_read_leniently()
     info.strFilePath = "kept";
     QCOMPARE(ZipPackageHandle::parseEngineerInfo(info, json), accepted);
     QCOMPARE(info.strFilePath, QString("kept"));
-    if (accepted) {
+    if (accepted)
         QCOMPARE((QStringList{info.strChecksum, info.strProjectName, info.strComment}), fields);
-    }
 }
 
 void TstArchiveComment::fields_of_a_record_pass_through_utf8()
@@ -313,17 +310,15 @@ void TstArchiveComment::fields_of_a_record_pass_through_utf8()
     QRandomGenerator random(2026);
     const auto field = [&] {
         QString text;
-        for (int left = random.bounded(6); left > 0; --left) {
+        for (int left = random.bounded(6); left > 0; --left)
             text += parts.at(random.bounded(parts.size()));
-        }
         return text;
     };
     // JSON escapes carry what no UTF-8 could.
     const auto escaped = [](const QString &text) {
         QString json;
-        for (const QChar unit : text) {
+        for (const QChar unit : text)
             json += QStringLiteral("\\u%1").arg(unit.unicode(), 4, 16, QLatin1Char('0'));
-        }
         return json;
     };
     int changed = 0;
@@ -334,9 +329,8 @@ void TstArchiveComment::fields_of_a_record_pass_through_utf8()
             info, QStringLiteral(R"({"Checksum":"%1","projectName":"%2","comment":"%3"})")
                       .arg(escaped(fields.at(0)), escaped(fields.at(1)), escaped(fields.at(2)))));
         QStringList expected;
-        for (const QString &text : fields) {
+        for (const QString &text : fields)
             expected.append(QString::fromUtf8(text.toUtf8()));
-        }
         QCOMPARE((QStringList{info.strChecksum, info.strProjectName, info.strComment}), expected);
         changed += expected != fields ? 1 : 0;
     }

@@ -33,7 +33,7 @@ private slots:
     // Failures
     void a_failing_serialiser_ends_the_save();
     void an_unwritable_configuration_path_ends_the_save();
-    void a_failing_serialiser_comes_before_an_unknown_device();
+    void serializer_failure_outranks_an_unknown_device();
     void an_unknown_device_ends_the_save();
     void a_device_removed_midway_ends_the_save_data();
     void a_device_removed_midway_ends_the_save();
@@ -68,8 +68,8 @@ private slots:
     void a_package_damaged_at_once_is_not_announced();
 
     // Cancelling
-    void a_cancelled_save_ends_at_the_next_point_data();
-    void a_cancelled_save_ends_at_the_next_point();
+    void canceled_save_stops_at_the_next_point_data();
+    void canceled_save_stops_at_the_next_point();
     void a_cancel_during_encoding_counts_data();
     void a_cancel_during_encoding_counts();
     void a_cancel_between_pictures_and_presets_ends_silently();
@@ -98,7 +98,7 @@ void TstBackupFailures::an_unwritable_configuration_path_ends_the_save()
     QVERIFY(!QFile::exists(packagePath()));
 }
 
-void TstBackupFailures::a_failing_serialiser_comes_before_an_unknown_device()
+void TstBackupFailures::serializer_failure_outranks_an_unknown_device()
 {
     Faults::instance()->arm(serailize, Fault::fail());
     QCOMPARE(save("10.0.0.1"), int(BackupSaveJsonFailed));
@@ -278,7 +278,7 @@ void TstBackupFailures::a_host_exception_ends_the_save()
 
 void TstBackupFailures::an_encoder_exception_ends_the_save()
 {
-    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity,
+    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::defaultCapacity,
                                                   [](const QImage &) -> QByteArray { throw std::bad_alloc(); });
     const ExpectMessage told(QtCriticalMsg, QRegularExpression("^The save ended with an exception"), 1);
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
@@ -465,7 +465,7 @@ void TstBackupFailures::a_package_damaged_at_once_is_not_announced()
 // ---------------------------------------------------------------------------------------------------------------------
 // Cancelling
 
-void TstBackupFailures::a_cancelled_save_ends_at_the_next_point_data()
+void TstBackupFailures::canceled_save_stops_at_the_next_point_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("call");
@@ -493,7 +493,7 @@ void TstBackupFailures::a_cancelled_save_ends_at_the_next_point_data()
             << presetFullDetail2Binary << done << int(BackupUserCanceled) << presets(done);
 }
 
-void TstBackupFailures::a_cancelled_save_ends_at_the_next_point()
+void TstBackupFailures::canceled_save_stops_at_the_next_point()
 {
     QFETCH(QString, operation);
     QFETCH(int, call);
@@ -527,7 +527,7 @@ void TstBackupFailures::a_cancel_during_encoding_counts()
     QSemaphore isFetched;
     Faults::instance()->arm(loadImage, Fault::run([&] { isFetched.release(); }, qMin(11, picture + 1)));
     std::atomic<int> encoded{0};
-    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
+    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::defaultCapacity, [&](const QImage &image) {
         if (++encoded == picture) {
             isFetched.acquire();
             m_job->cancel();
@@ -550,7 +550,7 @@ void TstBackupFailures::a_cancel_between_pictures_and_presets_ends_silently()
     };
     QThreadStorage<Canceller *> cancellers;
     std::atomic<bool> hasCanceller{false};
-    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::DefaultCapacity, [&](const QImage &image) {
+    m_encoded = std::make_shared<EncodedPictures>(EncodedPictures::defaultCapacity, [&](const QImage &image) {
         if (!hasCanceller.exchange(true))
             cancellers.setLocalData(new Canceller{m_job});
         return EncodedPictures::encodePng(image);

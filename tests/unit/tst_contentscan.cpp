@@ -40,10 +40,10 @@ class TstContentScan : public QObject
     Q_OBJECT
 
 private slots:
-    void a_picture_tells_its_pixels_and_their_memory_data();
-    void a_picture_tells_its_pixels_and_their_memory();
-    void what_is_no_picture_tells_nothing_data();
-    void what_is_no_picture_tells_nothing();
+    void picture_reports_pixels_and_memory_data();
+    void picture_reports_pixels_and_memory();
+    void non_picture_reports_nothing_data();
+    void non_picture_reports_nothing();
     void sides_are_compared_with_their_limit_data();
     void sides_are_compared_with_their_limit();
     void texts_are_counted_to_their_limit_data();
@@ -53,7 +53,7 @@ private slots:
     void only_structure_counts_as_a_part();
 };
 
-void TstContentScan::a_picture_tells_its_pixels_and_their_memory_data()
+void TstContentScan::picture_reports_pixels_and_memory_data()
 {
     QTest::addColumn<QByteArray>("png");
     QTest::addColumn<qint64>("bits");
@@ -70,7 +70,7 @@ void TstContentScan::a_picture_tells_its_pixels_and_their_memory_data()
     QTest::newRow("palette") << PngMaker::blank(10, 8, 4, PngMaker::Palette) << qint64(32 + 8);
 }
 
-void TstContentScan::a_picture_tells_its_pixels_and_their_memory()
+void TstContentScan::picture_reports_pixels_and_memory()
 {
     QFETCH(QByteArray, png);
     QFETCH(qint64, bits);
@@ -87,7 +87,7 @@ void TstContentScan::a_picture_tells_its_pixels_and_their_memory()
     QCOMPARE(scan.memory(), 80 * bits / 8);
 }
 
-void TstContentScan::what_is_no_picture_tells_nothing_data()
+void TstContentScan::non_picture_reports_nothing_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<bool>("isPng");
@@ -101,7 +101,7 @@ void TstContentScan::what_is_no_picture_tells_nothing_data()
         << PngMaker::signature() + PngMaker::chunk("IHDR", QByteArray(14, '\1')) << true;
 }
 
-void TstContentScan::what_is_no_picture_tells_nothing()
+void TstContentScan::non_picture_reports_nothing()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(bool, isPng);

@@ -16,26 +16,30 @@ class TstEncodedPictures : public QObject
     Q_OBJECT
 
 private slots:
-    void a_picture_is_encoded_as_its_own_save_does_data();
-    void a_picture_is_encoded_as_its_own_save_does();
+    void picture_is_encoded_like_qimage_save_data();
+    void picture_is_encoded_like_qimage_save();
     void an_unchanged_picture_is_encoded_once();
     void every_row_counts();
-    void whatever_shows_in_the_file_makes_another_picture_data();
-    void whatever_shows_in_the_file_makes_another_picture();
-    void beyond_the_capacity_the_picture_goes_that_was_not_asked_for_the_longest();
-    void a_picture_larger_than_the_capacity_is_encoded_each_time();
+    void any_visible_difference_makes_another_picture_data();
+    void any_visible_difference_makes_another_picture();
+    void evicts_the_least_recently_used_picture();
+    void picture_above_the_capacity_is_never_cached();
     void an_empty_picture_cannot_be_encoded();
     void several_threads_get_the_same_bytes();
     void the_encoder_is_asked_once_for_each_picture();
-    void a_picture_that_could_not_be_encoded_is_tried_again();
+    void failed_encoding_is_tried_again();
 };
 
-static QImage sample(QImage::Format format = QImage::Format_RGB32)
+namespace {
+
+QImage sample(QImage::Format format = QImage::Format_RGB32)
 {
     return noisePicture({40, 30}, 7, QImage::Format_ARGB32).convertToFormat(format);
 }
 
-void TstEncodedPictures::a_picture_is_encoded_as_its_own_save_does_data()
+} // namespace
+
+void TstEncodedPictures::picture_is_encoded_like_qimage_save_data()
 {
     QTest::addColumn<QImage>("picture");
     QTest::newRow("opaque") << sample();
@@ -53,7 +57,7 @@ void TstEncodedPictures::a_picture_is_encoded_as_its_own_save_does_data()
     QTest::newRow("with texts, resolution and offset") << described;
 }
 
-void TstEncodedPictures::a_picture_is_encoded_as_its_own_save_does()
+void TstEncodedPictures::picture_is_encoded_like_qimage_save()
 {
     QFETCH(QImage, picture);
     EncodedPictures pictures;
@@ -85,7 +89,7 @@ void TstEncodedPictures::every_row_counts()
     QCOMPARE(pictures.encodedCount(), 1 + picture.height());
 }
 
-void TstEncodedPictures::whatever_shows_in_the_file_makes_another_picture_data()
+void TstEncodedPictures::any_visible_difference_makes_another_picture_data()
 {
     QTest::addColumn<QImage>("before");
     QTest::addColumn<QImage>("after");
@@ -113,7 +117,7 @@ void TstEncodedPictures::whatever_shows_in_the_file_makes_another_picture_data()
     row("colour space", sample(), [](QImage &image) { image.setColorSpace(QColorSpace(QColorSpace::DisplayP3)); });
 }
 
-void TstEncodedPictures::whatever_shows_in_the_file_makes_another_picture()
+void TstEncodedPictures::any_visible_difference_makes_another_picture()
 {
     QFETCH(QImage, before);
     QFETCH(QImage, after);
@@ -125,7 +129,7 @@ void TstEncodedPictures::whatever_shows_in_the_file_makes_another_picture()
     QCOMPARE(pictures.encodedCount(), 2);
 }
 
-void TstEncodedPictures::beyond_the_capacity_the_picture_goes_that_was_not_asked_for_the_longest()
+void TstEncodedPictures::evicts_the_least_recently_used_picture()
 {
     const QImage first = noisePicture({40, 30}, 1);
     const QImage second = noisePicture({40, 30}, 2);
@@ -142,7 +146,7 @@ void TstEncodedPictures::beyond_the_capacity_the_picture_goes_that_was_not_asked
     QCOMPARE(pictures.encodedCount(), 4);
 }
 
-void TstEncodedPictures::a_picture_larger_than_the_capacity_is_encoded_each_time()
+void TstEncodedPictures::picture_above_the_capacity_is_never_cached()
 {
     EncodedPictures pictures(100);
     QCOMPARE(pictures.png(sample()), pngOf(sample()));
@@ -187,7 +191,7 @@ void TstEncodedPictures::the_encoder_is_asked_once_for_each_picture()
     QCOMPARE(asked, QVector<QImage>{sample()});
 }
 
-void TstEncodedPictures::a_picture_that_could_not_be_encoded_is_tried_again()
+void TstEncodedPictures::failed_encoding_is_tried_again()
 {
     int asked = 0;
     EncodedPictures pictures(1000, [&asked](const QImage &) { return QByteArray(++asked == 1 ? "" : "encoded"); });

@@ -69,7 +69,7 @@ private slots:
 
     // Stage folders
     void left_over_files_are_neither_saved_nor_kept();
-    void links_in_the_stage_folders_are_not_followed();
+    void links_in_staging_folders_are_not_followed();
     void staged_files_are_removed_after_failed_packing();
 };
 
@@ -503,7 +503,7 @@ void TstEngineerDocBackup::left_over_files_are_neither_saved_nor_kept()
              QStringList({"192.168.1.11.json", "BKG", "LOGO", "Preset"}));
 }
 
-void TstEngineerDocBackup::links_in_the_stage_folders_are_not_followed()
+void TstEngineerDocBackup::links_in_staging_folders_are_not_followed()
 {
     const QString outside = m_site->path("outside");
     QVERIFY(writeFile(outside + "/precious.png", "precious"));

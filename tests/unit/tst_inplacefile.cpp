@@ -27,30 +27,30 @@ private slots:
 
     void the_tail_is_replaced_and_nothing_else_data();
     void the_tail_is_replaced_and_nothing_else();
-    void a_missing_file_is_not_made();
-    void what_is_no_plain_file_is_not_opened();
+    void missing_file_is_not_created();
+    void special_files_are_not_opened();
     void a_link_is_followed_and_stays();
     void a_full_disk_leaves_the_old_tail();
-    void a_file_that_was_removed_is_not_changed_with_success();
-    void who_comes_second_does_not_get_in();
+    void changing_a_removed_file_fails();
+    void second_writer_is_refused();
 
     void a_record_is_read_as_it_was_written();
     void a_damaged_record_is_known_data();
     void a_damaged_record_is_known();
-    void a_record_of_another_folder_is_none();
+    void undo_record_from_another_folder_is_ignored();
     void records_are_neither_listed_nor_packed();
     void records_of_different_files_have_different_names();
 
-    void each_cut_leaves_the_old_or_the_new_tail_data();
-    void each_cut_leaves_the_old_or_the_new_tail();
-    void the_next_edit_ends_what_was_cut();
-    void a_scan_ends_what_was_cut();
-    void a_scan_ends_what_was_cut_behind_a_link();
+    void crash_leaves_the_old_or_new_tail_data();
+    void crash_leaves_the_old_or_new_tail();
+    void next_edit_finishes_an_interrupted_one();
+    void scan_finishes_interrupted_edits();
+    void scan_finishes_interrupted_edit_behind_a_link();
     void a_renamed_file_is_found();
-    void the_record_of_a_file_that_has_gone_is_removed();
-    void what_others_wrote_meanwhile_stays();
+    void undo_record_of_a_missing_file_is_removed();
+    void concurrent_changes_by_others_stay();
     void another_file_under_the_name_stays();
-    void the_record_of_a_living_edit_stays();
+    void undo_record_of_a_running_edit_stays();
     void recovering_brings_the_time_back();
 
 private:
@@ -81,12 +81,12 @@ UndoRecord TstInPlaceFile::leaveCut(const QString &name, const QByteArray &tail)
     QFile file(path(name));
     if (!writeFile(file.fileName(), head + tail) || !file.open(QIODevice::ReadOnly))
         qFatal("No file");
-    record.fileName = name;
-    record.offset = head.size();
-    record.mark = UndoRecord::markOf(file, record.offset);
+    record.strFileName = name;
+    record.nOffset = head.size();
+    record.mark = UndoRecord::markOf(file, record.nOffset);
     record.before = before;
     record.after = after;
-    record.modified = qint64(1500000000) * 1000000000 + 123456789;
+    record.nModified = qint64(1500000000) * 1000000000 + 123456789;
     if (!record.write(UndoRecord::pathFor(file.fileName())))
         qFatal("No record");
     return record;
@@ -113,7 +113,7 @@ void TstInPlaceFile::the_tail_is_replaced_and_nothing_else()
     QCOMPARE(contents(m_temp->path()), QStringList{"file"});
 }
 
-void TstInPlaceFile::a_missing_file_is_not_made()
+void TstInPlaceFile::missing_file_is_not_created()
 {
     QVERIFY(!InPlaceFile(path("file")).open());
     QVERIFY(QFile::link(path("missing"), path("link")));
@@ -121,7 +121,7 @@ void TstInPlaceFile::a_missing_file_is_not_made()
     QCOMPARE(contents(m_temp->path()), QStringList{"link"});
 }
 
-void TstInPlaceFile::what_is_no_plain_file_is_not_opened()
+void TstInPlaceFile::special_files_are_not_opened()
 {
     QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
     QVERIFY(!InPlaceFile(path("pipe")).open());
@@ -156,7 +156,7 @@ void TstInPlaceFile::a_full_disk_leaves_the_old_tail()
     }
 }
 
-void TstInPlaceFile::a_file_that_was_removed_is_not_changed_with_success()
+void TstInPlaceFile::changing_a_removed_file_fails()
 {
     for (const bool isReplaced : {false, true}) {
         QVERIFY(writeFile(path("file"), head + before));
@@ -171,7 +171,7 @@ void TstInPlaceFile::a_file_that_was_removed_is_not_changed_with_success()
     }
 }
 
-void TstInPlaceFile::who_comes_second_does_not_get_in()
+void TstInPlaceFile::second_writer_is_refused()
 {
     QVERIFY(writeFile(path("file"), head + before));
     auto first = std::make_unique<InPlaceFile>(path("file"));
@@ -187,13 +187,13 @@ void TstInPlaceFile::a_record_is_read_as_it_was_written()
 {
     const UndoRecord written = leaveCut(QString::fromUtf8("演出.corvelpro"), before);
     UndoRecord read;
-    QCOMPARE(read.read(UndoRecord::pathFor(path(written.fileName))), UndoRecord::Whole);
-    QCOMPARE(read.fileName, written.fileName);
-    QCOMPARE(read.offset, written.offset);
+    QCOMPARE(read.read(UndoRecord::pathFor(path(written.strFileName))), UndoRecord::Reading::Whole);
+    QCOMPARE(read.strFileName, written.strFileName);
+    QCOMPARE(read.nOffset, written.nOffset);
     QCOMPARE(read.mark, written.mark);
     QCOMPARE(read.before, written.before);
     QCOMPARE(read.after, written.after);
-    QCOMPARE(read.modified, written.modified);
+    QCOMPARE(read.nModified, written.nModified);
 }
 
 void TstInPlaceFile::a_damaged_record_is_known_data()
@@ -219,7 +219,7 @@ void TstInPlaceFile::a_damaged_record_is_known()
         bytes[flipped] = char(bytes.at(flipped) ^ 1);
     QVERIFY(writeFile(recordPath, bytes));
     UndoRecord record;
-    QCOMPARE(record.read(recordPath), UndoRecord::Broken);
+    QCOMPARE(record.read(recordPath), UndoRecord::Reading::Broken);
     // It says nothing about the file, but somebody may be writing it.
     InPlaceFile::recover(m_temp->path());
     QVERIFY(QFile::exists(recordPath));
@@ -237,15 +237,15 @@ void TstInPlaceFile::a_damaged_record_is_known()
     QCOMPARE(contents(m_temp->path()), QStringList{"file"});
 }
 
-void TstInPlaceFile::a_record_of_another_folder_is_none()
+void TstInPlaceFile::undo_record_from_another_folder_is_ignored()
 {
     const QByteArray torn = after.left(10) + before.mid(10);
     UndoRecord record = leaveCut("file", torn);
     QVERIFY(QDir().mkdir(path("folder")));
-    record.fileName = "../file";
+    record.strFileName = "../file";
     const QString elsewhere = UndoRecord::pathFor(path("folder/file"));
     QVERIFY(record.write(elsewhere));
-    QCOMPARE(record.read(elsewhere), UndoRecord::Broken);
+    QCOMPARE(record.read(elsewhere), UndoRecord::Reading::Broken);
     InPlaceFile::recover(path("folder"));
     QVERIFY(readFile(path("file")) == head + torn);
 }
@@ -275,7 +275,7 @@ void TstInPlaceFile::records_of_different_files_have_different_names()
     QVERIFY(!UndoRecord::isUndoRecord(QFileInfo(one).fileName() + '~'));
 }
 
-void TstInPlaceFile::each_cut_leaves_the_old_or_the_new_tail_data()
+void TstInPlaceFile::crash_leaves_the_old_or_new_tail_data()
 {
     QTest::addColumn<QByteArray>("from");
     QTest::addColumn<QByteArray>("to");
@@ -284,7 +284,7 @@ void TstInPlaceFile::each_cut_leaves_the_old_or_the_new_tail_data()
     QTest::newRow("to one as long") << before << QByteArray(before).replace("old", "new");
 }
 
-void TstInPlaceFile::each_cut_leaves_the_old_or_the_new_tail()
+void TstInPlaceFile::crash_leaves_the_old_or_new_tail()
 {
     QFETCH(QByteArray, from);
     QFETCH(QByteArray, to);
@@ -314,7 +314,7 @@ void TstInPlaceFile::each_cut_leaves_the_old_or_the_new_tail()
     }
 }
 
-void TstInPlaceFile::the_next_edit_ends_what_was_cut()
+void TstInPlaceFile::next_edit_finishes_an_interrupted_one()
 {
     leaveCut("file", after.left(10) + before.mid(10));
     InPlaceFile file(path("file"));
@@ -323,7 +323,7 @@ void TstInPlaceFile::the_next_edit_ends_what_was_cut()
     QCOMPARE(contents(m_temp->path()), QStringList{"file"});
 }
 
-void TstInPlaceFile::a_scan_ends_what_was_cut()
+void TstInPlaceFile::scan_finishes_interrupted_edits()
 {
     const QString package = path("show.corvelpro");
     QVERIFY(PackageBuilder().file("a.txt", noise(9000)).record("show", "before").write(package));
@@ -332,23 +332,23 @@ void TstInPlaceFile::a_scan_ends_what_was_cut()
     {
         QFile file(package);
         QVERIFY(file.open(QIODevice::ReadOnly));
-        record.fileName = "show.corvelpro";
-        record.offset = whole.lastIndexOf("PK\x05\x06") + 20;
-        record.mark = UndoRecord::markOf(file, record.offset);
-        record.before = whole.mid(int(record.offset));
+        record.strFileName = "show.corvelpro";
+        record.nOffset = whole.lastIndexOf("PK\x05\x06") + 20;
+        record.mark = UndoRecord::markOf(file, record.nOffset);
+        record.before = whole.mid(int(record.nOffset));
     }
     record.after = QByteArray(500, 'n');
     QVERIFY(record.write(UndoRecord::pathFor(package)));
-    QVERIFY(writeFile(package, whole.left(int(record.offset)) + record.after.left(300)));
+    QVERIFY(writeFile(package, whole.left(int(record.nOffset)) + record.after.left(300)));
     ProjectList list;
     list.scanProjectFiles(m_temp->path() + '/', list.beginScan());
-    QCOMPARE(list.projects.size(), 1);
-    QCOMPARE(list.projects.first().strComment, QString("before"));
+    QCOMPARE(list.listProjects.size(), 1);
+    QCOMPARE(list.listProjects.first().strComment, QString("before"));
     QVERIFY(readFile(package) == whole);
     QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
 }
 
-void TstInPlaceFile::a_scan_ends_what_was_cut_behind_a_link()
+void TstInPlaceFile::scan_finishes_interrupted_edit_behind_a_link()
 {
     leaveCut("file", after.left(10) + before.mid(10));
     QVERIFY(QDir().mkdir(path("projects")));
@@ -378,7 +378,7 @@ void TstInPlaceFile::a_renamed_file_is_found()
     }
 }
 
-void TstInPlaceFile::the_record_of_a_file_that_has_gone_is_removed()
+void TstInPlaceFile::undo_record_of_a_missing_file_is_removed()
 {
     leaveCut("show.corvelpro", after);
     QVERIFY(QFile::remove(path("show.corvelpro")));
@@ -387,7 +387,7 @@ void TstInPlaceFile::the_record_of_a_file_that_has_gone_is_removed()
     QVERIFY(contents(m_temp->path()).isEmpty());
 }
 
-void TstInPlaceFile::what_others_wrote_meanwhile_stays()
+void TstInPlaceFile::concurrent_changes_by_others_stay()
 {
     for (const QByteArray &tail : {QByteArray("written by somebody else"), QByteArray(), before + "more"}) {
         leaveCut("file", tail);
@@ -409,7 +409,7 @@ void TstInPlaceFile::another_file_under_the_name_stays()
     QCOMPARE(contents(m_temp->path()), QStringList{"file"});
 }
 
-void TstInPlaceFile::the_record_of_a_living_edit_stays()
+void TstInPlaceFile::undo_record_of_a_running_edit_stays()
 {
     const QByteArray torn = after.left(10) + before.mid(10);
     QVERIFY(writeFile(path("file"), head + before));
@@ -429,7 +429,7 @@ void TstInPlaceFile::recovering_brings_the_time_back()
         InPlaceFile::recover(m_temp->path());
         struct stat status;
         QCOMPARE(stat(QFile::encodeName(path("file")).constData(), &status), 0);
-        QCOMPARE(qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec, record.modified);
+        QCOMPARE(qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec, record.nModified);
     }
 }
 

@@ -32,7 +32,7 @@ private slots:
     void a_job_begins_with_success();
     void an_empty_path_is_refused();
     void a_missing_package_is_refused();
-    void a_wrong_checksum_fails_without_a_code();
+    void wrong_checksum_fails_with_success_code();
     void a_right_checksum_passes();
     void an_unknown_target_is_refused();
     void a_huge_description_is_refused_data();
@@ -85,7 +85,7 @@ void TstLoadChecks::a_missing_package_is_refused()
     QCOMPARE(job.resultCode(), int(LoadFileContentError));
 }
 
-void TstLoadChecks::a_wrong_checksum_fails_without_a_code()
+void TstLoadChecks::wrong_checksum_fails_with_success_code()
 {
     const QString path = m_packages.filePath(QStringLiteral("wrong.corvelpro"));
     QVERIFY(packageOf(plainDevice(sourceIp))

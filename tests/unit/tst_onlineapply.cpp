@@ -90,7 +90,7 @@ private slots:
     void case_matters_in_folders_but_not_in_endings();
     void pictures_elsewhere_are_extracted_and_left();
     void an_applied_picture_is_removed_from_its_folder();
-    void a_picture_whose_apply_failed_is_left();
+    void failed_picture_stays_extracted();
     void an_unremovable_picture_is_no_error();
     void one_pixel_is_a_picture_data();
     void one_pixel_is_a_picture();
@@ -421,7 +421,7 @@ void TstOnlineApply::an_applied_picture_is_removed_from_its_folder()
              (QStringList{sourceIp + QStringLiteral(".json"), QStringLiteral("BKG"), QStringLiteral("LOGO")}));
 }
 
-void TstOnlineApply::a_picture_whose_apply_failed_is_left()
+void TstOnlineApply::failed_picture_stays_extracted()
 {
     Faults::instance()->arm(createMaterailFromImage, Fault::fail(2));
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), int(LoadApplyGalleryFailed));

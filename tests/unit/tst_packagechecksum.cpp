@@ -10,11 +10,15 @@ using namespace PackageTesting;
 using TestSupport::PackageBuilder;
 namespace PackageChecksum = ProjectFileCfg::Internal::PackageChecksum;
 
-static QString checksumOf(const QString &path, qint64 length)
+namespace {
+
+QString checksumOf(const QString &path, qint64 length)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? PackageChecksum::ofLeadingBytes(file, length) : QString();
 }
+
+} // namespace
 
 class TstPackageChecksum : public QObject
 {
@@ -24,9 +28,9 @@ private slots:
     void a_chunk_is_10_mebibytes();
     void every_length_gives_the_checksum_step_by_step_data();
     void every_length_gives_the_checksum_step_by_step();
-    void what_follows_the_length_does_not_count();
-    void a_file_that_ends_before_the_length_is_taken_as_it_is();
-    void no_bytes_give_the_digest_of_nothing();
+    void bytes_after_the_length_do_not_count();
+    void shorter_file_is_read_to_its_end();
+    void empty_file_has_the_digest_of_nothing();
 
 private:
     QTemporaryDir m_temp;
@@ -69,14 +73,14 @@ void TstPackageChecksum::every_length_gives_the_checksum_step_by_step()
     QCOMPARE(checksumOf(path, length), QString::fromLatin1(PackageBuilder::checksum(bytes, 0)));
 }
 
-void TstPackageChecksum::what_follows_the_length_does_not_count()
+void TstPackageChecksum::bytes_after_the_length_do_not_count()
 {
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, QByteArray(5000, 'x') + "comment"));
     QCOMPARE(checksumOf(path, 5000), QString::fromLatin1(PackageBuilder::checksum(QByteArray(5000, 'x'), 0)));
 }
 
-void TstPackageChecksum::a_file_that_ends_before_the_length_is_taken_as_it_is()
+void TstPackageChecksum::shorter_file_is_read_to_its_end()
 {
     // As when it is cut while it is read.
     const QString path = m_temp.path() + "/file";
@@ -85,7 +89,7 @@ void TstPackageChecksum::a_file_that_ends_before_the_length_is_taken_as_it_is()
              QString::fromLatin1(PackageBuilder::checksum(readFile(path), 0)));
 }
 
-void TstPackageChecksum::no_bytes_give_the_digest_of_nothing()
+void TstPackageChecksum::empty_file_has_the_digest_of_nothing()
 {
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, "x"));

@@ -30,22 +30,22 @@ class TstPackageEditing : public QObject
 private slots:
     void init();
 
-    void an_edit_changes_nothing_but_the_end_of_the_file();
+    void edit_changes_only_the_end_of_the_file();
     void an_edit_keeps_file_time_permissions_and_place();
     void an_edit_leaves_nothing_beside_the_package();
     void an_edit_needs_no_room_for_a_copy();
-    void a_folder_that_may_not_be_written_allows_an_edit();
-    void a_package_that_was_replaced_gets_its_own_checksum();
-    void an_archive_that_ends_behind_a_chunk_stays_valid_data();
-    void an_archive_that_ends_behind_a_chunk_stays_valid();
-    void what_is_no_plain_classic_archive_is_refused_data();
-    void what_is_no_plain_classic_archive_is_refused();
-    void a_comment_that_no_reader_finds_is_refused_data();
-    void a_comment_that_no_reader_finds_is_refused();
+    void edit_works_in_a_read_only_folder();
+    void replaced_package_gets_its_own_checksum();
+    void archive_ending_just_past_a_chunk_stays_valid_data();
+    void archive_ending_just_past_a_chunk_stays_valid();
+    void unusual_archives_are_refused_data();
+    void unusual_archives_are_refused();
+    void unfindable_comment_is_refused_data();
+    void unfindable_comment_is_refused();
     void a_named_pipe_keeps_no_edit_waiting();
     void a_deleted_package_never_comes_back();
     void a_package_replaced_under_an_edit_stays_whole();
-    void two_programs_that_edit_at_once_leave_one_record();
+    void two_simultaneous_edits_leave_one_record();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
@@ -104,7 +104,7 @@ QString TstPackageEditing::commentOf(const QString &path)
     return ZipPackageHandle::getZipFileEngineerInfo(info) ? info.strComment : QStringLiteral("no valid package");
 }
 
-void TstPackageEditing::an_edit_changes_nothing_but_the_end_of_the_file()
+void TstPackageEditing::edit_changes_only_the_end_of_the_file()
 {
     const EngineerPacketInfo info = package("show.corvelpro");
     const QByteArray before = readFile(info.strFilePath);
@@ -137,8 +137,8 @@ void TstPackageEditing::an_edit_keeps_file_time_permissions_and_place()
     QVERIFY(isSameTime(after.st_mtim, before.st_mtim));
     ProjectList list;
     list.scanProjectFiles(m_temp->path() + '/', list.beginScan());
-    QCOMPARE(list.projects.size(), 2);
-    QCOMPARE(list.projects.at(1).strComment, QString("after"));
+    QCOMPARE(list.listProjects.size(), 2);
+    QCOMPARE(list.listProjects.at(1).strComment, QString("after"));
 }
 
 void TstPackageEditing::an_edit_leaves_nothing_beside_the_package()
@@ -172,7 +172,7 @@ void TstPackageEditing::an_edit_needs_no_room_for_a_copy()
     QCOMPARE(commentOf(path("edited.corvelpro")), QString("after"));
 }
 
-void TstPackageEditing::a_folder_that_may_not_be_written_allows_an_edit()
+void TstPackageEditing::edit_works_in_a_read_only_folder()
 {
     EngineerPacketInfo edited = withComment(package("show.corvelpro"), "after");
     QCOMPARE(run("chmod", {"666", edited.strFilePath}).exitCode, 0);
@@ -185,7 +185,7 @@ void TstPackageEditing::a_folder_that_may_not_be_written_allows_an_edit()
     QCOMPARE(run("chmod", {"755", m_temp->path()}).exitCode, 0);
 }
 
-void TstPackageEditing::a_package_that_was_replaced_gets_its_own_checksum()
+void TstPackageEditing::replaced_package_gets_its_own_checksum()
 {
     EngineerPacketInfo listed = package("show.corvelpro");
     // Another program replaces it by one whose first bytes differ, and its checksum with them.
@@ -199,7 +199,7 @@ void TstPackageEditing::a_package_that_was_replaced_gets_its_own_checksum()
     QCOMPARE(listed.strChecksum, ZipPackageHandle::calcPacketChecksum(listed.strFilePath));
 }
 
-void TstPackageEditing::an_archive_that_ends_behind_a_chunk_stays_valid_data()
+void TstPackageEditing::archive_ending_just_past_a_chunk_stays_valid_data()
 {
     QTest::addColumn<int>("behind");
     for (int behind = -1; behind <= 23; ++behind)
@@ -207,7 +207,7 @@ void TstPackageEditing::an_archive_that_ends_behind_a_chunk_stays_valid_data()
 }
 
 // The last chunk is part of the end record then, and may reach the comment's length, which the edit changes.
-void TstPackageEditing::an_archive_that_ends_behind_a_chunk_stays_valid()
+void TstPackageEditing::archive_ending_just_past_a_chunk_stays_valid()
 {
     QFETCH(int, behind);
     const auto archive = [](qint64 size) {
@@ -225,7 +225,7 @@ void TstPackageEditing::an_archive_that_ends_behind_a_chunk_stays_valid()
     }
 }
 
-void TstPackageEditing::what_is_no_plain_classic_archive_is_refused_data()
+void TstPackageEditing::unusual_archives_are_refused_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     const PackageBuilder good = PackageBuilder().file("device.json", "{}");
@@ -234,10 +234,11 @@ void TstPackageEditing::what_is_no_plain_classic_archive_is_refused_data()
     QTest::newRow("text") << QByteArray("no archive");
     QTest::newRow("zeros") << QByteArray(70000, '\0');
     QTest::newRow("cut in the end record") << archive.left(archive.size() - 1);
-    QTest::newRow("cut in the comment") << PackageBuilder(good).comment("a comment").build().chopped(1);
+    QTest::newRow("cut in the comment") << PackageBuilder(good).archiveComment("a comment").build().chopped(1);
     QTest::newRow("a byte behind the comment")
         << PackageBuilder(good).record("show", "before").trailingBytes("\n").build();
-    QTest::newRow("a comment too long to be read") << PackageBuilder(good).comment(QByteArray(65514, 'c')).build();
+    QTest::newRow("a comment too long to be read")
+        << PackageBuilder(good).archiveComment(QByteArray(65514, 'c')).build();
     QByteArray otherDisk = archive;
     otherDisk[archive.size() - 18] = 1;
     QTest::newRow("of several disks") << otherDisk;
@@ -246,7 +247,7 @@ void TstPackageEditing::what_is_no_plain_classic_archive_is_refused_data()
                                    QByteArray("PK\x06\x07", 4) + QByteArray(16, '\0') + end;
 }
 
-void TstPackageEditing::what_is_no_plain_classic_archive_is_refused()
+void TstPackageEditing::unusual_archives_are_refused()
 {
     QFETCH(QByteArray, bytes);
     EngineerPacketInfo info;
@@ -258,7 +259,7 @@ void TstPackageEditing::what_is_no_plain_classic_archive_is_refused()
     QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
 }
 
-void TstPackageEditing::a_comment_that_no_reader_finds_is_refused_data()
+void TstPackageEditing::unfindable_comment_is_refused_data()
 {
     QTest::addColumn<QString>("comment");
     QTest::newRow("too long") << QString(65514, 'c');
@@ -268,7 +269,7 @@ void TstPackageEditing::a_comment_that_no_reader_finds_is_refused_data()
     QTest::newRow("looks like a 64-bit end") << QString("PK\x06\x07") + QString(16, 'x');
 }
 
-void TstPackageEditing::a_comment_that_no_reader_finds_is_refused()
+void TstPackageEditing::unfindable_comment_is_refused()
 {
     QFETCH(QString, comment);
     const EngineerPacketInfo info = package("show.corvelpro");
@@ -330,7 +331,7 @@ void TstPackageEditing::a_package_replaced_under_an_edit_stays_whole()
     }
 }
 
-void TstPackageEditing::two_programs_that_edit_at_once_leave_one_record()
+void TstPackageEditing::two_simultaneous_edits_leave_one_record()
 {
     const EngineerPacketInfo info = package("show.corvelpro");
     QProcess programs[2];
@@ -350,8 +351,10 @@ void TstPackageEditing::two_programs_that_edit_at_once_leave_one_record()
     QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
 }
 
+namespace {
+
 /// Another program that edits: a package, a comment, how often.
-static int editAndExit(const QStringList &arguments)
+int editAndExit(const QStringList &arguments)
 {
     EngineerPacketInfo info;
     info.strFilePath = arguments.value(2);
@@ -362,6 +365,8 @@ static int editAndExit(const QStringList &arguments)
         done += ZipPackageHandle::setEngineerInfo(info) ? 1 : 0;
     return done > 0 ? 0 : 1;
 }
+
+} // namespace
 
 int main(int argc, char *argv[])
 {

@@ -14,15 +14,15 @@ class TstPackageLayout : public QObject
 
 private slots:
     void entries_carry_their_number_without_padding();
-    void endings_are_read_without_case_and_folders_with();
-    void a_name_that_is_formed_gives_its_number_back();
-    void a_path_has_one_plain_name_data();
-    void a_path_has_one_plain_name();
+    void extensions_ignore_case_but_folders_do_not();
+    void formed_entry_name_yields_its_number();
+    void path_has_one_normal_form_data();
+    void path_has_one_normal_form();
     void names_in_utf8_stay_as_they_are();
-    void bytes_that_are_no_character_are_escaped_data();
-    void bytes_that_are_no_character_are_escaped();
+    void invalid_utf8_bytes_are_percent_escaped_data();
+    void invalid_utf8_bytes_are_percent_escaped();
     void two_names_never_become_one();
-    void names_that_would_fill_the_memory_are_none();
+    void oversized_names_yield_no_entries();
 };
 
 void TstPackageLayout::entries_carry_their_number_without_padding()
@@ -32,7 +32,7 @@ void TstPackageLayout::entries_carry_their_number_without_padding()
     QCOMPARE(PackageLayout::presetEntry(65535), QStringLiteral("Preset/65535.RPst"));
 }
 
-void TstPackageLayout::endings_are_read_without_case_and_folders_with()
+void TstPackageLayout::extensions_ignore_case_but_folders_do_not()
 {
     using namespace PackageLayout;
     QVERIFY(isDescription("A/B.Json") && isPicture("x.PNG") && isPreset("Preset/1.rpst"));
@@ -43,7 +43,7 @@ void TstPackageLayout::endings_are_read_without_case_and_folders_with()
     QVERIFY(isFolder("BKG/") && !isFolder("BKG"));
 }
 
-void TstPackageLayout::a_name_that_is_formed_gives_its_number_back()
+void TstPackageLayout::formed_entry_name_yields_its_number()
 {
     using namespace PackageLayout;
     for (int number = 0; number < 256; ++number) {
@@ -55,7 +55,7 @@ void TstPackageLayout::a_name_that_is_formed_gives_its_number_back()
     QCOMPARE(int(galleryNumber("BKG/other.png")), 0);
 }
 
-void TstPackageLayout::a_path_has_one_plain_name_data()
+void TstPackageLayout::path_has_one_normal_form_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("plain");
@@ -75,7 +75,7 @@ void TstPackageLayout::a_path_has_one_plain_name_data()
                                << "BKG\\x";
 }
 
-void TstPackageLayout::a_path_has_one_plain_name()
+void TstPackageLayout::path_has_one_normal_form()
 {
     QFETCH(QString, name);
     QFETCH(QString, plain);
@@ -93,7 +93,7 @@ void TstPackageLayout::names_in_utf8_stay_as_they_are()
     QCOMPARE(PackageLayout::namesOf({}), QStringList());
 }
 
-void TstPackageLayout::bytes_that_are_no_character_are_escaped_data()
+void TstPackageLayout::invalid_utf8_bytes_are_percent_escaped_data()
 {
     QTest::addColumn<QByteArrayList>("names");
     QTest::addColumn<QStringList>("texts");
@@ -112,7 +112,7 @@ void TstPackageLayout::bytes_that_are_no_character_are_escaped_data()
     QTest::newRow("zero byte") << Names{QByteArray("\xFF\0x", 3)} << QStringList{QString("%FF") + QChar(0) + "x"};
 }
 
-void TstPackageLayout::bytes_that_are_no_character_are_escaped()
+void TstPackageLayout::invalid_utf8_bytes_are_percent_escaped()
 {
     QFETCH(QByteArrayList, names);
     QFETCH(QStringList, texts);
@@ -147,7 +147,7 @@ void TstPackageLayout::two_names_never_become_one()
     }
 }
 
-void TstPackageLayout::names_that_would_fill_the_memory_are_none()
+void TstPackageLayout::oversized_names_yield_no_entries()
 {
     QCOMPARE(PackageLayout::namesOf({QByteArray(15, '%'), "\xFF"}).value(1), QString(16, '%') + "FF");
     QCOMPARE(PackageLayout::namesOf({QByteArray(16, '%'), "\xFF"}), QStringList());

@@ -19,8 +19,12 @@ using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
 
+namespace {
+
 /// How much room the disk claims to have; -1 for the truth.
-static qint64 s_freeBytes = -1;
+qint64 s_freeBytes = -1;
+
+} // namespace
 
 // Stands before the C library's, which the C++ library asks. The name is given as such, since with large files the
 // header means another one.
@@ -47,55 +51,55 @@ private slots:
     void init();
     void cleanup();
 
-    void what_is_no_archive_is_not_open();
+    void non_archive_is_not_opened();
     void a_comment_ends_at_its_first_zero_byte_data();
     void a_comment_ends_at_its_first_zero_byte();
-    void what_no_honest_archive_claims_is_not_listed_data();
-    void what_no_honest_archive_claims_is_not_listed();
+    void impossible_archives_are_not_listed_data();
+    void impossible_archives_are_not_listed();
     void the_list_is_that_of_the_archiver();
     void every_entry_comes_out_whole_in_any_order();
     void paths_are_returned_as_the_archiver_returns_them();
-    void a_missing_entry_gives_nothing();
+    void missing_entry_reads_as_null();
     void reading_an_entry_gives_what_extracting_it_writes();
     void reading_refuses_what_extracting_refuses();
     void a_name_longer_than_256_bytes_is_extracted();
-    void of_two_entries_of_one_name_the_first_counts();
-    void of_entries_of_one_path_the_first_counts();
-    void names_that_are_no_utf8_come_out_apart();
+    void first_of_two_equal_entry_names_counts();
+    void first_of_two_aliased_entries_counts();
+    void extracting_keeps_non_utf8_names_distinct();
     void the_longest_name_is_listed_whole();
-    void a_list_that_is_broken_half_way_counts_as_none();
-    void without_a_destination_an_entry_goes_to_its_own_name();
-    void files_around_the_size_of_a_block_come_out_whole();
+    void entry_list_broken_halfway_counts_as_empty();
+    void entry_without_destination_keeps_its_name();
+    void files_around_the_block_size_are_extracted_whole();
 
-    void json_entries_of_any_case_are_extracted_to_their_sub_folders();
-    void json_entries_need_an_existing_package_with_the_extension();
-    void a_json_entry_that_cannot_be_extracted_gives_an_empty_path();
+    void json_entries_match_in_any_case();
+    void json_extraction_needs_an_existing_corvelpro_file();
+    void unextractable_json_entry_yields_an_empty_path();
 
     void a_name_that_could_lead_outside_is_refused_data();
     void a_name_that_could_lead_outside_is_refused();
-    void a_backslash_inside_a_name_is_part_of_it();
+    void backslash_in_a_name_is_an_ordinary_character();
     void a_name_that_only_looks_odd_is_extracted_data();
     void a_name_that_only_looks_odd_is_extracted();
-    void what_other_archivers_note_about_a_file_does_not_matter_data();
-    void what_other_archivers_note_about_a_file_does_not_matter();
-    void an_entry_that_is_no_file_is_refused_data();
-    void an_entry_that_is_no_file_is_refused();
+    void foreign_entry_attributes_are_ignored_data();
+    void foreign_entry_attributes_are_ignored();
+    void non_file_entry_is_refused_data();
+    void non_file_entry_is_refused();
     void a_destination_through_a_link_is_refused();
     void the_callers_own_folder_may_be_a_link();
-    void what_was_the_callers_own_folder_is_looked_at_again_as_the_archives();
+    void callers_folder_is_rechecked_for_archive_entries();
     void a_destination_that_is_a_link_is_refused();
-    void a_link_that_the_package_brings_is_never_followed();
+    void packaged_link_is_never_followed();
 
     void a_damaged_entry_leaves_the_previous_file_data();
     void a_damaged_entry_leaves_the_previous_file();
     void a_full_disk_leaves_the_previous_file();
-    void a_previous_file_is_replaced_even_when_it_may_not_be_written();
+    void read_only_previous_file_is_replaced();
     void files_get_the_default_permissions();
     void a_description_above_its_limit_is_refused();
     void content_above_the_claimed_size_is_refused();
-    void an_entry_above_its_limit_does_not_even_make_its_folder();
+    void oversized_entry_does_not_create_its_folder();
     void content_above_the_free_space_is_refused();
-    void small_content_is_tried_whatever_the_free_space_is();
+    void small_content_is_written_regardless_of_free_space();
 
 private:
     void write(const PackageBuilder &builder) { QVERIFY(builder.write(m_package)); }
@@ -121,14 +125,14 @@ void TstPackageReader::cleanup()
     m_temp.reset();
 }
 
-void TstPackageReader::what_is_no_archive_is_not_open()
+void TstPackageReader::non_archive_is_not_opened()
 {
     for (const QByteArray &bytes : {QByteArray(), QByteArray("text"), QByteArray(70000, '\0')}) {
         QVERIFY(writeFile(m_package, bytes));
         PackageReader reader(m_package);
         QVERIFY(!reader.isOpen());
         QCOMPARE(reader.fileList(), QStringList());
-        QCOMPARE(reader.comment(), QString());
+        QCOMPARE(reader.archiveComment(), QString());
         QCOMPARE(reader.extractFile("a.txt", destination("a.txt")), QString());
         QCOMPARE(reader.extractJsonFiles(m_out), QStringList());
     }
@@ -153,17 +157,17 @@ void TstPackageReader::a_comment_ends_at_its_first_zero_byte()
     QByteArray archive = PackageBuilder()
                              .file("x.txt", "content")
                              .claimFlags(quint16(flags))
-                             .comment(QByteArray("first\0second", 12))
+                             .archiveComment(QByteArray("first\0second", 12))
                              .build();
     if (!isReadable)
         archive.replace("PK\1\2", "none");
     QVERIFY(writeFile(m_package, archive));
     // Where it is left to chance, it changes from one time to the next.
     for (int time = 0; time < 10; ++time)
-        QCOMPARE(PackageReader(m_package).comment(), QStringLiteral("first"));
+        QCOMPARE(PackageReader(m_package).archiveComment(), QStringLiteral("first"));
 }
 
-void TstPackageReader::what_no_honest_archive_claims_is_not_listed_data()
+void TstPackageReader::impossible_archives_are_not_listed_data()
 {
     QTest::addColumn<PackageBuilder>("archive");
     QTest::addColumn<int>("listed");
@@ -184,7 +188,7 @@ void TstPackageReader::what_no_honest_archive_claims_is_not_listed_data()
     QTest::newRow("contents above 4 GiB") << builder.file("5", "content").claimSize(1) << 0;
 }
 
-void TstPackageReader::what_no_honest_archive_claims_is_not_listed()
+void TstPackageReader::impossible_archives_are_not_listed()
 {
     QFETCH(PackageBuilder, archive);
     QFETCH(int, listed);
@@ -210,13 +214,11 @@ void TstPackageReader::every_entry_comes_out_whole_in_any_order()
     PackageReader reader(m_package);
     QStringList names = reader.fileList();
     for (int turn = 0; turn < 2; ++turn) {
-        for (const QString &name : qAsConst(names)) {
+        for (const QString &name : qAsConst(names))
             QVERIFY2(!reader.extractFile(name, destination(name)).isEmpty(), qPrintable(name));
-        }
         QCOMPARE(contents(m_out), contents(device));
-        for (const QString &name : qAsConst(names)) {
+        for (const QString &name : qAsConst(names))
             QVERIFY(readFile(destination(name)) == readFile(device + '/' + name));
-        }
         std::reverse(names.begin(), names.end());
         QVERIFY(QDir(m_out).removeRecursively());
     }
@@ -237,7 +239,7 @@ void TstPackageReader::paths_are_returned_as_the_archiver_returns_them()
     QVERIFY(QDir::setCurrent(current));
 }
 
-void TstPackageReader::a_missing_entry_gives_nothing()
+void TstPackageReader::missing_entry_reads_as_null()
 {
     write(PackageBuilder().file("a.txt", "a"));
     PackageReader reader(m_package);
@@ -288,14 +290,14 @@ void TstPackageReader::a_name_longer_than_256_bytes_is_extracted()
     QCOMPARE(readFile(destination(name)), QByteArray("deep"));
 }
 
-void TstPackageReader::of_two_entries_of_one_name_the_first_counts()
+void TstPackageReader::first_of_two_equal_entry_names_counts()
 {
     write(PackageBuilder().file("a.txt", "first").file("a.txt", "second"));
     QVERIFY(!PackageReader(m_package).extractFile("a.txt", destination("a.txt")).isEmpty());
     QCOMPARE(readFile(destination("a.txt")), QByteArray("first"));
 }
 
-void TstPackageReader::of_entries_of_one_path_the_first_counts()
+void TstPackageReader::first_of_two_aliased_entries_counts()
 {
     write(PackageBuilder()
               .folder("BKG")
@@ -316,7 +318,7 @@ void TstPackageReader::of_entries_of_one_path_the_first_counts()
     QCOMPARE(readFile(destination("BKG/x.png")), QByteArray("first"));
 }
 
-void TstPackageReader::names_that_are_no_utf8_come_out_apart()
+void TstPackageReader::extracting_keeps_non_utf8_names_distinct()
 {
     write(PackageBuilder()
               .file("Preset/\xFF.RPst", "1")
@@ -342,7 +344,7 @@ void TstPackageReader::the_longest_name_is_listed_whole()
     QCOMPARE(PackageReader(m_package).fileList(), (QStringList{QString::fromLatin1(name), "after.txt"}));
 }
 
-void TstPackageReader::a_list_that_is_broken_half_way_counts_as_none()
+void TstPackageReader::entry_list_broken_halfway_counts_as_empty()
 {
     QByteArray package = PackageBuilder().file("a.txt", "a").file("b.txt", "b").file("c.txt", "c").build();
     // The signature of the second of three headers in the archive's directory.
@@ -356,7 +358,7 @@ void TstPackageReader::a_list_that_is_broken_half_way_counts_as_none()
     QCOMPARE(contents(m_out), QStringList());
 }
 
-void TstPackageReader::without_a_destination_an_entry_goes_to_its_own_name()
+void TstPackageReader::entry_without_destination_keeps_its_name()
 {
     write(PackageBuilder().file("folder/a.txt", "a"));
     const QString before = QDir::currentPath();
@@ -366,7 +368,7 @@ void TstPackageReader::without_a_destination_an_entry_goes_to_its_own_name()
     QCOMPARE(readFile(destination("folder/a.txt")), QByteArray("a"));
 }
 
-void TstPackageReader::files_around_the_size_of_a_block_come_out_whole()
+void TstPackageReader::files_around_the_block_size_are_extracted_whole()
 {
     for (int block : {4096, 65536, 262144, 524288, 1048576}) {
         for (int size : {block - 1, block, block + 1}) {
@@ -377,7 +379,7 @@ void TstPackageReader::files_around_the_size_of_a_block_come_out_whole()
     }
 }
 
-void TstPackageReader::json_entries_of_any_case_are_extracted_to_their_sub_folders()
+void TstPackageReader::json_entries_match_in_any_case()
 {
     write(PackageBuilder()
               .file("device.json", "1")
@@ -391,7 +393,7 @@ void TstPackageReader::json_entries_of_any_case_are_extracted_to_their_sub_folde
     QCOMPARE(readFile(destination("A/B.Json")), QByteArray("2"));
 }
 
-void TstPackageReader::json_entries_need_an_existing_package_with_the_extension()
+void TstPackageReader::json_extraction_needs_an_existing_corvelpro_file()
 {
     write(PackageBuilder().file("device.json", "1"));
     const QString odd = m_temp->path() + "/PACKAGE.CorvelPro";
@@ -402,7 +404,7 @@ void TstPackageReader::json_entries_need_an_existing_package_with_the_extension(
     QCOMPARE(ZipPackageHandle::extractJsonFiles(m_temp->path() + "/missing.corvelpro", m_out), QStringList());
 }
 
-void TstPackageReader::a_json_entry_that_cannot_be_extracted_gives_an_empty_path()
+void TstPackageReader::unextractable_json_entry_yields_an_empty_path()
 {
     write(PackageBuilder().file("../up.json", "1").file("good.json", "2").file("bad.json", "3").claimCrc(1));
     QCOMPARE(ZipPackageHandle::extractJsonFiles(m_package, m_out), (QStringList{"", destination("good.json"), ""}));
@@ -449,7 +451,7 @@ void TstPackageReader::a_name_that_could_lead_outside_is_refused()
     QVERIFY(!reader.extractFile("good.txt", destination("good.txt")).isEmpty());
 }
 
-void TstPackageReader::a_backslash_inside_a_name_is_part_of_it()
+void TstPackageReader::backslash_in_a_name_is_an_ordinary_character()
 {
     write(PackageBuilder().file("a\\b.txt", "x"));
     QCOMPARE(PackageReader(m_package).extractFile("a\\b.txt", destination("a\\b.txt")), destination("a\\b.txt"));
@@ -460,9 +462,8 @@ void TstPackageReader::a_name_that_only_looks_odd_is_extracted_data()
 {
     QTest::addColumn<QByteArray>("name");
     for (const char *name :
-         {"x", "1:2.txt", "ab:c.txt", ":x", "..x", "x..", "...", "a/..b/c", ".hidden", "a//b", "l/i/n/k", " "}) {
+         {"x", "1:2.txt", "ab:c.txt", ":x", "..x", "x..", "...", "a/..b/c", ".hidden", "a//b", "l/i/n/k", " "})
         QTest::newRow(name) << QByteArray(name);
-    }
 }
 
 void TstPackageReader::a_name_that_only_looks_odd_is_extracted()
@@ -473,7 +474,7 @@ void TstPackageReader::a_name_that_only_looks_odd_is_extracted()
     QCOMPARE(readFile(destination(name)), QByteArray("content"));
 }
 
-void TstPackageReader::what_other_archivers_note_about_a_file_does_not_matter_data()
+void TstPackageReader::foreign_entry_attributes_are_ignored_data()
 {
     QTest::addColumn<quint32>("mode");
     QTest::addColumn<quint16>("flags");
@@ -485,7 +486,7 @@ void TstPackageReader::what_other_archivers_note_about_a_file_does_not_matter_da
     QTest::newRow("UTF-8") << 0100644u << quint16(0x800);
 }
 
-void TstPackageReader::what_other_archivers_note_about_a_file_does_not_matter()
+void TstPackageReader::foreign_entry_attributes_are_ignored()
 {
     QFETCH(quint32, mode);
     QFETCH(quint16, flags);
@@ -494,7 +495,7 @@ void TstPackageReader::what_other_archivers_note_about_a_file_does_not_matter()
     QCOMPARE(readFile(destination("x.txt")), QByteArray("content"));
 }
 
-void TstPackageReader::an_entry_that_is_no_file_is_refused_data()
+void TstPackageReader::non_file_entry_is_refused_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<quint32>("mode");
@@ -507,7 +508,7 @@ void TstPackageReader::an_entry_that_is_no_file_is_refused_data()
     QTest::newRow("folder in a file's name") << QByteArray("x") << quint32(PackageBuilder::Directory);
 }
 
-void TstPackageReader::an_entry_that_is_no_file_is_refused()
+void TstPackageReader::non_file_entry_is_refused()
 {
     QFETCH(QByteArray, name);
     QFETCH(quint32, mode);
@@ -544,7 +545,7 @@ void TstPackageReader::the_callers_own_folder_may_be_a_link()
     QCOMPARE(readFile(destination("BKG/x.png")), QByteArray("x"));
 }
 
-void TstPackageReader::what_was_the_callers_own_folder_is_looked_at_again_as_the_archives()
+void TstPackageReader::callers_folder_is_rechecked_for_archive_entries()
 {
     write(PackageBuilder().file("x.png", "x").file("BKG/y.png", "y").file("BKG/z.png", "z"));
     const QString outside = m_temp->path() + "/outside";
@@ -573,15 +574,14 @@ void TstPackageReader::a_destination_that_is_a_link_is_refused()
     QVERIFY(!QFileInfo::exists(m_temp->path() + "/nowhere"));
 }
 
-void TstPackageReader::a_link_that_the_package_brings_is_never_followed()
+void TstPackageReader::packaged_link_is_never_followed()
 {
     const QString outside = m_temp->path() + "/outside";
     QVERIFY(QDir().mkpath(outside));
     write(PackageBuilder().symbolicLink("BKG", QFile::encodeName(outside)).file("BKG/x.png", "x"));
     PackageReader reader(m_package);
-    for (const QString &name : reader.fileList()) {
+    for (const QString &name : reader.fileList())
         reader.extractFile(name, destination(name));
-    }
     QCOMPARE(contents(outside), QStringList());
 }
 
@@ -627,7 +627,7 @@ void TstPackageReader::a_full_disk_leaves_the_previous_file()
     QCOMPARE(QFileInfo(destination("x.png")).size(), 500000);
 }
 
-void TstPackageReader::a_previous_file_is_replaced_even_when_it_may_not_be_written()
+void TstPackageReader::read_only_previous_file_is_replaced()
 {
     write(PackageBuilder().file("x.png", "new", PackageBuilder::Stored, 0100444));
     QVERIFY(writeFile(destination("x.png"), "previous"));
@@ -648,9 +648,8 @@ void TstPackageReader::files_get_the_default_permissions()
               .file("set-uid", "x", PackageBuilder::Stored, 0104777)
               .file("locked", "x", PackageBuilder::Stored, 0100000));
     PackageReader reader(m_package);
-    for (const QString &name : reader.fileList()) {
+    for (const QString &name : reader.fileList())
         reader.extractFile(name, destination(name));
-    }
     umask(oldMask);
     for (const QString &name : {QString("set-uid"), QString("locked")}) {
         struct stat status;
@@ -680,7 +679,7 @@ void TstPackageReader::content_above_the_claimed_size_is_refused()
     QCOMPARE(PackageReader(m_package).extractFile("x.png", destination("x.png")), QString());
 }
 
-void TstPackageReader::an_entry_above_its_limit_does_not_even_make_its_folder()
+void TstPackageReader::oversized_entry_does_not_create_its_folder()
 {
     write(PackageBuilder().file("folder/x.png", "x").claimSize(quint32(1024 * MiB) + 1));
     QCOMPARE(PackageReader(m_package).extractFile("folder/x.png", destination("folder/x.png")), QString());
@@ -702,7 +701,7 @@ void TstPackageReader::content_above_the_free_space_is_refused()
     QCOMPARE(readFile(destination("x.png")), large);
 }
 
-void TstPackageReader::small_content_is_tried_whatever_the_free_space_is()
+void TstPackageReader::small_content_is_written_regardless_of_free_space()
 {
     write(PackageBuilder().file("small.png", noise(64 * 1024)).file("large.png", noise(64 * 1024 + 1)));
     PackageReader reader(m_package);

@@ -1,4 +1,4 @@
-#include "durablefile.h"
+#include "filesystem.h"
 #include "packagesnapshot.h"
 #include "packagetesting.h"
 
@@ -16,8 +16,12 @@
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 
+namespace {
+
 /// Called when somebody asked in vain for a lock to read, before he hears of it. On the thread that tests alone.
-static std::function<void()> s_onRefusedReader;
+std::function<void()> s_onRefusedReader;
+
+} // namespace
 
 // Stands before the C library's.
 extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
@@ -69,7 +73,7 @@ QByteArray TstPackageSnapshot::copied()
     PackageSnapshot snapshot;
     const PackageSnapshot::Outcome outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()});
     const std::unique_ptr<QFile> copy = snapshot.release();
-    return outcome == PackageSnapshot::Taken && copy->seek(0) ? copy->readAll() : QByteArray();
+    return outcome == PackageSnapshot::Outcome::Taken && copy->seek(0) ? copy->readAll() : QByteArray();
 }
 
 void TstPackageSnapshot::a_copy_holds_what_the_package_held()
@@ -85,14 +89,14 @@ void TstPackageSnapshot::a_copy_waits_for_the_edit_of_another_program()
     QVERIFY(writeFile(path("show.corvelpro"), before));
     QFile writer(path("show.corvelpro"));
     QVERIFY(writer.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
-    QVERIFY(DurableFile::lock(writer.handle()));
+    QVERIFY(FileSystem::lock(writer.handle()));
     QVERIFY(writer.seek(100000));
     QCOMPARE(writer.write("the new"), qint64(7));
     s_onRefusedReader = [&] {
         writer.write(", which is longer");
         writer.seek(100000);
         writer.write("the new end, which is longer");
-        DurableFile::unlock(writer.handle());
+        FileSystem::unlock(writer.handle());
     };
     QCOMPARE(copied(), after);
 }
@@ -102,7 +106,7 @@ void TstPackageSnapshot::a_writer_that_never_ends_is_not_waited_for()
     QVERIFY(writeFile(path("show.corvelpro"), noise(100000)));
     QFile writer(path("show.corvelpro"));
     QVERIFY(writer.open(QIODevice::ReadWrite));
-    QVERIFY(DurableFile::lock(writer.handle()));
+    QVERIFY(FileSystem::lock(writer.handle()));
     int refused = 0;
     s_onRefusedReader = [&refused] { ++refused; };
     QCOMPARE(copied(), noise(100000));
@@ -115,9 +119,9 @@ void TstPackageSnapshot::the_package_can_be_edited_after_the_copy()
     QFile other(path("show.corvelpro"));
     QVERIFY(other.open(QIODevice::ReadWrite));
     PackageSnapshot snapshot;
-    QCOMPARE(snapshot.take(path("show.corvelpro"), {m_temp->path()}), PackageSnapshot::Taken);
-    QVERIFY(DurableFile::lock(other.handle()));
-    QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}), PackageSnapshot::Unreadable);
+    QCOMPARE(snapshot.take(path("show.corvelpro"), {m_temp->path()}), PackageSnapshot::Outcome::Taken);
+    QVERIFY(FileSystem::lock(other.handle()));
+    QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}), PackageSnapshot::Outcome::Unreadable);
 }
 
 TEST_MAIN_CORE(TstPackageSnapshot)

@@ -29,41 +29,41 @@ private slots:
     void init();
     void cleanup();
 
-    void names_and_order_are_those_of_compressing_the_directory();
+    void names_and_order_match_compress_dir();
     void leading_bytes_are_those_of_compressing_the_directory();
     void pictures_are_stored_and_the_rest_is_deflated();
     void packed_bytes_come_out_again_with_another_unpacker();
     void other_unpackers_take_the_archive_without_a_warning();
     void an_archive_without_entries_counts_as_unreadable();
     void a_name_longer_than_256_bytes_is_packed();
-    void only_a_name_that_is_not_plain_is_marked_as_utf8();
+    void only_non_ascii_names_are_flagged_as_utf8();
     void names_are_utf8_whatever_the_locale_codec_is();
     void a_time_before_1980_is_stored_as_1980();
-    void a_time_behind_2107_is_stored_as_the_last_of_2107();
-    void whatever_the_file_held_before_is_gone();
+    void times_after_2107_are_clamped_to_2107();
+    void previous_content_is_replaced();
     void scanning_again_lists_nothing_twice();
-    void files_around_the_size_of_a_block_go_in_whole();
-    void the_package_itself_is_left_out_of_its_directory();
+    void files_around_the_block_size_are_packed_whole();
+    void package_in_its_own_directory_is_skipped();
 
-    void a_link_to_a_file_inside_is_packed_as_the_file();
-    void a_link_to_a_folder_inside_is_packed_as_the_folder();
-    void what_cannot_be_packed_whole_is_refused_data();
-    void what_cannot_be_packed_whole_is_refused();
+    void inner_file_link_is_packed_as_file();
+    void inner_folder_link_is_packed_as_folder();
+    void incomplete_packing_is_refused_data();
+    void incomplete_packing_is_refused();
     void what_a_reader_just_takes_is_not_refused();
-    void what_may_not_be_read_is_refused_data();
-    void what_may_not_be_read_is_refused();
-    void more_entries_than_the_classic_format_holds_are_refused();
-    void pictures_that_are_together_above_the_classic_format_are_refused_at_once();
+    void unreadable_files_are_refused_data();
+    void unreadable_files_are_refused();
+    void more_than_65534_entries_are_refused();
+    void pictures_above_4_gib_together_are_refused_early();
     void more_descriptions_than_a_reader_takes_are_refused();
     void more_pixels_than_a_load_takes_are_refused();
-    void names_that_are_longer_than_a_reader_takes_are_refused();
+    void overlong_names_are_refused();
     void a_full_disk_makes_writing_fail();
-    void a_source_that_is_gone_makes_writing_fail();
-    void another_archive_is_not_taken_for_the_written_one();
+    void missing_source_fails_the_write();
+    void replaced_archive_is_not_mistaken_for_ours();
 
     void the_end_record_never_begins_a_chunk_data();
     void the_end_record_never_begins_a_chunk();
-    void the_padding_is_a_field_that_readers_pass_over();
+    void padding_is_an_ignored_extra_field();
     void an_archive_that_needs_no_padding_has_none_data();
     void an_archive_that_needs_no_padding_has_none();
     void memory_stays_bounded();
@@ -120,12 +120,11 @@ void TstPackageWriter::packWithExcess(qint64 excess)
     QVERIFY(pack());
 }
 
-void TstPackageWriter::names_and_order_are_those_of_compressing_the_directory()
+void TstPackageWriter::names_and_order_match_compress_dir()
 {
     QVERIFY(makeDeviceTree(m_dir));
-    for (const char *name : {"b.txt", "A.txt", "a_1.txt", "C/x.txt", "c2/D/y.txt", "c2/e.txt", "_.txt", "Z", "0"}) {
+    for (const char *name : {"b.txt", "A.txt", "a_1.txt", "C/x.txt", "c2/D/y.txt", "c2/e.txt", "_.txt", "Z", "0"})
         QVERIFY(writeFile(m_dir + "/order/" + name, "x"));
-    }
     QVERIFY(pack());
     const QString plain = m_temp->path() + "/plain.zip";
     QVERIFY(JlCompress::compressDir(plain, m_dir, true, QDir::Hidden));
@@ -172,9 +171,8 @@ void TstPackageWriter::packed_bytes_come_out_again_with_another_unpacker()
                                    {m_archive, out});
     QVERIFY2(unpacked.exitCode == 0, unpacked.errors);
     QCOMPARE(contents(out), contents(m_dir));
-    for (const QString &name : contents(m_dir)) {
+    for (const QString &name : contents(m_dir))
         QCOMPARE(readFile(out + '/' + name), readFile(m_dir + '/' + name));
-    }
 }
 
 void TstPackageWriter::other_unpackers_take_the_archive_without_a_warning()
@@ -211,7 +209,7 @@ void TstPackageWriter::a_time_before_1980_is_stored_as_1980()
     QCOMPARE(time.output, QByteArray("(1980, 1, 1, 0, 0, 0)\n"));
 }
 
-void TstPackageWriter::a_time_behind_2107_is_stored_as_the_last_of_2107()
+void TstPackageWriter::times_after_2107_are_clamped_to_2107()
 {
     QVERIFY(writeFile(m_dir + "/new.txt", "new"));
     QCOMPARE(run("touch", {"-d", "2150-06-01 12:00:00", m_dir + "/new.txt"}).exitCode, 0);
@@ -224,12 +222,11 @@ void TstPackageWriter::a_time_behind_2107_is_stored_as_the_last_of_2107()
     QCOMPARE(time.output, QByteArray("(2107, 12, 31, 23, 59, 58)\n"));
 }
 
-void TstPackageWriter::only_a_name_that_is_not_plain_is_marked_as_utf8()
+void TstPackageWriter::only_non_ascii_names_are_flagged_as_utf8()
 {
     // To either side of where plain characters end.
-    for (const QString &name : {QString("plain~\x7F.txt"), QString("first\u0080.txt"), QString("\u00E4.txt")}) {
+    for (const QString &name : {QString("plain~\x7F.txt"), QString("first\u0080.txt"), QString("\u00E4.txt")})
         QVERIFY(writeFile(m_dir + '/' + name, "x"));
-    }
     QVERIFY(pack());
     const Run listing = runPython("import sys, zipfile\n"
                                   "for i in zipfile.ZipFile(sys.argv[1]).infolist():\n"
@@ -255,7 +252,7 @@ void TstPackageWriter::names_are_utf8_whatever_the_locale_codec_is()
     QVERIFY(readFile(m_archive).contains(name.toUtf8()));
 }
 
-void TstPackageWriter::whatever_the_file_held_before_is_gone()
+void TstPackageWriter::previous_content_is_replaced()
 {
     QVERIFY(makeDeviceTree(m_dir));
     QVERIFY(pack());
@@ -279,23 +276,21 @@ void TstPackageWriter::scanning_again_lists_nothing_twice()
     QCOMPARE(names.removeDuplicates(), 0);
 }
 
-void TstPackageWriter::files_around_the_size_of_a_block_go_in_whole()
+void TstPackageWriter::files_around_the_block_size_are_packed_whole()
 {
     for (int block : {1, 4096, 65536, 262144, 524288, 1048576}) {
-        for (int size : {block - 1, block, block + 1}) {
+        for (int size : {block - 1, block, block + 1})
             QVERIFY(writeFile(m_dir + QString("/%1.bin").arg(size), noise(size).left(size)));
-        }
     }
     QVERIFY(pack());
     const QString out = m_temp->path() + "/out";
     QCOMPARE(run("unzip", {"-q", m_archive, "-d", out}).exitCode, 0);
     QCOMPARE(contents(out), contents(m_dir));
-    for (const QString &name : contents(m_dir)) {
+    for (const QString &name : contents(m_dir))
         QVERIFY2(readFile(out + '/' + name) == readFile(m_dir + '/' + name), qPrintable(name));
-    }
 }
 
-void TstPackageWriter::the_package_itself_is_left_out_of_its_directory()
+void TstPackageWriter::package_in_its_own_directory_is_skipped()
 {
     m_archive = m_dir + "/project.corvelpro";
     QVERIFY(writeFile(m_dir + "/a.txt", "a"));
@@ -304,7 +299,7 @@ void TstPackageWriter::the_package_itself_is_left_out_of_its_directory()
     QCOMPARE(JlCompress::getFileList(m_archive), QStringList{"a.txt"});
 }
 
-void TstPackageWriter::a_link_to_a_file_inside_is_packed_as_the_file()
+void TstPackageWriter::inner_file_link_is_packed_as_file()
 {
     QVERIFY(writeFile(m_dir + "/data/real.txt", "content"));
     QVERIFY(QFile::link("data/real.txt", m_dir + "/link.txt"));
@@ -316,7 +311,7 @@ void TstPackageWriter::a_link_to_a_file_inside_is_packed_as_the_file()
     QVERIFY(!QFileInfo(out + "/link.txt").isSymLink());
 }
 
-void TstPackageWriter::a_link_to_a_folder_inside_is_packed_as_the_folder()
+void TstPackageWriter::inner_folder_link_is_packed_as_folder()
 {
     QVERIFY(writeFile(m_dir + "/data/real.txt", "content"));
     QVERIFY(QFile::link("data", m_dir + "/more"));
@@ -324,7 +319,7 @@ void TstPackageWriter::a_link_to_a_folder_inside_is_packed_as_the_folder()
     QCOMPARE(JlCompress::getFileList(m_archive), (QStringList{"data/", "data/real.txt", "more/", "more/real.txt"}));
 }
 
-void TstPackageWriter::what_cannot_be_packed_whole_is_refused_data()
+void TstPackageWriter::incomplete_packing_is_refused_data()
 {
     QTest::addColumn<QStringList>("recipe");
     QTest::newRow("link to a file outside") << QStringList{"ln", "-s", "/etc/passwd", "%1/link"};
@@ -360,7 +355,7 @@ void TstPackageWriter::what_a_reader_just_takes_is_not_refused()
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
 }
 
-void TstPackageWriter::what_cannot_be_packed_whole_is_refused()
+void TstPackageWriter::incomplete_packing_is_refused()
 {
     QFETCH(QStringList, recipe);
     QVERIFY(writeFile(m_dir + "/sub/good.txt", "good"));
@@ -372,7 +367,7 @@ void TstPackageWriter::what_cannot_be_packed_whole_is_refused()
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
 }
 
-void TstPackageWriter::what_may_not_be_read_is_refused_data()
+void TstPackageWriter::unreadable_files_are_refused_data()
 {
     QTest::addColumn<QString>("locked");
     QTest::addColumn<QString>("mode");
@@ -386,7 +381,7 @@ void TstPackageWriter::what_may_not_be_read_is_refused_data()
                                                     << "a-x";
 }
 
-void TstPackageWriter::what_may_not_be_read_is_refused()
+void TstPackageWriter::unreadable_files_are_refused()
 {
     QFETCH(QString, locked);
     QFETCH(QString, mode);
@@ -404,7 +399,7 @@ void TstPackageWriter::what_may_not_be_read_is_refused()
     QCOMPARE(run("chmod", {"u+rwx", m_dir + locked}).exitCode, 0);
 }
 
-void TstPackageWriter::more_entries_than_the_classic_format_holds_are_refused()
+void TstPackageWriter::more_than_65534_entries_are_refused()
 {
     const auto add = [this](int number) {
         QFile file(m_dir + "/files/" + QString::number(number));
@@ -412,15 +407,14 @@ void TstPackageWriter::more_entries_than_the_classic_format_holds_are_refused()
     };
     QVERIFY(QDir().mkpath(m_dir + "/files"));
     // The folder is an entry as well.
-    for (int i = 0; i < 65533; ++i) {
+    for (int i = 0; i < 65533; ++i)
         QVERIFY(add(i));
-    }
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(add(65533));
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
 }
 
-void TstPackageWriter::pictures_that_are_together_above_the_classic_format_are_refused_at_once()
+void TstPackageWriter::pictures_above_4_gib_together_are_refused_early()
 {
     // Headers, twice the names, and the record that ends an archive.
     constexpr qint64 besides = 22 + 16 * (76 + 2 * 8);
@@ -444,9 +438,8 @@ void TstPackageWriter::pictures_that_are_together_above_the_classic_format_are_r
 
 void TstPackageWriter::more_descriptions_than_a_reader_takes_are_refused()
 {
-    for (int number = 0; number < 1000; ++number) {
+    for (int number = 0; number < 1000; ++number)
         QVERIFY(writeFile(m_dir + QStringLiteral("/%1.json").arg(number), "{}"));
-    }
     QVERIFY(pack());
     QCOMPARE(ZipPackageHandle::extractJsonFiles(renamedAsPackage(), m_temp->path() + "/out").count(QString()), 0);
     QVERIFY(writeFile(m_dir + "/sub/more.Json", "{}"));
@@ -457,9 +450,8 @@ void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
 {
     // Only their headers: 50,331,648 pixels each.
     const QByteArray png = PngMaker::signature() + PngMaker::header(8192, 6144);
-    for (int number = 0; number < 85; ++number) {
+    for (int number = 0; number < 85; ++number)
         QVERIFY(writeFile(m_dir + (number % 2 ? "/BKG/" : "/LOGO/") + QString::number(number) + ".png", png));
-    }
     QVERIFY(pack());
     QVERIFY(writeFile(m_dir + "/not in the gallery.png", png));
     QVERIFY(pack());
@@ -467,13 +459,12 @@ void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
     QVERIFY(!pack());
 }
 
-void TstPackageWriter::names_that_are_longer_than_a_reader_takes_are_refused()
+void TstPackageWriter::overlong_names_are_refused()
 {
     // The names of a long branch, all of it again for each of its leaves.
     QString branch = m_dir;
-    for (int level = 0; level < 12; ++level) {
+    for (int level = 0; level < 12; ++level)
         branch += '/' + QString(250, 'd');
-    }
     QVERIFY(QDir().mkpath(branch));
     const qint64 folders = 251 * (12 * 13 / 2);
     const qint64 leaf = 251 * 12 + 100;
@@ -503,7 +494,7 @@ void TstPackageWriter::a_full_disk_makes_writing_fail()
     QVERIFY(pack());
 }
 
-void TstPackageWriter::a_source_that_is_gone_makes_writing_fail()
+void TstPackageWriter::missing_source_fails_the_write()
 {
     QVERIFY(makeDeviceTree(m_dir));
     PackageWriter writer(m_dir, m_archive);
@@ -514,7 +505,7 @@ void TstPackageWriter::a_source_that_is_gone_makes_writing_fail()
     QVERIFY(!writer.write(archive));
 }
 
-void TstPackageWriter::another_archive_is_not_taken_for_the_written_one()
+void TstPackageWriter::replaced_archive_is_not_mistaken_for_ours()
 {
     QVERIFY(makeDeviceTree(m_dir));
     PackageWriter writer(m_dir, m_archive);
@@ -535,9 +526,8 @@ void TstPackageWriter::another_archive_is_not_taken_for_the_written_one()
 void TstPackageWriter::the_end_record_never_begins_a_chunk_data()
 {
     QTest::addColumn<qint64>("excess");
-    for (int excess : {1, 2, 3, 4, 5, 6, 7, 21}) {
+    for (int excess : {1, 2, 3, 4, 5, 6, 7, 21})
         QTest::newRow(qPrintable(QString::number(excess))) << qint64(excess);
-    }
 }
 
 void TstPackageWriter::the_end_record_never_begins_a_chunk()
@@ -550,7 +540,7 @@ void TstPackageWriter::the_end_record_never_begins_a_chunk()
     QCOMPARE(complaints(m_archive), QString());
 }
 
-void TstPackageWriter::the_padding_is_a_field_that_readers_pass_over()
+void TstPackageWriter::padding_is_an_ignored_extra_field()
 {
     packWithExcess(1);
     // The first entry's local header: fixed part, name, extra field, content.
@@ -570,9 +560,8 @@ void TstPackageWriter::the_padding_is_a_field_that_readers_pass_over()
 void TstPackageWriter::an_archive_that_needs_no_padding_has_none_data()
 {
     QTest::addColumn<qint64>("excess");
-    for (int excess : {-1, 0, 22, 23}) {
+    for (int excess : {-1, 0, 22, 23})
         QTest::newRow(qPrintable(QString::number(excess))) << qint64(excess);
-    }
 }
 
 void TstPackageWriter::an_archive_that_needs_no_padding_has_none()

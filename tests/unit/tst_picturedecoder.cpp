@@ -11,18 +11,20 @@ class TstPictureDecoder : public QObject
     Q_OBJECT
 
 private slots:
-    void a_picture_that_was_begun_is_taken_once();
+    void started_picture_is_taken_once();
     void pictures_are_taken_in_any_order();
-    void a_picture_that_was_not_begun_is_empty();
-    void what_cannot_be_decoded_is_an_empty_picture_data();
-    void what_cannot_be_decoded_is_an_empty_picture();
-    void its_end_does_not_need_the_pictures();
+    void unstarted_picture_is_null();
+    void undecodable_picture_is_null_data();
+    void undecodable_picture_is_null();
+    void destruction_does_not_need_the_pictures();
 };
 
-static const QString one = QStringLiteral("one");
-static const QString two = QStringLiteral("two");
+namespace {
 
-static std::shared_ptr<QIODevice> contentOf(const QByteArray &bytes)
+const QString one = QStringLiteral("one");
+const QString two = QStringLiteral("two");
+
+std::shared_ptr<QIODevice> contentOf(const QByteArray &bytes)
 {
     auto content = std::make_shared<QBuffer>();
     content->setData(bytes);
@@ -30,7 +32,9 @@ static std::shared_ptr<QIODevice> contentOf(const QByteArray &bytes)
     return content;
 }
 
-void TstPictureDecoder::a_picture_that_was_begun_is_taken_once()
+} // namespace
+
+void TstPictureDecoder::started_picture_is_taken_once()
 {
     const QImage picture = noisePicture({60, 40}, 1);
     PictureDecoder decoder(1);
@@ -52,13 +56,13 @@ void TstPictureDecoder::pictures_are_taken_in_any_order()
     QCOMPARE(decoder.take(one), opaque.convertToFormat(QImage::Format_ARGB32));
 }
 
-void TstPictureDecoder::a_picture_that_was_not_begun_is_empty()
+void TstPictureDecoder::unstarted_picture_is_null()
 {
     PictureDecoder decoder(1);
     QVERIFY(decoder.take(one).isNull());
 }
 
-void TstPictureDecoder::what_cannot_be_decoded_is_an_empty_picture_data()
+void TstPictureDecoder::undecodable_picture_is_null_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QSize>("size");
@@ -69,7 +73,7 @@ void TstPictureDecoder::what_cannot_be_decoded_is_an_empty_picture_data()
     QTest::newRow("cut off") << good.left(good.size() / 2) << QSize(60, 40);
 }
 
-void TstPictureDecoder::what_cannot_be_decoded_is_an_empty_picture()
+void TstPictureDecoder::undecodable_picture_is_null()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QSize, size);
@@ -80,7 +84,7 @@ void TstPictureDecoder::what_cannot_be_decoded_is_an_empty_picture()
     QVERIFY(decoder.take(one).isNull());
 }
 
-void TstPictureDecoder::its_end_does_not_need_the_pictures()
+void TstPictureDecoder::destruction_does_not_need_the_pictures()
 {
     const QImage picture = noisePicture({400, 300}, 1);
     const QByteArray bytes = pngOf(picture);

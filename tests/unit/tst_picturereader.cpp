@@ -25,8 +25,8 @@ private slots:
     void texts_are_counted_data();
     void texts_are_counted();
     void a_file_above_256_MiB_is_not_read();
-    void what_is_no_png_has_no_size_data();
-    void what_is_no_png_has_no_size();
+    void non_png_has_no_size_data();
+    void non_png_has_no_size();
     void a_missing_picture_has_no_size();
 
 private:
@@ -141,7 +141,7 @@ void TstPictureReader::a_file_above_256_MiB_is_not_read()
     QCOMPARE(PictureReader(path).size(), QSize());
 }
 
-void TstPictureReader::what_is_no_png_has_no_size_data()
+void TstPictureReader::non_png_has_no_size_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("empty") << QByteArray();
@@ -154,7 +154,7 @@ void TstPictureReader::what_is_no_png_has_no_size_data()
     }
 }
 
-void TstPictureReader::what_is_no_png_has_no_size()
+void TstPictureReader::non_png_has_no_size()
 {
     QFETCH(QByteArray, bytes);
     PictureReader reader(write(bytes));

@@ -22,16 +22,16 @@ class TstPictureWriter : public QObject
 private slots:
     void init();
 
-    void every_picture_is_written_as_its_own_save_does();
-    void a_picture_that_cannot_be_written_is_logged_and_stops_no_other_data();
-    void a_picture_that_cannot_be_written_is_logged_and_stops_no_other();
-    void of_two_pictures_for_one_path_the_later_one_stays();
-    void never_more_pictures_are_held_than_cores_and_two();
+    void every_picture_is_written_like_qimage_save();
+    void unwritable_picture_is_logged_and_stops_no_other_data();
+    void unwritable_picture_is_logged_and_stops_no_other();
+    void later_picture_for_one_path_wins();
+    void at_most_cores_plus_two_pictures_are_held();
     void pictures_under_way_stay_within_the_budget_data();
     void pictures_under_way_stay_within_the_budget();
-    void what_was_written_is_told_with_its_size();
-    void an_exception_of_the_encoder_comes_to_its_owner();
-    void its_end_leaves_whole_pictures_only();
+    void written_files_are_reported_with_their_size();
+    void encoder_exception_reaches_the_caller();
+    void destruction_leaves_only_complete_pictures();
 
 private:
     QString path(int number) const { return m_dir->filePath(QStringLiteral("%1.png").arg(number)); }
@@ -46,7 +46,7 @@ void TstPictureWriter::init()
     WarningGuard::clear();
 }
 
-void TstPictureWriter::every_picture_is_written_as_its_own_save_does()
+void TstPictureWriter::every_picture_is_written_like_qimage_save()
 {
     PictureWriter writer(m_encoded);
     for (int number = 0; number < 30; ++number)
@@ -56,7 +56,7 @@ void TstPictureWriter::every_picture_is_written_as_its_own_save_does()
         QCOMPARE(readFile(path(number)), pngOf(noisePicture({50, 40}, quint32(number))));
 }
 
-void TstPictureWriter::a_picture_that_cannot_be_written_is_logged_and_stops_no_other_data()
+void TstPictureWriter::unwritable_picture_is_logged_and_stops_no_other_data()
 {
     QTest::addColumn<bool>("isEmpty");
     QTest::addColumn<QString>("place");
@@ -64,7 +64,7 @@ void TstPictureWriter::a_picture_that_cannot_be_written_is_logged_and_stops_no_o
     QTest::newRow("no such folder") << false << "missing/bad.png";
 }
 
-void TstPictureWriter::a_picture_that_cannot_be_written_is_logged_and_stops_no_other()
+void TstPictureWriter::unwritable_picture_is_logged_and_stops_no_other()
 {
     QFETCH(bool, isEmpty);
     QFETCH(QString, place);
@@ -85,7 +85,7 @@ void TstPictureWriter::a_picture_that_cannot_be_written_is_logged_and_stops_no_o
              qPrintable(logged.first()));
 }
 
-void TstPictureWriter::of_two_pictures_for_one_path_the_later_one_stays()
+void TstPictureWriter::later_picture_for_one_path_wins()
 {
     PictureWriter writer(m_encoded);
     for (quint32 seed = 0; seed < 20; ++seed) {
@@ -96,7 +96,7 @@ void TstPictureWriter::of_two_pictures_for_one_path_the_later_one_stays()
     QCOMPARE(readFile(path(1)), pngOf(noisePicture({3, 2}, 19)));
 }
 
-void TstPictureWriter::never_more_pictures_are_held_than_cores_and_two()
+void TstPictureWriter::at_most_cores_plus_two_pictures_are_held()
 {
     // Each picture counts itself while its pixels are held.
     static std::atomic<int> held;
@@ -168,7 +168,7 @@ void TstPictureWriter::pictures_under_way_stay_within_the_budget()
     QCOMPARE(held.load(), qint64(0));
 }
 
-void TstPictureWriter::what_was_written_is_told_with_its_size()
+void TstPictureWriter::written_files_are_reported_with_their_size()
 {
     PictureWriter writer(m_encoded);
     writer.write(noisePicture({50, 40}, 1), path(1));
@@ -182,7 +182,7 @@ void TstPictureWriter::what_was_written_is_told_with_its_size()
     QCOMPARE(writer.written().value(path(1)), qint64(pngOf(noisePicture({20, 10}, 4)).size()));
 }
 
-void TstPictureWriter::an_exception_of_the_encoder_comes_to_its_owner()
+void TstPictureWriter::encoder_exception_reaches_the_caller()
 {
     const auto failing =
         std::make_shared<EncodedPictures>(0, [](const QImage &) -> QByteArray { throw std::bad_alloc(); });
@@ -192,7 +192,7 @@ void TstPictureWriter::an_exception_of_the_encoder_comes_to_its_owner()
     QVERIFY(!QFile::exists(path(1)));
 }
 
-void TstPictureWriter::its_end_leaves_whole_pictures_only()
+void TstPictureWriter::destruction_leaves_only_complete_pictures()
 {
     constexpr int count = 12;
     QVector<QByteArray> expected;

@@ -20,15 +20,19 @@ public:
     bool isEmpty() const override { return false; }
 };
 
-static QImage pixels(const QIcon &icon)
+namespace {
+
+QImage pixels(const QIcon &icon)
 {
     return icon.pixmap(64, 64).toImage();
 }
 
-static QImage themePixels(const char *name)
+QImage themePixels(const char *name)
 {
     return pixels(Icon::fromTheme(QLatin1String(name), QString()));
 }
+
+} // namespace
 
 class TstProjectFileCfgMode : public QObject
 {
@@ -36,13 +40,13 @@ class TstProjectFileCfgMode : public QObject
 
 private slots:
     void identity_and_place_are_fixed();
-    void it_can_be_pressed_and_is_not_shown_yet();
+    void button_is_enabled_but_not_yet_shown();
     void texts_are_set_after_construction();
     void texts_follow_the_language_when_asked();
     void the_icon_is_the_themes();
-    void state_icons_come_in_the_order_normal_hover_pressed();
-    void it_is_a_settings_mode_without_a_tool_bar();
-    void it_belongs_to_its_parent();
+    void state_icons_are_normal_hover_pressed();
+    void is_a_settings_mode_without_tool_bar();
+    void has_its_parent_as_owner();
 };
 
 void TstProjectFileCfgMode::identity_and_place_are_fixed()
@@ -53,7 +57,7 @@ void TstProjectFileCfgMode::identity_and_place_are_fixed()
     QCOMPARE(mode.priority(), 594);
 }
 
-void TstProjectFileCfgMode::it_can_be_pressed_and_is_not_shown_yet()
+void TstProjectFileCfgMode::button_is_enabled_but_not_yet_shown()
 {
     const ProjectFileCfgMode mode(nullptr);
     QVERIFY(mode.enabled());
@@ -88,7 +92,7 @@ void TstProjectFileCfgMode::the_icon_is_the_themes()
     QCOMPARE(pixels(mode.icon()), themePixels("project_normal"));
 }
 
-void TstProjectFileCfgMode::state_icons_come_in_the_order_normal_hover_pressed()
+void TstProjectFileCfgMode::state_icons_are_normal_hover_pressed()
 {
     const ProjectFileCfgMode mode(nullptr);
     const QVector<QPair<int, QIcon>> icons = mode.stateIcons();
@@ -105,7 +109,7 @@ void TstProjectFileCfgMode::state_icons_come_in_the_order_normal_hover_pressed()
     QVERIFY(themePixels("project_hover_normal") != themePixels("projecte_pressed_normal"));
 }
 
-void TstProjectFileCfgMode::it_is_a_settings_mode_without_a_tool_bar()
+void TstProjectFileCfgMode::is_a_settings_mode_without_tool_bar()
 {
     const ProjectFileCfgMode mode(nullptr);
     QVERIFY(!mode.toolBar());
@@ -115,7 +119,7 @@ void TstProjectFileCfgMode::it_is_a_settings_mode_without_a_tool_bar()
     QCOMPARE(mode.hasDeviceToolBar(), mode.Core::IMode::hasDeviceToolBar());
 }
 
-void TstProjectFileCfgMode::it_belongs_to_its_parent()
+void TstProjectFileCfgMode::has_its_parent_as_owner()
 {
     QObject parent;
     const ProjectFileCfgMode *mode = new ProjectFileCfgMode(&parent);

@@ -23,26 +23,26 @@ private slots:
     void init();
 
     void a_missing_directory_is_created_and_lists_nothing();
-    void a_directory_that_cannot_be_created_leaves_the_list();
+    void uncreatable_directory_leaves_the_list();
     void packages_are_listed_newest_first_with_their_records();
     void packages_of_one_time_are_listed_by_name();
-    void the_name_is_the_files_and_not_the_records();
+    void name_comes_from_the_file_not_the_record();
     void the_name_ends_at_the_first_dot();
     void a_known_package_is_not_read_again();
     void a_known_package_moves_with_its_time();
     void a_renamed_package_is_read_again();
     void a_deleted_package_leaves_the_list();
-    void what_is_no_valid_package_is_left_out_data();
-    void what_is_no_valid_package_is_left_out();
+    void invalid_packages_are_skipped_data();
+    void invalid_packages_are_skipped();
     void an_extension_in_capitals_is_listed();
     void other_files_and_sub_directories_are_left_out();
 
-    void a_scan_started_earlier_never_replaces_a_later_ones_list();
+    void earlier_scan_never_replaces_a_later_list();
     void scans_that_end_in_order_replace_each_other();
     void a_running_scan_leaves_a_list_that_was_changed();
     void a_change_tells_whether_scans_are_running_data();
     void a_change_tells_whether_scans_are_running();
-    void scans_in_many_threads_leave_the_list_of_the_last_one();
+    void parallel_scans_leave_the_last_ones_list();
 
     void a_snapshot_stays_as_it_was_taken();
     void packages_are_found_by_their_path();
@@ -51,9 +51,9 @@ private slots:
     void renaming_what_is_not_listed_changes_nothing();
     void clearing_removes_every_file_that_it_can();
 
-    void a_held_list_keeps_no_scan_waiting();
-    void a_list_held_twice_is_free_after_both();
-    void a_list_locked_for_a_moment_is_waited_for();
+    void held_list_does_not_block_scans();
+    void list_held_twice_is_free_after_both();
+    void scan_waits_for_a_briefly_locked_list();
 
     void an_unfinished_file_is_looked_at_again_data();
     void an_unfinished_file_is_looked_at_again();
@@ -95,7 +95,7 @@ bool TstProjectList::addPackage(const QString &fileName, const QString &comment,
 QStringList TstProjectList::names() const
 {
     QStringList names;
-    for (const EngineerPacketInfo &info : m_list->projects)
+    for (const EngineerPacketInfo &info : m_list->listProjects)
         names.append(info.strProjectName);
     return names;
 }
@@ -103,7 +103,7 @@ QStringList TstProjectList::names() const
 QStringList TstProjectList::comments() const
 {
     QStringList comments;
-    for (const EngineerPacketInfo &info : m_list->projects)
+    for (const EngineerPacketInfo &info : m_list->listProjects)
         comments.append(info.strComment);
     return comments;
 }
@@ -113,10 +113,10 @@ void TstProjectList::a_missing_directory_is_created_and_lists_nothing()
     m_path = m_temp->path() + "/a/b/ProjectFiles/";
     scan();
     QVERIFY(QDir(m_path).exists());
-    QVERIFY(m_list->projects.isEmpty());
+    QVERIFY(m_list->listProjects.isEmpty());
 }
 
-void TstProjectList::a_directory_that_cannot_be_created_leaves_the_list()
+void TstProjectList::uncreatable_directory_leaves_the_list()
 {
     QVERIFY(addPackage("A.corvelpro", "a"));
     scan();
@@ -134,8 +134,8 @@ void TstProjectList::packages_are_listed_newest_first_with_their_records()
     scan();
     QCOMPARE(names(), QStringList({"Newest", "Middle", "Oldest"}));
     QCOMPARE(comments(), QStringList({"first", "second", "third"}));
-    QCOMPARE(m_list->projects.first().strFilePath, m_path + "Newest.corvelpro");
-    QCOMPARE(m_list->projects.first().strChecksum.size(), 32);
+    QCOMPARE(m_list->listProjects.first().strFilePath, m_path + "Newest.corvelpro");
+    QCOMPARE(m_list->listProjects.first().strChecksum.size(), 32);
 }
 
 void TstProjectList::packages_of_one_time_are_listed_by_name()
@@ -154,7 +154,7 @@ void TstProjectList::packages_of_one_time_are_listed_by_name()
     QCOMPARE(names(), expected);
 }
 
-void TstProjectList::the_name_is_the_files_and_not_the_records()
+void TstProjectList::name_comes_from_the_file_not_the_record()
 {
     QVERIFY(addPackage("From the file.corvelpro", QString()));
     scan();
@@ -172,7 +172,7 @@ void TstProjectList::a_known_package_is_not_read_again()
 {
     QVERIFY(addPackage("A.corvelpro", "before"));
     scan();
-    const QString checksum = m_list->projects.first().strChecksum;
+    const QString checksum = m_list->listProjects.first().strChecksum;
     QVERIFY(addPackage("A.corvelpro", "after"));
     scan();
     QCOMPARE(comments(), QStringList{"before"});
@@ -180,7 +180,7 @@ void TstProjectList::a_known_package_is_not_read_again()
     QVERIFY(writeFile(m_path + "A.corvelpro", "no package"));
     scan();
     QCOMPARE(comments(), QStringList{"before"});
-    QCOMPARE(m_list->projects.first().strChecksum, checksum);
+    QCOMPARE(m_list->listProjects.first().strChecksum, checksum);
 }
 
 void TstProjectList::a_known_package_moves_with_its_time()
@@ -215,7 +215,7 @@ void TstProjectList::a_deleted_package_leaves_the_list()
     QCOMPARE(names(), QStringList{"B"});
 }
 
-void TstProjectList::what_is_no_valid_package_is_left_out_data()
+void TstProjectList::invalid_packages_are_skipped_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     PackageBuilder good;
@@ -234,13 +234,15 @@ void TstProjectList::what_is_no_valid_package_is_left_out_data()
     QTest::newRow("wrong checksum")
         << PackageBuilder(good).recordWithChecksum(QString(32, 'a'), "name", "comment").build();
     QTest::newRow("record of two keys") << PackageBuilder(good)
-                                               .comment("{\"Checksum\":\"" + PackageBuilder::checksum(archive, 0) +
-                                                        "\",\"projectName\":\"name\"}")
+                                               .archiveComment("{\"Checksum\":\"" +
+                                                               PackageBuilder::checksum(archive, 0) +
+                                                               "\",\"projectName\":\"name\"}")
                                                .build();
-    QTest::newRow("record that is no JSON") << PackageBuilder(good).comment("Checksum projectName comment").build();
+    QTest::newRow("record that is no JSON")
+        << PackageBuilder(good).archiveComment("Checksum projectName comment").build();
 }
 
-void TstProjectList::what_is_no_valid_package_is_left_out()
+void TstProjectList::invalid_packages_are_skipped()
 {
     QFETCH(QByteArray, bytes);
     QVERIFY(addPackage("Good.corvelpro", "good"));
@@ -269,7 +271,7 @@ void TstProjectList::other_files_and_sub_directories_are_left_out()
     QCOMPARE(names(), QStringList());
 }
 
-void TstProjectList::a_scan_started_earlier_never_replaces_a_later_ones_list()
+void TstProjectList::earlier_scan_never_replaces_a_later_list()
 {
     QVERIFY(addPackage("A.corvelpro", "a"));
     const quint64 earlier = m_list->beginScan();
@@ -329,7 +331,7 @@ void TstProjectList::a_change_tells_whether_scans_are_running()
     QVERIFY(!change(*m_list));
 }
 
-void TstProjectList::scans_in_many_threads_leave_the_list_of_the_last_one()
+void TstProjectList::parallel_scans_leave_the_last_ones_list()
 {
     const int scans = 50;
     QVERIFY(addPackage("A.corvelpro", "a", 100));
@@ -340,7 +342,7 @@ void TstProjectList::scans_in_many_threads_leave_the_list_of_the_last_one()
         const quint64 number = m_list->beginScan();
         running.append(QtConcurrent::run([this, number] { m_list->scanProjectFiles(m_path, number); }));
         const QMutexLocker locker(&m_list->mutex);
-        QVERIFY(m_list->projects.size() <= 2);
+        QVERIFY(m_list->listProjects.size() <= 2);
     }
     for (QFuture<void> &one : running)
         one.waitForFinished();
@@ -427,7 +429,7 @@ void TstProjectList::clearing_removes_every_file_that_it_can()
              QStringList({"B.corvelpro", "Unlisted.corvelpro"}));
 }
 
-void TstProjectList::a_held_list_keeps_no_scan_waiting()
+void TstProjectList::held_list_does_not_block_scans()
 {
     QVERIFY(addPackage("A.corvelpro", "a"));
     QVERIFY(!m_list->isHeldAgainstScan());
@@ -436,7 +438,7 @@ void TstProjectList::a_held_list_keeps_no_scan_waiting()
         const ProjectList::Hold hold(*m_list);
         // On another thread: this one may lock the list again.
         std::thread([this] { scan(); }).join();
-        QVERIFY(m_list->projects.isEmpty());
+        QVERIFY(m_list->listProjects.isEmpty());
         QVERIFY(!m_list->takeMissedScan());
     }
     QVERIFY(m_list->takeMissedScan());
@@ -446,7 +448,7 @@ void TstProjectList::a_held_list_keeps_no_scan_waiting()
     QVERIFY(!m_list->takeMissedScan());
 }
 
-void TstProjectList::a_list_held_twice_is_free_after_both()
+void TstProjectList::list_held_twice_is_free_after_both()
 {
     {
         const ProjectList::Hold outer(*m_list);
@@ -461,12 +463,12 @@ void TstProjectList::a_list_held_twice_is_free_after_both()
     QVERIFY(m_list->takeMissedScan());
 }
 
-void TstProjectList::a_list_locked_for_a_moment_is_waited_for()
+void TstProjectList::scan_waits_for_a_briefly_locked_list()
 {
     QVERIFY(addPackage("A.corvelpro", "a"));
     m_list->mutex.lock();
     std::thread scanning([this] { scan(); });
-    QVERIFY(m_list->projects.isEmpty());
+    QVERIFY(m_list->listProjects.isEmpty());
     m_list->mutex.unlock();
     scanning.join();
     QCOMPARE(names(), QStringList{"A"});

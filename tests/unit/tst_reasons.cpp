@@ -1,4 +1,4 @@
-#include "durablefile.h"
+#include "filesystem.h"
 #include "packagereader.h"
 #include "packagesnapshot.h"
 #include "packagetesting.h"
@@ -64,7 +64,7 @@ private slots:
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
     /// Saves the folder "device" as "projects/show.corvelpro".
-    bool save(const DurableFile::FileIdentity &previous, QString *reason);
+    bool save(const FileSystem::FileIdentity &previous, QString *reason);
     /// Complains unless the text contains both.
     static QString missingIn(const QString &reason, const QString &path, const QString &cause);
 
@@ -85,7 +85,7 @@ QString TstReasons::missingIn(const QString &reason, const QString &path, const 
                : QStringLiteral("\"%1\" lacks \"%2\" or \"%3\"").arg(reason, path, cause);
 }
 
-bool TstReasons::save(const DurableFile::FileIdentity &previous, QString *reason)
+bool TstReasons::save(const FileSystem::FileIdentity &previous, QString *reason)
 {
     EngineerPacketInfo info;
     info.strFilePath = path("projects/show.corvelpro");
@@ -148,7 +148,7 @@ void TstReasons::a_failed_save_says_why()
     QVERIFY(makeDeviceTree(path("device")));
     QVERIFY(QDir().mkpath(path("projects")));
     QVERIFY(writeFile(path("projects/show.corvelpro"), "old"));
-    const DurableFile::FileIdentity previous(path("projects/show.corvelpro"));
+    const FileSystem::FileIdentity previous(path("projects/show.corvelpro"));
     prepare(m_temp->path());
     QString reason;
     QVERIFY(!save(previous, &reason));
@@ -161,7 +161,7 @@ void TstReasons::a_save_without_room_says_so()
 {
     QVERIFY(makeDeviceTree(path("device")));
     QVERIFY(QDir().mkpath(path("projects")));
-    const DurableFile::FileIdentity previous(path("projects/show.corvelpro"));
+    const FileSystem::FileIdentity previous(path("projects/show.corvelpro"));
     QString reason;
     bool isSaved = false;
     {
@@ -193,7 +193,7 @@ void TstReasons::an_invalid_package_says_why_data()
         [](const QString &file) { QVERIFY(::mkfifo(QFile::encodeName(file).constData(), 0600) == 0); });
     row("no comment", "no info record", [good](const QString &file) { QVERIFY(good.write(file)); });
     row("two keys", "no info record", [good](const QString &file) {
-        QVERIFY(PackageBuilder(good).comment(R"({"Checksum": "x", "comment": "y"})").write(file));
+        QVERIFY(PackageBuilder(good).archiveComment(R"({"Checksum": "x", "comment": "y"})").write(file));
     });
     row("another checksum", "its record says \"0123\"", [good](const QString &file) {
         QVERIFY(PackageBuilder(good).recordWithChecksum("0123", "show", "x").write(file));
@@ -260,7 +260,7 @@ void TstReasons::an_edit_of_a_locked_package_says_so()
     QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "before").write(info.strFilePath));
     QFile other(info.strFilePath);
     QVERIFY(other.open(QIODevice::ReadWrite));
-    QVERIFY(DurableFile::lock(other.handle()));
+    QVERIFY(FileSystem::lock(other.handle()));
     QString reason;
     QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
     QCOMPARE(missingIn(reason, info.strFilePath, "another program keeps"), QString());
@@ -390,17 +390,17 @@ void TstReasons::a_package_that_is_not_copied_says_why()
 {
     PackageSnapshot snapshot;
     QString reason;
-    QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}, &reason), PackageSnapshot::Unreadable);
+    QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}, &reason), PackageSnapshot::Outcome::Unreadable);
     QCOMPARE(missingIn(reason, path("missing"), "No such file or directory"), QString());
     QVERIFY(writeFile(path("show.corvelpro"), noise(MiB)));
-    QCOMPARE(snapshot.take(path("show.corvelpro"), {path("no/folder")}, &reason), PackageSnapshot::NoRoom);
+    QCOMPARE(snapshot.take(path("show.corvelpro"), {path("no/folder")}, &reason), PackageSnapshot::Outcome::NoRoom);
     QCOMPARE(missingIn(reason, path("show.corvelpro"), "No such file or directory"), QString());
-    PackageSnapshot::Outcome outcome = PackageSnapshot::Taken;
+    PackageSnapshot::Outcome outcome = PackageSnapshot::Outcome::Taken;
     {
         const FullDisk disk(1000);
         outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()}, &reason);
     }
-    QCOMPARE(outcome, PackageSnapshot::NoRoom);
+    QCOMPARE(outcome, PackageSnapshot::Outcome::NoRoom);
     QCOMPARE(missingIn(reason, path("show.corvelpro"), "only a part could be written"), QString());
 }
 
@@ -435,7 +435,7 @@ void TstReasons::success_leaves_the_reason_alone()
 {
     QVERIFY(makeDeviceTree(path("device")));
     QVERIFY(QDir().mkpath(path("projects")));
-    const DurableFile::FileIdentity previous(path("projects/show.corvelpro"));
+    const FileSystem::FileIdentity previous(path("projects/show.corvelpro"));
     QString reason;
     QVERIFY2(save(previous, &reason), qPrintable(reason));
     EngineerPacketInfo info;
@@ -459,7 +459,7 @@ void TstReasons::nothing_is_logged_below_the_jobs()
     info.strFilePath = path("missing.corvelpro");
     QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
     QVERIFY(!copyToFreeName(path("missing"), path("copy"), &reason));
-    QVERIFY(!save(DurableFile::FileIdentity(path("x")), &reason));
+    QVERIFY(!save(FileSystem::FileIdentity(path("x")), &reason));
     QCOMPARE(WarningGuard::texts(QtDebugMsg), QStringList());
 }
 
@@ -481,7 +481,7 @@ void TstReasons::a_scan_logs_once_why_a_package_is_not_listed()
     QCOMPARE(logged(), QStringList());
     QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").write(broken));
     QCOMPARE(logged(), QStringList());
-    QCOMPARE(list.projects.size(), 2);
+    QCOMPARE(list.listProjects.size(), 2);
 }
 
 TEST_MAIN(TstReasons)

@@ -1,4 +1,4 @@
-#include "durablefile.h"
+#include "filesystem.h"
 #include "packagereader.h"
 #include "packagetesting.h"
 #include "projectlist.h"
@@ -23,29 +23,29 @@ class TstReplacingFile : public QObject
 private slots:
     void init();
 
-    void a_fragment_is_hidden_and_goes_with_its_object();
-    void a_target_that_must_be_kept_is_kept();
-    void a_copy_has_the_bytes_and_permissions_of_its_source();
-    void a_copy_shares_nothing_that_shows_with_its_source();
-    void a_file_that_is_written_in_many_steps_is_whole();
-    void a_copy_replaces_nothing();
-    void a_copy_makes_no_folder();
-    void a_copy_of_what_is_no_plain_file_fails_at_once_data();
-    void a_copy_of_what_is_no_plain_file_fails_at_once();
-    void a_copy_does_not_write_through_a_broken_link();
-    void a_renaming_replaces_nothing();
-    void a_missing_folder_is_made_with_those_that_lead_there();
-    void a_file_in_a_folders_place_is_told();
+    void fragment_is_hidden_and_removed_on_destruction();
+    void required_target_is_kept();
+    void copy_keeps_content_and_permissions();
+    void changing_a_copy_leaves_its_source_alone();
+    void file_written_in_many_steps_is_complete();
+    void copying_never_overwrites();
+    void copying_creates_no_folder();
+    void copying_a_special_file_fails_at_once_data();
+    void copying_a_special_file_fails_at_once();
+    void copy_does_not_follow_a_dangling_link();
+    void renaming_never_overwrites();
+    void missing_folder_is_created_with_its_parents();
+    void file_at_a_folders_path_is_reported();
 
     void only_old_fragments_are_stale();
-    void what_is_no_fragment_is_never_stale_data();
-    void what_is_no_fragment_is_never_stale();
+    void other_files_are_never_stale_fragments_data();
+    void other_files_are_never_stale_fragments();
     void scanning_saving_copying_and_extracting_remove_stale_fragments_data();
     void scanning_saving_copying_and_extracting_remove_stale_fragments();
     void fragments_are_not_packed();
 
-    void a_record_is_written_with_the_checksum_that_it_has();
-    void a_package_that_may_not_be_written_keeps_its_record();
+    void record_keeps_its_checksum_when_written();
+    void read_only_package_keeps_its_record();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
@@ -70,11 +70,11 @@ bool TstReplacingFile::addFragment(const QString &folder, int hoursOld, const QS
            file.setFileTime(QDateTime::currentDateTime().addSecs(-3600 * hoursOld), QFileDevice::FileModificationTime);
 }
 
-void TstReplacingFile::a_fragment_is_hidden_and_goes_with_its_object()
+void TstReplacingFile::fragment_is_hidden_and_removed_on_destruction()
 {
     QVERIFY(writeFile(path("target"), "old"));
     {
-        ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+        ReplacingFile file(path("target"), ReplacingFile::Durability::FlushedToDisk);
         QVERIFY(file.create());
         QCOMPARE(file.file().write("new"), qint64(3));
         const QString name = QFileInfo(file.path()).fileName();
@@ -85,22 +85,23 @@ void TstReplacingFile::a_fragment_is_hidden_and_goes_with_its_object()
     QCOMPARE(readFile(path("target")), QByteArray("old"));
 }
 
-void TstReplacingFile::a_target_that_must_be_kept_is_kept()
+void TstReplacingFile::required_target_is_kept()
 {
-    for (const auto durability : {ReplacingFile::FlushedToDisk, ReplacingFile::NotFlushed}) {
+    for (const auto durability : {ReplacingFile::Durability::FlushedToDisk, ReplacingFile::Durability::NotFlushed}) {
         QVERIFY(writeFile(path("target"), "old"));
         for (const bool keep : {true, false}) {
             ReplacingFile file(path("target"), durability);
             QVERIFY(file.create());
             QCOMPARE(file.file().write("new"), qint64(3));
-            QCOMPARE(file.commit(keep ? ReplacingFile::Kept : ReplacingFile::Replaced), !keep);
+            QCOMPARE(file.commit(keep ? ReplacingFile::ExistingTarget::Kept : ReplacingFile::ExistingTarget::Replaced),
+                     !keep);
             QCOMPARE(readFile(path("target")), QByteArray(keep ? "old" : "new"));
         }
     }
     QCOMPARE(contents(m_temp->path()), QStringList{"target"});
 }
 
-void TstReplacingFile::a_copy_has_the_bytes_and_permissions_of_its_source()
+void TstReplacingFile::copy_keeps_content_and_permissions()
 {
     const QByteArray bytes = noise(3 * MiB + 1);
     QVERIFY(writeFile(path("source"), bytes));
@@ -114,11 +115,11 @@ void TstReplacingFile::a_copy_has_the_bytes_and_permissions_of_its_source()
     QCOMPARE(contents(m_temp->path()), (QStringList{"copy", "source"}));
 }
 
-void TstReplacingFile::a_copy_shares_nothing_that_shows_with_its_source()
+void TstReplacingFile::changing_a_copy_leaves_its_source_alone()
 {
     const QByteArray content = QByteArray("the same in both ").repeated(3000);
     QVERIFY(writeFile(path("source"), content));
-    ReplacingFile copy(path("target"), ReplacingFile::FlushedToDisk);
+    ReplacingFile copy(path("target"), ReplacingFile::Durability::FlushedToDisk);
     QVERIFY(copy.createFrom(path("source")));
     QCOMPARE(copy.file().pos(), qint64(0));
     QCOMPARE(copy.file().write("only here"), qint64(9));
@@ -129,9 +130,9 @@ void TstReplacingFile::a_copy_shares_nothing_that_shows_with_its_source()
 }
 
 /// So much that the disk begins before the end, with numbers at the beginning that are known only then.
-void TstReplacingFile::a_file_that_is_written_in_many_steps_is_whole()
+void TstReplacingFile::file_written_in_many_steps_is_complete()
 {
-    ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+    ReplacingFile file(path("target"), ReplacingFile::Durability::FlushedToDisk);
     QVERIFY(file.create());
     QByteArray expected("begun");
     QCOMPARE(file.file().write(expected), qint64(expected.size()));
@@ -147,7 +148,7 @@ void TstReplacingFile::a_file_that_is_written_in_many_steps_is_whole()
     QVERIFY(readFile(path("target")) == expected);
 }
 
-void TstReplacingFile::a_copy_replaces_nothing()
+void TstReplacingFile::copying_never_overwrites()
 {
     QVERIFY(writeFile(path("source"), "new"));
     QVERIFY(writeFile(path("copy"), "old"));
@@ -161,14 +162,14 @@ void TstReplacingFile::a_copy_replaces_nothing()
     QCOMPARE(contents(m_temp->path()), (QStringList{"copy", "folder", "source"}));
 }
 
-void TstReplacingFile::a_copy_makes_no_folder()
+void TstReplacingFile::copying_creates_no_folder()
 {
     QVERIFY(writeFile(path("source"), "new"));
     QVERIFY(!copyToFreeName(path("source"), path("stick/copy")));
     QCOMPARE(contents(m_temp->path()), QStringList{"source"});
 }
 
-void TstReplacingFile::a_copy_of_what_is_no_plain_file_fails_at_once_data()
+void TstReplacingFile::copying_a_special_file_fails_at_once_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<bool>("linked");
@@ -178,7 +179,7 @@ void TstReplacingFile::a_copy_of_what_is_no_plain_file_fails_at_once_data()
     QTest::newRow("device") << "/dev/zero" << true;
 }
 
-void TstReplacingFile::a_copy_of_what_is_no_plain_file_fails_at_once()
+void TstReplacingFile::copying_a_special_file_fails_at_once()
 {
     QFETCH(QString, kind);
     QFETCH(bool, linked);
@@ -193,7 +194,7 @@ void TstReplacingFile::a_copy_of_what_is_no_plain_file_fails_at_once()
     QCOMPARE(contents(m_temp->path()), before);
 }
 
-void TstReplacingFile::a_copy_does_not_write_through_a_broken_link()
+void TstReplacingFile::copy_does_not_follow_a_dangling_link()
 {
     QVERIFY(writeFile(path("source"), "new"));
     QVERIFY(QFile::link(path("missing"), path("copy")));
@@ -201,33 +202,33 @@ void TstReplacingFile::a_copy_does_not_write_through_a_broken_link()
     QCOMPARE(contents(m_temp->path()), (QStringList{"copy", "source"}));
 }
 
-void TstReplacingFile::a_renaming_replaces_nothing()
+void TstReplacingFile::renaming_never_overwrites()
 {
     QVERIFY(writeFile(path("from"), "new"));
     QVERIFY(writeFile(path("taken"), "old"));
-    QVERIFY(!DurableFile::renameDurably(path("from"), path("taken")));
-    QVERIFY(!DurableFile::renameDurably(path("missing"), path("free")));
-    QVERIFY(!DurableFile::renameDurably(path("from"), path("no folder/free")));
+    QVERIFY(!FileSystem::renameDurably(path("from"), path("taken")));
+    QVERIFY(!FileSystem::renameDurably(path("missing"), path("free")));
+    QVERIFY(!FileSystem::renameDurably(path("from"), path("no folder/free")));
     QCOMPARE(contents(m_temp->path()), (QStringList{"from", "taken"}));
     QCOMPARE(readFile(path("taken")), QByteArray("old"));
-    QVERIFY(DurableFile::renameDurably(path("from"), path("free")));
+    QVERIFY(FileSystem::renameDurably(path("from"), path("free")));
     QCOMPARE(contents(m_temp->path()), (QStringList{"free", "taken"}));
     QCOMPARE(readFile(path("free")), QByteArray("new"));
 }
 
-void TstReplacingFile::a_missing_folder_is_made_with_those_that_lead_there()
+void TstReplacingFile::missing_folder_is_created_with_its_parents()
 {
-    QVERIFY(DurableFile::makeFolder(path("a/b/c/")));
-    QVERIFY(DurableFile::makeFolder(path("a/b/c")));
+    QVERIFY(FileSystem::makeFolder(path("a/b/c/")));
+    QVERIFY(FileSystem::makeFolder(path("a/b/c")));
     QCOMPARE(contents(m_temp->path()), (QStringList{"a", "a/b", "a/b/c"}));
 }
 
-void TstReplacingFile::a_file_in_a_folders_place_is_told()
+void TstReplacingFile::file_at_a_folders_path_is_reported()
 {
     QVERIFY(writeFile(path("a"), "a file"));
-    QVERIFY(!DurableFile::makeFolder(path("a")));
-    QVERIFY(!DurableFile::makeFolder(path("a/b/c")));
-    QVERIFY(!DurableFile::flushTree(path("missing")));
+    QVERIFY(!FileSystem::makeFolder(path("a")));
+    QVERIFY(!FileSystem::makeFolder(path("a/b/c")));
+    QVERIFY(!FileSystem::flushTree(path("missing")));
 }
 
 void TstReplacingFile::only_old_fragments_are_stale()
@@ -240,7 +241,7 @@ void TstReplacingFile::only_old_fragments_are_stale()
              (QStringList{".00000000-0000-0000-0000-000000000002.part", ".00000000-0000-0000-0000-000000000003.part"}));
 }
 
-void TstReplacingFile::what_is_no_fragment_is_never_stale_data()
+void TstReplacingFile::other_files_are_never_stale_fragments_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("visible") << fragment().mid(1);
@@ -251,7 +252,7 @@ void TstReplacingFile::what_is_no_fragment_is_never_stale_data()
     QTest::newRow("with a line end") << fragment() + '\n';
 }
 
-void TstReplacingFile::what_is_no_fragment_is_never_stale()
+void TstReplacingFile::other_files_are_never_stale_fragments()
 {
     QFETCH(QString, name);
     QVERIFY(!ReplacingFile::isFragment(name));
@@ -285,7 +286,7 @@ void TstReplacingFile::scanning_saving_copying_and_extracting_remove_stale_fragm
     if (work == "scan") {
         ProjectList list;
         list.scanProjectFiles(path("folder/"), list.beginScan());
-        QCOMPARE(list.projects.size(), 1);
+        QCOMPARE(list.listProjects.size(), 1);
     } else if (work == "save") {
         QVERIFY(makeDeviceTree(path("device")));
         QVERIFY(ZipPackageHandle::compressEngineerPacket(path("device"), info));
@@ -312,7 +313,7 @@ void TstReplacingFile::fragments_are_not_packed()
     QVERIFY2(entries.filter(".part").isEmpty(), qPrintable(entries.join(' ')));
 }
 
-void TstReplacingFile::a_record_is_written_with_the_checksum_that_it_has()
+void TstReplacingFile::record_keeps_its_checksum_when_written()
 {
     EngineerPacketInfo info;
     info.strFilePath = path("show.corvelpro");
@@ -330,7 +331,7 @@ void TstReplacingFile::a_record_is_written_with_the_checksum_that_it_has()
     QCOMPARE(read.strChecksum, info.strChecksum);
 }
 
-void TstReplacingFile::a_package_that_may_not_be_written_keeps_its_record()
+void TstReplacingFile::read_only_package_keeps_its_record()
 {
     const QString package = path("show.corvelpro");
     QVERIFY(PackageBuilder().file("a.txt", "text").record("show", "before").write(package));

@@ -25,11 +25,11 @@ using namespace TestSupport;
 using Simulation::HardwareState;
 using TestData::PngMaker;
 
-static const QString onlineIp = QStringLiteral("10.0.0.1");
-static const QString offlineIp = QStringLiteral("10.0.0.2");
-static const QString sourceIp = QStringLiteral("10.0.0.9");
-
 namespace {
+
+const QString onlineIp = QStringLiteral("10.0.0.1");
+const QString offlineIp = QStringLiteral("10.0.0.2");
+const QString sourceIp = QStringLiteral("10.0.0.9");
 
 /// A tree with these files and folders (whose names end in "/"); names are given as the disk has them.
 using Tree = QVector<QPair<QByteArray, QByteArray>>;
@@ -109,8 +109,8 @@ private slots:
 
     void what_a_limit_allows_is_saved_and_applied_data();
     void what_a_limit_allows_is_saved_and_applied();
-    void random_trees_are_saved_as_they_can_be_extracted();
-    void presets_whose_names_are_no_utf8_are_not_packed_as_one();
+    void random_trees_are_saved_and_extracted_alike();
+    void presets_with_non_utf8_names_stay_distinct();
 
 private:
     void removeTree() const;
@@ -266,7 +266,7 @@ void TstSavedAndApplied::what_a_limit_allows_is_saved_and_applied()
         QVERIFY(isExtractedWhole());
 }
 
-void TstSavedAndApplied::random_trees_are_saved_as_they_can_be_extracted()
+void TstSavedAndApplied::random_trees_are_saved_and_extracted_alike()
 {
     const QVector<QByteArray> parts{
         "a",   "b.txt", "BKG",  "bkg",  "LOGO", "Preset", "x.png",        "y.JSON",        "z.RPst", "C:",
@@ -317,7 +317,7 @@ void TstSavedAndApplied::random_trees_are_saved_as_they_can_be_extracted()
     QVERIFY2(saved > rounds / 10 && saved < rounds * 9 / 10, qPrintable(QString::number(saved)));
 }
 
-void TstSavedAndApplied::presets_whose_names_are_no_utf8_are_not_packed_as_one()
+void TstSavedAndApplied::presets_with_non_utf8_names_stay_distinct()
 {
     // The last one is what the others are listed as.
     const Tree tree{{"Preset/\xFF.RPst", "1"}, {"Preset/\xFE.RPst", "2"}, {"Preset/\xEF\xBF\xBD.RPst", "3"}};

@@ -229,24 +229,24 @@ class TstWriteBehindDevice : public QObject
 private slots:
     void init();
 
-    void the_file_holds_what_was_written_wherever_it_was_written_data();
-    void the_file_holds_what_was_written_wherever_it_was_written();
-    void position_and_size_are_known_before_the_file_has_them();
+    void file_holds_every_write_at_its_position_data();
+    void file_holds_every_write_at_its_position();
+    void position_and_size_run_ahead_of_the_file();
     void a_gap_holds_zero_bytes();
     void writing_can_go_on_after_a_flush();
     void blocks_are_written_by_one_other_thread();
-    void what_fits_in_a_block_is_written_by_its_owner();
-    void what_is_on_its_way_is_bounded();
-    void a_file_that_is_full_is_told_by_flush_data();
-    void a_file_that_is_full_is_told_by_flush();
+    void single_block_is_written_by_its_owner();
+    void bytes_in_flight_are_bounded();
+    void flush_reports_a_full_disk_data();
+    void flush_reports_a_full_disk();
     void writing_to_a_full_file_ends();
     void a_refused_write_changes_nothing();
     void the_zip_library_may_write_after_a_refusal_data();
     void the_zip_library_may_write_after_a_refusal();
     void random_sequences_end_as_in_a_plain_file();
-    void what_the_file_cannot_pass_on_is_told_by_flush();
+    void flush_reports_what_the_file_refused();
     void nothing_can_be_read();
-    void its_end_waits_for_what_is_being_written();
+    void destruction_waits_for_running_writes();
 
 private:
     QString path() const { return m_dir->filePath("file"); }
@@ -259,7 +259,7 @@ void TstWriteBehindDevice::init()
     m_dir.reset(new QTemporaryDir);
 }
 
-void TstWriteBehindDevice::the_file_holds_what_was_written_wherever_it_was_written_data()
+void TstWriteBehindDevice::file_holds_every_write_at_its_position_data()
 {
     QTest::addColumn<int>("largestPortion");
     QTest::addColumn<int>("farthestStep");
@@ -270,7 +270,7 @@ void TstWriteBehindDevice::the_file_holds_what_was_written_wherever_it_was_writt
     QTest::newRow("portions above a block") << 600 * KiB << 1024 * KiB;
 }
 
-void TstWriteBehindDevice::the_file_holds_what_was_written_wherever_it_was_written()
+void TstWriteBehindDevice::file_holds_every_write_at_its_position()
 {
     QFETCH(int, largestPortion);
     QFETCH(int, farthestStep);
@@ -298,7 +298,7 @@ void TstWriteBehindDevice::the_file_holds_what_was_written_wherever_it_was_writt
     }
 }
 
-void TstWriteBehindDevice::position_and_size_are_known_before_the_file_has_them()
+void TstWriteBehindDevice::position_and_size_run_ahead_of_the_file()
 {
     QFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -352,9 +352,8 @@ void TstWriteBehindDevice::blocks_are_written_by_one_other_thread()
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     WriteBehindDevice device(file);
     const QByteArray portion = noise(256 * KiB);
-    for (int block = 0; block < 40; ++block) {
+    for (int block = 0; block < 40; ++block)
         QVERIFY(device.write(portion) > 0);
-    }
     QVERIFY(device.flush());
     QVERIFY(!file.isWrittenAtOnceByTwo);
     QCOMPARE(file.threads.size(), std::size_t(1));
@@ -362,7 +361,7 @@ void TstWriteBehindDevice::blocks_are_written_by_one_other_thread()
     QVERIFY(readFile(path()) == portion.repeated(40));
 }
 
-void TstWriteBehindDevice::what_fits_in_a_block_is_written_by_its_owner()
+void TstWriteBehindDevice::single_block_is_written_by_its_owner()
 {
     ObservedFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
@@ -377,7 +376,7 @@ void TstWriteBehindDevice::what_fits_in_a_block_is_written_by_its_owner()
     QCOMPARE(QFileInfo(path()).size(), 1001);
 }
 
-void TstWriteBehindDevice::what_is_on_its_way_is_bounded()
+void TstWriteBehindDevice::bytes_in_flight_are_bounded()
 {
     ObservedFile file(path());
     file.pauseMs = 2;
@@ -392,7 +391,7 @@ void TstWriteBehindDevice::what_is_on_its_way_is_bounded()
     QVERIFY2(file.longestWay <= 1024 * KiB, qPrintable(QString::number(file.longestWay)));
 }
 
-void TstWriteBehindDevice::a_file_that_is_full_is_told_by_flush_data()
+void TstWriteBehindDevice::flush_reports_a_full_disk_data()
 {
     QTest::addColumn<qint64>("room");
     QTest::newRow("at once") << qint64(0);
@@ -400,7 +399,7 @@ void TstWriteBehindDevice::a_file_that_is_full_is_told_by_flush_data()
     QTest::newRow("with the last byte") << qint64(1024 * KiB);
 }
 
-void TstWriteBehindDevice::a_file_that_is_full_is_told_by_flush()
+void TstWriteBehindDevice::flush_reports_a_full_disk()
 {
     QFETCH(qint64, room);
     ObservedFile file(path());
@@ -500,7 +499,7 @@ void TstWriteBehindDevice::random_sequences_end_as_in_a_plain_file()
     }
 }
 
-void TstWriteBehindDevice::what_the_file_cannot_pass_on_is_told_by_flush()
+void TstWriteBehindDevice::flush_reports_what_the_file_refused()
 {
     // Stays in the file's own buffer, and is refused by the system when that is flushed.
     QFile file(path());
@@ -522,7 +521,7 @@ void TstWriteBehindDevice::nothing_can_be_read()
     QVERIFY(device.read(1).isEmpty());
 }
 
-void TstWriteBehindDevice::its_end_waits_for_what_is_being_written()
+void TstWriteBehindDevice::destruction_waits_for_running_writes()
 {
     ObservedFile file(path());
     file.pauseMs = 20;

@@ -1,4 +1,4 @@
-#include "durablefile.h"
+#include "filesystem.h"
 #include "packagechecksum.h"
 #include "packedpackage.h"
 
@@ -28,16 +28,14 @@ QString literalChecksum(const QString &path, qint64 commentBytes)
     // One byte more than a chunk, so that a chunk without a zero byte ends behind its last one.
     std::unique_ptr<char[]> buffer(new char[chunkSize + 1]);
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly))
         return QString();
-    }
     qint64 remaining = file.size() - commentBytes;
     QByteArray accumulator;
     while (qMin(remaining, chunkSize) > 0) {
         const qint64 count = file.read(buffer.get(), qMin(remaining, chunkSize));
-        if (count <= 0) {
+        if (count <= 0)
             break;
-        }
         remaining -= count;
         buffer[count] = '\0';
         accumulator +=
@@ -71,10 +69,10 @@ private slots:
     void packing_an_empty_directory_creates_nothing();
     void packing_onto_a_directory_fails();
     void packing_makes_the_folder_of_the_package();
-    void a_save_replaces_only_with_all_that_it_demands_data();
-    void a_save_replaces_only_with_all_that_it_demands();
-    void a_save_keeps_a_package_that_came_meanwhile();
-    void a_save_makes_no_folder();
+    void save_commits_only_with_every_demanded_entry_data();
+    void save_commits_only_with_every_demanded_entry();
+    void save_keeps_a_concurrently_created_package();
+    void save_creates_no_other_folder();
     void packing_onto_a_full_disk_changes_nothing();
     void a_full_disk_anywhere_keeps_the_old_package_data();
     void a_full_disk_anywhere_keeps_the_old_package();
@@ -228,7 +226,7 @@ void TstZipPackageHandle::packing_makes_the_folder_of_the_package()
     QVERIFY(ZipPackageHandle::isValidEngineerPacket(m_package));
 }
 
-void TstZipPackageHandle::a_save_replaces_only_with_all_that_it_demands_data()
+void TstZipPackageHandle::save_commits_only_with_every_demanded_entry_data()
 {
     using Entries = QHash<QString, qint64>;
     QTest::addColumn<Entries>("entries");
@@ -242,13 +240,13 @@ void TstZipPackageHandle::a_save_replaces_only_with_all_that_it_demands_data()
     QTest::newRow("what is longer") << Entries{{"Preset/1.RPst", 63}} << "Preset/1.RPst";
 }
 
-void TstZipPackageHandle::a_save_replaces_only_with_all_that_it_demands()
+void TstZipPackageHandle::save_commits_only_with_every_demanded_entry()
 {
     using Entries = QHash<QString, qint64>;
     QFETCH(Entries, entries);
     QFETCH(QString, missing);
     QVERIFY(writeFile(m_package, "old"));
-    const DurableFile::FileIdentity previous(m_package);
+    const FileSystem::FileIdentity previous(m_package);
     EngineerPacketInfo info;
     info.strFilePath = m_package;
     QString reason;
@@ -259,9 +257,9 @@ void TstZipPackageHandle::a_save_replaces_only_with_all_that_it_demands()
     QCOMPARE(contents(QFileInfo(m_package).absolutePath()).filter(".part"), QStringList());
 }
 
-void TstZipPackageHandle::a_save_keeps_a_package_that_came_meanwhile()
+void TstZipPackageHandle::save_keeps_a_concurrently_created_package()
 {
-    const DurableFile::FileIdentity nothing(m_package);
+    const FileSystem::FileIdentity nothing(m_package);
     QVERIFY(writeFile(m_package, "came meanwhile"));
     EngineerPacketInfo info;
     info.strFilePath = m_package;
@@ -272,11 +270,11 @@ void TstZipPackageHandle::a_save_keeps_a_package_that_came_meanwhile()
     QCOMPARE(contents(QFileInfo(m_package).absolutePath()).filter(".part"), QStringList());
 }
 
-void TstZipPackageHandle::a_save_makes_no_folder()
+void TstZipPackageHandle::save_creates_no_other_folder()
 {
     EngineerPacketInfo info;
     info.strFilePath = m_temp->path() + "/missing/show.corvelpro";
-    const DurableFile::FileIdentity nothing(info.strFilePath);
+    const FileSystem::FileIdentity nothing(info.strFilePath);
     QString reason;
     QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_device, info, {{}, nothing}, &reason));
     QVERIFY(!QFile::exists(m_temp->path() + "/missing"));
@@ -381,9 +379,8 @@ void TstZipPackageHandle::packages_around_a_chunks_multiple_are_valid_data()
 {
     QTest::addColumn<int>("chunks");
     QTest::addColumn<int>("excess");
-    for (int excess = -1; excess <= 7; ++excess) {
+    for (int excess = -1; excess <= 7; ++excess)
         QTest::addRow("1 chunk %+d", excess) << 1 << excess;
-    }
     QTest::addRow("2 chunks +2") << 2 << 2;
 }
 
@@ -437,13 +434,12 @@ void TstZipPackageHandle::the_checksum_is_the_literal_one()
         // Behind the first, the small and the large reading steps, and as a chunk's last byte.
         for (qint64 at : {qint64(4095), PackageChecksum::chunkSize + 4096, 2 * PackageChecksum::chunkSize - 1,
                           2 * PackageChecksum::chunkSize + 3000000}) {
-            if (at < size) {
+            if (at < size)
                 bytes[int(at)] = '\0';
-            }
         }
     }
     const QByteArray record = "{\"comment\": \"\xE9\xA1\xB9\"}";
-    QVERIFY(PackageBuilder().file("a.png", bytes, PackageBuilder::Stored).comment(record).write(m_package));
+    QVERIFY(PackageBuilder().file("a.png", bytes, PackageBuilder::Stored).archiveComment(record).write(m_package));
     const QString expected = literalChecksum(m_package, record.size());
     QCOMPARE(ZipPackageHandle::calcPacketChecksum(m_package), expected);
     QCOMPARE(QString::fromLatin1(PackageBuilder::checksum(readFile(m_package), record.size())), expected);

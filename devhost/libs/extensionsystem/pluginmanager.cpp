@@ -15,7 +15,7 @@ namespace ExtensionSystem {
 namespace {
 
 /// Lets the window paint and answer between two plugins that did lengthy work.
-const int delayBetweenBusyPluginsInMs = 20;
+constexpr int delayBetweenBusyPluginsInMs = 20;
 
 } // namespace
 

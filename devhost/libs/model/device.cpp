@@ -116,18 +116,20 @@ std::shared_ptr<Preset> presetFromJson(const QJsonObject &object)
 template<typename T>
 void append(QJsonArray &array, const std::vector<std::shared_ptr<T>> &objects)
 {
-    for (const std::shared_ptr<T> &object : objects)
+    for (const std::shared_ptr<T> &object : objects) {
         if (object)
             array.append(toJson(*object));
+    }
 }
 
 /// The entries of an array that are objects; others cannot be read.
 QVector<QJsonObject> objects(const QJsonObject &parent, const char *key)
 {
     QVector<QJsonObject> found;
-    for (const QJsonValue &value : parent.value(QLatin1String(key)).toArray())
+    for (const QJsonValue &value : parent.value(QLatin1String(key)).toArray()) {
         if (value.isObject())
             found.append(value.toObject());
+    }
     return found;
 }
 

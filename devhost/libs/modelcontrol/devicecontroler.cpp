@@ -18,9 +18,10 @@ const std::vector<unsigned char> abandonPicture{4, 10};
 quint64 bytesOf(const std::vector<Talvik::weak_refrence<Model::Materail>> &materials)
 {
     quint64 bytes = 0;
-    for (const auto &reference : materials)
+    for (const auto &reference : materials) {
         if (const std::shared_ptr<Model::Materail> materail = reference.lock())
             bytes += Simulation::pictureBytes(materail->size());
+    }
     return bytes;
 }
 

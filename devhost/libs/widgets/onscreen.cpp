@@ -19,8 +19,8 @@ namespace Widgets {
 
 namespace {
 
-const int patienceMs = 2000;
-const int pollIntervalMs = 1;
+constexpr int patienceMs = 2000;
+constexpr int pollIntervalMs = 1;
 
 bool isViewable(xcb_connection_t *connection, WId id)
 {

@@ -22,7 +22,7 @@ namespace Widgets {
 
 namespace {
 
-QPointer<WaitingDialog> theInstance;
+QPointer<WaitingDialog> s_instance;
 
 } // namespace
 
@@ -41,17 +41,17 @@ public:
 WaitingDialog *WaitingDialog::instance(QWidget *parent, int level)
 {
     Q_UNUSED(level)
-    if (!theInstance) {
-        theInstance = new WaitingDialog(parent);
+    if (!s_instance) {
+        s_instance = new WaitingDialog(parent);
         // A dialog without a parent is nobody's: it goes with the application, before its windows' platform goes.
         qAddPostRoutine(&WaitingDialog::deleteInstance);
     }
-    return theInstance;
+    return s_instance;
 }
 
 void WaitingDialog::deleteInstance()
 {
-    delete theInstance;
+    delete s_instance;
 }
 
 WaitingDialog::WaitingDialog(QWidget *parent)

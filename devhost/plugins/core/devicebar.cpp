@@ -16,7 +16,7 @@ namespace Core {
 namespace {
 
 /// The model announces new devices only; a name or a lost connection is noticed by looking again.
-const int refreshIntervalInMs = 500;
+constexpr int refreshIntervalInMs = 500;
 
 QVector<DeviceSummary> currentSummaries()
 {

@@ -14,7 +14,7 @@ namespace Core {
 namespace {
 
 /// The model does not announce every change; the page looks again while it is visible.
-const int refreshIntervalInMs = 1000;
+constexpr int refreshIntervalInMs = 1000;
 
 } // namespace
 

@@ -6,7 +6,7 @@ namespace Core {
 
 namespace {
 
-QMutex mutex;
+QMutex s_mutex;
 
 HostSettings &guardedSettings()
 {
@@ -18,13 +18,13 @@ HostSettings &guardedSettings()
 
 void applySettings(const HostSettings &settings)
 {
-    const QMutexLocker locker(&mutex);
+    const QMutexLocker locker(&s_mutex);
     guardedSettings() = settings;
 }
 
 HostSettings hostSettings()
 {
-    const QMutexLocker locker(&mutex);
+    const QMutexLocker locker(&s_mutex);
     return guardedSettings();
 }
 

@@ -4,7 +4,7 @@ namespace Core {
 
 namespace {
 
-QtMessageHandler previousHandler = nullptr;
+QtMessageHandler s_previousHandler = nullptr;
 
 void relay(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
@@ -12,8 +12,8 @@ void relay(QtMsgType type, const QMessageLogContext &context, const QString &tex
     if (text == QLatin1String("This plugin does not support propagateSizeHints()"))
         return;
     emit LogRelay::instance()->message(type, text);
-    if (previousHandler)
-        previousHandler(type, context, text);
+    if (s_previousHandler)
+        s_previousHandler(type, context, text);
 }
 
 } // namespace
@@ -32,10 +32,10 @@ LogRelay *LogRelay::instance()
 
 void LogRelay::install()
 {
-    if (previousHandler)
+    if (s_previousHandler)
         return;
     instance();
-    previousHandler = qInstallMessageHandler(relay);
+    s_previousHandler = qInstallMessageHandler(relay);
 }
 
 } // namespace Core

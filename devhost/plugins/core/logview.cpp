@@ -8,7 +8,7 @@ namespace Core {
 
 namespace {
 
-const int shownLines = 2000;
+constexpr int shownLines = 2000;
 const QLatin1String quietColour("#A9ACB3");
 const QLatin1String textColour("#E6E7EA");
 const QLatin1String warningColour("#F2B84B");

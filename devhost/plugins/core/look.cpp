@@ -16,7 +16,7 @@ namespace Core {
 namespace {
 
 /// For what dark.qss gives its sizes.
-const int normalTextSize = 13;
+constexpr int normalTextSize = 13;
 
 int textSize()
 {

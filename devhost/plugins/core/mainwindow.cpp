@@ -31,17 +31,17 @@ namespace Core {
 
 namespace {
 
-MainWindow *theWindow = nullptr;
+MainWindow *s_window = nullptr;
 
 const QSize comfortableSize(1440, 900);
 /// In a lower window the docks would leave too little of the central area.
-const int heightForDocks = 700;
+constexpr int heightForDocks = 700;
 
 } // namespace
 
 MainWindow *MainWindow::instance()
 {
-    return theWindow;
+    return s_window;
 }
 
 MainWindow::MainWindow()
@@ -51,7 +51,7 @@ MainWindow::MainWindow()
     , m_operationLabel(new ElidedLabel)
     , m_report(new OperationReport(this))
 {
-    theWindow = this;
+    s_window = this;
     setObjectName(QStringLiteral("MainWindow"));
     resize(comfortableSize.boundedTo(QGuiApplication::primaryScreen()->availableGeometry().size()));
 
@@ -110,7 +110,7 @@ MainWindow::~MainWindow()
     // What a mode shows at the side is the mode's.
     if (m_navigation)
         m_navigation->setParent(nullptr);
-    theWindow = nullptr;
+    s_window = nullptr;
 }
 
 QDockWidget *MainWindow::makeDock(QWidget *widget, const QString &name)

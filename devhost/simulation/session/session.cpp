@@ -41,10 +41,11 @@ bool writePictures(const QMap<quint8, PictureState> &pictures, const QDir &devic
 void setThumbs(const std::vector<Talvik::weak_refrence<Model::Materail>> &materials,
                const QMap<quint8, PictureState> &pictures)
 {
-    for (const auto &reference : materials)
+    for (const auto &reference : materials) {
         if (const std::shared_ptr<Model::Materail> materail = reference.lock())
             materail->setThumb(pictures.value(materail->getKeyNo())
                                    .pixels.scaled(QSize(320, 180), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    }
 }
 
 /// What the host keeps between sessions, and what must not leak from one into the next.

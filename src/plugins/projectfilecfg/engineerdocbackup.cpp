@@ -2,13 +2,13 @@
 
 #include "devicedescription.h"
 #include "devicelookup.h"
-#include "durablefile.h"
 #include "encodedpictures.h"
 #include "exceptionguard.h"
+#include "filesystem.h"
 #include "packagelayout.h"
 #include "picturewriter.h"
 #include "presetfile.h"
-#include "projectfilefacts.h"
+#include "projectpaths.h"
 #include "replacingfile.h"
 #include "stagingdirectory.h"
 #include "zippackagehandle.h"
@@ -25,16 +25,20 @@ using Model::Materail;
 namespace ProjectFileCfg {
 namespace Internal {
 
-static QImage loadPicture(const QString &imageKey, QImage::Format format)
+namespace {
+
+QImage loadPicture(const QString &imageKey, QImage::Format format)
 {
     const ImageStorager *store = ImageStorager::instance();
     return store ? store->load(imageKey, format).toImage() : QImage();
 }
 
+} // namespace
+
 EngineerDocBackup::EngineerDocBackup(QObject *parent, const QString &ip)
     : QThread(parent)
     , m_strDeviceIp(ip)
-    , m_strProjectPath(ProjectFileFacts::projectFilesPath())
+    , m_strProjectPath(ProjectPaths::projectFilesPath())
     , m_pEncodedPictures(std::make_shared<EncodedPictures>())
 {}
 
@@ -56,8 +60,8 @@ void EngineerDocBackup::run()
 
 void EngineerDocBackup::save()
 {
-    const QString packagePath = m_strProjectPath + m_strProjectName + ProjectFileFacts::packageExtension;
-    const DurableFile::FileIdentity previous(ReplacingFile::targetBehind(packagePath));
+    const QString packagePath = m_strProjectPath + m_strProjectName + PackageLayout::packageExtension;
+    const FileSystem::FileIdentity previous(ReplacingFile::resolvedTarget(packagePath));
 
     if (!writeDeviceDescriptions()) {
         m_nResultCode = BackupSaveJsonFailed;
@@ -83,11 +87,11 @@ void EngineerDocBackup::save()
     pack(packagePath, previous);
 }
 
-void EngineerDocBackup::pack(const QString &packagePath, const DurableFile::FileIdentity &previous)
+void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileIdentity &previous)
 {
     // This one folder alone: a name that leads into another one may be mistyped.
     QString reason;
-    if (!DurableFile::makeFolder(m_strProjectPath, &reason)) {
+    if (!FileSystem::makeFolder(m_strProjectPath, &reason)) {
         fail(reason);
         return;
     }
@@ -233,14 +237,14 @@ bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &deta
     const QString path = directory().presetPath(entry);
     PresetFile file(path);
     switch (file.write(detail)) {
-    case PresetFile::Written:
+    case PresetFile::Outcome::Written:
         m_hashStaged.insert(entry, file.size());
         return true;
-    case PresetFile::FolderGone:
+    case PresetFile::Outcome::FolderGone:
         return fail(QStringLiteral("%1 was removed").arg(directory().presetPath()));
-    case PresetFile::Cut:
+    case PresetFile::Outcome::Cut:
         return fail(file.errorString());
-    case PresetFile::NotOpened:
+    case PresetFile::Outcome::NotOpened:
         break;
     }
     // No code: the panel shows nothing, and savedPackagePath() tells that there is no package.

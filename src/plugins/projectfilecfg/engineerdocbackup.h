@@ -20,7 +20,7 @@ class EncodedPictures;
 class PictureWriter;
 class StagingDirectory;
 
-namespace DurableFile {
+namespace FileSystem {
 class FileIdentity;
 }
 
@@ -73,7 +73,7 @@ protected:
 
 private:
     void save();
-    void pack(const QString &packagePath, const DurableFile::FileIdentity &previous);
+    void pack(const QString &packagePath, const FileSystem::FileIdentity &previous);
     /// Logs the reason and returns false.
     bool fail(const QString &reason, BackupResultCode code = BackupEncryptFailed);
     std::shared_ptr<Model::Device> findDevice();

@@ -7,8 +7,8 @@
 #include "offlineapply.h"
 #include "onlineapply.h"
 #include "packagecopy.h"
+#include "packagelayout.h"
 #include "packagereader.h"
-#include "projectfilefacts.h"
 #include "readinesscheck.h"
 #include "zippackagehandle.h"
 
@@ -36,7 +36,7 @@ void EngineerDocLoad::setPackagePath(const QString &path)
 
 void EngineerDocLoad::releasePackage()
 {
-    m_package.reset();
+    m_pPackage.reset();
 }
 
 bool EngineerDocLoad::fail(LoadResultCode code, const QString &reason)
@@ -77,7 +77,7 @@ bool EngineerDocLoad::checkPackageFile()
             return fail(LoadFileContentError, QStringLiteral("there is no such file"));
         // Asked of the file first, since what is no package is not worth a copy; what counts is the copy.
         return ZipPackageHandle::checkPacketChecksum(m_strPackagePath, &m_strReason) && openPackage() &&
-               ZipPackageHandle::checkPacketChecksum(*m_package, &m_strReason);
+               ZipPackageHandle::checkPacketChecksum(*m_pPackage, &m_strReason);
     });
 }
 
@@ -92,7 +92,7 @@ bool EngineerDocLoad::checkDevice()
         if (!readDescription() ||
             !passes(compareDevices(*m_pPackageDevice, *target, m_bCheckedOnline, &reason), reason))
             return false;
-        ReadinessCheck readiness(*m_package, *m_pPackageDevice, ICore::ExtractJsonPath());
+        ReadinessCheck readiness(*m_pPackage, *m_pPackageDevice, ICore::ExtractJsonPath());
         return passes(m_bCheckedOnline ? readiness.run(&reason) : readiness.runOffline(&reason), reason);
     });
 }
@@ -105,19 +105,19 @@ QString EngineerDocLoad::noDevice() const
 bool EngineerDocLoad::openPackage()
 {
     QString reason;
-    const LoadResultCode code = openPackageCopy(m_strPackagePath, m_package, &reason);
+    const LoadResultCode code = openPackageCopy(m_strPackagePath, m_pPackage, &reason);
     m_strReason = reason;
-    return passes(code, reason) && m_package;
+    return passes(code, reason) && m_pPackage;
 }
 
 bool EngineerDocLoad::readDescription()
 {
-    if (!ProjectFileFacts::hasPackageExtension(m_strPackagePath))
+    if (!PackageLayout::hasPackageExtension(m_strPackagePath))
         return fail(LoadJsonFileError, QStringLiteral("its name has another extension than that of packages"));
-    if (!m_package && !openPackage())
+    if (!m_pPackage && !openPackage())
         return m_nResultCode == LoadSuccess ? fail(LoadJsonFileError, m_strReason) : false;
     QString reason;
-    return passes(readDeviceDescription(*m_package, ICore::ExtractJsonPath(), m_pPackageDevice, &reason), reason);
+    return passes(readDeviceDescription(*m_pPackage, ICore::ExtractJsonPath(), m_pPackageDevice, &reason), reason);
 }
 
 std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString &path)
@@ -143,7 +143,7 @@ void EngineerDocLoad::run()
 bool EngineerDocLoad::apply()
 {
     const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
-    if (!target || !m_pPackageDevice || !m_package)
+    if (!target || !m_pPackageDevice || !m_pPackage)
         return fail(LoadGetDeviceFailed, noDevice());
     takeIdentity(*m_pPackageDevice, *target, m_strDeviceIp);
 
@@ -169,7 +169,7 @@ bool EngineerDocLoad::applyOffline(Model::Device &target)
 bool EngineerDocLoad::copySourceToOfflineDevice()
 {
     QString reason;
-    return passes(extractContent(*m_package, m_strPackagePath, offlineFolder(m_strDeviceIp), &reason), reason);
+    return passes(extractContent(*m_pPackage, m_strPackagePath, offlineFolder(m_strDeviceIp), &reason), reason);
 }
 
 bool EngineerDocLoad::copyConfigFileToDevice()
@@ -180,7 +180,7 @@ bool EngineerDocLoad::copyConfigFileToDevice()
 
 bool EngineerDocLoad::applyOnline(const std::shared_ptr<Model::Device> &target)
 {
-    OnlineApply online(*m_package, m_pPackageDevice, target, {tr("LOGO:"), tr("BKG:")});
+    OnlineApply online(*m_pPackage, m_pPackageDevice, target, {tr("LOGO:"), tr("BKG:")});
     if (!online.sendSlots())
         return fail(LoadImportFailed, QStringLiteral("the device did not take MVR or the slots"));
     const bool isSent = onlineSend(online);

@@ -103,7 +103,7 @@ private:
     QString m_strDeviceIp;
     std::shared_ptr<Model::Device> m_pPackageDevice;
     /// The copy; null before the first check and after the run.
-    std::unique_ptr<PackageReader> m_package;
+    std::unique_ptr<PackageReader> m_pPackage;
     /// Whether the device was online at the check.
     bool m_bCheckedOnline = false;
     std::atomic<int> m_nResultCode{LoadSuccess};

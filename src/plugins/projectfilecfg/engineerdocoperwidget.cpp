@@ -15,7 +15,7 @@
 #include "pressedbutton.h"
 #include "projectcopies.h"
 #include "projectediting.h"
-#include "projectfilefacts.h"
+#include "projectpaths.h"
 #include "projectrowwidget.h"
 #include "projectscans.h"
 #include "projecttable.h"
@@ -49,9 +49,9 @@ namespace Internal {
 EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
     : ICenterWidget("ProjectFileCfg.Central", parent)
     , m_pProjects(std::make_shared<ProjectList>())
-    , m_listProjectInfo(m_pProjects->projects)
-    , m_strDefaultPath(ProjectFileFacts::projectFilesPath())
-    , m_strDocumentsPath(ProjectFileFacts::documentsPath())
+    , m_listProjectInfo(m_pProjects->listProjects)
+    , m_strDefaultPath(ProjectPaths::projectFilesPath())
+    , m_strDocumentsPath(ProjectPaths::documentsPath())
     , m_mutex(m_pProjects->mutex)
     , m_pEncodedPictures(std::make_shared<EncodedPictures>())
 {

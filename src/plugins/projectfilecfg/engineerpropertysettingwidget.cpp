@@ -1,6 +1,7 @@
 #include "engineerpropertysettingwidget.h"
 
-#include "projectfilefacts.h"
+#include "packagelayout.h"
+#include "projectpaths.h"
 
 #include <widgets/fixedbitlineeditex.h>
 #include <widgets/framelessmessagebox.h>
@@ -16,7 +17,8 @@
 
 using Corvel::Widgets::FixedBitLineEditEx;
 using HX::Widgets::FramelessMessageBox;
-namespace Facts = ProjectFileCfg::Internal::ProjectFileFacts;
+namespace PackageLayout = ProjectFileCfg::Internal::PackageLayout;
+namespace ProjectPaths = ProjectFileCfg::Internal::ProjectPaths;
 
 namespace {
 
@@ -220,7 +222,7 @@ void EngineerPropertySettingWidget::slot_CommentTextChanged()
 void EngineerPropertySettingWidget::slot_OkBtnClicked()
 {
     m_strName = m_pNameEdit->text();
-    const QString path = Facts::projectFilesPath() + m_strName + Facts::packageExtension;
+    const QString path = ProjectPaths::projectFilesPath() + m_strName + PackageLayout::packageExtension;
     if (QFile::exists(path) && m_strOldName.toUpper() != m_strName.toUpper()) {
         FramelessMessageBox::warning(this, tr("Remind"), tr("The current file already exists"), QMessageBox::Ok);
         return;

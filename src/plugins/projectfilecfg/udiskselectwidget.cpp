@@ -9,12 +9,14 @@
 #include <QStorageInfo>
 #include <QVBoxLayout>
 
-static const QLatin1String mountRoot("/mnt/");
-static const QLatin1String mountPrefix("/mnt/sd");
-static const QLatin1String devicePrefix("/dev/sd");
-static const QLatin1String labelTag("LABEL=");
+namespace {
 
-static QVector<UDiskSelectWidget::Volume> mountedVolumes()
+const QLatin1String mountRoot("/mnt/");
+const QLatin1String mountPrefix("/mnt/sd");
+const QLatin1String devicePrefix("/dev/sd");
+const QLatin1String labelTag("LABEL=");
+
+QVector<UDiskSelectWidget::Volume> mountedVolumes()
 {
     QVector<UDiskSelectWidget::Volume> volumes;
     const QList<QStorageInfo> mounted = QStorageInfo::mountedVolumes();
@@ -22,6 +24,8 @@ static QVector<UDiskSelectWidget::Volume> mountedVolumes()
         volumes.append({QString::fromUtf8(storage.device()), storage.rootPath(), storage.displayName()});
     return volumes;
 }
+
+} // namespace
 
 UDiskSelectWidget::UDiskSelectWidget(QWidget *parent)
     : UDiskSelectWidget(parent, mountedVolumes())
@@ -93,12 +97,12 @@ void UDiskSelectWidget::scanDisks(const QVector<Volume> &volumes)
     if (!QDir(mountRoot).exists())
         return;
     for (const Volume &volume : volumes) {
-        if (!volume.mountPath.startsWith(mountPrefix))
+        if (!volume.strMountPath.startsWith(mountPrefix))
             continue;
-        if (volume.device.startsWith(labelTag))
-            m_mapDisk.insert(volume.mountPath, volume.device.mid(labelTag.size()));
-        else if (volume.device.startsWith(devicePrefix))
-            m_mapDisk.insert(volume.mountPath, volume.label);
+        if (volume.strDevice.startsWith(labelTag))
+            m_mapDisk.insert(volume.strMountPath, volume.strDevice.mid(labelTag.size()));
+        else if (volume.strDevice.startsWith(devicePrefix))
+            m_mapDisk.insert(volume.strMountPath, volume.strLabel);
     }
 }
 

@@ -22,10 +22,10 @@ public:
     struct Volume
     {
         /// The device node, "/dev/sdb1", or a tag that names the volume, "LABEL=STICK".
-        QString device;
-        QString mountPath;
+        QString strDevice;
+        QString strMountPath;
         /// The volume's own label; unused where the device is a tag.
-        QString label;
+        QString strLabel;
     };
 
     /// Offers the USB flash disks that are mounted now; later ones do not appear while the dialog is open.

@@ -4,11 +4,11 @@
 #include "inplacefile.h"
 #include "localecodec.h"
 #include "packagechecksum.h"
+#include "packagelayout.h"
 #include "packagelimits.h"
 #include "packagereader.h"
 #include "packagewriter.h"
 #include "plainfile.h"
-#include "projectfilefacts.h"
 #include "reason.h"
 #include "replacingfile.h"
 
@@ -28,12 +28,17 @@ namespace Internal {
 
 namespace {
 
+// The keys of the info record.
+constexpr QLatin1String checksumKey = PackageLayout::literal("Checksum");
+constexpr QLatin1String projectNameKey = PackageLayout::literal("projectName");
+constexpr QLatin1String commentKey = PackageLayout::literal("comment");
+
 constexpr int checksumDigits = 32;
 
 /// The lenient guard: see the header.
 bool isWorthOpening(const QString &packetPath)
 {
-    return QFileInfo::exists(packetPath) || ProjectFileFacts::hasPackageExtension(packetPath);
+    return QFileInfo::exists(packetPath) || PackageLayout::hasPackageExtension(packetPath);
 }
 
 bool hasChecksum(const PackageReader &package, const QString &checksum, QString *reason)
@@ -59,17 +64,17 @@ bool hasOwnRecord(const PackageReader &package, EngineerPacketInfo &info, QStrin
 {
     if (!package.isOpen(reason))
         return false;
-    if (!ZipPackageHandle::parseEngineerInfo(info, package.comment()))
+    if (!ZipPackageHandle::parseEngineerInfo(info, package.archiveComment()))
         return hasNoRecord(reason);
     return hasChecksum(package, info.strChecksum, reason);
 }
 
 /// A null object where the comment is no JSON, or has fewer keys than a record.
-QJsonObject recordIn(const QString &commentJson)
+QJsonObject recordIn(const QString &recordJson)
 {
     useUtf8LocaleCodec();
     constexpr int leastKeys = 3;
-    const QJsonObject record = QJsonDocument::fromJson(commentJson.toLocal8Bit()).object();
+    const QJsonObject record = QJsonDocument::fromJson(recordJson.toLocal8Bit()).object();
     return record.size() < leastKeys ? QJsonObject() : record;
 }
 
@@ -84,14 +89,13 @@ QString throughUtf8(const QJsonValue &value)
 QString unreadableRecord()
 {
     return QStringLiteral("the record has more than %1 bytes, or contains the end of an archive")
-        .arg(PackageLimits::maxCommentSize);
+        .arg(PackageLimits::maxArchiveCommentSize);
 }
 
 QString recordOf(const EngineerPacketInfo &info)
 {
-    const QJsonObject record{{ProjectFileFacts::checksumKey, info.strChecksum},
-                             {ProjectFileFacts::projectNameKey, info.strProjectName},
-                             {ProjectFileFacts::commentKey, info.strComment}};
+    const QJsonObject record{
+        {checksumKey, info.strChecksum}, {projectNameKey, info.strProjectName}, {commentKey, info.strComment}};
     return QString::fromUtf8(QJsonDocument(record).toJson());
 }
 
@@ -140,7 +144,7 @@ bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFil
     const PackageReader written(package.path());
     const bool isAsWritten =
         written.isOpen(&cause) &&
-        (written.comment() == recordOf(info) || failBecause(&cause, QStringLiteral("its record"))) &&
+        (written.archiveComment() == recordOf(info) || failBecause(&cause, QStringLiteral("its record"))) &&
         writer.isListedIn(written, &cause) && ZipPackageHandle::checkPacketChecksum(written, &cause);
     if (!isAsWritten)
         return failBecause(reason, QStringLiteral("%1 is not as it was written: %2").arg(info.strFilePath, cause));
@@ -149,9 +153,9 @@ bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFil
 
 /// Replaces the comment of the package where it lies. `comment` is asked for it when the package is open; without one
 /// the package stays as it is.
-bool editComment(const QString &packetPath,
-                 const std::function<std::optional<QByteArray>(QFile &package, const ArchiveComment &old)> &comment,
-                 QString *reason)
+bool editArchiveComment(
+    const QString &packetPath,
+    const std::function<std::optional<QByteArray>(QFile &package, const ArchiveComment &old)> &comment, QString *reason)
 {
     useUtf8LocaleCodec();
     InPlaceFile package(packetPath);
@@ -164,7 +168,7 @@ bool editComment(const QString &packetPath,
     const PackageReader reader(packetPath);
     if (!reader.isOpen(reason))
         return false;
-    if (!old.isFound() || reader.comment() != QString::fromUtf8(old.bytes().constData()))
+    if (!old.isFound() || reader.archiveComment() != QString::fromUtf8(old.bytes().constData()))
         return failBecause(reason, QStringLiteral("%1 is no archive of which the comment can be replaced: it is of 64 "
                                                   "bits or on several disks, or something follows its comment")
                                        .arg(packetPath));
@@ -178,9 +182,8 @@ bool editComment(const QString &packetPath,
 
 void removeFiles(const QStringList &paths)
 {
-    for (const QString &path : paths) {
+    for (const QString &path : paths)
         QFile::remove(path);
-    }
 }
 
 } // namespace
@@ -188,15 +191,15 @@ void removeFiles(const QStringList &paths)
 // docs/package-format.md says the state on disk after a crash at each of these steps.
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info)
 {
-    ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
-    return packVerified(dirPath, info, package, ReplacingFile::Made, {}, nullptr) && package.commit();
+    ReplacingFile package(info.strFilePath, ReplacingFile::Durability::FlushedToDisk);
+    return packVerified(dirPath, info, package, ReplacingFile::MissingFolders::Made, {}, nullptr) && package.commit();
 }
 
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info,
                                               const PacketDemands &demands, QString *reason)
 {
-    ReplacingFile package(info.strFilePath, ReplacingFile::FlushedToDisk);
-    return packVerified(dirPath, info, package, ReplacingFile::NotMade, demands.entries, reason) &&
+    ReplacingFile package(info.strFilePath, ReplacingFile::Durability::FlushedToDisk);
+    return packVerified(dirPath, info, package, ReplacingFile::MissingFolders::NotMade, demands.entries, reason) &&
            package.commitInPlaceOf(demands.previous, reason);
 }
 
@@ -246,17 +249,16 @@ bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package, QString
 {
     if (!package.isOpen(reason))
         return false;
-    const QJsonObject record = recordIn(package.comment());
+    const QJsonObject record = recordIn(package.archiveComment());
     if (record.isEmpty())
         return hasNoRecord(reason);
-    return hasChecksum(package, record.value(ProjectFileFacts::checksumKey).toString(), reason);
+    return hasChecksum(package, record.value(checksumKey).toString(), reason);
 }
 
 QStringList ZipPackageHandle::extractJsonFiles(const QString &packetPath, const QString &destDir)
 {
-    if (!QFileInfo::exists(packetPath) || !ProjectFileFacts::hasPackageExtension(packetPath)) {
+    if (!QFileInfo::exists(packetPath) || !PackageLayout::hasPackageExtension(packetPath))
         return QStringList();
-    }
     return PackageReader(packetPath).extractJsonFiles(destDir);
 }
 
@@ -273,12 +275,12 @@ QStringList ZipPackageHandle::getFileList(const QString &packetPath)
 QString ZipPackageHandle::getZipComment(const QString &packetPath)
 {
     const PackageReader package(packetPath);
-    return isWorthOpening(packetPath) ? package.comment() : QString();
+    return isWorthOpening(packetPath) ? package.archiveComment() : QString();
 }
 
 bool ZipPackageHandle::setZipComment(const QString &packetPath, const QString &comment)
 {
-    return editComment(
+    return editArchiveComment(
         packetPath, [&comment](QFile &, const ArchiveComment &) { return comment.toUtf8(); }, nullptr);
 }
 
@@ -294,22 +296,20 @@ bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info, QString *reason
             PackageChecksum::ofLeadingBytes(package, old.offset() + ArchiveComment::lengthSize, end, &isComplete);
         return isComplete ? std::make_optional(recordOf(edited).toUtf8()) : std::nullopt;
     };
-    const bool isWritten = editComment(info.strFilePath, record, reason);
-    if (isWritten) {
+    const bool isWritten = editArchiveComment(info.strFilePath, record, reason);
+    if (isWritten)
         info = edited;
-    }
     return isWritten;
 }
 
-bool ZipPackageHandle::parseEngineerInfo(EngineerPacketInfo &info, const QString &commentJson)
+bool ZipPackageHandle::parseEngineerInfo(EngineerPacketInfo &info, const QString &recordJson)
 {
-    const QJsonObject record = recordIn(commentJson);
-    if (record.isEmpty()) {
+    const QJsonObject record = recordIn(recordJson);
+    if (record.isEmpty())
         return false;
-    }
-    info.strChecksum = throughUtf8(record.value(ProjectFileFacts::checksumKey));
-    info.strProjectName = throughUtf8(record.value(ProjectFileFacts::projectNameKey));
-    info.strComment = throughUtf8(record.value(ProjectFileFacts::commentKey));
+    info.strChecksum = throughUtf8(record.value(checksumKey));
+    info.strProjectName = throughUtf8(record.value(projectNameKey));
+    info.strComment = throughUtf8(record.value(commentKey));
     return true;
 }
 
@@ -320,40 +320,41 @@ QString ZipPackageHandle::calcPacketChecksum(const QString &packetPath)
 
 int ZipPackageHandle::compressDir(const QString &dirPath, const QString &packetPath, bool overwrite)
 {
-    enum { Packed = 0, NotPacked = 1, NoSuchDirectory = 2 };
-    if (!QDir(dirPath).exists()) {
-        return NoSuchDirectory;
-    }
-    if (!overwrite) {
-        return NotPacked;
-    }
+    constexpr int packed = 0;
+    constexpr int notPacked = 1;
+    constexpr int noSuchDirectory = 2;
+    if (!QDir(dirPath).exists())
+        return noSuchDirectory;
+    if (!overwrite)
+        return notPacked;
     PackageWriter writer(dirPath, packetPath);
-    ReplacingFile package(packetPath, ReplacingFile::FlushedToDisk);
+    ReplacingFile package(packetPath, ReplacingFile::Durability::FlushedToDisk);
     const bool isPacked = writer.scan() && package.create() && writer.write(package.file()) &&
                           writer.isListedIn(PackageReader(package.path())) && package.commit();
-    return isPacked ? Packed : NotPacked;
+    return isPacked ? packed : notPacked;
 }
 
 int ZipPackageHandle::extractDir(const QString &packetPath, const QString &destDir, bool overwrite)
 {
-    enum { Extracted = 0, DestinationExists = 1, NoSuchPackage = 2, NothingExtracted = 3 };
-    if (!QFileInfo::exists(packetPath)) {
-        return NoSuchPackage;
-    }
-    if (QDir(destDir).exists() && !overwrite) {
-        return DestinationExists;
-    }
+    constexpr int extracted = 0;
+    constexpr int destinationExists = 1;
+    constexpr int noSuchPackage = 2;
+    constexpr int nothingExtracted = 3;
+    if (!QFileInfo::exists(packetPath))
+        return noSuchPackage;
+    if (QDir(destDir).exists() && !overwrite)
+        return destinationExists;
     PackageReader package(packetPath);
     QStringList writtenPaths;
     for (const QString &entryName : package.entries()) {
         const QString path = package.extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName));
         if (path.isEmpty()) {
             removeFiles(writtenPaths);
-            return NothingExtracted;
+            return nothingExtracted;
         }
         writtenPaths.append(path);
     }
-    return writtenPaths.isEmpty() ? NothingExtracted : Extracted;
+    return writtenPaths.isEmpty() ? nothingExtracted : extracted;
 }
 
 bool ZipPackageHandle::writeTextChecksum(const QString &packetPath)
@@ -361,9 +362,8 @@ bool ZipPackageHandle::writeTextChecksum(const QString &packetPath)
     QFile file(packetPath);
     // The text is read in the locale's encoding.
     useUtf8LocaleCodec();
-    if (!isWorthOpening(packetPath) || !openPlainFile(file)) {
+    if (!isWorthOpening(packetPath) || !openPlainFile(file))
         return false;
-    }
     const QByteArray text = QTextStream(&file).readAll().toLatin1();
     file.close();
     const QByteArray digest = QCryptographicHash::hash(text, QCryptographicHash::Md5);

@@ -7,7 +7,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-namespace DurableFile {
+namespace FileSystem {
 class FileIdentity;
 }
 class PackageReader;
@@ -28,8 +28,8 @@ struct PacketDemands
 {
     /// Required entries: sizes in bytes by name.
     QHash<QString, qint64> entries;
-    /// The only file that it may replace: the one at ReplacingFile::targetBehind() its path when the save began.
-    const DurableFile::FileIdentity &previous;
+    /// The only file that it may replace: the one at ReplacingFile::resolvedTarget() its path when the save began.
+    const FileSystem::FileIdentity &previous;
 };
 
 /// Creates, lists, extracts and inspects packages, and reads or writes their info record: a small JSON object in the
@@ -108,7 +108,7 @@ public:
 
     /// Reads a record: a JSON object of at least three keys. A missing key, or one that is not a string, gives
     /// an empty field. `info.strFilePath` is left as it is; on failure so are the others.
-    static bool parseEngineerInfo(EngineerPacketInfo &info, const QString &commentJson);
+    static bool parseEngineerInfo(EngineerPacketInfo &info, const QString &recordJson);
 
     /// The checksum of the archive without its comment; empty if it cannot be opened. It covers only the leading bytes
     /// of each 10 MiB, for compatibility with existing packages.

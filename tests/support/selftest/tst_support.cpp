@@ -29,7 +29,7 @@ private slots:
     void messages_are_recorded_with_their_level();
     void boxes_are_answered_in_order();
     void escape_answers_the_harmless_button();
-    void a_dialog_may_open_a_box_while_it_is_answered();
+    void dialog_may_open_a_box_while_answered();
     void a_folder_is_chosen_in_the_file_dialog();
     void several_files_are_chosen_in_the_file_dialog();
     void escape_leaves_the_file_dialog_without_a_choice();
@@ -128,7 +128,7 @@ void TstSupport::escape_answers_the_harmless_button()
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
 
-void TstSupport::a_dialog_may_open_a_box_while_it_is_answered()
+void TstSupport::dialog_may_open_a_box_while_answered()
 {
     QDialog dialog;
     QPushButton ok(QStringLiteral("&OK"));

@@ -1,6 +1,6 @@
 #include "inplacefile.h"
 
-#include "durablefile.h"
+#include "filesystem.h"
 #include "reason.h"
 #include "undorecord.h"
 
@@ -13,18 +13,22 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// More than any tail: who has written so much is not us.
-static const qint64 maxTailSize = 128 * 1024;
+constexpr qint64 maxTailSize = 128 * 1024;
 
 /// The path itself if there is no file, so that a failure names it.
-static QString pathBehind(const QString &path)
+QString pathBehind(const QString &path)
 {
     const QString canonicalPath = QFileInfo(path).canonicalFilePath();
     return canonicalPath.isEmpty() ? path : canonicalPath;
 }
 
+} // namespace
+
 InPlaceFile::InPlaceFile(const QString &path)
-    : m_path(pathBehind(path))
+    : m_strPath(pathBehind(path))
 {}
 
 InPlaceFile::~InPlaceFile() = default;
@@ -35,22 +39,22 @@ bool InPlaceFile::open(QString *reason)
     constexpr int second = 1000;
     // While it was waited for, another one may have taken its place, whose undo record is none of this one.
     return openPlainFile(reason) && lock(second, reason) && isStillInPlace(reason) &&
-           settle(UndoRecord::pathFor(m_path), reason);
+           settle(UndoRecord::pathFor(m_strPath), reason);
 }
 
 bool InPlaceFile::openPlainFile(QString *reason)
 {
     // Not QFile::open: that would make the file where it has gone meanwhile.
-    const int handle = DurableFile::openToChange(m_path, reason);
+    const int handle = FileSystem::openToChange(m_strPath, reason);
     return handle >= 0 && m_file.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFile::AutoCloseHandle);
 }
 
 bool InPlaceFile::lock(int patience, QString *reason)
 {
     constexpr int pause = 10;
-    for (int waited = 0; !DurableFile::lock(m_file.handle()); waited += pause) {
+    for (int waited = 0; !FileSystem::lock(m_file.handle()); waited += pause) {
         if (waited >= patience)
-            return failBecause(reason, QStringLiteral("another program keeps %1 locked").arg(m_path));
+            return failBecause(reason, QStringLiteral("another program keeps %1 locked").arg(m_strPath));
         QThread::msleep(pause);
     }
     return true;
@@ -58,8 +62,8 @@ bool InPlaceFile::lock(int patience, QString *reason)
 
 bool InPlaceFile::isStillInPlace(QString *reason) const
 {
-    return DurableFile::isOpenFile(m_path, m_file.handle()) ||
-           failBecause(reason, QStringLiteral("%1 was removed or replaced meanwhile").arg(m_path));
+    return FileSystem::isOpenFile(m_strPath, m_file.handle()) ||
+           failBecause(reason, QStringLiteral("%1 was removed or replaced meanwhile").arg(m_strPath));
 }
 
 QByteArray InPlaceFile::tailFrom(qint64 offset)
@@ -71,40 +75,41 @@ QByteArray InPlaceFile::tailFrom(qint64 offset)
 bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString *reason)
 {
     QString error = QStringLiteral("what was read back differs");
-    if (tailFrom(record.offset) != tail) {
-        const qint64 size = record.offset + tail.size();
-        if (!m_file.seek(record.offset) || m_file.write(tail) != tail.size())
+    if (tailFrom(record.nOffset) != tail) {
+        const qint64 size = record.nOffset + tail.size();
+        if (!m_file.seek(record.nOffset) || m_file.write(tail) != tail.size())
             error = writeError(m_file);
         // Some file systems wait for the disk where there is nothing to cut, too.
         if (m_file.size() > size)
             m_file.resize(size);
     }
     // Not an error where it fails: it is only the place in the table.
-    DurableFile::setModified(m_file.handle(), record.modified);
-    const bool isFlushed = DurableFile::flush(m_file.handle());
+    FileSystem::setModified(m_file.handle(), record.nModified);
+    const bool isFlushed = FileSystem::flush(m_file.handle());
     if (!isFlushed)
         error = systemError();
-    return (isFlushed && tailFrom(record.offset) == tail) ||
-           failBecause(reason, QStringLiteral("cannot write the end of %1: %2").arg(m_path, error));
+    return (isFlushed && tailFrom(record.nOffset) == tail) ||
+           failBecause(reason, QStringLiteral("cannot write the end of %1: %2").arg(m_strPath, error));
 }
 
 // docs/package-format.md says the state on disk after a crash at each of these steps.
 bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail, QString *reason)
 {
     UndoRecord record;
-    record.fileName = QFileInfo(m_path).fileName();
-    record.offset = offset;
+    record.strFileName = QFileInfo(m_strPath).fileName();
+    record.nOffset = offset;
     record.mark = UndoRecord::markOf(m_file, offset);
     record.before = tailFrom(offset);
     record.after = tail;
-    record.modified = DurableFile::modified(m_file.handle());
+    record.nModified = FileSystem::modified(m_file.handle());
     if (record.mark.isEmpty() || offset + record.before.size() != m_file.size())
-        return failBecause(reason, QStringLiteral("cannot read the end of %1: %2").arg(m_path, m_file.errorString()));
-    const QString recordPath = UndoRecord::pathFor(m_path);
+        return failBecause(reason,
+                           QStringLiteral("cannot read the end of %1: %2").arg(m_strPath, m_file.errorString()));
+    const QString recordPath = UndoRecord::pathFor(m_strPath);
     if (!record.write(recordPath)) {
         // An older record whose removal was not flushed must not come back after this.
         QFile::remove(recordPath);
-        DurableFile::Folder(QFileInfo(m_path).absolutePath()).flush();
+        FileSystem::Folder(QFileInfo(m_strPath).absolutePath()).flush();
     }
     const bool isReplaced = put(record, tail, reason) && isStillInPlace(reason);
     if (isReplaced || put(record, record.before))
@@ -119,14 +124,14 @@ bool InPlaceFile::settle(const QString &recordPath, QString *reason)
         return true;
     UndoRecord record;
     const UndoRecord::Reading reading = record.read(recordPath);
-    if (reading == UndoRecord::Whole && record.fits(m_file)) {
-        const QByteArray tail = tailFrom(record.offset);
+    if (reading == UndoRecord::Reading::Whole && record.fits(m_file)) {
+        const QByteArray tail = tailFrom(record.nOffset);
         const bool isOurs = tail == record.before || tail == record.after || record.isTorn(tail);
         // What is whole is flushed, too: the process may have been killed before it came to that.
         if (isOurs && !put(record, tail == record.after ? tail : record.before, reason))
             return false;
     }
-    if (reading == UndoRecord::Unreadable)
+    if (reading == UndoRecord::Reading::Unreadable)
         return failBecause(reason, QStringLiteral("cannot read the undo record %1").arg(recordPath));
     return QFile::remove(recordPath) ||
            failBecause(reason, QStringLiteral("cannot remove the undo record %1: %2").arg(recordPath, systemError()));
@@ -148,8 +153,9 @@ bool InPlaceFile::settleRecord(const QString &recordPath, const QString &filePat
 /// The same for all files of the folder, since it may have got another name: the one that had it first.
 bool InPlaceFile::settleInFolder(const QString &recordPath, const QDir &folder, const UndoRecord &record)
 {
-    const QString sameKind = QStringLiteral("*.") + QFileInfo(record.fileName).suffix();
-    const QStringList names = QStringList(record.fileName) + folder.entryList({sameKind}, QDir::Files, QDir::Unsorted);
+    const QString sameKind = QStringLiteral("*.") + QFileInfo(record.strFileName).suffix();
+    const QStringList names =
+        QStringList(record.strFileName) + folder.entryList({sameKind}, QDir::Files, QDir::Unsorted);
     return std::any_of(names.begin(), names.end(),
                        [&](const QString &name) { return settleRecord(recordPath, folder.filePath(name), record); });
 }
@@ -163,10 +169,10 @@ void InPlaceFile::recover(const QString &folderPath)
         const QString recordPath = folder.filePath(name);
         UndoRecord record;
         const UndoRecord::Reading reading =
-            UndoRecord::isUndoRecord(name) ? record.read(recordPath) : UndoRecord::Unreadable;
-        const bool isWithoutFile = reading == UndoRecord::Whole && !settleInFolder(recordPath, folder, record);
+            UndoRecord::isUndoRecord(name) ? record.read(recordPath) : UndoRecord::Reading::Unreadable;
+        const bool isWithoutFile = reading == UndoRecord::Reading::Whole && !settleInFolder(recordPath, folder, record);
         // Which file it is for is not known of one that is not whole, and so not whether somebody is writing it now.
-        if (isWithoutFile || (reading == UndoRecord::Broken && UndoRecord::isStale(recordPath)))
+        if (isWithoutFile || (reading == UndoRecord::Reading::Broken && UndoRecord::isStale(recordPath)))
             QFile::remove(recordPath);
     }
 }
@@ -174,8 +180,8 @@ void InPlaceFile::recover(const QString &folderPath)
 void InPlaceFile::recoverFile(const QString &path)
 {
     InPlaceFile file(path);
-    if (QFileInfo::exists(UndoRecord::pathFor(file.m_path)) && file.openPlainFile() && file.lock(0))
-        file.settle(UndoRecord::pathFor(file.m_path));
+    if (QFileInfo::exists(UndoRecord::pathFor(file.m_strPath)) && file.openPlainFile() && file.lock(0))
+        file.settle(UndoRecord::pathFor(file.m_strPath));
 }
 
 } // namespace Internal

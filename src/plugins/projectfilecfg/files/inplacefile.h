@@ -54,7 +54,7 @@ private:
     static bool settleInFolder(const QString &recordPath, const QDir &folder, const UndoRecord &record);
     static bool settleRecord(const QString &recordPath, const QString &filePath, const UndoRecord &record);
 
-    const QString m_path;
+    const QString m_strPath;
     QFile m_file;
 };
 

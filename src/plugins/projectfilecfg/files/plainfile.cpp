@@ -14,10 +14,14 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static bool cannotOpen(QString *reason, const QString &path, const QString &error)
+namespace {
+
+bool cannotOpen(QString *reason, const QString &path, const QString &error)
 {
     return failBecause(reason, QStringLiteral("cannot open %1: %2").arg(path, error));
 }
+
+} // namespace
 
 bool openPlainFile(QFile &file, bool unbuffered, QString *reason)
 {

@@ -1,6 +1,6 @@
 #include "replacingfile.h"
 
-#include "durablefile.h"
+#include "filesystem.h"
 #include "plainfile.h"
 #include "reason.h"
 #include "streamcopy.h"
@@ -38,14 +38,14 @@ qint64 ReplacingFile::Fragment::writeData(const char *data, qint64 size)
     constexpr qint64 portion = 8 * 1024 * 1024;
     const qint64 count = QFile::writeData(data, size);
     m_nWaiting += std::max<qint64>(count, 0);
-    if (m_durability == FlushedToDisk && m_nWaiting >= portion) {
+    if (m_durability == Durability::FlushedToDisk && m_nWaiting >= portion) {
         m_nWaiting = 0;
-        DurableFile::beginFlush(handle());
+        FileSystem::beginFlush(handle());
     }
     return count;
 }
 
-QString ReplacingFile::targetBehind(const QString &targetPath)
+QString ReplacingFile::resolvedTarget(const QString &targetPath)
 {
     const QFileInfo target(targetPath);
     const QString linkedPath = target.isSymLink() ? target.canonicalFilePath() : QString();
@@ -53,15 +53,15 @@ QString ReplacingFile::targetBehind(const QString &targetPath)
 }
 
 ReplacingFile::ReplacingFile(const QString &targetPath, Durability durability)
-    : m_targetPath(targetBehind(targetPath))
-    , m_folderPath(QFileInfo(m_targetPath).absolutePath())
-    , m_fragment(m_folderPath + QLatin1Char('/') + fragmentName(), durability)
+    : m_strTargetPath(resolvedTarget(targetPath))
+    , m_strFolderPath(QFileInfo(m_strTargetPath).absolutePath())
+    , m_fragment(m_strFolderPath + QLatin1Char('/') + fragmentName(), durability)
     , m_durability(durability)
 {}
 
 ReplacingFile::~ReplacingFile()
 {
-    if (!m_isCommitted) {
+    if (!m_bCommitted) {
         m_fragment.close();
         m_fragment.remove();
     }
@@ -72,22 +72,23 @@ bool ReplacingFile::create(MissingFolders folders, QString *reason)
     // Nearly always it is there, and a package has thousands of entries.
     if (openFragment(reason))
         return true;
-    if (folders == NotMade)
+    if (folders == MissingFolders::NotMade)
         return false;
-    if (m_durability == FlushedToDisk)
-        return DurableFile::makeFolder(m_folderPath, reason) && openFragment(reason);
-    if (!QDir().mkpath(m_folderPath))
-        return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(m_folderPath, systemError()));
+    if (m_durability == Durability::FlushedToDisk)
+        return FileSystem::makeFolder(m_strFolderPath, reason) && openFragment(reason);
+    if (!QDir().mkpath(m_strFolderPath))
+        return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(m_strFolderPath, systemError()));
     return openFragment(reason);
 }
 
 bool ReplacingFile::openFragment(QString *reason)
 {
-    if (m_durability == FlushedToDisk)
-        removeStaleFragments(m_folderPath);
+    if (m_durability == Durability::FlushedToDisk)
+        removeStaleFragments(m_strFolderPath);
     return m_fragment.open(QIODevice::ReadWrite | QIODevice::Truncate) ||
-           failBecause(reason,
-                       QStringLiteral("cannot make a file beside %1: %2").arg(m_targetPath, m_fragment.errorString()));
+           failBecause(
+               reason,
+               QStringLiteral("cannot make a file beside %1: %2").arg(m_strTargetPath, m_fragment.errorString()));
 }
 
 bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
@@ -97,9 +98,9 @@ bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
     if (!openPlainFile(source, true, reason) || !openFragment(reason))
         return false;
     QString error;
-    if (!DurableFile::shareContent(source.handle(), m_fragment.handle()) &&
+    if (!FileSystem::shareContent(source.handle(), m_fragment.handle()) &&
         !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied, nullptr, &error))
-        return failBecause(reason, QStringLiteral("cannot copy %1 to %2: %3").arg(sourcePath, m_targetPath, error));
+        return failBecause(reason, QStringLiteral("cannot copy %1 to %2: %3").arg(sourcePath, m_strTargetPath, error));
     // What this user may do with the source is no permission of the file. Not an error where it fails: a stick's
     // file system knows no permissions.
     constexpr QFile::Permissions thisUser = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
@@ -109,25 +110,25 @@ bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
 
 bool ReplacingFile::cannotWrite(QString *reason) const
 {
-    return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_targetPath, writeError(m_fragment)));
+    return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_strTargetPath, writeError(m_fragment)));
 }
 
 bool ReplacingFile::commit(ExistingTarget existing, QString *reason)
 {
-    const auto rename = existing == Kept ? DurableFile::renameToFreeName : DurableFile::replace;
-    return finish([&] { return rename(path(), m_targetPath, reason); }, reason);
+    const auto rename = existing == ExistingTarget::Kept ? FileSystem::renameToFreeName : FileSystem::replace;
+    return finish([&] { return rename(path(), m_strTargetPath, reason); }, reason);
 }
 
-bool ReplacingFile::commitInPlaceOf(const DurableFile::FileIdentity &previous, QString *reason)
+bool ReplacingFile::commitInPlaceOf(const FileSystem::FileIdentity &previous, QString *reason)
 {
-    const DurableFile::FileIdentity own(path());
+    const FileSystem::FileIdentity own(path());
     const bool committed =
-        finish([&] { return DurableFile::replaceSame(path(), m_targetPath, previous, reason); }, reason);
+        finish([&] { return FileSystem::replaceSame(path(), m_strTargetPath, previous, reason); }, reason);
     // What was replaced lies there now. After a failure in a failure it is perhaps the only one of another program.
-    if (m_isCommitted)
+    if (m_bCommitted)
         m_fragment.remove();
     else
-        m_isCommitted = !own.isAt(path());
+        m_bCommitted = !own.isAt(path());
     return committed;
 }
 
@@ -136,19 +137,19 @@ bool ReplacingFile::finish(const std::function<bool()> &rename, QString *reason)
 {
     if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError)
         return cannotWrite(reason);
-    if (m_durability == FlushedToDisk && !DurableFile::flush(m_fragment.handle()))
-        return failBecause(reason, QStringLiteral("cannot flush %1: %2").arg(m_targetPath, systemError()));
+    if (m_durability == Durability::FlushedToDisk && !FileSystem::flush(m_fragment.handle()))
+        return failBecause(reason, QStringLiteral("cannot flush %1: %2").arg(m_strTargetPath, systemError()));
     m_fragment.close();
     if (m_fragment.error() != QFileDevice::NoError)
         return cannotWrite(reason);
 
-    if (m_durability == NotFlushed) {
-        m_isCommitted = rename();
-        return m_isCommitted;
+    if (m_durability == Durability::NotFlushed) {
+        m_bCommitted = rename();
+        return m_bCommitted;
     }
-    const DurableFile::Folder folder(m_folderPath, reason);
-    m_isCommitted = folder.isOpen() && rename();
-    return m_isCommitted && folder.flush(reason);
+    const FileSystem::Folder folder(m_strFolderPath, reason);
+    m_bCommitted = folder.isOpen() && rename();
+    return m_bCommitted && folder.flush(reason);
 }
 
 bool ReplacingFile::isFragment(const QString &fileName)
@@ -175,8 +176,8 @@ bool copyToFreeName(const QString &sourcePath, const QString &targetPath, QStrin
     // Asked again when it is renamed; here it saves the copying.
     if (QFileInfo::exists(targetPath))
         return failBecause(reason, QStringLiteral("cannot copy %1: %2 exists already").arg(sourcePath, targetPath));
-    ReplacingFile copy(targetPath, ReplacingFile::FlushedToDisk);
-    return copy.createFrom(sourcePath, reason) && copy.commit(ReplacingFile::Kept, reason);
+    ReplacingFile copy(targetPath, ReplacingFile::Durability::FlushedToDisk);
+    return copy.createFrom(sourcePath, reason) && copy.commit(ReplacingFile::ExistingTarget::Kept, reason);
 }
 
 } // namespace Internal

@@ -7,7 +7,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-namespace DurableFile {
+namespace FileSystem {
 class FileIdentity;
 }
 
@@ -20,22 +20,22 @@ class FileIdentity;
 class ReplacingFile
 {
 public:
-    enum Durability {
+    enum class Durability {
         /// The result of commit() holds also after a power failure.
         FlushedToDisk,
         /// Complete as long as the system runs: for files that can be recreated.
         NotFlushed
     };
-    enum ExistingTarget {
+    enum class ExistingTarget {
         Replaced,
         /// commit() fails if there is a target.
         Kept
     };
 
-    enum MissingFolders { Made, NotMade };
+    enum class MissingFolders { Made, NotMade };
 
     /// The path of the file to replace: `targetPath`, or the target of a symbolic link there.
-    static QString targetBehind(const QString &targetPath);
+    static QString resolvedTarget(const QString &targetPath);
 
     /// If `targetPath` is a symbolic link, its target is replaced and the link stays.
     ReplacingFile(const QString &targetPath, Durability durability);
@@ -43,8 +43,8 @@ public:
     ~ReplacingFile();
 
     /// Creates an empty fragment, by default with its folders, and opens it for reading and writing. With
-    /// FlushedToDisk, also removes stale fragments from the folder.
-    bool create(MissingFolders folders = Made, QString *reason = nullptr);
+    /// Durability::FlushedToDisk, also removes stale fragments from the folder.
+    bool create(MissingFolders folders = MissingFolders::Made, QString *reason = nullptr);
 
     /// The same with the content and the permissions of the plain file at `sourcePath`, positioned at the beginning.
     /// Creates no folders: the copy must fail if the stick there was removed.
@@ -56,11 +56,11 @@ public:
 
     /// Flushes and closes the fragment and renames it to the target's name. Only a failure of the last step, flushing
     /// the renaming, leaves the new target in place.
-    bool commit(ExistingTarget existing = Replaced, QString *reason = nullptr);
+    bool commit(ExistingTarget existing = ExistingTarget::Replaced, QString *reason = nullptr);
 
-    /// The same, but replaces only `previous` (see DurableFile::replaceSame()): if another file is at the target by
+    /// The same, but replaces only `previous` (see FileSystem::replaceSame()): if another file is at the target by
     /// now, fails and leaves it there.
-    bool commitInPlaceOf(const DurableFile::FileIdentity &previous, QString *reason = nullptr);
+    bool commitInPlaceOf(const FileSystem::FileIdentity &previous, QString *reason = nullptr);
 
     /// True for names of fragments.
     static bool isFragment(const QString &fileName);
@@ -91,11 +91,11 @@ private:
     bool cannotWrite(QString *reason) const;
     bool finish(const std::function<bool()> &rename, QString *reason);
 
-    QString m_targetPath;
-    QString m_folderPath;
+    QString m_strTargetPath;
+    QString m_strFolderPath;
     Fragment m_fragment;
     Durability m_durability;
-    bool m_isCommitted = false;
+    bool m_bCommitted = false;
 };
 
 /// Copies a file with its permissions, completely or not at all, and flushes it to disk. Fails if anything is at

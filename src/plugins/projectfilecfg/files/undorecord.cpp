@@ -1,6 +1,6 @@
 #include "undorecord.h"
 
-#include "durablefile.h"
+#include "filesystem.h"
 
 #include <QCryptographicHash>
 #include <QDataStream>
@@ -15,19 +15,23 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// "UNDO", and the version of what follows.
-static const quint32 magic = 0x554E444F;
-static const quint32 version = 1;
-static const int digestSize = 32;
-/// Two tails with the longest comment that an archive has, and room for the rest.
-static const qint64 maxRecordSize = 256 * 1024;
-/// Of a package it is the end of its directory, with sizes and CRCs of the entries: nothing else says more about it.
-static const qint64 markedSize = 4096;
+namespace {
 
-static QByteArray digestOf(const QByteArray &bytes)
+/// "UNDO", and the version of what follows.
+constexpr quint32 magic = 0x554E444F;
+constexpr quint32 version = 1;
+constexpr int digestSize = 32;
+/// Two tails with the longest comment that an archive has, and room for the rest.
+constexpr qint64 maxRecordSize = 256 * 1024;
+/// Of a package it is the end of its directory, with sizes and CRCs of the entries: nothing else says more about it.
+constexpr qint64 markedSize = 4096;
+
+QByteArray digestOf(const QByteArray &bytes)
 {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
 }
+
+} // namespace
 
 QString UndoRecord::pathFor(const QString &filePath)
 {
@@ -53,20 +57,21 @@ UndoRecord::Reading UndoRecord::read(const QString &recordPath)
 {
     QFile file(recordPath);
     if (!QFileInfo(recordPath).isFile() || !file.open(QIODevice::ReadOnly))
-        return Unreadable;
+        return Reading::Unreadable;
     const QByteArray bytes = file.read(maxRecordSize);
     if (file.error() != QFileDevice::NoError)
-        return Unreadable;
+        return Reading::Unreadable;
     const QByteArray content = bytes.mid(digestSize);
     QDataStream stream(content);
     stream.setVersion(QDataStream::Qt_5_9);
     quint32 foundMagic = 0;
     quint32 foundVersion = 0;
-    stream >> foundMagic >> foundVersion >> fileName >> offset >> mark >> before >> after >> modified;
+    stream >> foundMagic >> foundVersion >> strFileName >> nOffset >> mark >> before >> after >> nModified;
     const bool isWhole = bytes.left(digestSize) == digestOf(content) && stream.status() == QDataStream::Ok &&
                          foundMagic == magic && foundVersion == version;
     // A name, and no way out of the folder.
-    return isWhole && QFileInfo(fileName).fileName() == fileName && offset >= 0 ? Whole : Broken;
+    return isWhole && QFileInfo(strFileName).fileName() == strFileName && nOffset >= 0 ? Reading::Whole
+                                                                                       : Reading::Broken;
 }
 
 bool UndoRecord::write(const QString &recordPath) const
@@ -74,13 +79,13 @@ bool UndoRecord::write(const QString &recordPath) const
     QByteArray content;
     QDataStream stream(&content, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_5_9);
-    stream << magic << version << fileName << offset << mark << before << after << modified;
+    stream << magic << version << strFileName << nOffset << mark << before << after << nModified;
     const QByteArray bytes = digestOf(content) + content;
     // Under its name at once: to flush a renaming costs as much again as to flush the file.
-    const DurableFile::Folder folder(QFileInfo(recordPath).absolutePath());
+    const FileSystem::Folder folder(QFileInfo(recordPath).absolutePath());
     QFile record(recordPath);
     return folder.isOpen() && record.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered) &&
-           record.write(bytes) == bytes.size() && DurableFile::flush(record.handle()) && folder.flush();
+           record.write(bytes) == bytes.size() && FileSystem::flush(record.handle()) && folder.flush();
 }
 
 QByteArray UndoRecord::markOf(QFile &file, qint64 offset)
@@ -92,7 +97,7 @@ QByteArray UndoRecord::markOf(QFile &file, qint64 offset)
 
 bool UndoRecord::fits(QFile &file) const
 {
-    return file.size() >= offset && !mark.isEmpty() && markOf(file, offset) == mark;
+    return file.size() >= nOffset && !mark.isEmpty() && markOf(file, nOffset) == mark;
 }
 
 bool UndoRecord::isTorn(const QByteArray &tail) const

@@ -16,15 +16,15 @@ namespace Internal {
 /// unchanged.
 struct UndoRecord
 {
-    QString fileName;
+    QString strFileName;
     /// The changed bytes are those from this offset to the end of the file.
-    qint64 offset = 0;
+    qint64 nOffset = 0;
     /// Digest of the bytes before the offset; identifies the file.
     QByteArray mark;
     QByteArray before;
     QByteArray after;
     /// The file's modification time, in nanoseconds since 1970.
-    qint64 modified = 0;
+    qint64 nModified = 0;
 
     /// The path of the record for the file at `filePath`, which is not a link.
     static QString pathFor(const QString &filePath);
@@ -32,7 +32,7 @@ struct UndoRecord
     /// True if it is a day old, more than clocks differ: no process can still be writing it.
     static bool isStale(const QString &recordPath);
 
-    enum Reading {
+    enum class Reading {
         Whole,
         /// It does not match its own digest: incomplete, or still being written.
         Broken,

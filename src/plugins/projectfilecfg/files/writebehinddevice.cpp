@@ -26,14 +26,14 @@ WriteBehindDevice::~WriteBehindDevice()
 
 void WriteBehindDevice::writeToFile(const Block &block)
 {
-    if (!m_bFailed && (!m_file.seek(block.position) || m_file.write(block.bytes.get(), block.size) != block.size))
+    if (!m_bFailed && (!m_file.seek(block.nPosition) || m_file.write(block.bytes.get(), block.nSize) != block.nSize))
         m_bFailed = true;
 }
 
 /// The current block is empty afterwards.
 void WriteBehindDevice::handOver()
 {
-    if (block().size == 0)
+    if (block().nSize == 0)
         return;
     // Nobody waits for the task itself: who does takes it over where it has not begun, and would write beside the
     // thread of the pool.
@@ -43,15 +43,15 @@ void WriteBehindDevice::handOver()
     });
     m_free.acquire();
     m_nCurrent = (m_nCurrent + 1) % m_blocks.size();
-    block().size = 0;
+    block().nSize = 0;
 }
 
 bool WriteBehindDevice::flush()
 {
     m_pool.waitForDone();
-    if (block().size > 0)
+    if (block().nSize > 0)
         writeToFile(block());
-    block().size = 0;
+    block().nSize = 0;
     if (!m_bFailed && !m_file.flush())
         m_bFailed = true;
     return !m_bFailed;
@@ -64,17 +64,17 @@ qint64 WriteBehindDevice::writeData(const char *data, qint64 size)
         return -1;
     for (qint64 taken = 0; taken < size;) {
         const qint64 position = pos() + taken;
-        if (position < block().position || position > block().position + block().size)
+        if (position < block().nPosition || position > block().nPosition + block().nSize)
             handOver();
-        if (block().size == 0)
-            block().position = position;
-        const qint64 offset = position - block().position;
+        if (block().nSize == 0)
+            block().nPosition = position;
+        const qint64 offset = position - block().nPosition;
         const qint64 portion = std::min(size - taken, m_nBlockSize - offset);
         std::copy_n(data + taken, portion, block().bytes.get() + offset);
-        block().size = std::max(block().size, offset + portion);
+        block().nSize = std::max(block().nSize, offset + portion);
         taken += portion;
         m_nSize = std::max(m_nSize, position + portion);
-        if (block().size == m_nBlockSize)
+        if (block().nSize == m_nBlockSize)
             handOver();
     }
     return size;

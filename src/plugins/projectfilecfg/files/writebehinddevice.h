@@ -44,8 +44,8 @@ private:
     struct Block
     {
         std::unique_ptr<char[]> bytes;
-        qint64 position = 0;
-        qint64 size = 0;
+        qint64 nPosition = 0;
+        qint64 nSize = 0;
     };
 
     Block &block() { return m_blocks[m_nCurrent]; }

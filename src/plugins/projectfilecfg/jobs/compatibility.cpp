@@ -10,13 +10,15 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static const int defaultExchangePos = 8;
+namespace {
+
+constexpr int defaultExchangePos = 8;
 
 /// Slot types of the output card and of the exchange card that may take its place.
-static const int outputCardType = 3;
-static const int exchangeCardType = 5;
+constexpr int outputCardType = 3;
+constexpr int exchangeCardType = 5;
 
-static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
+bool slotsMatch(const Model::Slot &package, const Model::Slot &target, int exchangePos)
 {
     const auto isOutputOrExchange = [](int type) { return type == outputCardType || type == exchangeCardType; };
     const bool typesAgree = package.getType() == target.getType() ||
@@ -25,7 +27,7 @@ static bool slotsMatch(const Model::Slot &package, const Model::Slot &target, in
     return typesAgree && package.getPos() == target.getPos() && package.getModelId() == target.getModelId();
 }
 
-static bool cardsAgree(const Model::Device &package, const Model::Device &target)
+bool cardsAgree(const Model::Device &package, const Model::Device &target)
 {
     const auto targetSlots = target.getSlots();
     const auto packageSlots = package.getSlots();
@@ -43,12 +45,14 @@ static bool cardsAgree(const Model::Device &package, const Model::Device &target
     });
 }
 
-static bool isFromNewerProtocol(const Model::Device &package, const Model::Device &target)
+bool isFromNewerProtocol(const Model::Device &package, const Model::Device &target)
 {
     // Not the same without the factor: the product rounds a difference in the last bit away. It is not rounded to a
     // whole number either: 2.41 is newer than 2.4.
     return package.getCommunicationProtocolNumber() * 10 > target.getCommunicationProtocolNumber() * 10;
 }
+
+} // namespace
 
 LoadResultCode compareDevices(const Model::Device &package, const Model::Device &target, bool isTargetOnline,
                               QString *reason)

@@ -20,8 +20,12 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// Id of a device that is in no list.
-static const quint16 unlistedDeviceId = 65535;
+constexpr quint16 unlistedDeviceId = 65535;
+
+} // namespace
 
 bool writeDeviceDescriptions()
 {
@@ -37,7 +41,9 @@ QString findDescription(const QStringList &entries)
     return found == entries.end() ? QString() : *found;
 }
 
-static QJsonDocument parseDescription(QIODevice &device, QJsonParseError &error)
+namespace {
+
+QJsonDocument parseDescription(QIODevice &device, QJsonParseError &error)
 {
     if (device.size() > PackageLimits::maxParsedDescriptionSize)
         return QJsonDocument();
@@ -46,6 +52,8 @@ static QJsonDocument parseDescription(QIODevice &device, QJsonParseError &error)
     scan.feed(json.constData(), json.size());
     return scan.parts() <= PackageLimits::maxDescriptionParts ? QJsonDocument::fromJson(json, &error) : QJsonDocument();
 }
+
+} // namespace
 
 std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString &error)
 {

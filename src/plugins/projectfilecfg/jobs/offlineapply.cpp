@@ -1,7 +1,7 @@
 #include "offlineapply.h"
 
 #include "devicedescription.h"
-#include "durablefile.h"
+#include "filesystem.h"
 #include "offlineroom.h"
 #include "packagelayout.h"
 #include "packagereader.h"
@@ -29,12 +29,16 @@ QString offlineFolder(const QString &ip)
     return StagingDirectory(ip).path() + QLatin1Char('/');
 }
 
+namespace {
+
 /// One text for both: readers of logs look for it.
-static LoadResultCode extractionFailed(const QString &path)
+LoadResultCode extractionFailed(const QString &path)
 {
     qDebug() << "Extract json file failed:" << path;
     return LoadDecompressFailed;
 }
+
+} // namespace
 
 LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder, QString *reason)
 {
@@ -47,7 +51,7 @@ LoadResultCode extractContent(PackageReader &package, const QString &path, const
     const bool areExtracted = std::all_of(entries.begin(), entries.end(), [&](const QString &entry) {
         return !package.extractFile(entry, QStringLiteral("%1/%2").arg(folder, entry), reason).isEmpty();
     });
-    const bool areOnDisk = areExtracted && (entries.isEmpty() || DurableFile::flushTree(folder, reason));
+    const bool areOnDisk = areExtracted && (entries.isEmpty() || FileSystem::flushTree(folder, reason));
     return areOnDisk ? LoadSuccess : extractionFailed(path);
 }
 
@@ -70,7 +74,9 @@ void replaceModel(Model::Device &target, const Model::Device &description)
     target.fromJson(description.toJson());
 }
 
-static QString picturePath(const QString &folder, const Materail &materail)
+namespace {
+
+QString picturePath(const QString &folder, const Materail &materail)
 {
     if (materail.getType() == Materail::Background)
         return folder + PackageLayout::backgroundEntry(materail.getKeyNo());
@@ -78,6 +84,8 @@ static QString picturePath(const QString &folder, const Materail &materail)
         return folder + PackageLayout::logoEntry(materail.getKeyNo());
     return QString();
 }
+
+} // namespace
 
 void refreshThumbnails(const Model::Device &device, const QString &folder)
 {

@@ -15,7 +15,7 @@ namespace Internal {
 
 OnlineApply::OnlineApply(PackageReader &package, const std::shared_ptr<Model::Device> &description,
                          const std::shared_ptr<Model::Device> &target, const Labels &labels)
-    : m_description(description)
+    : m_pDescription(description)
     , m_labels(labels)
     , m_descriptionControler(description)
     , m_targetControler(target)
@@ -25,11 +25,11 @@ OnlineApply::OnlineApply(PackageReader &package, const std::shared_ptr<Model::De
 bool OnlineApply::sendSlots()
 {
     QString errorText;
-    if (m_targetControler.canMVEEnable() && !m_targetControler.enableMVR(m_description->getMVREnabled(), errorText)) {
+    if (m_targetControler.canMVEEnable() && !m_targetControler.enableMVR(m_pDescription->getMVREnabled(), errorText)) {
         qWarning().noquote() << "enable(disable) MVR failed: " << errorText;
         return false;
     }
-    if (!m_targetControler.copySlotDataToDevice(m_description)) {
+    if (!m_targetControler.copySlotDataToDevice(m_pDescription)) {
         qWarning() << "set slot data failed.";
         return false;
     }
@@ -40,20 +40,20 @@ LoadResultCode OnlineApply::sendPicture(QString *reason)
 {
     const PictureReadAhead::Picture picture = m_pictures.next();
     if (picture.code != LoadSuccess)
-        failBecause(reason, picture.reason);
+        failBecause(reason, picture.strReason);
     if (picture.code != LoadSuccess || !picture.packaged.isOfGallery())
         return picture.code;
 
     const bool isLogo = picture.packaged.isLogo();
-    ICore::setOperatorType(ICore::OperatorLoad,
-                           (isLogo ? m_labels.logo : m_labels.background) + picture.packaged.materail()->getName());
+    ICore::setOperatorType(ICore::OperatorLoad, (isLogo ? m_labels.strLogo : m_labels.strBackground) +
+                                                    picture.packaged.materail()->getName());
     if (!m_targetControler.createMaterailFromImage(picture.image, isLogo ? Materail::Logo : Materail::Background,
                                                    QString(), 0, QSize(0, 0), picture.packaged.name())) {
         failBecause(reason, QStringLiteral("the device did not take the picture %1").arg(picture.packaged.entry()));
         return LoadApplyGalleryFailed;
     }
-    if (!picture.extractedPath.isEmpty() && !QFile::remove(picture.extractedPath))
-        qDebug() << "Remove file failed:" << picture.extractedPath;
+    if (!picture.strExtractedPath.isEmpty() && !QFile::remove(picture.strExtractedPath))
+        qDebug() << "Remove file failed:" << picture.strExtractedPath;
     return LoadSuccess;
 }
 
@@ -64,7 +64,7 @@ bool OnlineApply::sendConfiguration()
 
 bool OnlineApply::sendMvrItems()
 {
-    return !m_description->getMVREnabled() || m_descriptionControler.copyMVRItemDataToDevice();
+    return !m_pDescription->getMVREnabled() || m_descriptionControler.copyMVRItemDataToDevice();
 }
 
 } // namespace Internal

@@ -17,8 +17,8 @@ public:
     /// What the progress text of a picture begins with, translated.
     struct Labels
     {
-        QString logo;
-        QString background;
+        QString strLogo;
+        QString strBackground;
     };
 
     /// `description` is the package's device description, with the identity of `target`.
@@ -41,7 +41,7 @@ public:
     bool sendMvrItems();
 
 private:
-    const std::shared_ptr<Model::Device> m_description;
+    const std::shared_ptr<Model::Device> m_pDescription;
     const Labels m_labels;
     ModelControl::DeviceControler m_descriptionControler;
     ModelControl::DeviceControler m_targetControler;

@@ -18,12 +18,12 @@ LoadResultCode openPackageCopy(const QString &path, std::unique_ptr<PackageReade
     PackageSnapshot snapshot;
     package.reset();
     switch (snapshot.take(path, {folder, QDir::tempPath()}, reason)) {
-    case PackageSnapshot::Taken:
+    case PackageSnapshot::Outcome::Taken:
         package = std::make_unique<PackageReader>(snapshot.release());
         break;
-    case PackageSnapshot::Unreadable:
+    case PackageSnapshot::Outcome::Unreadable:
         break;
-    case PackageSnapshot::NoRoom:
+    case PackageSnapshot::Outcome::NoRoom:
         return LoadDecompressFailed;
     }
     return LoadSuccess;

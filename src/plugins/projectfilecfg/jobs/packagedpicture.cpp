@@ -15,21 +15,25 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// Larger files are no content for the memory: several pictures are there at once, and their pixels besides.
-static const qint64 maxSizeInMemory = 32 * 1024 * 1024;
+constexpr qint64 maxSizeInMemory = 32 * 1024 * 1024;
+
+} // namespace
 
 PackagedPicture::PackagedPicture(const QString &entry, const Model::Device &device)
-    : m_entry(entry)
-    , m_path(PackageLayout::plainName(entry))
+    : m_strEntry(entry)
+    , m_strPath(PackageLayout::plainName(entry))
 {
     if (!isOfGallery())
         return;
     // Key numbers have 8 bits.
-    const auto keyNo = static_cast<quint8>(PackageLayout::galleryNumber(m_path));
+    const auto keyNo = static_cast<quint8>(PackageLayout::galleryNumber(m_strPath));
     for (const auto &reference : isLogo() ? device.getLogos() : device.getBKGs()) {
         const std::shared_ptr<Model::Materail> candidate = reference.lock();
         if (candidate && candidate->getKeyNo() == keyNo) {
-            m_materail = candidate;
+            m_pMaterail = candidate;
             return;
         }
     }
@@ -37,24 +41,24 @@ PackagedPicture::PackagedPicture(const QString &entry, const Model::Device &devi
 
 bool PackagedPicture::isLogo() const
 {
-    return PackageLayout::isLogo(m_path);
+    return PackageLayout::isLogo(m_strPath);
 }
 
 bool PackagedPicture::isOfGallery() const
 {
-    return PackageLayout::isInGallery(m_path);
+    return PackageLayout::isInGallery(m_strPath);
 }
 
 QString PackagedPicture::name() const
 {
-    return PackageLayout::galleryFolder(m_path) + QLatin1Char('_') +
-           QString::number(PackageLayout::galleryNumber(m_path));
+    return PackageLayout::galleryFolder(m_strPath) + QLatin1Char('_') +
+           QString::number(PackageLayout::galleryNumber(m_strPath));
 }
 
 QString PackagedPicture::extract(PackageReader &package, const QString &folder, QString *reason) const
 {
-    const QString path = QStringLiteral("%1/%2").arg(folder, m_entry);
-    if (!package.extractFile(m_entry, path, reason).isEmpty())
+    const QString path = QStringLiteral("%1/%2").arg(folder, m_strEntry);
+    if (!package.extractFile(m_strEntry, path, reason).isEmpty())
         return path;
     qDebug() << "Extract file failed:" << path;
     return QString();
@@ -65,26 +69,26 @@ LoadResultCode PackagedPicture::open(PackageReader &package, const QString &fold
     if (!takeContent(package, folder, reason))
         return LoadDecompressFailed;
     QString cause = QStringLiteral("it has no pixels");
-    m_size = PictureReader(m_content.get()).size(&cause);
+    m_size = PictureReader(m_pContent.get()).size(&cause);
     if (m_size.width() < 1 || m_size.height() < 1) {
-        failBecause(reason, QStringLiteral("the picture %1: %2").arg(m_entry, cause));
+        failBecause(reason, QStringLiteral("the picture %1: %2").arg(m_strEntry, cause));
         return LoadImageContentError;
     }
-    if (isOfGallery() && (!m_materail || m_materail->size() != m_size)) {
+    if (isOfGallery() && (!m_pMaterail || m_pMaterail->size() != m_size)) {
         failBecause(reason,
                     QStringLiteral("the picture %1 has no place in the description, or its place has another size")
-                        .arg(m_entry));
+                        .arg(m_strEntry));
         return LoadGalleryFileError;
     }
-    return m_content->seek(0) ? LoadSuccess : LoadDecompressFailed;
+    return m_pContent->seek(0) ? LoadSuccess : LoadDecompressFailed;
 }
 
 bool PackagedPicture::takeContent(PackageReader &package, const QString &folder, QString *reason)
 {
-    const qint64 size = package.entrySize(m_entry);
+    const qint64 size = package.entrySize(m_strEntry);
     if (size > maxSizeInMemory) {
-        m_content = openNamelessFile(folder, reason);
-        if (m_content && package.read(m_entry, *m_content, size, reason) && m_content->seek(0))
+        m_pContent = openNamelessFile(folder, reason);
+        if (m_pContent && package.read(m_strEntry, *m_pContent, size, reason) && m_pContent->seek(0))
             return true;
     }
     // A full disk is no reason to leave a device without its picture.
@@ -92,8 +96,8 @@ bool PackagedPicture::takeContent(PackageReader &package, const QString &folder,
         return false;
     const auto buffer = std::make_shared<QBuffer>();
     buffer->buffer().reserve(int(std::max<qint64>(size, 0)));
-    m_content = buffer;
-    return buffer->open(QIODevice::ReadWrite) && package.read(m_entry, *buffer, size, reason) && buffer->seek(0);
+    m_pContent = buffer;
+    return buffer->open(QIODevice::ReadWrite) && package.read(m_strEntry, *buffer, size, reason) && buffer->seek(0);
 }
 
 } // namespace Internal

@@ -27,14 +27,14 @@ public:
     /// `device` is the package's device description.
     PackagedPicture(const QString &entry, const Model::Device &device);
 
-    QString entry() const { return m_entry; }
+    QString entry() const { return m_strEntry; }
     bool isLogo() const;
     /// True in one of the two gallery folders: these pictures are sent. Others are extracted, but not used.
     bool isOfGallery() const;
     /// The name under which it is sent: "LOGO_7", "BKG_300".
     QString name() const;
     /// The first of the device's pictures of that kind and number; null if there is none, or outside the gallery.
-    std::shared_ptr<Model::Materail> materail() const { return m_materail; }
+    std::shared_ptr<Model::Materail> materail() const { return m_pMaterail; }
 
     /// Extracts it to `folder` under the entry's name, where others expect it, and returns the path. Empty, with a line
     /// in the log, if that fails.
@@ -46,17 +46,17 @@ public:
     /// LoadGalleryFileError if it is in the gallery and has no place there, or its place has another size. Otherwise
     /// LoadSuccess, and content() is at its beginning.
     LoadResultCode open(PackageReader &package, const QString &folder, QString *reason = nullptr);
-    std::shared_ptr<QIODevice> content() const { return m_content; }
+    std::shared_ptr<QIODevice> content() const { return m_pContent; }
     QSize size() const { return m_size; }
 
 private:
     bool takeContent(PackageReader &package, const QString &folder, QString *reason);
 
-    QString m_entry;
+    QString m_strEntry;
     /// The entry's normalised path, which determines the kind.
-    QString m_path;
-    std::shared_ptr<Model::Materail> m_materail;
-    std::shared_ptr<QIODevice> m_content;
+    QString m_strPath;
+    std::shared_ptr<Model::Materail> m_pMaterail;
+    std::shared_ptr<QIODevice> m_pContent;
     QSize m_size;
 };
 

@@ -10,31 +10,35 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// Pictures with larger files or more pixels are decoded at their turn only, since two are in memory otherwise.
-static const qint64 maxSizeAhead = 32 * 1024 * 1024;
-static const qint64 maxPixelsAhead = 16 * 1024 * 1024;
+constexpr qint64 maxSizeAhead = 32 * 1024 * 1024;
+constexpr qint64 maxPixelsAhead = 16 * 1024 * 1024;
+
+} // namespace
 
 PictureReadAhead::PictureReadAhead(PackageReader &package, const Model::Device &device, const QString &folder)
     : m_package(package)
     , m_device(device)
-    , m_folder(folder)
+    , m_strFolder(folder)
     , m_decoder(1)
 {
     for (const QString &entry : package.entries()) {
         if (PackageLayout::isPicture(entry))
-            m_entries.append(entry);
+            m_listEntries.append(entry);
     }
 }
 
 PictureReadAhead::Picture PictureReadAhead::next()
 {
-    const QString entry = m_entries.at(m_nNext);
+    const QString entry = m_listEntries.at(m_nNext);
     ++m_nNext;
     if (hasNext())
-        decodeAhead(m_entries.at(m_nNext));
+        decodeAhead(m_listEntries.at(m_nNext));
     Picture picture{PackagedPicture(entry, m_device), QString(), LoadSuccess, QString(), QImage()};
-    picture.extractedPath = picture.packaged.extract(m_package, m_folder);
-    picture.code = read(picture.packaged, picture.image, &picture.reason);
+    picture.strExtractedPath = picture.packaged.extract(m_package, m_strFolder);
+    picture.code = read(picture.packaged, picture.image, &picture.strReason);
     return picture;
 }
 
@@ -44,7 +48,7 @@ void PictureReadAhead::decodeAhead(const QString &entry)
     const QSize size = picture.materail() ? picture.materail()->size() : QSize();
     const bool isSmall =
         qint64(size.width()) * size.height() <= maxPixelsAhead && m_package.entrySize(entry) <= maxSizeAhead;
-    if (picture.materail() && isSmall && picture.open(m_package, m_folder) == LoadSuccess)
+    if (picture.materail() && isSmall && picture.open(m_package, m_strFolder) == LoadSuccess)
         m_decoder.begin(entry, picture.content(), size);
 }
 
@@ -53,7 +57,7 @@ LoadResultCode PictureReadAhead::read(PackagedPicture &picture, QImage &image, Q
     image = m_decoder.take(picture.entry());
     if (!image.isNull())
         return LoadSuccess;
-    const LoadResultCode code = picture.open(m_package, m_folder, reason);
+    const LoadResultCode code = picture.open(m_package, m_strFolder, reason);
     if (code != LoadSuccess || !picture.isOfGallery())
         return code;
     QString cause;

@@ -21,12 +21,12 @@ public:
     {
         PackagedPicture packaged;
         /// Where it was extracted; empty if that failed, which does not keep it from being sent.
-        QString extractedPath;
+        QString strExtractedPath;
         /// LoadSuccess, or the code with which the apply ends: that of PackagedPicture::open(), or
         /// LoadGalleryFileError if it cannot be decoded.
         LoadResultCode code;
         /// Why, unless it is LoadSuccess.
-        QString reason;
+        QString strReason;
         /// Null on failure, and outside the gallery.
         QImage image;
     };
@@ -34,7 +34,7 @@ public:
     /// `device` is the package's device description. Extracts the pictures to `folder`, where others expect them.
     PictureReadAhead(PackageReader &package, const Model::Device &device, const QString &folder);
 
-    bool hasNext() const { return m_nNext < m_entries.size(); }
+    bool hasNext() const { return m_nNext < m_listEntries.size(); }
     /// Reads the next one in the archive's order, in the gallery or not.
     Picture next();
 
@@ -44,9 +44,9 @@ private:
 
     PackageReader &m_package;
     const Model::Device &m_device;
-    const QString m_folder;
+    const QString m_strFolder;
     PictureDecoder m_decoder;
-    QStringList m_entries;
+    QStringList m_listEntries;
     int m_nNext = 0;
 };
 

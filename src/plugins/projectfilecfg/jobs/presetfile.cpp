@@ -1,6 +1,6 @@
 #include "presetfile.h"
 
-#include "stagedfile.h"
+#include "writewhole.h"
 
 #include <QDataStream>
 #include <QDir>
@@ -22,16 +22,16 @@ PresetFile::Outcome PresetFile::write(const QByteArray &detail)
         m_strError = file.errorString();
         // Another program that saves this device removes the folder, and makes it anew.
         if (!QFileInfo(m_strPath).dir().exists())
-            return FolderGone;
+            return Outcome::FolderGone;
         if (!open())
-            return NotOpened;
+            return Outcome::NotOpened;
     }
     QByteArray content;
     QDataStream stream(&content, QIODevice::WriteOnly);
     // A null array would be streamed as the length 0xffffffff.
     stream << (detail.isNull() ? QByteArray("") : detail);
     m_nSize = content.size();
-    return writeWhole(file, content, &m_strError) ? Written : Cut;
+    return writeWhole(file, content, &m_strError) ? Outcome::Written : Outcome::Cut;
 }
 
 } // namespace Internal

@@ -10,7 +10,7 @@ namespace Internal {
 class PresetFile
 {
 public:
-    enum Outcome {
+    enum class Outcome {
         Written,
         /// The folder was removed.
         FolderGone,
@@ -25,9 +25,9 @@ public:
     /// Writes the file anew. `detail` is what the host made of the preset.
     Outcome write(const QByteArray &detail);
 
-    /// After Written: its bytes.
+    /// After Outcome::Written: its bytes.
     qint64 size() const { return m_nSize; }
-    /// After NotOpened: the system's reason; after Cut, with the path.
+    /// After Outcome::NotOpened: the system's reason; after Outcome::Cut, with the path.
     QString errorString() const { return m_strError; }
 
 private:

@@ -15,13 +15,17 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static const qint64 bytesPerPixel = 4;
-static const qint64 maxBytesBeyondFirst = 256 * 1024 * 1024;
+namespace {
+
+constexpr qint64 bytesPerPixel = 4;
+constexpr qint64 maxBytesBeyondFirst = 256 * 1024 * 1024;
+
+} // namespace
 
 ReadinessCheck::ReadinessCheck(PackageReader &package, const Model::Device &device, const QString &folder)
     : m_package(package)
     , m_device(device)
-    , m_folder(folder)
+    , m_strFolder(folder)
 {}
 
 LoadResultCode ReadinessCheck::run(QString *reason)
@@ -68,17 +72,17 @@ bool ReadinessCheck::hasTooManyPixels(QString *reason) const
 LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decoder, QString *reason)
 {
     PackagedPicture picture(entry, m_device);
-    const QString extractedPath = picture.extract(m_package, m_folder, reason);
+    const QString extractedPath = picture.extract(m_package, m_strFolder, reason);
     if (extractedPath.isEmpty())
         return LoadDecompressFailed;
     QFile::remove(extractedPath);
-    const LoadResultCode code = picture.open(m_package, m_folder, reason);
+    const LoadResultCode code = picture.open(m_package, m_strFolder, reason);
     if (code != LoadSuccess || !picture.isOfGallery())
         return code;
     const qint64 bytes = qint64(picture.size().width()) * picture.size().height() * bytesPerPixel;
     const auto isTooMuch = [&] {
         return m_begun.size() >= QThread::idealThreadCount() + 2 ||
-               m_begunBytes - m_begun.head().second + bytes > maxBytesBeyondFirst;
+               m_nBegunBytes - m_begun.head().second + bytes > maxBytesBeyondFirst;
     };
     while (!m_begun.isEmpty() && isTooMuch()) {
         if (!isOldestDecoded(decoder, reason))
@@ -86,14 +90,14 @@ LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decod
     }
     decoder.begin(entry, picture.content(), picture.size());
     m_begun.enqueue({entry, bytes});
-    m_begunBytes += bytes;
+    m_nBegunBytes += bytes;
     return LoadSuccess;
 }
 
 bool ReadinessCheck::isOldestDecoded(PictureDecoder &decoder, QString *reason)
 {
     const QPair<QString, qint64> oldest = m_begun.dequeue();
-    m_begunBytes -= oldest.second;
+    m_nBegunBytes -= oldest.second;
     return !decoder.take(oldest.first, reason).isNull();
 }
 

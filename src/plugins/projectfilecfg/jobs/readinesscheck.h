@@ -44,10 +44,10 @@ private:
 
     PackageReader &m_package;
     const Model::Device &m_device;
-    const QString m_folder;
+    const QString m_strFolder;
     /// Pictures being decoded, with the bytes of their pixels, in the archive's order.
     QQueue<QPair<QString, qint64>> m_begun;
-    qint64 m_begunBytes = 0;
+    qint64 m_nBegunBytes = 0;
 };
 
 } // namespace Internal

@@ -16,7 +16,9 @@ using Model::Materail;
 namespace ProjectFileCfg {
 namespace Internal {
 
-static void emptyFolder(const QString &path)
+namespace {
+
+void emptyFolder(const QString &path)
 {
     QDir folder(path);
     if (!folder.exists()) {
@@ -33,8 +35,10 @@ static void emptyFolder(const QString &path)
     }
 }
 
+} // namespace
+
 StagingDirectory::StagingDirectory(const QString &ip)
-    : m_path(Core::ICore::deviceConfigFilePath() + QDir::separator() + ip)
+    : m_strPath(Core::ICore::deviceConfigFilePath() + QDir::separator() + ip)
 {}
 
 QString StagingDirectory::presetPath() const
@@ -44,13 +48,13 @@ QString StagingDirectory::presetPath() const
 
 QString StagingDirectory::presetPath(const QString &entry) const
 {
-    return m_path + QDir::separator() + entry;
+    return m_strPath + QDir::separator() + entry;
 }
 
 QString StagingDirectory::picturePath(const QString &entry) const
 {
     // Two separators, unlike for presets: readers of logs know the paths so.
-    return m_path + QDir::separator() + QLatin1Char('/') + entry;
+    return m_strPath + QDir::separator() + QLatin1Char('/') + entry;
 }
 
 QString StagingDirectory::pictureEntry(const QString &path) const

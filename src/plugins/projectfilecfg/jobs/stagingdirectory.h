@@ -16,7 +16,7 @@ public:
     explicit StagingDirectory(const QString &ip);
 
     /// Without a trailing separator.
-    QString path() const { return m_path; }
+    QString path() const { return m_strPath; }
     /// With a trailing separator.
     QString presetPath() const;
     /// The file of a preset's entry.
@@ -34,7 +34,7 @@ public:
     bool hasPicturesOf(const Model::Device &device) const;
 
 private:
-    QString m_path;
+    QString m_strPath;
 };
 
 /// Clears a staging directory now and when it goes out of scope: however a save ends, only the package keeps what was

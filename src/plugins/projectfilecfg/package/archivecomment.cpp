@@ -13,34 +13,38 @@ namespace Internal {
 
 using namespace ZipFormat;
 
-/// Parts of an end record, by their places in it.
-static const int disksPosition = 4;
-static const int entriesPosition = 10;
-static const int directoryPosition = 12;
-static const int lengthPosition = 20;
+namespace {
 
-static QByteArray endMark()
+/// Parts of an end record, by their places in it.
+constexpr int disksPosition = 4;
+constexpr int entriesPosition = 10;
+constexpr int directoryPosition = 12;
+constexpr int lengthPosition = 20;
+
+QByteArray endMark()
 {
     return QByteArrayLiteral("PK\x05\x06");
 }
 
-static QByteArray locatorMark()
+QByteArray locatorMark()
 {
     return QByteArrayLiteral("PK\x06\x07");
 }
 
-static quint16 lengthIn(const QByteArray &endRecord)
+quint16 lengthIn(const QByteArray &endRecord)
 {
     return qFromLittleEndian<quint16>(endRecord.constData() + lengthPosition);
 }
 
-static bool isClassic(const QByteArray &endRecord)
+bool isClassic(const QByteArray &endRecord)
 {
     // The 64-bit extension fills the fields that it stands for with ones.
     return endRecord.mid(disksPosition, 4) == QByteArray(4, '\0') &&
            endRecord.mid(entriesPosition, 2) != QByteArray(2, '\xFF') &&
            !endRecord.mid(directoryPosition, 8).contains(QByteArray(4, '\xFF'));
 }
+
+} // namespace
 
 ArchiveComment::ArchiveComment(QFile &file)
 {
@@ -53,8 +57,8 @@ ArchiveComment::ArchiveComment(QFile &file)
         return;
     m_endRecord = end.mid(record, endRecordSize);
     m_comment = end.mid(record + endRecordSize);
-    if (isClassic(m_endRecord) && m_comment.size() <= PackageLimits::maxCommentSize)
-        m_offset = file.size() - m_comment.size() - lengthSize;
+    if (isClassic(m_endRecord) && m_comment.size() <= PackageLimits::maxArchiveCommentSize)
+        m_nOffset = file.size() - m_comment.size() - lengthSize;
 }
 
 QByteArray ArchiveComment::endRecordWith(const QByteArray &comment) const
@@ -71,8 +75,8 @@ QByteArray ArchiveComment::tailWith(const QByteArray &comment)
 
 bool ArchiveComment::isReadable(const QByteArray &comment)
 {
-    return comment.size() <= PackageLimits::maxCommentSize && !comment.contains('\0') && !comment.contains(endMark()) &&
-           !comment.contains(locatorMark());
+    return comment.size() <= PackageLimits::maxArchiveCommentSize && !comment.contains('\0') &&
+           !comment.contains(endMark()) && !comment.contains(locatorMark());
 }
 
 bool ArchiveComment::isConsistent(const QByteArray &end)

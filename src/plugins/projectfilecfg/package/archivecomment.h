@@ -20,9 +20,9 @@ public:
     explicit ArchiveComment(QFile &file);
 
     /// False if the file is not such an archive, or its comment is longer than readers accept.
-    bool isFound() const { return m_offset >= 0; }
+    bool isFound() const { return m_nOffset >= 0; }
     /// The offset of the tail.
-    qint64 offset() const { return m_offset; }
+    qint64 offset() const { return m_nOffset; }
     QByteArray bytes() const { return m_comment; }
 
     /// The end record with the length of another comment, followed by that comment.
@@ -38,7 +38,7 @@ public:
     static bool isConsistent(const QByteArray &end);
 
 private:
-    qint64 m_offset = -1;
+    qint64 m_nOffset = -1;
     QByteArray m_endRecord;
     QByteArray m_comment;
 };

@@ -37,12 +37,12 @@ bool isText(const QByteArray &chunkType)
 
 void PictureScan::feed(const char *data, qint64 size)
 {
-    while (size > 0 && !m_isOver) {
+    while (size > 0 && !m_bOver) {
         const qint64 passed = std::min(size, m_nGap);
         m_nGap -= passed;
-        const int expected = m_expected == Signature   ? signature().size()
-                             : m_expected == ChunkHead ? headSize
-                                                       : headerSize;
+        const int expected = m_expected == Part::Signature   ? signature().size()
+                             : m_expected == Part::ChunkHead ? headSize
+                                                             : headerSize;
         const qint64 taken = std::min<qint64>(size - passed, expected - m_part.size());
         m_part.append(data + passed, int(taken));
         data += passed + taken;
@@ -56,8 +56,8 @@ void PictureScan::feed(const char *data, qint64 size)
 
 bool PictureScan::feed(QIODevice &file)
 {
-    while (!m_isOver) {
-        const QByteArray bytes = file.read(m_expected == Header ? headerSize : headSize);
+    while (!m_bOver) {
+        const QByteArray bytes = file.read(m_expected == Part::Header ? headerSize : headSize);
         feed(bytes.constData(), bytes.size());
         const qint64 next = file.pos() + m_nGap;
         if (bytes.isEmpty() || next > file.size() || !file.seek(next))
@@ -70,23 +70,23 @@ bool PictureScan::feed(QIODevice &file)
 void PictureScan::take(const QByteArray &part)
 {
     switch (m_expected) {
-    case Signature:
-        m_isPng = part == signature();
-        m_isOver = !m_isPng;
-        m_expected = ChunkHead;
+    case Part::Signature:
+        m_bPng = part == signature();
+        m_bOver = !m_bPng;
+        m_expected = Part::ChunkHead;
         break;
-    case ChunkHead:
+    case Part::ChunkHead:
         takeChunkHead(part);
         break;
-    case Header:
+    case Part::Header:
         m_nWidth = qFromBigEndian<quint32>(part.constData());
         m_nHeight = qFromBigEndian<quint32>(part.constData() + 4);
         m_nDepth = part.at(8);
         m_nColourType = part.at(9);
-        m_isBeyondLimits = std::max(m_nWidth, m_nHeight) > PackageLimits::maxPictureSide;
-        m_isOver = m_isBeyondLimits;
+        m_bBeyondLimits = std::max(m_nWidth, m_nHeight) > PackageLimits::maxPictureSide;
+        m_bOver = m_bBeyondLimits;
         m_nGap = chunkChecksumSize;
-        m_expected = ChunkHead;
+        m_expected = Part::ChunkHead;
         break;
     }
 }
@@ -95,23 +95,23 @@ void PictureScan::takeChunkHead(const QByteArray &head)
 {
     const QByteArray type = head.right(typeSize);
     const qint64 length = qFromBigEndian<quint32>(head.constData());
-    if (m_isFirstChunk && type == "IHDR" && length == headerSize)
-        m_expected = Header;
+    if (m_bFirstChunk && type == "IHDR" && length == headerSize)
+        m_expected = Part::Header;
     else
         m_nGap = length + chunkChecksumSize;
-    m_isFirstChunk = false;
-    m_hasTransparentColour = m_hasTransparentColour || type == "tRNS";
+    m_bFirstChunk = false;
+    m_bTransparentColour = m_bTransparentColour || type == "tRNS";
     m_nTextSize += isText(type) ? headSize + length + chunkChecksumSize : 0;
     m_nPackedTexts += isPackedText(type) ? 1 : 0;
-    m_isBeyondLimits =
+    m_bBeyondLimits =
         m_nTextSize > PackageLimits::maxPictureTextSize || m_nPackedTexts > PackageLimits::maxPackedPictureTexts;
     // What follows the end is not read.
-    m_isOver = m_isBeyondLimits || type == "IEND";
+    m_bOver = m_bBeyondLimits || type == "IEND";
 }
 
 qint64 PictureScan::pixels() const
 {
-    return m_isBeyondLimits ? 0 : m_nWidth * m_nHeight;
+    return m_bBeyondLimits ? 0 : m_nWidth * m_nHeight;
 }
 
 qint64 PictureScan::memory() const
@@ -122,7 +122,7 @@ qint64 PictureScan::memory() const
     constexpr int wanted = 32;
     int bits = m_nDepth == 16 ? 64 : wanted;
     if (m_nColourType == palette || m_nColourType == grey)
-        bits = m_nDepth == 1 ? 1 : m_nDepth < 16 ? 8 : m_hasTransparentColour ? 64 : 16;
+        bits = m_nDepth == 1 ? 1 : m_nDepth < 16 ? 8 : m_bTransparentColour ? 64 : 16;
     return pixels() * (bits == wanted ? wanted : wanted + bits) / 8;
 }
 
@@ -130,12 +130,12 @@ void DescriptionScan::feed(const char *data, qint64 size)
 {
     for (const char *end = data + size; data != end; ++data) {
         const char c = *data;
-        if (m_isEscaped)
-            m_isEscaped = false;
+        if (m_bEscaped)
+            m_bEscaped = false;
         else if (c == '"')
-            m_isInString = !m_isInString;
-        else if (m_isInString)
-            m_isEscaped = c == '\\';
+            m_bInString = !m_bInString;
+        else if (m_bInString)
+            m_bEscaped = c == '\\';
         else if (c == ',' || c == ':' || c == '[' || c == '{')
             ++m_nParts;
     }

@@ -17,29 +17,29 @@ public:
     /// The whole file, which is seekable and at its beginning, before and after the call. False if it cannot be read.
     bool feed(QIODevice &file);
 
-    bool isPng() const { return m_isPng; }
+    bool isPng() const { return m_bPng; }
     /// Too wide or too high, or with more texts and profiles than a picture needs: the decoder unpacks and keeps all of
     /// them before the first pixel, so a megabyte can fill gigabytes. Such a picture has no size.
-    bool isBeyondLimits() const { return m_isBeyondLimits; }
+    bool isBeyondLimits() const { return m_bBeyondLimits; }
     /// Pixels, and the bytes that they need while they are read and then as 32 bits; 0 without a header.
     qint64 pixels() const;
     qint64 memory() const;
 
 private:
-    enum Part { Signature, ChunkHead, Header };
+    enum class Part { Signature, ChunkHead, Header };
 
     void take(const QByteArray &part);
     void takeChunkHead(const QByteArray &head);
 
-    Part m_expected = Signature;
+    Part m_expected = Part::Signature;
     /// The bytes of the expected part so far, and how many bytes to skip before the rest of it.
     QByteArray m_part;
     qint64 m_nGap = 0;
-    bool m_isOver = false;
-    bool m_isPng = false;
-    bool m_isBeyondLimits = false;
-    bool m_hasTransparentColour = false;
-    bool m_isFirstChunk = true;
+    bool m_bOver = false;
+    bool m_bPng = false;
+    bool m_bBeyondLimits = false;
+    bool m_bTransparentColour = false;
+    bool m_bFirstChunk = true;
     qint64 m_nTextSize = 0;
     int m_nPackedTexts = 0;
     qint64 m_nWidth = 0;
@@ -60,8 +60,8 @@ public:
 
 private:
     qint64 m_nParts = 0;
-    bool m_isInString = false;
-    bool m_isEscaped = false;
+    bool m_bInString = false;
+    bool m_bEscaped = false;
 };
 
 } // namespace Internal

@@ -21,15 +21,13 @@ QByteArray chunkDigest(QFile &file, qint64 length, QByteArray &buffer)
     qint64 step = firstStep;
     while (length > 0) {
         const qint64 count = file.read(buffer.data(), std::min(step, length));
-        if (count <= 0) {
+        if (count <= 0)
             return QByteArray();
-        }
         const char *end = buffer.constData() + count;
         const char *zero = std::find(buffer.constData(), end, '\0');
         digest.addData(buffer.constData(), int(zero - buffer.constData()));
-        if (zero != end) {
+        if (zero != end)
             break;
-        }
         length -= count;
         step = std::min(step * 4, largestStep);
     }
@@ -61,9 +59,8 @@ QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end, bool *
         }
         digest.addData(digits);
     }
-    if (isComplete) {
+    if (isComplete)
         *isComplete = isRead;
-    }
     return QString::fromLatin1(digest.result().toHex());
 }
 

@@ -12,9 +12,9 @@ namespace PackageLayout {
 
 namespace {
 
-constexpr QLatin1String descriptionEnding = ProjectFileFacts::literal(".json");
-constexpr QLatin1String pictureEnding = ProjectFileFacts::literal(".png");
-constexpr QLatin1String presetEnding = ProjectFileFacts::literal(".RPst");
+constexpr QLatin1String descriptionEnding = literal(".json");
+constexpr QLatin1String pictureEnding = literal(".png");
+constexpr QLatin1String presetEnding = literal(".RPst");
 
 QString pictureEntry(QLatin1String folder, int keyNo)
 {
@@ -26,13 +26,13 @@ bool hasDriveLetter(const QString &name)
     return name.size() > 1 && name.at(1) == QLatin1Char(':') && name.at(0).isLetter();
 }
 
-bool isCalledLikeAFolder(const QString &name)
+bool isReservedFolderName(const QString &name)
 {
     return name.compare(backgroundFolder, Qt::CaseInsensitive) == 0 ||
            name.compare(logoFolder, Qt::CaseInsensitive) == 0 || name.compare(presetFolder, Qt::CaseInsensitive) == 0;
 }
 
-bool isCalledLikeAFile(const QString &name)
+bool hasFileEnding(const QString &name)
 {
     return isDescription(name) || isPicture(name) || isPreset(name);
 }
@@ -167,10 +167,10 @@ bool isSafeName(const QString &entryName)
 bool blocksLaterPackages(const QString &entryName)
 {
     const QString name = QDir::cleanPath(entryName);
-    if (!isFolder(entryName) && isCalledLikeAFolder(name))
+    if (!isFolder(entryName) && isReservedFolderName(name))
         return true;
     const QStringList folders = name.split(QLatin1Char('/')).mid(0, name.count(QLatin1Char('/')) + isFolder(entryName));
-    return std::any_of(folders.begin(), folders.end(), isCalledLikeAFile);
+    return std::any_of(folders.begin(), folders.end(), hasFileEnding);
 }
 
 QString plainName(const QString &entryName)
@@ -203,6 +203,11 @@ QStringList namesOf(const QByteArrayList &entryNames)
             return QStringList();
     }
     return names;
+}
+
+bool hasPackageExtension(const QString &path)
+{
+    return path.endsWith(packageExtension, Qt::CaseInsensitive);
 }
 
 } // namespace PackageLayout

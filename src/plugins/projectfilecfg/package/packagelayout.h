@@ -1,7 +1,5 @@
 #pragma once
 
-#include "projectfilefacts.h"
-
 #include <QByteArrayList>
 #include <QString>
 #include <QStringList>
@@ -13,10 +11,23 @@ namespace Internal {
 /// the directory, with "/" between levels; a folder's name ends in "/".
 namespace PackageLayout {
 
+/// A QLatin1String whose length is a constant: not every compiler evaluates strlen() at compile time, for instance not
+/// clang with a sanitizer.
+template<int sizeWithEnd>
+constexpr QLatin1String literal(const char (&text)[sizeWithEnd])
+{
+    return QLatin1String(text, sizeWithEnd - 1);
+}
+
+/// Extension of a project file.
+constexpr QLatin1String packageExtension = literal(".corvelpro");
+/// True if `path` ends in the package extension, in any case.
+bool hasPackageExtension(const QString &path);
+
 /// Folders of a device's directory. Without separators.
-constexpr QLatin1String backgroundFolder = ProjectFileFacts::literal("BKG");
-constexpr QLatin1String logoFolder = ProjectFileFacts::literal("LOGO");
-constexpr QLatin1String presetFolder = ProjectFileFacts::literal("Preset");
+constexpr QLatin1String backgroundFolder = literal("BKG");
+constexpr QLatin1String logoFolder = literal("LOGO");
+constexpr QLatin1String presetFolder = literal("Preset");
 
 /// "BKG/BKG_7.png", "LOGO/LOGO_7.png", "Preset/7.RPst", "192.168.0.10.json": the last one is that of an offline device.
 QString backgroundEntry(int keyNo);

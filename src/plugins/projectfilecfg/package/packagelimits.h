@@ -17,7 +17,7 @@ constexpr int maxPackedEntries = 0xFFFE;
 constexpr int maxEntries = 0xFFFF;
 
 /// Bytes of a comment. Beyond these QuaZip does not find the end of the archive.
-constexpr int maxCommentSize = 65513;
+constexpr int maxArchiveCommentSize = 65513;
 
 /// Bytes of all entries together, unpacked. A package itself is smaller than this, and its pictures are not compressed:
 /// one that claims more was made to fill the disk.

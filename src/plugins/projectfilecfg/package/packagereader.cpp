@@ -1,9 +1,9 @@
 #include "packagereader.h"
 
 #include "packagechecksum.h"
-#include "packagefile.h"
 #include "packagelayout.h"
 #include "packagelimits.h"
+#include "readcachedevice.h"
 #include "reason.h"
 #include "replacingfile.h"
 #include "streamcopy.h"
@@ -63,61 +63,61 @@ qint64 freeSpace(const QString &folder)
 struct PackageReader::Entry
 {
     unz64_file_pos position{};
-    qint64 size = 0;
-    bool isOrdinary = false;
+    qint64 nSize = 0;
+    bool bOrdinary = false;
 };
 
 struct PackageReader::Directory
 {
     /// As the archive has them, and as text.
-    QByteArrayList rawNames;
-    QStringList names;
+    QByteArrayList listRawNames;
+    QStringList listNames;
     /// In the same order, and by name, so that taking an entry does not walk over those before it. Of two of the same
     /// name the first counts.
     std::vector<Entry> all;
     QHash<QString, Entry> entries;
     /// Of all names, of all contents, and of these as they are packed.
-    qint64 namesLength = 0;
-    quint64 contentSize = 0;
-    quint64 packedSize = 0;
+    qint64 nNamesLength = 0;
+    quint64 nContentSize = 0;
+    quint64 nPackedSize = 0;
 
     /// False for what no honest archive says of itself: it was made to fill the memory or the disk, with contents
     /// that no file of `archiveSize` holds unless the entries share them.
     bool isCredible(qint64 archiveSize) const
     {
-        return rawNames.size() <= maxEntries && namesLength <= maxNamesLength &&
-               contentSize <= quint64(maxContentSize) && packedSize <= quint64(archiveSize);
+        return listRawNames.size() <= maxEntries && nNamesLength <= maxNamesLength &&
+               nContentSize <= quint64(maxContentSize) && nPackedSize <= quint64(archiveSize);
     }
 };
 
 PackageReader::PackageReader(const QString &packetPath)
-    : PackageReader(std::make_unique<PackageFile>(packetPath))
+    : PackageReader(std::make_unique<ReadCacheDevice>(packetPath))
 {}
 
 PackageReader::PackageReader(std::unique_ptr<QFile> packet)
-    : PackageReader(std::make_unique<PackageFile>(std::move(packet)))
+    : PackageReader(std::make_unique<ReadCacheDevice>(std::move(packet)))
 {}
 
-PackageReader::PackageReader(std::unique_ptr<PackageFile> file)
-    : m_file(std::move(file))
-    , m_zip(std::make_unique<Utf8Zip>(*m_file))
+PackageReader::PackageReader(std::unique_ptr<ReadCacheDevice> file)
+    : m_pFile(std::move(file))
+    , m_pZip(std::make_unique<Utf8Zip>(*m_pFile))
 {
-    if (!m_file->open(QIODevice::ReadOnly))
-        m_openError = m_file->errorString();
-    else if (!m_zip->open(QuaZip::mdUnzip))
-        m_openError = QStringLiteral("%1 is no zip archive, or incomplete").arg(m_file->path());
+    if (!m_pFile->open(QIODevice::ReadOnly))
+        m_strOpenError = m_pFile->errorString();
+    else if (!m_pZip->open(QuaZip::mdUnzip))
+        m_strOpenError = QStringLiteral("%1 is no zip archive, or incomplete").arg(m_pFile->path());
 }
 
 PackageReader::~PackageReader() = default;
 
 bool PackageReader::isOpen(QString *reason) const
 {
-    return m_zip->isOpen() || failBecause(reason, m_openError);
+    return m_pZip->isOpen() || failBecause(reason, m_strOpenError);
 }
 
 QStringList PackageReader::fileList() const
 {
-    return directory().names;
+    return directory().listNames;
 }
 
 QStringList PackageReader::entries() const
@@ -142,52 +142,49 @@ qint64 PackageReader::maxSizeOf(const QString &entryName)
 qint64 PackageReader::entrySize(const QString &entryName) const
 {
     const auto entry = directory().entries.constFind(entryName);
-    return entry == directory().entries.constEnd() ? -1 : entry->size;
+    return entry == directory().entries.constEnd() ? -1 : entry->nSize;
 }
 
 // Straight from the archive's bytes: to QuaZip a zero byte ends it or does not, as the first entry says; where that one
 // cannot be read, as chance would have it.
-QString PackageReader::comment() const
+QString PackageReader::archiveComment() const
 {
     unz_global_info64 info;
-    if (!m_zip->isOpen() || unzGetGlobalInfo64(m_zip->getUnzFile(), &info) != UNZ_OK) {
+    if (!m_pZip->isOpen() || unzGetGlobalInfo64(m_pZip->getUnzFile(), &info) != UNZ_OK)
         return QString();
-    }
     QByteArray comment(int(info.size_comment), '\0');
-    return unzGetGlobalComment(m_zip->getUnzFile(), comment.data(), info.size_comment) < 0
+    return unzGetGlobalComment(m_pZip->getUnzFile(), comment.data(), info.size_comment) < 0
                ? QString()
                : QString::fromUtf8(comment.constData());
 }
 
 QString PackageReader::checksum() const
 {
-    return isOpen() ? PackageChecksum::ofLeadingBytes(m_file->file(), m_file->size() - comment().toUtf8().size())
-                    : QString();
+    return isOpen()
+               ? PackageChecksum::ofLeadingBytes(m_pFile->file(), m_pFile->size() - archiveComment().toUtf8().size())
+               : QString();
 }
 
 const PackageReader::Directory &PackageReader::directory() const
 {
-    if (m_directory) {
-        return *m_directory;
-    }
-    m_directory.reset(new Directory);
-    const qint64 archiveSize = m_file->size();
+    if (m_pDirectory)
+        return *m_pDirectory;
+    m_pDirectory.reset(new Directory);
+    const qint64 archiveSize = m_pFile->size();
     bool isSound = true;
-    for (bool more = m_zip->isOpen() && m_zip->goToFirstFile(); more && isSound; more = m_zip->goToNextFile()) {
-        isSound = readCurrentHeader() && m_directory->isCredible(archiveSize);
-    }
-    const QStringList names = namesOf(m_directory->rawNames);
-    if (!isSound || m_zip->getZipError() != UNZ_OK || names.size() != m_directory->rawNames.size()) {
-        *m_directory = Directory();
-        return *m_directory;
+    for (bool more = m_pZip->isOpen() && m_pZip->goToFirstFile(); more && isSound; more = m_pZip->goToNextFile())
+        isSound = readCurrentHeader() && m_pDirectory->isCredible(archiveSize);
+    const QStringList names = namesOf(m_pDirectory->listRawNames);
+    if (!isSound || m_pZip->getZipError() != UNZ_OK || names.size() != m_pDirectory->listRawNames.size()) {
+        *m_pDirectory = Directory();
+        return *m_pDirectory;
     }
     for (int index = 0; index < names.size(); ++index) {
-        if (!m_directory->entries.contains(names.at(index))) {
-            m_directory->entries.insert(names.at(index), m_directory->all.at(std::size_t(index)));
-        }
+        if (!m_pDirectory->entries.contains(names.at(index)))
+            m_pDirectory->entries.insert(names.at(index), m_pDirectory->all.at(std::size_t(index)));
     }
-    m_directory->names = names;
-    return *m_directory;
+    m_pDirectory->listNames = names;
+    return *m_pDirectory;
 }
 
 // Straight from the archive's bytes: QuaZip would read each header twice and cut a name at a NUL.
@@ -196,21 +193,20 @@ bool PackageReader::readCurrentHeader() const
     QByteArray name(ZipFormat::maxTextSize, Qt::Uninitialized);
     unz_file_info64 info;
     Entry entry;
-    if (unzGetCurrentFileInfo64(m_zip->getUnzFile(), &info, name.data(), ZipFormat::maxTextSize, nullptr, 0, nullptr,
+    if (unzGetCurrentFileInfo64(m_pZip->getUnzFile(), &info, name.data(), ZipFormat::maxTextSize, nullptr, 0, nullptr,
                                 0) != UNZ_OK ||
-        unzGetFilePos64(m_zip->getUnzFile(), &entry.position) != UNZ_OK) {
+        unzGetFilePos64(m_pZip->getUnzFile(), &entry.position) != UNZ_OK)
         return false;
-    }
     name.truncate(int(info.size_filename));
     name.squeeze();
-    entry.size = qint64(info.uncompressed_size);
-    entry.isOrdinary = isOrdinary(info, name.endsWith('/'));
-    m_directory->rawNames.append(name);
-    m_directory->all.push_back(entry);
-    m_directory->namesLength += name.size();
+    entry.nSize = qint64(info.uncompressed_size);
+    entry.bOrdinary = isOrdinary(info, name.endsWith('/'));
+    m_pDirectory->listRawNames.append(name);
+    m_pDirectory->all.push_back(entry);
+    m_pDirectory->nNamesLength += name.size();
     // Many of the largest numbers must not add up to a small one.
-    m_directory->contentSize += std::min<quint64>(info.uncompressed_size, maxContentSize + 1);
-    m_directory->packedSize += std::min<quint64>(info.compressed_size, maxContentSize + 1);
+    m_pDirectory->nContentSize += std::min<quint64>(info.uncompressed_size, maxContentSize + 1);
+    m_pDirectory->nPackedSize += std::min<quint64>(info.compressed_size, maxContentSize + 1);
     return true;
 }
 
@@ -225,9 +221,8 @@ bool PackageReader::leadsThroughLink(const QString &entryName, const QString &de
     if (folder != m_plainFolder) {
         for (int end = path.indexOf(QLatin1Char('/'), callersOwn + 1); end >= 0;
              end = path.indexOf(QLatin1Char('/'), end + 1)) {
-            if (isSymbolicLink(path.left(end))) {
+            if (isSymbolicLink(path.left(end)))
                 return true;
-            }
         }
         m_plainFolder = folder;
     }
@@ -239,7 +234,7 @@ const PackageReader::Entry *PackageReader::findReadable(const QString &entryName
     const auto entry = directory().entries.constFind(entryName);
     if (entry == directory().entries.constEnd())
         failBecause(reason, QStringLiteral("there is no such entry, or the archive's directory is damaged"));
-    else if (!entry->isOrdinary)
+    else if (!entry->bOrdinary)
         failBecause(reason, QStringLiteral("it is a link, a special file or encrypted"));
     else if (!isSafeName(entryName))
         failBecause(reason, QStringLiteral("its name could lead out of the folder"));
@@ -276,27 +271,31 @@ bool PackageReader::goTo(const Entry &entry)
 {
     // QuaZip reads only where it believes that it stands on an entry; behind the last one it does not.
     unz64_file_pos position = entry.position;
-    return (m_zip->hasCurrentFile() || m_zip->goToFirstFile()) &&
-           unzGoToFilePos64(m_zip->getUnzFile(), &position) == UNZ_OK;
+    return (m_pZip->hasCurrentFile() || m_pZip->goToFirstFile()) &&
+           unzGoToFilePos64(m_pZip->getUnzFile(), &position) == UNZ_OK;
 }
 
-static bool failAsTooLarge(QString *reason, qint64 size, qint64 limit)
+namespace {
+
+bool failAsTooLarge(QString *reason, qint64 size, qint64 limit)
 {
     return failBecause(reason, QStringLiteral("it has %1 bytes, and there is room for %2").arg(size).arg(limit));
 }
 
+} // namespace
+
 bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64 limit, QString *reason)
 {
-    QuaZipFile source(m_zip.get());
+    QuaZipFile source(m_pZip.get());
     qint64 copied = 0;
-    if (entry.size > limit)
-        return failAsTooLarge(reason, entry.size, limit);
+    if (entry.nSize > limit)
+        return failAsTooLarge(reason, entry.nSize, limit);
     if (!goTo(entry) || !source.open(QIODevice::ReadOnly))
         return failBecause(reason, QStringLiteral("its header is damaged"));
     if (!copyStream(source, destination, limit, &copied, nullptr, reason))
         return false;
-    if (copied != entry.size)
-        return failBecause(reason, QStringLiteral("it has %1 of %2 bytes").arg(copied).arg(entry.size));
+    if (copied != entry.nSize)
+        return failBecause(reason, QStringLiteral("it has %1 of %2 bytes").arg(copied).arg(entry.nSize));
     // Closing compares the checksum of what was read.
     source.close();
     return source.getZipError() == UNZ_OK || failBecause(reason, QStringLiteral("its CRC is wrong"));
@@ -304,8 +303,8 @@ bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64
 
 bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint64 limit, QString *reason)
 {
-    if (entry.size > limit)
-        return failAsTooLarge(reason, entry.size, limit);
+    if (entry.nSize > limit)
+        return failAsTooLarge(reason, entry.nSize, limit);
     if (isFolder(destPath))
         return failBecause(reason, QStringLiteral("it is a file"));
     const QString folderPath = QFileInfo(destPath).absolutePath();
@@ -315,11 +314,11 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
     }
     // Of thousands of small files each would be asked for, and on a full disk it fails soon enough.
     constexpr qint64 smallSize = 64 * 1024;
-    const qint64 room = entry.size > smallSize ? freeSpace(folderPath) : smallSize;
-    ReplacingFile destination(destPath, ReplacingFile::NotFlushed);
-    return destination.create(ReplacingFile::Made, reason) &&
+    const qint64 room = entry.nSize > smallSize ? freeSpace(folderPath) : smallSize;
+    ReplacingFile destination(destPath, ReplacingFile::Durability::NotFlushed);
+    return destination.create(ReplacingFile::MissingFolders::Made, reason) &&
            copyEntry(entry, destination.file(), std::min(limit, room), reason) &&
-           destination.commit(ReplacingFile::Replaced, reason);
+           destination.commit(ReplacingFile::ExistingTarget::Replaced, reason);
 }
 
 QByteArray PackageReader::read(const QString &entryName, qint64 limit, QString *reason)
@@ -346,7 +345,7 @@ QStringList PackageReader::extractJsonFiles(const QString &destDir, QString *rea
         if (!isDescription(entryName))
             continue;
         QString cause = QStringLiteral("%1 is beyond the limits of descriptions").arg(entryName);
-        size += directory().entries.value(entryName).size;
+        size += directory().entries.value(entryName).nSize;
         const bool isWithinLimits = size <= maxDescriptionSize && writtenPaths.size() < maxDescriptions;
         writtenPaths.append(isWithinLimits
                                 ? extractFile(entryName, QStringLiteral("%1/%2").arg(destDir, entryName), &cause)

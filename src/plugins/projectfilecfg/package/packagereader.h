@@ -15,7 +15,7 @@ class QuaZip;
 namespace ProjectFileCfg {
 namespace Internal {
 
-class PackageFile;
+class ReadCacheDevice;
 
 /// An open package, to read and extract entries. Not thread-safe.
 ///
@@ -47,7 +47,7 @@ public:
     qint64 entrySize(const QString &entryName) const;
 
     /// The archive's comment; empty if there is none.
-    QString comment() const;
+    QString archiveComment() const;
 
     /// The checksum of the archive without its comment (see PackageChecksum); empty if it is not open.
     QString checksum() const;
@@ -74,7 +74,7 @@ public:
     QStringList extractJsonFiles(const QString &destDir, QString *reason = nullptr);
 
 private:
-    explicit PackageReader(std::unique_ptr<PackageFile> file);
+    explicit PackageReader(std::unique_ptr<ReadCacheDevice> file);
 
     struct Entry;
     struct Directory;
@@ -88,11 +88,11 @@ private:
     bool copyEntry(const Entry &entry, QIODevice &destination, qint64 limit, QString *reason);
     bool writeEntry(const Entry &entry, const QString &destPath, qint64 limit, QString *reason);
 
-    std::unique_ptr<PackageFile> m_file;
-    std::unique_ptr<QuaZip> m_zip;
+    std::unique_ptr<ReadCacheDevice> m_pFile;
+    std::unique_ptr<QuaZip> m_pZip;
     /// Why it is not open.
-    QString m_openError;
-    mutable std::unique_ptr<Directory> m_directory;
+    QString m_strOpenError;
+    mutable std::unique_ptr<Directory> m_pDirectory;
     /// Folders in which this object has removed stale fragments.
     QSet<QString> m_tidiedFolders;
     /// The length of the caller's part of a path, and the last folder below it that was checked for links: the entries

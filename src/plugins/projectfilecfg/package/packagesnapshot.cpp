@@ -1,6 +1,6 @@
 #include "packagesnapshot.h"
 
-#include "durablefile.h"
+#include "filesystem.h"
 #include "namelessfile.h"
 #include "plainfile.h"
 #include "reason.h"
@@ -15,33 +15,33 @@ PackageSnapshot::Outcome PackageSnapshot::take(const QString &packetPath, const 
 {
     QFile package(packetPath);
     if (!openPlainFile(package, false, reason))
-        return Unreadable;
-    const DurableFile::ReadLock lock(package.handle());
+        return Outcome::Unreadable;
+    const FileSystem::ReadLock lock(package.handle());
     QString error;
     for (const QString &folder : folders) {
         qint64 copied = 0;
-        m_copy = openNamelessFile(folder, &error);
-        if (!m_copy || !package.seek(0))
+        m_pCopy = openNamelessFile(folder, &error);
+        if (!m_pCopy || !package.seek(0))
             continue;
-        if (DurableFile::shareContent(package.handle(), m_copy->handle()))
-            return Taken;
-        if (copyStream(package, *m_copy, std::numeric_limits<qint64>::max(), &copied, nullptr, &error) &&
-            m_copy->flush())
-            return Taken;
-        m_copy.reset();
+        if (FileSystem::shareContent(package.handle(), m_pCopy->handle()))
+            return Outcome::Taken;
+        if (copyStream(package, *m_pCopy, std::numeric_limits<qint64>::max(), &copied, nullptr, &error) &&
+            m_pCopy->flush())
+            return Outcome::Taken;
+        m_pCopy.reset();
         if (package.error() != QFileDevice::NoError) {
             failBecause(reason, QStringLiteral("cannot read %1: %2").arg(packetPath, package.errorString()));
-            return Unreadable;
+            return Outcome::Unreadable;
         }
         error = QStringLiteral("cannot copy it to %1: %2").arg(folder, error);
     }
     failBecause(reason, QStringLiteral("no room for a copy of %1: %2").arg(packetPath, error));
-    return NoRoom;
+    return Outcome::NoRoom;
 }
 
 std::unique_ptr<QFile> PackageSnapshot::release()
 {
-    return std::move(m_copy);
+    return std::move(m_pCopy);
 }
 
 } // namespace Internal

@@ -17,7 +17,7 @@ namespace Internal {
 class PackageSnapshot
 {
 public:
-    enum Outcome {
+    enum class Outcome {
         Taken,
         /// Missing, not a plain file, or not readable to its end.
         Unreadable,
@@ -26,14 +26,14 @@ public:
     };
 
     /// Copies the package to the first of the existing folders where that is possible. Any thread.
-    /// Waits for an edit by another program to end (DurableFile::ReadLock).
+    /// Waits for an edit by another program to end (FileSystem::ReadLock).
     Outcome take(const QString &packetPath, const QStringList &folders, QString *reason = nullptr);
 
     /// Hands over the copy, open for reading; null if there is none.
     std::unique_ptr<QFile> release();
 
 private:
-    std::unique_ptr<QFile> m_copy;
+    std::unique_ptr<QFile> m_pCopy;
 };
 
 } // namespace Internal

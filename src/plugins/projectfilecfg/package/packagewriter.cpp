@@ -41,11 +41,10 @@ bool isAscii(const QString &name)
 /// without, as it does in the packages that exist.
 void markEncoding(QuaZip &zip, const QString &name)
 {
-    if (isAscii(name)) {
+    if (isAscii(name))
         zipClearFlags(zip.getZipFile(), ZIP_ENCODING_UTF8);
-    } else {
+    else
         zipSetFlags(zip.getZipFile(), ZIP_ENCODING_UTF8);
-    }
 }
 
 /// False when the folder has a file or folder whose name Qt cannot hold, as one that is no UTF-8: Qt's own listing
@@ -57,9 +56,8 @@ bool hasOnlyListableNames(const QString &folder)
     std::filesystem::directory_iterator entry(QFile::encodeName(folder).toStdString(), error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const QByteArray name = QByteArray::fromStdString(entry->path().filename().native());
-        if (QFile::encodeName(QFile::decodeName(name)) != name) {
+        if (QFile::encodeName(QFile::decodeName(name)) != name)
             return false;
-        }
     }
     return !error;
 #else
@@ -78,9 +76,8 @@ qint64 maxSizeToPack(const QString &name)
 QDateTime storableTime(const QDateTime &time)
 {
     const int year = time.date().year();
-    if (year < 1980) {
+    if (year < 1980)
         return QDateTime(QDate(1980, 1, 1), QTime(0, 0));
-    }
     return year > 2107 ? QDateTime(QDate(2107, 12, 31), QTime(23, 59, 58)) : time;
 }
 
@@ -88,9 +85,8 @@ QDateTime storableTime(const QDateTime &time)
 QByteArray paddingField(int size)
 {
     constexpr int headerSize = 8;
-    if (size < headerSize) {
+    if (size < headerSize)
         return QByteArray();
-    }
     const char header[] = {'\x20', '\xA2', char(size - 4), 0, '\x28', '\xA0', 0, 0};
     return QByteArray(header, headerSize) + QByteArray(size - headerSize, '\0');
 }
@@ -115,20 +111,20 @@ bool isWithinArchive(qint64 size, QString *reason)
 } // namespace
 
 PackageWriter::PackageWriter(const QString &dirPath, const QString &packetPath)
-    : m_dirPath(dirPath)
-    , m_packetPath(QFileInfo(packetPath).absoluteFilePath())
-    , m_canonicalDirPath(QFileInfo(dirPath).canonicalFilePath())
+    : m_strDirPath(dirPath)
+    , m_strPacketPath(QFileInfo(packetPath).absoluteFilePath())
+    , m_strCanonicalDirPath(QFileInfo(dirPath).canonicalFilePath())
 {}
 
 bool PackageWriter::scan(QString *reason)
 {
     // Qt takes the encoding of file names from it, too.
     useUtf8LocaleCodec();
-    m_entries.clear();
-    m_firstDescription.clear();
-    if (!QDir(m_dirPath).exists())
-        return failBecause(reason, QStringLiteral("there is no folder %1").arg(m_dirPath));
-    return scanFolder(m_dirPath, QString(), QStringList(), reason) && isWithinLimits(reason);
+    m_listEntries.clear();
+    m_strFirstDescription.clear();
+    if (!QDir(m_strDirPath).exists())
+        return failBecause(reason, QStringLiteral("there is no folder %1").arg(m_strDirPath));
+    return scanFolder(m_strDirPath, QString(), QStringList(), reason) && isWithinLimits(reason);
 }
 
 bool PackageWriter::isWithinLimits(QString *reason)
@@ -137,29 +133,29 @@ bool PackageWriter::isWithinLimits(QString *reason)
     const auto isBeyond = [&](const QString &what, qint64 found, qint64 limit) {
         return found > limit &&
                !failBecause(reason, QStringLiteral("%1 of %2 are %3, the limit is %4")
-                                        .arg(what, m_dirPath, QString::number(found), QString::number(limit)));
+                                        .arg(what, m_strDirPath, QString::number(found), QString::number(limit)));
     };
     qint64 leastSize = ZipFormat::endRecordSize;
     qint64 namesLength = 0;
     qint64 contentSize = 0;
     qint64 descriptionsSize = 0;
     int descriptions = 0;
-    for (const Entry &entry : qAsConst(m_entries)) {
-        leastSize += leastPackedSize(entry.name, entry.size);
-        namesLength += entry.name.toUtf8().size();
-        contentSize += entry.size;
-        if (!isDescription(entry.name))
+    for (const Entry &entry : qAsConst(m_listEntries)) {
+        leastSize += leastPackedSize(entry.strName, entry.nSize);
+        namesLength += entry.strName.toUtf8().size();
+        contentSize += entry.nSize;
+        if (!isDescription(entry.strName))
             continue;
-        descriptionsSize += entry.size;
+        descriptionsSize += entry.nSize;
         // The load reads the first one.
         if (++descriptions == 1) {
-            m_firstDescription = entry.name;
-            if (isBeyond(QStringLiteral("the bytes of the description ") + entry.name, entry.size,
+            m_strFirstDescription = entry.strName;
+            if (isBeyond(QStringLiteral("the bytes of the description ") + entry.strName, entry.nSize,
                          maxParsedDescriptionSize))
                 return false;
         }
     }
-    return !isBeyond(QStringLiteral("the entries"), m_entries.size(), maxPackedEntries) &&
+    return !isBeyond(QStringLiteral("the entries"), m_listEntries.size(), maxPackedEntries) &&
            !isBeyond(QStringLiteral("the bytes of an archive"), leastSize, maxArchiveSize) &&
            !isBeyond(QStringLiteral("the bytes of the names"), namesLength, maxNamesLength) &&
            !isBeyond(QStringLiteral("the bytes"), contentSize, maxContentSize) &&
@@ -189,22 +185,21 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
     for (const QFileInfo &source : sources) {
         if (!staysInside(source))
             return cannotPack(source.filePath(), "the link is broken or leads out of the device's folder");
-        if (m_entries.size() > PackageLimits::maxPackedEntries)
+        if (m_listEntries.size() > PackageLimits::maxPackedEntries)
             return cannotPack(source.filePath(), "a package cannot hold so many entries");
         if (source.isDir()) {
             const QString name = prefix + source.fileName() + QLatin1Char('/');
             if (!isSafeName(name) || blocksLaterPackages(name))
                 return cannotPack(source.filePath(), "no reader accepts a folder of this name");
-            m_entries.append({name, source.absoluteFilePath(), 0});
+            m_listEntries.append({name, source.absoluteFilePath(), 0});
             if (!scanFolder(source.absoluteFilePath(), name, enclosingFolders, reason))
                 return false;
         }
     }
     for (const QFileInfo &source : sources) {
-        if (source.isDir() || source.absoluteFilePath() == m_packetPath ||
-            ReplacingFile::isFragment(source.fileName()) || UndoRecord::isUndoRecord(source.fileName())) {
+        if (source.isDir() || source.absoluteFilePath() == m_strPacketPath ||
+            ReplacingFile::isFragment(source.fileName()) || UndoRecord::isUndoRecord(source.fileName()))
             continue;
-        }
         const QString name = prefix + source.fileName();
         // What no reader takes would be found out when the package is applied.
         if (!source.isFile() || !source.isReadable())
@@ -213,19 +208,18 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
             return cannotPack(source.filePath(), "no reader accepts a file of this size");
         if (!isSafeName(name) || blocksLaterPackages(name))
             return cannotPack(source.filePath(), "no reader accepts a file of this name");
-        m_entries.append({name, source.absoluteFilePath(), source.size()});
+        m_listEntries.append({name, source.absoluteFilePath(), source.size()});
     }
-    return m_entries.size() <= PackageLimits::maxPackedEntries ||
+    return m_listEntries.size() <= PackageLimits::maxPackedEntries ||
            cannotPack(path, "a package cannot hold so many entries");
 }
 
 bool PackageWriter::staysInside(const QFileInfo &source) const
 {
-    if (!source.isSymLink()) {
+    if (!source.isSymLink())
         return true;
-    }
     const QString canonicalPath = source.canonicalFilePath();
-    return canonicalPath == m_canonicalDirPath || canonicalPath.startsWith(m_canonicalDirPath + QLatin1Char('/'));
+    return canonicalPath == m_strCanonicalDirPath || canonicalPath.startsWith(m_strCanonicalDirPath + QLatin1Char('/'));
 }
 
 bool PackageWriter::write(QFile &archive, QString *reason)
@@ -237,13 +231,13 @@ bool PackageWriter::write(QFile &archive, QString *reason)
         return true;
     return writeEntries(archive, paddingSize, reason) &&
            (checksumOutlivesComment(archive.size()) ||
-            failBecause(reason, QStringLiteral("%1 grew while it was packed").arg(m_dirPath)));
+            failBecause(reason, QStringLiteral("%1 grew while it was packed").arg(m_strDirPath)));
 }
 
 bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reason)
 {
     const auto cannotWrite = [&] {
-        return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_packetPath, writeError(archive)));
+        return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_strPacketPath, writeError(archive)));
     };
     if (!archive.resize(0) || !archive.seek(0))
         return cannotWrite();
@@ -253,7 +247,7 @@ bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reaso
         return cannotWrite();
     m_nPixels = 0;
     bool isWritten = true;
-    for (auto entry = m_entries.begin(); isWritten && entry != m_entries.end(); ++entry) {
+    for (auto entry = m_listEntries.begin(); isWritten && entry != m_listEntries.end(); ++entry) {
         isWritten = writeEntry(zip, *entry, paddingSize, reason) && isWithinArchive(device.pos(), reason);
         paddingSize = 0;
     }
@@ -270,18 +264,18 @@ bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reaso
 bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize, QString *reason)
 {
     const auto cannotPack = [&entry, reason](const QString &cause) {
-        return failBecause(reason, QStringLiteral("cannot pack %1: %2").arg(entry.sourcePath, cause));
+        return failBecause(reason, QStringLiteral("cannot pack %1: %2").arg(entry.strSourcePath, cause));
     };
-    markEncoding(zip, entry.name);
+    markEncoding(zip, entry.strName);
     // Of a link's attributes those of its target count, else it would come out as a link again.
-    const QFileInfo source(entry.sourcePath);
-    QuaZipNewInfo header(entry.name, source.isSymLink() ? source.canonicalFilePath() : entry.sourcePath);
+    const QFileInfo source(entry.strSourcePath);
+    QuaZipNewInfo header(entry.strName, source.isSymLink() ? source.canonicalFilePath() : entry.strSourcePath);
     header.dateTime = storableTime(header.dateTime);
     header.extraLocal = paddingField(paddingSize);
 
     // The level stays the default one also for what is stored: level 0 would lower the version that the header
     // says is needed, which is one of the few bytes that the checksum covers.
-    const int method = entry.isFolder() || isPicture(entry.name) ? 0 : Z_DEFLATED;
+    const int method = entry.isFolder() || isPicture(entry.strName) ? 0 : Z_DEFLATED;
     QuaZipFile destination(&zip);
     QString cause;
     if (!destination.open(QIODevice::WriteOnly, header, nullptr, 0, method, Z_DEFAULT_COMPRESSION))
@@ -294,25 +288,25 @@ bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize, QStri
 
 bool PackageWriter::copyContent(Entry &entry, QIODevice &destination, QString *reason)
 {
-    QFile source(entry.sourcePath);
+    QFile source(entry.strSourcePath);
     if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return failBecause(reason, source.errorString());
-    const qint64 limit = maxSizeToPack(entry.name);
-    if (isPicture(entry.name)) {
+    const qint64 limit = maxSizeToPack(entry.strName);
+    if (isPicture(entry.strName)) {
         PictureScan picture;
         const auto look = [&picture](const char *data, qint64 size) { picture.feed(data, size); };
-        return copyStream(source, destination, limit, &entry.size, look, reason) &&
-               (isFit(picture, entry.name) ||
+        return copyStream(source, destination, limit, &entry.nSize, look, reason) &&
+               (isFit(picture, entry.strName) ||
                 failBecause(reason, QStringLiteral("no reader accepts a picture of this size or with such texts")));
     }
-    if (entry.name == m_firstDescription) {
+    if (entry.strName == m_strFirstDescription) {
         DescriptionScan description;
         const auto look = [&description](const char *data, qint64 size) { description.feed(data, size); };
-        return copyStream(source, destination, PackageLimits::maxParsedDescriptionSize, &entry.size, look, reason) &&
+        return copyStream(source, destination, PackageLimits::maxParsedDescriptionSize, &entry.nSize, look, reason) &&
                (description.parts() <= PackageLimits::maxDescriptionParts ||
                 failBecause(reason, QStringLiteral("no reader accepts a description with so many parts")));
     }
-    return copyStream(source, destination, limit, &entry.size, nullptr, reason);
+    return copyStream(source, destination, limit, &entry.nSize, nullptr, reason);
 }
 
 bool PackageWriter::isFit(const PictureScan &picture, const QString &name)
@@ -328,9 +322,9 @@ bool PackageWriter::isFit(const PictureScan &picture, const QString &name)
 bool PackageWriter::isListedIn(const PackageReader &package, QString *reason) const
 {
     const QStringList listed = package.fileList();
-    const bool isListed = std::equal(listed.begin(), listed.end(), m_entries.begin(), m_entries.end(),
+    const bool isListed = std::equal(listed.begin(), listed.end(), m_listEntries.begin(), m_listEntries.end(),
                                      [&package](const QString &found, const Entry &written) {
-                                         return found == written.name && package.entrySize(found) == written.size;
+                                         return found == written.strName && package.entrySize(found) == written.nSize;
                                      });
     if (!package.isOpen(reason))
         return false;

@@ -44,11 +44,11 @@ public:
 private:
     struct Entry
     {
-        QString name;
-        QString sourcePath;
-        qint64 size;
+        QString strName;
+        QString strSourcePath;
+        qint64 nSize;
 
-        bool isFolder() const { return name.endsWith(QLatin1Char('/')); }
+        bool isFolder() const { return strName.endsWith(QLatin1Char('/')); }
     };
 
     bool scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders, QString *reason);
@@ -59,12 +59,12 @@ private:
     bool copyContent(Entry &entry, QIODevice &destination, QString *reason);
     bool isFit(const PictureScan &picture, const QString &name);
 
-    QString m_dirPath;
-    QString m_packetPath;
-    QString m_canonicalDirPath;
-    QVector<Entry> m_entries;
+    QString m_strDirPath;
+    QString m_strPacketPath;
+    QString m_strCanonicalDirPath;
+    QVector<Entry> m_listEntries;
     /// The description that a load reads; empty if there is none.
-    QString m_firstDescription;
+    QString m_strFirstDescription;
     /// Pixels of the backgrounds and logos written so far.
     qint64 m_nPixels = 0;
 };

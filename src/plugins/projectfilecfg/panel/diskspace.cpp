@@ -1,6 +1,6 @@
 #include "diskspace.h"
 
-#include "durablefile.h"
+#include "filesystem.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -25,7 +25,7 @@ unsigned long long getDiskAvailableSize(const QString &path)
 
 unsigned long long availableForProjects(const QString &directory)
 {
-    DurableFile::makeFolder(directory);
+    FileSystem::makeFolder(directory);
     return getDiskAvailableSize(directory);
 }
 

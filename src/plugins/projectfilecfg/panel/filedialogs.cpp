@@ -1,7 +1,7 @@
 #include "filedialogs.h"
 
 #include "messageboxes.h"
-#include "projectfilefacts.h"
+#include "packagelayout.h"
 
 #include <QDebug>
 #include <QFileDialog>
@@ -32,7 +32,7 @@ QString otherThan(const QString &documents, const QString &chosen)
 
 QString FileDialogs::projectFileFilter()
 {
-    return QStringLiteral("%1(*%2)").arg(tr("file"), ProjectFileFacts::packageExtension);
+    return QStringLiteral("%1(*%2)").arg(tr("file"), PackageLayout::packageExtension);
 }
 
 QStringList FileDialogs::selectProjectFiles(QWidget *parent, bool bMulti)

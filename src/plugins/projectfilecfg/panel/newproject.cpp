@@ -1,7 +1,7 @@
 #include "newproject.h"
 
 #include "engineerpropertysettingwidget.h"
-#include "projectfilefacts.h"
+#include "packagelayout.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -21,7 +21,7 @@ QString NewProject::generateProjectName(const QString &directory)
     const QString base = tr("Project");
     for (int number = 1; number <= lastNumber; ++number) {
         QString name = base + QString::number(number);
-        if (!QFile::exists(directory + name + ProjectFileFacts::packageExtension))
+        if (!QFile::exists(directory + name + PackageLayout::packageExtension))
             return name;
     }
     return QString();
@@ -29,7 +29,7 @@ QString NewProject::generateProjectName(const QString &directory)
 
 QString NewProject::timeStamp()
 {
-    return QDateTime::currentDateTime().toString(ProjectFileFacts::timeStampFormat);
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss"));
 }
 
 std::optional<NewProject::Properties> NewProject::ask(QWidget *panel, const QString &directory)

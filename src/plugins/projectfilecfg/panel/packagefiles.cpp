@@ -1,6 +1,6 @@
 #include "packagefiles.h"
 
-#include "projectfilefacts.h"
+#include "packagelayout.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -20,7 +20,7 @@ QFileInfoList packagesIn(const QString &dirPath)
         QFileInfo file;
     };
     QVector<Package> packages;
-    const QFileInfoList entries = QDir(dirPath).entryInfoList({QLatin1Char('*') + ProjectFileFacts::packageExtension},
+    const QFileInfoList entries = QDir(dirPath).entryInfoList({QLatin1Char('*') + PackageLayout::packageExtension},
                                                               QDir::Dirs | QDir::Files | QDir::Drives, QDir::Unsorted);
     for (const QFileInfo &entry : entries)
         packages.append({entry.lastModified().toMSecsSinceEpoch(), entry.fileName(), entry});

@@ -1,9 +1,9 @@
 #include "projectediting.h"
 
-#include "durablefile.h"
 #include "engineerpropertysettingwidget.h"
+#include "filesystem.h"
 #include "messageboxes.h"
-#include "projectfilefacts.h"
+#include "packagelayout.h"
 #include "projectlist.h"
 
 #include <QDebug>
@@ -41,8 +41,8 @@ std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectLi
         return std::nullopt;
     }
 
-    edited.strFilePath = directory + edited.strProjectName + ProjectFileFacts::packageExtension;
-    if (edited.strFilePath != path && !DurableFile::renameDurably(path, edited.strFilePath, &reason)) {
+    edited.strFilePath = directory + edited.strProjectName + PackageLayout::packageExtension;
+    if (edited.strFilePath != path && !FileSystem::renameDurably(path, edited.strFilePath, &reason)) {
         qDebug().noquote() << "Edit failed:" << reason;
         qWarning() << "File rename failed.";
         MessageBoxes::remind(panel, tr("File rename failed"));

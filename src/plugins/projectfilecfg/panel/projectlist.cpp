@@ -1,6 +1,6 @@
 #include "projectlist.h"
 
-#include "durablefile.h"
+#include "filesystem.h"
 #include "inplacefile.h"
 #include "packagefiles.h"
 #include "replacingfile.h"
@@ -19,7 +19,7 @@ namespace Internal {
 QList<EngineerPacketInfo> ProjectList::snapshot()
 {
     const QMutexLocker locker(&mutex);
-    return projects;
+    return listProjects;
 }
 
 QStringList ProjectList::paths()
@@ -33,7 +33,7 @@ QStringList ProjectList::paths()
 
 QList<EngineerPacketInfo>::iterator ProjectList::entryOf(const QString &path)
 {
-    return std::find_if(projects.begin(), projects.end(),
+    return std::find_if(listProjects.begin(), listProjects.end(),
                         [&path](const EngineerPacketInfo &info) { return info.strFilePath == path; });
 }
 
@@ -41,14 +41,14 @@ std::optional<EngineerPacketInfo> ProjectList::find(const QString &path)
 {
     const QMutexLocker locker(&mutex);
     const auto entry = entryOf(path);
-    return entry == projects.end() ? std::nullopt : std::make_optional(*entry);
+    return entry == listProjects.end() ? std::nullopt : std::make_optional(*entry);
 }
 
 bool ProjectList::remove(const QString &path)
 {
     const QMutexLocker locker(&mutex);
     const auto isThere = [&path](const EngineerPacketInfo &info) { return info.strFilePath == path; };
-    projects.erase(std::remove_if(projects.begin(), projects.end(), isThere), projects.end());
+    listProjects.erase(std::remove_if(listProjects.begin(), listProjects.end(), isThere), listProjects.end());
     return supersedeScans();
 }
 
@@ -56,7 +56,7 @@ bool ProjectList::rename(const QString &path, const EngineerPacketInfo &edited)
 {
     const QMutexLocker locker(&mutex);
     const auto entry = entryOf(path);
-    if (entry != projects.end())
+    if (entry != listProjects.end())
         *entry = edited;
     return supersedeScans();
 }
@@ -64,22 +64,22 @@ bool ProjectList::rename(const QString &path, const EngineerPacketInfo &edited)
 bool ProjectList::clear()
 {
     const QMutexLocker locker(&mutex);
-    for (const EngineerPacketInfo &info : qAsConst(projects))
+    for (const EngineerPacketInfo &info : qAsConst(listProjects))
         QFile::remove(info.strFilePath);
-    projects.clear();
+    listProjects.clear();
     return supersedeScans();
 }
 
 bool ProjectList::supersedeScans()
 {
-    const bool scansRunning = m_lastApplied != m_lastStarted;
-    m_lastApplied = ++m_lastStarted;
+    const bool scansRunning = m_lastApplied != m_nLastStarted;
+    m_lastApplied = ++m_nLastStarted;
     return scansRunning;
 }
 
 quint64 ProjectList::beginScan()
 {
-    return ++m_lastStarted;
+    return ++m_nLastStarted;
 }
 
 ProjectList::Hold::Hold(ProjectList &list)
@@ -87,14 +87,14 @@ ProjectList::Hold::Hold(ProjectList &list)
 {
     m_list.mutex.lock();
     const QMutexLocker locker(&m_list.m_holdMutex);
-    ++m_list.m_holds;
+    ++m_list.m_nHolds;
 }
 
 ProjectList::Hold::~Hold()
 {
     {
         const QMutexLocker locker(&m_list.m_holdMutex);
-        --m_list.m_holds;
+        --m_list.m_nHolds;
     }
     m_list.mutex.unlock();
 }
@@ -102,15 +102,15 @@ ProjectList::Hold::~Hold()
 bool ProjectList::isHeldAgainstScan()
 {
     const QMutexLocker locker(&m_holdMutex);
-    m_isScanMissed = m_isScanMissed || m_holds > 0;
-    return m_holds > 0;
+    m_bScanMissed = m_bScanMissed || m_nHolds > 0;
+    return m_nHolds > 0;
 }
 
 bool ProjectList::takeMissedScan()
 {
     const QMutexLocker locker(&m_holdMutex);
-    const bool isDue = m_isScanMissed && m_holds == 0;
-    m_isScanMissed = m_isScanMissed && !isDue;
+    const bool isDue = m_bScanMissed && m_nHolds == 0;
+    m_bScanMissed = m_bScanMissed && !isDue;
     return isDue;
 }
 
@@ -133,7 +133,7 @@ void ProjectList::replace(const QList<EngineerPacketInfo> &found, quint64 scanNu
         return;
     if (scanNumber >= m_lastApplied) {
         m_lastApplied = scanNumber;
-        projects = found;
+        listProjects = found;
     }
     mutex.unlock();
 }
@@ -165,7 +165,7 @@ void ProjectList::logOnce(const QString &path, const QString &reason)
 int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
 {
     QString noFolder;
-    const bool hasFolder = DurableFile::makeFolder(dirPath, &noFolder);
+    const bool hasFolder = FileSystem::makeFolder(dirPath, &noFolder);
     logOnce(dirPath, noFolder);
     if (!hasFolder)
         return -1;
@@ -175,7 +175,7 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
     QHash<QString, EngineerPacketInfo> known;
     if (!lockForScan())
         return -1;
-    for (const EngineerPacketInfo &info : qAsConst(projects)) {
+    for (const EngineerPacketInfo &info : qAsConst(listProjects)) {
         if (!known.contains(info.strFilePath))
             known.insert(info.strFilePath, info);
     }

@@ -25,7 +25,7 @@ public:
     /// Guards `projects`. Recursive, since the panel reads the list while it holds it.
     QMutex mutex{QMutex::Recursive};
     /// One record per package, newest file first; `strProjectName` is the file's base name.
-    QList<EngineerPacketInfo> projects;
+    QList<EngineerPacketInfo> listProjects;
 
     /// The records, as they are now.
     QList<EngineerPacketInfo> snapshot();
@@ -85,12 +85,12 @@ private:
     bool lockForScan();
     void logOnce(const QString &path, const QString &reason);
 
-    std::atomic<quint64> m_lastStarted{0};
+    std::atomic<quint64> m_nLastStarted{0};
     quint64 m_lastApplied = 0; // guarded by mutex
     /// Guards the next three; never locked for long.
     QMutex m_holdMutex;
-    int m_holds = 0;
-    bool m_isScanMissed = false;
+    int m_nHolds = 0;
+    bool m_bScanMissed = false;
     /// By path, why a file is not listed, as it was logged.
     QHash<QString, QString> m_refused;
 };

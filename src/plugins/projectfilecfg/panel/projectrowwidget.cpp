@@ -59,10 +59,10 @@ void ProjectRowWidget::setFilePath(const QString &path)
 
 void ProjectRowWidget::setTexts(const Texts &texts)
 {
-    m_pEditBtn->setText(texts.edit);
-    m_pApplyBtn->setText(texts.apply);
-    m_pSaveAsBtn->setText(texts.saveAs);
-    m_pDeleteBtn->setText(texts.remove);
+    m_pEditBtn->setText(texts.strEdit);
+    m_pApplyBtn->setText(texts.strApply);
+    m_pSaveAsBtn->setText(texts.strSaveAs);
+    m_pDeleteBtn->setText(texts.strRemove);
 }
 
 } // namespace Internal

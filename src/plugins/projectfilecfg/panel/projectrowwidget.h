@@ -17,10 +17,10 @@ public:
     /// The buttons' texts, translated once for all rows.
     struct Texts
     {
-        QString edit;
-        QString apply;
-        QString saveAs;
-        QString remove;
+        QString strEdit;
+        QString strApply;
+        QString strSaveAs;
+        QString strRemove;
     };
 
     /// The buttons' icons, read once for all rows.

@@ -1,6 +1,6 @@
 #include "projecttable.h"
 
-#include "projectfilefacts.h"
+#include "packagelayout.h"
 
 #include <QFileInfo>
 #include <QHeaderView>
@@ -90,7 +90,7 @@ void ProjectTable::makeRow(int row)
 void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts)
 {
     QString name = QFileInfo(info.strFilePath).fileName();
-    name.remove(ProjectFileFacts::packageExtension);
+    name.remove(PackageLayout::packageExtension);
     m_pTable->item(row, fileColumn)->setText(name);
     m_pTable->item(row, commentColumn)->setText(info.strComment);
     rowWidget(row)->setFilePath(info.strFilePath);

@@ -18,7 +18,9 @@ QByteArray EncodedPictures::encodePng(const QImage &picture)
     return picture.save(&buffer, "PNG") ? bytes : QByteArray();
 }
 
-static QByteArray digestOf(const QImage &picture, const QByteArray &secret)
+namespace {
+
+QByteArray digestOf(const QImage &picture, const QByteArray &secret)
 {
     // One pixel, encoded, shows what the encoder adds: resolution, texts, colour table, colour space. Only a
     // picture's offset does not go with a part of it.
@@ -33,6 +35,8 @@ static QByteArray digestOf(const QImage &picture, const QByteArray &secret)
         digest.addData(reinterpret_cast<const char *>(picture.constScanLine(row)), picture.bytesPerLine());
     return digest.result();
 }
+
+} // namespace
 
 EncodedPictures::EncodedPictures(int capacity, const Encoder &encoder)
     : m_encoder(encoder)

@@ -20,7 +20,7 @@ namespace Internal {
 class EncodedPictures
 {
 public:
-    enum { DefaultCapacity = 256 * 1024 * 1024 };
+    static constexpr int defaultCapacity = 256 * 1024 * 1024;
 
     /// Returns the encoded file, empty if the picture cannot be encoded. Called on any thread.
     using Encoder = std::function<QByteArray(const QImage &picture)>;
@@ -28,7 +28,7 @@ public:
     static QByteArray encodePng(const QImage &picture);
 
     /// `capacity` in bytes of encoded pictures. Beyond it, the least recently used ones are dropped.
-    explicit EncodedPictures(int capacity = DefaultCapacity, const Encoder &encoder = &encodePng);
+    explicit EncodedPictures(int capacity = defaultCapacity, const Encoder &encoder = &encodePng);
     ~EncodedPictures();
 
     /// The picture's file, from the cache or from the encoder.

@@ -15,7 +15,7 @@ PictureDecoder::Decoded PictureDecoder::decode(const std::shared_ptr<QIODevice> 
     if (reader.size() != size)
         return {QImage(), QStringLiteral("it has another size than expected")};
     Decoded decoded;
-    decoded.picture = reader.read(&decoded.reason);
+    decoded.picture = reader.read(&decoded.strReason);
     return decoded;
 }
 
@@ -43,7 +43,7 @@ QImage PictureDecoder::take(const QString &name, QString *reason)
     const Decoded decoded = picture->result();
     m_pictures.erase(picture);
     if (decoded.picture.isNull())
-        failBecause(reason, QStringLiteral("cannot decode %1: %2").arg(name, decoded.reason));
+        failBecause(reason, QStringLiteral("cannot decode %1: %2").arg(name, decoded.strReason));
     return decoded.picture;
 }
 

@@ -35,7 +35,7 @@ private:
     struct Decoded
     {
         QImage picture;
-        QString reason;
+        QString strReason;
     };
 
     static Decoded decode(const std::shared_ptr<QIODevice> &content, const QSize &size);

@@ -2,7 +2,7 @@
 
 #include "encodedpictures.h"
 #include "reason.h"
-#include "stagedfile.h"
+#include "writewhole.h"
 
 #include <QDebug>
 #include <QFile>
@@ -19,10 +19,10 @@ PictureWriter::File PictureWriter::writeFile(const QString &path, const QByteArr
     if (bytes.isEmpty() || !file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         qDebug() << "Save picture failed:" << path
                  << (bytes.isEmpty() ? QStringLiteral("it is empty or cannot be encoded") : file.errorString());
-        return {LeftOut, QString()};
+        return {leftOut, QString()};
     }
     QString reason;
-    return writeWhole(file, bytes, &reason) ? File{bytes.size(), QString()} : File{Cut, reason};
+    return writeWhole(file, bytes, &reason) ? File{bytes.size(), QString()} : File{cut, reason};
 }
 
 PictureWriter::PictureWriter(const std::shared_ptr<EncodedPictures> &encoded, qint64 budget, int threads)
@@ -48,18 +48,18 @@ bool PictureWriter::hasRoomFor(qint64 pixelBytes) const
 void PictureWriter::take(int index)
 {
     const Pending pending = m_listPending.takeAt(index);
-    m_nPixelBytes -= pending.pixelBytes;
+    m_nPixelBytes -= pending.nPixelBytes;
     const File file = pending.end.result();
     if (m_strCutReason.isEmpty())
-        m_strCutReason = file.reason;
-    if (file.size >= 0)
-        m_written.insert(pending.path, file.size);
+        m_strCutReason = file.strReason;
+    if (file.nSize >= 0)
+        m_written.insert(pending.strPath, file.nSize);
 }
 
 void PictureWriter::write(QImage picture, const QString &path)
 {
     for (int index = m_listPending.size() - 1; index >= 0; --index) {
-        if (m_listPending.at(index).end.isFinished() || m_listPending.at(index).path == path)
+        if (m_listPending.at(index).end.isFinished() || m_listPending.at(index).strPath == path)
             take(index);
     }
     const qint64 pixelBytes = qint64(picture.bytesPerLine()) * picture.height();

@@ -49,17 +49,18 @@ public:
 private:
     Q_DISABLE_COPY(PictureWriter)
 
-    enum { LeftOut = -1, Cut = -2 };
+    static constexpr int leftOut = -1;
+    static constexpr int cut = -2;
     struct File
     {
-        /// In bytes, or LeftOut, or Cut.
-        qint64 size;
-        QString reason;
+        /// In bytes, or leftOut, or cut.
+        qint64 nSize;
+        QString strReason;
     };
     struct Pending
     {
-        QString path;
-        qint64 pixelBytes;
+        QString strPath;
+        qint64 nPixelBytes;
         QFuture<File> end;
     };
 

@@ -7,8 +7,12 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-static const int smallThumbnailArea = 65536;
-static const int largeThumbnailArea = 262144;
+namespace {
+
+constexpr int smallThumbnailArea = 65536;
+constexpr int largeThumbnailArea = 262144;
+
+} // namespace
 
 QImage thumbnailOf(const QImage &picture)
 {

@@ -7,7 +7,7 @@ namespace Internal {
 
 /// Atomic operations on files and folders, and what makes them survive a power failure. A `reason` is set on failure
 /// (see reason.h); where there is none, the caller knows the path, and `errno` is that of the failed call.
-namespace DurableFile {
+namespace FileSystem {
 
 /// An open folder, to flush what is created or renamed in it. Open it before the change, so that a failure to open it
 /// ends the operation before anything has changed.
@@ -24,8 +24,8 @@ public:
 private:
     Q_DISABLE_COPY(Folder)
 
-    const QString m_path;
-    int m_handle = -1;
+    const QString m_strPath;
+    int m_nHandle = -1;
 };
 
 /// Flushes an open file. True: its bytes are on the disk, not only in the system's memory.
@@ -55,7 +55,7 @@ public:
     ~FileIdentity();
 
     /// There was no file.
-    bool isNothing() const { return !m_exists; }
+    bool isNothing() const { return !m_bExists; }
     /// True if the file is at `path` now; if there was none, true if there is still none.
     bool isAt(const QString &path) const;
 
@@ -63,11 +63,11 @@ private:
     Q_DISABLE_COPY(FileIdentity)
     friend bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected, QString *reason);
 
-    bool m_exists = false;
-    bool m_isFolder = false;
-    quint64 m_volume = 0;
-    quint64 m_number = 0;
-    int m_handle = -1;
+    bool m_bExists = false;
+    bool m_bFolder = false;
+    quint64 m_nVolume = 0;
+    quint64 m_nInode = 0;
+    int m_nHandle = -1;
 };
 
 /// Renames within a volume, replacing a file at `to`. Not flushed.
@@ -111,8 +111,8 @@ public:
 private:
     Q_DISABLE_COPY(ReadLock)
 
-    const int m_handle;
-    bool m_isHeld = false;
+    const int m_nHandle;
+    bool m_bHeld = false;
 };
 
 /// True if the open file is still the one at `path`: it was neither removed nor replaced since it was opened.
@@ -122,7 +122,7 @@ bool isOpenFile(const QString &path, int handle);
 qint64 modified(int handle);
 bool setModified(int handle, qint64 nanoseconds);
 
-} // namespace DurableFile
+} // namespace FileSystem
 
 } // namespace Internal
 } // namespace ProjectFileCfg

@@ -1,5 +1,5 @@
 #include "packagetesting.h"
-#include "stagedfile.h"
+#include "writewhole.h"
 
 #include <support/testmain.h>
 
@@ -13,7 +13,11 @@
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 
-static bool s_closeFails = false;
+namespace {
+
+bool s_closeFails = false;
+
+} // namespace
 
 // Stands before the C library's, through which Qt closes files. The file is closed all the same, as with Linux.
 extern "C" Q_DECL_EXPORT int close(int handle)
@@ -27,7 +31,7 @@ extern "C" Q_DECL_EXPORT int close(int handle)
 }
 
 /// What of a staged file counts as written.
-class TstStagedFile : public QObject
+class TstWriteWhole : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +44,7 @@ private:
     QTemporaryDir m_dir;
 };
 
-void TstStagedFile::it_holds_the_content_and_is_closed()
+void TstWriteWhole::it_holds_the_content_and_is_closed()
 {
     QFile file(m_dir.filePath("staged"));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -49,7 +53,7 @@ void TstStagedFile::it_holds_the_content_and_is_closed()
     QCOMPARE(readFile(file.fileName()), QByteArray("content"));
 }
 
-void TstStagedFile::a_failed_closing_is_a_failure()
+void TstWriteWhole::a_failed_closing_is_a_failure()
 {
     QFile file(m_dir.filePath("staged"));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -59,7 +63,7 @@ void TstStagedFile::a_failed_closing_is_a_failure()
     QVERIFY(!isWritten);
 }
 
-void TstStagedFile::a_full_disk_is_a_failure()
+void TstWriteWhole::a_full_disk_is_a_failure()
 {
     QFile file(QStringLiteral("/dev/full"));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -67,5 +71,5 @@ void TstStagedFile::a_full_disk_is_a_failure()
     file.close();
 }
 
-TEST_MAIN_CORE(TstStagedFile)
-#include "tst_stagedfile.moc"
+TEST_MAIN_CORE(TstWriteWhole)
+#include "tst_writewhole.moc"

@@ -1,7 +1,7 @@
-#include "packagefile.h"
+#include "readcachedevice.h"
 
 #include "archivecomment.h"
-#include "durablefile.h"
+#include "filesystem.h"
 #include "plainfile.h"
 #include "zipformat.h"
 
@@ -12,53 +12,57 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
 /// The longest comment, the record that ends an archive, and the mark of a 64-bit one before it.
-static const qint64 endSize = ZipFormat::maxTextSize + ZipFormat::endRecordSize + ZipFormat::locatorSize;
+constexpr qint64 endSize = ZipFormat::maxTextSize + ZipFormat::endRecordSize + ZipFormat::locatorSize;
 
-PackageFile::PackageFile(const QString &path)
-    : m_path(path)
-    , m_file(std::make_unique<QFile>(path))
+} // namespace
+
+ReadCacheDevice::ReadCacheDevice(const QString &path)
+    : m_strPath(path)
+    , m_pFile(std::make_unique<QFile>(path))
 {}
 
-PackageFile::PackageFile(std::unique_ptr<QFile> file)
-    : m_path(file->fileName())
-    , m_file(std::move(file))
+ReadCacheDevice::ReadCacheDevice(std::unique_ptr<QFile> file)
+    : m_strPath(file->fileName())
+    , m_pFile(std::move(file))
 {}
 
-PackageFile::~PackageFile() = default;
+ReadCacheDevice::~ReadCacheDevice() = default;
 
-bool PackageFile::open(OpenMode mode)
+bool ReadCacheDevice::open(OpenMode mode)
 {
     QString reason;
-    if (mode != QIODevice::ReadOnly || (!m_file->isOpen() && !openPlainFile(*m_file, false, &reason))) {
+    if (mode != QIODevice::ReadOnly || (!m_pFile->isOpen() && !openPlainFile(*m_pFile, false, &reason))) {
         setErrorString(reason);
         return false;
     }
     if (!readEndAtRest()) {
-        setErrorString(QStringLiteral("cannot read %1: %2").arg(m_path, m_file->errorString()));
+        setErrorString(QStringLiteral("cannot read %1: %2").arg(m_strPath, m_pFile->errorString()));
         return false;
     }
     // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
     return QIODevice::open(mode | QIODevice::Unbuffered);
 }
 
-bool PackageFile::readEnd()
+bool ReadCacheDevice::readEnd()
 {
-    m_nSize = m_file->size();
+    m_nSize = m_pFile->size();
     const qint64 expected = std::min(m_nSize, endSize);
-    m_end = m_file->seek(m_nSize - expected) ? m_file->read(expected) : QByteArray();
+    m_end = m_pFile->seek(m_nSize - expected) ? m_pFile->read(expected) : QByteArray();
     return m_end.size() == expected;
 }
 
 /// The end of a package that somebody edits is in motion for less than a millisecond, and at rest before and behind it.
-bool PackageFile::readEndAtRest()
+bool ReadCacheDevice::readEndAtRest()
 {
     constexpr int patience = 200;
     for (int waited = 0; waited < patience; ++waited) {
-        const bool isQuiet = DurableFile::lockToRead(m_file->handle());
+        const bool isQuiet = FileSystem::lockToRead(m_pFile->handle());
         const bool isRead = readEnd();
         if (isQuiet) {
-            DurableFile::unlock(m_file->handle());
+            FileSystem::unlock(m_pFile->handle());
             return isRead;
         }
         const QByteArray first = m_end;
@@ -69,23 +73,23 @@ bool PackageFile::readEndAtRest()
     return readEnd();
 }
 
-bool PackageFile::isSequential() const
+bool ReadCacheDevice::isSequential() const
 {
     return false;
 }
 
-qint64 PackageFile::size() const
+qint64 ReadCacheDevice::size() const
 {
     return m_nSize;
 }
 
-bool PackageFile::seek(qint64 position)
+bool ReadCacheDevice::seek(qint64 position)
 {
     m_nPosition = position;
     return QIODevice::seek(position);
 }
 
-qint64 PackageFile::readData(char *data, qint64 maxSize)
+qint64 ReadCacheDevice::readData(char *data, qint64 maxSize)
 {
     qint64 count = 0;
     const qint64 endStart = m_nSize - m_end.size();
@@ -94,14 +98,14 @@ qint64 PackageFile::readData(char *data, qint64 maxSize)
         std::copy_n(m_end.constData() + (m_nPosition - endStart), count, data);
     } else {
         // The zip library reads its numbers byte by byte, and each seek is a call of the system.
-        const bool isThere = m_file->pos() == m_nPosition || m_file->seek(m_nPosition);
-        count = isThere ? m_file->read(data, maxSize) : -1;
+        const bool isThere = m_pFile->pos() == m_nPosition || m_pFile->seek(m_nPosition);
+        count = isThere ? m_pFile->read(data, maxSize) : -1;
     }
     m_nPosition += std::max<qint64>(count, 0);
     return count;
 }
 
-qint64 PackageFile::writeData(const char *, qint64)
+qint64 ReadCacheDevice::writeData(const char *, qint64)
 {
     return -1;
 }

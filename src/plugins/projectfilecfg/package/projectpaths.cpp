@@ -1,10 +1,10 @@
-#include "projectfilefacts.h"
+#include "projectpaths.h"
 
 #include <QStandardPaths>
 
 namespace ProjectFileCfg {
 namespace Internal {
-namespace ProjectFileFacts {
+namespace ProjectPaths {
 
 QString documentsPath()
 {
@@ -17,11 +17,6 @@ QString projectFilesPath()
            QStringLiteral("/%1/%2/ProjectFiles/").arg(QStringLiteral("Velmora"), QStringLiteral("Tarvo"));
 }
 
-bool hasPackageExtension(const QString &path)
-{
-    return path.endsWith(packageExtension, Qt::CaseInsensitive);
-}
-
-} // namespace ProjectFileFacts
+} // namespace ProjectPaths
 } // namespace Internal
 } // namespace ProjectFileCfg

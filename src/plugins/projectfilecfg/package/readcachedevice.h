@@ -10,13 +10,13 @@ namespace Internal {
 /// The device through which the zip library reads a package. The library searches for the end of an archive, and for
 /// the marker of a 64-bit one, backwards through the last 64 KiB in small steps, each a read of the file; this class
 /// reads those bytes once, and retries while another process writes them. Not thread-safe.
-class PackageFile : public QIODevice
+class ReadCacheDevice : public QIODevice
 {
 public:
-    explicit PackageFile(const QString &path);
+    explicit ReadCacheDevice(const QString &path);
     /// Takes a file that is already open for reading.
-    explicit PackageFile(std::unique_ptr<QFile> file);
-    ~PackageFile() override;
+    explicit ReadCacheDevice(std::unique_ptr<QFile> file);
+    ~ReadCacheDevice() override;
 
     /// `mode` must be ReadOnly. False on failure, and at once if it is not a plain file, for instance a pipe;
     /// errorString() names the path then.
@@ -27,9 +27,9 @@ public:
     bool seek(qint64 position) override;
 
     /// Its path, also when it was opened by its handle.
-    QString path() const { return m_path; }
+    QString path() const { return m_strPath; }
     /// The underlying file, to read other parts of it.
-    QFile &file() { return *m_file; }
+    QFile &file() { return *m_pFile; }
 
 protected:
     qint64 readData(char *data, qint64 maxSize) override;
@@ -39,8 +39,8 @@ private:
     bool readEnd();
     bool readEndAtRest();
 
-    const QString m_path;
-    const std::unique_ptr<QFile> m_file;
+    const QString m_strPath;
+    const std::unique_ptr<QFile> m_pFile;
     QByteArray m_end;
     qint64 m_nSize = 0;
     qint64 m_nPosition = 0;

@@ -1,4 +1,4 @@
-#include "stagedfile.h"
+#include "writewhole.h"
 
 #include "reason.h"
 

@@ -1,4 +1,4 @@
-#include "durablefile.h"
+#include "filesystem.h"
 
 #include "reason.h"
 
@@ -32,9 +32,13 @@
 
 namespace ProjectFileCfg {
 namespace Internal {
-namespace DurableFile {
+namespace FileSystem {
 
-static const qint64 nanosecondsPerSecond = 1000000000;
+namespace {
+
+constexpr qint64 nanosecondsPerSecond = 1000000000;
+
+} // namespace
 
 #ifdef Q_OS_WIN
 
@@ -117,8 +121,8 @@ bool setModified(int handle, qint64 nanoseconds)
 #else
 
 Folder::Folder(const QString &path, QString *reason)
-    : m_path(path)
-    , m_handle(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    : m_strPath(path)
+    , m_nHandle(::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
 {
     if (!isOpen())
         failBecause(reason, QStringLiteral("cannot open the folder %1: %2").arg(path, systemError()));
@@ -127,18 +131,18 @@ Folder::Folder(const QString &path, QString *reason)
 Folder::~Folder()
 {
     if (isOpen())
-        ::close(m_handle);
+        ::close(m_nHandle);
 }
 
 bool Folder::isOpen() const
 {
-    return m_handle >= 0;
+    return m_nHandle >= 0;
 }
 
 bool Folder::flush(QString *reason) const
 {
-    return DurableFile::flush(m_handle) || errno == EINVAL || errno == ENOTSUP ||
-           failBecause(reason, QStringLiteral("cannot flush the folder %1: %2").arg(m_path, systemError()));
+    return FileSystem::flush(m_nHandle) || errno == EINVAL || errno == ENOTSUP ||
+           failBecause(reason, QStringLiteral("cannot flush the folder %1: %2").arg(m_strPath, systemError()));
 }
 
 bool flush(int handle)
@@ -217,19 +221,19 @@ FileIdentity::FileIdentity(const QString &path)
     const QByteArray name = QFile::encodeName(path);
 #ifdef O_PATH
     // Needs no leave to read and waits at no pipe. A number in use is not given away again.
-    m_handle = ::open(name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
+    m_nHandle = ::open(name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
 #endif
     struct stat status = {};
-    m_exists = (m_handle >= 0 ? fstat(m_handle, &status) : lstat(name.constData(), &status)) == 0;
-    m_isFolder = m_exists && S_ISDIR(status.st_mode);
-    m_volume = status.st_dev;
-    m_number = status.st_ino;
+    m_bExists = (m_nHandle >= 0 ? fstat(m_nHandle, &status) : lstat(name.constData(), &status)) == 0;
+    m_bFolder = m_bExists && S_ISDIR(status.st_mode);
+    m_nVolume = status.st_dev;
+    m_nInode = status.st_ino;
 }
 
 FileIdentity::~FileIdentity()
 {
-    if (m_handle >= 0)
-        ::close(m_handle);
+    if (m_nHandle >= 0)
+        ::close(m_nHandle);
 }
 
 #endif
@@ -237,7 +241,7 @@ FileIdentity::~FileIdentity()
 bool FileIdentity::isAt(const QString &path) const
 {
     const FileIdentity other(path);
-    return other.m_exists == m_exists && other.m_volume == m_volume && other.m_number == m_number;
+    return other.m_bExists == m_bExists && other.m_nVolume == m_nVolume && other.m_nInode == m_nInode;
 }
 
 bool shareContent(int from, int to)
@@ -311,10 +315,14 @@ bool makeFolder(const QString &path, QString *reason)
     return parent.flush(reason);
 }
 
-static bool cannotRename(QString *reason, const QString &from, const QString &to, const QString &error)
+namespace {
+
+bool cannotRename(QString *reason, const QString &from, const QString &to, const QString &error)
 {
     return failBecause(reason, QStringLiteral("cannot rename %1 to %2: %3").arg(from, to, error));
 }
+
+} // namespace
 
 bool replace(const QString &from, const QString &to, QString *reason)
 {
@@ -352,18 +360,22 @@ bool renameToFreeName(const QString &from, const QString &to, QString *reason)
 }
 
 #ifdef RENAME_EXCHANGE
-static bool exchange(const QString &one, const QString &other)
+namespace {
+
+bool exchange(const QString &one, const QString &other)
 {
     return renameat2(AT_FDCWD, QFile::encodeName(one).constData(), AT_FDCWD, QFile::encodeName(other).constData(),
                      RENAME_EXCHANGE) == 0;
 }
+
+} // namespace
 #endif
 
 bool replaceSame(const QString &from, const QString &to, const FileIdentity &expected, QString *reason)
 {
     if (FileIdentity(to).isNothing())
         return renameToFreeName(from, to, reason);
-    if (expected.m_isFolder)
+    if (expected.m_bFolder)
         return failBecause(reason, QStringLiteral("%1 is a folder").arg(to));
     const auto isAnother = [&] { return failBecause(reason, QStringLiteral("another file has come to %1").arg(to)); };
     if (!expected.isAt(to))
@@ -393,19 +405,19 @@ bool renameDurably(const QString &from, const QString &to, QString *reason)
 }
 
 ReadLock::ReadLock(int handle)
-    : m_handle(handle)
+    : m_nHandle(handle)
 {
     constexpr int patience = 200;
-    for (int waited = 0; !(m_isHeld = lockToRead(m_handle)) && waited < patience; ++waited)
+    for (int waited = 0; !(m_bHeld = lockToRead(m_nHandle)) && waited < patience; ++waited)
         QThread::msleep(1);
 }
 
 ReadLock::~ReadLock()
 {
-    if (m_isHeld)
-        unlock(m_handle);
+    if (m_bHeld)
+        unlock(m_nHandle);
 }
 
-} // namespace DurableFile
+} // namespace FileSystem
 } // namespace Internal
 } // namespace ProjectFileCfg

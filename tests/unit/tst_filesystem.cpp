@@ -1,4 +1,4 @@
-#include "durablefile.h"
+#include "filesystem.h"
 #include "packagetesting.h"
 #include "replacingfile.h"
 
@@ -156,42 +156,42 @@ extern "C" Q_DECL_EXPORT int renameat2(int fromFolder, const char *from, int toF
 }
 
 /// What is flushed when, and what is left when the system refuses a step.
-class TstDurableFile : public QObject
+class TstFileSystem : public QObject
 {
     Q_OBJECT
 
 private slots:
     void content_is_shared_where_the_file_system_does();
-    void a_folder_that_appears_meanwhile_counts_as_made();
+    void folder_created_by_others_counts_as_created();
     void without_standard_input_folders_are_made_and_flushed();
     void init();
 
-    void content_is_flushed_before_the_name_and_the_name_before_success_data();
-    void content_is_flushed_before_the_name_and_the_name_before_success();
-    void what_can_be_made_again_is_not_flushed();
+    void content_then_name_is_flushed_before_success_data();
+    void content_then_name_is_flushed_before_success();
+    void reproducible_files_are_not_flushed();
     void the_disk_begins_with_the_first_8_MiB();
-    void content_that_cannot_be_flushed_replaces_nothing();
-    void content_that_cannot_be_written_replaces_nothing();
-    void a_missing_folder_is_flushed_before_the_file_is_made();
-    void a_folder_that_cannot_be_opened_keeps_what_it_has();
-    void a_name_that_cannot_be_flushed_is_told_data();
-    void a_name_that_cannot_be_flushed_is_told();
-    void a_free_name_is_found_without_the_systems_help_data();
-    void a_free_name_is_found_without_the_systems_help();
-    void what_the_system_refuses_is_not_tried_another_way();
+    void unflushed_content_replaces_nothing();
+    void unwritten_content_replaces_nothing();
+    void missing_folder_is_flushed_before_its_file();
+    void unreadable_folder_keeps_its_content();
+    void unflushed_name_is_reported_data();
+    void unflushed_name_is_reported();
+    void copying_works_without_exclusive_rename_data();
+    void copying_works_without_exclusive_rename();
+    void refused_system_call_is_not_retried_differently();
     void only_what_is_expected_is_replaced_data();
     void only_what_is_expected_is_replaced();
-    void what_comes_at_the_last_moment_is_kept();
-    void what_comes_at_the_last_moment_is_kept_without_an_exchange();
-    void what_goes_at_the_last_moment_is_not_missed();
-    void what_goes_while_it_is_put_back_is_replaced_by_it();
+    void late_file_is_kept();
+    void late_file_is_kept_without_exchange();
+    void target_vanishing_at_commit_is_no_failure();
+    void target_vanishing_during_rollback_is_restored();
     void a_refused_exchange_is_not_tried_another_way();
-    void the_old_file_goes_after_the_new_name_is_flushed();
-    void a_foreign_file_in_the_fragments_place_is_kept();
-    void a_file_is_known_again_when_it_was_changed_or_renamed();
-    void a_number_in_use_is_not_given_away();
-    void a_folder_that_is_made_is_flushed_in_the_one_it_is_made_in();
-    void a_folder_that_was_there_is_not_flushed();
+    void old_file_is_removed_after_flushing_the_name();
+    void foreign_file_at_the_fragments_name_is_kept();
+    void file_identity_survives_edits_and_renames();
+    void used_number_is_not_assigned_again();
+    void creating_a_folder_flushes_its_parent();
+    void existing_folder_is_not_flushed();
     void a_tree_is_flushed_with_its_disk();
     void a_copy_aside_is_read_from_its_beginning();
     void no_handle_is_left_open();
@@ -203,35 +203,35 @@ private:
     QScopedPointer<QTemporaryDir> m_dir;
 };
 
-void TstDurableFile::content_is_shared_where_the_file_system_does()
+void TstFileSystem::content_is_shared_where_the_file_system_does()
 {
     s_system = System();
-    QVERIFY(!DurableFile::shareContent(-1, -1));
+    QVERIFY(!FileSystem::shareContent(-1, -1));
     s_system.sharesContent = true;
-    const bool isShared = DurableFile::shareContent(-1, -1);
+    const bool isShared = FileSystem::shareContent(-1, -1);
     s_system = System();
     QVERIFY(isShared);
 }
 
-void TstDurableFile::a_folder_that_appears_meanwhile_counts_as_made()
+void TstFileSystem::folder_created_by_others_counts_as_created()
 {
     const QTemporaryDir dir;
     s_system = System();
     s_system.foldersAppear = true;
-    QVERIFY(DurableFile::makeFolder(dir.filePath("one/two")));
+    QVERIFY(FileSystem::makeFolder(dir.filePath("one/two")));
     QVERIFY(QFileInfo(dir.filePath("one/two")).isDir());
     s_system = System();
 }
 
-void TstDurableFile::without_standard_input_folders_are_made_and_flushed()
+void TstFileSystem::without_standard_input_folders_are_made_and_flushed()
 {
     const QTemporaryDir dir;
     s_system = System();
     // The descriptor that is opened next is 0 then.
     const int kept = dup(0);
     ::close(0);
-    const bool isMade = DurableFile::makeFolder(dir.filePath("one/two"));
-    const bool isFlushed = DurableFile::flushTree(dir.path());
+    const bool isMade = FileSystem::makeFolder(dir.filePath("one/two"));
+    const bool isFlushed = FileSystem::flushTree(dir.path());
     const int next = dup(1);
     ::close(next);
     dup2(kept, 0);
@@ -242,7 +242,7 @@ void TstDurableFile::without_standard_input_folders_are_made_and_flushed()
     QCOMPARE(next, 0);
 }
 
-void TstDurableFile::init()
+void TstFileSystem::init()
 {
     s_system = System();
     m_dir.reset(new QTemporaryDir);
@@ -250,13 +250,13 @@ void TstDurableFile::init()
 }
 
 /// Writes "new" over what the target is.
-bool TstDurableFile::replace(ReplacingFile::Durability durability, ReplacingFile::ExistingTarget existing) const
+bool TstFileSystem::replace(ReplacingFile::Durability durability, ReplacingFile::ExistingTarget existing) const
 {
     ReplacingFile file(path("target"), durability);
     return file.create() && file.file().write("new") == 3 && file.commit(existing);
 }
 
-void TstDurableFile::content_is_flushed_before_the_name_and_the_name_before_success_data()
+void TstFileSystem::content_then_name_is_flushed_before_success_data()
 {
     QTest::addColumn<bool>("exists");
     QTest::addColumn<QString>("rename");
@@ -264,27 +264,28 @@ void TstDurableFile::content_is_flushed_before_the_name_and_the_name_before_succ
     QTest::newRow("free") << false << "rename to a free name";
 }
 
-void TstDurableFile::content_is_flushed_before_the_name_and_the_name_before_success()
+void TstFileSystem::content_then_name_is_flushed_before_success()
 {
     QFETCH(bool, exists);
     QFETCH(QString, rename);
     QVERIFY(!exists || writeFile(path("target"), "old"));
-    QVERIFY(replace(ReplacingFile::FlushedToDisk, exists ? ReplacingFile::Replaced : ReplacingFile::Kept));
+    QVERIFY(replace(ReplacingFile::Durability::FlushedToDisk,
+                    exists ? ReplacingFile::ExistingTarget::Replaced : ReplacingFile::ExistingTarget::Kept));
     QCOMPARE(s_system.steps, (QStringList{"flush file", rename, "flush folder"}));
     QCOMPARE(readFile(path("target")), QByteArray("new"));
 }
 
-void TstDurableFile::what_can_be_made_again_is_not_flushed()
+void TstFileSystem::reproducible_files_are_not_flushed()
 {
-    QVERIFY(replace(ReplacingFile::NotFlushed, ReplacingFile::Replaced));
+    QVERIFY(replace(ReplacingFile::Durability::NotFlushed, ReplacingFile::ExistingTarget::Replaced));
     QCOMPARE(s_system.steps, QStringList{"rename"});
     QCOMPARE(readFile(path("target")), QByteArray("new"));
 }
 
-void TstDurableFile::the_disk_begins_with_the_first_8_MiB()
+void TstFileSystem::the_disk_begins_with_the_first_8_MiB()
 {
-    for (const auto durability : {ReplacingFile::FlushedToDisk, ReplacingFile::NotFlushed}) {
-        const bool isFlushed = durability == ReplacingFile::FlushedToDisk;
+    for (const auto durability : {ReplacingFile::Durability::FlushedToDisk, ReplacingFile::Durability::NotFlushed}) {
+        const bool isFlushed = durability == ReplacingFile::Durability::FlushedToDisk;
         s_system.steps.clear();
         ReplacingFile file(path("target"), durability);
         QVERIFY(file.create());
@@ -299,21 +300,21 @@ void TstDurableFile::the_disk_begins_with_the_first_8_MiB()
     }
 }
 
-void TstDurableFile::content_that_cannot_be_flushed_replaces_nothing()
+void TstFileSystem::unflushed_content_replaces_nothing()
 {
     QVERIFY(writeFile(path("target"), "old"));
     s_system.flushFile = EIO;
-    QVERIFY(!replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
+    QVERIFY(!replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
     QCOMPARE(readFile(path("target")), QByteArray("old"));
 }
 
-void TstDurableFile::content_that_cannot_be_written_replaces_nothing()
+void TstFileSystem::unwritten_content_replaces_nothing()
 {
     QVERIFY(writeFile(path("target"), "old"));
     // What fails at once, and what fails when the buffer is written.
     for (const int size : {1000000, 10}) {
-        ReplacingFile file(path("target"), ReplacingFile::NotFlushed);
+        ReplacingFile file(path("target"), ReplacingFile::Durability::NotFlushed);
         QVERIFY(file.create());
         const FullDisk disk(0);
         file.file().write(QByteArray(size, 'x'));
@@ -323,31 +324,31 @@ void TstDurableFile::content_that_cannot_be_written_replaces_nothing()
     QCOMPARE(readFile(path("target")), QByteArray("old"));
 }
 
-void TstDurableFile::a_missing_folder_is_flushed_before_the_file_is_made()
+void TstFileSystem::missing_folder_is_flushed_before_its_file()
 {
-    for (const auto durability : {ReplacingFile::FlushedToDisk, ReplacingFile::NotFlushed}) {
+    for (const auto durability : {ReplacingFile::Durability::FlushedToDisk, ReplacingFile::Durability::NotFlushed}) {
         s_system.steps.clear();
-        ReplacingFile file(path(QStringLiteral("folder%1/target").arg(durability)), durability);
+        ReplacingFile file(path(QStringLiteral("folder%1/target").arg(int(durability))), durability);
         QVERIFY(file.create());
-        const bool isFlushed = durability == ReplacingFile::FlushedToDisk;
+        const bool isFlushed = durability == ReplacingFile::Durability::FlushedToDisk;
         QCOMPARE(s_system.steps, isFlushed ? QStringList{"flush folder"} : QStringList());
     }
 }
 
-void TstDurableFile::a_folder_that_cannot_be_opened_keeps_what_it_has()
+void TstFileSystem::unreadable_folder_keeps_its_content()
 {
     QVERIFY(writeFile(path("target"), "old"));
     s_system.openFolder = EMFILE;
-    QVERIFY(!replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
-    QVERIFY(!DurableFile::renameDurably(path("target"), path("free")));
-    QVERIFY(!DurableFile::makeFolder(path("folder")));
-    QVERIFY(!DurableFile::flushTree(m_dir->path()));
+    QVERIFY(!replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
+    QVERIFY(!FileSystem::renameDurably(path("target"), path("free")));
+    QVERIFY(!FileSystem::makeFolder(path("folder")));
+    QVERIFY(!FileSystem::flushTree(m_dir->path()));
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
     QCOMPARE(readFile(path("target")), QByteArray("old"));
     QCOMPARE(s_system.steps, QStringList{"flush file"});
 }
 
-void TstDurableFile::a_name_that_cannot_be_flushed_is_told_data()
+void TstFileSystem::unflushed_name_is_reported_data()
 {
     QTest::addColumn<int>("error");
     QTest::addColumn<bool>("isTold");
@@ -358,47 +359,47 @@ void TstDurableFile::a_name_that_cannot_be_flushed_is_told_data()
     QTest::newRow("not supported by the file system") << ENOTSUP << false;
 }
 
-void TstDurableFile::a_name_that_cannot_be_flushed_is_told()
+void TstFileSystem::unflushed_name_is_reported()
 {
     QFETCH(int, error);
     QFETCH(bool, isTold);
     s_system.flushFolder = error;
-    QCOMPARE(replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced), !isTold);
-    QCOMPARE(DurableFile::renameDurably(path("target"), path("free")), !isTold);
-    QCOMPARE(DurableFile::makeFolder(path("folder")), !isTold);
+    QCOMPARE(replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced), !isTold);
+    QCOMPARE(FileSystem::renameDurably(path("target"), path("free")), !isTold);
+    QCOMPARE(FileSystem::makeFolder(path("folder")), !isTold);
 }
 
-void TstDurableFile::a_free_name_is_found_without_the_systems_help_data()
+void TstFileSystem::copying_works_without_exclusive_rename_data()
 {
     QTest::addColumn<int>("error");
     QTest::newRow("not known to the file system") << EINVAL;
     QTest::newRow("not known to the system") << ENOSYS;
 }
 
-void TstDurableFile::a_free_name_is_found_without_the_systems_help()
+void TstFileSystem::copying_works_without_exclusive_rename()
 {
     QFETCH(int, error);
     s_system.renameToFreeName = error;
     QVERIFY(writeFile(path("from"), "new") && writeFile(path("taken"), "old"));
     QVERIFY(QFile::link(path("missing"), path("link")));
-    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("taken")));
-    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("link")));
+    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("taken")));
+    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("link")));
     QCOMPARE(readFile(path("taken")), QByteArray("old"));
     QVERIFY(QFileInfo(path("link")).isSymLink());
-    QVERIFY(DurableFile::renameToFreeName(path("from"), path("free")));
+    QVERIFY(FileSystem::renameToFreeName(path("from"), path("free")));
     QCOMPARE(readFile(path("free")), QByteArray("new"));
-    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("another")));
+    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("another")));
 }
 
-void TstDurableFile::what_the_system_refuses_is_not_tried_another_way()
+void TstFileSystem::refused_system_call_is_not_retried_differently()
 {
     s_system.renameToFreeName = EACCES;
     QVERIFY(writeFile(path("from"), "new"));
-    QVERIFY(!DurableFile::renameToFreeName(path("from"), path("free")));
+    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("free")));
     QCOMPARE(contents(m_dir->path()), QStringList{"from"});
 }
 
-void TstDurableFile::only_what_is_expected_is_replaced_data()
+void TstFileSystem::only_what_is_expected_is_replaced_data()
 {
     QTest::addColumn<int>("error");
     QTest::newRow("with the system's help") << 0;
@@ -406,104 +407,104 @@ void TstDurableFile::only_what_is_expected_is_replaced_data()
     QTest::newRow("not known to the system") << ENOSYS;
 }
 
-void TstDurableFile::only_what_is_expected_is_replaced()
+void TstFileSystem::only_what_is_expected_is_replaced()
 {
     QFETCH(int, error);
     s_system.renameToFreeName = error;
     s_system.exchange = error;
-    const DurableFile::FileIdentity nothing(path("target"));
+    const FileSystem::FileIdentity nothing(path("target"));
     QVERIFY(nothing.isNothing());
     QVERIFY(writeFile(path("target"), "came meanwhile") && writeFile(path("from"), "new"));
-    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), nothing));
+    QVERIFY(!FileSystem::replaceSame(path("from"), path("target"), nothing));
     QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
 
-    const DurableFile::FileIdentity same(path("target"));
+    const FileSystem::FileIdentity same(path("target"));
     QVERIFY(!same.isNothing());
-    QVERIFY(DurableFile::replaceSame(path("from"), path("target"), same));
+    QVERIFY(FileSystem::replaceSame(path("from"), path("target"), same));
     QCOMPARE(readFile(path("target")), QByteArray("new"));
     QVERIFY(!QFile::exists(path("from")) || readFile(path("from")) == "came meanwhile");
 
     QVERIFY(writeFile(path("from"), "newer"));
-    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), same));
+    QVERIFY(!FileSystem::replaceSame(path("from"), path("target"), same));
     QCOMPARE(readFile(path("target")), QByteArray("new"));
     QCOMPARE(readFile(path("from")), QByteArray("newer"));
 
     QVERIFY(QFile::remove(path("target")));
-    QVERIFY(DurableFile::replaceSame(path("from"), path("target"), same));
+    QVERIFY(FileSystem::replaceSame(path("from"), path("target"), same));
     QCOMPARE(readFile(path("target")), QByteArray("newer"));
 
     QVERIFY(QDir().mkpath(path("folder")) && writeFile(path("from"), "newest"));
-    QVERIFY(!DurableFile::replaceSame(path("from"), path("folder"), DurableFile::FileIdentity(path("folder"))));
+    QVERIFY(!FileSystem::replaceSame(path("from"), path("folder"), FileSystem::FileIdentity(path("folder"))));
     QCOMPARE(contents(m_dir->path()), (QStringList{"folder", "from", "target"}));
 }
 
-void TstDurableFile::what_comes_at_the_last_moment_is_kept()
+void TstFileSystem::late_file_is_kept()
 {
     QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
-    const DurableFile::FileIdentity old(path("target"));
+    const FileSystem::FileIdentity old(path("target"));
     s_system.beforeExchange = {[this] {
         QFile::remove(path("target"));
         writeFile(path("target"), "came meanwhile");
     }};
-    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), old));
+    QVERIFY(!FileSystem::replaceSame(path("from"), path("target"), old));
     QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
     QCOMPARE(readFile(path("from")), QByteArray("new"));
     QCOMPARE(s_system.steps, (QStringList{"exchange", "exchange"}));
 }
 
-void TstDurableFile::what_comes_at_the_last_moment_is_kept_without_an_exchange()
+void TstFileSystem::late_file_is_kept_without_exchange()
 {
     QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
-    const DurableFile::FileIdentity old(path("target"));
+    const FileSystem::FileIdentity old(path("target"));
     s_system.exchange = EINVAL;
     s_system.beforeExchange = {[this] {
         QFile::remove(path("target"));
         writeFile(path("target"), "came meanwhile");
     }};
-    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), old));
+    QVERIFY(!FileSystem::replaceSame(path("from"), path("target"), old));
     QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
     QCOMPARE(readFile(path("from")), QByteArray("new"));
 }
 
-void TstDurableFile::what_goes_at_the_last_moment_is_not_missed()
+void TstFileSystem::target_vanishing_at_commit_is_no_failure()
 {
     QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
-    const DurableFile::FileIdentity old(path("target"));
+    const FileSystem::FileIdentity old(path("target"));
     s_system.beforeExchange = {[this] { QFile::remove(path("target")); }};
-    QVERIFY(DurableFile::replaceSame(path("from"), path("target"), old));
+    QVERIFY(FileSystem::replaceSame(path("from"), path("target"), old));
     QCOMPARE(readFile(path("target")), QByteArray("new"));
     QVERIFY(!QFile::exists(path("from")));
 }
 
-void TstDurableFile::what_goes_while_it_is_put_back_is_replaced_by_it()
+void TstFileSystem::target_vanishing_during_rollback_is_restored()
 {
     QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
-    const DurableFile::FileIdentity old(path("target"));
+    const FileSystem::FileIdentity old(path("target"));
     s_system.beforeExchange = {[this] {
                                    QFile::remove(path("target"));
                                    writeFile(path("target"), "came meanwhile");
                                },
                                [this] { QFile::remove(path("target")); }};
-    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), old));
+    QVERIFY(!FileSystem::replaceSame(path("from"), path("target"), old));
     QCOMPARE(readFile(path("target")), QByteArray("came meanwhile"));
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
 }
 
-void TstDurableFile::a_refused_exchange_is_not_tried_another_way()
+void TstFileSystem::a_refused_exchange_is_not_tried_another_way()
 {
     s_system.exchange = EACCES;
     QVERIFY(writeFile(path("target"), "old") && writeFile(path("from"), "new"));
-    QVERIFY(!DurableFile::replaceSame(path("from"), path("target"), DurableFile::FileIdentity(path("target"))));
+    QVERIFY(!FileSystem::replaceSame(path("from"), path("target"), FileSystem::FileIdentity(path("target"))));
     QCOMPARE(readFile(path("target")), QByteArray("old"));
     QCOMPARE(readFile(path("from")), QByteArray("new"));
     QCOMPARE(s_system.steps, QStringList{"exchange"});
 }
 
-void TstDurableFile::the_old_file_goes_after_the_new_name_is_flushed()
+void TstFileSystem::old_file_is_removed_after_flushing_the_name()
 {
     QVERIFY(writeFile(path("target"), "old"));
-    const DurableFile::FileIdentity old(path("target"));
-    ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+    const FileSystem::FileIdentity old(path("target"));
+    ReplacingFile file(path("target"), ReplacingFile::Durability::FlushedToDisk);
     QVERIFY(file.create() && file.file().write("new") == 3);
     s_system.steps.clear();
     QVERIFY(file.commitInPlaceOf(old));
@@ -512,13 +513,13 @@ void TstDurableFile::the_old_file_goes_after_the_new_name_is_flushed()
     QCOMPARE(readFile(path("target")), QByteArray("new"));
 }
 
-void TstDurableFile::a_foreign_file_in_the_fragments_place_is_kept()
+void TstFileSystem::foreign_file_at_the_fragments_name_is_kept()
 {
     QVERIFY(writeFile(path("target"), "old"));
-    const DurableFile::FileIdentity old(path("target"));
+    const FileSystem::FileIdentity old(path("target"));
     QString fragment;
     {
-        ReplacingFile file(path("target"), ReplacingFile::FlushedToDisk);
+        ReplacingFile file(path("target"), ReplacingFile::Durability::FlushedToDisk);
         fragment = QFileInfo(file.path()).fileName();
         QVERIFY(file.create() && file.file().write("new") == 3);
         s_system.beforeExchange = {[this] {
@@ -532,10 +533,10 @@ void TstDurableFile::a_foreign_file_in_the_fragments_place_is_kept()
     QCOMPARE(readFile(path(fragment)), QByteArray("came meanwhile"));
 }
 
-void TstDurableFile::a_file_is_known_again_when_it_was_changed_or_renamed()
+void TstFileSystem::file_identity_survives_edits_and_renames()
 {
     QVERIFY(writeFile(path("target"), "old"));
-    const DurableFile::FileIdentity identity(path("target"));
+    const FileSystem::FileIdentity identity(path("target"));
     QVERIFY(identity.isAt(path("target")));
     QVERIFY(writeFile(path("target"), "changed in place"));
     QVERIFY(identity.isAt(path("target")));
@@ -544,20 +545,20 @@ void TstDurableFile::a_file_is_known_again_when_it_was_changed_or_renamed()
     QVERIFY(!identity.isAt(path("target")));
     QVERIFY(QFile::link(path("renamed"), path("target")));
     QVERIFY(!identity.isAt(path("target")));
-    const DurableFile::FileIdentity link(path("target"));
+    const FileSystem::FileIdentity link(path("target"));
     QVERIFY(!link.isNothing());
     QVERIFY(link.isAt(path("target")));
-    const DurableFile::FileIdentity nothing(path("missing"));
+    const FileSystem::FileIdentity nothing(path("missing"));
     QVERIFY(nothing.isAt(path("nowhere either")));
     QVERIFY(!nothing.isAt(path("renamed")));
 }
 
-void TstDurableFile::a_number_in_use_is_not_given_away()
+void TstFileSystem::used_number_is_not_assigned_again()
 {
     // Some file systems give the number of a file that was removed to the next one.
     for (int round = 0; round < 100; ++round) {
         QVERIFY(writeFile(path("target"), "old"));
-        const DurableFile::FileIdentity old(path("target"));
+        const FileSystem::FileIdentity old(path("target"));
         QVERIFY(QFile::remove(path("target")));
         QVERIFY(writeFile(path("target"), "new"));
         QVERIFY(!old.isAt(path("target")));
@@ -565,46 +566,46 @@ void TstDurableFile::a_number_in_use_is_not_given_away()
     }
 }
 
-void TstDurableFile::a_folder_that_is_made_is_flushed_in_the_one_it_is_made_in()
+void TstFileSystem::creating_a_folder_flushes_its_parent()
 {
-    QVERIFY(DurableFile::makeFolder(path("a/b")));
+    QVERIFY(FileSystem::makeFolder(path("a/b")));
     QCOMPARE(s_system.steps, (QStringList{"flush folder", "flush folder"}));
     QCOMPARE(contents(m_dir->path()), (QStringList{"a", "a/b"}));
 }
 
-void TstDurableFile::a_folder_that_was_there_is_not_flushed()
+void TstFileSystem::existing_folder_is_not_flushed()
 {
-    QVERIFY(DurableFile::makeFolder(m_dir->path()));
+    QVERIFY(FileSystem::makeFolder(m_dir->path()));
     QCOMPARE(s_system.steps, QStringList());
 }
 
-void TstDurableFile::a_tree_is_flushed_with_its_disk()
+void TstFileSystem::a_tree_is_flushed_with_its_disk()
 {
-    QVERIFY(DurableFile::flushTree(m_dir->path()));
+    QVERIFY(FileSystem::flushTree(m_dir->path()));
     QCOMPARE(s_system.steps, QStringList{"flush disk"});
     s_system.flushDisk = EIO;
-    QVERIFY(!DurableFile::flushTree(m_dir->path()));
+    QVERIFY(!FileSystem::flushTree(m_dir->path()));
 }
 
-void TstDurableFile::a_copy_aside_is_read_from_its_beginning()
+void TstFileSystem::a_copy_aside_is_read_from_its_beginning()
 {
     QVERIFY(writeFile(path("source"), "content"));
-    ReplacingFile file(path("target"), ReplacingFile::NotFlushed);
+    ReplacingFile file(path("target"), ReplacingFile::Durability::NotFlushed);
     QVERIFY(file.createFrom(path("source")));
     QCOMPARE(file.file().readAll(), QByteArray("content"));
 }
 
-void TstDurableFile::no_handle_is_left_open()
+void TstFileSystem::no_handle_is_left_open()
 {
     const auto openHandles = [] { return QDir(QStringLiteral("/proc/self/fd")).count(); };
-    QVERIFY(replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
+    QVERIFY(replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
     const uint before = openHandles();
     for (int i = 0; i < 10; ++i) {
-        QVERIFY(replace(ReplacingFile::FlushedToDisk, ReplacingFile::Replaced));
-        QVERIFY(DurableFile::flushTree(m_dir->path()));
+        QVERIFY(replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
+        QVERIFY(FileSystem::flushTree(m_dir->path()));
     }
     QCOMPARE(openHandles(), before);
 }
 
-TEST_MAIN(TstDurableFile)
-#include "tst_durablefile.moc"
+TEST_MAIN(TstFileSystem)
+#include "tst_filesystem.moc"

@@ -1,7 +1,7 @@
-#include "durablefile.h"
-#include "packagefile.h"
+#include "filesystem.h"
 #include "packagetesting.h"
 #include "projectlist.h"
+#include "readcachedevice.h"
 #include "zippackagehandle.h"
 
 #include <support/packagebuilder.h>
@@ -20,12 +20,16 @@ using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
 
+namespace {
+
 /// How often each package and each fragment was opened to read it. On the thread that tests alone.
-static QHash<QByteArray, int> s_opened;
+QHash<QByteArray, int> s_opened;
 
 /// How often anything was read, and whether seeking fails. On the thread that tests alone.
-static int s_reads = 0;
-static bool s_seekFails = false;
+int s_reads = 0;
+bool s_seekFails = false;
+
+} // namespace
 
 extern "C" Q_DECL_EXPORT ssize_t read(int handle, void *bytes, size_t count)
 {
@@ -34,8 +38,10 @@ extern "C" Q_DECL_EXPORT ssize_t read(int handle, void *bytes, size_t count)
     return original(handle, bytes, count);
 }
 
+namespace {
+
 // The same function, which the headers choose between.
-static off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
+off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
 {
     static const auto original = reinterpret_cast<off64_t (*)(int, off64_t, int)>(dlsym(RTLD_NEXT, "lseek64"));
     if (!s_seekFails)
@@ -43,6 +49,8 @@ static off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
     errno = EIO;
     return -1;
 }
+
+} // namespace
 
 extern "C" Q_DECL_EXPORT off_t lseek(int handle, off_t offset, int whence) noexcept
 {
@@ -55,14 +63,14 @@ extern "C" Q_DECL_EXPORT off64_t lseek64(int handle, off64_t offset, int whence)
 }
 
 /// Lets the writing itself be called, which QIODevice refuses before.
-class WritablePackageFile : public PackageFile
+class WritablePackageFile : public ReadCacheDevice
 {
 public:
-    using PackageFile::PackageFile;
-    using PackageFile::writeData;
+    using ReadCacheDevice::ReadCacheDevice;
+    using ReadCacheDevice::writeData;
 };
 
-class TstPackageFile : public QObject
+class TstReadCacheDevice : public QObject
 {
     Q_OBJECT
 
@@ -71,12 +79,12 @@ private slots:
 
     void every_part_reads_as_it_is_data();
     void every_part_reads_as_it_is();
-    void behind_the_end_there_is_nothing();
+    void reading_past_the_end_returns_nothing();
     void the_last_65577_bytes_are_read_once();
     void a_failing_seek_is_a_failed_read();
-    void before_it_is_opened_it_has_no_size();
+    void unopened_file_has_no_size();
     void nothing_can_be_written();
-    void what_cannot_be_read_anywhere_is_not_opened();
+    void unreadable_file_is_not_opened();
     void a_scan_opens_each_package_once();
     void packing_opens_the_archive_once_to_verify_it();
 
@@ -86,7 +94,7 @@ private:
     QScopedPointer<QTemporaryDir> m_dir;
 };
 
-void TstPackageFile::init()
+void TstReadCacheDevice::init()
 {
     m_dir.reset(new QTemporaryDir);
     s_opened.clear();
@@ -98,7 +106,7 @@ void TstPackageFile::init()
     };
 }
 
-void TstPackageFile::every_part_reads_as_it_is_data()
+void TstReadCacheDevice::every_part_reads_as_it_is_data()
 {
     QTest::addColumn<int>("size");
     // The last 65,577 bytes are kept in memory.
@@ -106,12 +114,12 @@ void TstPackageFile::every_part_reads_as_it_is_data()
         QTest::addRow("%d bytes", size) << size;
 }
 
-void TstPackageFile::every_part_reads_as_it_is()
+void TstReadCacheDevice::every_part_reads_as_it_is()
 {
     QFETCH(int, size);
     const QByteArray bytes = noise(size + 4).left(size);
     QVERIFY(writeFile(path("bytes"), bytes));
-    PackageFile file(path("bytes"));
+    ReadCacheDevice file(path("bytes"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.size(), qint64(size));
     QVERIFY(!file.isSequential());
@@ -128,10 +136,10 @@ void TstPackageFile::every_part_reads_as_it_is()
     }
 }
 
-void TstPackageFile::behind_the_end_there_is_nothing()
+void TstReadCacheDevice::reading_past_the_end_returns_nothing()
 {
     QVERIFY(writeFile(path("bytes"), "bytes"));
-    PackageFile file(path("bytes"));
+    ReadCacheDevice file(path("bytes"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     for (const qint64 position : {5, 100}) {
         file.seek(position);
@@ -141,11 +149,11 @@ void TstPackageFile::behind_the_end_there_is_nothing()
     }
 }
 
-void TstPackageFile::the_last_65577_bytes_are_read_once()
+void TstReadCacheDevice::the_last_65577_bytes_are_read_once()
 {
     const QByteArray bytes = noise(70000);
     QVERIFY(writeFile(path("bytes"), bytes));
-    PackageFile file(path("bytes"));
+    ReadCacheDevice file(path("bytes"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     s_reads = 0;
     for (const int start : {70000 - 65577, 70000 - 100, 70000 - 65577 + 1}) {
@@ -158,10 +166,10 @@ void TstPackageFile::the_last_65577_bytes_are_read_once()
     QVERIFY(s_reads > 0);
 }
 
-void TstPackageFile::a_failing_seek_is_a_failed_read()
+void TstReadCacheDevice::a_failing_seek_is_a_failed_read()
 {
     QVERIFY(writeFile(path("bytes"), noise(300000)));
-    PackageFile file(path("bytes"));
+    ReadCacheDevice file(path("bytes"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.seek(100000));
     const ExpectMessage complaint(QtWarningMsg, QRegularExpression(QStringLiteral("Cannot set file position")));
@@ -171,7 +179,7 @@ void TstPackageFile::a_failing_seek_is_a_failed_read()
     s_seekFails = false;
     QCOMPARE(count, qint64(-1));
 
-    PackageFile another(path("bytes"));
+    ReadCacheDevice another(path("bytes"));
     const ExpectMessage anotherComplaint(QtWarningMsg, QRegularExpression(QStringLiteral("Cannot set file position")));
     s_seekFails = true;
     const bool isOpen = another.open(QIODevice::ReadOnly);
@@ -179,17 +187,17 @@ void TstPackageFile::a_failing_seek_is_a_failed_read()
     QVERIFY(!isOpen);
 }
 
-void TstPackageFile::before_it_is_opened_it_has_no_size()
+void TstReadCacheDevice::unopened_file_has_no_size()
 {
     QVERIFY(writeFile(path("bytes"), "bytes"));
-    QCOMPARE(PackageFile(path("bytes")).size(), qint64(0));
+    QCOMPARE(ReadCacheDevice(path("bytes")).size(), qint64(0));
 }
 
-void TstPackageFile::nothing_can_be_written()
+void TstReadCacheDevice::nothing_can_be_written()
 {
     QCOMPARE(WritablePackageFile(path("bytes")).writeData("x", 1), qint64(-1));
     QVERIFY(writeFile(path("bytes"), "bytes"));
-    PackageFile file(path("bytes"));
+    ReadCacheDevice file(path("bytes"));
     QVERIFY(!file.open(QIODevice::ReadWrite));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const ExpectMessage complaint(QtWarningMsg, QRegularExpression(QStringLiteral("ReadOnly device")));
@@ -197,16 +205,16 @@ void TstPackageFile::nothing_can_be_written()
     QCOMPARE(readFile(path("bytes")), QByteArray("bytes"));
 }
 
-void TstPackageFile::what_cannot_be_read_anywhere_is_not_opened()
+void TstReadCacheDevice::unreadable_file_is_not_opened()
 {
-    QVERIFY(!PackageFile(path("missing")).open(QIODevice::ReadOnly));
-    QVERIFY(!PackageFile(m_dir->path()).open(QIODevice::ReadOnly));
+    QVERIFY(!ReadCacheDevice(path("missing")).open(QIODevice::ReadOnly));
+    QVERIFY(!ReadCacheDevice(m_dir->path()).open(QIODevice::ReadOnly));
     QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
     // Nobody writes to it: opening it would not return.
-    QVERIFY(!PackageFile(path("pipe")).open(QIODevice::ReadOnly));
+    QVERIFY(!ReadCacheDevice(path("pipe")).open(QIODevice::ReadOnly));
 }
 
-void TstPackageFile::a_scan_opens_each_package_once()
+void TstReadCacheDevice::a_scan_opens_each_package_once()
 {
     QStringList expected;
     for (int number = 0; number < 5; ++number) {
@@ -217,23 +225,23 @@ void TstPackageFile::a_scan_opens_each_package_once()
     s_opened.clear();
     ProjectList list;
     list.scanProjectFiles(m_dir->path(), list.beginScan());
-    QCOMPARE(list.projects.size(), 5);
+    QCOMPARE(list.listProjects.size(), 5);
     for (const QString &package : expected)
         QCOMPARE(s_opened.value(QFile::encodeName(package)), 1);
 
     // Of what is known already, not even the beginning is looked at.
     s_opened.clear();
     list.scanProjectFiles(m_dir->path(), list.beginScan());
-    QCOMPARE(list.projects.size(), 5);
+    QCOMPARE(list.listProjects.size(), 5);
     QVERIFY(s_opened.isEmpty());
 }
 
-void TstPackageFile::packing_opens_the_archive_once_to_verify_it()
+void TstReadCacheDevice::packing_opens_the_archive_once_to_verify_it()
 {
     QVERIFY(makeDeviceTree(path("device")));
     EngineerPacketInfo info;
     info.strFilePath = path("show.corvelpro");
-    const DurableFile::FileIdentity previous(info.strFilePath);
+    const FileSystem::FileIdentity previous(info.strFilePath);
     s_opened.clear();
     QString reason;
     QVERIFY2(
@@ -244,5 +252,5 @@ void TstPackageFile::packing_opens_the_archive_once_to_verify_it()
     QVERIFY(s_opened.begin().key().endsWith(".part"));
 }
 
-TEST_MAIN_CORE(TstPackageFile)
-#include "tst_packagefile.moc"
+TEST_MAIN_CORE(TstReadCacheDevice)
+#include "tst_readcachedevice.moc"
