@@ -136,7 +136,7 @@ void ProjectFileCfgPlugin::showOrLeavePanel(const HX::Utils::Id &current)
         createModeWidgets();
         if (!ModeManager::existCenterWidget(centerWidgetId))
             ModeManager::addCenterWidget(centerWidgetId);
-        // Keep this call although nobody uses its result: instance() creates the mode manager on first use.
+        // Keep this call although its result is unused: hosts expect it before the activation.
         ModeManager::instance();
         ModeManager::setActivateCenterWidget(centerWidgetId);
         if (m_pCenterWidget) {
