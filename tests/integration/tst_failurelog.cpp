@@ -156,7 +156,7 @@ void TstFailureLog::a_refused_apply_leaves_one_line_data()
     row("no record", onlineIp, LoadSuccess, "no info record", [](PackageBuilder &package) { package.archiveComment("x"); });
     row("no description", onlineIp, LoadJsonFileError, "no device description",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.txt", "x"); });
-    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or no JSON",
+    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or not JSON",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.json", "no JSON"); });
     row("another model", onlineIp, LoadDeviceTypeMismatch, "model ID is 400",
         [](PackageBuilder &package) { package = packageOf(plainDevice(sourceIp, otherModel)); });

@@ -186,10 +186,10 @@ void TstSaveEndings::host_exceptions_end_in_a_message()
 void TstSaveEndings::failing_to_activate_the_device_saves_nothing()
 {
     selectDevice(m_site->foyer);
-    // Something that is no std::exception, too.
+    // Also what is not a std::exception.
     Faults::instance()->arm(setActiveDevice, Fault::run([] { throw 42; }));
-    const ExpectMessage logged(
-        QtCriticalMsg, QStringLiteral("The host threw in setActiveDevice: something that is no std::exception"), 1);
+    const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in setActiveDevice: not a std::exception"),
+                               1);
     QVERIFY(click(m_panel->saveProject()));
     VERIFY_BOOK();
     VERIFY_JOURNAL({setActiveDevice});

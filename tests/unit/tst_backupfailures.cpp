@@ -225,7 +225,7 @@ void TstBackupFailures::a_file_named_like_the_preset_folder_fails()
     QCOMPARE(m_savedPath, QString());
     QCOMPARE(readFile(stage("Preset")), QByteArray("in the way"));
     QVERIFY(!QFile::exists(packagePath()));
-    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("/Preset/ cannot be made").size(), 1);
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("/Preset/ cannot be created").size(), 1);
 }
 
 void TstBackupFailures::removing_the_preset_folder_ends_the_save()
