@@ -51,7 +51,7 @@ bool hasChecksum(const PackageReader &package, const QString &checksum, QString 
 
 bool hasNoRecord(QString *reason)
 {
-    return failBecause(reason, QStringLiteral("the archive's comment is no info record"));
+    return failBecause(reason, QStringLiteral("the archive's comment is not an info record"));
 }
 
 /// Puts the path before the reason, which names none.
@@ -88,7 +88,7 @@ QString throughUtf8(const QJsonValue &value)
 /// Why ArchiveComment::isReadable() is false.
 QString unreadableRecord()
 {
-    return QStringLiteral("the record has more than %1 bytes, or contains the end of an archive")
+    return QStringLiteral("the record has more than %1 bytes, or contains an end-of-archive signature")
         .arg(PackageLimits::maxArchiveCommentSize);
 }
 
@@ -113,7 +113,7 @@ bool writeRecord(ReplacingFile &package, EngineerPacketInfo &info, QString *reas
     if (!ArchiveComment::isReadable(record))
         return cannotWrite(unreadableRecord());
     if (!isComplete || !none.isFound() || !none.bytes().isEmpty())
-        return cannotWrite(QStringLiteral("what was written is no archive"));
+        return cannotWrite(QStringLiteral("the file written is not an archive"));
     const QByteArray tail = ArchiveComment::tailWith(record);
     return (file.seek(none.offset()) && file.write(tail) == tail.size() && file.flush()) ||
            cannotWrite(writeError(file));
@@ -127,7 +127,7 @@ bool holdsAll(const PackageReader &package, const QHash<QString, qint64> &entrie
         if (package.entrySize(entry.key()) != entry.value())
             return failBecause(
                 reason,
-                QStringLiteral("%1 was taken out of %2 or changed before it was packed").arg(entry.key(), dirPath));
+                QStringLiteral("%1 was removed from %2 or changed before it was packed").arg(entry.key(), dirPath));
     }
     return true;
 }
@@ -144,10 +144,10 @@ bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFil
     const PackageReader written(package.path());
     const bool isAsWritten =
         written.isOpen(&cause) &&
-        (written.archiveComment() == recordOf(info) || failBecause(&cause, QStringLiteral("its record"))) &&
+        (written.archiveComment() == recordOf(info) || failBecause(&cause, QStringLiteral("its record differs"))) &&
         writer.isListedIn(written, &cause) && ZipPackageHandle::checkPacketChecksum(written, &cause);
     if (!isAsWritten)
-        return failBecause(reason, QStringLiteral("%1 is not as it was written: %2").arg(info.strFilePath, cause));
+        return failBecause(reason, QStringLiteral("%1 does not read back as written: %2").arg(info.strFilePath, cause));
     return holdsAll(written, demanded, dirPath, reason);
 }
 
@@ -169,12 +169,12 @@ bool editArchiveComment(
     if (!reader.isOpen(reason))
         return false;
     if (!old.isFound() || reader.archiveComment() != QString::fromUtf8(old.bytes().constData()))
-        return failBecause(reason, QStringLiteral("%1 is no archive of which the comment can be replaced: it is of 64 "
-                                                  "bits or on several disks, or something follows its comment")
+        return failBecause(reason, QStringLiteral("cannot replace the comment of %1: the archive is zip64 or spans "
+                                                  "several disks, or something follows its comment")
                                        .arg(packetPath));
     const std::optional<QByteArray> bytes = comment(package.file(), old);
     if (!bytes)
-        return failBecause(reason, QStringLiteral("%1 cannot be read to its end").arg(packetPath));
+        return failBecause(reason, QStringLiteral("%1 cannot be read completely").arg(packetPath));
     if (!ArchiveComment::isReadable(*bytes))
         return failBecause(reason, QStringLiteral("%1: %2").arg(packetPath, unreadableRecord()));
     return package.replaceTail(old.offset(), ArchiveComment::tailWith(*bytes), reason);

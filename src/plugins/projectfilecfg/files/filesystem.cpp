@@ -74,7 +74,7 @@ FileIdentity::~FileIdentity() = default;
 int openToChange(const QString &path, QString *reason)
 {
     if (!QFileInfo(path).isFile()) {
-        failBecause(reason, QStringLiteral("%1 is no plain file, or missing").arg(path));
+        failBecause(reason, QStringLiteral("%1 is missing or not a plain file").arg(path));
         return -1;
     }
     const int handle = _wopen(path.toStdWString().c_str(), _O_RDWR | _O_BINARY | _O_NOINHERIT);
@@ -161,7 +161,7 @@ int openToChange(const QString &path, QString *reason)
     if (fstat(handle, &status) == 0 && S_ISREG(status.st_mode))
         return handle;
     ::close(handle);
-    failBecause(reason, QStringLiteral("%1 is no plain file").arg(path));
+    failBecause(reason, QStringLiteral("%1 is not a plain file").arg(path));
     return -1;
 }
 
@@ -310,7 +310,7 @@ bool makeFolder(const QString &path, QString *reason)
         const QString error = systemError();
         // Another program may have made it in between.
         if (!QFileInfo(folder).isDir())
-            return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(folder, error));
+            return failBecause(reason, QStringLiteral("cannot create the folder %1: %2").arg(folder, error));
     }
     return parent.flush(reason);
 }
@@ -354,7 +354,7 @@ bool renameToFreeName(const QString &from, const QString &to, QString *reason)
 #endif
     const QFileInfo existing(to);
     if (existing.exists() || existing.isSymLink())
-        return cannotRename(reason, from, to, QStringLiteral("it exists already"));
+        return cannotRename(reason, from, to, QStringLiteral("it already exists"));
     return replace(from, to, reason);
 #endif
 }
@@ -377,7 +377,7 @@ bool replaceSame(const QString &from, const QString &to, const FileIdentity &exp
         return renameToFreeName(from, to, reason);
     if (expected.m_bFolder)
         return failBecause(reason, QStringLiteral("%1 is a folder").arg(to));
-    const auto isAnother = [&] { return failBecause(reason, QStringLiteral("another file has come to %1").arg(to)); };
+    const auto isAnother = [&] { return failBecause(reason, QStringLiteral("another file is at %1 now").arg(to)); };
     if (!expected.isAt(to))
         return isAnother();
 #ifdef RENAME_EXCHANGE

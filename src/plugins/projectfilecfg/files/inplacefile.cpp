@@ -74,7 +74,7 @@ QByteArray InPlaceFile::tailFrom(qint64 offset)
 /// Makes `tail` the file's last bytes, on the disk. What was read back decides, whatever the steps say of themselves.
 bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString *reason)
 {
-    QString error = QStringLiteral("what was read back differs");
+    QString error = QStringLiteral("the bytes read back differ");
     if (tailFrom(record.nOffset) != tail) {
         const qint64 size = record.nOffset + tail.size();
         if (!m_file.seek(record.nOffset) || m_file.write(tail) != tail.size())

@@ -11,7 +11,7 @@ std::unique_ptr<QFile> openNamelessFile(const QString &folder, QString *reason)
 {
     auto file = std::make_unique<QTemporaryFile>(folder + QStringLiteral("/.XXXXXX.part"));
     if (!file->open()) {
-        failBecause(reason, QStringLiteral("cannot make a file in %1: %2").arg(folder, file->errorString()));
+        failBecause(reason, QStringLiteral("cannot create a file in %1: %2").arg(folder, file->errorString()));
         return nullptr;
     }
 #ifndef Q_OS_WIN

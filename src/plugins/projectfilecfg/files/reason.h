@@ -31,8 +31,7 @@ inline QString systemError()
 inline QString writeError(const QIODevice &device)
 {
     const QString error = device.errorString();
-    return error == QFile().errorString() ? QStringLiteral("only a part could be written, the disk may be full")
-                                          : error;
+    return error == QFile().errorString() ? QStringLiteral("only part of it was written, the disk may be full") : error;
 }
 
 } // namespace Internal

@@ -77,7 +77,8 @@ bool ReplacingFile::create(MissingFolders folders, QString *reason)
     if (m_durability == Durability::FlushedToDisk)
         return FileSystem::makeFolder(m_strFolderPath, reason) && openFragment(reason);
     if (!QDir().mkpath(m_strFolderPath))
-        return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(m_strFolderPath, systemError()));
+        return failBecause(reason,
+                           QStringLiteral("cannot create the folder %1: %2").arg(m_strFolderPath, systemError()));
     return openFragment(reason);
 }
 
@@ -88,7 +89,7 @@ bool ReplacingFile::openFragment(QString *reason)
     return m_fragment.open(QIODevice::ReadWrite | QIODevice::Truncate) ||
            failBecause(
                reason,
-               QStringLiteral("cannot make a file beside %1: %2").arg(m_strTargetPath, m_fragment.errorString()));
+               QStringLiteral("cannot create a file beside %1: %2").arg(m_strTargetPath, m_fragment.errorString()));
 }
 
 bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
@@ -175,7 +176,7 @@ bool copyToFreeName(const QString &sourcePath, const QString &targetPath, QStrin
 {
     // Asked again when it is renamed; here it saves the copying.
     if (QFileInfo::exists(targetPath))
-        return failBecause(reason, QStringLiteral("cannot copy %1: %2 exists already").arg(sourcePath, targetPath));
+        return failBecause(reason, QStringLiteral("cannot copy %1: %2 already exists").arg(sourcePath, targetPath));
     ReplacingFile copy(targetPath, ReplacingFile::Durability::FlushedToDisk);
     return copy.createFrom(sourcePath, reason) && copy.commit(ReplacingFile::ExistingTarget::Kept, reason);
 }

@@ -105,7 +105,7 @@ PackageReader::PackageReader(std::unique_ptr<ReadCacheDevice> file)
     if (!m_pFile->open(QIODevice::ReadOnly))
         m_strOpenError = m_pFile->errorString();
     else if (!m_pZip->open(QuaZip::mdUnzip))
-        m_strOpenError = QStringLiteral("%1 is no zip archive, or incomplete").arg(m_pFile->path());
+        m_strOpenError = QStringLiteral("%1 is not a zip archive, or is incomplete").arg(m_pFile->path());
 }
 
 PackageReader::~PackageReader() = default;
@@ -259,7 +259,7 @@ bool PackageReader::extract(const QString &entryName, const QString &destPath, Q
     if (!entry)
         return false;
     if (blocksLaterPackages(entryName))
-        return failBecause(reason, QStringLiteral("it would be in the way of later packages"));
+        return failBecause(reason, QStringLiteral("it would block later packages"));
     if (leadsThroughLink(entryName, destPath))
         return failBecause(reason, QStringLiteral("a symbolic link is in the way"));
     if (!isFolder(entryName))
@@ -306,7 +306,7 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
     if (entry.nSize > limit)
         return failAsTooLarge(reason, entry.nSize, limit);
     if (isFolder(destPath))
-        return failBecause(reason, QStringLiteral("it is a file"));
+        return failBecause(reason, QStringLiteral("the destination is a folder"));
     const QString folderPath = QFileInfo(destPath).absolutePath();
     if (!m_tidiedFolders.contains(folderPath)) {
         ReplacingFile::removeStaleFragments(folderPath);
@@ -344,7 +344,7 @@ QStringList PackageReader::extractJsonFiles(const QString &destDir, QString *rea
     for (const QString &entryName : entries()) {
         if (!isDescription(entryName))
             continue;
-        QString cause = QStringLiteral("%1 is beyond the limits of descriptions").arg(entryName);
+        QString cause = QStringLiteral("%1 exceeds the limits for descriptions").arg(entryName);
         size += directory().entries.value(entryName).nSize;
         const bool isWithinLimits = size <= maxDescriptionSize && writtenPaths.size() < maxDescriptions;
         writtenPaths.append(isWithinLimits

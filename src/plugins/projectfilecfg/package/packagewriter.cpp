@@ -104,7 +104,7 @@ bool checksumOutlivesComment(qint64 archiveSize)
 bool isWithinArchive(qint64 size, QString *reason)
 {
     return size <= PackageLimits::maxArchiveSize ||
-           failBecause(reason, QStringLiteral("the archive is larger than the %1 bytes of its format")
+           failBecause(reason, QStringLiteral("the archive has more than %1 bytes, the limit of its format")
                                    .arg(PackageLimits::maxArchiveSize));
 }
 
@@ -132,7 +132,7 @@ bool PackageWriter::isWithinLimits(QString *reason)
     using namespace PackageLimits;
     const auto isBeyond = [&](const QString &what, qint64 found, qint64 limit) {
         return found > limit &&
-               !failBecause(reason, QStringLiteral("%1 of %2 are %3, the limit is %4")
+               !failBecause(reason, QStringLiteral("%2 has %3 %1, the limit is %4")
                                         .arg(what, m_strDirPath, QString::number(found), QString::number(limit)));
     };
     qint64 leastSize = ZipFormat::endRecordSize;
@@ -150,17 +150,17 @@ bool PackageWriter::isWithinLimits(QString *reason)
         // The load reads the first one.
         if (++descriptions == 1) {
             m_strFirstDescription = entry.strName;
-            if (isBeyond(QStringLiteral("the bytes of the description ") + entry.strName, entry.nSize,
+            if (isBeyond(QStringLiteral("bytes in the description ") + entry.strName, entry.nSize,
                          maxParsedDescriptionSize))
                 return false;
         }
     }
-    return !isBeyond(QStringLiteral("the entries"), m_listEntries.size(), maxPackedEntries) &&
-           !isBeyond(QStringLiteral("the bytes of an archive"), leastSize, maxArchiveSize) &&
-           !isBeyond(QStringLiteral("the bytes of the names"), namesLength, maxNamesLength) &&
-           !isBeyond(QStringLiteral("the bytes"), contentSize, maxContentSize) &&
-           !isBeyond(QStringLiteral("the descriptions"), descriptions, maxDescriptions) &&
-           !isBeyond(QStringLiteral("the bytes of the descriptions"), descriptionsSize, maxDescriptionSize);
+    return !isBeyond(QStringLiteral("entries"), m_listEntries.size(), maxPackedEntries) &&
+           !isBeyond(QStringLiteral("bytes when packed"), leastSize, maxArchiveSize) &&
+           !isBeyond(QStringLiteral("bytes of names"), namesLength, maxNamesLength) &&
+           !isBeyond(QStringLiteral("bytes"), contentSize, maxContentSize) &&
+           !isBeyond(QStringLiteral("descriptions"), descriptions, maxDescriptions) &&
+           !isBeyond(QStringLiteral("bytes of descriptions"), descriptionsSize, maxDescriptionSize);
 }
 
 bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders,
@@ -186,7 +186,7 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         if (!staysInside(source))
             return cannotPack(source.filePath(), "the link is broken or leads out of the device's folder");
         if (m_listEntries.size() > PackageLimits::maxPackedEntries)
-            return cannotPack(source.filePath(), "a package cannot hold so many entries");
+            return cannotPack(source.filePath(), "a package cannot hold that many entries");
         if (source.isDir()) {
             const QString name = prefix + source.fileName() + QLatin1Char('/');
             if (!isSafeName(name) || blocksLaterPackages(name))
@@ -203,7 +203,7 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         const QString name = prefix + source.fileName();
         // What no reader takes would be found out when the package is applied.
         if (!source.isFile() || !source.isReadable())
-            return cannotPack(source.filePath(), "it is no plain file, or cannot be read");
+            return cannotPack(source.filePath(), "it is not a plain file, or cannot be read");
         if (source.size() > maxSizeToPack(name))
             return cannotPack(source.filePath(), "no reader accepts a file of this size");
         if (!isSafeName(name) || blocksLaterPackages(name))
@@ -211,7 +211,7 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         m_listEntries.append({name, source.absoluteFilePath(), source.size()});
     }
     return m_listEntries.size() <= PackageLimits::maxPackedEntries ||
-           cannotPack(path, "a package cannot hold so many entries");
+           cannotPack(path, "a package cannot hold that many entries");
 }
 
 bool PackageWriter::staysInside(const QFileInfo &source) const
@@ -231,7 +231,7 @@ bool PackageWriter::write(QFile &archive, QString *reason)
         return true;
     return writeEntries(archive, paddingSize, reason) &&
            (checksumOutlivesComment(archive.size()) ||
-            failBecause(reason, QStringLiteral("%1 grew while it was packed").arg(m_strDirPath)));
+            failBecause(reason, QStringLiteral("%1 grew while it was being packed").arg(m_strDirPath)));
 }
 
 bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reason)
@@ -328,7 +328,7 @@ bool PackageWriter::isListedIn(const PackageReader &package, QString *reason) co
                                      });
     if (!package.isOpen(reason))
         return false;
-    return isListed || failBecause(reason, QStringLiteral("it lists other entries"));
+    return isListed || failBecause(reason, QStringLiteral("its entries differ"));
 }
 
 } // namespace Internal

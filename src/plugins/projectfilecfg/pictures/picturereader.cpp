@@ -39,7 +39,7 @@ PictureReader::PictureReader(QIODevice *device)
 QSize PictureReader::size(QString *reason) const
 {
     if (!m_scan.isPng())
-        failBecause(reason, QStringLiteral("it cannot be read, is no PNG, or is larger than %1 bytes")
+        failBecause(reason, QStringLiteral("it cannot be read, is not a PNG, or is larger than %1 bytes")
                                 .arg(PackageLimits::maxPictureFileSize));
     else if (m_scan.isBeyondLimits())
         failBecause(reason, QStringLiteral("it is too wide or too high, or has too many texts and profiles"));
