@@ -15,7 +15,7 @@ std::unique_ptr<QFile> openNamelessFile(const QString &folder, QString *reason)
         return nullptr;
     }
 #ifndef Q_OS_WIN
-    // Behind the file's back: its own remove() would close it. From here on the name is anybody's.
+    // Not QTemporaryFile::remove(): it closes the file. No auto-remove: another program may use the name by then.
     if (QFile::remove(file->fileName()))
         file->setAutoRemove(false);
 #endif
