@@ -96,6 +96,7 @@ QString recordOf(const EngineerPacketInfo &info)
 {
     const QJsonObject record{
         {checksumKey, info.strChecksum}, {projectNameKey, info.strProjectName}, {commentKey, info.strComment}};
+    // Indented, as in existing packages.
     return QString::fromUtf8(QJsonDocument(record).toJson());
 }
 

@@ -142,6 +142,7 @@ QString galleryFolder(const QString &entryName)
 
 quint16 galleryNumber(const QString &entryName)
 {
+    // Removes the fixed parts wherever they are in the name, as existing packages are read.
     const QString folder = galleryFolder(entryName);
     return entryName.toUpper()
         .remove(folder + QLatin1Char('/') + folder + QLatin1Char('_'))

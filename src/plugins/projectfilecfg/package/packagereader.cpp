@@ -158,6 +158,8 @@ QString PackageReader::archiveComment() const
                : QString::fromUtf8(comment.constData());
 }
 
+// Leaves out as many bytes as the comment's text has in UTF-8, not as the archive states: existing packages were
+// checked in this way.
 QString PackageReader::checksum() const
 {
     return isOpen()

@@ -22,6 +22,8 @@ PictureScan PictureReader::scanOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? scanOf(file) : PictureScan();
 }
 
+// No auto-detection in either: PictureScan knows the limits of PNG only, and a decoder of another format would bypass
+// them.
 PictureReader::PictureReader(const QString &path)
     : m_reader(path, "png")
     , m_scan(scanOf(path))

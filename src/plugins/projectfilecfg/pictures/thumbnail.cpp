@@ -25,6 +25,7 @@ QImage thumbnailOf(const QImage &picture)
                               Qt::FastTransformation);
     if (area <= largeThumbnailArea)
         return picture;
+    // Single precision and truncation on purpose: rounding would give other sizes than the gallery has.
     const double ratio = static_cast<double>(picture.width()) / picture.height();
     const float height = std::sqrt(static_cast<float>(largeThumbnailArea / ratio));
     return picture.scaled(static_cast<int>(height * ratio), static_cast<int>(height), Qt::IgnoreAspectRatio,
