@@ -416,7 +416,7 @@ void TstBackupFailures::staged_files_changed_by_others_end_the_save()
     QCOMPARE(m_savedPath, QString());
     QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
     QVERIFY(readFile(packagePath()) == before);
-    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("Save failed: " + name + " was taken out").size(), 1);
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("Save failed: " + name + " was removed from").size(), 1);
 }
 
 void TstBackupFailures::a_package_created_meanwhile_is_kept_data()
