@@ -43,7 +43,7 @@ constexpr qint64 nanosecondsPerSecond = 1000000000;
 #ifdef Q_OS_WIN
 
 Folder::Folder(const QString &path, QString *)
-    : m_path(path)
+    : m_strPath(path)
 {}
 Folder::~Folder() = default;
 bool Folder::isOpen() const
@@ -63,10 +63,10 @@ bool flush(int handle)
 FileIdentity::FileIdentity(const QString &path)
 {
     const QFileInfo file(path);
-    m_exists = file.exists() || file.isSymLink();
-    m_isFolder = file.isDir();
-    m_volume = m_exists ? quint64(file.size()) : 0;
-    m_number = m_exists ? quint64(file.lastModified().toMSecsSinceEpoch()) : 0;
+    m_bExists = file.exists() || file.isSymLink();
+    m_bFolder = file.isDir();
+    m_nVolume = m_bExists ? quint64(file.size()) : 0;
+    m_nInode = m_bExists ? quint64(file.lastModified().toMSecsSinceEpoch()) : 0;
 }
 
 FileIdentity::~FileIdentity() = default;
