@@ -18,7 +18,7 @@ ENGLISH, CHINESE = "docs/manual.md", "docs/manual.zh.md"
 PRODUCT = "src/plugins/projectfilecfg/translations/projectfilecfg_%s.ts"
 HOST = "devhost/app/translations/devhost_zh_CN.ts"
 
-# A span begins and ends with the same number of quotes; one blank at each end is only there to keep them apart.
+# A span opens and closes with the same number of back quotes; one blank at each end is only a separator.
 SPAN = re.compile(r"(?<!`)(`+)(?!`)(.+?)(?<!`)\1(?!`)")
 VALUE = re.compile(r"%\d")
 LINK = re.compile(r"(!?)\[[^\]]*\]\(([^)\s]+)\)")
@@ -117,7 +117,7 @@ def what_is_wrong(pages, root, languages, host):
 
 
 def damaged(pages):
-    """The pages with one thing wrong each: a block, a text in a block, or a link."""
+    """The pages with one defect each: in a block, a text in a block, or a link."""
     for name, page in pages.items():
         blocks = [block for _, block in blocks_of(page)]
         for at, block in enumerate(blocks):
@@ -142,7 +142,7 @@ def main():
     if found:
         raise SystemExit("\n".join(found))
 
-    # A check that overlooks something would pass as well.
+    # A check that finds nothing would pass as well.
     tried = 0
     for what, wrong in damaged(pages):
         tried += 1

@@ -14,7 +14,7 @@ import subprocess
 import sys
 import tempfile
 
-# Each folder with those that it may use.
+# Each folder with the folders it may use.
 MAY_USE = {
     "files": [],
     "package": ["files"],
@@ -57,7 +57,7 @@ def main():
             arguments, directory = command_of(folder, commands, product)
             for other in MAY_USE:
                 allowed = other == folder or other in used
-                # One header shows that what is allowed is in reach; of what is not, each counts.
+                # One header proves that an allowed folder is reachable; of a forbidden one, each header counts.
                 for header in headers[other][:1] if allowed else headers[other]:
                     task = pool.submit(compiles, arguments, directory, header, work)
                     tasks.append((task, folder, other, header, allowed))
