@@ -122,7 +122,7 @@ public:
     /// False when a limit was missed.
     bool allMet() const { return m_allMet; }
 
-    /// Ours must be at least `limit` times faster than the plain way.
+    /// Ours must be at least `limit` times as fast as the plain way.
     void faster(const QString &what, const QString &plainWay, const Pair &times, double limit)
     {
         compare(what, plainWay, times, times.plain.median() / times.ours.median(), ">=", limit);

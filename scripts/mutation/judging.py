@@ -1,4 +1,4 @@
-"""Builds the copy of the tree, finds out which test function reaches which mistake, and lets the tests judge."""
+"""Builds the copy of the tree, records which test function reaches which mistake, and runs the tests on each."""
 import collections
 import hashlib
 import json
@@ -43,7 +43,7 @@ def write_if_changed(path, content):
 
 
 class Tree:
-    """A copy in which the product's sources have their switches."""
+    """A copy whose product sources contain the switches."""
 
     def __init__(self, root, product, work, jobs):
         self.source, self.build, self.jobs = work / "tree", work / "build", jobs
@@ -97,7 +97,7 @@ class Tree:
         return keep + (["-isystem", str(resources[-1])] if resources else [])
 
     def switch(self, switched):
-        """Writes the sources with their switches, and takes back those that do not compile."""
+        """Writes the sources with their switches, and removes those that do not compile."""
         def write(path):
             write_if_changed(pathlib.Path(path), switched.emitted(path)[0].encode("latin-1"))
 
@@ -176,7 +176,7 @@ class Worker:
                 left.unlink()
 
     def run(self, program, functions, environment, cpu, wall, go_on=False):
-        """(what made it fail or None, {function: seconds}, [functions that failed])"""
+        """(reason of the failure or None, {function: seconds}, [failed functions])"""
         _, arguments, own = program
 
         def restrict():
@@ -233,12 +233,12 @@ class Worker:
 
 
 def choosable(test):
-    """"function:row", or the function alone where Qt Test could not tell the row: two colons divide class and function."""
+    """"function:row", or the function alone where Qt Test cannot select the row: two colons divide class and function."""
     return test.split(":")[0] if "::" in test else test
 
 
 def kill_group(process):
-    """The program is the leader of a group of its own; what it started goes with it."""
+    """Kills the program with its children: it leads a process group of its own."""
     try:
         os.killpg(process.pid, 9)
     except ProcessLookupError:

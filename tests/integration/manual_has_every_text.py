@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Compares the operator's manual with the product's texts. What stands in `back quotes` on a page stands on the screen
-exactly so, with an ellipsis for each value that the product fills in:
+"""Compares the operator's manual with the product's texts. Spans in `back quotes` on a page quote the
+screen exactly, with an ellipsis for each value that the product fills in:
 
-- each text of the product is on the page of its language, and no other text is marked as one;
+- each text of the product is on the page of its language, and no other text is quoted;
 - both pages have the same sections, rows, points and pictures, and these name the same texts;
-- each picture and each link leads somewhere.
+- each picture and each link has an existing target.
 
     manual_has_every_text.py REPOSITORY
 """
@@ -26,7 +26,7 @@ BLOCK = re.compile(r"(#+) |(\|)(?![-|: ]+$)|\s*(-|\d+\.) |(!)\[")
 
 
 def texts_of(path):
-    """Each source with its translation, as the manual writes them."""
+    """Each source text with its translation, as spelled in the manual."""
     def written(message, kind):
         return VALUE.sub("…", message.findtext(kind))
 
@@ -46,7 +46,7 @@ def without_fences(page):
 
 @functools.lru_cache(maxsize=None)
 def blocks_of(page):
-    """Headings, rows of tables, points of lists and pictures, each with all that follows it up to the next one."""
+    """Headings, table rows, list items and pictures, each with the text up to the next one."""
     blocks = []
     for line in without_fences(page).splitlines():
         begin = BLOCK.match(line)

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Compiles, with the very command of each folder of the product, a source that includes one header of a folder above it,
-and expects the compiler to refuse. A header that the folder may use must be taken, so that a broken command does not pass
-for a refusal.
+"""Compiles, with the compile command of each folder of the product, a source that includes one header of a folder above
+it, and expects the compiler to refuse it. A header that the folder may use must compile, so that a broken command does
+not look like a refusal.
 
     one_way_includes.py COMPILE_COMMANDS PRODUCT_FOLDER
 """
