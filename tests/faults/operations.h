@@ -319,7 +319,8 @@ private:
         job.start(QThread::InheritPriority);
         job.wait();
         disarm();
-        m_outcome.isSuccess = job.resultCode() == BackupSuccess && !logged(QStringLiteral("serailize error,reason"));
+        m_outcome.isSuccess = job.resultCode() == ProjectFileCfg::Internal::BackupSuccess &&
+                              !logged(QStringLiteral("serailize error,reason"));
     }
 
     void edit()
