@@ -38,7 +38,7 @@ using PackageStep = std::function<void(PackageBuilder &package)>;
 Q_DECLARE_METATYPE(SaveStep)
 Q_DECLARE_METATYPE(PackageStep)
 
-/// Whatever fails leaves one line with the path and the cause in the log: docs/diagnosing.md counts on it.
+/// Every failure logs one line with the path and the cause: docs/diagnosing.md relies on it.
 class TstFailureLog : public QObject
 {
     Q_OBJECT
@@ -50,19 +50,19 @@ private slots:
     void a_failed_save_leaves_one_line();
     void a_refused_apply_leaves_one_line_data();
     void a_refused_apply_leaves_one_line();
-    void an_apply_that_fails_on_its_way_leaves_one_line_data();
-    void an_apply_that_fails_on_its_way_leaves_one_line();
+    void a_failing_apply_logs_one_line_data();
+    void a_failing_apply_logs_one_line();
     void success_and_cancelling_leave_no_line();
     void each_operation_of_the_panel_leaves_one_line();
 
 private:
-    /// The lines that tell of a failure.
+    /// The log lines that report a failure.
     static QStringList failures()
     {
         return WarningGuard::texts(QtDebugMsg).filter(QRegularExpression("failed:|^Not "));
     }
     static void run(QThread &job);
-    /// Complains unless there is one line, with both.
+    /// Returns a complaint unless exactly one line contains both.
     static QString wrongIn(const QStringList &lines, const QString &path, const QString &cause);
 
     QTemporaryDir m_packages;
@@ -210,7 +210,7 @@ void TstFailureLog::a_refused_apply_leaves_one_line()
     QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());
 }
 
-void TstFailureLog::an_apply_that_fails_on_its_way_leaves_one_line_data()
+void TstFailureLog::a_failing_apply_logs_one_line_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<QString>("ip");
@@ -227,7 +227,7 @@ void TstFailureLog::an_apply_that_fails_on_its_way_leaves_one_line_data()
                                  << "cannot write the description";
 }
 
-void TstFailureLog::an_apply_that_fails_on_its_way_leaves_one_line()
+void TstFailureLog::a_failing_apply_logs_one_line()
 {
     QFETCH(QString, operation);
     QFETCH(QString, ip);
@@ -328,7 +328,7 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     WarningGuard::clear();
     QVERIFY(writePackage(projectFile("taken"), "a comment"));
     book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) {
-        // The blank keeps the dialog from refusing the name itself.
+        // With the blank the dialog does not find the existing name itself.
         dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText("taken ");
         click(dialog, "OK");
     });

@@ -29,11 +29,11 @@ using TestSupport::PackageBuilder;
 using TestSupport::pngOf;
 using TestSupport::WarningGuard;
 
-/// Prepares a failure in the test's folder.
+/// Sets up a failure in the test's folder.
 using Preparation = std::function<void(const QString &folder)>;
 Q_DECLARE_METATYPE(Preparation)
 
-/// Each failure tells the path and the cause.
+/// Every failure reports its path and cause.
 class TstReasons : public QObject
 {
     Q_OBJECT
@@ -59,13 +59,13 @@ private slots:
     void a_picture_that_is_not_read_says_why();
     void success_leaves_the_reason_alone();
     void nothing_is_logged_below_the_jobs();
-    void a_scan_logs_once_why_a_package_is_not_listed();
+    void a_scan_logs_once_why_it_skips_a_file();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
     /// Saves the folder "device" as "projects/show.corvelpro".
     bool save(const FileSystem::FileIdentity &previous, QString *reason);
-    /// Complains unless the text contains both.
+    /// Returns a complaint unless the text contains both.
     static QString missingIn(const QString &reason, const QString &path, const QString &cause);
 
     QScopedPointer<QTemporaryDir> m_temp;
@@ -293,10 +293,10 @@ void TstReasons::a_failed_copy_says_why_data()
                                                   << "taken/copy"
                                                   << "taken/copy"
                                                   << "Not a directory";
-    QTest::newRow("no room") << "source"
-                             << "copy"
-                             << "copy"
-                             << "only part of it was written";
+    QTest::newRow("disk full") << "source"
+                               << "copy"
+                               << "copy"
+                               << "only part of it was written";
 }
 
 void TstReasons::a_failed_copy_says_why()
@@ -463,7 +463,7 @@ void TstReasons::nothing_is_logged_below_the_jobs()
     QCOMPARE(WarningGuard::texts(QtDebugMsg), QStringList());
 }
 
-void TstReasons::a_scan_logs_once_why_a_package_is_not_listed()
+void TstReasons::a_scan_logs_once_why_it_skips_a_file()
 {
     const QString broken = path("broken.corvelpro");
     QVERIFY(writeFile(broken, "text"));
