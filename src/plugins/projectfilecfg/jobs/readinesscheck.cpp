@@ -61,7 +61,7 @@ bool ReadinessCheck::hasTooManyPixels(QString *reason) const
         if (!PackageLayout::isPicture(entry))
             continue;
         const std::shared_ptr<Model::Materail> materail = PackagedPicture(entry, m_device).materail();
-        const QSize size = materail ? materail->size() : QSize();
+        const QSize size = materail ? materail->size() : QSize(0, 0);
         if (qint64(size.width()) * size.height() <= PackageLimits::maxPictureMemory / bytesPerPixel)
             pixels += qint64(size.width()) * size.height();
     }
