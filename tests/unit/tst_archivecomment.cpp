@@ -316,6 +316,8 @@ void TstArchiveComment::only_classic_archives_have_a_tail_data()
     QTest::newRow("directory too large") << with(12, ones) << -1;
     QTest::newRow("directory just not too large") << with(12, QByteArray("\xFE\xFF\xFF\xFF")) << 120;
     QTest::newRow("directory too far behind") << with(16, ones) << -1;
+    QTest::newRow("that before a comment of 255 bytes")
+        << entries + endWith(QByteArray(255, 'c'), 16, QByteArray("\xFE\xFF\xFF\xFF")) << 120;
     QTest::newRow("directory just not too far") << with(16, QByteArray("\xFE\xFF\xFF\xFF")) << 120;
 }
 

@@ -25,6 +25,7 @@ private slots:
 
     void each_picture_has_its_place_in_the_gallery_data();
     void each_picture_has_its_place_in_the_gallery();
+    void extracting_returns_the_path();
     void opening_checks_size_and_place_data();
     void opening_checks_size_and_place();
     void opened_content_is_at_its_beginning_data();
@@ -47,8 +48,9 @@ void TstPackagedPicture::initTestCase()
         return std::make_shared<Materail>(type, keyNo, name, size, QString());
     };
     data.backgrounds = {
-        materail(Materail::Background, 1, "first", {16, 9}), materail(Materail::Background, 1, "second", {16, 9}),
-        materail(Materail::Background, 2, "tall", {1, 9}), materail(Materail::Background, 3, "wide", {16, 1})};
+        materail(Materail::Background, 0, "number 0", {16, 9}), materail(Materail::Background, 1, "first", {16, 9}),
+        materail(Materail::Background, 1, "second", {16, 9}), materail(Materail::Background, 2, "tall", {1, 9}),
+        materail(Materail::Background, 3, "wide", {16, 1})};
     data.logos = {materail(Materail::Logo, 1, "logo", {8, 8})};
     editor.replace(data);
 }
@@ -91,6 +93,19 @@ void TstPackagedPicture::each_picture_has_its_place_in_the_gallery()
     QCOMPARE(picture.materail() ? picture.materail()->getName() : QString(), materail);
     QCOMPARE(picture.name(), name);
     QCOMPARE(picture.entry(), entry);
+}
+
+void TstPackagedPicture::extracting_returns_the_path()
+{
+    PackageReader package(packageOf("BKG/BKG_1.png", "x"));
+    const QString folder = m_temp.filePath("out");
+    QCOMPARE(PackagedPicture("BKG/BKG_1.png", m_device).extract(package, folder), folder + "/BKG/BKG_1.png");
+    QCOMPARE(readFile(folder + "/BKG/BKG_1.png"), QByteArray("x"));
+    QCOMPARE(PackagedPicture("BKG/BKG_2.png", m_device).extract(package, folder), QString());
+    QCOMPARE(contents(folder), (QStringList{"BKG", "BKG/BKG_1.png"}));
+    const QStringList logged = TestSupport::WarningGuard::texts(QtDebugMsg).filter("Extract file failed:");
+    QCOMPARE(logged.size(), 1);
+    QVERIFY(QDir(folder).removeRecursively());
 }
 
 void TstPackagedPicture::opening_checks_size_and_place_data()
