@@ -1,3 +1,4 @@
+#include "archivecomment.h"
 #include "packedpackage.h"
 
 #include <support/packagebuilder.h>
@@ -39,6 +40,13 @@ private slots:
     void a_new_comment_keeps_the_permissions();
     void a_new_comment_goes_through_a_link();
     void readers_see_the_old_or_new_comment();
+
+    // In the archive's bytes
+    void only_classic_archives_have_a_tail_data();
+    void only_classic_archives_have_a_tail();
+    void a_new_comment_changes_only_the_tail();
+    void unreadable_comments_are_known_data();
+    void unreadable_comments_are_known();
 
     // Records
     void records_are_read_leniently_data();
@@ -260,6 +268,104 @@ void TstArchiveComment::readers_see_the_old_or_new_comment()
     QVERIFY(writer->wait());
     QVERIFY(written);
     QVERIFY(whole);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// In the archive's bytes
+
+namespace {
+
+/// An archive's last bytes; a field of its end record may be changed.
+QByteArray endWith(const QByteArray &comment, int position = 0, const QByteArray &field = QByteArray("PK\x05\x06"))
+{
+    QByteArray record =
+        QByteArray("PK\x05\x06") + QByteArray(16, '\0') + char(comment.size() & 0xFF) + char(comment.size() >> 8);
+    return record.replace(position, field.size(), field) + comment;
+}
+
+} // namespace
+
+void TstArchiveComment::only_classic_archives_have_a_tail_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<int>("offset");
+    const QByteArray entries(100, 'e');
+    const QByteArray locator = QByteArray("PK\x06\x07") + QByteArray(16, 'l');
+    const QByteArray ones(4, '\xFF');
+    const auto with = [&](int position, const QByteArray &field) { return entries + endWith("c", position, field); };
+    QTest::newRow("without a comment") << entries + endWith(QByteArray()) << 120;
+    QTest::newRow("with one") << entries + endWith("c") << 120;
+    QTest::newRow("nothing but the end record") << endWith(QByteArray()) << 20;
+    QTest::newRow("the longest comment") << entries + endWith(QByteArray(65513, 'c')) << 120;
+    QTest::newRow("a longer one") << entries + endWith(QByteArray(65514, 'c')) << -1;
+    QTest::newRow("the longest possible one") << entries + endWith(QByteArray(65535, 'c')) << -1;
+    QTest::newRow("less than it says") << (entries + endWith("comment")).chopped(1) << -1;
+    QTest::newRow("more than it says") << entries + endWith("comment") + 'x' << -1;
+    QTest::newRow("cut in the end record") << (entries + endWith(QByteArray())).chopped(1) << -1;
+    QTest::newRow("no end record") << entries << -1;
+    QTest::newRow("empty") << QByteArray() << -1;
+    QTest::newRow("64-bit extension") << entries + locator + endWith("c") << -1;
+    QTest::newRow("its mark elsewhere") << entries + locator + 'e' + endWith("c") << 141;
+    QTest::newRow("another disk") << with(4, QByteArray("\1\0", 2)) << -1;
+    QTest::newRow("another disk, the upper byte") << with(5, QByteArray("\1")) << -1;
+    QTest::newRow("directory on another disk") << with(6, QByteArray("\1")) << -1;
+    QTest::newRow("directory on another disk, the upper byte") << with(7, QByteArray("\1")) << -1;
+    QTest::newRow("most entries") << with(8, QByteArray("\xFE\xFF\xFE\xFF")) << 120;
+    QTest::newRow("too many entries") << with(10, QByteArray("\xFF\xFF")) << -1;
+    QTest::newRow("most entries of this disk") << with(8, QByteArray("\xFF\xFF")) << 120;
+    QTest::newRow("directory too large") << with(12, ones) << -1;
+    QTest::newRow("directory just not too large") << with(12, QByteArray("\xFE\xFF\xFF\xFF")) << 120;
+    QTest::newRow("directory too far behind") << with(16, ones) << -1;
+    QTest::newRow("that before a comment of 255 bytes")
+        << entries + endWith(QByteArray(255, 'c'), 16, QByteArray("\xFE\xFF\xFF\xFF")) << 120;
+    QTest::newRow("directory just not too far") << with(16, QByteArray("\xFE\xFF\xFF\xFF")) << 120;
+}
+
+void TstArchiveComment::only_classic_archives_have_a_tail()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, offset);
+    QVERIFY(writeFile(m_package, bytes));
+    QFile file(m_package);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const ArchiveComment comment(file);
+    QCOMPARE(comment.isFound(), offset >= 0);
+    QCOMPARE(comment.offset(), qint64(offset));
+    if (offset >= 0)
+        QCOMPARE(comment.bytes(), bytes.mid(offset + 2));
+}
+
+void TstArchiveComment::a_new_comment_changes_only_the_tail()
+{
+    const QByteArray entries(100, 'e');
+    QVERIFY(writeFile(m_package, entries + endWith("old", 12, "12345678")));
+    QFile file(m_package);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    for (const QByteArray &text : {QByteArray("the new one"), QByteArray(), QByteArray(65513, 'n')}) {
+        const ArchiveComment comment(file);
+        QCOMPARE(comment.endRecordWith(text), endWith(text, 12, "12345678").left(22));
+        QCOMPARE(ArchiveComment::tailWith(text), endWith(text).mid(20));
+    }
+}
+
+void TstArchiveComment::unreadable_comments_are_known_data()
+{
+    QTest::addColumn<QByteArray>("comment");
+    QTest::addColumn<bool>("isReadable");
+    QTest::newRow("none") << QByteArray() << true;
+    QTest::newRow("the longest") << QByteArray(65513, 'c') << true;
+    QTest::newRow("too long") << QByteArray(65514, 'c') << false;
+    QTest::newRow("zero byte") << QByteArray("a\0b", 3) << false;
+    QTest::newRow("end of an archive") << QByteArray("aPK\x05\x06") << false;
+    QTest::newRow("mark of the 64-bit extension") << QByteArray("aPK\x06\x07") << false;
+    QTest::newRow("other marks") << QByteArray("PK\x01\x02PK\x03\x04") << true;
+}
+
+void TstArchiveComment::unreadable_comments_are_known()
+{
+    QFETCH(QByteArray, comment);
+    QFETCH(bool, isReadable);
+    QCOMPARE(ArchiveComment::isReadable(comment), isReadable);
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

@@ -161,6 +161,10 @@ class TstFileSystem : public QObject
     Q_OBJECT
 
 private slots:
+    void a_file_is_known_without_a_handle();
+    void an_identity_gives_its_handle_back();
+    void readers_wait_for_a_writer_only();
+    void the_time_is_kept_to_the_nanosecond();
     void content_is_shared_where_the_file_system_does();
     void folder_created_by_others_counts_as_created();
     void without_standard_input_folders_are_made_and_flushed();
@@ -605,6 +609,66 @@ void TstFileSystem::no_handle_is_left_open()
         QVERIFY(FileSystem::flushTree(m_dir->path()));
     }
     QCOMPARE(openHandles(), before);
+}
+
+void TstFileSystem::a_file_is_known_without_a_handle()
+{
+    QVERIFY(writeFile(path("target"), "x"));
+    rlimit before;
+    QCOMPARE(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const bool isNothing = FileSystem::FileIdentity(path("target")).isNothing();
+    const bool isMissing = FileSystem::FileIdentity(path("missing")).isNothing();
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &before), 0);
+    QVERIFY(!isNothing);
+    QVERIFY(isMissing);
+}
+
+void TstFileSystem::an_identity_gives_its_handle_back()
+{
+    QVERIFY(writeFile(path("target"), "x"));
+    const auto next = [this] {
+        const int handle = ::open(QFile::encodeName(path("target")).constData(), O_RDONLY | O_CLOEXEC);
+        ::close(handle);
+        return handle;
+    };
+    const int before = next();
+    QVERIFY(!FileSystem::FileIdentity(path("target")).isNothing());
+    QCOMPARE(next(), before);
+}
+
+void TstFileSystem::readers_wait_for_a_writer_only()
+{
+    QVERIFY(writeFile(path("target"), "x"));
+    QFile one(path("target"));
+    QFile other(path("target"));
+    QVERIFY(one.open(QIODevice::ReadWrite) && other.open(QIODevice::ReadWrite));
+    QVERIFY(FileSystem::lock(one.handle()));
+    QVERIFY(!FileSystem::lockToRead(other.handle()));
+    FileSystem::unlock(one.handle());
+    errno = EWOULDBLOCK;
+    QVERIFY(FileSystem::lockToRead(one.handle()));
+    QVERIFY(FileSystem::lockToRead(other.handle()));
+    QVERIFY(!FileSystem::lock(one.handle()));
+    FileSystem::unlock(other.handle());
+    errno = EWOULDBLOCK;
+    QVERIFY(FileSystem::lock(one.handle()));
+    // A file system without locks has nobody to wait for.
+    QVERIFY(FileSystem::lock(-1) && FileSystem::lockToRead(-1));
+}
+
+void TstFileSystem::the_time_is_kept_to_the_nanosecond()
+{
+    QVERIFY(writeFile(path("target"), "x"));
+    QFile file(path("target"));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    for (const qint64 time : {qint64(1500000000123456789), qint64(0), qint64(-1), qint64(-1500000000)}) {
+        QVERIFY(FileSystem::setModified(file.handle(), time));
+        QCOMPARE(FileSystem::modified(file.handle()), time);
+    }
+    QVERIFY(!FileSystem::setModified(-1, 0));
+    QCOMPARE(FileSystem::modified(-1), qint64(0));
 }
 
 TEST_MAIN(TstFileSystem)

@@ -11,11 +11,53 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
+#include <ctime>
+#include <functional>
+#include <utility>
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
 
 Q_DECLARE_METATYPE(UndoRecord)
+
+namespace {
+
+/// What happens elsewhere the next time that this thread sleeps, or a file is to be flushed.
+std::function<void()> s_whileAsleep;
+std::function<void()> s_beforeFlush;
+
+void runOnce(std::function<void()> &action)
+{
+    if (const auto once = std::exchange(action, nullptr))
+        once();
+}
+
+} // namespace
+
+// These stand before the C library's.
+
+extern "C" Q_DECL_EXPORT int nanosleep(const timespec *time, timespec *left)
+{
+    runOnce(s_whileAsleep);
+    return int(syscall(SYS_nanosleep, time, left));
+}
+
+extern "C" Q_DECL_EXPORT int clock_nanosleep(clockid_t clock, int flags, const timespec *time, timespec *left)
+{
+    runOnce(s_whileAsleep);
+    return syscall(SYS_clock_nanosleep, clock, flags, time, left) == 0 ? 0 : errno;
+}
+
+extern "C" Q_DECL_EXPORT int fsync(int handle)
+{
+    runOnce(s_beforeFlush);
+    return int(syscall(SYS_fsync, handle));
+}
 
 /// Changing the end of a file in place, and recovery from an interrupted change.
 class TstInPlaceFile : public QObject
@@ -33,6 +75,8 @@ private slots:
     void a_full_disk_leaves_the_old_tail();
     void changing_a_removed_file_fails();
     void second_writer_is_refused();
+    void a_lock_held_for_a_moment_is_waited_for();
+    void a_tail_of_128_kib_can_be_replaced();
 
     void a_record_is_read_as_it_was_written();
     void a_damaged_record_is_known_data();
@@ -52,6 +96,7 @@ private slots:
     void another_file_under_the_name_stays();
     void undo_record_of_a_running_edit_stays();
     void recovering_brings_the_time_back();
+    void the_record_precedes_the_change();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
@@ -181,6 +226,32 @@ void TstInPlaceFile::second_writer_is_refused()
     first.reset();
     InPlaceFile third(path("file"));
     QVERIFY(third.open());
+}
+
+void TstInPlaceFile::a_lock_held_for_a_moment_is_waited_for()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    auto first = std::make_unique<InPlaceFile>(path("file"));
+    QVERIFY(first->open());
+    s_whileAsleep = [&first] { first.reset(); };
+    InPlaceFile second(path("file"));
+    QVERIFY(second.open());
+    QVERIFY2(!first, "it was not waited for");
+}
+
+void TstInPlaceFile::a_tail_of_128_kib_can_be_replaced()
+{
+    const int longest = 128 * 1024;
+    for (const int size : {longest, longest + 1}) {
+        const QByteArray tail = noise(size, 5);
+        QVERIFY(writeFile(path("file"), head + tail));
+        InPlaceFile file(path("file"));
+        QVERIFY(file.open());
+        QCOMPARE(file.replaceTail(head.size(), after), size == longest);
+        QVERIFY(readFile(path("file")) == head + (size == longest ? after : tail));
+        QVERIFY(!file.replaceTail(head.size() + size + 1, after));
+        QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+    }
 }
 
 void TstInPlaceFile::a_record_is_read_as_it_was_written()
@@ -418,6 +489,7 @@ void TstInPlaceFile::undo_record_of_a_running_edit_stays()
     // In the middle of its write.
     leaveCut("file", torn);
     InPlaceFile::recover(m_temp->path());
+    InPlaceFile::recoverFile(path("file"));
     QVERIFY(readFile(path("file")) == head + torn);
     QCOMPARE(contents(m_temp->path()).filter(".undo").size(), 1);
 }
@@ -431,6 +503,26 @@ void TstInPlaceFile::recovering_brings_the_time_back()
         QCOMPARE(stat(QFile::encodeName(path("file")).constData(), &status), 0);
         QCOMPARE(qint64(status.st_mtim.tv_sec) * 1000000000 + status.st_mtim.tv_nsec, record.nModified);
     }
+}
+
+void TstInPlaceFile::the_record_precedes_the_change()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    InPlaceFile file(path("file"));
+    QVERIFY(file.open());
+    UndoRecord record;
+    QByteArray content;
+    // The first flush is that of the record.
+    s_beforeFlush = [&] {
+        record.read(UndoRecord::pathFor(path("file")));
+        content = readFile(path("file"));
+    };
+    QVERIFY(file.replaceTail(head.size(), after));
+    QVERIFY(content == head + before);
+    QCOMPARE(record.strFileName, QString("file"));
+    QCOMPARE(record.nOffset, qint64(head.size()));
+    QCOMPARE(record.before, before);
+    QCOMPARE(record.after, after);
 }
 
 TEST_MAIN_CORE(TstInPlaceFile)

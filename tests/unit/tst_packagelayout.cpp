@@ -18,6 +18,8 @@ private slots:
     void formed_entry_name_yields_its_number();
     void path_has_one_normal_form_data();
     void path_has_one_normal_form();
+    void names_that_block_later_packages_are_known_data();
+    void names_that_block_later_packages_are_known();
     void names_in_utf8_stay_as_they_are();
     void invalid_utf8_bytes_are_percent_escaped_data();
     void invalid_utf8_bytes_are_percent_escaped();
@@ -80,6 +82,33 @@ void TstPackageLayout::path_has_one_normal_form()
     QFETCH(QString, name);
     QFETCH(QString, plain);
     QCOMPARE(PackageLayout::plainName(name), plain);
+}
+
+void TstPackageLayout::names_that_block_later_packages_are_known_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("blocks");
+    // A file where the next package has a folder.
+    for (const QString &name : QStringList{"BKG", "LOGO", "Preset", "bkg", "./Logo", "PRESET"}) {
+        QTest::newRow(qPrintable(name)) << name << true;
+        QTest::newRow(qPrintable(name + '/')) << name + '/' << false;
+        QTest::newRow(qPrintable(name + "/x")) << name + "/x" << false;
+        QTest::newRow(qPrintable("x/" + name)) << "x/" + name << false;
+    }
+    // A folder where the next package has a file.
+    for (const QString &name : QStringList{"a.json", "x/a.PNG", "1.RPst"}) {
+        QTest::newRow(qPrintable(name)) << name << false;
+        QTest::newRow(qPrintable(name + '/')) << name + '/' << true;
+        QTest::newRow(qPrintable(name + "/x")) << name + "/x" << true;
+        QTest::newRow(qPrintable(name + ".x/y")) << name + ".x/y" << false;
+    }
+}
+
+void TstPackageLayout::names_that_block_later_packages_are_known()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, blocks);
+    QCOMPARE(PackageLayout::blocksLaterPackages(name), blocks);
 }
 
 void TstPackageLayout::names_in_utf8_stay_as_they_are()
@@ -155,6 +184,10 @@ void TstPackageLayout::oversized_names_yield_no_entries()
     const QByteArray name(65535, '\xFF');
     QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(85, name).toList()).size(), 85);
     QCOMPARE(PackageLayout::namesOf(QVector<QByteArray>(86, name).toList()).size(), 0);
+    const QByteArrayList nearlyAll = QVector<QByteArray>(85, name).toList();
+    const int left = 16 * 1024 * 1024 - 85 * 3 * name.size();
+    QCOMPARE(PackageLayout::namesOf(nearlyAll + QByteArrayList{QByteArray(left, 'x')}).size(), 86);
+    QCOMPARE(PackageLayout::namesOf(nearlyAll + QByteArrayList{QByteArray(left + 1, 'x')}).size(), 0);
 }
 
 TEST_MAIN_CORE(TstPackageLayout)

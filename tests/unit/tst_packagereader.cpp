@@ -98,6 +98,7 @@ private slots:
     void a_description_above_its_limit_is_refused();
     void content_above_the_claimed_size_is_refused();
     void oversized_entry_does_not_create_its_folder();
+    void descriptions_have_64_mib_together();
     void content_above_the_free_space_is_refused();
     void small_content_is_written_regardless_of_free_space();
 
@@ -684,6 +685,19 @@ void TstPackageReader::oversized_entry_does_not_create_its_folder()
     write(PackageBuilder().file("folder/x.png", "x").claimSize(quint32(1024 * MiB) + 1));
     QCOMPARE(PackageReader(m_package).extractFile("folder/x.png", destination("folder/x.png")), QString());
     QCOMPARE(contents(m_out), QStringList());
+    // What might fit is begun.
+    write(PackageBuilder().file("folder/x.png", "x").claimSize(quint32(1024 * MiB)));
+    QCOMPARE(PackageReader(m_package).extractFile("folder/x.png", destination("folder/x.png")), QString());
+    QCOMPARE(contents(m_out), QStringList{"folder"});
+}
+
+void TstPackageReader::descriptions_have_64_mib_together()
+{
+    // The first one has not as many bytes as it says, and counts all the same.
+    write(
+        PackageBuilder().file("a.json", "x").claimSize(quint32(64 * MiB) - 2).file("b.json", "{}").file("c.json", "{"));
+    QCOMPARE(PackageReader(m_package).extractJsonFiles(m_out),
+             (QStringList{QString(), destination("b.json"), QString()}));
 }
 
 void TstPackageReader::content_above_the_free_space_is_refused()

@@ -56,6 +56,9 @@ private slots:
     void pictures_above_4_gib_together_are_refused_early();
     void more_descriptions_than_a_reader_takes_are_refused();
     void more_pixels_than_a_load_takes_are_refused();
+    void pictures_of_2_to_the_32_pixels_are_packed();
+    void a_description_of_a_million_parts_is_packed();
+    void what_a_killed_process_left_is_not_packed();
     void overlong_names_are_refused();
     void a_full_disk_makes_writing_fail();
     void missing_source_fails_the_write();
@@ -211,15 +214,17 @@ void TstPackageWriter::a_time_before_1980_is_stored_as_1980()
 
 void TstPackageWriter::times_after_2107_are_clamped_to_2107()
 {
+    QVERIFY(writeFile(m_dir + "/last.txt", "last"));
+    QCOMPARE(run("touch", {"-d", "2107-06-01 12:00:00", m_dir + "/last.txt"}).exitCode, 0);
     QVERIFY(writeFile(m_dir + "/new.txt", "new"));
-    QCOMPARE(run("touch", {"-d", "2150-06-01 12:00:00", m_dir + "/new.txt"}).exitCode, 0);
-    if (QFileInfo(m_dir + "/new.txt").lastModified().date().year() != 2150)
+    QCOMPARE(run("touch", {"-d", "2108-06-01 12:00:00", m_dir + "/new.txt"}).exitCode, 0);
+    if (QFileInfo(m_dir + "/new.txt").lastModified().date().year() != 2108)
         QSKIP("This file system cannot store a time so late.");
     QVERIFY(pack());
     const Run time = runPython("import sys, zipfile\n"
-                               "print(zipfile.ZipFile(sys.argv[1]).infolist()[0].date_time)\n",
+                               "print(*(i.date_time for i in zipfile.ZipFile(sys.argv[1]).infolist()), sep='\\n')\n",
                                {m_archive});
-    QCOMPARE(time.output, QByteArray("(2107, 12, 31, 23, 59, 58)\n"));
+    QCOMPARE(time.output, QByteArray("(2107, 6, 1, 12, 0, 0)\n(2107, 12, 31, 23, 59, 58)\n"));
 }
 
 void TstPackageWriter::only_non_ascii_names_are_flagged_as_utf8()
@@ -244,7 +249,9 @@ void TstPackageWriter::names_are_utf8_whatever_the_locale_codec_is()
     QVERIFY(writeFile(m_dir + '/' + name, "x"));
     PackageWriter writer(m_dir, m_archive);
     QFile archive(m_archive);
-    QVERIFY(writer.scan() && archive.open(QIODevice::ReadWrite));
+    QVERIFY(archive.open(QIODevice::ReadWrite));
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    QVERIFY(writer.scan());
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
     QVERIFY(writer.write(archive));
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
@@ -457,6 +464,34 @@ void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
     QVERIFY(pack());
     QVERIFY(writeFile(m_dir + "/BKG/85.png", png));
     QVERIFY(!pack());
+}
+
+void TstPackageWriter::pictures_of_2_to_the_32_pixels_are_packed()
+{
+    for (int number = 0; number < 128; ++number)
+        QVERIFY(writeFile(m_dir + QStringLiteral("/BKG/%1.png").arg(number),
+                          PngMaker::signature() + PngMaker::header(8192, 4096)));
+    QVERIFY(pack());
+    QVERIFY(writeFile(m_dir + "/LOGO/0.png", PngMaker::signature() + PngMaker::header(1, 1)));
+    QVERIFY(!pack());
+}
+
+void TstPackageWriter::a_description_of_a_million_parts_is_packed()
+{
+    const int most = 1024 * 1024;
+    QVERIFY(writeFile(m_dir + "/a.json", "[1" + QByteArray(",1").repeated(most - 1) + "]"));
+    QVERIFY(pack());
+    QVERIFY(writeFile(m_dir + "/a.json", "[1" + QByteArray(",1").repeated(most) + "]"));
+    QVERIFY(!pack());
+}
+
+void TstPackageWriter::what_a_killed_process_left_is_not_packed()
+{
+    const QString id = "01234567-89ab-cdef-0123-456789abcdef";
+    for (const QString &name : {QString("a.txt"), '.' + id + ".part", '.' + id + ".undo", id + ".part", id + ".undo"})
+        QVERIFY(writeFile(m_dir + '/' + name, "x"));
+    QVERIFY(pack());
+    QCOMPARE(JlCompress::getFileList(m_archive), (QStringList{id + ".part", id + ".undo", "a.txt"}));
 }
 
 void TstPackageWriter::overlong_names_are_refused()

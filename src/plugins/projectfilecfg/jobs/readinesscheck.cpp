@@ -61,9 +61,9 @@ bool ReadinessCheck::hasTooManyPixels(QString *reason) const
         if (!PackageLayout::isPicture(entry))
             continue;
         const std::shared_ptr<Model::Materail> materail = PackagedPicture(entry, m_device).materail();
-        const QSize size = materail ? materail->size() : QSize();
-        if (qint64(size.width()) * size.height() <= PackageLimits::maxPictureMemory / bytesPerPixel)
-            pixels += qint64(size.width()) * size.height();
+        const qint64 ofPicture = materail ? qint64(materail->size().width()) * materail->size().height() : 0;
+        if (ofPicture <= PackageLimits::maxPictureMemory / bytesPerPixel)
+            pixels += ofPicture;
     }
     return pixels > PackageLimits::maxPixels &&
            !failBecause(reason, QStringLiteral("its pictures have %1 pixels in total").arg(pixels));

@@ -25,7 +25,7 @@ public:
     qint64 offset() const { return m_nOffset; }
     QByteArray bytes() const { return m_comment; }
 
-    /// The end record with the length of another comment, followed by that comment.
+    /// The end record with the length of another comment, without that comment.
     QByteArray endRecordWith(const QByteArray &comment) const;
     static QByteArray tailWith(const QByteArray &comment);
 
