@@ -5,6 +5,7 @@
 
 #include <QComboBox>
 #include <QDebug>
+#include <QEvent>
 #include <QMetaMethod>
 #include <QStandardItemModel>
 #include <QTextDocument>
@@ -43,11 +44,33 @@ void cutConnections(QWidget *widget)
     }
 }
 
+/// Leaves a widget's wheel events to what lies around it.
+class WheelPassedOn : public QObject
+{
+public:
+    explicit WheelPassedOn(QWidget *widget)
+        : QObject(widget)
+    {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::Wheel)
+            return false;
+        event->ignore();
+        return true;
+    }
+};
+
 } // namespace
 
 DeviceSelector::DeviceSelector(QComboBox *combo)
     : m_pCombo(combo)
-{}
+{
+    // The open list is a window of its own and scrolls.
+    new WheelPassedOn(combo);
+}
 
 QString DeviceSelector::elidedInfo(const Model::Device &device) const
 {
