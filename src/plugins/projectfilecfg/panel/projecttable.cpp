@@ -19,6 +19,14 @@ constexpr int columnCount = 3;
 constexpr int fixedColumnWidth = 340; // pixels
 constexpr int rowHeight = 48;         // pixels
 
+void scrollToButtons(QTableWidget *table, const QWidget *buttons)
+{
+    for (int row = 0; row < table->rowCount(); ++row) {
+        if (table->cellWidget(row, operationsColumn) == buttons)
+            table->scrollTo(table->model()->index(row, operationsColumn));
+    }
+}
+
 } // namespace
 
 ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
@@ -33,6 +41,8 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
     m_pTable->setSelectionMode(QAbstractItemView::NoSelection);
     m_pTable->verticalHeader()->setDefaultSectionSize(rowHeight);
     m_pTable->setFocusPolicy(Qt::NoFocus);
+    // Tab goes from button to button, which the table would keep for its cells.
+    m_pTable->setTabKeyNavigation(false);
     m_pTable->setColumnCount(columnCount);
     m_pTable->horizontalHeader()->setSectionResizeMode(fileColumn, QHeaderView::Fixed);
     m_pTable->horizontalHeader()->setSectionResizeMode(commentColumn, QHeaderView::Stretch);
@@ -53,6 +63,7 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
     for (const EngineerPacketInfo &info : projects)
         pending.insert(info.strFilePath);
 
+    const Focus before = focus();
     const ProjectRowWidget::Texts texts{tr("Edit"), tr("Apply"), tr("Save as"), tr("Delete")};
     int row = 0;
     for (const EngineerPacketInfo &info : projects) {
@@ -70,6 +81,50 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
         ++row;
     }
     m_pTable->setRowCount(row);
+    orderTabs();
+    if (before.row >= 0)
+        restore(before);
+}
+
+/// New widgets come last in their window. Puts the rows behind what comes before the table.
+void ProjectTable::orderTabs()
+{
+    QWidget *last = m_pTable->previousInFocusChain();
+    while (last != m_pTable && (last->focusPolicy() == Qt::NoFocus || m_pTable->isAncestorOf(last)))
+        last = last->previousInFocusChain();
+    for (int row = 0; row < m_pTable->rowCount(); ++row)
+        last = rowWidget(row)->followInTabOrder(last);
+}
+
+ProjectTable::Focus ProjectTable::focus() const
+{
+    if (!m_pTable->isAncestorOf(m_pTable->window()->focusWidget()))
+        return {};
+    for (int row = 0; row < m_pTable->rowCount(); ++row) {
+        const int button = rowWidget(row)->focusedButton();
+        if (button >= 0)
+            return {row, button, rowWidget(row)->filePath()};
+    }
+    return {};
+}
+
+void ProjectTable::restore(const Focus &focus) const
+{
+    const int sameProject = rowOf(focus.strFilePath);
+    const int inItsPlace = qMin(focus.row, m_pTable->rowCount() - 1);
+    if (sameProject >= 0 && rowWidget(sameProject)->focusedButton() != focus.button)
+        rowWidget(sameProject)->focusButton(focus.button);
+    else if (sameProject < 0 && inItsPlace >= 0)
+        rowWidget(inItsPlace)->focusButton(0);
+}
+
+int ProjectTable::rowOf(const QString &path) const
+{
+    for (int row = 0; row < m_pTable->rowCount(); ++row) {
+        if (rowWidget(row)->filePath() == path)
+            return row;
+    }
+    return -1;
 }
 
 void ProjectTable::clear()
@@ -84,6 +139,8 @@ void ProjectTable::makeRow(int row)
     m_pTable->setItem(row, commentColumn, new QTableWidgetItem);
     auto *widget = new ProjectRowWidget(m_rowIcons, m_pTable->viewport());
     m_connectRow(*widget);
+    QObject::connect(widget, &ProjectRowWidget::signal_buttonFocused, m_pTable,
+                     [table = m_pTable, widget] { scrollToButtons(table, widget); });
     m_pTable->setCellWidget(row, operationsColumn, widget);
 }
 

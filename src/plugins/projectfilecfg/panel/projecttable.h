@@ -29,13 +29,26 @@ public:
     /// The header's texts. Those of the rows follow with the next show().
     void retranslate();
     /// Shows the packages in their order. Keeps the rows that are right, since making them anew takes a hundred times
-    /// longer than looking at them.
+    /// longer than looking at them. The focus stays with its package; if that is no longer listed, it goes to the first
+    /// button of the row in its place.
     void show(const QList<EngineerPacketInfo> &projects);
     void clear();
 
 private:
+    /// Where the focus is in the table.
+    struct Focus
+    {
+        int row = -1;
+        int button = -1;
+        QString strFilePath;
+    };
+
     void makeRow(int row);
     void fillRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts);
+    void orderTabs();
+    Focus focus() const;
+    void restore(const Focus &focus) const;
+    int rowOf(const QString &path) const;
     ProjectRowWidget *rowWidget(int row) const;
 
     QTableWidget *const m_pTable;
