@@ -67,6 +67,16 @@ void ProjectRowWidget::setTexts(const Texts &texts)
     m_pDeleteBtn->setText(texts.strRemove);
 }
 
+void ProjectRowWidget::setProjectName(const QString &name)
+{
+    for (QToolButton *button : buttons()) {
+        const QString accessibleName = QStringLiteral("%1, %2").arg(button->text(), name);
+        // Each call is told to a screen reader, whether it changes anything or not.
+        if (button->accessibleName() != accessibleName)
+            button->setAccessibleName(accessibleName);
+    }
+}
+
 QWidget *ProjectRowWidget::followInTabOrder(QWidget *widget) const
 {
     for (QToolButton *button : buttons()) {

@@ -41,6 +41,8 @@ public:
     QString filePath() const { return m_strFilePath; }
     void setFilePath(const QString &path);
     void setTexts(const Texts &texts);
+    /// Names the buttons, for who does not see in which row they are. To be called after setTexts().
+    void setProjectName(const QString &name);
 
     /// Puts the buttons behind `widget` in the tab order, in the order of the eye. Returns the last one.
     QWidget *followInTabOrder(QWidget *widget) const;

@@ -55,6 +55,7 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
 void ProjectTable::retranslate()
 {
     m_pTable->setHorizontalHeaderLabels({tr("Project file"), tr("Comment"), tr("Operations")});
+    m_pTable->setAccessibleName(tr("Project file"));
 }
 
 void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
@@ -137,6 +138,7 @@ void ProjectTable::makeRow(int row)
 {
     m_pTable->setItem(row, fileColumn, new QTableWidgetItem(m_projectIcon, QString()));
     m_pTable->setItem(row, commentColumn, new QTableWidgetItem);
+    m_pTable->setItem(row, operationsColumn, new QTableWidgetItem);
     auto *widget = new ProjectRowWidget(m_rowIcons, m_pTable->viewport());
     m_connectRow(*widget);
     QObject::connect(widget, &ProjectRowWidget::signal_buttonFocused, m_pTable,
@@ -152,6 +154,10 @@ void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const Projec
     m_pTable->item(row, commentColumn)->setText(info.strComment);
     rowWidget(row)->setFilePath(info.strFilePath);
     rowWidget(row)->setTexts(texts);
+    rowWidget(row)->setProjectName(name);
+    // A cell that shows nothing but its buttons.
+    m_pTable->item(row, operationsColumn)
+        ->setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(tr("Operations"), name));
 }
 
 ProjectRowWidget *ProjectTable::rowWidget(int row) const

@@ -26,7 +26,7 @@ public:
     /// Sets up `table`, which must outlive this object. Calls `connectRow` once for the buttons of each new row.
     ProjectTable(QTableWidget *table, const ConnectRow &connectRow);
 
-    /// The header's texts. Those of the rows follow with the next show().
+    /// The texts of the header and the table's name. Those of the rows follow with the next show().
     void retranslate();
     /// Shows the packages in their order. Keeps the rows that are right, since making them anew takes a hundred times
     /// longer than looking at them. The focus stays with its package; if that is no longer listed, it goes to the first
