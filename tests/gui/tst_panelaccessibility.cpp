@@ -4,8 +4,12 @@
 #include <udiskselectwidget.h>
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QListWidget>
+#include <QLocale>
 #include <QSet>
+#include <QTextDocument>
+#include <QToolTip>
 
 using namespace PanelTesting;
 using namespace TestSupport;
@@ -60,8 +64,19 @@ private slots:
     void names_follow_the_language();
     void every_control_has_a_name_of_its_own();
     void list_of_disks_is_named_by_its_title();
+    void tool_tip_shows_what_does_not_fit();
+    void tool_tip_shows_markup_as_it_is();
 
 private:
+    /// What appears where the pointer rests on the first row.
+    QString toolTipAt(int column) const
+    {
+        QTableWidget *table = m_panel->table();
+        const QPoint point = table->visualItemRect(table->item(0, column)).center();
+        QHelpEvent rest(QEvent::ToolTip, point, table->viewport()->mapToGlobal(point));
+        QCoreApplication::sendEvent(table->viewport(), &rest);
+        return QToolTip::text();
+    }
     QStringList buttonNames(const QString &project) const
     {
         QStringList names;
@@ -146,6 +161,34 @@ void TstPanelAccessibility::list_of_disks_is_named_by_its_title()
     const QString name = nameOf(dialog.findChild<QListWidget *>());
     QCOMPARE(name, QCoreApplication::translate("UDiskSelectWidget", "Please select the destination U disk"));
     QVERIFY(name != QStringLiteral("Please select the destination U disk"));
+}
+
+void TstPanelAccessibility::tool_tip_shows_what_does_not_fit()
+{
+    const QString name = QString(60, QLatin1Char('W'));
+    const QString comment = QString(100, QLatin1Char('M'));
+    list(name, comment);
+    const QFileInfo file(projectFile(name));
+    const QString facts = QDir::toNativeSeparators(file.filePath()) + QStringLiteral("\n1 KiB, ") +
+                          QLocale().toString(file.lastModified(), QLocale::ShortFormat);
+    QCOMPARE(toolTipAt(0), name + QLatin1Char('\n') + facts);
+    QCOMPARE(toolTipAt(1), comment + QLatin1Char('\n') + facts);
+
+    // What the file has become, although the list was not read again.
+    QFile grown(projectFile(name));
+    QVERIFY(grown.resize(5 * 1024 * 1024 + 512 * 1024));
+    QVERIFY2(toolTipAt(0).contains(QStringLiteral("\n5.5 MiB, ")), qPrintable(toolTipAt(0)));
+    QVERIFY(grown.remove());
+    QCOMPARE(toolTipAt(0), name + QLatin1Char('\n') + QDir::toNativeSeparators(file.filePath()));
+}
+
+void TstPanelAccessibility::tool_tip_shows_markup_as_it_is()
+{
+    const QString comment = QStringLiteral("<img src='/etc/hosts'><b>bold</b>");
+    list(QStringLiteral("Evening show"), comment);
+    QTextDocument shown;
+    shown.setHtml(toolTipAt(1));
+    QVERIFY2(shown.toPlainText().startsWith(comment), qPrintable(shown.toPlainText()));
 }
 
 TEST_MAIN(TstPanelAccessibility)

@@ -1,5 +1,7 @@
 #include "deviceselector.h"
 
+#include "plaintooltip.h"
+
 #include <model/devicelist.h>
 #include <model/objectbrige.h>
 
@@ -8,7 +10,6 @@
 #include <QEvent>
 #include <QMetaMethod>
 #include <QStandardItemModel>
-#include <QTextDocument>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -24,12 +25,6 @@ constexpr int widestInfo = 260; // pixels
 QStringList markOf(const Model::Device &device)
 {
     return {device.getDeviceInfo(), device.getTypeString(), device.getName(), device.getIPAddress()};
-}
-
-/// Tool tips show rich text. What comes from a device is shown as it is, and nothing in it is loaded.
-QString asToolTip(const QString &text)
-{
-    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }
 
 /// The style sheet's cache of widgets lives by destroyed(), which stays connected.

@@ -1,9 +1,13 @@
 #include "projecttable.h"
 
 #include "packagelayout.h"
+#include "plaintooltip.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QLocale>
 #include <QSet>
 #include <QTableWidget>
 
@@ -18,6 +22,41 @@ constexpr int operationsColumn = 2;
 constexpr int columnCount = 3;
 constexpr int fixedColumnWidth = 340; // pixels
 constexpr int rowHeight = 48;         // pixels
+
+QString readableSize(qint64 bytes)
+{
+    constexpr double mebibyte = 1024.0 * 1024.0;
+    return bytes < mebibyte ? QStringLiteral("%1 KiB").arg(QLocale().toString((bytes + 1023) / 1024))
+                            : QStringLiteral("%1 MiB").arg(QLocale().toString(bytes / mebibyte, 'f', 1));
+}
+
+/// Its tool tip shows the whole text, and what the file is at that moment.
+class FileItem : public QTableWidgetItem
+{
+public:
+    using QTableWidgetItem::QTableWidgetItem;
+
+    void setFilePath(const QString &path) { m_strFilePath = path; }
+
+    QVariant data(int role) const override
+    {
+        return role == Qt::ToolTipRole ? asToolTip(facts()) : QTableWidgetItem::data(role);
+    }
+
+private:
+    QString facts() const
+    {
+        QStringList lines{text(), QDir::toNativeSeparators(m_strFilePath)};
+        lines.removeAll(QString());
+        const QFileInfo file(m_strFilePath);
+        if (file.exists())
+            lines.append(QStringLiteral("%1, %2").arg(readableSize(file.size()),
+                                                      QLocale().toString(file.lastModified(), QLocale::ShortFormat)));
+        return lines.join(QLatin1Char('\n'));
+    }
+
+    QString m_strFilePath;
+};
 
 void scrollToButtons(QTableWidget *table, const QWidget *buttons)
 {
@@ -136,8 +175,8 @@ void ProjectTable::clear()
 
 void ProjectTable::makeRow(int row)
 {
-    m_pTable->setItem(row, fileColumn, new QTableWidgetItem(m_projectIcon, QString()));
-    m_pTable->setItem(row, commentColumn, new QTableWidgetItem);
+    m_pTable->setItem(row, fileColumn, new FileItem(m_projectIcon, QString()));
+    m_pTable->setItem(row, commentColumn, new FileItem);
     m_pTable->setItem(row, operationsColumn, new QTableWidgetItem);
     auto *widget = new ProjectRowWidget(m_rowIcons, m_pTable->viewport());
     m_connectRow(*widget);
@@ -152,6 +191,8 @@ void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const Projec
     name.remove(PackageLayout::packageExtension);
     m_pTable->item(row, fileColumn)->setText(name);
     m_pTable->item(row, commentColumn)->setText(info.strComment);
+    for (const int column : {fileColumn, commentColumn})
+        static_cast<FileItem *>(m_pTable->item(row, column))->setFilePath(info.strFilePath);
     rowWidget(row)->setFilePath(info.strFilePath);
     rowWidget(row)->setTexts(texts);
     rowWidget(row)->setProjectName(name);
