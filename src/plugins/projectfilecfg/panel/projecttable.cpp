@@ -122,7 +122,7 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
     }
     m_pTable->setRowCount(row);
     orderTabs();
-    if (before.row >= 0)
+    if (before.nRow >= 0)
         restore(before);
 }
 
@@ -151,9 +151,9 @@ ProjectTable::Focus ProjectTable::focus() const
 void ProjectTable::restore(const Focus &focus) const
 {
     const int sameProject = rowOf(focus.strFilePath);
-    const int inItsPlace = qMin(focus.row, m_pTable->rowCount() - 1);
-    if (sameProject >= 0 && rowWidget(sameProject)->focusedButton() != focus.button)
-        rowWidget(sameProject)->focusButton(focus.button);
+    const int inItsPlace = qMin(focus.nRow, m_pTable->rowCount() - 1);
+    if (sameProject >= 0 && rowWidget(sameProject)->focusedButton() != focus.nButton)
+        rowWidget(sameProject)->focusButton(focus.nButton);
     else if (sameProject < 0 && inItsPlace >= 0)
         rowWidget(inItsPlace)->focusButton(0);
 }

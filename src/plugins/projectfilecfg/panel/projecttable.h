@@ -38,8 +38,8 @@ private:
     /// Where the focus is in the table.
     struct Focus
     {
-        int row = -1;
-        int button = -1;
+        int nRow = -1;
+        int nButton = -1;
         QString strFilePath;
     };
 
