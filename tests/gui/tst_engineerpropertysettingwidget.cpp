@@ -8,6 +8,7 @@
 
 #include <widgets/fixedbitlineeditex.h>
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QFile>
 #include <QFontMetrics>
@@ -149,6 +150,9 @@ private slots:
     void name_holds_64_bytes_of_whole_characters();
     void ok_needs_a_name();
     void enter_confirms_only_while_ok_is_enabled();
+    void the_shown_name_is_replaced_by_typing();
+    void tab_leaves_the_comment_field();
+    void fields_are_named_by_their_labels();
 
     void ok_accepts_a_free_name();
     void the_name_is_trimmed_when_it_is_read();
@@ -585,6 +589,46 @@ void TstEngineerPropertySettingWidget::enter_confirms_only_while_ok_is_enabled()
     QTest::keyClick(shown.nameEdit(), Qt::Key_Return);
     QVERIFY(!shown.dialog.isVisible());
     QTRY_COMPARE(finished.values(), QVector<int>{QDialog::Accepted});
+}
+
+void TstEngineerPropertySettingWidget::the_shown_name_is_replaced_by_typing()
+{
+    ShownDialog shown(QStringLiteral("Project1"), QStringLiteral("comment"));
+    QVERIFY(QTest::qWaitForWindowActive(&shown.dialog));
+    QCOMPARE(QApplication::focusWidget(), shown.nameEdit());
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("Show"));
+    QCOMPARE(shown.dialog.getProjectName(), QStringLiteral("Show"));
+    QCOMPARE(shown.shownComment(), QStringLiteral("comment"));
+}
+
+void TstEngineerPropertySettingWidget::tab_leaves_the_comment_field()
+{
+    ShownDialog shown(QStringLiteral("Project1"), QStringLiteral("comment"));
+    QVERIFY(QTest::qWaitForWindowActive(&shown.dialog));
+    shown.nameEdit()->setFocus();
+    for (QWidget *next : QList<QWidget *>{shown.commentEdit(), shown.okButton(), shown.cancelButton()}) {
+        QTest::keyClick(shown.dialog.windowHandle(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), next);
+    }
+    QTest::keyClick(shown.dialog.windowHandle(), Qt::Key_Backtab, Qt::ShiftModifier);
+    QTest::keyClick(shown.dialog.windowHandle(), Qt::Key_Backtab, Qt::ShiftModifier);
+    QCOMPARE(QApplication::focusWidget(), shown.commentEdit());
+    QCOMPARE(shown.shownComment(), QStringLiteral("comment"));
+}
+
+void TstEngineerPropertySettingWidget::fields_are_named_by_their_labels()
+{
+    const ShownDialog shown;
+    const auto name = [](QWidget *field) {
+        return QAccessible::queryAccessibleInterface(field)->text(QAccessible::Name);
+    };
+    QCOMPARE(name(shown.nameEdit()), QStringLiteral("Project name"));
+    QCOMPARE(name(shown.commentEdit()), QStringLiteral("Commect"));
+    const TranslatedTexts chinese(QStringLiteral("zh_CN"));
+    const ShownDialog inChinese;
+    QCOMPARE(name(inChinese.nameEdit()), inChinese.nameLabel()->text());
+    QCOMPARE(name(inChinese.commentEdit()), inChinese.commentLabel()->text());
+    QVERIFY(inChinese.nameLabel()->text() != shown.nameLabel()->text());
 }
 
 void TstEngineerPropertySettingWidget::ok_accepts_a_free_name()

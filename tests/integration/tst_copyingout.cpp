@@ -36,6 +36,9 @@ private slots:
     void save_as_suggests_the_documents_folder();
     void cancelling_the_save_dialog_copies_nothing();
     void save_as_refuses_an_existing_file();
+    void save_as_adds_the_extension_to_a_bare_name();
+    void save_as_keeps_an_extension_that_was_typed();
+    void save_as_with_a_bare_name_overwrites_nothing();
     void save_as_reports_a_missing_package();
     void save_as_names_the_package_it_failed_on();
     void a_package_replaced_by_a_pipe_never_blocks();
@@ -115,6 +118,46 @@ void TstCopyingOut::save_as_refuses_an_existing_file()
     settle();
     QCOMPARE(readFile(target), QByteArray("precious"));
     QVERIFY(waitingTexts().isEmpty());
+}
+
+void TstCopyingOut::save_as_adds_the_extension_to_a_bare_name()
+{
+    list(QStringLiteral("show"));
+    m_book->expectFileDialog(saveTitle, {elsewhere(QString::fromUtf8("晚场 show"))});
+    m_book->expectInformation(remind, saveSucceeded);
+    clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+    waitForAnswers();
+    QCOMPARE(readFile(elsewhere(QString::fromUtf8("晚场 show.corvelpro"))),
+             readFile(projectFile(QStringLiteral("show"))));
+    QVERIFY(!QFile::exists(elsewhere(QString::fromUtf8("晚场 show"))));
+}
+
+void TstCopyingOut::save_as_keeps_an_extension_that_was_typed()
+{
+    list(QStringLiteral("show"));
+    for (const QString &name : {QStringLiteral("a.CORVELPRO"), QStringLiteral("b.backup")}) {
+        m_book->expectFileDialog(saveTitle, {elsewhere(name)});
+        m_book->expectInformation(remind, saveSucceeded);
+        clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+        waitForAnswers();
+        QVERIFY2(QFile::exists(elsewhere(name)), qPrintable(name));
+    }
+}
+
+void TstCopyingOut::save_as_with_a_bare_name_overwrites_nothing()
+{
+    list(QStringLiteral("show"));
+    const QString existing =
+        elsewhere(TestSupport::PackageBuilder().file("other.json", "{}"), QStringLiteral("taken.corvelpro"));
+    const QByteArray before = readFile(existing);
+    m_book->expectFileDialog(saveTitle, {elsewhere(QStringLiteral("taken"))});
+    m_book->expectWarning(remind, QStringLiteral("Project File [taken] already exist. Please change file name and try "
+                                                 "again"));
+    const ExpectMessage logged(QtWarningMsg, QRegularExpression(QStringLiteral("already exist")));
+    clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+    waitForAnswers();
+    QCOMPARE(readFile(existing), before);
+    QVERIFY(!QFile::exists(elsewhere(QStringLiteral("taken"))));
 }
 
 void TstCopyingOut::save_as_reports_a_missing_package()

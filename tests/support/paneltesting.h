@@ -222,6 +222,15 @@ public:
         const int tableRow = names().indexOf(project);
         return tableRow < 0 ? nullptr : table()->cellWidget(tableRow, 2);
     }
+    /// The project in whose row that widget is; empty if it is in none.
+    QString projectOf(const QWidget *widget) const
+    {
+        for (int tableRow = 0; tableRow < table()->rowCount(); ++tableRow) {
+            if (table()->cellWidget(tableRow, 2)->isAncestorOf(widget))
+                return table()->item(tableRow, 0)->text();
+        }
+        return QString();
+    }
 
     /// The four marks of each entry of the selector: information, type, name and address.
     static constexpr int markRole = Qt::UserRole + 1;

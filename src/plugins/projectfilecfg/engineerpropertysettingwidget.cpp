@@ -73,6 +73,8 @@ void EngineerPropertySettingWidget::setProjectName(const QString &name)
     m_strName = name;
     m_strOldName = name;
     m_pNameEdit->setEditText(name);
+    m_pNameEdit->selectAll();
+    m_pNameEdit->setFocus();
 }
 
 void EngineerPropertySettingWidget::setComment(const QString &comment)
@@ -106,6 +108,7 @@ void EngineerPropertySettingWidget::initUI()
     m_pNameLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_pNameEdit = new FixedBitLineEditEx;
     m_pNameEdit->setFixedSize(240, 36);
+    m_pNameLabel->setBuddy(m_pNameEdit);
     QHBoxLayout *nameRow = new QHBoxLayout;
     nameRow->setContentsMargins(32, 0, 32, 0);
     nameRow->setSpacing(12);
@@ -120,6 +123,8 @@ void EngineerPropertySettingWidget::initUI()
     m_pCommentEdit->setProperty("EngineerDialogEdit", true);
     m_pCommentEdit->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     m_pCommentEdit->setAcceptRichText(false);
+    m_pCommentEdit->setTabChangesFocus(true);
+    m_pCommentLabel->setBuddy(m_pCommentEdit);
     QHBoxLayout *commentRow = new QHBoxLayout;
     commentRow->setContentsMargins(32, 0, 32, 0);
     commentRow->setSpacing(12);

@@ -25,7 +25,7 @@ public:
     EngineerPropertySettingWidget(QWidget *parent, const QString &name, const QString &comment);
     ~EngineerPropertySettingWidget() override;
 
-    /// Shows `name` and stores it as the name that the project may keep.
+    /// Shows `name`, selected so that typing replaces it, and stores it as the name that the project may keep.
     void setProjectName(const QString &name);
     /// Shows `comment`, cut to 100 characters.
     void setComment(const QString &comment);

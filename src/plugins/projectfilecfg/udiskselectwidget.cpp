@@ -89,6 +89,7 @@ void UDiskSelectWidget::initUI()
     m_pButtonGroup = new QButtonGroup;
     setLayout(mainLayout);
     m_pTitleLabel->setText(tr("Please select the destination U disk"));
+    m_pDiskList->setAccessibleName(m_pTitleLabel->text());
 }
 
 void UDiskSelectWidget::scanDisks(const QVector<Volume> &volumes)

@@ -1,13 +1,15 @@
 #include "deviceselector.h"
 
+#include "plaintooltip.h"
+
 #include <model/devicelist.h>
 #include <model/objectbrige.h>
 
 #include <QComboBox>
 #include <QDebug>
+#include <QEvent>
 #include <QMetaMethod>
 #include <QStandardItemModel>
-#include <QTextDocument>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -25,12 +27,6 @@ QStringList markOf(const Model::Device &device)
     return {device.getDeviceInfo(), device.getTypeString(), device.getName(), device.getIPAddress()};
 }
 
-/// Escapes markup, since tool tips render rich text: a device's text appears as it is and loads nothing.
-QString asToolTip(const QString &text)
-{
-    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
-}
-
 /// Leaves destroyed() connected, on which the style sheet's cache of widgets relies.
 void cutConnections(QWidget *widget)
 {
@@ -43,11 +39,33 @@ void cutConnections(QWidget *widget)
     }
 }
 
+/// Leaves a widget's wheel events to what lies around it.
+class WheelPassedOn : public QObject
+{
+public:
+    explicit WheelPassedOn(QWidget *widget)
+        : QObject(widget)
+    {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::Wheel)
+            return false;
+        event->ignore();
+        return true;
+    }
+};
+
 } // namespace
 
 DeviceSelector::DeviceSelector(QComboBox *combo)
     : m_pCombo(combo)
-{}
+{
+    // The open list is a window of its own and scrolls.
+    new WheelPassedOn(combo);
+}
 
 QString DeviceSelector::elidedInfo(const Model::Device &device) const
 {

@@ -16,7 +16,8 @@ namespace Internal {
 class DeviceSelector
 {
 public:
-    /// `combo` must outlive this object.
+    /// `combo` must outlive this object. From now on the wheel no longer changes its device: only its open list
+    /// scrolls.
     explicit DeviceSelector(QComboBox *combo);
 
     /// Offers the host's devices that support project files. Selects the active device; if there is none, the device at

@@ -52,6 +52,7 @@ QString FileDialogs::selectTarget(QWidget *parent, const QString &documents, con
     auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), suggested, projectFileFilter());
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    dialog->setDefaultSuffix(PackageLayout::packageExtension);
     QString target = otherThan(documents, chosenFiles(dialog).value(0));
     if (target.isEmpty() || !QFile::exists(target))
         return target;

@@ -46,6 +46,7 @@ void PanelLayout::arrange()
     m_widgets.pDeviceCombo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Minimum);
     m_widgets.pDeviceCombo->setFixedSize(300, 36);
     m_widgets.pDeviceCombo->setMaximumWidth(300);
+    m_widgets.pDeviceLabel->setBuddy(m_widgets.pDeviceCombo);
     QHBoxLayout *deviceRow = newRow();
     deviceRow->addSpacing(25);
     deviceRow->addWidget(m_widgets.pDeviceLabel);

@@ -1,5 +1,6 @@
 #include "projectrowwidget.h"
 
+#include <QFocusEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QToolButton>
@@ -37,6 +38,7 @@ QToolButton *ProjectRowWidget::addButton(const char *styleProperty, const QIcon 
     button->setProperty(styleProperty, true);
     button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     button->setIcon(icon);
+    button->installEventFilter(this);
     layout()->addWidget(button);
     return button;
 }
@@ -53,7 +55,7 @@ void ProjectRowWidget::addSeparator(const char *styleProperty)
 void ProjectRowWidget::setFilePath(const QString &path)
 {
     m_strFilePath = path;
-    for (QToolButton *button : {m_pEditBtn, m_pApplyBtn, m_pSaveAsBtn, m_pDeleteBtn})
+    for (QToolButton *button : buttons())
         button->setProperty("FilePath", path);
 }
 
@@ -63,6 +65,43 @@ void ProjectRowWidget::setTexts(const Texts &texts)
     m_pApplyBtn->setText(texts.strApply);
     m_pSaveAsBtn->setText(texts.strSaveAs);
     m_pDeleteBtn->setText(texts.strRemove);
+}
+
+void ProjectRowWidget::setProjectName(const QString &name)
+{
+    for (QToolButton *button : buttons()) {
+        const QString accessibleName = QStringLiteral("%1, %2").arg(button->text(), name);
+        // Each call is told to a screen reader, whether it changes anything or not.
+        if (button->accessibleName() != accessibleName)
+            button->setAccessibleName(accessibleName);
+    }
+}
+
+QWidget *ProjectRowWidget::followInTabOrder(QWidget *widget) const
+{
+    for (QToolButton *button : buttons()) {
+        setTabOrder(widget, button);
+        widget = button;
+    }
+    return widget;
+}
+
+int ProjectRowWidget::focusedButton() const
+{
+    return buttons().indexOf(qobject_cast<QToolButton *>(window()->focusWidget()));
+}
+
+void ProjectRowWidget::focusButton(int index) const
+{
+    buttons().at(index)->setFocus(Qt::OtherFocusReason);
+}
+
+bool ProjectRowWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    // Who comes back from another window finds the list where it was.
+    if (event->type() == QEvent::FocusIn && static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason)
+        emit signal_buttonFocused();
+    return QWidget::eventFilter(watched, event);
 }
 
 } // namespace Internal

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QIcon>
+#include <QList>
 #include <QWidget>
 
 class QToolButton;
@@ -40,13 +41,30 @@ public:
     QString filePath() const { return m_strFilePath; }
     void setFilePath(const QString &path);
     void setTexts(const Texts &texts);
+    /// Names the buttons, for who does not see in which row they are. To be called after setTexts().
+    void setProjectName(const QString &name);
+
+    /// Puts the buttons behind `widget` in the tab order, in the order of the eye. Returns the last one.
+    QWidget *followInTabOrder(QWidget *widget) const;
+
+    /// Which of the buttons, from the left, has the focus of its window; -1 if none.
+    int focusedButton() const;
+    void focusButton(int index) const;
 
     QToolButton *editButton() const { return m_pEditBtn; }
     QToolButton *applyButton() const { return m_pApplyBtn; }
     QToolButton *saveAsButton() const { return m_pSaveAsBtn; }
     QToolButton *deleteButton() const { return m_pDeleteBtn; }
 
+signals:
+    /// One of the buttons got the focus, but not because its window became the active one.
+    void signal_buttonFocused();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    QList<QToolButton *> buttons() const { return {m_pEditBtn, m_pApplyBtn, m_pSaveAsBtn, m_pDeleteBtn}; }
     QToolButton *addButton(const char *styleProperty, const QIcon &icon);
     void addSeparator(const char *styleProperty);
 

@@ -1,9 +1,13 @@
 #include "projecttable.h"
 
 #include "packagelayout.h"
+#include "plaintooltip.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QLocale>
 #include <QSet>
 #include <QTableWidget>
 
@@ -19,6 +23,49 @@ constexpr int columnCount = 3;
 constexpr int fixedColumnWidth = 340; // pixels
 constexpr int rowHeight = 48;         // pixels
 
+QString readableSize(qint64 bytes)
+{
+    constexpr double mebibyte = 1024.0 * 1024.0;
+    return bytes < mebibyte ? QStringLiteral("%1 KiB").arg(QLocale().toString((bytes + 1023) / 1024))
+                            : QStringLiteral("%1 MiB").arg(QLocale().toString(bytes / mebibyte, 'f', 1));
+}
+
+/// Its tool tip shows the whole text, and what the file is at that moment.
+class FileItem : public QTableWidgetItem
+{
+public:
+    using QTableWidgetItem::QTableWidgetItem;
+
+    void setFilePath(const QString &path) { m_strFilePath = path; }
+
+    QVariant data(int role) const override
+    {
+        return role == Qt::ToolTipRole ? asToolTip(facts()) : QTableWidgetItem::data(role);
+    }
+
+private:
+    QString facts() const
+    {
+        QStringList lines{text(), QDir::toNativeSeparators(m_strFilePath)};
+        lines.removeAll(QString());
+        const QFileInfo file(m_strFilePath);
+        if (file.exists())
+            lines.append(QStringLiteral("%1, %2").arg(readableSize(file.size()),
+                                                      QLocale().toString(file.lastModified(), QLocale::ShortFormat)));
+        return lines.join(QLatin1Char('\n'));
+    }
+
+    QString m_strFilePath;
+};
+
+void scrollToButtons(QTableWidget *table, const QWidget *buttons)
+{
+    for (int row = 0; row < table->rowCount(); ++row) {
+        if (table->cellWidget(row, operationsColumn) == buttons)
+            table->scrollTo(table->model()->index(row, operationsColumn));
+    }
+}
+
 } // namespace
 
 ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
@@ -33,6 +80,8 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
     m_pTable->setSelectionMode(QAbstractItemView::NoSelection);
     m_pTable->verticalHeader()->setDefaultSectionSize(rowHeight);
     m_pTable->setFocusPolicy(Qt::NoFocus);
+    // Tab goes from button to button, which the table would keep for its cells.
+    m_pTable->setTabKeyNavigation(false);
     m_pTable->setColumnCount(columnCount);
     m_pTable->horizontalHeader()->setSectionResizeMode(fileColumn, QHeaderView::Fixed);
     m_pTable->horizontalHeader()->setSectionResizeMode(commentColumn, QHeaderView::Stretch);
@@ -45,6 +94,7 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
 void ProjectTable::retranslate()
 {
     m_pTable->setHorizontalHeaderLabels({tr("Project file"), tr("Comment"), tr("Operations")});
+    m_pTable->setAccessibleName(tr("Project file"));
 }
 
 void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
@@ -53,6 +103,7 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
     for (const EngineerPacketInfo &info : projects)
         pending.insert(info.strFilePath);
 
+    const Focus before = focus();
     const ProjectRowWidget::Texts texts{tr("Edit"), tr("Apply"), tr("Save as"), tr("Delete")};
     int row = 0;
     for (const EngineerPacketInfo &info : projects) {
@@ -70,6 +121,50 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
         ++row;
     }
     m_pTable->setRowCount(row);
+    orderTabs();
+    if (before.nRow >= 0)
+        restore(before);
+}
+
+/// New widgets come last in their window. Puts the rows behind what comes before the table.
+void ProjectTable::orderTabs()
+{
+    QWidget *last = m_pTable->previousInFocusChain();
+    while (last != m_pTable && (last->focusPolicy() == Qt::NoFocus || m_pTable->isAncestorOf(last)))
+        last = last->previousInFocusChain();
+    for (int row = 0; row < m_pTable->rowCount(); ++row)
+        last = rowWidget(row)->followInTabOrder(last);
+}
+
+ProjectTable::Focus ProjectTable::focus() const
+{
+    if (!m_pTable->isAncestorOf(m_pTable->window()->focusWidget()))
+        return {};
+    for (int row = 0; row < m_pTable->rowCount(); ++row) {
+        const int button = rowWidget(row)->focusedButton();
+        if (button >= 0)
+            return {row, button, rowWidget(row)->filePath()};
+    }
+    return {};
+}
+
+void ProjectTable::restore(const Focus &focus) const
+{
+    const int sameProject = rowOf(focus.strFilePath);
+    const int inItsPlace = qMin(focus.nRow, m_pTable->rowCount() - 1);
+    if (sameProject >= 0 && rowWidget(sameProject)->focusedButton() != focus.nButton)
+        rowWidget(sameProject)->focusButton(focus.nButton);
+    else if (sameProject < 0 && inItsPlace >= 0)
+        rowWidget(inItsPlace)->focusButton(0);
+}
+
+int ProjectTable::rowOf(const QString &path) const
+{
+    for (int row = 0; row < m_pTable->rowCount(); ++row) {
+        if (rowWidget(row)->filePath() == path)
+            return row;
+    }
+    return -1;
 }
 
 void ProjectTable::clear()
@@ -80,10 +175,13 @@ void ProjectTable::clear()
 
 void ProjectTable::makeRow(int row)
 {
-    m_pTable->setItem(row, fileColumn, new QTableWidgetItem(m_projectIcon, QString()));
-    m_pTable->setItem(row, commentColumn, new QTableWidgetItem);
+    m_pTable->setItem(row, fileColumn, new FileItem(m_projectIcon, QString()));
+    m_pTable->setItem(row, commentColumn, new FileItem);
+    m_pTable->setItem(row, operationsColumn, new QTableWidgetItem);
     auto *widget = new ProjectRowWidget(m_rowIcons, m_pTable->viewport());
     m_connectRow(*widget);
+    QObject::connect(widget, &ProjectRowWidget::signal_buttonFocused, m_pTable,
+                     [table = m_pTable, widget] { scrollToButtons(table, widget); });
     m_pTable->setCellWidget(row, operationsColumn, widget);
 }
 
@@ -93,8 +191,14 @@ void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const Projec
     name.remove(PackageLayout::packageExtension);
     m_pTable->item(row, fileColumn)->setText(name);
     m_pTable->item(row, commentColumn)->setText(info.strComment);
+    for (const int column : {fileColumn, commentColumn})
+        static_cast<FileItem *>(m_pTable->item(row, column))->setFilePath(info.strFilePath);
     rowWidget(row)->setFilePath(info.strFilePath);
     rowWidget(row)->setTexts(texts);
+    rowWidget(row)->setProjectName(name);
+    // A cell that shows nothing but its buttons.
+    m_pTable->item(row, operationsColumn)
+        ->setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(tr("Operations"), name));
 }
 
 ProjectRowWidget *ProjectTable::rowWidget(int row) const

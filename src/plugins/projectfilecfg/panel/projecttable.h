@@ -26,16 +26,30 @@ public:
     /// Sets up `table`, which must outlive this object. Calls `connectRow` once for the buttons of each new row.
     ProjectTable(QTableWidget *table, const ConnectRow &connectRow);
 
-    /// The header's texts. Those of the rows follow with the next show().
+    /// The texts of the header and the table's name. Those of the rows follow with the next show().
     void retranslate();
     /// Shows the packages in their order. Changes only rows that differ, since creating a row takes far longer than
     /// comparing it.
+    /// The focus stays with its package; if that is no longer listed, it goes to the first button of the row in its
+    /// place.
     void show(const QList<EngineerPacketInfo> &projects);
     void clear();
 
 private:
+    /// Where the focus is in the table.
+    struct Focus
+    {
+        int nRow = -1;
+        int nButton = -1;
+        QString strFilePath;
+    };
+
     void makeRow(int row);
     void fillRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts);
+    void orderTabs();
+    Focus focus() const;
+    void restore(const Focus &focus) const;
+    int rowOf(const QString &path) const;
     ProjectRowWidget *rowWidget(int row) const;
 
     QTableWidget *const m_pTable;
