@@ -109,7 +109,7 @@ private:
     QJsonValue value(const char *key, QJsonValue::Type type, const char *typeName)
     {
         m_known.insert(QLatin1String(key));
-        const QJsonValue found = m_object.value(QLatin1String(key));
+        QJsonValue found = m_object.value(QLatin1String(key));
         if (found.isUndefined())
             fail(key, "is missing");
         else if (found.type() != type)

@@ -153,7 +153,8 @@ void TstFailureLog::a_refused_apply_leaves_one_line_data()
     row("no device", "10.0.0.99", LoadGetDeviceFailed, "there is no device 10.0.0.99", none);
     row("a wrong checksum", onlineIp, LoadSuccess, "its record says",
         [](PackageBuilder &package) { package.recordWithChecksum("0", "show", "x"); });
-    row("no record", onlineIp, LoadSuccess, "no info record", [](PackageBuilder &package) { package.archiveComment("x"); });
+    row("no record", onlineIp, LoadSuccess, "no info record",
+        [](PackageBuilder &package) { package.archiveComment("x"); });
     row("no description", onlineIp, LoadJsonFileError, "no device description",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.txt", "x"); });
     row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or no JSON",

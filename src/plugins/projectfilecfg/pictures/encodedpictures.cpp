@@ -57,7 +57,7 @@ QByteArray EncodedPictures::png(const QImage &picture)
             return *known;
     }
     // Not under the lock: this is what takes its time, and several threads are at it.
-    const QByteArray bytes = m_encoder(picture);
+    QByteArray bytes = m_encoder(picture);
     const QMutexLocker locker(&m_mutex);
     ++m_nEncoded;
     if (!bytes.isEmpty())
