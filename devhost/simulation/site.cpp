@@ -276,7 +276,7 @@ std::optional<Site> Site::fromFile(const QString &path, QString &error)
         error = QStringLiteral("%1: %2").arg(path, file.errorString());
         return std::nullopt;
     }
-    const std::optional<Site> site = fromJson(file.readAll(), error);
+    std::optional<Site> site = fromJson(file.readAll(), error);
     if (!site)
         error = QStringLiteral("%1: %2").arg(path, error);
     return site;
