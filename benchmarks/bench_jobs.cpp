@@ -40,7 +40,7 @@ namespace {
 const QString sourceIp = QStringLiteral("10.0.0.11");
 const QString targetIp = QStringLiteral("10.0.0.12");
 
-/// A device with so many pictures of a show.
+/// A device with that many pictures of a show.
 HardwareState showDevice(const QString &ip, int pictures, const QSize &size)
 {
     HardwareState state = plainDevice(ip);
@@ -114,7 +114,7 @@ void save(const QString &folder, const QString &name, const std::shared_ptr<Enco
     require(job.wait() && job.resultCode() == BackupSuccess, "the save failed");
 }
 
-/// The contents of both packages are the same, byte by byte.
+/// Both packages hold the same entries, byte by byte.
 void compareContents(const QString &one, const QString &other)
 {
     PackageReader first(one);
@@ -154,7 +154,7 @@ void applying(Report &report)
     const QString package = site.path() + "/show.corvelpro";
     require(packageOf(source).record("show", QString()).write(package), "cannot write the package");
 
-    // Sixty megabytes a second: what is left of a link of one gigabit.
+    // 60 MB/s, about half of a gigabit link.
     Simulation::Pace pace;
     pace.throughput = 60e6;
     Simulation::setPace(pace);
@@ -166,7 +166,7 @@ void applying(Report &report)
         require(load->checkPackageFile() && load->checkDevice(), "the package does not fit");
         return load;
     };
-    // What goes over the link and nothing else: pictures that are decoded already.
+    // The transfer alone: pictures already decoded.
     auto packageDevice = job()->unserailizeDevice(Core::ICore::ExtractJsonPath() + "/" + sourceIp + ".json");
     require(packageDevice != nullptr, "no description");
     packageDevice->setIPAddress(targetIp);
@@ -209,7 +209,7 @@ void applying(Report &report)
     Simulation::setPace(Simulation::Pace());
 }
 
-/// What is done with a package while its online device still has what it had.
+/// Everything an apply does with the package before the online device is touched.
 void checking(Report &report)
 {
     constexpr int pictures = 24;

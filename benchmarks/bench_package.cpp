@@ -1,5 +1,5 @@
 // The package handle against the plain way: the steps of each work with the libraries' own calls, one after another.
-// Both ways run in turn on the same data, and their results are compared before a time counts.
+// Both ways run in turn on the same data; their results are compared before a time counts.
 //
 //     bench_package [--quick] [--rows FILE] [extracting] [packing] [checksum] [listing] [editing]     all where none is
 //     named bench_package [--quick] [--rows FILE] growth
@@ -54,7 +54,7 @@ QByteArray chunkOfPng(const char *type, const QByteArray &data)
            bigEndian(quint32(crc32(0, reinterpret_cast<const Bytef *>(body.constData()), uInt(body.size()))));
 }
 
-/// A PNG of about `size` bytes as a camera picture gives one: its pixels are noise, so deflating it again is vain.
+/// A PNG of about `size` bytes as a camera delivers it: the pixels are noise, so deflating it again gains nothing.
 QByteArray picture(int size, quint32 seed)
 {
     const int width = 640;
@@ -113,7 +113,7 @@ void makeLargeFile(const QString &path, qint64 size)
     require(file.flush(), "cannot write " + path);
 }
 
-/// Backgrounds of that size together, none larger than a package takes.
+/// Backgrounds of that total size, each within a package's limit.
 void makeLargePictures(const QString &device, qint64 size)
 {
     constexpr qint64 largest = 250LL * 1000 * 1000;
@@ -136,7 +136,7 @@ QByteArray contentDigest(const QString &package)
     return digest.result();
 }
 
-/// The checksum read as it is defined: every byte of every chunk.
+/// The checksum by its definition: every byte of every chunk.
 QString plainChecksum(const QString &path, qint64 length)
 {
     QFile file(path);
@@ -234,7 +234,7 @@ void run(const QString &program, const QStringList &arguments)
     require(QProcess::execute(program, arguments) == 0, program + " failed");
 }
 
-/// `copyLimit`: what ours may take, times a copy of the tree; 0 where that is not judged.
+/// `copyLimit`: our time as a multiple of a plain copy of the tree; 0 sets no limit.
 void packing(Report &report, const QString &folder, const QString &device, double faster, double copyLimit)
 {
     EngineerPacketInfo plain = packageAt(folder + "/plain.corvelpro");
@@ -262,7 +262,7 @@ void packing(Report &report, const QString &folder, const QString &device, doubl
     report.faster(what, "compressDir, then the record", times, faster);
     report.atMost("  its size, times that of the plain way", double(ourSize) / double(plainSize), "", 1.01);
 
-    // Copies stay until the end: ext4 is slow to make files where many were removed a moment ago.
+    // Copies stay until the end: ext4 creates files slowly right after many were removed.
     QDir().mkpath(folder + "/copies");
     int copies = 0;
     const auto pack = [&] { require(ZipPackageHandle::compressEngineerPacket(device, ours), "packing failed"); };
@@ -282,7 +282,7 @@ void packing(Report &report, const QString &folder, const QString &device, doubl
     QDir(folder + "/copies").removeRecursively();
 }
 
-/// Takes whatever is written and keeps nothing.
+/// Accepts everything written and keeps nothing.
 class Nothing : public QIODevice
 {
 public:
@@ -303,7 +303,7 @@ private:
     qint64 m_size = 0;
 };
 
-/// What nothing that uses the zip library can be faster than: it alone, without any file to read or to write.
+/// The lower bound for every user of the zip library: the library alone, without a file to read or write.
 void storeIntoNothing(qint64 size)
 {
     const QByteArray block(int(256 * KiB), 'x');
@@ -338,7 +338,7 @@ void packing(Report &report, const QString &folder)
                        [&] { QFile::remove(info.strFilePath); }));
 }
 
-/// What this process has read so far, from files in memory too.
+/// Bytes this process has read so far, from cached files too.
 qint64 bytesRead()
 {
     QFile counters("/proc/self/io");
@@ -424,10 +424,10 @@ void extracting(Report &report, const QString &folder, const QString &device, in
     require(ZipPackageHandle::compressEngineerPacket(device, info), "packing failed");
     int plainCount = 0;
     int ourCount = 0;
-    // All of them stay until the end: ext4 is slow to make files where many were removed a moment ago.
+    // All copies stay until the end: ext4 creates files slowly right after many were removed.
     int pair = 1;
     const auto target = [&](const char *way) { return folder + '/' + way + QString::number(files * 100 + pair); };
-    // Not fewer in the quick form: making files takes now this long, now that, and a pair takes no second.
+    // As many in the quick form: the time to create files varies much, and a pair takes less than a second.
     constexpr int pairs = 5;
     const Pair times = inTurn(
         pairs, [&] { plainCount = JlCompress::extractDir(info.strFilePath, target("plain")).size(); },
@@ -500,7 +500,7 @@ qint64 peakMemory()
     return text.mid(text.indexOf("VmHWM:") + 6, 30).simplified().split(' ').first().toLongLong() * 1024;
 }
 
-/// Half of it pictures, half of it something to deflate; no file larger than a reader takes.
+/// Half pictures, half compressible data; no file exceeds a reader's limit.
 void makeMemoryFolder(const QString &folder, qint64 size)
 {
     constexpr qint64 largest = 250LL * 1000 * 1000;
@@ -512,7 +512,7 @@ void makeMemoryFolder(const QString &folder, qint64 size)
     }
 }
 
-/// Runs in a process of its own, since a peak never comes down again.
+/// Runs in a process of its own: peak memory never goes down.
 int memoryStep(const QString &step, const QString &folder)
 {
     EngineerPacketInfo info = packageAt(folder + "/memory.corvelpro");
@@ -547,8 +547,8 @@ QPair<double, double> measuredStep(const QString &step, const QString &folder)
     return {values.value(0).toDouble() / double(MiB), values.value(1).toDouble()};
 }
 
-/// A copy of what a step reads or writes, made without us: what the disk does to large files, and the memory that a
-/// virtual machine has to get from its host, shows in both.
+/// A plain copy of the same data: shows what the disk does to large files and what a virtual machine pays for memory
+/// from its host.
 struct PlainCopy
 {
     const char *work;
@@ -597,7 +597,7 @@ void measureSteps(const QString &folder, int size, Points &points)
         points[work.key()].append({double(size), work->median(), memory.value(work.key())});
 }
 
-/// How long it takes to refuse a tree of pictures, 8 GB, of which the disk holds only holes.
+/// The time to refuse an 8 GB tree of pictures, all of it sparse files.
 double refusal(const QString &folder)
 {
     for (int number = 0; number < 4; ++number) {
@@ -612,8 +612,7 @@ double refusal(const QString &folder)
     return time;
 }
 
-/// Time and memory from a small package to one just below 4 GB, the most that the format without its 64-bit
-/// extension holds.
+/// Time and memory from a small package up to one just below 4 GB, the limit of the format without ZIP64.
 void growth(Report &report, const QString &folder)
 {
     Points points;
@@ -656,7 +655,7 @@ void growth(Report &report, const QString &folder)
     report.growth("list packages, cold", "files", lists);
 
     QVector<QVector<double>> presets;
-    // With the description and the folder these are as many entries as an archive without 64-bit extension holds.
+    // With the description and the folder, the most entries an archive without ZIP64 holds.
     constexpr int mostPresets = 65532;
     writeFile(folder + "/presets/device.json", "{}");
     QDir().mkpath(folder + "/presets/Preset");

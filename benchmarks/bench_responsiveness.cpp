@@ -1,7 +1,7 @@
-// How long the window stands still at most while the panel saves and applies a device with large pictures and many
-// presets, copies a package of 1 GB out and in, and scans 1,000 packages. The development host with the built plugin
-// in it, worked as an operator would. What the panel does before a job starts, and filling the table, happens in one
-// go on the user-interface thread: that is told and not judged.
+// The longest freeze of the window while the panel saves and applies a device with large pictures and many presets,
+// copies a 1 GB package out and in, and scans 1,000 packages. Runs the development host with the built plugin, driven
+// as by an operator. What the panel does before a job starts, and filling the table, happens in one event on the
+// user-interface thread: it is printed, not judged.
 //
 //     bench_responsiveness [--rows FILE] [jobs] [copying] [listing]     all where none is named; needs 4 GB of disk
 
@@ -51,7 +51,7 @@ void require(bool condition, const QString &why)
         throw TourFailure(why);
 }
 
-/// The time for which this thread was on the processor.
+/// Processor time of this thread.
 double busyMs()
 {
     timespec time{};
@@ -59,8 +59,8 @@ double busyMs()
     return double(time.tv_sec) * 1000 + double(time.tv_nsec) / 1e6;
 }
 
-/// Beats as often as the event loop lets it; the longest time between two beats is the longest pause. How much of it
-/// the thread was at work tells a slow program from a busy machine.
+/// Beats as often as the event loop allows; the longest interval between two beats is the longest pause. Its share of
+/// processor time tells a slow program from a busy machine.
 class EventLoopProbe : public QObject
 {
 public:
@@ -82,7 +82,7 @@ public:
         m_sinceBeat.start();
         m_busyAtBeat = busyMs();
     }
-    /// Up to now, also when no beat came yet.
+    /// Includes the interval that is still open.
     Pause longest()
     {
         beat();
@@ -106,7 +106,7 @@ private:
     Pause m_longest;
 };
 
-/// A package by the product's own hand, with one entry of that size.
+/// A package made by the product, with one entry of that size.
 void makePackage(const QString &path, qint64 size)
 {
     const QTemporaryDir directory;
@@ -121,7 +121,7 @@ void makePackage(const QString &path, qint64 size)
     require(ZipPackageHandle::compressEngineerPacket(directory.path(), info), QStringLiteral("cannot pack ") + path);
 }
 
-/// The small site, whose active device has as much as a large show.
+/// The small site, its active device loaded like a large show.
 void writeLargeSite(const QString &path)
 {
     QFile small(Simulation::builtInSite(QStringLiteral("small")));
@@ -233,7 +233,7 @@ private:
     {
         for (int i = 0; i < packageCount; ++i)
             makeListed(QString::number(i));
-        // The table is whole when the list is, so its first filling is one pause.
+        // The table is complete when the list is, so its first filling is one pause.
         m_probe->restart();
         waitForRows(1 + packageCount);
         m_report.told(QStringLiteral("first listing of 1,000 packages"), m_probe->longest().ms, QStringLiteral("ms"));
@@ -245,9 +245,9 @@ private:
             addOne);
     }
 
-    /// A pause that the program makes is there each time, one that the machine makes is not: the best of three runs
-    /// counts. `work` is what follows the `start`, whose own pause is told under `startName`, or counts as well where
-    /// that is empty. `prepare` stands between two runs.
+    /// The program's own pauses recur in each run, the machine's do not: the best of three runs counts. `work` follows
+    /// `start`, whose own pause is printed under `startName`, or judged with the rest if that is empty. `prepare` runs
+    /// between two runs.
     void measure(const QString &what, const QString &startName, const std::function<void()> &start,
                  const std::function<void()> &work, const std::function<void()> &prepare)
     {
@@ -256,7 +256,7 @@ private:
         for (int run = 0; run == 0 || (run < 3 && shortest.ms > limitMs); ++run) {
             if (run > 0)
                 prepare();
-            // What was started before is not what is measured.
+            // Work started earlier is not part of the measurement.
             m_hand->waitUntilIdle();
             m_probe->restart();
             start();

@@ -1,5 +1,5 @@
-// The panel's table of project files against one that makes every row anew, with the host's style sheet on and both
-// tables shown. What counts is the time for which the user-interface thread does nothing else.
+// The panel's table of project files against one that rebuilds every row, both shown with the host's style sheet.
+// Measured is how long the user-interface thread is blocked.
 //
 //     bench_table [--quick] [--rows FILE] [fill] [rescan] [growth]
 
@@ -37,7 +37,7 @@ using namespace ProjectFileCfg::Internal;
 
 namespace {
 
-/// Milliseconds that this thread has computed: unlike a clock's, they do not count other programs in.
+/// Processor time of this thread in milliseconds: independent of other programs.
 double processorTime()
 {
     timespec time;
@@ -45,7 +45,7 @@ double processorTime()
     return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
 }
 
-/// Knows how long the user-interface thread was busy with the longest event.
+/// Records the longest event of the user-interface thread.
 class Application : public QApplication
 {
 public:
@@ -74,7 +74,7 @@ Application *application()
     return static_cast<Application *>(qApp);
 }
 
-/// Until all scans have ended and everything that they caused is laid out and painted.
+/// Until all scans have ended and their results are laid out and painted.
 void settle()
 {
     QThreadPool::globalInstance()->waitForDone();
@@ -110,7 +110,7 @@ void makePackages(int count)
         makePackage(number);
 }
 
-/// A panel as the product's, whose table is cleared and filled anew by each scan.
+/// A panel like the product's whose table is cleared and refilled by each scan.
 class PlainPanel : public QWidget
 {
 public:
@@ -137,7 +137,7 @@ public:
         layout()->addWidget(table);
     }
 
-    /// What a scan does, in the thread pool as there.
+    /// What a scan does, in the thread pool like the product's.
     void scan()
     {
         QtConcurrent::run([this] { list.scanProjectFiles(projectFiles(), list.beginScan()); });
@@ -191,7 +191,7 @@ private:
     }
 };
 
-/// The product's panel, shown in the size that gives both tables the same one.
+/// The product's panel, sized so that both tables have the same size.
 class Ours
 {
 public:
@@ -224,7 +224,7 @@ QImage pictureOf(QTableWidget *table)
     return table->viewport()->grab().toImage();
 }
 
-/// Both tables say and look the same, from the first row to the last.
+/// Both tables have the same contents and the same look, from the first row to the last.
 void compareTables(QTableWidget *plain, QTableWidget *ours, int rows)
 {
     require(ours->rowCount() == rows && contentOf(plain) == contentOf(ours), "the tables differ");
@@ -240,7 +240,7 @@ void compareTables(QTableWidget *plain, QTableWidget *ours, int rows)
     require(pictureOf(plain) == pictureOf(ours), "the ends of the tables look different");
 }
 
-/// How long the user-interface thread computes until the work is done, laid out and painted.
+/// Processor time of the user-interface thread until the work is done, laid out and painted.
 double busyDuring(const std::function<void()> &work, double *longest = nullptr)
 {
     application()->longest = 0;
@@ -264,7 +264,7 @@ void fill(Report &report, int rows)
         settle();
         times.plain.milliseconds.append(busyDuring([&] { plain.fill(); }));
 
-        // The panel begins to scan when it is built; until it is shown, the scans wait.
+        // The panel starts a scan when constructed; scans wait until it is shown.
         QThreadPool *pool = QThreadPool::globalInstance();
         const int threads = pool->maxThreadCount();
         pool->setMaxThreadCount(1);
@@ -306,7 +306,7 @@ void rescan(Report &report, int rows)
     longest = 0;
     Pair changed;
     for (int pair = 0; pair < report.pairs(); ++pair) {
-        // Another one takes the place of a file in the middle.
+        // A file in the middle is replaced by another one.
         const QString old = projectFiles() + QStringLiteral("Project%1.corvelpro").arg(rows / 2 + pair);
         const QString renamed = projectFiles() + QStringLiteral("Renamed%1.corvelpro").arg(pair);
         require(QFile::rename(old, renamed), "cannot rename " + old);
@@ -315,7 +315,7 @@ void rescan(Report &report, int rows)
             plain.scan();
             plain.fill();
         }));
-        // The panel's watcher reports as well; the file's old name brings its list back to what it was.
+        // The panel's watcher reports too; renaming the file back restores its list.
         changed.ours.milliseconds.append(busyDuring([&] { ours.rescan(); }, &longest));
         compareTables(plain.table, ours.table, rows);
     }
@@ -332,7 +332,7 @@ int main(int argc, char *argv[])
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path()));
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    // The platform without windows and the panel without devices have much to say.
+    // The offscreen platform and a panel without devices log a lot.
     qputenv("QT_LOGGING_RULES", "default=false");
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
     Application application(argc, argv);

@@ -24,7 +24,7 @@ namespace Benchmark {
 constexpr qint64 KiB = 1024;
 constexpr qint64 MiB = 1024 * KiB;
 
-/// Ends the program otherwise than a missed limit does, with 1.
+/// Ends the program with exit code 2; 1 stands for a missed limit.
 [[noreturn]] inline void fail(const QString &why)
 {
     std::fprintf(stderr, "benchmark: %s\n", qPrintable(why));
@@ -71,15 +71,15 @@ struct Pair
     Times ours;
 };
 
-/// The same, begun with nothing that still waits for the disk: neither way pays for what the other left.
+/// As above, but begun only after all data is on the disk: neither way pays for what the other left to be written.
 inline double settledMillisecondsOf(const std::function<void()> &work)
 {
     ::sync();
     return millisecondsOf(work);
 }
 
-/// Measures both ways in turn. `check` compares what they made after each pair and ends the program where that
-/// differs, so that only equal results are timed; it also takes away what the next pair is to make anew.
+/// Measures both ways in turn. `check` compares the results after each pair and ends the program if they differ, so
+/// only equal results are timed; it also removes what the next pair creates again.
 inline Pair inTurn(int pairs, const std::function<void()> &plain, const std::function<void()> &ours,
                    const std::function<void()> &check = {})
 {
@@ -127,17 +127,17 @@ public:
     {
         compare(what, plainWay, times, times.plain.median() / times.ours.median(), ">=", limit);
     }
-    /// Ours may take at most `limit` times the time of the other way.
+    /// Ours may take at most `limit` times as long as the other way.
     void within(const QString &what, const QString &otherWay, const Pair &times, double limit)
     {
         compare(what, otherWay, times, times.ours.median() / times.plain.median(), "<=", limit);
     }
-    /// The same without a limit: for the reader's judgement.
+    /// As above, without a limit: for information.
     void related(const QString &what, const QString &otherWay, const Pair &times)
     {
         compare(what, otherWay, times, times.ours.median() / times.plain.median(), "", 0);
     }
-    /// A figure that may not be above `limit`.
+    /// A figure that must not exceed `limit`.
     void atMost(const QString &what, double value, const QString &unit, double limit)
     {
         figure(judged(what, value, "<=", limit), unit);
@@ -145,14 +145,14 @@ public:
                     value <= limit ? "reached" : "MISSED");
         std::fflush(stdout);
     }
-    /// A figure for the reader's judgement.
+    /// A figure for information.
     void told(const QString &what, double value, const QString &unit)
     {
         figure(judged(what, value, "", 0), unit);
         std::printf("%-58s %10.2f %s\n", qPrintable(what), value, qPrintable(unit));
         std::fflush(stdout);
     }
-    /// How the cost of a work grows: points of size and milliseconds, and of memory above the start in MiB.
+    /// How the cost grows: points of size, milliseconds, and MiB above the start.
     void growth(const QString &work, const QString &unit, const QVector<QVector<double>> &points)
     {
         QJsonArray array;

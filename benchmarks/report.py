@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the table, results.json and chart.svg of the rows that the benchmarks wrote.
+"""Makes the table, results.json and chart.svg from the benchmarks' rows.
 
     report.py FOLDER ROWS ...    exits with 1 when a limit was missed; files of rows that are not there are passed over
 """
@@ -28,7 +28,7 @@ def limit(row):
 
 
 def distance(row):
-    """How far ours is from the limit: above 1 is better than asked for."""
+    """The margin to the limit: above 1 is better than required."""
     if not row.get("limit") or not row["value"]:
         return None
     return row["value"] / row["limit"] if row["sign"] == ">=" else row["limit"] / row["value"]
@@ -73,7 +73,7 @@ class Drawing:
 
 
 def bars(drawing, rows, top):
-    """One bar for each row that has a limit; its length is how far ours is from the limit, in powers of ten."""
+    """One bar for each row with a limit; its length is the margin, on a logarithmic scale."""
     left, right, height = 380, drawing.width - 150, 24
     judged = [row for row in rows if distance(row)]
     longest = max(10.0, max(distance(row) for row in judged))
@@ -96,7 +96,7 @@ def bars(drawing, rows, top):
 
 
 def curves(drawing, growths, top):
-    """How cost grows, both axes in powers of ten; the dashed line is what grows as the size does."""
+    """The growth of cost on logarithmic axes; the dashed line is linear growth."""
     columns, gap, height = 2, 60, 170
     width = (drawing.width - 80 - gap * (columns - 1)) / columns
     for index, growth in enumerate(growths):

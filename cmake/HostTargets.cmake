@@ -1,4 +1,4 @@
-# A target of the development host, or one of its tests, is one short call.
+# Functions that define the targets of the development host and its tests.
 
 # add_host_library(<Name> SOURCES ... [PUBLIC <targets>] [PRIVATE <targets>])
 # Makes the shared library Host<Name>, known to the product as Host::<Name>. Its headers are included
@@ -43,8 +43,8 @@ function(_add_host_shared name include_root)
 endfunction()
 
 # add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>] [X11_RUNNER <command>])
-# Makes a Qt Test program and registers it with CTest: headless, with warnings as failures where the
-# test uses the warning guard of tests/support. With a command that brings an X server it runs in that one.
+# Makes a Qt Test program and registers it with CTest: headless, or inside the X server that X11_RUNNER starts. Tests
+# that use the warning guard of tests/support fail on unexpected warnings.
 function(add_host_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;X11_RUNNER" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
@@ -60,7 +60,7 @@ function(add_host_test name)
     if(ARG_X11_RUNNER)
         set(platform xcb)
     endif()
-    # CTest starts the costliest first.
+    # CTest starts the most expensive tests first.
     list(FIND LONG_TESTS ${name} cost)
     if(cost GREATER_EQUAL 0)
         math(EXPR cost "1000 - ${cost}")
@@ -74,14 +74,14 @@ function(add_host_test name)
         ENVIRONMENT "QT_QPA_PLATFORM=${platform};QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
 endfunction()
 
-# use_test_headers(<target>): the precompiled header of the tests, which holds only for the same options.
+# use_test_headers(<target>): the shared precompiled header of the tests; requires identical compile options.
 function(use_test_headers name)
     target_compile_options(${name} PRIVATE ${TEST_COMPILE_OPTIONS})
     target_precompile_headers(${name} REUSE_FROM TestSupport)
 endfunction()
 
-# AUTOMOC takes a scan and the compilation of an empty file for each program. A test has one class to moc, in the source
-# that includes "<source>.moc"; only one that brings headers with Q_OBJECT needs more.
+# AUTOMOC costs each program a scan and one more file to compile. A test has one class to moc, in the source that
+# includes "<source>.moc"; only programs with Q_OBJECT in a header need AUTOMOC.
 function(_moc_test_class name)
     list(FILTER ARGN INCLUDE REGEX "\\.(cpp|h)$")
     foreach(source IN LISTS ARGN)

@@ -15,17 +15,17 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(HOST_PLUGIN_DIRECTORY "${PROJECT_BINARY_DIR}/plugins")
 set(HOST_TRANSLATION_DIRECTORY "${PROJECT_BINARY_DIR}/translations")
 
-# Installed programs and plugins find the libraries beside them.
+# Installed programs and plugins find their libraries by relative paths.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib;$ORIGIN/../plugins;$ORIGIN")
 
-# A compiler cache where there is one; the sloppiness is what precompiled headers need.
+# Use ccache if it is installed; precompiled headers need the sloppiness.
 find_program(PROJECTFILECFG_CCACHE ccache)
 if(PROJECTFILECFG_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER
         "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${PROJECTFILECFG_CCACHE}")
 endif()
 
-# Saves a third of a second for each of more than sixty programs. What ships is linked by the system's linker.
+# mold saves a third of a second for each of more than sixty programs. Release builds use the system's linker.
 find_program(PROJECTFILECFG_MOLD mold)
 if(PROJECTFILECFG_MOLD)
     add_link_options($<$<CONFIG:Debug>:-fuse-ld=mold>)
@@ -39,7 +39,7 @@ endif()
 
 add_compile_definitions(QT_MESSAGELOGCONTEXT)
 
-# One of "", "address;undefined", "thread": instruments everything that is built.
+# One of "", "address;undefined", "thread": instruments all targets.
 set(PROJECTFILECFG_SANITIZE "" CACHE STRING "Sanitizers to build with")
 if(PROJECTFILECFG_SANITIZE)
     string(REPLACE ";" "," _sanitizers "${PROJECTFILECFG_SANITIZE}")
@@ -47,14 +47,14 @@ if(PROJECTFILECFG_SANITIZE)
     add_link_options(-fsanitize=${_sanitizers})
 endif()
 
-# Tests are compiled more often than they are run, and compute little themselves.
+# Tests are compiled more often than they run, and compute little themselves.
 set(TEST_COMPILE_OPTIONS)
 if(NOT PROJECTFILECFG_SANITIZE)
     set(TEST_COMPILE_OPTIONS $<$<CONFIG:Debug>:-O0>)
 endif()
 
-# Reading Qt's headers takes most of the time that compiling a widget takes. use_widget_headers(<target>...) is for targets
-# that link Qt5::Widgets. The product compiles without it, too: a test builds it alone.
+# Parsing Qt's headers dominates the compile time of a widget. use_widget_headers(<target>...) is for targets that link
+# Qt5::Widgets. The product also compiles without it: a test builds it alone.
 function(use_widget_headers)
     if(NOT TARGET WidgetHeaders)
         add_library(WidgetHeaders STATIC "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/widgetheaders.cpp")

@@ -1,1 +1,1 @@
-// Nothing: CMake ties a precompiled header to a target, and a target needs a source.
+// Empty on purpose: CMake ties a precompiled header to a target, and a target needs a source.

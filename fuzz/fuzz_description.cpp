@@ -1,4 +1,4 @@
-// From a device description to the device that the load job compares and applies.
+// From a device description to the device compared and applied by the load job.
 #include "fuzzing.h"
 
 #include <engineerdocload.h>
@@ -23,7 +23,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     if (!device)
         return 0;
 
-    // An offline device takes the description over in this way, and the host writes it.
+    // What applying to an offline device does, and the host's writing of its description.
     Model::Device target(1);
     target.fromJson(device->toJson());
     FUZZ_VERIFY(target.getModelID() == device->getModelID());

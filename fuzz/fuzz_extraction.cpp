@@ -1,7 +1,7 @@
-// Every entry of an archive into a folder, out of which nothing may get.
+// Extracts every entry of an archive into a folder; nothing may be written outside it.
 //
-// The first byte of the input tells what the rest is: 0 the archive itself; anything else the names of its entries, one
-// a line, in an archive that is otherwise in order. A name that ends in "@" is that of a link.
+// The first byte selects the kind of input: 0 for the archive itself, anything else for the names of its entries, one a
+// line, in an otherwise valid archive. A name that ends in "@" is a link.
 #include "fuzzing.h"
 
 #include <packagereader.h>
@@ -17,7 +17,7 @@ using TestSupport::PackageBuilder;
 
 namespace {
 
-/// A folder in the memory's file system: "out" is the destination, and the rest must stay what it is.
+/// A folder in tmpfs: "out" is the destination; the rest must not change.
 class Ground
 {
 public:
@@ -30,7 +30,7 @@ public:
                     QDir().mkpath(m_root + QStringLiteral("/a/current")));
         QFile file(m_root + QStringLiteral("/a/victim/file"));
         FUZZ_VERIFY(file.open(QIODevice::WriteOnly) && file.write("untouched") == 9 && file.flush());
-        // A relative name that is taken as it stands would end there.
+        // Where a relative name taken literally would end.
         FUZZ_VERIFY(QDir::setCurrent(m_root + QStringLiteral("/a/current")));
         clear();
         m_before = outside();

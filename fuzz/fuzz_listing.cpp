@@ -1,4 +1,4 @@
-// What a scan and the test before an import or an apply do with one file.
+// How a scan, and the check before an import or an apply, treat one file.
 #include "fuzzing.h"
 
 #include <zippackagehandle.h>
@@ -23,7 +23,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         FUZZ_VERIFY(ZipPackageHandle::checkPacketChecksum(file.path()));
         FUZZ_VERIFY(info.strChecksum == ZipPackageHandle::calcPacketChecksum(file.path()));
     }
-    // A header of the directory has 46 bytes at least.
+    // A central directory header has at least 46 bytes.
     FUZZ_VERIFY(std::size_t(ZipPackageHandle::getFileList(file.path()).size()) <= size / 46);
     return 0;
 }

@@ -1,4 +1,4 @@
-// From an archive's comment to the record in it.
+// From an archive comment to its info record.
 #include "fuzzing.h"
 
 #include <zippackagehandle.h>
@@ -9,7 +9,7 @@ using namespace ProjectFileCfg::Internal;
 
 namespace {
 
-/// Lone surrogates are lost on the way through UTF-8; a text without them is not changed by it.
+/// Lone surrogates do not survive UTF-8; any other text does.
 bool isWellFormed(const QString &text)
 {
     return QString::fromUtf8(text.toUtf8()) == text;
@@ -34,7 +34,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     }
     FUZZ_VERIFY(info.strFilePath == untouched);
 
-    // What was read is read again from a record that is written with it.
+    // A record written with the values read must read the same.
     if (isWellFormed(info.strProjectName) && isWellFormed(info.strComment) && isWellFormed(info.strChecksum)) {
         const QByteArray record =
             TestSupport::PackageBuilder::infoRecord(info.strChecksum, info.strProjectName, info.strComment);

@@ -14,7 +14,7 @@
 /// What the fuzzers share.
 namespace Fuzzing {
 
-/// Ends the program, which the fuzzer takes for a finding, when what must hold does not.
+/// Aborts if the invariant does not hold, which the fuzzer reports as a finding.
 #define FUZZ_VERIFY(condition)                                                                                         \
     do {                                                                                                               \
         if (!(condition)) {                                                                                            \
@@ -23,7 +23,7 @@ namespace Fuzzing {
         }                                                                                                              \
     } while (false)
 
-/// A file that never reaches a disk, and the path under which the product opens it.
+/// An in-memory file and the path under which the product opens it.
 class MemoryFile
 {
 public:
@@ -47,7 +47,7 @@ private:
     const int m_handle;
 };
 
-/// What the product logs is not wanted here: there would be more of it than of anything else.
+/// The product's log is discarded: it would drown everything else.
 inline void beQuiet()
 {
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {

@@ -1,4 +1,4 @@
-// Writes what the fuzzers begin with: makeseeds FOLDER. All of it comes from the recipe of the odd packages.
+// Writes the seeds of the fuzzers: makeseeds FOLDER. All of them come from the recipe of the hostile packages.
 #include <zippackagehandle.h>
 
 #include <data/hostilepackages.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// More bytes are more to read and no more to find.
+/// Larger inputs slow fuzzing down and find nothing more.
 constexpr int largestSeed = 64 * 1024;
 
 bool write(const QDir &folder, const QString &name, const QByteArray &bytes)

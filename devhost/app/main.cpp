@@ -16,7 +16,7 @@
 
 namespace {
 
-/// The tour works on project files that it may delete, so it gets a home of its own: never the user's Documents.
+/// The tour deletes project files, so it gets a private home: never the user's Documents.
 void makePrivateHome(const QString &directory)
 {
     const QString home = QDir(directory).absoluteFilePath(QStringLiteral("home"));
@@ -26,14 +26,14 @@ void makePrivateHome(const QString &directory)
         qputenv(variable, QFile::encodeName(home));
 }
 
-/// An empty size for what is none.
+/// An empty size if the text is not "<width>x<height>".
 QSize sizeFrom(const QString &text)
 {
     const QStringList sides = text.split(QLatin1Char('x'));
     return sides.size() == 2 ? QSize(sides.first().toInt(), sides.last().toInt()) : QSize();
 }
 
-/// What only prints needs no display.
+/// Options that only print need no display.
 std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
 {
     const QStringList printing{QStringLiteral("-h"), QStringLiteral("--help"), QStringLiteral("--help-all"),
@@ -45,7 +45,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
         return std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    // The desktop's own file dialogs speak the desktop's language, not the one that is chosen here.
+    // Native file dialogs use the desktop's language instead of the one chosen here.
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     return std::make_unique<QApplication>(argc, argv);
 }
@@ -95,7 +95,7 @@ int main(int argc, char *argv[])
         makePrivateHome(tourDirectory);
         options = Program::defaultOptions();
         options.language = QStringLiteral("en");
-        // The pictures need no screen.
+        // Generating pictures needs no screen.
         options.windowSize = QSize(1440, 900);
     }
     if (parser.isSet(size))

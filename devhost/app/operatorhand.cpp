@@ -66,11 +66,11 @@ void OperatorHand::answerDialog()
     auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
     if (m_answering || !dialog || !dialog->isVisible() || qobject_cast<WaitingDialog *>(dialog))
         return;
-    // A person answers what is on the screen.
+    // An operator answers only what is visible.
     if (!dialog->windowHandle() || !dialog->windowHandle()->isExposed())
         return;
     m_answering = true;
-    // An exception must not pass through an event loop: it waits for waitUntil() to throw it.
+    // Exceptions must not cross the event loop: stored until waitUntil() throws it.
     try {
         if (m_answers.isEmpty())
             throw TourFailure(QStringLiteral("did not expect the dialog \"%1\"").arg(dialog->windowTitle()));

@@ -11,9 +11,9 @@ class QAbstractButton;
 class QDialog;
 class QWidget;
 
-/// Works the window as an operator would: presses buttons, answers dialogs, waits and takes pictures.
+/// Drives the window like an operator: presses buttons, answers dialogs, waits and takes screenshots.
 ///
-/// What does not go as expected throws a TourFailure. User-interface thread.
+/// Throws a TourFailure on anything unexpected. User-interface thread.
 class OperatorHand : public QObject
 {
     Q_OBJECT
@@ -22,23 +22,23 @@ public:
     /// Pictures go into `pictureDirectory`, which must exist.
     OperatorHand(QWidget *window, const QString &pictureDirectory);
 
-    /// What to do with the next modal dialog; several are answered in this order. The waiting dialog is none of them.
+    /// How to treat the next modal dialog, in the order of the calls. The waiting dialog does not count.
     void onNextDialog(const std::function<void(QDialog *)> &act);
-    /// The next dialog must be a message box with that text; presses the button with that text.
+    /// Expects a message box with that text and presses the button with that text.
     void onNextBox(const QString &text, const QString &button);
-    /// The next dialog must be a file dialog; enters those paths and accepts.
+    /// Expects a file dialog, enters those paths and accepts.
     void onNextFileDialog(const QStringList &paths);
 
     /// Presses the visible, enabled button with that text below `parent`.
     void press(QWidget *parent, const QString &text);
     static void press(QAbstractButton *button);
 
-    /// Lets the program run until `condition` holds.
+    /// Runs the event loop until `condition` holds.
     void waitUntil(const std::function<bool()> &condition, const QString &what, int timeoutMs = 120000);
-    /// Lets the program run until every dialog that was announced has come and the waiting dialog is gone.
+    /// Runs the event loop until every expected dialog was answered and the waiting dialog is hidden.
     void waitUntilIdle();
 
-    /// Saves the window with the dialogs that stand before it as NAME.png.
+    /// Saves the window, with any dialogs in front of it, as NAME.png.
     void takePicture(const QString &name);
 
 private:
@@ -52,7 +52,7 @@ private:
     QString m_failure;
 };
 
-/// Says what did not go as expected.
+/// Describes the first failure.
 class TourFailure
 {
 public:

@@ -25,15 +25,15 @@ public:
         QString workDirectory;
         /// The sub-mode of the settings area that is open at first; one that does not exist is ignored.
         QString firstSubMode;
-        /// The site's devices take this many times as long as its file says.
+        /// Multiplies the durations in the site's file by this factor.
         double durationFactor = 1;
-        /// The window's size; an empty one for what is comfortable and fits the screen.
+        /// The window's size; empty for a comfortable one that fits the screen.
         QSize windowSize;
         /// In pixels; 0 for the desktop's.
         int textSize = 0;
     };
 
-    /// What a start without arguments uses; directories are relative to where the program lies.
+    /// The defaults for a start without arguments; directories are relative to the program's location.
     static Options defaultOptions();
 
     explicit Program(const Options &options);
@@ -41,12 +41,12 @@ public:
     Program(const Program &) = delete;
     Program &operator=(const Program &) = delete;
 
-    /// Brings up the site, loads the plugins and shows the window. Returns false, with the reason in
-    /// error(), when the program cannot be used.
+    /// Brings up the site, loads the plugins and shows the window. Returns false if the program cannot be used; error()
+    /// has the reason.
     bool start();
     QString error() const { return m_error; }
 
-    /// Both exist from a successful start() on.
+    /// Both are valid after start() succeeded.
     Simulation::Session &session() { return *m_session; }
     HX::ExtensionSystem::PluginManager &plugins() { return *m_plugins; }
 
@@ -57,7 +57,7 @@ private:
 
     const Options m_options;
     QString m_error;
-    /// The plugins use the session's devices until they are shut down.
+    /// Outlives the plugins, which use its devices until they are shut down.
     std::unique_ptr<Simulation::Session> m_session;
     std::unique_ptr<HX::ExtensionSystem::PluginManager> m_plugins;
 };

@@ -24,7 +24,7 @@ const QSize thumbSize(144, 81);
 
 QPixmap thumbOf(const QImage &image)
 {
-    // Large pictures in two steps: the fast one first, so that the window does not stall.
+    // Scales large pictures in two steps, the fast one first, to keep the window responsive.
     QImage small = image;
     if (small.width() > 4 * thumbSize.width())
         small = small.scaled(4 * thumbSize, Qt::KeepAspectRatio, Qt::FastTransformation);
@@ -117,7 +117,7 @@ SiteDock::SiteDock(Simulation::Session &session, QWidget *parent)
     layout->addLayout(deviceColumn, 4);
     layout->addLayout(faultColumn, 3);
     layout->addLayout(pictureColumn, 3);
-    // On a small screen it has less room than it needs.
+    // Small screens are too low for the dock.
     auto *scrollArea = new QScrollArea;
     scrollArea->setFrameShape(QFrame::NoFrame);
     scrollArea->setFocusPolicy(Qt::NoFocus);

@@ -14,8 +14,8 @@ class QPushButton;
 class QSpinBox;
 class QTreeWidget;
 
-/// Shows the simulated site and lets one play with it: plug and unplug devices, arm faults, and see the
-/// pictures that the hardware really holds.
+/// Shows the simulated site and controls it: plug and unplug devices, arm faults, and see the pictures stored in the
+/// hardware.
 class SiteDock : public QWidget
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ protected:
 
 private:
     void retranslate();
-    /// Shows what changed at the site since the last time; the hardware announces nothing by itself.
+    /// Shows what changed at the site; the hardware sends no notifications.
     void refresh();
     void refreshDevices();
     void refreshPictures();
@@ -55,8 +55,8 @@ private:
     QLabel *m_faultState = nullptr;
     QLabel *m_pictureTitle = nullptr;
     QListWidget *m_pictures = nullptr;
-    /// By QImage::cacheKey(), so that only new pictures are scaled down.
+    /// Keyed by QImage::cacheKey(), so that only new pictures are scaled.
     QHash<qint64, QPixmap> m_thumbs;
-    /// The pictures that are in the list, each as its key and name.
+    /// The pictures in the list, each as its key and name.
     QStringList m_shown;
 };

@@ -18,15 +18,15 @@ namespace Simulation {
 class Session;
 }
 
-/// The demonstration: works the real panel through what it is for, checks each outcome against the simulated
-/// hardware and leaves a picture of each screen. User-interface thread.
+/// The demonstration: drives the real panel through its features, checks each outcome against the simulated hardware
+/// and saves a screenshot of each step. User-interface thread.
 class Tour
 {
 public:
-    /// Pictures go into `directory`, which is created.
+    /// Screenshots go into `directory`, which is created.
     Tour(Simulation::Session &session, QWidget *window, const QString &directory);
 
-    /// Runs every step and prints what it did. Returns 0, or 1 as soon as a step does not do what it should.
+    /// Runs and logs every step. Returns 0, or 1 at the first step that fails.
     int run();
 
 private:

@@ -10,7 +10,7 @@
 
 namespace Simulation {
 
-/// What goes wrong, and at which call. Faults are chosen, never random.
+/// Which failure occurs at which call. Faults are chosen, never random.
 struct HOST_SIMULATION_EXPORT Fault
 {
     enum class Kind {
@@ -21,11 +21,11 @@ struct HOST_SIMULATION_EXPORT Fault
         Run,        ///< `action` runs on the calling thread, then the operation goes on
         Throw       ///< the operation throws a std::runtime_error, as if the host had a mistake
     };
-    /// For `call`: the fault strikes at every call until the faults are cleared.
+    /// Value of `call`: the fault strikes at every call until the faults are cleared.
     static constexpr int everyCall = 0;
 
     Kind kind = Kind::Fail;
-    /// The call at which the fault strikes, counted from 1 since it was armed; then it is spent.
+    /// The call at which the fault strikes, counted from 1 after arming; then it is spent.
     int call = 1;
     int delayMs = 0;
     std::function<void()> action;
@@ -38,21 +38,21 @@ struct HOST_SIMULATION_EXPORT Fault
     static Fault throwing(int call = 1);
 };
 
-/// The faults that are armed, by operation name. Any thread.
+/// The armed faults by operation name. Any thread.
 class HOST_SIMULATION_EXPORT Faults
 {
 public:
     static Faults *instance();
 
-    /// Adds a fault; several may be armed for one operation. A name that is not in Operations::all()
-    /// logs a warning, since such a fault would never strike.
+    /// Arms a fault; an operation may have several. A name missing from Operations::all() logs a warning, since the
+    /// fault would never strike.
     void arm(const QString &operation, const Fault &fault);
     void clear();
-    /// How many faults are armed: those that have not struck yet and those that strike at every call.
+    /// The number of armed faults: those that have not struck yet and those that strike at every call.
     int armedCount() const;
 
-    /// Counts a call of the operation and returns the faults that strike at it, in the order in which they
-    /// were armed. For beginOperation().
+    /// Counts a call of the operation and returns the faults that strike at it, in the order of arming. For
+    /// beginOperation().
     QVector<Fault> strike(const QString &operation);
 
 private:

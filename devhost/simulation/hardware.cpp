@@ -45,7 +45,7 @@ bool equal(const QVector<T> &left, const QVector<T> &right)
                       [](const T &a, const T &b) { return a == b; });
 }
 
-/// Says which entries of two maps differ.
+/// Lists the entries that differ between two maps.
 template<typename Key, typename T>
 void compareMaps(QStringList &differences, const QString &what, const QMap<Key, T> &left, const QMap<Key, T> &right)
 {

@@ -19,7 +19,7 @@
 
 namespace Simulation {
 
-/// What tells one device from every other. A reset leaves it, and applying a configuration too.
+/// Identifies one device. Neither a reset nor applying a configuration changes it.
 struct HOST_SIMULATION_EXPORT Identity
 {
     QString ip;
@@ -32,7 +32,7 @@ struct HOST_SIMULATION_EXPORT Identity
     int modelId = 0;
 };
 
-/// A card: where it sits is fact, its settings are configuration.
+/// A card: its position is fixed, its settings are configuration.
 struct HOST_SIMULATION_EXPORT CardState
 {
     int type = 0;
@@ -51,7 +51,7 @@ struct HOST_SIMULATION_EXPORT ScreenState
 struct HOST_SIMULATION_EXPORT PictureState
 {
     QString name;
-    /// Format_RGB32 in a background, Format_ARGB32 in a logo.
+    /// Format_RGB32 for a background, Format_ARGB32 for a logo.
     QImage pixels;
 };
 
@@ -61,14 +61,14 @@ struct HOST_SIMULATION_EXPORT PresetState
     QByteArray bytes;
 };
 
-/// Everything that a device holds. Values compare whole, pixel by pixel and byte by byte.
+/// The complete state of a device. Values compare whole, pixel by pixel and byte by byte.
 struct HOST_SIMULATION_EXPORT HardwareState
 {
     Identity identity;
     double protocolNumber = 0;
     bool mvrCapable = true;
     bool mvrEnabled = false;
-    /// What each place of the multi-viewer shows.
+    /// The source of each multi-viewer position.
     QJsonArray mvrItems;
     QVector<CardState> cards;
     QVector<ScreenState> screens;
@@ -78,17 +78,17 @@ struct HOST_SIMULATION_EXPORT HardwareState
     QMap<quint8, PictureState> logos;
     /// By preset number.
     QMap<quint16, PresetState> presets;
-    /// Bytes for pictures and presets; 0 is without limit.
+    /// Bytes for pictures and presets; 0 is unlimited.
     quint64 capacity = 0;
 
-    /// The same without what belongs to the single device (identity, protocol number, capacity, which card sits
-    /// where): what a configuration that was saved from one device and applied to another makes equal.
+    /// A copy without the parts unique to a device (identity, protocol number, capacity, positions of cards): equal for
+    /// two devices when one's saved configuration was applied to the other.
     HardwareState configuration() const;
-    /// What a factory reset leaves: identity, protocol number, capacity and the cards.
+    /// The state after a factory reset: identity, protocol number, capacity and cards only.
     HardwareState afterFactoryReset() const;
-    /// Everything but pixels and preset bytes, of which it gives sizes and digests. For people and messages.
+    /// Everything, with sizes and digests in place of pixels and preset bytes. For people and messages.
     QJsonObject toJson() const;
-    /// One line for each part that differs, empty when nothing does.
+    /// One line for each differing part; empty if there is none.
     QStringList differencesTo(const HardwareState &other) const;
 };
 
@@ -98,10 +98,10 @@ inline bool operator!=(const HardwareState &left, const HardwareState &right)
     return !(left == right);
 }
 
-/// The bytes that a picture takes on a device.
+/// The bytes a picture occupies on a device.
 HOST_SIMULATION_EXPORT quint64 pictureBytes(const QSize &size);
 
-/// A device on the network, apart from what the host believes about it. Any thread.
+/// A device on the network, independent of the host's view of it. Any thread.
 class HOST_SIMULATION_EXPORT Hardware
 {
 public:
@@ -111,11 +111,10 @@ public:
 
     HardwareState state() const;
     void setState(const HardwareState &state);
-    /// Changes the state in one step, which no reader sees half done. The pixels of pictures are put into
-    /// the formats that PictureState names.
+    /// Changes the state atomically for readers. Pictures are converted to the formats that PictureState names.
     void change(const std::function<void(HardwareState &)> &change);
 
-    /// False once the device was unplugged or its connection was dropped.
+    /// False once the device was unplugged or its connection dropped.
     bool isReachable() const { return m_reachable; }
     void setReachable(bool reachable) { m_reachable = reachable; }
 
@@ -123,17 +122,17 @@ public:
     bool isChannelExclusive() const { return m_channelExclusive; }
     void setChannelExclusive(bool exclusive) { m_channelExclusive = exclusive; }
 
-    /// Bytes that the logos take, and the bytes of everything else.
+    /// Bytes occupied by logos, and by everything else.
     quint64 logoBytes() const;
     quint64 otherBytes() const;
-    /// Makes the counters above answer these values whatever the device holds.
+    /// Makes these counters report fixed values, whatever the device holds.
     void fixCounters(quint64 logoBytes, quint64 otherBytes);
     void releaseCounters();
 
 private:
     const QString m_ip;
     mutable std::mutex m_mutex;
-    /// Replaced by every change and never changed itself, since readers go on sharing its data.
+    /// Copy on write: replaced by every change and never modified, since readers share its data.
     std::shared_ptr<const HardwareState> m_state;
     std::atomic<bool> m_reachable{true};
     std::atomic<bool> m_channelExclusive{false};

@@ -20,7 +20,7 @@ struct HOST_SIMULATION_EXPORT JournalEntry
     /// One of Operations.
     QString operation;
     QVariantMap arguments;
-    /// Tells threads apart; 0 is never used.
+    /// Identifies the thread; 0 is never used.
     quintptr threadId = 0;
     bool onMainThread = false;
 };
@@ -34,13 +34,13 @@ public:
     static Journal *instance();
 
     void record(const QString &operation, const QVariantMap &arguments = QVariantMap());
-    /// Tells that an operation did all of its work, where the host's window shows that it did.
+    /// Notes that an operation completed, for the host's window to show.
     void recordSuccess(const QString &operation);
 
     QVector<JournalEntry> entries() const;
-    /// The entries of that operation alone.
+    /// The entries of that operation only.
     QVector<JournalEntry> entries(const QString &operation) const;
-    /// The names alone, in order.
+    /// The names only, in order.
     QStringList operations() const;
     int count(const QString &operation) const;
     void clear();
@@ -48,7 +48,7 @@ public:
 signals:
     /// Emitted from the thread that made the call.
     void recorded(const Simulation::JournalEntry &entry);
-    /// The same for recordSuccess().
+    /// Likewise for recordSuccess().
     void succeeded(const QString &operation);
 
 private:

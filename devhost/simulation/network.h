@@ -6,16 +6,16 @@
 
 namespace Simulation {
 
-/// The devices that are wired up, by address, whether or not they can be reached just now. Any thread.
+/// The wired devices by address, reachable or not. Any thread.
 class HOST_SIMULATION_EXPORT Network
 {
 public:
     static Network *instance();
 
-    /// Replaces the device at the same address, if there is one.
+    /// Replaces any device at the same address.
     void attach(const std::shared_ptr<Hardware> &hardware);
     void detach(const QString &ip);
-    /// Null when there is no device at that address.
+    /// Null if there is no device at that address.
     std::shared_ptr<Hardware> hardware(const QString &ip) const;
 
 private:

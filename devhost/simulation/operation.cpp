@@ -13,7 +13,7 @@ namespace Simulation {
 
 namespace {
 
-/// Which cancellations an operation has seen; one that comes later is meant for it.
+/// Counts of cancellations when an operation begins; only later ones apply to it.
 struct Ticket
 {
     quint64 everywhere = 0;
@@ -45,7 +45,7 @@ struct Running
         return ticket.everywhere != everywhere || ticket.atDevice != atDevice.value(ip);
     }
 
-    /// Waits, and returns false when the operation was cancelled.
+    /// Waits; returns false if the operation was cancelled.
     bool wait(qint64 ms, const Ticket &ticket, const QString &ip)
     {
         std::unique_lock<std::mutex> locker(mutex);

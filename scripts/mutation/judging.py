@@ -1,4 +1,4 @@
-"""Builds the copy of the tree, finds out which test function reaches which mistake, and lets the tests judge."""
+"""Builds the copy of the tree, records which test function reaches which mistake, and runs the tests on each."""
 import collections
 import hashlib
 import json
@@ -15,12 +15,12 @@ import time
 
 import schemata
 
-# In the copy nobody waits a minute for what a mistake keeps from coming, and the long programs run a share.
+# In the copy no test waits a full minute for an event that a mistake keeps from coming, and long programs run a share.
 PATIENCE = 8000
 SHARE = {"DISTURB_EVERY": "12", "RANDOM_SEQUENCES": "10"}
 
 
-# What runs around the test functions, whichever are chosen.
+# Functions that Qt Test runs around the chosen test functions.
 FRAME = {"initTestCase", "cleanupTestCase"}
 
 
@@ -43,7 +43,7 @@ def write_if_changed(path, content):
 
 
 class Tree:
-    """A copy in which the product's sources have their switches."""
+    """A copy whose product sources contain the switches."""
 
     def __init__(self, root, product, work, jobs):
         self.source, self.build, self.jobs = work / "tree", work / "build", jobs
@@ -55,7 +55,7 @@ class Tree:
         wanted = set()
         for name in names:
             content = (root / name).read_bytes()
-            # Neither what people read nor the list of unnoticeable mistakes decides what the tests notice.
+            # Neither documents nor the list of unnoticeable mistakes affect the tests.
             if not name.startswith(("docs/", "benchmarks/", "scripts/", "tests/mutation/", ".")) and "/" in name:
                 digest.update(name.encode() + b"\0" + hashlib.sha256(content).digest())
             wanted.add(name)
@@ -97,7 +97,7 @@ class Tree:
         return keep + (["-isystem", str(resources[-1])] if resources else [])
 
     def switch(self, switched):
-        """Writes the sources with their switches, and takes back those that do not compile."""
+        """Writes the sources with their switches, and removes those that do not compile."""
         def write(path):
             write_if_changed(pathlib.Path(path), switched.emitted(path)[0].encode("latin-1"))
 
@@ -107,7 +107,7 @@ class Tree:
         for path in switched.texts:
             write(path)
         place = re.compile(r"^([^:\s]+):(\d+):(\d+): +(error|required from)", re.MULTILINE)
-        # The tests include some of the product's headers: they are built once those have found their form.
+        # The tests include some of the product's headers: they are built once those are final.
         steps = [sorted(set(self.objects.values())), ["all"]]
         for attempt in range(40):
             outcome = subprocess.run(["ninja", "-C", self.build, "-j", str(self.jobs), "-k", "0", *steps[0]],
@@ -137,7 +137,7 @@ class Tree:
         found = []
         for test in listed["tests"]:
             arguments = test.get("command")
-            # Other programs, such as the host itself, have no test functions to choose from.
+            # Other programs, such as the host itself, have no test functions to select.
             if not arguments or not pathlib.Path(arguments[0]).name.startswith("tst_") or \
                     pathlib.Path(arguments[0]).parent != self.build / "bin":
                 continue
@@ -159,7 +159,7 @@ class Worker:
     def __init__(self, temporary):
         self.temporary = temporary
         self.environment = dict(os.environ, LC_ALL="C.UTF-8", TMPDIR=str(temporary))
-        # An administrator's mistakes could reach anything: they get the rest of the system to read only.
+        # Mutants run with root privileges could damage anything: the rest of the system is mounted read-only.
         self.fence = [] if os.getuid() != 0 else [
             "unshare", "--mount", "--propagation", "private", "sh", "-ec",
             'mount --bind "$0" "$0"; mount -o remount,bind,ro /; mount -o remount,bind,ro /dev; cd "$0"; exec "$@"',
@@ -176,7 +176,7 @@ class Worker:
                 left.unlink()
 
     def run(self, program, functions, environment, cpu, wall, go_on=False):
-        """(what made it fail or None, {function: seconds}, [functions that failed])"""
+        """(reason of the failure or None, {function: seconds}, [failed functions])"""
         _, arguments, own = program
 
         def restrict():
@@ -206,7 +206,8 @@ class Worker:
                 if not match:
                     continue
                 verdict, function, row = match.groups()
-                # Behind a failure stands what failed. A row may hold brackets, too: those of this program are known.
+                # On a failure more text follows the row. A row's name may contain brackets, too: compare with the known
+                # rows.
                 end = row.rfind(")") if verdict == "PASS" else row.find(")")
                 if verdict != "PASS" and functions:
                     end = next((len(f) - len(function) - 1 for f in functions
@@ -232,12 +233,12 @@ class Worker:
 
 
 def choosable(test):
-    """"function:row", or the function alone where Qt Test could not tell the row: two colons divide class and function."""
+    """"function:row", or the function alone where Qt Test cannot select the row: two colons divide class and function."""
     return test.split(":")[0] if "::" in test else test
 
 
 def kill_group(process):
-    """The program is the leader of a group of its own; what it started goes with it."""
+    """Kills the program with its children: it leads a process group of its own."""
     try:
         os.killpg(process.pid, 9)
     except ProcessLookupError:
@@ -270,7 +271,7 @@ def trace(program, worker, count):
                 if number and not name:
                     break
                 numbers = {m.start() for m in re.finditer(b"\1", record[NAME_SIZE:])}
-                # What is reached outside of every test may matter to each.
+                # Code reached outside every test may affect each of them.
                 if not number or name in FRAME:
                     everywhere |= numbers
                 else:
@@ -281,7 +282,7 @@ def trace(program, worker, count):
         rest = [function for function in rest if function not in done | FRAME]
         if not reason or not rest:
             break
-        # The first that is missing took the program with it.
+        # The first test without a result crashed the program.
         failed.append("%s %s" % (rest[0], reason))
         rest = rest[1:]
     file.unlink()
@@ -334,7 +335,8 @@ class Campaign:
                         batch.append(test)
                         expected += self.seconds[test]
                         order.remove(test)
-                # By what the tests take without a mistake and alone, so that a busy machine does not ask fewer of them.
+                # Limited by the tests' sequential time without a mistake, so that a busy machine does not run fewer of
+                # them.
                 if asked and asked + expected > self.effort:
                     passed_over += len(batch)
                     continue

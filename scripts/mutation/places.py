@@ -1,5 +1,5 @@
-"""Finds the places for mistakes in the product's sources. Texts are read byte by byte (latin-1), so that offsets are
-those of the compiler; labels are proper text."""
+"""Finds the places for mistakes in the product's sources. Texts are read as latin-1, so that offsets match the
+compiler's; labels are decoded."""
 import bisect
 import collections
 import re
@@ -27,7 +27,7 @@ NO_EFFECT = {"Q_UNUSED", "Q_OBJECT", "Q_DISABLE_COPY", "Q_DISABLE_COPY_MOVE", "Q
 
 
 def without_inactive(text):
-    """Blanks directives and what another platform compiles, so that offsets stay."""
+    """Blanks directives and code for other platforms; offsets stay."""
     out, active, goes_on = [], [True], False
     for line in text.splitlines(keepends=True):
         word = None if goes_on else re.match(r"\s*#\s*(\w+)\s*(.*)", line)
@@ -73,7 +73,7 @@ def opens_block(tokens, i):
 
 
 def statement_end(tokens, i):
-    """The index of the ";" that ends the statement at `i`; None when it is none that could be left out."""
+    """The index of the ";" that ends the statement at `i`; None if the statement cannot be left out."""
     depth = 0
     for j in range(i, len(tokens)):
         text = tokens[j].text
@@ -130,13 +130,13 @@ def char_plus(text):
 
 
 def function_at(text, offset):
-    """The name of the function that the offset lies in: definitions begin at the margin."""
+    """The name of the function around the offset: definitions begin in the first column."""
     names = re.findall(r"^[A-Za-z][^\n;]*?([\w~]+)\([^\n]*$", text[:offset], re.MULTILINE)
     return names[-1] if names else ""
 
 
 def mutants_of(name, text):
-    """The mistakes that can be made in the file, from its begin to its end."""
+    """The possible mistakes in the file, in order."""
     lines = [0] + [m.end() for m in re.finditer("\n", text)]
     tokens = tokens_of(without_inactive(text))
     inside = in_function(tokens)

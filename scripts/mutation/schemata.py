@@ -4,8 +4,8 @@
     f(x);             becomes    {if(mutation_on(8)){}else f(x);}
     const int n = 5;  becomes    const int n = 5;const int n_m9 = 6;    and each use of it (mutation_on(9)?n_m9:n)
 
-Where expressions begin and end is asked of libclang. Lines stay where they are. What the compiler refuses in the end
-(sizes of arrays, labels of cases, arguments of templates) is taken out again, at the place that it names."""
+libclang finds the ends of expressions. Line numbers stay the same. Switches that the compiler refuses (array sizes, case
+labels, template arguments) are removed again, at the place named in its error."""
 import collections
 import hashlib
 import pathlib
@@ -33,7 +33,7 @@ PRELUDE = 'extern "C" bool mutation_on(int) noexcept;\n'
 
 
 def parse(path, arguments, texts):
-    """Parsed, for each file in `texts` (path: unchanged text) that the compilation of `path` sees."""
+    """The parsed form of each file in `texts` (path: unchanged text) that compiling `path` includes."""
     from clang import cindex
     kinds = cindex.CursorKind
     unit = cindex.Index.create().parse(path, args=arguments, unsaved_files=[
@@ -173,7 +173,7 @@ class Switched:
         return re.search(r"\bfor \([^;{}]*;\s*$", head) is not None
 
     def _follow_constants(self):
-        """A constant made of a mistaken one is mistaken too; all uses ask the switch."""
+        """A constant computed from a mutated one is mutated too; all uses ask the switch."""
         for _ in range(4):
             for key, constant in self.constants.items():
                 have = {number for number, _ in self.variants.get(key, [])}
@@ -209,14 +209,14 @@ class Switched:
         return re.sub(r"\b%s\b" % re.escape(name), "%s_m%d" % (name, number), code)
 
     def placed(self):
-        """The numbers that some switch asks for."""
+        """The numbers that have a switch."""
         return {number for path, wrappers in self.wrappers.items() for wrapper in wrappers.values()
                 for number, _ in wrapper.variants
                 if wrapper.kind != "constant" and (wrapper.start, wrapper.end, wrapper.kind, number)
                 not in self.refused[path]}
 
     def near(self):
-        """For each number the names of the files, without folder and suffix, in which a switch asks for it."""
+        """The base names of the files with a switch for each number."""
         found = collections.defaultdict(set)
         for path, wrappers in self.wrappers.items():
             for wrapper in wrappers.values():
@@ -225,7 +225,7 @@ class Switched:
         return found
 
     def refuse(self, path, line, column, emitted):
-        """Takes out what stands at that place of the emitted text. False when nothing does."""
+        """Removes the variant at that place of the emitted text. False if there is none."""
         code, spans = emitted
         begins = [0] + [m.end() for m in re.finditer("\n", code)]
         offset = begins[line - 1] + column - 1
@@ -245,7 +245,7 @@ class Switched:
         return True
 
     def memory(self):
-        """What was refused, for the next run: by label, and only while the file is the same."""
+        """The refused mistakes, for the next run: by label, valid while the file is unchanged."""
         labels = {number: mutant.label for mutant, number in self.numbers.items()}
         return {path: [hashlib.sha256(text.encode("latin-1")).hexdigest(),
                        sorted([*place, labels[number]] for *place, number in self.refused[path])]

@@ -1,7 +1,8 @@
-// Linked into every program of the copy that scripts/mutate builds: says which mistake is made in this process, and
-// notes which test asks for which. Environment: MUTATION_MADE, the number of the mistake; MUTATION_TRACE, a file of
-// zeros for MUTATION_TESTS records of MUTATION_COUNT bytes behind a name of 256. The first record belongs to no test;
-// the others are named "function" or "function:row" as tests begin, also in several processes at once.
+// Linked into every program of the copy that scripts/mutate builds: selects the mistake made in this process and
+// records which test reaches which. Environment: MUTATION_MADE, the number of the mistake; MUTATION_TRACE, a
+// zero-filled file for MUTATION_TESTS records of MUTATION_COUNT bytes, each after a name of 256. The first record
+// belongs to no test; the others are named "function" or "function:row" as tests begin, also by several processes at
+// once.
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
@@ -33,7 +34,7 @@ __attribute__((constructor(101))) void begin()
         return;
     s_recordSize = nameSize + size_t(atol(getenv("MUTATION_COUNT")));
     s_records = size_t(atol(getenv("MUTATION_TESTS")));
-    // Mapped, so that neither limits nor a kill nor an injected fault stands between.
+    // Memory-mapped, so that neither limits nor a kill nor an injected fault gets in the way.
     const int file = open(trace, O_RDWR | O_CLOEXEC);
     if (file < 0)
         abort();
@@ -44,7 +45,7 @@ __attribute__((constructor(101))) void begin()
     s_trace = static_cast<unsigned char *>(memory);
 }
 
-/// The number of the test's record. The first record's name holds how many there are besides it.
+/// The number of the test's record. The first record's name holds the number of other records.
 size_t recordOf(const std::string &name)
 {
     static std::mutex mutex;
@@ -86,7 +87,7 @@ size_t currentRecord()
 
 extern "C" __attribute__((visibility("default"))) bool mutation_on(int number) noexcept
 {
-    // It would be noted in the record of another test.
+    // It would be attributed to another test.
     if (s_trace && nameSize + size_t(number) >= s_recordSize)
         abort();
     if (s_trace)

@@ -56,7 +56,7 @@ void Corpus::addSizes()
     });
 
     add("entries_share_their_content", [] {
-        // The second entry of the directory leads to the content of the first one, which has the same name.
+        // The second directory entry points to the content of the first, which has the same name.
         ZipArchive archive(sealed(honest().file("a.png", picture()).file("b.png", picture())));
         archive.set32(archive.lastCentral() + 42, quint32(archive.local(archive.count() - 2)));
         return archive.bytes;
@@ -155,7 +155,7 @@ void Corpus::addEndRecords()
 {
     add("junk_before", [] { return QByteArray(500, 'x') + sealed(honest()); });
     add("junk_before_with_its_checksum", [] {
-        // As a package that unpacks itself would be.
+        // Like a self-extracting package.
         const QByteArray junk = raw("MZ\x90\0\3").leftJustified(500, '\0');
         const QByteArray checksum = PackageBuilder::checksum(junk, 0);
         return junk +
@@ -261,7 +261,7 @@ void Corpus::addHeaders()
     add("header_needs_a_newer_version",
         patched([](ZipArchive &a) { a.set16(a.lastLocal() + 4, 99).set16(a.lastCentral() + 6, 99); }));
     add("header_promises_sizes_behind_the_content", patched([](ZipArchive &a) {
-            // As a stream is packed: the flag is set and the fields are empty; the directory has the sizes.
+            // As a streaming writer leaves it: the flag is set and the fields are zero; the directory has the sizes.
             a.set16(a.lastLocal() + 6, 8).set16(a.lastCentral() + 8, 8);
             a.set32(a.lastLocal() + 14, 0).set32(a.lastLocal() + 18, 0).set32(a.lastLocal() + 22, 0);
         }));
@@ -286,7 +286,7 @@ void Corpus::addHeaders()
     add("content_is_no_deflate_stream",
         patched([](ZipArchive &a) { a.bytes.replace(a.lastContent(), 20, QByteArray(20, '\xff')); }));
     add("content_refers_to_what_was_never_there", patched([](ZipArchive &a) {
-            // A fixed block that begins with a match.
+            // A fixed block that starts with a back reference.
             a.bytes.replace(a.lastContent(), 4, raw("\x4b\x04\x02\x00"));
         }));
     add("content_is_encrypted",
@@ -335,7 +335,7 @@ void Corpus::addLargeNumbers()
             object.insert(QStringLiteral("materials"), array);
         });
     };
-    // 42 million pixels each, so each alone is allowed.
+    // 42 million pixels each, so each is allowed on its own.
     const auto pictures = [materials](int count) {
         return [=] {
             PackageBuilder package;
@@ -369,7 +369,7 @@ void Corpus::addLargeNumbers()
 
 void Corpus::addOtherWriters()
 {
-    // As a package that unpacks itself would be, with the program in front taken into account everywhere.
+    // Like a self-extracting package whose offsets all include the program in front.
     add("program_before_with_adjusted_offsets", [] {
         const QByteArray program = raw("MZ\x90\0\3").leftJustified(500, '\0');
         const QByteArray checksum = PackageBuilder::checksum(program, 0);

@@ -1,6 +1,6 @@
 #include "ingredients.h"
 
-// Packages whose defect is in what they hold: pictures, info records, descriptions.
+// Packages whose defect is in their contents: pictures, info records, descriptions.
 
 namespace TestData {
 
@@ -49,7 +49,7 @@ void Corpus::addPictures()
     add("picture_has_a_number_above_16_bits", [] { return sealed(honest().file("BKG/BKG_65537.png", picture())); });
     add("picture_has_a_number_above_8_bits", [] { return sealed(honest().file("BKG/BKG_257.png", picture())); });
     add("picture_is_interlaced", withPicture(16, 9, [] {
-            // Seven passes over 16 by 9 pixels, each row with its filter byte.
+            // Seven Adam7 passes over 16 by 9 pixels, each row with its filter byte.
             int size = 0;
             for (const auto &pass : {QPair<int, int>{2, 2}, {2, 2}, {4, 1}, {4, 3}, {8, 2}, {8, 5}, {16, 4}})
                 size += (1 + 4 * pass.first) * pass.second;

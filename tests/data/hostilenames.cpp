@@ -1,6 +1,6 @@
 #include "ingredients.h"
 
-// Packages whose defect is what an entry is called, or what kind of file it is.
+// Packages whose defect is an entry's name or file type.
 
 namespace TestData {
 
@@ -81,7 +81,7 @@ void Corpus::addNames()
         return sealed(package);
     });
     add("name_is_taken_ten_thousand_times", [] {
-        // Each of them would be the first one: a picture that takes its time.
+        // Each would be taken for the first picture, which is slow to decode.
         const QByteArray text = description([](QJsonObject &object) {
             QJsonArray materials = object.value(QStringLiteral("materials")).toArray();
             materials.append(QJsonObject{{QStringLiteral("type"), 0},
@@ -147,7 +147,7 @@ void Corpus::addLinksAndModes()
 
 void Corpus::addAliases()
 {
-    // The first is the good one, whatever it is called.
+    // The first one is valid, whatever its name.
     const auto twice = [](const QByteArray &first, const QByteArray &second) {
         return [=] {
             return sealed(PackageBuilder()

@@ -7,29 +7,29 @@
 
 namespace TestData {
 
-/// The addresses that the packages count on: they come from a device that no site has, and fit both targets.
+/// The addresses built into the packages: the source is a device that no site has, and the packages fit both targets.
 constexpr const char *sourceAddress = "10.0.0.77";
 constexpr const char *onlineAddress = "10.0.0.11";
 constexpr const char *offlineAddress = "10.0.0.12";
 
-/// A package with one defect, which its name tells. What has to come of it stands in README.md.
+/// A package with one defect, named after it. README.md states the expected outcome.
 struct HostilePackage
 {
     QByteArray name;
     std::function<QByteArray()> bytes;
-    /// The package itself is in order: it meets links in the folders into which it is extracted.
+    /// The package itself is valid: the folders it is extracted into contain links.
     bool linksInTheWay = false;
-    /// Qt 5.15 loses the arrays and objects of a member that stands in an object twice.
+    /// Qt 5.15 leaks the arrays and objects of a member that occurs twice in an object.
     bool libraryLeaks = false;
 };
 
-/// All of them, in the order of README.md. Made anew on every run and the same on every run.
+/// All of them, in the order of README.md. Generated on every run, always with the same bytes.
 QVector<HostilePackage> hostilePackages();
 
-/// A package without defect: a background, a logo and a preset, for the targets above.
+/// A valid package: a background, a logo and a preset, for the targets above.
 QByteArray honestPackage();
 
-/// Where a package of hostilePackages() would write if it got out by an absolute name.
+/// Where a package of hostilePackages() would write if an absolute name let it escape.
 constexpr const char *absoluteEscape = "/tmp/projectfilecfg-escaped.png";
 
 } // namespace TestData

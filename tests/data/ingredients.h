@@ -10,7 +10,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-/// What the packages of the recipe are made of.
+/// The building blocks of the hostile packages.
 namespace TestData {
 
 using TestSupport::PackageBuilder;
@@ -20,9 +20,9 @@ constexpr int MiB = 1024 * 1024;
 constexpr quint32 GiB = 1024u * MiB;
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What the packages are made of
+// Building blocks
 
-/// All bytes of the literal, zero bytes too.
+/// All bytes of the literal, including zero bytes.
 template<int sizeWithEnd>
 inline QByteArray raw(const char (&bytes)[sizeWithEnd])
 {
@@ -54,7 +54,7 @@ inline QByteArray sealed(PackageBuilder package)
     return package.record(QStringLiteral("hostile"), QStringLiteral("a package for tests")).build();
 }
 
-/// The honest package with one entry more, which is a picture where its name says so.
+/// The valid package plus one entry, which is a picture if its name says so.
 inline Bytes withEntry(const QByteArray &name)
 {
     return [name] { return sealed(honest().file(name, picture(), PackageBuilder::Stored)); };
@@ -65,7 +65,7 @@ inline Bytes withMode(const QByteArray &name, quint32 mode, const QByteArray &co
     return [=] { return sealed(honest().file(name, content, PackageBuilder::Stored, mode)); };
 }
 
-/// The honest package with one entry more, changed in the finished archive.
+/// The valid package plus one entry, modified in the finished archive.
 inline Bytes patched(const std::function<void(ZipArchive &)> &patch,
                      PackageBuilder::Method method = PackageBuilder::Deflated)
 {
@@ -97,7 +97,7 @@ inline Bytes withChange(const std::function<void(QJsonObject &)> &change)
     return withDescription([change] { return description(change); });
 }
 
-/// A good description with `member` as one member more.
+/// A valid description plus `member`.
 inline Bytes withMember(const std::function<QByteArray()> &member)
 {
     return withDescription([member] {
@@ -106,7 +106,7 @@ inline Bytes withMember(const std::function<QByteArray()> &member)
     });
 }
 
-/// A package whose only picture is background 1; the description says that it has that size.
+/// A package whose only picture is background 1, with that size in the description.
 inline Bytes withPicture(quint32 width, quint32 height, const Bytes &png)
 {
     return [=] {
@@ -140,7 +140,7 @@ inline QByteArray savedAs(const char *format)
     return bytes;
 }
 
-/// A blank 16 by 9 picture with more chunks behind its header.
+/// A blank 16 by 9 picture with additional chunks after its header.
 inline QByteArray pngWith(const QByteArray &chunks)
 {
     QByteArray png = PngMaker::blank(16, 9);
@@ -160,7 +160,7 @@ inline QByteArray rightChecksum()
     return PackageBuilder::checksum(honest().build(), 0);
 }
 
-/// A record of these members and the right checksum.
+/// A record with these members and the correct checksum.
 inline Bytes withRecord(const QByteArray &members)
 {
     return [members] {
@@ -185,7 +185,7 @@ inline QByteArray zip64Records(quint64 entries, quint64 centralSize, quint64 cen
 // ---------------------------------------------------------------------------------------------------------------------
 // The corpus
 
-/// The packages, added table by table of README.md.
+/// The packages, table by table of README.md.
 class Corpus
 {
 public:

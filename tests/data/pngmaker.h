@@ -7,7 +7,7 @@
 
 namespace TestData {
 
-/// A PNG made chunk by chunk, so that each can be wrong.
+/// A PNG built chunk by chunk, so that each can be made invalid.
 class PngMaker
 {
 public:
@@ -32,14 +32,14 @@ public:
                      big32(width) + big32(height) + char(depth) + char(type) + char(0) + char(0) + char(interlace));
     }
 
-    /// What zlib makes of `bytes`.
+    /// `bytes` as a zlib stream.
     static QByteArray deflated(const QByteArray &bytes) { return qCompress(bytes).mid(4); }
 
     static QByteArray pixels(const QByteArray &rows) { return chunk("IDAT", deflated(rows)); }
 
     static QByteArray end() { return chunk("IEND", QByteArray()); }
 
-    /// All rows empty, none filtered.
+    /// Rows of zeros, unfiltered.
     static QByteArray blank(quint32 width, quint32 height, int depth = 8, ColourType type = Rgba, int interlace = 0)
     {
         const int channels = type == Rgba ? 4 : type == Rgb ? 3 : 1;

@@ -5,8 +5,8 @@
 
 namespace TestData {
 
-/// The bytes of a well-formed zip archive whose structures can be found and changed one by one. Positions are
-/// those of the structure's signature; what stands where behind it is the zip format's.
+/// The bytes of a valid zip archive whose structures can be located and patched. Positions are those of a structure's
+/// signature; the offsets of its fields follow the zip format.
 class ZipArchive
 {
 public:
@@ -20,7 +20,7 @@ public:
     int end() const { return m_end; }
     int count() const { return get16(m_end + 10); }
     int centralStart() const { return int(get32(m_end + 16)); }
-    /// The header of an entry in the central directory, and the one before its content.
+    /// The central directory header of an entry, and its local header.
     int central(int entry) const
     {
         int at = centralStart();
@@ -45,7 +45,7 @@ public:
         bytes.replace(at, 4, little(value));
         return *this;
     }
-    /// An extra field of the last entry, in the central directory only.
+    /// Adds an extra field to the last entry, in the central directory only.
     ZipArchive &addCentralExtra(const QByteArray &extra)
     {
         const int at = lastCentral();

@@ -23,14 +23,14 @@ using HX::Widgets::FramelessMessageBox;
 
 namespace {
 
-/// Does this with the modal dialog that opens next.
+/// Calls `act` with the next modal dialog.
 template<typename Act>
 void whenADialogOpens(Act act)
 {
     QTimer::singleShot(0, [act]() { act(QApplication::activeModalWidget()); });
 }
 
-/// While it lives, remembers what assistive technology is told.
+/// Records what assistive technology is told during its lifetime.
 class Announcements
 {
 public:
@@ -48,7 +48,7 @@ public:
             const QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(event->object());
             told().append({event->type(), event->object(), interface ? interface->text(QAccessible::Name) : QString()});
         });
-        // Nothing is told while nobody listens, and only the platform can say that somebody does.
+        // Qt only sends updates while accessibility is active, which only the platform can report.
         setActive(true);
     }
     ~Announcements()
@@ -57,7 +57,7 @@ public:
         QAccessible::installUpdateHandler(m_previous);
     }
 
-    /// The names that `object` had each time when it announced that.
+    /// The names of `object` at each of its announcements of that type.
     static QStringList names(QAccessible::Event type, const QObject *object)
     {
         QStringList names;
@@ -88,13 +88,13 @@ QPushButton *cancelButton()
     return WaitingDialog::instance()->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel"));
 }
 
-/// Where a person's next key goes.
+/// The receiver of the next key press.
 QWidget *keyTarget(QWidget *window)
 {
     return window->focusWidget() ? window->focusWidget() : window;
 }
 
-/// Counts how often the object that it is installed on is asked to paint.
+/// Counts the paint events of the object it is installed on.
 class PaintCounter : public QObject
 {
 public:
@@ -129,7 +129,7 @@ private slots:
     void a_box_is_in_the_journal();
     void markup_in_a_message_stays_what_it_is();
     void a_box_tells_assistive_technology_its_text();
-    void the_buttons_of_a_box_are_reached_by_keys();
+    void keys_reach_the_buttons_of_a_box();
 
     void waiting_dialog_is_painted_without_blocking();
     void the_waiting_dialog_blocks_the_other_windows();
@@ -328,7 +328,7 @@ void TstDialogs::markup_in_a_message_stays_what_it_is()
 
 void TstDialogs::a_box_tells_assistive_technology_its_text()
 {
-    // Long enough to be broken where it has no blanks.
+    // Long enough to require a break, without blanks to break at.
     const QString text = QStringLiteral("Not written: /media/") + QString(60, QLatin1Char('x'));
     const Announcements announcements;
     QString title;
@@ -353,7 +353,7 @@ void TstDialogs::a_box_tells_assistive_technology_its_text()
     QCOMPARE(alerts, QStringList(QStringLiteral("Remind")));
 }
 
-void TstDialogs::the_buttons_of_a_box_are_reached_by_keys()
+void TstDialogs::keys_reach_the_buttons_of_a_box()
 {
     const QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
     whenADialogOpens([](QWidget *box) {
@@ -432,7 +432,7 @@ void TstDialogs::escape_without_cancel_does_nothing()
 
 void TstDialogs::a_held_escape_does_not_cancel()
 {
-    // Pressed in a box, and still held when the box has gone and the waiting dialog has come.
+    // Pressed in a box and still held after the box was replaced by the waiting dialog.
     WaitingDialog *dialog = WaitingDialog::instance();
     QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
     dialog->setCanelVisible(true);
@@ -483,7 +483,7 @@ void TstDialogs::cancel_is_acknowledged_before_it_is_obeyed()
     QString text;
     int paintsBefore = paints.count;
     int paintsThen = 0;
-    // Whoever obeys may block in a call to the device.
+    // A connected slot may block in a call to the device.
     QObject context;
     connect(dialog, &WaitingDialog::signal_canelLoad, &context, [&]() {
         enabled = cancelButton()->isEnabled();
@@ -507,7 +507,7 @@ void TstDialogs::progress_does_not_hide_that_it_stops()
     QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
     const QString stopping = dialog->text();
     QVERIFY(stopping != QStringLiteral("Picture 1"));
-    // What was on its way when Cancel was pressed.
+    // A text already queued when Cancel was pressed.
     dialog->showWaitingDialog(QStringLiteral("Picture 2"), 0);
     dialog->setCanelVisible(true);
     dialog->setButtonText(QStringLiteral("Cancel"));
@@ -552,7 +552,7 @@ void TstDialogs::cancel_that_nobody_obeys_cannot_be_pressed()
         QTRY_VERIFY(cancelButton()->isEnabled());
         // Its destructor disconnects it.
     }
-    // An operation that has gone says no goodbye.
+    // A deleted receiver sends no disconnect notification.
     QTest::keyClick(keyTarget(dialog), Qt::Key_Escape);
     QCOMPARE(dialog->text(), QStringLiteral("Copying"));
     dialog->hideWaitingDialog();

@@ -179,7 +179,7 @@ void TstFixedBitLineEditEx::characters_illegal_in_file_names_are_dropped()
         QVector<QString> seen;
         connect(&edit, &QLineEdit::textChanged, [&](const QString &changed) { seen.append(changed); });
         ways.at(way)(edit);
-        // A key that brings a control character first is a command, and no text.
+        // A key whose text starts with a control character is a command, not input.
         if (way == 5 && edit.text().isEmpty() && !text.at(0).isPrint())
             continue;
         QVERIFY2(edit.text() == kept, qPrintable(QStringLiteral("way %1: %2").arg(way).arg(edit.text())));

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// A plugin with texts in zh_CN alone.
+/// A plugin with translations for zh_CN only.
 class Plugin : public Core::ICorvelPlugin
 {
 public:
@@ -140,7 +140,7 @@ void TstLanguage::a_plugin_without_texts_is_named()
     plugin.setObjectName(QStringLiteral("Mute"));
     plugin.addObject(&plugin);
     Core::switchLanguage(QStringLiteral("fr"));
-    // The texts in the sources are English: a plugin needs none for it.
+    // The source texts are English: a plugin needs no file for it.
     Core::switchLanguage(QStringLiteral("en"));
     plugin.removeObject(&plugin);
     QCOMPARE(plugin.asked, QStringList({QStringLiteral("fr"), QStringLiteral("en")}));

@@ -53,7 +53,7 @@ void setTextSize(int pixels)
 
 } // namespace
 
-/// The dark look, as far as it can be measured.
+/// Measures the dark look as far as possible.
 class TstLook : public QObject
 {
     Q_OBJECT
@@ -66,7 +66,7 @@ private slots:
     void the_text_has_the_size_that_was_set();
     void texts_of_other_sizes_grow_with_it();
     void emoji_have_a_font();
-    void a_button_of_the_width_of_its_text_is_not_cut();
+    void buttons_fit_their_text_plus_25_pixels();
 };
 
 void TstLook::the_focus_can_be_seen_data()
@@ -161,18 +161,18 @@ void TstLook::the_focus_can_be_seen()
         for (int x = 0; x < with.width(); ++x)
             visible += contrast(with.pixel(x, y), without.pixel(x, y)) >= 3;
     }
-    // A line around it, less its rounded corners.
+    // A border around it, except at its rounded corners.
     const int needed = 2 * (with.width() + with.height()) - 32;
     QVERIFY2(visible >= needed, qPrintable(QStringLiteral("%1 of %2 pixels").arg(visible).arg(needed)));
 }
 
 void TstLook::the_text_has_the_size_that_was_set()
 {
-    // Without a desktop.
+    // As without a desktop.
     QCOMPARE(QApplication::font().pixelSize(), 13);
     setTextSize(17);
     QCOMPARE(QApplication::font().pixelSize(), 17);
-    // More does not fit into what plugins give a fixed height.
+    // Larger texts do not fit into the fixed heights that plugins set.
     setTextSize(40);
     QCOMPARE(QApplication::font().pixelSize(), 20);
 }
@@ -211,7 +211,7 @@ void TstLook::emoji_have_a_font()
     }
 }
 
-void TstLook::a_button_of_the_width_of_its_text_is_not_cut()
+void TstLook::buttons_fit_their_text_plus_25_pixels()
 {
     // Plugins make buttons 25 pixels wider than their text.
     for (const int size : {13, 20}) {

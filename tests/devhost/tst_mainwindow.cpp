@@ -36,7 +36,7 @@ using HX::Widgets::TitleBar;
 
 namespace {
 
-/// A top-level mode with something of its own at the window's side.
+/// A top-level mode with its own side widget.
 class Mode : public Core::IMode
 {
 public:
@@ -86,7 +86,7 @@ private slots:
     void tab_follows_the_eye_and_is_never_trapped();
     void the_buttons_of_the_window_are_named_data();
     void the_buttons_of_the_window_are_named();
-    void a_dock_keeps_its_name_in_its_close_button();
+    void close_buttons_name_their_dock();
 
     void a_save_that_left_a_package_is_told();
     void a_save_that_left_nothing_claims_nothing();
@@ -97,7 +97,7 @@ private slots:
 private:
     QToolButton *viewButton() const { return m_window->findChild<QToolButton *>(QStringLiteral("ViewButton")); }
     QDockWidget *logDock() const { return m_window->findChild<QDockWidget *>(QStringLiteral("LogDock")); }
-    /// As the panel: on the user-interface thread.
+    /// Like the panel: on the user-interface thread.
     static void runOperation(
         ICore::OperatorDeviceType type, const std::function<void()> &work,
         const std::function<void()> &afterwards = [] {});
@@ -129,7 +129,7 @@ void TstMainWindow::fromAnotherThread(const std::function<void()> &work)
     const std::unique_ptr<QThread> thread(QThread::create(work));
     thread->start();
     thread->wait();
-    // What it said is on its way to the window now.
+    // Delivers its queued messages to the window.
     QCoreApplication::processEvents();
 }
 
@@ -270,7 +270,7 @@ void TstMainWindow::the_window_opens_no_larger_than_its_screen()
     const QSize screen = QGuiApplication::primaryScreen()->availableGeometry().size();
     QVERIFY2(m_window->width() <= screen.width() && m_window->height() <= screen.height(),
              qPrintable(QStringLiteral("%1 x %2").arg(m_window->width()).arg(m_window->height())));
-    // Also with a plugin that needs more.
+    // Even with a plugin that needs more room.
     m_window->resize(1024, 600);
     QCOMPARE(m_window->size(), QSize(1024, 600));
     QVERIFY(m_window->minimumSizeHint().width() <= 512);
@@ -334,7 +334,7 @@ void TstMainWindow::what_needs_more_room_is_scrolled_to()
 
 void TstMainWindow::tab_follows_the_eye_and_is_never_trapped()
 {
-    // Made in another order than they stand in.
+    // Created in an order other than the visual one.
     m_window->resize(1440, 900);
     logDock()->show();
     Mode mode("First");
@@ -415,7 +415,7 @@ void TstMainWindow::the_buttons_of_the_window_are_named()
     QVERIFY(named(language == QLatin1String("en") ? QStringLiteral("Restore") : QStringLiteral("还原")));
 }
 
-void TstMainWindow::a_dock_keeps_its_name_in_its_close_button()
+void TstMainWindow::close_buttons_name_their_dock()
 {
     auto *widget = new QLabel;
     m_window->addDock(widget, QStringLiteral("Site"));
@@ -504,7 +504,7 @@ void TstMainWindow::the_message_of_an_operation_is_told_instead()
         ICore::OperatorLoad,
         [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); }, box);
     QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
-    // A question, and a box that comes later, are about something else.
+    // A question, and a box that opens later, do not belong to the operation.
     book.expectQuestion(QStringLiteral("Remind"), text, QMessageBox::No);
     runOperation(
         ICore::OperatorLoad,

@@ -19,7 +19,7 @@ using Corvel::Widgets::WaitingDialog;
 
 namespace {
 
-/// Maps windows as a window manager does: some time after they were shown, and in a process of its own.
+/// Maps windows like a window manager: with a delay and from another process.
 class SlowWindowManager : public QThread
 {
 public:
@@ -29,7 +29,7 @@ public:
         const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
         const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         xcb_change_window_attributes(m_connection, screen->root, XCB_CW_EVENT_MASK, &mask);
-        // The answer tells that the request before it was carried out.
+        // The reply proves that the server has processed the request before it.
         std::free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
         start();
     }
@@ -78,7 +78,7 @@ private:
     std::atomic<bool> m_stopped{false};
 };
 
-/// What a person sees where the widget is, read back from the X server.
+/// The screen's contents at the widget's place, read back from the X server.
 QImage onScreen(const QWidget *widget)
 {
     const QRect place(widget->mapToGlobal(QPoint(0, 0)), widget->size());
@@ -95,7 +95,7 @@ QImage painted(QWidget *widget)
 
 } // namespace
 
-/// What only a real X server can show; runs in a virtual one.
+/// Tests that need a real X server; run in a virtual one.
 class TstOnScreen : public QObject
 {
     Q_OBJECT
@@ -127,7 +127,7 @@ void TstOnScreen::each_text_is_on_the_screen_at_return()
     const std::unique_ptr<SlowWindowManager> manager(managed ? new SlowWindowManager : nullptr);
     WaitingDialog *dialog = WaitingDialog::instance();
     const auto *label = dialog->findChild<QLabel *>(QStringLiteral("WaitingDialogText"));
-    // The event loop does not run between these: each call is followed by one that blocks.
+    // The event loop does not run between these: callers block right after each call.
     for (const QString &text :
          {QStringLiteral("Saving"), QStringLiteral("Synchronising"), QStringLiteral("Resetting")}) {
         dialog->hideWaitingDialog();
@@ -140,14 +140,14 @@ void TstOnScreen::each_text_is_on_the_screen_at_return()
 
 void TstOnScreen::hiding_at_once_is_no_x_error()
 {
-    // The guard of the tests fails this for every warning, such as an X error.
+    // The warning guard fails this test on any warning, such as an X error.
     WaitingDialog *dialog = WaitingDialog::instance();
     QWidget window;
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window, TestSupport::patience));
     dialog->showWaitingDialog(QStringLiteral("Synchronising"), 0);
     dialog->hideWaitingDialog();
-    // What the server tells of that arrives before what it tells of another window.
+    // The server sends that event before any event about another window.
     QWidget other;
     other.show();
     QVERIFY(QTest::qWaitForWindowExposed(&other, TestSupport::patience));
@@ -155,7 +155,7 @@ void TstOnScreen::hiding_at_once_is_no_x_error()
 
 void TstOnScreen::the_text_is_as_large_as_the_desktops()
 {
-    // The X server has 130 dots per inch.
+    // The virtual X server runs at 130 dpi.
     const int desktops = QFontInfo(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).pixelSize();
     const int normal = 13;
     QVERIFY(desktops > normal);

@@ -32,7 +32,7 @@ private slots:
     void failed_initialization_stops_only_dependents();
 
 private:
-    /// Makes the directory of plugins consist of these fixtures.
+    /// Fills the plugin directory with these fixtures only.
     void have(const QStringList &fixtures);
     QStringList calls() const { return QCoreApplication::instance()->property("calls").toStringList(); }
     QStringList calls(const QString &operation) const { return calls().filter(QLatin1Char('.') + operation); }

@@ -52,7 +52,7 @@ bool fetch(const std::shared_ptr<Materail> &materail)
     return ModelControl::MaterialControl(materail).queryMaterailData({{Materail::Picture, std::any(QImage())}});
 }
 
-/// Sends everything of `source` to the device of `target`, pictures from `pictures`.
+/// Sends the whole model of `source` to the device of `target`, with the pictures of `pictures`.
 bool apply(const std::shared_ptr<Device> &source, const std::shared_ptr<Device> &target, const HardwareState &pictures)
 {
     const auto packed = std::make_shared<Device>(65535);
@@ -291,7 +291,7 @@ private slots:
         const HardwareState after = hardware(sideStage)->state();
         QCOMPARE(after.identity.name, target.identity.name);
         QCOMPARE(source.configuration().differencesTo(after.configuration()), QStringList());
-        // The sites' cards differ in one type, which applying never changes.
+        // The cards of the two sites differ in one type; applying never changes types.
         for (int i = 0; i < target.cards.size(); ++i)
             QCOMPARE(after.cards.at(i).type, target.cards.at(i).type);
     }

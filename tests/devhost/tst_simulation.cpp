@@ -169,7 +169,7 @@ private slots:
 
     void cancelling_wakes_an_operation_that_waits()
     {
-        // Long, so that the outcome tells whether the wait was cut short.
+        // Long enough to tell whether the wait was interrupted.
         Faults::instance()->arm(operation, Fault::late(20 * 1000));
         std::atomic<bool> done{false};
         Outcome outcome = Outcome::Done;
@@ -211,7 +211,7 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         QCOMPARE(beginOperation(operation, {}, makeHardware(), 30), Outcome::Done);
-        // A wait can be longer on a busy machine, never shorter.
+        // A busy machine makes waits longer, never shorter.
         QVERIFY(timer.elapsed() >= 50);
     }
 

@@ -12,7 +12,7 @@ using namespace Simulation;
 
 namespace {
 
-/// A site that is right, to be made wrong.
+/// A valid site, from which each test makes an invalid one.
 const QByteArray goodSite = R"({
     "name": "Test",
     "activeDevice": "10.0.0.1",

@@ -28,20 +28,20 @@ struct State
     QVector<QByteArray> folders;
     Plan plan;
     Report report;
-    /// Calls that count for plans that count every kind.
+    /// Calls counted by plans for all kinds of calls.
     int steps = 0;
     /// Descriptors opened below the watched folders since arm().
     QMap<int, QByteArray> descriptors;
-    /// Files with content, and folders with names, that were not flushed.
+    /// Files with unflushed content, and folders with unflushed names.
     QSet<ino_t> dirtyFiles;
     QSet<QByteArray> dirtyFolders;
 };
 
 std::atomic<bool> s_armed{false};
-/// So that what the calls below do themselves is not counted.
+/// Excludes calls made by the hooks below.
 thread_local bool s_inside = false;
 
-/// Never destroyed: threads may end after it.
+/// Never destroyed: threads may outlive static destruction.
 State &state()
 {
     static State *const instance = new State;
@@ -99,8 +99,8 @@ struct Verdict
     bool isKilled = false;
 };
 
-/// `changes`: whether the call would change anything; opening to read and closing do not. `needsRoom`: whether a
-/// full disk is in its way.
+/// `changes`: the call would change something; opening to read and closing do not. `needsRoom`: it fails on a full
+/// disk.
 Verdict judge(Kind kind, bool changes, bool needsRoom)
 {
     State &s = state();
@@ -114,7 +114,7 @@ Verdict judge(Kind kind, bool changes, bool needsRoom)
         s.report.struck = s.report.struck || verdict.fails;
         return verdict;
     }
-    // Killed between two steps that change nothing, a process leaves the same behind.
+    // Wherever a kill strikes between two changes, it leaves the same state.
     if (s.plan.effect == Plan::Kill && !changes)
         return verdict;
     const int number = ++s.steps;
@@ -146,8 +146,8 @@ Verdict judge(Kind kind, bool changes, bool needsRoom)
     return verdict;
 }
 
-/// For the kinds that are no steps of a lasting failure: one of them fails once, or all do when nothing is there any
-/// more, or nothing can be changed.
+/// For kinds that are not steps of a lasting failure: a single call fails, or all fail after the medium is gone or
+/// read-only.
 bool failsBesides(Kind kind, bool changes)
 {
     State &s = state();
@@ -177,7 +177,7 @@ void die()
         pause();
 }
 
-/// Holds the state for one call; not watched when nothing is to be done.
+/// Locks the state for one call; does not watch while no plan is armed.
 class Watch
 {
 public:
@@ -264,7 +264,7 @@ Size writeWatched(int descriptor, Size size, Call call)
     return call(size);
 }
 
-/// A call with a descriptor that is no step of its own.
+/// A call on a descriptor that is not a step of its own.
 template<typename Call>
 auto besides(int descriptor, Kind kind, bool changes, Call call) -> decltype(call())
 {
@@ -274,7 +274,7 @@ auto besides(int descriptor, Kind kind, bool changes, Call call) -> decltype(cal
     return failsBesides(kind, changes) ? -1 : call();
 }
 
-/// The same with a path.
+/// The same by path.
 template<typename Call>
 int besides(const char *path, Kind kind, Call call)
 {
@@ -351,7 +351,7 @@ int changeName(const char *path, Kind kind, Call call)
     const int result = call();
     if (result == 0) {
         if (kind == Remove)
-            state().dirtyFiles.remove(inode); // the number may be given away again
+            state().dirtyFiles.remove(inode); // the inode may be reused
         else
             state().dirtyFolders.insert(parentOf(name));
     }
@@ -403,7 +403,7 @@ bool isUnflushed(const QString &path)
 } // namespace FaultPoints
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What stands before the C library's functions
+// Hooks in front of the C library's functions
 
 using namespace FaultPoints;
 
@@ -419,7 +419,7 @@ mode_t modeOf(int flags, va_list arguments)
 
 } // namespace
 
-// The bodies with a variable mode.
+// Functions with an optional mode argument.
 #define OPEN_BODY(name)                                                                                                \
     va_list arguments;                                                                                                 \
     va_start(arguments, flags);                                                                                        \
@@ -450,7 +450,7 @@ FAULT_POINT int close(int descriptor)
     const Verdict verdict = writes ? judge(Flush, false, false) : Verdict();
     if (verdict.isKilled)
         die();
-    // The descriptor is gone either way, as with Linux.
+    // As on Linux, the descriptor is closed even if close() fails.
     const bool failsAlone = !verdict.fails && failsBesides(Close, false);
     const int error = verdict.fails ? verdict.error : errno;
     state().descriptors.remove(descriptor);

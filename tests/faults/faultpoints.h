@@ -3,16 +3,16 @@
 #include <QStringList>
 #include <QVector>
 
-/// Stands between the program and the C library, at every call that changes a file or a folder, and opens one: lets
-/// the n-th such call fail, or kills the process there, and knows what a power failure would take away.
+/// Hooks the C library functions that open or change files and folders: lets the n-th call fail, or kills the process
+/// there, and tracks what a power failure would lose.
 ///
-/// Linked into the test program, whose symbols come before those of the C library for all libraries: Qt and QuaZip
-/// call them too. Counted are only calls below the watched folders, and only while it is armed.
+/// Linked into the test program, whose symbols take precedence over the C library's in all libraries, so it also sees
+/// the calls of Qt and QuaZip. Counts only calls below the watched folders while armed.
 namespace FaultPoints {
 
-/// From Read on, the kinds are for plans that fail once: as steps of a lasting failure or of a kill they do not count.
-/// Reading and seeking concern files that were opened below the watched folders, as writing does. Truncate is a Write
-/// as well, and the closing of a file that was written a Flush, since both can be where a full disk shows.
+/// From Read on, kinds are for plans that fail a single call: they are not counted as steps of a lasting failure or a
+/// kill. Reading and seeking count for files opened below the watched folders, like writing. Truncate counts as a
+/// Write, and closing a written file as a Flush, since a full disk can surface in either.
 enum Kind {
     Open,
     Write,
@@ -32,35 +32,35 @@ enum Kind {
 
 QString kindName(Kind kind);
 
-/// What happens to the calls. Counting begins at 1.
+/// What happens to the calls. They are counted from 1.
 struct Plan
 {
     enum Effect {
-        /// The n-th call of that kind fails; the next one works again.
+        /// The n-th call of that kind fails; later ones succeed.
         FailOnce,
-        /// From the n-th call on the disk is full: half of a write goes through, then nothing that needs room.
+        /// From the n-th call on the disk is full: half of a write succeeds, then every call that needs space fails.
         FullDisk,
-        /// The same, but after four calls there is room again: long enough for a file to be given up.
+        /// The same, but space returns after four failed calls, which is enough to give up one file.
         FullForAWhile,
-        /// From the n-th call on nothing can be changed.
+        /// From the n-th call on the medium is read-only.
         ReadOnly,
-        /// From the n-th call on there is nothing at all any more, as when a stick is pulled.
+        /// From the n-th call on every call fails, as after pulling a stick.
         Gone,
-        /// The process is killed before the n-th call that changes something or flushes it. A write counts twice:
-        /// half of it is written first, then all but its last byte.
+        /// Kills the process before the n-th call that changes or flushes something. A write counts twice: half of it
+        /// is written first, then all but its last byte.
         Kill
     };
 
     Effect effect = FailOnce;
-    /// FailOnce alone counts calls of one kind; the others count every kind.
+    /// FailOnce counts calls of one kind, the others count all kinds.
     Kind kind = Open;
-    /// FailOnce alone.
+    /// FailOnce only.
     int error = 0;
-    /// 0: nothing happens, the calls are only counted.
+    /// 0 only counts calls.
     int number = 0;
 };
 
-/// Begins to count, from 1. Flushing is not done meanwhile, only noted: what it is good for is judged here.
+/// Starts counting from 1. Flushes are recorded, not executed: the test judges what they protect.
 void arm(const QStringList &watchedFolders, const Plan &plan);
 
 struct Report
@@ -69,18 +69,18 @@ struct Report
     bool struck = false;
     /// Calls per kind.
     QVector<int> calls = QVector<int>(KindCount);
-    /// Files that were given the extension of a package before their content was flushed.
+    /// Files renamed to a package's extension before their content was flushed.
     QStringList namedBeforeFlushed;
-    /// Packages that were written where they lie, and files and folders that were not flushed by then.
+    /// Packages written in place, and files and folders not flushed by then.
     QStringList changedInPlace;
     int unflushedBefore = 0;
 };
 
-/// Ends it.
+/// Stops counting.
 Report disarm();
 
-/// True when a power failure now could take away the file's content, or its name, as far as they were changed
-/// since arm(). Valid until the next arm().
+/// True if a power failure now could lose the file's content or name as changed since arm(). Valid until the next
+/// arm().
 bool isUnflushed(const QString &path);
 
 } // namespace FaultPoints

@@ -22,8 +22,8 @@
 #include <cstdio>
 #include <memory>
 
-/// The operations on project files, each once with everything around it: the files that are there before, the
-/// operation itself with the real panel or job, what it reported, and what must be true of the files afterwards.
+/// The operations on project files with their setting: the files before, the operation with the real panel or job, its
+/// reported result, and the conditions on the files afterwards.
 namespace FaultTesting {
 
 using namespace PackageTesting;
@@ -44,17 +44,17 @@ inline QString operationName(Operation operation)
 
 inline const QString onlineIp = QStringLiteral("10.0.0.11");
 inline const QString offlineIp = QStringLiteral("10.0.0.13");
-/// The device from which the packages come; the site does not have it.
+/// The source of the packages; no device of the site.
 inline const QString sourceIp = QStringLiteral("10.0.0.77");
 
-/// Longer than the new one, so that an edit also cuts the file.
+/// Longer than the new one, so that an edit also shortens the file.
 inline const QString oldComment = QStringLiteral("before, in many more words");
 inline const QString newComment = QStringLiteral("after");
 inline const QByteArray oldDeviceFile = "the device's own";
 
 using Files = QMap<QString, QByteArray>;
 
-/// Straight to the output: after thousands of log lines Qt Test prints no more of them.
+/// Bypasses Qt Test, which stops printing after some thousand lines.
 inline void printPoints(const char *what, const QMap<QString, int> &points)
 {
     int sum = 0;
@@ -66,7 +66,7 @@ inline void printPoints(const char *what, const QMap<QString, int> &points)
     std::fflush(stdout);
 }
 
-/// The folders and files. Needs no application object and leaves the host alone.
+/// The folders and files. Needs no application object and does not touch the host.
 class Workplace
 {
 public:
@@ -97,7 +97,7 @@ public:
         return {QDir::homePath() + QStringLiteral("/Documents"), devices(), extracted(), stick()};
     }
 
-    /// The package that the operation is to write; for the others the one that it works with.
+    /// The package that the operation writes, or else the one it works on.
     QString target(Operation operation) const
     {
         switch (operation) {
@@ -117,12 +117,12 @@ public:
     QString other() const { return projectFile(QStringLiteral("other")); }
     QString travelled() const { return stick() + QStringLiteral("/travelled.corvelpro"); }
 
-    /// The package as it is everywhere before an operation.
+    /// The package before each operation.
     const QByteArray &package() const { return m_package; }
-    /// What applying it must bring to an offline device.
+    /// The expected contents of an offline device after applying it.
     const Files &payload() const { return m_payload; }
 
-    /// Two packages in the list, one on the stick; the offline device has files of its own in half of the places.
+    /// Two packages in the list, one on the stick; half of the offline device's files exist already.
     void reset() const
     {
         bool done = clearProjectFilesDirectory();
@@ -152,7 +152,7 @@ struct Outcome
     FaultPoints::Report report;
 };
 
-/// The host with a tiny online and an offline device, and the panel.
+/// The host with one small online and one offline device, and the panel.
 class Workshop
 {
 public:
@@ -188,8 +188,8 @@ public:
     }
     Q_DISABLE_COPY(Workshop)
 
-    /// Puts the files back and does the operation, with the plan in force below the watched folders, from the moment
-    /// on when the operator has decided until the operation's own work is over.
+    /// Restores the files and runs the operation with the plan armed below the watched folders, from the operator's
+    /// decision until the operation's own work has ended.
     Outcome perform(Operation operation, const FaultPoints::Plan &plan, const QStringList &watchedFolders)
     {
         m_watchedFolders = watchedFolders;
@@ -198,7 +198,7 @@ public:
         m_panel->rescan();
         TestSupport::WarningGuard::clear();
         Simulation::Journal::instance()->clear();
-        // Whatever goes wrong may be logged.
+        // Disturbed operations may log anything.
         const TestSupport::ExpectMessage warnings(QtWarningMsg, QRegularExpression(),
                                                   TestSupport::ExpectMessage::AnyNumber);
         const TestSupport::ExpectMessage errors(QtCriticalMsg, QRegularExpression(),
@@ -232,7 +232,7 @@ public:
         case OperationCount:
             break;
         }
-        // The box with the result may or may not have come.
+        // The result box is optional.
         m_book->clear();
         m_book.reset();
         settle();
@@ -266,14 +266,14 @@ private:
         });
     }
 
-    /// Whether the job that was started, if any, has come to its end with all that the panel does then.
+    /// Whether the started job, if any, has ended and the panel has processed its end.
     static bool isIdle()
     {
         const auto types = Simulation::Journal::instance()->entries(Simulation::Operations::setOperatorType);
         return types.isEmpty() ||
                types.last().arguments.value(QStringLiteral("type")) == QStringLiteral("OperatorNone");
     }
-    /// Without the pauses of QTest::qWaitFor, which would take most of the time of a thousand operations.
+    /// QTest::qWaitFor pauses between checks, which would dominate the time of a thousand operations.
     template<typename Condition>
     static void waitFor(Condition isMet)
     {
@@ -298,14 +298,14 @@ private:
 
     void save()
     {
-        // Scans would be counted.
+        // Scans would count as steps.
         const HeldThreadPool held;
         expectProperties(QStringLiteral("new"));
         expectResult();
         TestSupport::click(m_panel->saveProject());
         waitFor(&isIdle);
         disarm();
-        // A preset that cannot be opened ends a save without a word and without a package: that is deliberate.
+        // By design, a preset file that cannot be opened ends a save silently and without a package.
         m_outcome.isSuccess = m_outcome.message.isEmpty() && !logged(QStringLiteral("serailize error,reason"));
     }
 
@@ -319,7 +319,8 @@ private:
         job.start(QThread::InheritPriority);
         job.wait();
         disarm();
-        m_outcome.isSuccess = job.resultCode() == 0 && !logged(QStringLiteral("serailize error,reason"));
+        m_outcome.isSuccess = job.resultCode() == ProjectFileCfg::Internal::BackupSuccess &&
+                              !logged(QStringLiteral("serailize error,reason"));
     }
 
     void edit()
@@ -339,7 +340,7 @@ private:
         expectResult();
         arm();
         press();
-        // Behind the copying and before the scan that follows it.
+        // After the copy and before the following scan.
         QtConcurrent::run([this] { disarm(); });
         waitFor([this] { return !m_outcome.message.isEmpty(); });
         QThreadPool::globalInstance()->waitForDone();
@@ -367,8 +368,8 @@ private:
         waitFor(&isIdle);
         disarm();
         const bool hasRun = Simulation::Journal::instance()->count(Simulation::Operations::setOperatorType) > 0;
-        // A package that is no valid one any more is not applied, and a device description that the host could not
-        // write not reported: both without a word, and deliberate.
+        // By design, a package that became invalid is not applied, and a failure of the host to write the device
+        // description is not reported: both silently.
         m_outcome.isSuccess =
             hasRun && m_outcome.message.isEmpty() && !logged(QStringLiteral("Fail to serialize model data."));
     }
@@ -392,7 +393,7 @@ private:
     Outcome m_outcome;
 };
 
-/// Looks at the files afterwards, with the product's own eyes and with those of another program.
+/// Checks the files afterwards, with the product's readers and with another program.
 class Inspector
 {
 public:
@@ -400,12 +401,12 @@ public:
         : m_place(place)
     {}
 
-    /// What a save of the online device must hold: taken from one that nothing disturbed.
+    /// The expected contents of a save of the online device, taken from an undisturbed one.
     void setReference(const QString &path) { m_saved = contentOf(path); }
     bool hasReference() const { return !m_saved.isEmpty(); }
 
-    /// What is wrong with the files after the operation; empty when nothing is.
-    /// `leftOut`: entries that a package may lack since they could not be begun, and the save said so in the log.
+    /// The violations after the operation; empty if there are none. `leftOut`: entries that a package may lack because
+    /// they could not be opened and the save logged it.
     QStringList complaintsAfter(Operation operation, bool mayLeaveFragment, const QStringList &leftOut = QStringList())
     {
         m_complaints.clear();
@@ -461,7 +462,7 @@ public:
         return m_complaints;
     }
 
-    /// Whether the operation is done: what a report of success claims.
+    /// Whether the operation did what a success message claims.
     bool isDone(Operation operation, const QStringList &leftOut = QStringList()) const
     {
         const QString target = m_place.target(operation);
@@ -488,7 +489,7 @@ public:
         return false;
     }
 
-    /// What of it a power failure could still take away.
+    /// The results that a power failure could still lose.
     QStringList unflushed(Operation operation) const
     {
         QStringList paths;
@@ -515,8 +516,8 @@ private:
         return pattern.match(name).hasMatch();
     }
 
-    /// In folders of packages there are valid packages, all of them listed, and fragments at most. An undo record is
-    /// gone once the folder was scanned.
+    /// Project folders hold valid packages, all of them listed, and at most fragments. No undo record remains after a
+    /// scan.
     void lookAtFolders(bool mayLeaveFragment)
     {
         ProjectList list;
@@ -549,7 +550,7 @@ private:
                (ZipPackageHandle::isValidEngineerPacket(path) && run("unzip", {"-tqq", path}).exitCode == 0);
     }
 
-    /// Sizes and checksums of the entries, as another program reads them.
+    /// Sizes and checksums of the entries, read by another program.
     static Files contentOf(const QString &path)
     {
         static const QRegularExpression line(

@@ -10,7 +10,7 @@ using FaultPoints::Plan;
 
 Q_DECLARE_METATYPE(FaultPoints::Plan)
 
-/// Lets each step of each operation fail in turn, until it is disturbed no more and succeeds.
+/// Lets each step of each operation fail in turn until the operation runs undisturbed and succeeds.
 class TstFaults : public QObject
 {
     Q_OBJECT
@@ -37,8 +37,8 @@ private:
 
 namespace {
 
-/// Pictures that could not be begun are left out of a package, and their folder with them when that was the reason;
-/// the log names them. That is deliberate.
+/// By design, pictures that cannot be opened are left out of a package, with their folder if that caused it; the log
+/// names them.
 QStringList leftOut()
 {
     static const QRegularExpression logged(QStringLiteral("^Save picture failed: \".*/((BKG|LOGO)/[^\"]*)\""));
@@ -51,7 +51,7 @@ QStringList leftOut()
     return names;
 }
 
-/// Whether what was disturbed may keep the operation from removing its own fragment.
+/// Whether the disturbance can keep the operation from removing its own fragment.
 bool mayLeaveFragment(const Plan &plan)
 {
     return plan.effect == Plan::ReadOnly || plan.effect == Plan::Gone ||
@@ -78,7 +78,7 @@ void TstFaults::each_package_is_whole_and_success_is_true_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<Plan>("plan");
-    // Projects and devices may lie on different disks.
+    // Projects and devices may be on different disks.
     QTest::addColumn<bool>("onlyDevices");
     struct Disturbance
     {
@@ -151,7 +151,7 @@ void TstFaults::each_package_is_whole_and_success_is_true()
     QFETCH(Plan, plan);
     QFETCH(bool, onlyDevices);
     const QStringList folders = onlyDevices ? QStringList{m_place.devices()} : m_place.all();
-    // The least number of steps beyond which something must be wrong with this test.
+    // An upper bound for the steps of an operation; beyond it the test itself is broken.
     constexpr int tooMany = 2000;
     for (plan.number = 1; plan.number < tooMany; ++plan.number) {
         const Outcome outcome = m_workshop->perform(Operation(operation), plan, folders);
@@ -175,7 +175,7 @@ void TstFaults::an_edit_writes_behind_a_flushed_undo_record()
     QVERIFY(outcome.isSuccess);
     QCOMPARE(outcome.report.changedInPlace, QStringList{m_place.show()});
     QCOMPARE(outcome.report.unflushedBefore, 0);
-    // It is gone when the operator hears of it.
+    // Removed by the time the operator gets the result.
     QCOMPARE(outcome.report.calls.at(FaultPoints::Remove), 1);
 }
 

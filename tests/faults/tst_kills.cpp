@@ -9,7 +9,7 @@
 using namespace FaultTesting;
 using FaultPoints::Plan;
 
-/// Kills a process at each step of each operation in turn, until it reaches the end, and looks at what it left.
+/// Kills a process at each step of each operation in turn, until one runs to its end, and checks what it left.
 class TstKills : public QObject
 {
     Q_OBJECT
@@ -34,7 +34,7 @@ namespace {
 
 const QString performOption = QStringLiteral("--perform");
 
-/// The process that is killed, unless the operation has fewer steps.
+/// The process to be killed, unless the operation has fewer steps.
 int performAndDie(const QStringList &arguments)
 {
     const Workplace place;
@@ -57,7 +57,7 @@ TstKills::End TstKills::runToStep(Operation operation, int step)
     constexpr int minute = 60000;
     if (!process.waitForFinished(5 * minute))
         return Failed;
-    // For QProcess, a process that ended by a signal has crashed, and its exit code is the signal.
+    // QProcess reports a process ended by a signal as crashed, with the signal as its exit code.
     if (process.exitStatus() == QProcess::CrashExit)
         return process.exitCode() == SIGKILL ? Killed : Failed;
     return process.exitCode() == 0 ? Succeeded : Failed;
@@ -85,7 +85,7 @@ void TstKills::kill_leaves_complete_packages_data()
 void TstKills::kill_leaves_complete_packages()
 {
     QFETCH(int, operation);
-    // Beyond any operation; here something must be wrong with this test.
+    // More steps than any operation has; beyond it the test itself is broken.
     constexpr int tooMany = 1000;
     for (int step = 1; step < tooMany; ++step) {
         const End end = runToStep(Operation(operation), step);
@@ -105,7 +105,7 @@ void TstKills::kill_leaves_complete_packages()
 int main(int argc, char *argv[])
 {
     if (argc == 4 && QString::fromLocal8Bit(argv[1]) == performOption) {
-        // In the home of the process that started it.
+        // In the parent process's home.
         QApplication application(argc, argv);
         return performAndDie(application.arguments());
     }

@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 #include <QTranslator>
 
-/// Installs the product's texts in a language while it lives, as the plugin does. Widgets that exist get their
-/// LanguageChange events when the event loop runs. TRANSLATION_DIRECTORY is the folder of the built texts.
+/// Installs the product's translations for a language during its lifetime, like the plugin does. Existing widgets get
+/// their LanguageChange events when the event loop runs. TRANSLATION_DIRECTORY is the folder of the built translations.
 class TranslatedTexts
 {
 public:
@@ -17,7 +17,7 @@ public:
     ~TranslatedTexts() { QCoreApplication::removeTranslator(&m_translator); }
     Q_DISABLE_COPY(TranslatedTexts)
 
-    /// False when the texts were never built.
+    /// False if the translations were not built.
     bool areFound() const { return m_found; }
 
 private:

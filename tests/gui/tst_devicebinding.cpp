@@ -31,14 +31,14 @@ const QString mainHall = QStringLiteral("192.168.1.11");
 const QString sideStage = QStringLiteral("192.168.1.12");
 const QString foyer = QStringLiteral("192.168.1.20");
 const QString touringRack = QStringLiteral("192.168.1.30");   // offline
-const QString boothSwitcher = QStringLiteral("192.168.1.40"); // without support for project files
+const QString boothSwitcher = QStringLiteral("192.168.1.40"); // without project files
 
 void activate(const std::shared_ptr<Model::Device> &device)
 {
     Model::object_brige::instance()->setActiveDevice(device);
 }
 
-/// A site where no device is active.
+/// A site without an active device.
 TestSite siteWithoutActiveDevice()
 {
     return TestSite([](Simulation::Site &site) { site.activeDevice.clear(); });
@@ -60,15 +60,15 @@ QStringList markedAddresses(const Panel &panel)
     return addresses;
 }
 
-/// Hiding and showing the panel is how its user gets to see a changed list of devices.
+/// Hiding and showing the panel refreshes its list of devices.
 void showAgain(const Panel &panel)
 {
     panel->hide();
     panel->show();
 }
 
-/// The address of the device on which the panel's commands work, as they tell: "Save Project" makes that device the
-/// active one before it asks for a name, or asks for a device when there is none.
+/// The address of the device that the panel's commands act on: "Save Project" activates that device before it asks for
+/// a name, or asks for a device if there is none.
 QString boundAddress(const Panel &panel, const TestSite &site)
 {
     if (!Model::object_brige::instance()->activeDevice())
@@ -85,7 +85,7 @@ QString boundAddress(const Panel &panel, const TestSite &site)
     return Model::object_brige::instance()->activeDevice()->getIPAddress();
 }
 
-/// What the waiting dialog showed while a host operation ran.
+/// The waiting dialog's state while a host operation ran.
 struct SeenWhileRunning
 {
     bool visible = false;
@@ -231,7 +231,7 @@ void TstDeviceBinding::tool_tips_show_markup_as_it_is()
             QCOMPARE(tip, info);
             continue;
         }
-        // A tool tip takes for rich text what looks so at its beginning.
+        // A tool tip detects rich text by the beginning of its text.
         QVERIFY(Qt::mightBeRichText(tip));
         QTextDocument shown;
         shown.setHtml(tip);
@@ -388,13 +388,13 @@ void TstDeviceBinding::refilling_cuts_every_connection_but_destroyed()
     heard = 0;
     connect(combo, &QComboBox::currentTextChanged, &other, [&] { ++heard; });
     (*panel)->show();
-    // The refilling itself changes index and text, before it cuts.
+    // Refilling changes index and text before eliding.
     heard = 0;
     speak();
     QCOMPARE(heard, 0);
-    // The panel's own connection is made anew.
+    // The panel's own connection is renewed.
     QCOMPARE(combo->toolTip(), combo->currentData(Qt::ToolTipRole).toString());
-    // The style sheet's cache of widgets lives by this signal.
+    // The style sheet's widget cache depends on this signal.
     panel.reset();
     QCOMPARE(destroyed, 1);
 }
@@ -411,7 +411,7 @@ void TstDeviceBinding::without_a_device_list_the_selector_stays_empty()
     const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("DeviceList::instance() is nullptr!!!"), 1);
     panel->widget->show();
     QCOMPARE(panel->deviceCombo()->count(), 0);
-    // Were it connected, the panel would complain about an entry without marks.
+    // If it were connected, the panel would warn about an entry without marks.
     panel->deviceCombo()->addItem(QStringLiteral("x"));
     QCOMPARE(panel->deviceCombo()->currentText(), QStringLiteral("x"));
 }
@@ -452,7 +452,7 @@ void TstDeviceBinding::an_entry_without_marks_changes_nothing()
     }
     QCOMPARE(panel.deviceCombo()->toolTip(), site->device(sideStage)->getDeviceInfo());
 
-    // The device that was chosen before stays: an apply still finds one.
+    // The previously selected device stays: an apply still finds one.
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
     panel.rescan();
     AnswerBook book;
@@ -503,7 +503,7 @@ void TstDeviceBinding::bytes_are_whole_mebibytes_rounded_down()
 
 void TstDeviceBinding::free_space_is_that_of_the_volume()
 {
-    // Others write to the volume too, so it is asked before and after.
+    // Other programs write to the volume too, so the expected value is read before and after.
     const QStorageInfo volume(projectFilesPath());
     const quint64 before = quint64(volume.bytesAvailable());
     const quint64 size = DiskSpace::getDiskAvailableSize(projectFilesPath()) << 20;
@@ -525,7 +525,7 @@ void TstDeviceBinding::the_estimate_adds_ten_mebibytes()
     const TestSite site;
     const Panel panel;
     panel->show();
-    // No volume has that much room, so the panel says what it reckons with.
+    // No volume has that much space, so the message shows the panel's calculation.
     const quint64 mebibyte = 1024 * 1024;
     const quint64 huge = Q_UINT64_C(1) << 60;
     const QVector<std::tuple<quint64, quint64, quint64>> cases{
@@ -557,7 +557,7 @@ void TstDeviceBinding::the_estimate_adds_ten_mebibytes()
 
 void TstDeviceBinding::an_empty_device_fits()
 {
-    // Ten mebibytes are there; what they are made of is told by the refusals above.
+    // Ten mebibytes are free; the refusals above state the parts.
     const TestSite site;
     const Panel panel;
     panel->show();

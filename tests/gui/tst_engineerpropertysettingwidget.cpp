@@ -30,7 +30,7 @@ namespace {
 
 const QString emoji = QString::fromUtf8("\xF0\x9F\x8E\xAC");
 
-/// Documents + the fixed folders, written out here so that the product's own idea of it is tested too.
+/// Documents + the fixed folders, spelled out here to test the product's own path too.
 QString projectFilesPath()
 {
     return QStandardPaths::standardLocations(QStandardPaths::DocumentsLocation).value(0) +
@@ -59,7 +59,7 @@ bool hasWholeCharactersOnly(const QString &text)
 
 } // namespace
 
-/// The dialog as it is shown, and the parts that its user sees.
+/// The shown dialog and its visible parts.
 class ShownDialog
 {
 public:
@@ -442,7 +442,7 @@ void TstEngineerPropertySettingWidget::emoji_that_does_not_fit_is_dropped_whole(
 
 void TstEngineerPropertySettingWidget::emoji_before_a_full_comment_is_dropped_whole()
 {
-    // There is room for its first half.
+    // Only its first half fits.
     const QString comment(99, QLatin1Char('c'));
     ShownDialog shown(QStringLiteral("Project1"), comment);
     shown.placeCaret(0);
@@ -454,7 +454,7 @@ void TstEngineerPropertySettingWidget::emoji_before_a_full_comment_is_dropped_wh
 
 void TstEngineerPropertySettingWidget::emoji_are_never_split_wherever_they_are_pasted()
 {
-    // Old texts that leave room for half an emoji, with emoji of their own; what is pasted begins even and odd.
+    // Old texts with room for half an emoji, with emoji of their own; the pasted text starts at even and odd positions.
     const QString old = QString(45, QLatin1Char('a')) + emoji + QString(48, QLatin1Char('b'));
     for (const QString &pasted : {emoji.repeated(5), QLatin1Char('x') + emoji.repeated(5)}) {
         for (int position = 0; position <= old.length(); ++position) {
@@ -466,7 +466,7 @@ void TstEngineerPropertySettingWidget::emoji_are_never_split_wherever_they_are_p
             const QString text = shown.shownComment();
             QVERIFY(hasWholeCharactersOnly(text));
             QCOMPARE(shown.dialog.getComment(), text);
-            // Of the pasted text the most that fits in whole characters, the old text around it untouched.
+            // As many whole characters of the pasted text as fit, with the old text around them untouched.
             const int kept = text.length() - old.length();
             QCOMPARE(text, old.left(position) + pasted.left(kept) + old.mid(position));
             QCOMPARE(kept, pasted.startsWith(QLatin1Char('x')) ? 5 : 4);
@@ -505,7 +505,7 @@ void TstEngineerPropertySettingWidget::html_in_a_comment_stays_plain_text()
     QCOMPARE(shown.dialog.getComment(), comment);
     QCOMPARE(shown.countLabel()->text(), QStringLiteral("%1/100").arg(comment.length()));
 
-    // The same where the comment is cut and put into the field anew.
+    // The same when the comment is cut and set again.
     const QString full = comment + QString(100 - comment.length(), QLatin1Char('.'));
     shown.dialog.setComment(full);
     shown.placeCaret(100);
@@ -703,7 +703,7 @@ void TstEngineerPropertySettingWidget::existence_is_tested_with_the_name_as_type
     QVERIFY(makeProjectFile(QStringLiteral(" Project5")));
     AnswerBook book;
 
-    // Pressed without leaving the field, which would take the blanks away.
+    // click() does not move the focus, so the blanks are not trimmed yet.
     ShownDialog padded;
     QTest::keyClicks(padded.nameEdit(), QStringLiteral(" Project3 "));
     padded.okButton()->click();
@@ -717,7 +717,7 @@ void TstEngineerPropertySettingWidget::existence_is_tested_with_the_name_as_type
     QVERIFY(taken.dialog.isVisible());
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 
-    // By hand the name that is tested is the one that is used.
+    // A real click moves the focus first, so the trimmed name is checked.
     ShownDialog left;
     QApplication::setActiveWindow(&left.dialog);
     QTest::keyClicks(left.nameEdit(), QStringLiteral(" Project3 "));

@@ -16,7 +16,7 @@ using namespace TestSupport;
 
 namespace {
 
-/// Gives every text of the panel the same translation.
+/// Translates every text of the panel to the same one.
 class OneText : public QTranslator
 {
 public:
@@ -67,7 +67,7 @@ QList<QPushButton *> commandButtons(const Panel &panel)
     return {panel.saveProject(), panel.importProject(), panel.applyOthers(), panel.allSaveAs(), panel.allDelete()};
 }
 
-/// A panel that lists New, Middle and Old, in that order, and which of their rows are still what they were.
+/// A panel that lists New, Middle and Old, in that order, and tells which rows kept their widgets.
 class ListedFiles
 {
 public:
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    /// What a row of the table is made of. Guarded pointers, since a new widget may get an old one's address.
+    /// The widgets of a table row. Guarded pointers, since a new widget may reuse an old one's address.
     using Row = std::tuple<QTableWidgetItem *, QTableWidgetItem *, QPointer<QWidget>>;
 
     QMap<QString, Row> rows() const
@@ -486,7 +486,7 @@ void TstPanelConstruction::after_many_refreshes_a_click_acts_once()
     QVERIFY(click(panel.rowButtons(0).at(3)));
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 
-    // The selector complains of wrong marks once for each change, in a new panel too.
+    // The selector warns about wrong marks once per change, in a new panel too.
     const Panel fresh;
     for (const Panel *each : {&panel, &fresh}) {
         const ExpectMessage complaint(QtCriticalMsg, QStringLiteral("device mark list count error."), 1);
@@ -655,7 +655,7 @@ void TstPanelConstruction::an_unchanged_directory_touches_no_row()
     const SignalRecorder<> removed(listed.model(), &QAbstractItemModel::rowsRemoved);
     const SignalRecorder<> changed(listed.model(), &QAbstractItemModel::dataChanged);
     listed.panel->rescan();
-    QCoreApplication::processEvents(); // whatever the table has to say
+    QCoreApplication::processEvents(); // deliver the table's pending events
     QCOMPARE(listed.untouched(), ListedFiles::all());
     QCOMPARE(inserted.count(), 0);
     QCOMPARE(removed.count(), 0);

@@ -18,7 +18,7 @@ using namespace TestSupport;
 
 namespace {
 
-/// Tells the parts of a window whose text does not fit into them, or that do not fit into the window.
+/// Finds the parts of a window that clip their text or do not fit into the window.
 class Clipping
 {
 public:
@@ -47,7 +47,7 @@ public:
 
     bool isNothing() const { return m_complaints.isEmpty(); }
     QString text() const { return m_complaints.join(QLatin1Char('\n')); }
-    /// How many texts were looked at.
+    /// The number of texts checked.
     int looks() const { return m_looks; }
 
 private:
@@ -56,7 +56,7 @@ private:
         return widget->fontMetrics().size(Qt::TextShowMnemonic, text);
     }
 
-    /// As the style draws them: a frame around the icon, four pixels and the text.
+    /// The style draws a frame around the icon, four pixels and the text.
     static QSize iconAndTextSize(const QToolButton *button)
     {
         const int frame = 2 * button->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, button);
@@ -72,7 +72,7 @@ private:
         return button->style()->subElementRect(QStyle::SE_PushButtonContents, &option, button).size();
     }
 
-    /// The field less the pixel that the style leaves free on each side.
+    /// The field minus the one-pixel margin that the style keeps on each side.
     static QSize fieldSize(const QComboBox *combo)
     {
         QStyleOptionComboBox option;
@@ -116,7 +116,7 @@ private:
     int m_looks = 0;
 };
 
-/// Keeps a picture of the window, in the folder that the environment names, for people to look at.
+/// Saves a screenshot of the window to the folder named by the environment.
 void keepPicture(QWidget *window, const QString &name)
 {
     const QString folder = qEnvironmentVariable("PROJECTFILECFG_SCREENSHOTS");
@@ -130,7 +130,7 @@ void keepPicture(QWidget *window, const QString &name)
 
 } // namespace
 
-/// The panel and its dialog in the host's look. Run at other scales with QT_SCALE_FACTOR.
+/// The panel and its dialog in the host's look. QT_SCALE_FACTOR runs it at other scales.
 class TstPanelLook : public QObject
 {
     Q_OBJECT
@@ -280,7 +280,7 @@ void TstPanelLook::property_dialog_shows_its_texts_whole()
     QVERIFY2(clipping.isNothing(), qPrintable(clipping.text()));
     QVERIFY(clipping.looks() >= 5);
 
-    // A comment of the full length can be seen at once.
+    // A comment of the maximum length is visible without scrolling.
     const auto *comment = dialog.findChild<QTextEdit *>();
     QVERIFY(comment->document()->size().height() <= comment->viewport()->height());
 }

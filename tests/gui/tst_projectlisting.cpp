@@ -22,8 +22,8 @@ namespace {
 const QString one = QStringLiteral("One");
 const QString two = QStringLiteral("Two");
 
-/// Holds a scan in the middle: it has listed the directory and is about to open a file that is no package. The scan
-/// occupies a thread of the pool, so the pool gets more of them meanwhile.
+/// Holds a scan halfway: it has listed the directory and is about to open a file that is no package. The scan blocks a
+/// pool thread, so the pool gets more meanwhile.
 class HeldScan
 {
 public:
@@ -42,7 +42,7 @@ public:
     Q_DISABLE_COPY(HeldScan)
 
     bool isReached() { return m_file.waitForReader(); }
-    /// Returns when the pool is idle.
+    /// Returns once the pool is idle.
     void letGo()
     {
         m_file.release();
@@ -94,7 +94,7 @@ void TstProjectListing::init()
 
 void TstProjectListing::cleanup()
 {
-    // A plain file may stand where a directory should be.
+    // A regular file may have the directory's name.
     QFile::remove(QDir(projectFilesPath() + QStringLiteral("../..")).path());
 }
 
@@ -116,7 +116,7 @@ void TstProjectListing::a_first_start_does_not_watch_the_directory()
     {
         const Panel panel;
         settle();
-        // Another watcher tells when the panel's would have been told too.
+        // A second watcher on the directory is notified together with the panel's.
         QFileSystemWatcher other({projectFilesPath()});
         const SignalRecorder<QString> reports(&other, &QFileSystemWatcher::directoryChanged);
         QVERIFY(writePackage(projectFile(one), QString()));
@@ -165,7 +165,7 @@ void TstProjectListing::files_are_listed_newest_first()
     QStringList expected;
     for (int i = 0; i < 12; ++i)
         expected.append(QStringLiteral("Project%1").arg(i));
-    // Written in an order that is neither that of the names nor that of the times.
+    // Written in an order that is neither by name nor by time.
     for (int i = 0; i < 12; ++i)
         QVERIFY(writePackage(projectFile(expected.at(i * 5 % 12)), QString(), i * 5 % 12 + 1));
     const Panel panel;
@@ -254,7 +254,7 @@ void TstProjectListing::an_edit_outside_without_renaming_keeps_the_comment()
     QCOMPARE(panel.comments(), QStringList({QStringLiteral("other"), QStringLiteral("first")}));
 
     QVERIFY(writePackage(projectFile(one), QStringLiteral("edited")));
-    // It moves to its new time, which tells that it was seen.
+    // It moves to its new time, which shows that the scan saw it.
     QTRY_COMPARE(panel.names(), QStringList({one, two}));
     QCOMPARE(panel.comments(), QStringList({QStringLiteral("first"), QStringLiteral("other")}));
 
@@ -294,7 +294,7 @@ void TstProjectListing::a_link_to_a_pipe_never_blocks()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(one), QString()));
-    // Links are listed, whatever they lead to.
+    // Links are listed whatever their target.
     const QString pipe = QDir::homePath() + QStringLiteral("/pipe");
     QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     QVERIFY(QFile::link(pipe, projectFile(QStringLiteral("linked"))));
@@ -311,7 +311,7 @@ void TstProjectListing::an_earlier_scan_never_replaces_a_later_list()
     HeldScan held;
     const Panel panel;
     QVERIFY(held.isReached());
-    // What the held scan has listed is out of date from here on.
+    // From here on the listing of the held scan is out of date.
     QVERIFY(writePackage(projectFile(two), QString()));
     QTRY_COMPARE(panel.names(), QStringList({two, one}));
     held.letGo();
@@ -380,7 +380,7 @@ void TstProjectListing::a_package_is_listed_once_completely_written()
     QFile copy(projectFile(one));
     QVERIFY(copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     QCOMPARE(copy.write(package.left(60000)), qint64(60000));
-    // The one report there is comes while half of it is there.
+    // The only change report arrives while the file is half written.
     QTRY_VERIFY(!reports.isEmpty());
     settle();
     QCOMPARE(panel.names(), QStringList());
@@ -404,7 +404,7 @@ void TstProjectListing::a_file_at_rest_is_not_reread()
     panel.rescan();
     QVERIFY(timer->isActive());
     QVERIFY(timer->isSingleShot());
-    // It came to rest, or became a package, before the next look.
+    // It was complete, or became a package, before the next scan.
     QVERIFY(makeOld(projectFile(two), 1));
     QTRY_VERIFY(!timer->isActive());
     settle();

@@ -31,7 +31,7 @@ const QVector<UDiskSelectWidget::Volume> twoDisks{
     {QStringLiteral("/dev/sdc1"), QStringLiteral("/mnt/sdc1"), QStringLiteral("TOUR")},
     {QStringLiteral("/dev/sdb1"), QStringLiteral("/mnt/sdb1"), QStringLiteral("SHOW 50%2")}};
 
-/// While it lives, the folder is not there for who asks for it.
+/// During its lifetime the folder does not exist for its callers.
 class HiddenFolder
 {
 public:
@@ -80,7 +80,7 @@ QStringList texts(const UDiskSelectWidget &dialog)
 
 } // namespace
 
-// These stand before the C library's, which Qt asks.
+// Hooks the C library's functions used by Qt.
 extern "C" Q_DECL_EXPORT int statx(int folder, const char *path, int flags, unsigned int mask,
                                    struct statx *found) noexcept
 {
@@ -254,7 +254,7 @@ void TstUDiskSelectWidget::the_list_is_shown_by_the_dialog()
 {
     const UDiskSelectWidget dialog(nullptr, twoDisks);
     QVERIFY(dialog.isHidden());
-    // By itself, and not only as the dialog's child.
+    // Shown in its own right, not only as the dialog's child.
     QVERIFY(!diskList(dialog)->isHidden());
     QVERIFY(diskList(dialog)->testAttribute(Qt::WA_WState_ExplicitShowHide));
 }
@@ -283,7 +283,7 @@ void TstUDiskSelectWidget::the_choice_follows_the_button_it_is_told()
 
 void TstUDiskSelectWidget::disks_exclude_each_other()
 {
-    // Each stands alone in its row, so that it is the group that lets only one be chosen.
+    // Each is alone in its row, so only the group makes them exclusive.
     std::unique_ptr<UDiskSelectWidget> dialog(new UDiskSelectWidget(nullptr, twoDisks));
     const QPointer<QButtonGroup> group = disk(*dialog, 0)->group();
     QVERIFY(group);

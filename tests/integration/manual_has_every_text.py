@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Compares the operator's manual with the product's texts. What stands in `back quotes` on a page stands on the screen
-exactly so, with an ellipsis for each value that the product fills in:
+"""Compares the operator's manual with the product's texts. Spans in `back quotes` on a page quote the
+screen exactly, with an ellipsis for each value that the product fills in:
 
-- each text of the product is on the page of its language, and no other text is marked as one;
+- each text of the product is on the page of its language, and no other text is quoted;
 - both pages have the same sections, rows, points and pictures, and these name the same texts;
-- each picture and each link leads somewhere.
+- each picture and each link has an existing target.
 
     manual_has_every_text.py REPOSITORY
 """
@@ -18,7 +18,7 @@ ENGLISH, CHINESE = "docs/manual.md", "docs/manual.zh.md"
 PRODUCT = "src/plugins/projectfilecfg/translations/projectfilecfg_%s.ts"
 HOST = "devhost/app/translations/devhost_zh_CN.ts"
 
-# A span begins and ends with the same number of quotes; one blank at each end is only there to keep them apart.
+# A span opens and closes with the same number of back quotes; one blank at each end is only a separator.
 SPAN = re.compile(r"(?<!`)(`+)(?!`)(.+?)(?<!`)\1(?!`)")
 VALUE = re.compile(r"%\d")
 LINK = re.compile(r"(!?)\[[^\]]*\]\(([^)\s]+)\)")
@@ -26,7 +26,7 @@ BLOCK = re.compile(r"(#+) |(\|)(?![-|: ]+$)|\s*(-|\d+\.) |(!)\[")
 
 
 def texts_of(path):
-    """Each source with its translation, as the manual writes them."""
+    """Each source text with its translation, as spelled in the manual."""
     def written(message, kind):
         return VALUE.sub("…", message.findtext(kind))
 
@@ -46,7 +46,7 @@ def without_fences(page):
 
 @functools.lru_cache(maxsize=None)
 def blocks_of(page):
-    """Headings, rows of tables, points of lists and pictures, each with all that follows it up to the next one."""
+    """Headings, table rows, list items and pictures, each with the text up to the next one."""
     blocks = []
     for line in without_fences(page).splitlines():
         begin = BLOCK.match(line)
@@ -117,7 +117,7 @@ def what_is_wrong(pages, root, languages, host):
 
 
 def damaged(pages):
-    """The pages with one thing wrong each: a block, a text in a block, or a link."""
+    """The pages with one defect each: in a block, a text in a block, or a link."""
     for name, page in pages.items():
         blocks = [block for _, block in blocks_of(page)]
         for at, block in enumerate(blocks):
@@ -142,7 +142,7 @@ def main():
     if found:
         raise SystemExit("\n".join(found))
 
-    # A check that overlooks something would pass as well.
+    # A check that finds nothing would pass as well.
     tried = 0
     for what, wrong in damaged(pages):
         tried += 1

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Compiles, with the very command of each folder of the product, a source that includes one header of a folder above it,
-and expects the compiler to refuse. A header that the folder may use must be taken, so that a broken command does not pass
-for a refusal.
+"""Compiles, with the compile command of each folder of the product, a source that includes one header of a folder above
+it, and expects the compiler to refuse it. A header that the folder may use must compile, so that a broken command does
+not look like a refusal.
 
     one_way_includes.py COMPILE_COMMANDS PRODUCT_FOLDER
 """
@@ -14,7 +14,7 @@ import subprocess
 import sys
 import tempfile
 
-# Each folder with those that it may use.
+# Each folder with the folders it may use.
 MAY_USE = {
     "files": [],
     "package": ["files"],
@@ -57,7 +57,7 @@ def main():
             arguments, directory = command_of(folder, commands, product)
             for other in MAY_USE:
                 allowed = other == folder or other in used
-                # One header shows that what is allowed is in reach; of what is not, each counts.
+                # One header proves that an allowed folder is reachable; of a forbidden one, each header counts.
                 for header in headers[other][:1] if allowed else headers[other]:
                     task = pool.submit(compiles, arguments, directory, header, work)
                     tasks.append((task, folder, other, header, allowed))

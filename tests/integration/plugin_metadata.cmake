@@ -1,5 +1,5 @@
-# Compares what is embedded in PLUGIN, read by QTPLUGININFO, with the file EXPECTED. Qt's own entries
-# depend on the Qt that the plugin is built against: they must be there, and are then left out.
+# Compares the metadata embedded in PLUGIN, read by QTPLUGININFO, with the file EXPECTED. Qt's own entries vary with the
+# Qt version: they must exist, and are otherwise ignored.
 cmake_minimum_required(VERSION 3.19)
 
 execute_process(COMMAND "${QTPLUGININFO}" --full-json "${PLUGIN}"
@@ -7,7 +7,7 @@ execute_process(COMMAND "${QTPLUGININFO}" --full-json "${PLUGIN}"
 if(NOT result EQUAL 0)
     message(FATAL_ERROR "${PLUGIN} has no plugin metadata that can be read: ${error}")
 endif()
-# The document stands after a line of text in the tool's output.
+# The tool prints a line of text before the document.
 string(FIND "${actual}" "{" begin)
 string(SUBSTRING "${actual}" ${begin} -1 actual)
 foreach(entry archreq debug version)

@@ -1,4 +1,4 @@
-# Installs the host of HOST_BUILD into WORK and builds the folder PRODUCT against it alone.
+# Installs the host of HOST_BUILD into WORK and builds the folder PRODUCT against that installation only.
 cmake_minimum_required(VERSION 3.18)
 
 function(run)
@@ -10,7 +10,7 @@ endfunction()
 
 file(REMOVE_RECURSE "${WORK}")
 run("${CMAKE_COMMAND}" --install "${HOST_BUILD}" --prefix "${WORK}/host")
-# Only what the host installs may be found, not the plugin that lies beside it.
+# Only the installed host may be found, not the plugin next to it.
 file(GLOB_RECURSE shipped "${WORK}/host/*projectfilecfg*")
 if(shipped)
     file(REMOVE ${shipped})

@@ -26,7 +26,7 @@ using Simulation::Journal;
 
 namespace {
 
-/// Acts once on the user-interface thread, when a text is translated there after it was armed.
+/// Runs an action once on the user-interface thread, when a text is translated there after arming.
 class ActingTranslator : public QTranslator
 {
 public:
@@ -53,7 +53,7 @@ PackageBuilder onlyDescription(const QByteArray &description)
 using MakePackage = std::function<PackageBuilder()>;
 Q_DECLARE_METATYPE(MakePackage)
 
-/// How applying a project ends: results, a cancel, exceptions of the host, a panel that is deleted.
+/// How applying a project ends: results, a cancel, exceptions of the host, a deleted panel.
 class TstApplyEndings : public QObject, protected Applying
 {
     Q_OBJECT
@@ -196,8 +196,8 @@ void TstApplyEndings::a_load_failing_at_once_is_noticed()
                                 begun.release();
                             }));
     Faults::instance()->arm(serailize, Fault::fail());
-    // Between the start of the thread and the first connection the panel asks for the waiting dialog. If the host has
-    // to make it anew, it translates the text of its button: time enough for a job that does not wait.
+    // Between starting the thread and making its first connection the panel asks for the waiting dialog. If the host
+    // has to create it again, it translates the button's text: time enough for a job that does not wait.
     ActingTranslator translator;
     QCoreApplication::installTranslator(&translator);
     bool wasBetween = false;
@@ -237,7 +237,7 @@ void TstApplyEndings::a_device_lost_during_a_load_stays_offline()
     list(packageOf(richDevice(sourceIp)));
     Faults::instance()->arm(createMaterailFromImage, Fault::disconnect());
     expectQuestion(QMessageBox::No);
-    // The multi-viewer's items, which are sent all the same, fail as well.
+    // The multi-viewer's items, which are sent regardless, fail as well.
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("Project file import failed"));
     clickApply();
     waitForEndOfLoad();
@@ -266,7 +266,7 @@ void TstApplyEndings::a_device_removed_midway_is_not_synced()
 
 void TstApplyEndings::cancelling_between_operations_is_reported()
 {
-    // A load before it must not leave a connection that cancels once more.
+    // A previous load must not leave a connection that cancels a second time.
     applyAndWait(packageOf(plainDevice(sourceIp)));
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
@@ -283,7 +283,7 @@ void TstApplyEndings::cancelling_interrupts_the_running_operation()
 {
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
-    // Would take ten minutes if nobody cancelled it.
+    // Would take ten minutes without the cancel.
     Faults::instance()->arm(createMaterailFromImage, cancelling());
     Faults::instance()->arm(createMaterailFromImage, Fault::late(600000));
     applyAndExpect(QStringLiteral("apply gallery failed"));
@@ -370,7 +370,7 @@ void TstApplyEndings::host_exceptions_end_in_a_message()
         COMPARE_STATES(hardware(targetIp), before);
     QCOMPARE(logged.count(), 1);
 
-    // And the panel goes on.
+    // The panel remains usable.
     Journal::instance()->clear();
     applyAndWait(packageOf(plainDevice(QStringLiteral("10.0.0.78"))));
     VERIFY_BOOK();
@@ -398,7 +398,7 @@ void TstApplyEndings::deleting_the_panel_midway_ends_the_load()
     QVERIFY(!WaitingDialog::instance()->isVisible());
     QCOMPARE(Journal::instance()->count(createMaterailFromImage), 1);
     QCOMPARE(Journal::instance()->count(copyModelToDevice), 0);
-    // Freed at the end of the load, not while it was still sending.
+    // Released at the end of the load, not while it was still sending.
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
     VERIFY_JOURNAL_ORDER({setChannelExclusive, createMaterailFromImage, setChannelExclusive});
     QCOMPARE(journalArguments(setChannelExclusive, "exclusive"), (QVariantList{true, false}));
@@ -472,7 +472,7 @@ void TstApplyEndings::selecting_another_device_still_frees_the_loaded_one()
     Faults::instance()->arm(copyModelToDevice, Fault::run([&] {
                                 onMainThread([&] {
                                     Model::object_brige::instance()->setActiveDevice((*m_site)->device(secondIp));
-                                    // The selector follows, as when the language is switched.
+                                    // The selector is refilled, as on a change of the language.
                                     (*m_panel)->retranslateUi();
                                 });
                             }));

@@ -23,7 +23,7 @@ const QString syncText = QStringLiteral("Sync device data , please wait.");
 
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
 
-/// Applying project files with the real panel, from the press to the first steps of the load.
+/// Applying project files with the real panel, from the click to the first steps of the load.
 class TstApplyFlow : public QObject, protected Applying
 {
     Q_OBJECT
@@ -85,7 +85,7 @@ void TstApplyFlow::applying_makes_the_hardware_what_was_saved()
     COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
     QCOMPARE(hardware(targetIp).identity.mac, before.identity.mac);
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
-    // The model follows what is on the device now.
+    // The model matches the device again.
     QCOMPARE(int((*m_site)->device(targetIp)->getBKGs().size()), source.backgrounds.size());
     QCOMPARE((*m_site)->device(targetIp)->getBKGs().front().lock()->getName(), QStringLiteral("Opening"));
 }
@@ -108,7 +108,7 @@ void TstApplyFlow::online_apply_runs_its_steps_in_order()
              (QVariantList{QStringLiteral("OperatorLoad"), QStringLiteral("OperatorNone")}));
     QCOMPARE(journalArguments(setOperatorType, "text"), (QVariantList{QString(), QString()}));
     QCOMPARE(journalArguments(updateOnlineDevice, "ip"), (QVariantList{targetIp, targetIp, targetIp}));
-    // The package is sent between the announcement and the end.
+    // The package is sent between the two operator types.
     VERIFY_JOURNAL_ORDER(
         {setChannelExclusive, setOperatorType, canMVEEnable, copyModelToDevice, setOperatorType, setChannelExclusive});
 }
@@ -286,7 +286,7 @@ void TstApplyFlow::apply_others_applies_a_package_from_anywhere()
 
 void TstApplyFlow::apply_others_chooses_one_file()
 {
-    // Where the user was the last time does not matter.
+    // The user's last folder is ignored.
     m_book->expectFileDialog(QStringLiteral("Project file"),
                              {elsewhere(packageOf(plainDevice(sourceIp)), QStringLiteral("show.corvelpro"))});
     expectQuestion(QMessageBox::Cancel);
@@ -415,7 +415,7 @@ void TstApplyFlow::a_removed_device_ends_the_apply_silently()
 void TstApplyFlow::a_package_deleted_after_listing_is_reported()
 {
     list(packageOf(plainDevice(sourceIp)));
-    // The list must not hear of it before the click.
+    // The list must not notice before the click.
     const HeldThreadPool held;
     QVERIFY(QFile::remove(projectFile(QStringLiteral("show"))));
     m_book->expectWarning(QStringLiteral("Remind"), QStringLiteral("The file does not exist."));
@@ -445,7 +445,7 @@ void TstApplyFlow::a_package_changed_after_listing_ends_silently()
     list(packageOf(plainDevice(sourceIp)));
     QFile file(projectFile(QStringLiteral("show")));
     QVERIFY(file.open(QIODevice::ReadWrite));
-    // Within the bytes that the checksum covers: the magic number's neighbour, the version that is needed.
+    // Bytes covered by the checksum: next to the magic number, the version needed.
     QVERIFY(file.seek(4) && file.write("\x15", 1) == 1);
     file.close();
     apply();
@@ -480,7 +480,7 @@ void TstApplyFlow::a_failed_sync_after_the_reset_only_logs()
     VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog, showWaitingDialog,
                     updateDeviceInfo, hideWaitingDialog, showWaitingDialog, updateOnlineDevice, hideWaitingDialog});
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    // Nothing is applied any more, so nothing of it takes room.
+    // The apply has ended, so none of its files may remain.
     QCOMPARE(openNamelessFiles(), open);
 }
 
@@ -497,7 +497,7 @@ void TstApplyFlow::a_failed_reset_is_reported()
     VERIFY_JOURNAL({questionBox, showWaitingDialog, updateOnlineDevice, hideWaitingDialog, showWaitingDialog,
                     updateDeviceInfo, hideWaitingDialog, warningBox});
     COMPARE_STATES(hardware(targetIp), before);
-    // Nothing is applied any more, so nothing of it takes room.
+    // The apply has ended, so none of its files may remain.
     QCOMPARE(openNamelessFiles(), open);
 }
 
@@ -518,7 +518,7 @@ void TstApplyFlow::a_device_lost_before_the_reset_is_reported()
 void TstApplyFlow::a_removed_device_is_not_reset()
 {
     list(packageOf(plainDevice(sourceIp)));
-    // It stays the active one.
+    // It stays active.
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     Model::DeviceList::instance()->removeDevice(targetIp);
     Model::object_brige::instance()->setActiveDevice(device);

@@ -17,7 +17,7 @@ using Simulation::Faults;
 using Simulation::HardwareState;
 using Simulation::Journal;
 
-/// Applying a project after a backup of what the device has: "Yes" to the question.
+/// Applying a project after backing up the device's current configuration: "Yes" to the question.
 class TstBackupBeforeApply : public QObject, protected Applying
 {
     Q_OBJECT
@@ -60,7 +60,7 @@ void TstBackupBeforeApply::yes_saves_a_project_before_applying()
     QVERIFY2(QRegularExpression(QStringLiteral("^\\d{8}_\\d{6}$")).match(info.strComment).hasMatch(),
              qPrintable(info.strComment));
 
-    // What was saved brings back what was there before.
+    // The saved package restores the previous state.
     apply(QMessageBox::No, QStringLiteral("Project1"));
     waitForEndOfLoad(2);
     COMPARE_STATES(hardware(targetIp), before);
@@ -80,7 +80,7 @@ void TstBackupBeforeApply::a_failed_backup_applies_nothing()
     COMPARE_STATES(hardware(targetIp), before);
     QVERIFY(!QFile::exists(projectFile(QStringLiteral("Project1"))));
 
-    // The package does not wait for the next backup either.
+    // The package is not kept for the next backup either.
     saveAsProposed();
     QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
     VERIFY_BOOK();
@@ -104,7 +104,7 @@ void TstBackupBeforeApply::a_cancelled_backup_applies_nothing()
 
 void TstBackupBeforeApply::cancel_reaches_a_backup_after_an_apply()
 {
-    // Its job is still there.
+    // Its job still exists.
     applyAndWait(packageOf(richDevice(sourceIp)));
     Journal::instance()->clear();
     Faults::instance()->arm(queryMaterailData, cancelling());
@@ -159,7 +159,7 @@ void TstBackupBeforeApply::a_backup_without_a_valid_package_applies_nothing()
         QFile inTheWay(presetFolder);
         QVERIFY(inTheWay.open(QIODevice::WriteOnly));
     } else {
-        // The end of the thread is told to the panel through its event loop, so this comes before.
+        // The panel hears of the thread's end through its event loop, so this comes first.
         Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&] {
                                     QThread *const job = QThread::currentThread();
                                     connect(
@@ -173,7 +173,7 @@ void TstBackupBeforeApply::a_backup_without_a_valid_package_applies_nothing()
                                         Qt::DirectConnection);
                                 }));
     }
-    // A folder that cannot be made ends the save with a message; where there is none, the log tells why nothing
+    // A folder that cannot be created ends the save with a message; without a message, the log says why nothing
     // follows.
     const bool isTold = harm == QStringLiteral("file in the way");
     {
@@ -192,7 +192,7 @@ void TstBackupBeforeApply::a_backup_without_a_valid_package_applies_nothing()
     QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
     COMPARE_STATES(hardware(targetIp), before);
 
-    // Nor does it wait for the next backup.
+    // Nor is it kept for the next backup.
     QFile::remove(presetFolder);
     Journal::instance()->clear();
     expectProperties(QStringLiteral("Afterwards"), QString());
@@ -226,7 +226,7 @@ void TstBackupBeforeApply::without_an_active_device_nothing_waits()
     VERIFY_BOOK();
     settle();
 
-    // The next save is a save alone.
+    // The next save does not apply anything.
     Model::object_brige::instance()->setActiveDevice((*m_site)->device(targetIp));
     saveAsProposed();
     VERIFY_BOOK();
@@ -238,7 +238,8 @@ void TstBackupBeforeApply::a_late_cancel_of_the_backup_prevents_applying()
 {
     const HardwareState before = hardware(targetIp);
     list(packageOf(plainDevice(sourceIp)));
-    // While the last preset is fetched: the save looks at a cancel before each picture and preset, and only packs now.
+    // During the fetch of the last preset: the save checks for a cancel before each picture and preset; after that it
+    // only packs.
     const int presets = before.presets.size();
     Faults::instance()->arm(presetFullDetail2Binary, cancelling(presets));
     apply(QMessageBox::Yes);
@@ -253,7 +254,7 @@ void TstBackupBeforeApply::a_late_cancel_of_the_backup_prevents_applying()
 
 void TstBackupBeforeApply::cancelling_after_a_backup_cancels_once()
 {
-    // A connection that the backup had left would cancel once more.
+    // A connection left by the backup would cancel a second time.
     list(packageOf(richDevice(sourceIp)));
     Faults::instance()->arm(canMVEEnable, cancelling());
     expectQuestion(QMessageBox::Yes);

@@ -25,7 +25,7 @@ class TstCopyingOut : public QObject, protected PanelOnSite<TestSite>
 private slots:
     void initTestCase()
     {
-        // Importing and scanning at once must not depend on the number of processors.
+        // Lets an import and a scan run at the same time, whatever the number of processors.
         QThreadPool::globalInstance()->setMaxThreadCount(4);
     }
     void init() { setUp(); }
@@ -147,7 +147,7 @@ void TstCopyingOut::save_as_names_the_package_it_failed_on()
 
 void TstCopyingOut::a_package_replaced_by_a_pipe_never_blocks()
 {
-    // Listed through a link, so that no change of the directory takes the row away.
+    // Listed through a link, so that no change of the directory removes the row.
     const QString pipe = elsewhere(QStringLiteral("real.corvelpro"));
     QVERIFY(writePackage(pipe, QString()));
     QVERIFY(QFile::link(pipe, projectFile(QStringLiteral("show"))));
@@ -237,7 +237,7 @@ void TstCopyingOut::deleting_the_panel_during_a_copy_is_quiet()
     held.release();
     settle();
     VERIFY_BOOK();
-    // What had been asked for is done to its end.
+    // The requested copy is finished.
     QCOMPARE(readFile(target), readFile(projectFile(QStringLiteral("show"))));
     m_panel.emplace();
 }
@@ -267,7 +267,7 @@ void TstCopyingOut::saving_all_copies_every_listed_file()
 
 void TstCopyingOut::saving_all_reports_existing_files_and_copies_others()
 {
-    // Listed newest first, and so reported.
+    // Listed, and so reported, newest first.
     QVERIFY(writePackage(projectFile(QStringLiteral("a.2026")), QString(), 30));
     QVERIFY(writePackage(projectFile(QStringLiteral("b")), QString(), 20));
     QVERIFY(writePackage(projectFile(QStringLiteral("c")), QString(), 10));
@@ -322,7 +322,7 @@ void TstCopyingOut::saving_all_needs_more_space_than_the_files()
     list(QStringLiteral("another"));
     Journal::instance()->clear();
     {
-        // As large as that since they were listed.
+        // Grown to that size after it was listed.
         const HeldThreadPool held;
         QVERIFY(QFile::resize(projectFile(QStringLiteral("show")), 4 * MiB));
         QVERIFY(QFile::resize(projectFile(QStringLiteral("another")), 2 * MiB + difference));

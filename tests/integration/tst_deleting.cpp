@@ -22,7 +22,7 @@ class TstDeleting : public QObject, protected PanelOnSite<TestSite>
 private slots:
     void initTestCase()
     {
-        // Importing and scanning at once must not depend on the number of processors.
+        // Lets an import and a scan run at the same time, whatever the number of processors.
         QThreadPool::globalInstance()->setMaxThreadCount(4);
     }
     void init() { setUp(); }
@@ -53,7 +53,7 @@ void TstDeleting::deleting_one_removes_file_and_row()
     clickRow(QStringLiteral("second"), QStringLiteral("Delete"));
     VERIFY_BOOK();
     QCOMPARE(m_book->seen().first().buttons, QMessageBox::Yes | QMessageBox::No);
-    // At once, not after a scan.
+    // Immediately, not after a scan.
     QVERIFY(!m_panel->names().contains(QStringLiteral("second")));
     QCOMPARE(m_panel->table()->rowCount(), 2);
     QVERIFY(!QFile::exists(projectFile(QStringLiteral("second"))));
@@ -120,7 +120,7 @@ void TstDeleting::a_failed_delete_stops_watching_the_directory()
     list(QStringLiteral("show"));
     const QString path = projectFile(QStringLiteral("show"));
     {
-        // A folder in its place cannot be removed as a file. No scan may see the moment without either.
+        // A folder in its place cannot be removed as a file. No scan may run in between.
         const HeldThreadPool held;
         QVERIFY(QFile::remove(path) && writeFile(path + QStringLiteral("/inside"), "x"));
     }
@@ -134,7 +134,7 @@ void TstDeleting::a_failed_delete_stops_watching_the_directory()
     QVERIFY(row(QStringLiteral("show")));
     QVERIFY(!isFollowingTheDirectory());
 
-    // The panel's own operations take it up again.
+    // The panel's own operations watch it again.
     m_book->expectQuestion(remind, deleteQuestion, QMessageBox::Yes);
     clickRow(QStringLiteral("other"), QStringLiteral("Delete"));
     VERIFY_BOOK();
@@ -187,13 +187,13 @@ void TstDeleting::deleting_all_skips_files_it_cannot_remove()
 {
     list(QStringLiteral("first"));
     list(QStringLiteral("second"));
-    // In a folder that cannot be written, files cannot be removed.
+    // Files in a read-only folder cannot be removed.
     const QFile::Permissions readable =
         QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
     const QFile::Permissions home = QFile::permissions(QDir::homePath());
     QVERIFY(QFile::setPermissions(QDir::homePath(), readable | QFile::WriteOwner));
     QVERIFY(QFile::setPermissions(projectFilesPath(), readable));
-    // The directory's change brings a scan, which would find the files again at any moment.
+    // The directory's change triggers a scan, which may find the files again at any moment.
     settle();
     {
         const OrdinaryUser user;
@@ -220,7 +220,7 @@ void TstDeleting::a_scan_overtaken_by_a_change_runs_again_data()
 void TstDeleting::a_scan_overtaken_by_a_change_runs_again()
 {
     QFETCH(QString, change);
-    // On a first start nobody reports changes: the directory was not there to be watched.
+    // On a first start the directory was not there to be watched, so no change is reported.
     m_panel.reset();
     settle();
     QVERIFY(removeProjectFilesDirectory());
@@ -282,7 +282,7 @@ void TstDeleting::deleting_the_panel_behind_its_dialog_starts_nothing()
             pressed = one;
     }
     QVERIFY(pressed);
-    // Not by a mouse click, after which the deleted button would still be touched by the event's sender.
+    // Not with a mouse click: the event's sender would touch the deleted button afterwards.
     QMetaObject::invokeMethod(pressed, "click", Qt::QueuedConnection);
     waitForAnswers();
     QVERIFY(!m_panel);

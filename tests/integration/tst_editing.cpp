@@ -20,8 +20,8 @@ using ProjectFileCfg::Internal::ZipPackageHandle;
 
 namespace {
 
-/// A way to the panel's list, which is its own business, for a test that must see it locked. An explicit instantiation
-/// may name private members.
+/// Access to the panel's private list, for a test that must see it locked: an explicit instantiation may name private
+/// members.
 struct PanelsProjects
 {
     using Member = const std::shared_ptr<ProjectFileCfg::Internal::ProjectList> EngineerDocOperWidget::*;
@@ -44,7 +44,7 @@ class TstEditing : public QObject, protected PanelOnSite<TestSite>
 private slots:
     void initTestCase()
     {
-        // Importing and scanning at once must not depend on the number of processors.
+        // Lets an import and a scan run at the same time, whatever the number of processors.
         QThreadPool::globalInstance()->setMaxThreadCount(4);
     }
     void init() { setUp(); }
@@ -89,7 +89,7 @@ void TstEditing::editing_without_renaming_rewrites_only_the_comment()
     QCOMPARE(m_panel->comments(), QStringList{QStringLiteral("after")});
     QCOMPARE(contents(projectFilesPath()), QStringList{QStringLiteral("show.corvelpro")});
 
-    // All but the comment and its length, which are the last bytes.
+    // Everything except the comment and its length, which end the file.
     const QByteArray record =
         PackageBuilder::infoRecord(old.strChecksum, QStringLiteral("show"), QStringLiteral("after"));
     const QByteArray oldRecord = PackageBuilder::infoRecord(old.strChecksum, QStringLiteral("a name that nobody sees"),
@@ -205,7 +205,7 @@ void TstEditing::renaming_to_a_taken_name_warns()
     list(QStringLiteral("taken"), QStringLiteral("other"));
     const QByteArray other = readFile(projectFile(QStringLiteral("taken")));
     list(QStringLiteral("show"), QStringLiteral("before"));
-    // The blank keeps the dialog from refusing the name itself.
+    // With the blank the dialog does not find the existing name itself.
     expectProperties(QStringLiteral("taken "), QStringLiteral("after"));
     m_book->expectWarning(remind, QStringLiteral("File rename failed"));
     {
@@ -244,7 +244,7 @@ void TstEditing::an_unwritable_record_ends_silently()
 void TstEditing::an_edit_updates_the_list_entry()
 {
     list(QStringLiteral("before"), QStringLiteral("old"));
-    // Without a scan, which would read them anew.
+    // Without a scan, which would read them again.
     const HeldThreadPool held;
     expectProperties(QStringLiteral("after"), QStringLiteral("new"));
     clickRow(QStringLiteral("before"), QStringLiteral("Edit"));
@@ -315,7 +315,7 @@ void TstEditing::an_edit_locks_the_list()
 {
     list(QStringLiteral("show"));
     QMutex &mutex = ((*m_panel->widget).*projectsOf(PanelsProjects())).get()->mutex;
-    // Not in the pool: who waits for its work may get to do it, and this thread may lock the list again.
+    // Not in the pool: waitForFinished() may run a task on this thread, which may lock the list again.
     const auto isFree = [&mutex] {
         bool isLocked = false;
         std::thread other([&] {
@@ -357,7 +357,7 @@ void TstEditing::scans_during_an_edit_occupy_no_thread()
         }
         threadsMeanwhile = QThreadPool::globalInstance()->activeThreadCount();
         scansMeanwhile = scans.seen() - before;
-        // As much other work as the pool has threads goes on at once.
+        // As many other tasks as the pool has threads run at the same time.
         const int threads = QThreadPool::globalInstance()->maxThreadCount();
         QSemaphore arrived;
         QSemaphore released;
@@ -421,7 +421,7 @@ void TstEditing::the_table_may_change_during_an_edit()
     list(QStringLiteral("show"));
     const QPointer<QWidget> oldRow = row(QStringLiteral("show"));
     m_book->expectDialog(propertyDialog, [&](QDialog *dialog) {
-        // As a scan does whose list no longer has these rows.
+        // Like a scan whose list no longer contains these rows.
         m_panel->table()->setRowCount(0);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         answerProperties(dialog, QStringLiteral("renamed"), QStringLiteral("after"));

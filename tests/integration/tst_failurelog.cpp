@@ -38,7 +38,7 @@ using PackageStep = std::function<void(PackageBuilder &package)>;
 Q_DECLARE_METATYPE(SaveStep)
 Q_DECLARE_METATYPE(PackageStep)
 
-/// Whatever fails leaves one line with the path and the cause in the log: docs/diagnosing.md counts on it.
+/// Every failure logs one line with the path and the cause: docs/diagnosing.md relies on it.
 class TstFailureLog : public QObject
 {
     Q_OBJECT
@@ -50,19 +50,19 @@ private slots:
     void a_failed_save_leaves_one_line();
     void a_refused_apply_leaves_one_line_data();
     void a_refused_apply_leaves_one_line();
-    void an_apply_that_fails_on_its_way_leaves_one_line_data();
-    void an_apply_that_fails_on_its_way_leaves_one_line();
+    void a_failing_apply_logs_one_line_data();
+    void a_failing_apply_logs_one_line();
     void success_and_cancelling_leave_no_line();
     void each_operation_of_the_panel_leaves_one_line();
 
 private:
-    /// The lines that tell of a failure.
+    /// The log lines that report a failure.
     static QStringList failures()
     {
         return WarningGuard::texts(QtDebugMsg).filter(QRegularExpression("failed:|^Not "));
     }
     static void run(QThread &job);
-    /// Complains unless there is one line, with both.
+    /// Returns a complaint unless exactly one line contains both.
     static QString wrongIn(const QStringList &lines, const QString &path, const QString &cause);
 
     QTemporaryDir m_packages;
@@ -104,7 +104,7 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
         [](CustomSite &, EngineerDocBackup &job) { job.setDeviceIp("10.0.0.99"); });
     row("a preset is not serialised", BackupEncryptFailed, "Device 11", "could not be serialised",
         [](CustomSite &, EngineerDocBackup &) { Faults::instance()->arm(presetFullDetail2Binary, Fault::fail()); });
-    row("a file in the folder's place", BackupEncryptFailed, "/projects", "cannot make the folder",
+    row("a file in the folder's place", BackupEncryptFailed, "/projects", "cannot create the folder",
         [](CustomSite &site, EngineerDocBackup &job) {
             QVERIFY(writeFile(site.path() + "/projects", "a file"));
             job.setProjectPath(site.path() + "/projects/");
@@ -115,7 +115,7 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
         [](CustomSite &site, EngineerDocBackup &) {
             QVERIFY(QDir().mkpath(site.path() + "/projects/show.corvelpro"));
         });
-    row("a pipe among the files", BackupEncryptFailed, onlineIp + "/pipe", "no plain file",
+    row("a pipe among the files", BackupEncryptFailed, onlineIp + "/pipe", "not a plain file",
         [](CustomSite &site, EngineerDocBackup &) {
             QVERIFY(QDir().mkpath(site.devicePath(onlineIp)));
             ::mkfifo(QFile::encodeName(site.devicePath(onlineIp) + "/pipe").constData(), 0600);
@@ -153,11 +153,11 @@ void TstFailureLog::a_refused_apply_leaves_one_line_data()
     row("no device", "10.0.0.99", LoadGetDeviceFailed, "there is no device 10.0.0.99", none);
     row("a wrong checksum", onlineIp, LoadSuccess, "its record says",
         [](PackageBuilder &package) { package.recordWithChecksum("0", "show", "x"); });
-    row("no record", onlineIp, LoadSuccess, "no info record",
+    row("no record", onlineIp, LoadSuccess, "not an info record",
         [](PackageBuilder &package) { package.archiveComment("x"); });
     row("no description", onlineIp, LoadJsonFileError, "no device description",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.txt", "x"); });
-    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or no JSON",
+    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or not JSON",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.json", "no JSON"); });
     row("another model", onlineIp, LoadDeviceTypeMismatch, "model ID is 400",
         [](PackageBuilder &package) { package = packageOf(plainDevice(sourceIp, otherModel)); });
@@ -210,7 +210,7 @@ void TstFailureLog::a_refused_apply_leaves_one_line()
     QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());
 }
 
-void TstFailureLog::an_apply_that_fails_on_its_way_leaves_one_line_data()
+void TstFailureLog::a_failing_apply_logs_one_line_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<QString>("ip");
@@ -227,7 +227,7 @@ void TstFailureLog::an_apply_that_fails_on_its_way_leaves_one_line_data()
                                  << "cannot write the description";
 }
 
-void TstFailureLog::an_apply_that_fails_on_its_way_leaves_one_line()
+void TstFailureLog::a_failing_apply_logs_one_line()
 {
     QFETCH(QString, operation);
     QFETCH(QString, ip);
@@ -298,23 +298,23 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     book.expectFileDialog("Project file", {broken});
     book.expectWarning("Warning", QStringLiteral("The file[%1] context is invalid.").arg(broken));
     QVERIFY(click(panel.importProject()));
-    QCOMPARE(wrongIn(logged(), broken, "no zip archive"), QString());
+    QCOMPARE(wrongIn(logged(), broken, "not a zip archive"), QString());
 
     book.expectFileDialog("Project file", {show});
     book.expectWarning("Warning", "Import project file [show] failed");
     QVERIFY(click(panel.importProject()));
-    QCOMPARE(wrongIn(logged(), show, "exists already"), QString());
+    QCOMPARE(wrongIn(logged(), show, "already exists"), QString());
 
     book.expectFileDialog("Project file", {broken});
     book.expectWarning("Remind", "The file does not exist or the file format is incorrect.");
     QVERIFY(click(panel.applyOthers()));
-    QCOMPARE(wrongIn(logged(), broken, "no zip archive"), QString());
+    QCOMPARE(wrongIn(logged(), broken, "not a zip archive"), QString());
 
     QVERIFY(writeFile(elsewhere.filePath("show.corvelpro"), "taken"));
     book.expectFileDialog("choose Des Directory", {elsewhere.path()});
     book.expectWarning("Warning", "save as [show] failed");
     QVERIFY(click(panel.allSaveAs()));
-    QCOMPARE(wrongIn(logged(), elsewhere.filePath("show.corvelpro"), "exists already"), QString());
+    QCOMPARE(wrongIn(logged(), elsewhere.filePath("show.corvelpro"), "already exists"), QString());
 
     book.expectDialog("EngineerPropertySettingWidget", [&](QDialog *dialog) {
         QVERIFY(QFile::remove(show));
@@ -328,7 +328,7 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     WarningGuard::clear();
     QVERIFY(writePackage(projectFile("taken"), "a comment"));
     book.expectDialog("EngineerPropertySettingWidget", [](QDialog *dialog) {
-        // The blank keeps the dialog from refusing the name itself.
+        // With the blank the dialog does not find the existing name itself.
         dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText("taken ");
         click(dialog, "OK");
     });

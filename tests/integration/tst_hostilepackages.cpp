@@ -37,7 +37,7 @@ namespace {
 const QString onlineIp = QString::fromLatin1(TestData::onlineAddress);
 const QString offlineIp = QString::fromLatin1(TestData::offlineAddress);
 
-/// What README.md says of one package.
+/// The row of README.md for one package.
 struct Expectation
 {
     QString listed;
@@ -76,9 +76,9 @@ bool writeFile(const QString &path, const QByteArray &bytes)
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What an operation touches
+// Files touched by an operation
 
-/// Everything below a folder: what it is, its size, when it was changed, where it leads to.
+/// Everything below a folder: type, size, modification time, link target.
 using Snapshot = QMap<QString, QString>;
 
 QString stateOf(const QString &path)
@@ -88,7 +88,7 @@ QString stateOf(const QString &path)
         return QStringLiteral("gone");
     QString state =
         QStringLiteral("mode %1, inode %2").arg(QString::number(status.st_mode, 8), QString::number(status.st_ino));
-    // The size of a folder tells nothing, its time tells what came and went.
+    // A folder's size means nothing; its time shows additions and removals.
     state += QStringLiteral(", changed %1.%2")
                  .arg(QString::number(status.st_mtim.tv_sec), QString::number(status.st_mtim.tv_nsec));
     if (!S_ISDIR(status.st_mode))
@@ -98,7 +98,7 @@ QString stateOf(const QString &path)
     return state;
 }
 
-/// Leaves out what `mayChange` names: files, and folders with all that is in them.
+/// Leaves out `mayChange`: files, and folders with everything in them.
 Snapshot snapshot(const QString &root, const QStringList &mayChange)
 {
     Snapshot found;
@@ -136,7 +136,7 @@ QString difference(const Snapshot &before, const Snapshot &after)
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What an operation costs
+// Cost of an operation
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool costsCount = false;
@@ -144,8 +144,8 @@ constexpr bool costsCount = false;
 constexpr bool costsCount = true;
 #endif
 
-/// The process's time and memory since it was made. A sanitizer's own cost is not the product's: such builds are
-/// guarded by the time that a test program has as a whole.
+/// The process's time and memory since construction. Sanitizers add costs of their own: their builds rely on the test
+/// program's time limit instead.
 class Costs
 {
 public:
@@ -154,7 +154,7 @@ public:
     {
         if (!costsCount)
             return;
-        // What earlier operations gave back must not hide what this one takes.
+        // Memory freed by earlier operations must not hide new allocations.
         malloc_trim(0);
         QFile reset(QStringLiteral("/proc/self/clear_refs"));
         if (!reset.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || reset.write("5") != 1)
@@ -168,10 +168,10 @@ public:
         mebibytes = costsCount ? (kibibytes("VmHWM:") - m_memory) / 1024 : 0;
     }
 
-    /// Processor time of our own code: what the system takes, to make 65,000 files for instance, is several times as
-    /// much when other tests make theirs, and the clock on the wall tells even less.
+    /// Processor time in user mode: system time (creating 65,000 files, for example) multiplies while other tests
+    /// create theirs, and wall-clock time says even less.
     double seconds = 0;
-    /// The peak above what was in use at the beginning.
+    /// The peak above the memory in use at the start.
     qint64 mebibytes = 0;
 
 private:
@@ -198,7 +198,7 @@ private:
     qint64 m_memory = 0;
 };
 
-/// While it lives, the libraries may complain about what they read.
+/// During its lifetime the libraries may log warnings about what they read.
 class LibraryNoise
 {
     const ExpectMessage m_expected{QtWarningMsg,
@@ -206,7 +206,7 @@ class LibraryNoise
                                    ExpectMessage::AnyNumber};
 };
 
-/// While it lives, what this thread allocates and loses is not reported.
+/// During its lifetime leaks of this thread are not reported.
 class LeaksOfLibrary
 {
 public:
@@ -233,7 +233,7 @@ private:
 
 } // namespace
 
-/// Every package of tests/data against every operation that may meet it.
+/// Every package of tests/data against every operation that can encounter it.
 class TstHostilePackages : public QObject
 {
     Q_OBJECT
@@ -259,16 +259,16 @@ private slots:
     void panel_imports_and_lists_by_the_table();
 
 private:
-    /// A fresh site and, in a folder of its own, the package. Below the test's home lies nothing else that may change.
+    /// A fresh site and, in its own folder, the package. Nothing else below the test's home may change.
     void setUp(const HostilePackage &package);
     QString list() const;
     QString edit();
     QString apply(const QString &packagePath, const QString &ip) const;
     /// The package of that name.
     const HostilePackage &named(const QByteArray &name) const;
-    /// The code with which a save of the offline device ends; the package must be valid when it is 0.
+    /// The result code of a save of the offline device; for 0 the package must be valid.
     QString save() const;
-    /// What came of it, as the table has it; `m_costs` tells what it took.
+    /// The outcome in the table's words; `m_costs` has its cost.
     QString operate(const QString &operation);
     template<typename Operation>
     auto measured(const Operation &operation)
@@ -281,7 +281,7 @@ private:
     QStringList mayChange(const QString &operation) const;
 
     QVector<HostilePackage> m_packages;
-    /// The one that was made last: some take longer to make than to refuse.
+    /// Caches the last one: some take longer to create than to refuse.
     QPair<QByteArray, QByteArray> m_made;
     QString m_root;
     QString m_package;
@@ -295,7 +295,7 @@ private:
 void TstHostilePackages::initTestCase()
 {
     m_packages = TestData::hostilePackages();
-    // Deep enough that most ways out still end in what is compared.
+    // Deep enough that most escapes still end inside the compared folder.
     m_root = QDir::homePath();
     const QString temporary = m_root + QStringLiteral("/a/b/c/d");
     QVERIFY(QDir().mkpath(temporary));
@@ -346,7 +346,7 @@ QString TstHostilePackages::list() const
     return yesNo(list.listProjects.size() == 1 && list.listProjects.first().strFilePath == m_package);
 }
 
-/// As the panel does it; the new record must be the package's and all else what it was.
+/// Like the panel; only the record may change.
 QString TstHostilePackages::edit()
 {
     EngineerPacketInfo before;
@@ -381,7 +381,7 @@ QString TstHostilePackages::edit()
     return yesNo(true);
 }
 
-/// The code with which the job ends, or "-" where it refuses the package without one.
+/// The job's result code, or "-" if it refuses the package without one.
 QString TstHostilePackages::apply(const QString &packagePath, const QString &ip) const
 {
     EngineerDocLoad job(nullptr);
@@ -505,7 +505,7 @@ void TstHostilePackages::operation_ends_as_the_table_says()
     m_longest = qMax(m_longest, m_costs->seconds);
     m_largest = qMax(m_largest, m_costs->mebibytes);
 
-    // Nothing stays that harms who comes next.
+    // Nothing remains that harms later operations.
     if (operation.startsWith(QStringLiteral("apply")) && !m_packages.at(package).linksInTheWay)
         QCOMPARE(apply(m_honestPackage, operation == QStringLiteral("apply online") ? onlineIp : offlineIp),
                  QStringLiteral("0"));
@@ -524,7 +524,7 @@ void TstHostilePackages::online_device_gets_everything_or_stays_unchanged_data()
     }
 }
 
-/// By the panel, which resets the device in between.
+/// Through the panel, which resets the device in between.
 void TstHostilePackages::online_device_gets_everything_or_stays_unchanged()
 {
     QFETCH(int, package);
@@ -650,13 +650,13 @@ void TstHostilePackages::after_many_packages_the_device_can_be_saved()
     setUp({"replaced below", [] { return QByteArray(); }});
     int applied = 0;
     for (const HostilePackage &package : qAsConst(m_packages)) {
-        // Those that take their time have tests of their own.
+        // The slow ones have tests of their own.
         if (package.linksInTheWay || package.libraryLeaks || package.name.contains("entries_are_"))
             continue;
         if (table.value(package.name).offline != QStringLiteral("0"))
             continue;
         QVERIFY(writeFile(m_package, package.bytes()));
-        // An earlier one may have left a file where this one has a folder: then it is refused as a whole.
+        // An earlier package may have left a file in place of this one's folder: then it is refused as a whole.
         const QString code = apply(m_package, offlineIp);
         QVERIFY2(code == QStringLiteral("0") || code == QStringLiteral("6"),
                  package.name + " ends with " + code.toUtf8());
@@ -743,7 +743,7 @@ void TstHostilePackages::special_files_are_refused()
 void TstHostilePackages::panel_imports_and_lists_by_the_table()
 {
     const LibraryNoise noise;
-    // Those that a scan, a table or a box could stumble over.
+    // Those that could trip a scan, a table or a box.
     const QVector<QByteArray> kinds{"record_", "comment_", "cut_", "end_record_", "junk_", "zip64_", "file_is_"};
     const TestSupport::TestSite site;
     QVERIFY(PanelTesting::clearProjectFilesDirectory());
@@ -790,7 +790,7 @@ void TstHostilePackages::panel_imports_and_lists_by_the_table()
         click(panel.importProject());
         QTRY_VERIFY2_WITH_TIMEOUT(book.isSatisfied(), qPrintable(book.report()), 60000);
     }
-    // Put there by hand they are not listed either.
+    // Copied in by hand they are not listed either.
     for (const QString &path : qAsConst(invalid))
         QVERIFY(QFile::copy(path, PanelTesting::projectFilesPath() + QFileInfo(path).fileName()));
     panel.rescan();

@@ -27,7 +27,7 @@ class TstImporting : public QObject, protected PanelOnSite<TestSite>
 private slots:
     void initTestCase()
     {
-        // Importing and scanning at once must not depend on the number of processors.
+        // Lets an import and a scan run at the same time, whatever the number of processors.
         QThreadPool::globalInstance()->setMaxThreadCount(4);
     }
     void init() { setUp(); }
@@ -73,7 +73,7 @@ void TstImporting::importing_copies_and_lists()
 
 void TstImporting::the_chooser_accepts_several_files()
 {
-    // Where the user was the last time does not matter.
+    // The user's last folder is ignored.
     QVERIFY(writePackage(elsewhere(QStringLiteral("show.corvelpro")), QString()));
     m_book->expectFileDialog(chooserTitle, {elsewhere(QStringLiteral("show.corvelpro"))});
     m_book->expectInformation(remind, importSucceeded);
@@ -91,7 +91,7 @@ void TstImporting::the_chooser_accepts_several_files()
 void TstImporting::the_chooser_always_shows_details()
 {
     {
-        // Qt keeps what the user chose in the last one.
+        // Qt remembers the choices made in the last one.
         QFileDialog last;
         last.setViewMode(QFileDialog::List);
     }
@@ -181,7 +181,7 @@ void TstImporting::importing_needs_more_space_than_the_files()
     QVERIFY(writeFile(second, "no package") && QFile::resize(second, 2 * MiB + difference));
     const FreeSpace free(6 * MiB);
     m_book->expectFileDialog(chooserTitle, {first, second});
-    // What has room goes on to the next check.
+    // A file that fits passes on to the next check.
     if (isEnough)
         m_book->expectWarning(warning, QStringLiteral("The file[%1] context is invalid.").arg(first));
     else
@@ -204,7 +204,7 @@ void TstImporting::an_import_pauses_watching_the_directory()
     QTRY_VERIFY(QFile::exists(projectFile(QStringLiteral("first"))));
     QTRY_VERIFY(observer.changes() > 0);
     QCoreApplication::processEvents();
-    // A scan would be waiting in the pool or have run beside the import.
+    // A scan would be queued in the pool or have run next to the import.
     QCOMPARE(QThreadPool::globalInstance()->activeThreadCount(), 1);
     QCOMPARE(m_panel->table()->rowCount(), 0);
     QVERIFY(WaitingDialog::instance()->isVisible());
@@ -269,7 +269,7 @@ void TstImporting::importing_repeatedly_works()
             waitForAnswers();
         }
     }
-    // Each import told its end once.
+    // Each import emitted its end once.
     QCOMPARE(m_book->seen().size(), 10);
 }
 

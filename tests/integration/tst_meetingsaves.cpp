@@ -20,7 +20,7 @@ namespace {
 
 constexpr int rounds = 200;
 
-/// A save that runs beside others.
+/// Saves that run at the same time.
 class Save
 {
 public:
@@ -31,12 +31,12 @@ public:
         m_job.setProjectInfo(name, comment);
         m_job.start();
     }
-    /// Waits for its end: whether it told success and a package.
+    /// Waits for its end: whether it reported success with a package.
     bool succeeded()
     {
         return m_job.wait(60000) && m_job.resultCode() == BackupSuccess && !m_job.savedPackagePath().isEmpty();
     }
-    /// Success, or the one code that another program may cause.
+    /// Success, or the one code that another program can cause.
     bool endedOrderly() { return succeeded() || m_job.resultCode() == BackupEncryptFailed; }
 
 private:
@@ -52,7 +52,7 @@ QString commentOf(const QString &path)
 
 } // namespace
 
-/// Saves beside each other and beside a renaming, as two programs make them in one folder, again and again.
+/// Saves in parallel with each other and with a rename, as two programs would in one folder, repeatedly.
 class TstMeetingSaves : public QObject
 {
     Q_OBJECT
@@ -92,7 +92,7 @@ void TstMeetingSaves::one_of_two_saves_under_one_name_succeeds()
     for (int round = 0; round < rounds; ++round) {
         QFile::remove(packagePath());
         QVERIFY(!isTaken || writeFile(packagePath(), "there when both began"));
-        // Each has looked what is there when it gets here.
+        // By now each has listed the folder.
         QSemaphore arrived;
         QSemaphore go;
         const auto meet = [&] {
@@ -120,7 +120,7 @@ void TstMeetingSaves::rename_and_save_lose_no_package()
     for (int round = 0; round < rounds; ++round) {
         QVERIFY(QDir(m_projects).removeRecursively());
         QVERIFY(writeFile(packagePath("Old name"), pattern));
-        // The later of these come while the package is written.
+        // The later ones arrive while the package is written.
         constexpr int moments = 4;
         QSemaphore isTime;
         const int moment = round % moments;

@@ -45,7 +45,7 @@ constexpr char panelId[] = "ProjectFileCfg.Central";
 
 } // namespace
 
-/// The plugin as it is shipped: found by its metadata, loaded and driven by the host's plugin manager.
+/// The plugin as shipped: found by its metadata, loaded and driven by the host's plugin manager.
 class TstPluginLifecycle : public QObject
 {
     Q_OBJECT
@@ -98,9 +98,9 @@ private:
     static ICenterWidget *panel();
     static SettingCfgModeManager *subModes() { return SettingCfgModeManager::instance(); }
     void makeActive(const QString &ip) { object_brige::instance()->setActiveDevice((*m_site)->device(ip)); }
-    /// Shows the sub-mode in the settings area and lets the plugin follow.
+    /// Opens the sub-mode in the settings area and lets the plugin react.
     static void showSubMode(const char *id);
-    /// The journal's calls that name the panel or the sub-mode.
+    /// The journal's calls on the panel or the sub-mode.
     static QStringList calls(const char *id);
 
     QScopedPointer<TestSite> m_site;
@@ -169,7 +169,7 @@ QStringList TstPluginLifecycle::calls(const char *id)
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Coming up
+// Start-up
 
 void TstPluginLifecycle::the_metadata_orders_it_after_its_dependencies()
 {
@@ -256,14 +256,14 @@ void TstPluginLifecycle::coming_up_goes_in_this_order()
     connect(ObjectPool::instance(), &ObjectPool::objectAdded, &context, [&](const QObject *object) {
         if (object->inherits("ProjectFileCfg::ProjectFileCfgPlugin"))
             order << QStringLiteral("pool, warnings: %1").arg(WarningGuard::count(QtWarningMsg, warning));
-        // The host's own plugins are up now, and with them the manager of the sub-modes.
+        // The host's own plugins are running now, and with them the sub-modes' manager.
         connect(
             subModes(), &SettingCfgModeManager::modesChanged, &context,
             [&] {
                 if (!subModes()->containsMode(subMode) || order.size() > 1)
                     return;
                 order << QStringLiteral("mode");
-                // Nobody listens yet, since the sub-mode is registered before the plugin follows the manager.
+                // Nobody listens yet: the sub-mode is registered before the plugin connects to the manager.
                 subModes()->activateMode(subMode);
                 subModes()->activateMode("General");
                 subModes()->activateMode(subMode);
@@ -310,7 +310,7 @@ void TstPluginLifecycle::texts_come_from_the_translation_directory()
     Core::HostSettings settings = Core::hostSettings();
     settings.language = QStringLiteral("zh_CN");
     Core::applySettings(settings);
-    // The host's own texts are not what is tested here.
+    // The host's own texts are not under test.
     const ExpectMessage hostTexts(QtWarningMsg, QRegularExpression("no texts of the host"), ExpectMessage::AnyNumber);
     start();
     const QString name = subModes()->mode(subMode)->displayName();
@@ -513,7 +513,7 @@ void TstPluginLifecycle::another_device_without_support_removes_nothing_twice()
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Going down
+// Shutdown
 
 void TstPluginLifecycle::shutting_down_before_the_panel_exists()
 {
@@ -573,7 +573,7 @@ void TstPluginLifecycle::shutting_down_goes_in_this_order()
 
 void TstPluginLifecycle::a_device_change_after_shutdown_makes_a_mode()
 {
-    // The plugin goes on listening until it dies.
+    // The plugin keeps its connections until it is deleted.
     start();
     plugin()->aboutToShutdown();
     QVERIFY(!subModes()->containsMode(subMode));
@@ -600,7 +600,7 @@ void TstPluginLifecycle::shutting_down_during_a_backup()
 {
     start();
     showSubMode(subMode);
-    // The window is not shown by the plugins; the panel in it must be, to be clicked.
+    // The plugins do not show the window, but the panel must be visible to be clicked.
     panel()->window()->show();
     QVERIFY(QThreadPool::globalInstance()->waitForDone());
 
@@ -646,7 +646,7 @@ void TstPluginLifecycle::shutting_down_during_a_scan()
     QVERIFY(!QDir(projects).exists());
     gate.open();
     QVERIFY(pool->waitForDone());
-    // The scan ran to its end all the same.
+    // The scan still ran to its end.
     QVERIFY(QDir(projects).exists());
     QCoreApplication::processEvents();
 }

@@ -32,7 +32,7 @@ const char *routeName(int route)
     return names[route];
 }
 
-/// Devices of every kind, always the same for the same seed.
+/// Devices of every kind, reproducible from the seed.
 class Generator
 {
 public:
@@ -95,7 +95,7 @@ public:
         return noisePicture(size, m_random.generate(), format);
     }
 
-    /// In order, so that what is made for each is the same in every run.
+    /// Sequential, so that each gets the same random numbers in every run.
     template<typename Key>
     std::set<Key> keys(int count, int highest)
     {
@@ -115,7 +115,7 @@ public:
         return cards;
     }
 
-    /// All that is configuration; what belongs to the single device and its cards stays.
+    /// All of that is configuration; the parts unique to a device and its cards stay.
     void configure(HardwareState &state)
     {
         state.settings = settings();
@@ -127,7 +127,7 @@ public:
                                   QRect(number(-5000, 5000), number(0, 5000), number(1, 9000), number(1, 9000))});
         state.mvrEnabled = state.mvrCapable && chance(50);
         state.mvrItems = QJsonArray();
-        // Items travel with a multi-viewer that is on, and only then.
+        // Items are transferred if the multi-viewer is on, and only then.
         for (int i = state.mvrEnabled ? number(0, 9) : 0; i > 0; --i)
             state.mvrItems.append(settings());
         state.backgrounds.clear();
@@ -153,14 +153,14 @@ private:
     QRandomGenerator m_random;
 };
 
-/// What an offline device holds: its description, with the pictures and presets that lie beside it.
+/// The contents of an offline device: its description, with the pictures and presets next to it.
 HardwareState stateOnDisk(const QString &directory, const QString &ip)
 {
     QFile file(QStringLiteral("%1/%2.json").arg(directory, ip));
     if (!file.open(QIODevice::ReadOnly))
         return HardwareState();
     const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
-    // Const, so that no loop copies the list to change it.
+    // Const, so that no loop detaches the list.
     const auto entries = [&object](const char *key) -> const QJsonArray {
         return object.value(QLatin1String(key)).toArray();
     };
@@ -210,7 +210,7 @@ HardwareState stateOnDisk(const QString &directory, const QString &ip)
 
 } // namespace
 
-/// What was saved is what an apply brings back, whatever was saved.
+/// Applying a saved package restores what was saved, for any device.
 class TstRoundtrip : public QObject
 {
     Q_OBJECT
@@ -231,7 +231,7 @@ private:
 
 void TstRoundtrip::initTestCase()
 {
-    // ROUNDTRIP_SEED=random, or the number that a failed run has printed.
+    // ROUNDTRIP_SEED=random, or the number printed by a failed run.
     const QByteArray wish = qgetenv("ROUNDTRIP_SEED");
     if (!wish.isEmpty())
         m_seed = wish == "random" ? QRandomGenerator::global()->generate() : wish.toUInt();
@@ -246,7 +246,7 @@ void TstRoundtrip::runJob(QThread &job)
     QVERIFY(job.wait(60000));
 }
 
-/// As the panel does it.
+/// Like the panel.
 void TstRoundtrip::save(const QString &path)
 {
     const std::shared_ptr<Model::Device> device = (*m_site)->device(sourceIp);
@@ -262,7 +262,7 @@ void TstRoundtrip::save(const QString &path)
     QVERIFY(QFile::exists(path));
 }
 
-/// As the panel does it.
+/// Like the panel.
 void TstRoundtrip::apply(const QString &path, const QString &ip)
 {
     const std::shared_ptr<Model::Device> device = (*m_site)->device(ip);
@@ -309,7 +309,7 @@ void TstRoundtrip::saving_and_applying_brings_everything_back()
     source.mvrCapable = generator.chance(80);
     source.protocolNumber = generator.number(0, 30) / 10.0;
     generator.configure(source);
-    // Not in every device: large pictures take most of the time.
+    // Not in every device: large pictures dominate the time.
     if (number % 26 < RouteCount) {
         const QImage large = noisePicture(QSize(384, 216), m_seed).scaled(3840, 2160);
         source.backgrounds.insert(128, {generator.name(), large});
@@ -345,7 +345,7 @@ void TstRoundtrip::saving_and_applying_brings_everything_back()
     QStringList differences = after.configuration().differencesTo(source.configuration());
     QVERIFY2(differences.isEmpty(), qPrintable(differences.join(QStringLiteral("\n"))));
 
-    // What tells the target from other devices is what it was.
+    // The target keeps its identity.
     HardwareState identity;
     identity.identity = after.identity;
     HardwareState previousIdentity;

@@ -23,7 +23,7 @@ using Simulation::Faults;
 using Simulation::Journal;
 using Simulation::JournalEntry;
 
-/// How saving a project ends: results, a cancel, exceptions of the host, a panel that is deleted.
+/// How saving a project ends: results, a cancel, exceptions of the host, a deleted panel.
 class TstSaveEndings : public QObject, protected PanelOnSite<TestSite>
 {
     Q_OBJECT
@@ -176,7 +176,7 @@ void TstSaveEndings::host_exceptions_end_in_a_message()
         }
     }
     QVERIFY(!WaitingDialog::instance()->isVisible());
-    // And the panel goes on.
+    // The panel remains usable.
     Journal::instance()->clear();
     QVERIFY(pressSave("Afterwards"));
     QTRY_VERIFY(hasJobEnded());
@@ -186,10 +186,10 @@ void TstSaveEndings::host_exceptions_end_in_a_message()
 void TstSaveEndings::failing_to_activate_the_device_saves_nothing()
 {
     selectDevice(m_site->foyer);
-    // Something that is no std::exception, too.
+    // Also what is not a std::exception.
     Faults::instance()->arm(setActiveDevice, Fault::run([] { throw 42; }));
-    const ExpectMessage logged(
-        QtCriticalMsg, QStringLiteral("The host threw in setActiveDevice: something that is no std::exception"), 1);
+    const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in setActiveDevice: not a std::exception"),
+                               1);
     QVERIFY(click(m_panel->saveProject()));
     VERIFY_BOOK();
     VERIFY_JOURNAL({setActiveDevice});
@@ -255,7 +255,7 @@ void TstSaveEndings::the_list_is_fresh_around_the_result_box_data()
 void TstSaveEndings::the_list_is_fresh_around_the_result_box()
 {
     QFETCH(bool, before);
-    // On a first start nobody reports changes: the directory was not there to be watched.
+    // On a first start the directory was not there to be watched, so no change is reported.
     m_panel.reset();
     QVERIFY(QDir(projectFilesPath()).removeRecursively());
     m_panel.emplace();
@@ -273,7 +273,7 @@ void TstSaveEndings::the_list_is_fresh_around_the_result_box()
     QVERIFY(gate.waitForThread());
     QVERIFY(!before || bring());
     m_book->expectDialog("HX::Widgets::FramelessMessageBox", [&](QDialog *dialog) {
-        // Whatever was started has ended, and is shown.
+        // All jobs and scans have ended, and their results are shown.
         QThreadPool::globalInstance()->waitForDone();
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
@@ -342,7 +342,7 @@ void TstSaveEndings::deleting_the_panel_lets_a_scan_finish()
     QVERIFY(!QDir(projectFilesPath()).exists());
     gate.open();
     QVERIFY(pool->waitForDone());
-    // The scans ran to their end all the same.
+    // The scans still ran to their end.
     QVERIFY(QDir(projectFilesPath()).exists());
     QCoreApplication::processEvents();
 }

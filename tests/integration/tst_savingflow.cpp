@@ -30,7 +30,7 @@ using Simulation::JournalEntry;
 
 namespace {
 
-/// As calls() writes it.
+/// In the format of calls().
 QString called(QLatin1String operation, const QString &arguments)
 {
     return operation + QLatin1Char(' ') + arguments;
@@ -38,8 +38,8 @@ QString called(QLatin1String operation, const QString &arguments)
 
 } // namespace
 
-/// Saving a project with the real panel, from the press to the package in the list, and what keeps a save from
-/// starting.
+/// Saving a project with the real panel, from the click to the package in the list, and the reasons for which a save
+/// does not start.
 class TstSavingFlow : public QObject, protected PanelOnSite<TestSite>
 {
     Q_OBJECT
@@ -66,7 +66,7 @@ private slots:
     void the_property_dialog_is_deleted_after_use_data();
     void the_property_dialog_is_deleted_after_use();
 
-    // What keeps a save from starting
+    // Reasons not to start
     void saving_without_a_selected_device_is_refused();
     void three_marks_deselect_the_device();
     void an_empty_mark_keeps_the_device();
@@ -81,9 +81,9 @@ private slots:
     void free_space_does_not_matter_offline();
 
 private:
-    /// The journal's entries of one side: the main thread or the jobs'.
+    /// The journal's entries of one side: the main thread or the jobs.
     static QStringList calls(bool onMainThread);
-    /// Makes the selected device need so many MiB.
+    /// Makes the selected device require that many MiB.
     void setEstimate(quint64 mebibytes);
 };
 
@@ -158,7 +158,7 @@ void TstSavingFlow::the_host_is_called_in_this_order()
     const QStringList ofTheJob = calls(false);
     QCOMPARE(ofTheJob.first(), called(serailize, m_site->path("devices")));
     QCOMPARE(ofTheJob.size(), 1 + 7 * 2 + 4 + 6);
-    // The job begins only after the host was told of it.
+    // The job starts only after the host was told.
     VERIFY_JOURNAL_ORDER(
         {setOperatorType, showWaitingDialog, serailize, queryMaterailData, presetFullDetail2Binary, setOperatorType});
 }
@@ -180,7 +180,7 @@ void TstSavingFlow::the_waiting_dialog_shows_text_and_cancel_button()
 {
     WaitingDialog *waiting = WaitingDialog::instance();
     const auto *cancel = waiting->findChild<QPushButton *>();
-    // As an operation of the host may have left it.
+    // As a host operation may have left it.
     const auto disturb = [waiting] {
         waiting->setButtonText(QStringLiteral("Skip"));
         waiting->setCanelVisible(false);
@@ -223,7 +223,7 @@ void TstSavingFlow::an_offline_device_is_neither_synchronised_nor_reserved()
 
 void TstSavingFlow::changes_on_the_device_are_synchronised_first()
 {
-    // The host's model does not know of it yet.
+    // Not yet in the host's model.
     (*m_site)->hardware(m_site->mainHall)->change([](HardwareState &state) {
         state.backgrounds = {{200, state.backgrounds.first()}};
     });
@@ -242,7 +242,7 @@ void TstSavingFlow::chinese_and_emoji_survive_a_save()
     QTRY_COMPARE(m_panel->names(), QStringList{name});
     QCOMPARE(m_panel->table()->item(0, 1)->text(), comment);
     QVERIFY(QFile::exists(projectFile(name)));
-    // Read from the disk by somebody who did not write it.
+    // Read from the disk, independently of the writer.
     const EngineerDocOperWidget another(nullptr);
     const auto *table = another.findChild<QTableWidget *>();
     QTRY_COMPARE(table->rowCount(), 1);
@@ -368,7 +368,7 @@ void TstSavingFlow::the_property_dialog_is_deleted_after_use()
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What keeps a save from starting
+// Reasons not to start
 
 void TstSavingFlow::saving_without_a_selected_device_is_refused()
 {
@@ -408,7 +408,7 @@ void TstSavingFlow::an_empty_mark_keeps_the_device()
         m_panel->deviceCombo()->setCurrentIndex(1);
     }
     {
-        // Still the device that was selected before: it is the mark that stops the save.
+        // The previously selected device remains: its mark stops the save.
         const ExpectMessage logged(QtCriticalMsg, "parameter is empty!!!", 1);
         QVERIFY(click(m_panel->saveProject()));
     }
@@ -508,7 +508,7 @@ void TstSavingFlow::one_mebibyte_less_than_the_free_space_passes()
 void TstSavingFlow::free_space_does_not_matter_offline()
 {
     selectDevice(m_site->touringRack);
-    // On a folder that does not exist nothing is free.
+    // A folder that does not exist has no free space.
     QVERIFY(QDir(projectFilesPath()).removeRecursively());
     QCOMPARE(DiskSpace::getDiskAvailableSize(projectFilesPath()), 0ULL);
     QVERIFY(pressSave("Rack"));

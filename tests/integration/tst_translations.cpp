@@ -12,7 +12,7 @@ struct Text
     QString context;
     QString source;
     QString translation;
-    /// "unfinished" or "vanished" where Qt's tool says so.
+    /// The marks "unfinished" and "vanished" of Qt's tool.
     QString type;
 
     QString key() const { return context + QStringLiteral(": ") + source; }
@@ -49,7 +49,7 @@ QStringList keysOf(const QVector<Text> &texts)
     return keys;
 }
 
-/// In order, with repetitions: "%2 of %1" and "%1 of %2" take the same.
+/// Sorted, with repetitions: "%2 of %1" and "%1 of %2" take the same.
 QStringList placeholders(const QString &text)
 {
     QStringList found;
@@ -62,7 +62,7 @@ QStringList placeholders(const QString &text)
 
 } // namespace
 
-/// The texts of the sources against the translations that are kept beside them.
+/// The texts in the sources against the translations in the repository.
 class TstTranslations : public QObject
 {
     Q_OBJECT
@@ -104,7 +104,7 @@ void TstTranslations::translations_match_the_source_texts_exactly()
     const QVector<Text> kept = readTexts(translations);
     QVERIFY2(!kept.isEmpty(), "there is nothing to compare with");
 
-    // Qt's own tool brings a copy up to date; what it adds or marks there is what is wrong in the kept file.
+    // Qt's own tool updates a copy; whatever it adds or marks there is wrong in the repository's file.
     const QTemporaryDir aside;
     const QString copy = aside.filePath(QFileInfo(translations).fileName());
     QVERIFY(QFile::copy(translations, copy));
@@ -113,7 +113,7 @@ void TstTranslations::translations_match_the_source_texts_exactly()
                   {QStringLiteral("-locations"), QStringLiteral("none"), sources, QStringLiteral("-ts"), copy});
     QVERIFY2(lupdate.waitForFinished(120000), qPrintable(lupdate.errorString()));
     QCOMPARE(lupdate.exitCode(), 0);
-    // A class without the meta-object macro is only a warning there, and its texts are looked up in vain.
+    // A class without Q_OBJECT is only a warning there, but its translations would never be found.
     QCOMPARE(QString::fromLocal8Bit(lupdate.readAllStandardError()), QString());
 
     QStringList wrong;

@@ -26,7 +26,7 @@ using Simulation::Journal;
 
 namespace {
 
-/// Where the two programs meet, as if it were a USB disk: nothing else is known to both.
+/// Where the two programs meet, like a USB disk: they share nothing else.
 constexpr char exchangeVariable[] = "EXCHANGE_DIRECTORY";
 const QString projectName = QString::fromUtf8("Evening show 晚会");
 
@@ -40,7 +40,7 @@ QString packagePath()
     return inExchange(projectName + QStringLiteral(".corvelpro"));
 }
 
-/// Everything that the device is configured to, pictures and presets by their digests.
+/// The device's full configuration, pictures and presets as digests.
 QByteArray described(const HardwareState &state)
 {
     return QJsonDocument(state.configuration().toJson()).toJson();
@@ -61,7 +61,7 @@ QByteArray found(const QString &name)
 
 } // namespace
 
-/// One copy of the program, with a home, a site and the built plugin of its own: its operator's work.
+/// One copy of the program with its own home, site and built plugin: its operator's work.
 class Program : public QObject
 {
     Q_OBJECT
@@ -145,7 +145,7 @@ void Program::saves_its_device()
 
     QVERIFY(hardware() == before);
     QVERIFY(leaveBehind(QStringLiteral("saved.json"), described(before)));
-    // Runs on while the other program applies; its input ends when it may go.
+    // Runs on while the other program applies; ends with its input.
     QTextStream(stdin).readAll();
     QVERIFY(hardware() == before);
 }
@@ -184,7 +184,7 @@ void Program::applies_the_package()
     QVERIFY(leaveBehind(QStringLiteral("applied.json"), described(hardware())));
 }
 
-/// What one program saves, another one applies: only the package goes from one to the other.
+/// One program saves, another one applies: they share only the package.
 class TstTwoPrograms : public QObject
 {
     Q_OBJECT
@@ -193,7 +193,7 @@ private slots:
     void what_one_program_saved_another_applies();
 };
 
-/// This program, started once more to do one operator's work.
+/// This program, restarted to do one operator's work.
 class Copy : public QProcess
 {
 public:

@@ -24,20 +24,20 @@ using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
 
-// A save that reports success has made a package that the list shows and that readers of four other makers take, and
-// it stays one while it is edited: told of trees, names and comments that a generator makes up.
+// A save that reports success has made a package that the list shows and four other readers accept, and editing keeps
+// it so: checked with generated trees, names and comments.
 //
-// The environment chooses how many and which, see scripts/verify-saves:
+// Environment variables select how many and which, see scripts/verify-saves:
 //     VERIFY_SAVES_COUNT  how many trees (300)
-//     VERIFY_SAVES_SEED   what the generator starts from (1)
+//     VERIFY_SAVES_SEED   the generator's seed (1)
 //     VERIFY_SAVES_FIRST  the number of the first tree (0)
-// A tree is the same for the same seed and number, whatever was made before it.
+// A tree depends only on seed and number, not on earlier trees.
 
 namespace {
 
 constexpr int edits = 20;
 constexpr int batchSize = 25;
-/// QuaZip finds the end of an archive only up to this.
+/// QuaZip finds the end record only up to this comment length.
 constexpr int maxRecordSize = 65513;
 
 int setting(const char *name, int fallback)
@@ -45,7 +45,7 @@ int setting(const char *name, int fallback)
     return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : fallback;
 }
 
-/// What a package must hold: the name of each entry, with its size and CRC.
+/// The required contents of a package: each entry's name, size and CRC.
 using Contents = QMap<QString, QPair<qint64, quint32>>;
 
 class Generator
@@ -95,7 +95,7 @@ public:
         return result;
     }
 
-    /// Names that a file can have and no reader takes for a path. Ours takes "c:x" for one, so it is not among them.
+    /// Names that a file can have and no reader takes for a path. The product takes "c:x" for one, so it is left out.
     QString fileName()
     {
         const QString name = trimmedTo(text(1 + spread(60)), 240);
@@ -110,7 +110,7 @@ public:
         return oneIn(8) && !odd.startsWith('.') ? '.' + odd : odd;
     }
 
-    /// A project's name as the dialog lets it pass, told apart by `number`.
+    /// A project name that the dialog accepts, made unique by `number`.
     QString projectName(int number)
     {
         QString name = trimmedTo(text(spread(40)), 50).trimmed();
@@ -146,11 +146,11 @@ private:
 
 quint32 crcOf(const QString &path)
 {
-    // No archive is made of it, so the reader of PackageBuilder will do.
+    // Never packed, so PackageBuilder's reader is enough.
     return PackageBuilder::crc32(readFile(path));
 }
 
-/// A device's directory: files of all kinds in folders, some of them empty, hidden, linked.
+/// A device's directory: files of all kinds in folders, some empty, hidden or linked.
 class Tree
 {
 public:
@@ -169,7 +169,7 @@ public:
             addLink();
     }
 
-    /// A picture, stored as it is, that makes the archive as long as is needed.
+    /// A stored picture that pads the archive to the desired length.
     void setFiller(qint64 size, bool sparse)
     {
         const QString name = QStringLiteral("BKG/BKG_255.png");
@@ -183,7 +183,7 @@ public:
         m_contents.insert(name, {size, crcOf(file.fileName())});
     }
 
-    /// What the job itself put in, beside what was here.
+    /// The job's own entries.
     Contents contents(const QString &description) const
     {
         Contents all = m_contents;
@@ -222,7 +222,7 @@ private:
         m_contents.insert(name, {bytes.size(), PackageBuilder::crc32(bytes)});
         QFile file(m_root + '/' + name);
         if (m_generator.oneIn(4) && file.open(QIODevice::ReadWrite)) {
-            // From before the format's calendar to behind its end.
+            // From before the epoch of zip times to after their end.
             const qint64 time = qint64(m_generator.below(1 << 30)) * 5;
             file.setFileTime(QDateTime::fromSecsSinceEpoch(time), QFileDevice::FileModificationTime);
             file.close();
@@ -271,7 +271,7 @@ int recordSize(const QString &name, const QString &comment)
     return recordOf(name, comment, QString(32, '0')).size();
 }
 
-/// Every reader over all packages of the folder at once; what they have to say against them.
+/// Runs every reader over all packages of the folder at once; returns their complaints.
 QString complaintsAboutAll(const QString &folder, const QVector<Saved> &saved, const QString &manifestPath)
 {
     QJsonArray manifest;
@@ -315,7 +315,7 @@ QString complaintsAboutAll(const QString &folder, const QVector<Saved> &saved, c
     {
         QString program;
         QStringList arguments;
-        /// What it prints for each good package, and how often altogether.
+        /// Its output for each good package, and how often in total.
         QByteArray praise;
         int times;
     };
@@ -325,7 +325,7 @@ QString complaintsAboutAll(const QString &folder, const QVector<Saved> &saved, c
         {"python3", {"-W", "error", "-c", python, manifestPath}, QByteArray(), 0},
         {"sh", {"-c", bsdtar}, QByteArray(), 0},
     };
-    // All at once, since each is a process of its own.
+    // In parallel: each is a process of its own.
     std::vector<std::unique_ptr<QProcess>> processes;
     for (const Reader &reader : readers) {
         processes.push_back(std::make_unique<QProcess>());
@@ -430,7 +430,7 @@ void TstVerifiedSaves::generateAndSave(int number)
     project.number = number;
     project.name = generator.projectName(number);
     project.path = m_projects + project.name + ".corvelpro";
-    // Mostly what the dialog lets pass, else up to the format's limit and a little beyond.
+    // Mostly lengths that the dialog accepts, else up to the format's limit and slightly more.
     project.comment = generator.comment(generator.oneIn(4) ? generator.spread(30000) : generator.below(101));
     if (generator.oneIn(10)) {
         const int missing = maxRecordSize - 3 + generator.below(7) - recordSize(project.name, project.comment);
@@ -440,8 +440,8 @@ void TstVerifiedSaves::generateAndSave(int number)
     constexpr int nearMultipleEvery = 10;
     constexpr int residues = 100;
     if (number % nearMultipleEvery == 0) {
-        // From 40 bytes below a multiple of the checksum's chunk to 59 above. Each residue once in 100 turns, in an
-        // order that begins just above the multiple, where the end record straddles it.
+        // From 40 bytes below a multiple of the checksum's chunk to 59 above. Covers each remainder once in 100 turns,
+        // starting just above the multiple, where the end record straddles it.
         const int turn = number / nearMultipleEvery;
         const int excess = (41 + 67 * (turn % residues)) % residues - 40;
         static const int multiples[] = {1, 1, 2, 1, 3, 1, 2, 1, 4, 1};
@@ -476,7 +476,7 @@ void TstVerifiedSaves::generateAndSave(int number)
     m_saved.append(project);
 }
 
-// As the panel edits: the record anew, with the checksum that it had.
+// Like an edit in the panel: a new record with the checksum of the old one.
 void TstVerifiedSaves::edit(Saved &project, Generator &generator)
 {
     const QString name = generator.projectName(project.number);
@@ -496,7 +496,7 @@ void TstVerifiedSaves::edit(Saved &project, Generator &generator)
     QVERIFY(ZipPackageHandle::checkPacketChecksum(project.path));
 }
 
-/// What the list has to say against the packages; it must show just these.
+/// The list's complaints about the packages; it must show exactly these.
 QString TstVerifiedSaves::misread() const
 {
     ProjectList list;
@@ -520,7 +520,7 @@ QString TstVerifiedSaves::misread() const
     return all;
 }
 
-/// The entries that an apply would not get out of the packages whole.
+/// The entries that an apply could not extract completely.
 QString TstVerifiedSaves::notExtracted() const
 {
     QString all;

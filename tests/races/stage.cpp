@@ -28,9 +28,9 @@ const QString offlineIp = QStringLiteral("10.0.0.13");
 const QString foreignIp = QStringLiteral("10.0.0.14");
 namespace {
 
-/// In no site at first.
+/// Not at the site initially.
 const QString addedIp = QStringLiteral("10.0.0.15");
-/// The device from which packages come that somebody else has made.
+/// The source of the packages made elsewhere.
 const QString elsewhereIp = QStringLiteral("10.0.0.78");
 
 const QStringList allIps{richIp, plainIp, offlineIp, foreignIp};
@@ -100,7 +100,7 @@ Simulation::HardwareState replacementDevice()
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Packages, looked at from outside
+// Packages, checked without the product
 
 namespace {
 
@@ -110,7 +110,7 @@ QByteArray contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Where the archive's end record begins, whose comment must reach to the end of the file; -1 when there is none.
+/// Offset of the archive's end record, whose comment must reach the end of the file; -1 if there is none.
 int endRecord(const QByteArray &bytes)
 {
     constexpr int size = 22;
@@ -290,7 +290,7 @@ Stage::Stage()
                                          {plainDevice(foreignIp, otherModel), true}});
     for (const QString &ip : allIps)
         m_devices.push_back((*m_site)->device(ip));
-    // As a save leaves it, so that a load can be cancelled too.
+    // As a save leaves it, so that loads can be cancelled too.
     WaitingDialog::instance()->setCanelVisible(true);
     m_book.answerOthers([this](QDialog *dialog) { answer(dialog); });
 }
@@ -320,7 +320,8 @@ void Stage::closePanel()
 void Stage::addPackage(const QString &name, const Simulation::HardwareState &state)
 {
     const QString aside = elsewhere(QStringLiteral("aside.zip"));
-    // The checksum of a small package covers little more than this number: without it all would have the same one.
+    // The checksum of a small package covers little more than this number: without it all packages would have the same
+    // one.
     if (!packageOf(state, ++m_added % 2 == 0 ? 20 : 10).record(name, name).write(aside))
         qFatal("No package can be written");
     const QString path = projectFile(name);
@@ -360,7 +361,7 @@ void Stage::select(const QString &ip)
 
 void Stage::pressLater(QAbstractButton *button)
 {
-    // Not by a mouse click: what is pressed may be gone when its slot returns.
+    // Not with a mouse click: the clicked widget may be deleted when its slot returns.
     QMetaObject::invokeMethod(button, "click", Qt::QueuedConnection);
 }
 
@@ -405,7 +406,7 @@ bool Stage::press(Operation operation, const Answers &answers, const QString &ro
         button = panel().allDelete();
         break;
     case Scan:
-        // Nobody presses for it: somebody copies a package in.
+        // No button: somebody copies a package into the directory.
         addPackage(row, plainDevice(elsewhereIp));
         return true;
     }
@@ -433,7 +434,8 @@ void Stage::answer(QDialog *dialog)
     } else if (dialog->inherits("EngineerPropertySettingWidget")) {
         enterProperties(dialog, m_answers.name.isNull() ? propertiesIn(dialog).name : m_answers.name,
                         m_answers.comment);
-        // Those of the frame around it have names. The first one accepts; a name that is taken keeps the dialog open.
+        // The frame's own buttons have object names. The first one without accepts; an existing name keeps the dialog
+        // open.
         QPointer<QPushButton> accepting;
         for (QPushButton *button : dialog->findChildren<QPushButton *>(QString())) {
             if (!accepting && button->objectName().isEmpty())
@@ -579,7 +581,7 @@ void Stage::disturb(Disturbance disturbance, const QString &ip, const QString &p
     }
 }
 
-/// The letters of the comment become capitals, or small again.
+/// Toggles the case of the letters in the comment.
 void Stage::editInPlace(const QString &package)
 {
     QFile file(projectFile(package));
@@ -602,12 +604,12 @@ void Stage::overwriteInPlace(const QString &package)
     m_disturbedPackages.insert(package);
     const QByteArray bytes = contentOf(packageElsewhere(QStringLiteral("over.zip"), replacementDevice()));
     QFile file(projectFile(package));
-    // Without cutting it first: a scan would find it empty, and hear of no change afterwards.
+    // Without truncating it first: a scan would find it empty, and hear of no further change.
     if (!file.open(QIODevice::ReadWrite) || file.write(bytes) != bytes.size() || !file.resize(bytes.size()))
         qFatal("The package cannot be overwritten");
 }
 
-/// What another device's load would extract there, of the same sizes.
+/// As another device's load would extract it there, with the same sizes.
 void Stage::replaceExtractedFiles()
 {
     const Simulation::HardwareState other = replacementDevice();
@@ -635,7 +637,7 @@ void Stage::repairSite()
             list->addDevice(device);
         if (!m_disturbedDevices.contains(ip))
             continue;
-        // A reservation does not outlive the connection.
+        // A reservation ends with the connection.
         (*m_site)->hardware(ip)->setChannelExclusive(false);
         if (ip != offlineIp)
             (*m_site)->plug(ip);
@@ -671,7 +673,7 @@ bool Stage::isAtRest() const
 bool Stage::comesToRest()
 {
     const QDeadlineTimer deadline(patience);
-    // More than once: what has ended may be followed by something else, as the report of a changed directory by a scan.
+    // Repeated: one end may trigger more work, as a changed directory triggers a scan.
     for (int restful = 0; restful < 3; restful = isAtRest() ? restful + 1 : 0) {
         if (deadline.hasExpired())
             return false;

@@ -19,16 +19,16 @@
 #include <optional>
 #include <vector>
 
-/// What the tests of races share: a panel with devices and packages, a hand that operates it, the world that disturbs
-/// it at chosen points, and what must be true whenever all has come to rest.
+/// Shared by the tests of races: a panel with devices and packages, an operator, disturbances at chosen points, and the
+/// invariants that hold once everything is at rest.
 namespace Races {
 
-/// What the operator does.
+/// The operator's actions.
 enum Operation { Save, Apply, ApplyWithBackup, ApplyOthers, Import, SaveAs, SaveAllAs, Edit, Delete, DeleteAll, Scan };
 constexpr int operationCount = Scan + 1;
 QString nameOf(Operation operation);
 
-/// What happens meanwhile.
+/// Disturbances from outside.
 enum Disturbance {
     PanelClosed,
     PanelReopened,
@@ -51,7 +51,7 @@ enum Disturbance {
     ExtractedFilesReplaced
 };
 constexpr int disturbanceCount = ExtractedFilesReplaced + 1;
-/// True for what happens to files alone: devices and panel are not touched.
+/// True if only files are affected: devices and panel are untouched.
 bool isOfFiles(Disturbance disturbance);
 QString nameOf(Disturbance disturbance);
 
@@ -60,11 +60,11 @@ extern const QString plainIp;   ///< online, without
 extern const QString offlineIp; ///< offline, with pictures
 extern const QString foreignIp; ///< online, of another model
 
-/// What the packages hold that replace others: nothing of it is like what any other device holds.
+/// The contents of replacement packages, unlike those of any other device.
 Simulation::HardwareState replacementDevice();
 
-/// The points at which something can be done to a running operation: every call that the host receives, on whichever
-/// thread, and every dialog that opens.
+/// The points at which an operation can be disturbed: every call that the host receives, on any thread, and every
+/// dialog that opens.
 class Points
 {
 public:
@@ -72,17 +72,17 @@ public:
     ~Points();
     Q_DISABLE_COPY(Points)
 
-    /// Counts from zero again. User-interface thread.
+    /// Restarts counting. User-interface thread.
     void start();
-    /// Has `act` done on the user-interface thread at that point, counted from 1, while the thread that reached it is
-    /// held there. A call that the user-interface thread itself makes is not held if `fromEventLoop` is true, since
-    /// people and windows act through the event loop alone: then `act` comes as the next event.
+    /// Runs `act` on the user-interface thread at that point, counted from 1, and blocks the thread that reached it
+    /// meanwhile. A call made by the user-interface thread itself is not blocked if `fromEventLoop` is true, since
+    /// people and windows act through the event loop only: then `act` runs as the next event.
     void at(int point, bool fromEventLoop, std::function<void()> act);
-    /// How many there were since start(). What is done at a point has none of its own.
+    /// Points reached since start(). Actions at a point do not count.
     int passed() const;
-    /// Forgets what has not been done.
+    /// Drops a pending action.
     void forget();
-    /// For the dialogs.
+    /// Called for dialogs.
     void pass();
 
 private:
@@ -91,12 +91,12 @@ private:
     QMetaObject::Connection m_connection;
 };
 
-/// How the operator answers what an operation asks.
+/// The operator's answers to an operation's dialogs.
 struct Answers
 {
     QMessageBox::StandardButton question = QMessageBox::No;
     bool acceptsDialogs = true;
-    /// For the property dialog; a null name leaves what it proposes.
+    /// For the property dialog; a null name keeps the proposed one.
     QString name;
     QString comment;
     /// For the file dialogs.
@@ -113,41 +113,41 @@ public:
     void openPanel();
     void closePanel();
 
-    /// A package with that device in the projects directory, which appears there complete.
+    /// Adds a package of that device to the projects directory, complete when it appears.
     void addPackage(const QString &name, const Simulation::HardwareState &state);
-    /// A package with that device elsewhere. Returns its path.
+    /// A package of that device elsewhere. Returns its path.
     QString packageElsewhere(const QString &fileName, const Simulation::HardwareState &state);
     QString elsewhere(const QString &fileName) const { return m_elsewhere.filePath(fileName); }
-    /// What the file dialog of that operation is answered with: two new packages "first" and "second" with that device
-    /// to import, or a place elsewhere to copy to.
+    /// The answer to the operation's file dialog: for an import two new packages "first" and "second" of that device,
+    /// for a copy a place elsewhere.
     QStringList filesFor(Operation operation, const Simulation::HardwareState &state);
 
     void select(const QString &ip);
-    /// Presses the button of that operation, for a row's operation that of `row`, as soon as the event loop runs. False
-    /// when there is nothing to be pressed.
+    /// Presses the operation's button (that of `row` for operations on a row) from the event loop. False if there is
+    /// nothing to press.
     bool press(Operation operation, const Answers &answers, const QString &row = QString());
-    /// Does it. What the disturbance needs of a device or a package is done to these.
+    /// Carries out the disturbance on these, where it needs a device or a package.
     void disturb(Disturbance disturbance, const QString &ip, const QString &package);
-    /// True when the disturbance comes through the event loop and not at any moment.
+    /// True if the disturbance arrives through the event loop, not at any moment.
     static bool isOfTheEventLoop(Disturbance disturbance);
 
-    /// Runs the event loop until no job, no pool work and no dialog is left. False when that takes a minute.
+    /// Runs the event loop until no job, pool task or dialog is left. False if that takes more than a minute.
     bool comesToRest();
-    /// Everything that is known, plugged in and active again.
+    /// Lists, plugs in and activates everything again.
     void repairSite();
-    /// What must be true at rest and is not; empty when all is well. Packages that were there at the last call and are
-    /// not in `touched` must be what they were, byte for byte, and no others may have come.
+    /// The invariants violated at rest; empty if there are none. Packages present at the last call and not in `touched`
+    /// must be unchanged, byte for byte, and no others may have appeared.
     QStringList brokenTruths(const QSet<QString> &touched);
-    /// The same, and what must be true once the panel is closed. The next panel then lists what the first one did.
+    /// The same for a closed panel. Then opens a new panel, which must list the same projects.
     QStringList brokenTruthsAfterClosing(const QSet<QString> &touched);
 
     bool hasPanel() const { return m_panel.has_value(); }
     PanelTesting::Panel &panel() { return *m_panel; }
     TestSupport::CustomSite &site() { return *m_site; }
     Points &points() { return m_points; }
-    /// Those that disturbances have changed since the last look at the truths, or may have brought.
+    /// Changed or added by disturbances since the last check.
     QSet<QString> disturbedPackages() const { return m_disturbedPackages; }
-    /// The boxes that were shown since press(), as their texts.
+    /// The texts of the boxes shown since press().
     QStringList boxes() const { return m_boxes; }
 
 private:
@@ -174,7 +174,7 @@ private:
     QStringList m_surprises;
     /// Damaged by disturbances.
     QSet<QString> m_damaged;
-    /// Those that this panel may have listed before: a package that is known is not read again.
+    /// May have been listed by this panel before: a known package is not read again.
     QSet<QString> m_damagedWhileListed;
     QSet<QString> m_disturbedPackages;
     QSet<QString> m_disturbedDevices;
@@ -183,11 +183,11 @@ private:
     int m_added = 0;
 };
 
-/// Independent of the product: the archive is whole, and its record fits it.
+/// Checked without the product: the archive is intact, and its record matches it.
 bool isValidPackage(const QString &path);
-/// The names of a package's entries, in order; empty when it is no archive.
+/// The names of a package's entries, in order; empty if it is no archive.
 QStringList entriesOf(const QString &path);
-/// The names of what lies in the projects directory, whether it is valid or not.
+/// The names of all files in the projects directory, valid or not.
 QStringList packageNames();
 
 } // namespace Races

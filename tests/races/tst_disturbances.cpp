@@ -17,7 +17,7 @@ const QString savedName = QStringLiteral("saved");
 
 /// Each disturbance at each point of each operation.
 ///
-/// DISTURB_EVERY=n takes every n-th point only, beginning with another one for each disturbance.
+/// DISTURB_EVERY=n takes only every n-th point, with a different first one for each disturbance.
 class TstDisturbances : public QObject
 {
     Q_OBJECT
@@ -54,7 +54,7 @@ void TstDisturbances::disturbed_operation_keeps_the_invariants_data()
     }
 }
 
-/// False when the operation had ended before that point.
+/// False if the operation ended before that point.
 bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbance disturbance, int point)
 {
     Stage stage;
@@ -107,7 +107,7 @@ bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbanc
     default:
         break;
     }
-    // A device that cannot be synchronised is told to the log alone.
+    // A device that cannot be synchronised is only logged.
     const bool isLogged = WarningGuard::count(
         QtWarningMsg, QStringLiteral("Import project file failed, as sync device from hardware failed."));
     const QStringList boxes = stage.boxes();
@@ -122,7 +122,7 @@ bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbanc
                 broken.append(QStringLiteral("the package lacks ") + QLatin1String(entry));
         }
     }
-    // An apply does all, or nothing, or tells; what happens to files is no reason to have reset the device.
+    // An apply is complete, not begun, or reported; changes to files are no reason to have reset the device.
     if ((operation == Apply || operation == ApplyWithBackup) && ip != offlineIp) {
         const HardwareState after = stage.site()->hardware(ip)->state();
         const bool isDone = after.configuration() == packed.configuration() ||
@@ -209,7 +209,7 @@ void TstDisturbances::disturbed_pool_work_keeps_the_invariants()
             QThreadPool::globalInstance()->waitForDone();
         stage.disturb(Disturbance(disturbance), richIp, packageName);
     };
-    // The first point is the file dialog, the second the waiting dialog, after which the work begins.
+    // The first point is the file dialog, the second the waiting dialog; the work starts after it.
     stage.points().start();
     if (operation != Scan)
         stage.points().at(2, true, disturbNow);

@@ -8,10 +8,10 @@ using namespace PanelTesting;
 using namespace Races;
 using namespace TestSupport;
 
-/// What operators, devices and other programs do in any order, with seeds.
+/// Operators, devices and other programs in random order, reproducible from seeds.
 ///
-/// RANDOM_SEED is the first seed and RANDOM_SEQUENCES how many there are: what a failure prints replays it. The same
-/// seed makes the same plan; which of two threads comes first is theirs to decide.
+/// RANDOM_SEED is the first seed and RANDOM_SEQUENCES the number of sequences: a failure prints them for a replay. A
+/// seed determines the plan, not which of two threads comes first.
 class TstRandomSequences : public QObject
 {
     Q_OBJECT
@@ -33,7 +33,7 @@ public:
         : m_random(seed)
     {}
 
-    /// What went wrong, with all that led to it; empty when nothing did.
+    /// The first violation and the steps that led to it; empty if there is none.
     QString run()
     {
         for (const char *name : {"show", "gala"})
@@ -75,7 +75,7 @@ private:
         return names.isEmpty() ? QStringLiteral("none") : oneOf(names);
     }
 
-    /// The names that the panel may propose for a save just now.
+    /// The names that the panel may propose for a save at this moment.
     static QSet<QString> proposals()
     {
         QSet<QString> names;

@@ -1,5 +1,5 @@
-// Real races between the user-interface thread, a QThread and pool work, beside much that is ordered.
-// ThreadSanitizer must report both of them, whatever it was told about Qt.
+// Real races between the user-interface thread, a QThread and pool tasks, among properly ordered accesses.
+// ThreadSanitizer must report both, despite the annotations for Qt.
 
 #include <QCoreApplication>
 #include <QMutex>

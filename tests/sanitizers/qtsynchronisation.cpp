@@ -1,9 +1,9 @@
 // Tells ThreadSanitizer how Qt synchronises threads.
 //
-// Debian's Qt is not instrumented, so its atomics and futexes are invisible: data that a worker hands over
-// through a queued signal, a contended QMutex or a QFuture looks like a race. Each function here stands
-// before one of Qt's own, says what that one guarantees, and calls it. Nothing is suppressed: accesses that
-// are not ordered by one of these guarantees are still reported (must_race shows it).
+// Debian's Qt is not instrumented, so its atomics and futexes are invisible: data handed over through a queued signal,
+// a contended QMutex or a QFuture looks like a race. Each function here wraps one of Qt's, annotates the ordering it
+// guarantees, and calls it. Nothing is suppressed: accesses not ordered by one of these guarantees are still reported
+// (must_race shows it).
 
 #include <qglobal.h>
 #include <qnamespace.h>
@@ -15,7 +15,7 @@ class QObject;
 extern "C" void __tsan_acquire(void *address);
 extern "C" void __tsan_release(void *address);
 
-// As Qt Test uses it to print signals; declared in a private header of Qt.
+// As in a private header of Qt; Qt Test uses it to print signals.
 struct QSignalSpyCallbackSet
 {
     void (*signalBegin)(QObject *, int, void **);
@@ -27,8 +27,8 @@ Q_CORE_EXPORT void qt_register_signal_spy_callbacks(QSignalSpyCallbackSet *callb
 
 namespace {
 
-// Stands for the event queues and the thread pool: what was done before an emission, the start of a task or
-// its end is seen by who is called later on its behalf.
+// Stands for the event queues and the thread pool: whatever precedes an emission, the start of a task or its end
+// happens before the code called as a result.
 char handover;
 
 void beforeEmission(QObject *, int, void **)
@@ -36,7 +36,7 @@ void beforeEmission(QObject *, int, void **)
     __tsan_release(&handover);
 }
 
-// What Qt itself looks up in the sender while it emits, as the last thing that a thread does when it ends.
+// Data that Qt reads from the sender while emitting, the last thing a thread does at its end.
 void afterEmission(QObject *, int)
 {
     __tsan_release(&handover);
@@ -91,7 +91,7 @@ __attribute__((constructor)) void watchEvents()
     __tsan_acquire(&handover);                                                                                         \
     return done
 
-// Mutexes: an unlock is seen by the next lock. The fast paths are inline, and so instrumented.
+// Mutexes: an unlock happens before the next lock. The fast paths are inline, and so instrumented.
 STAND_BEFORE(void, lock, "_ZN6QMutex4lockEv", (void *self), (self), , CALL_THEN_ACQUIRE_SELF)
 STAND_BEFORE(bool, tryLock, "_ZN6QMutex7tryLockEi", (void *self, int timeout), (self, timeout), ,
              RETURN_AFTER_ACQUIRE_SELF)
@@ -102,7 +102,7 @@ STAND_BEFORE(bool, lockInternalTimed, "_ZN11QBasicMutex12lockInternalEi", (void 
 STAND_BEFORE(void, unlockInternal, "_ZN11QBasicMutex14unlockInternalEv", (void *self), (self), __tsan_release(self),
              CALL)
 
-// Semaphores: what was done before a release is seen by who acquired.
+// Semaphores: a release happens before the matching acquire.
 STAND_BEFORE(void, acquire, "_ZN10QSemaphore7acquireEi", (void *self, int number), (self, number), ,
              CALL_THEN_ACQUIRE_SELF)
 STAND_BEFORE(bool, tryAcquire, "_ZN10QSemaphore10tryAcquireEi", (void *self, int number), (self, number), ,
@@ -112,19 +112,19 @@ STAND_BEFORE(bool, tryAcquireTimed, "_ZN10QSemaphore10tryAcquireEii", (void *sel
 STAND_BEFORE(void, release, "_ZN10QSemaphore7releaseEi", (void *self, int number), (self, number), __tsan_release(self),
              CALL)
 
-// Calls that are posted: what was done before is seen by the call.
+// Posted calls: everything before the post happens before the call.
 STAND_BEFORE(bool, invokeMethod,
              "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv",
              (void *object, void *slot, int type, void *result), (object, slot, type, result),
              __tsan_release(&handover), RETURN)
 
-// Threads: the end of a thread, which emits finished(), is seen by who waited for it.
+// Threads: the end of a thread, which emits finished(), happens before wait() returns.
 STAND_BEFORE(bool, wait, "_ZN7QThread4waitEm", (void *self, unsigned long time), (self, time), ,
              RETURN_AFTER_ACQUIRE_HANDOVER)
 STAND_BEFORE(bool, waitDeadline, "_ZN7QThread4waitE14QDeadlineTimer", (void *self, qint64 time, quint64 type),
              (self, time, type), , RETURN_AFTER_ACQUIRE_HANDOVER)
 
-// The thread pool: who starts a task is seen by the task, which asks first whether it was cancelled.
+// Thread pool: the start happens before the task, which first checks whether it was cancelled.
 STAND_BEFORE(void, startTask, "_ZN11QThreadPool5startEP9QRunnablei", (void *self, void *task, int priority),
              (self, task, priority), __tsan_release(&handover), CALL)
 STAND_BEFORE(bool, isCanceled, "_ZNK20QFutureInterfaceBase10isCanceledEv", (void *self), (self), ,
@@ -132,7 +132,7 @@ STAND_BEFORE(bool, isCanceled, "_ZNK20QFutureInterfaceBase10isCanceledEv", (void
 STAND_BEFORE(bool, waitForDone, "_ZN11QThreadPool11waitForDoneEi", (void *self, int timeout), (self, timeout), ,
              RETURN_AFTER_ACQUIRE_HANDOVER)
 
-// Futures: results and the end of a task are seen by who waited for them, or is told by an event.
+// Futures: results and the end of a task happen before waiting for them returns, or before the event that reports them.
 STAND_BEFORE(void, reportResults, "_ZN20QFutureInterfaceBase18reportResultsReadyEii", (void *self, int begin, int end),
              (self, begin, end), __tsan_release(&handover), CALL)
 STAND_BEFORE(void, reportFinished, "_ZN20QFutureInterfaceBase14reportFinishedEv", (void *self), (self),

@@ -9,8 +9,8 @@
 
 using namespace TestSupport;
 
-/// Hands plain data from thread to thread in each way that the product uses. Under ThreadSanitizer a report here
-/// means that the sanitizer does not know one of Qt's guarantees.
+/// Hands plain data from thread to thread in each way the product uses. A ThreadSanitizer report here means that one of
+/// Qt's guarantees is not annotated.
 class TstSynchronisation : public QObject
 {
     Q_OBJECT
@@ -64,7 +64,7 @@ void TstSynchronisation::thread_results_are_visible_after_finished()
 
 void TstSynchronisation::joined_thread_no_longer_touches_its_object()
 {
-    // Each job is made where the one before it was.
+    // Each job is constructed at the address of the previous one.
     for (int round = 0; round < 200; ++round) {
         Job job;
         const SignalRecorder<> finished(&job, &QThread::finished);
@@ -97,7 +97,7 @@ void TstSynchronisation::posted_calls_see_what_was_done_before()
                 &receiver, [text, &seen]() { seen += int(!text->isEmpty()); }, Qt::QueuedConnection);
         }
     });
-    // Mostly awake, so that nothing is learnt from being woken.
+    // Mostly awake, so that waking up does not order anything by itself.
     while (seen < calls)
         QCoreApplication::processEvents();
     other.waitForFinished();

@@ -173,7 +173,7 @@ bool AnswerBook::eventFilter(QObject *object, QEvent *event)
     if (event->type() == QEvent::Show) {
         auto *dialog = qobject_cast<QDialog *>(object);
         if (dialog && dialog->isModal() && !qobject_cast<Corvel::Widgets::WaitingDialog *>(dialog)) {
-            // Answered from the dialog's own event loop, once it runs.
+            // Answered from the dialog's own event loop once it runs.
             const QPointer<QDialog> shown = dialog;
             QMetaObject::invokeMethod(
                 this,
@@ -205,7 +205,7 @@ void AnswerBook::answer(QDialog *dialog)
             m_failures.append(QStringLiteral("Came: %1, but %2. Expected next: %3")
                                   .arg(description, mismatch, m_expectations.first().description));
         } else {
-            // Taken first: what it does may open the next dialog.
+            // Removed first: `act` may open the next dialog.
             const Expectation expected = m_expectations.takeFirst();
             expected.act(dialog);
             if (open && open->isVisible())
@@ -226,7 +226,7 @@ void typePaths(QFileDialog *dialog, const QStringList &paths)
             quoted.append(QLatin1Char('"') + QDir::toNativeSeparators(path) + QLatin1Char('"'));
         typed = quoted.join(QLatin1Char(' '));
     }
-    // The completer's list would take the click that follows.
+    // The completer's popup would swallow the following click.
     auto *field = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     field->setCompleter(nullptr);
     field->setText(typed);

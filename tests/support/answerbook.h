@@ -13,15 +13,15 @@
 
 namespace TestSupport {
 
-/// Answers message boxes, dialogs and file dialogs as a person would: with clicks and keys on the real
-/// widgets, in the order in which the test expects them.
+/// Answers message boxes, dialogs and file dialogs like a person: with clicks and keys on the real widgets, in the
+/// order the test expects them.
 ///
-/// A modal dialog that nobody expected, or that is not the next one, is a failure and is closed by
-/// Escape, so that a test never hangs. The host's waiting dialog is left alone. Say at the end
+/// A modal dialog that is unexpected or out of order is a failure and is closed with Escape, so that a test never
+/// hangs. The host's waiting dialog is left alone. End a test with
 ///
 ///     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 ///
-/// or leave it to the destructor, which fails the running test function then. User-interface thread.
+/// or leave it to the destructor, which then fails the running test function. User-interface thread.
 class AnswerBook : public QObject
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ class AnswerBook : public QObject
 public:
     using Kind = HX::Widgets::FramelessMessageBox::Kind;
 
-    /// A dialog as it was met.
+    /// A dialog that was shown.
     struct Seen
     {
         QString className;
@@ -49,34 +49,34 @@ public:
     explicit AnswerBook(QObject *parent = nullptr);
     ~AnswerBook() override;
 
-    /// A host message box; `answer` is clicked, or Escape pressed when it is NoButton.
-    /// An empty `title` or `text` stands for any; else they must be exactly so.
+    /// A host message box; clicks `answer`, or presses Escape if it is NoButton. An empty `title` or `text` matches
+    /// any; others must match exactly.
     void expectBox(Kind kind, const QString &title, const QString &text, QMessageBox::StandardButton answer);
-    /// The same with a single OK, which is clicked.
+    /// The same for a single OK, which is clicked.
     void expectInformation(const QString &title, const QString &text);
     void expectWarning(const QString &title, const QString &text);
     /// A question; `answer` must be one of its buttons, or NoButton for Escape.
     void expectQuestion(const QString &title, const QString &text, QMessageBox::StandardButton answer);
 
-    /// Any other dialog, by the class name that its meta-object gives (with namespaces). `act` fills its
-    /// fields and clicks its buttons; the dialog must be closed when `act` returns.
+    /// Any other dialog, by its meta-object's class name (with namespaces). `act` fills its fields and clicks its
+    /// buttons; the dialog must be closed when `act` returns.
     void expectDialog(const QString &className, std::function<void(QDialog *)> act);
 
-    /// A file dialog: `paths` (absolute) are typed in and the accepting button is clicked, or Escape is
-    /// pressed when there are none. `title` must be exactly so, unless it is empty.
+    /// A file dialog: types `paths` (absolute) and clicks the accepting button, or presses Escape if there are none.
+    /// `title` must match exactly unless it is empty.
     void expectFileDialog(const QString &title, const QStringList &paths);
 
-    /// From now on a dialog that nobody expects is no failure: `act` gets it once it is shown, and sees to it that it
-    /// closes, at once or later.
+    /// From now on unexpected dialogs are no failures: `act` gets each once it is shown, and must make sure that it
+    /// closes.
     void answerOthers(std::function<void(QDialog *)> act) { m_answerOthers = std::move(act); }
 
-    /// Everything that was met so far, in order, the unexpected ones too.
+    /// All dialogs so far, in order, unexpected ones included.
     const QVector<Seen> &seen() const { return m_seen; }
-    /// True when all that was expected came, in order, and nothing else.
+    /// True if exactly the expected dialogs were shown, in order.
     bool isSatisfied() const;
-    /// What is missing and what went wrong, for a failure message.
+    /// Missing dialogs and failures, for a failure message.
     QString report() const;
-    /// Forgets expectations and failures.
+    /// Clears expectations and failures.
     void clear();
 
 protected:
@@ -86,7 +86,7 @@ private:
     struct Expectation
     {
         QString description;
-        /// Returns why this dialog is not the expected one; empty when it is.
+        /// Why this dialog is not the expected one; empty if it is.
         std::function<QString(QDialog *)> mismatch;
         std::function<void(QDialog *)> act;
     };
@@ -102,8 +102,8 @@ private:
 /// Types the (absolute) paths into a file dialog and clicks its accepting button.
 void typePaths(QFileDialog *dialog, const QStringList &paths);
 
-/// Clicks with the left mouse button, and fails the running test function when a person could not: when
-/// the button is missing, hidden or disabled. Returns whether it clicked.
+/// Clicks with the left mouse button; fails the running test function if a person could not, because the button is
+/// missing, hidden or disabled. Returns whether it clicked.
 bool click(QAbstractButton *button);
 /// Clicks the button below `parent` whose text is exactly `text` (mnemonics ignored).
 bool click(QWidget *parent, const QString &text);

@@ -12,12 +12,12 @@ namespace PanelTesting {
 inline const QString targetIp = QStringLiteral("10.0.0.11");  ///< online, with pictures and presets; the active one
 inline const QString secondIp = QStringLiteral("10.0.0.12");  ///< online, without
 inline const QString offlineIp = QStringLiteral("10.0.0.13"); ///< offline
-/// The device from which the packages come; the site does not have it.
+/// The source of the packages; no device of the site.
 inline const QString sourceIp = QStringLiteral("10.0.0.77");
 
 inline const QString syncWarning = QStringLiteral("Import project file failed, as sync device from hardware failed.");
 
-/// From the thread of a job.
+/// Runs on a job's thread.
 inline void onMainThread(const std::function<void()> &act)
 {
     QMetaObject::invokeMethod(qApp, act, Qt::BlockingQueuedConnection);
@@ -36,7 +36,7 @@ inline Simulation::Fault cancelling(int call = 1)
         call);
 }
 
-/// An operator who applies packages to the devices above. Each step begins with an empty journal.
+/// An operator who applies packages to the devices above. Every step starts with an empty journal.
 class Applying : public PanelOnSite<TestSupport::CustomSite>
 {
 protected:
@@ -52,7 +52,7 @@ protected:
     Simulation::HardwareState hardware(const QString &ip) const { return (*m_site)->hardware(ip)->state(); }
 
     void clickApply(const QString &project = QStringLiteral("show")) { clickRow(project, QStringLiteral("Apply")); }
-    /// Whether the current configuration is to be saved first.
+    /// The question whether to save the current configuration first.
     void expectQuestion(QMessageBox::StandardButton answer)
     {
         m_book->expectQuestion(
@@ -67,7 +67,7 @@ protected:
         expectQuestion(answer);
         clickApply(project);
     }
-    /// The same without a backup, where a warning comes in the end.
+    /// The same without a backup, for an apply that ends with a warning.
     void applyAndExpect(const QString &warning)
     {
         expectQuestion(QMessageBox::No);
@@ -79,7 +79,7 @@ protected:
         QTRY_COMPARE(Simulation::Journal::instance()->count(Simulation::Operations::clearScreenList), loads);
         QVERIFY(!Corvel::Widgets::WaitingDialog::instance()->isVisible());
     }
-    /// Lists the package and applies it without a backup; returns when the load has ended.
+    /// Lists the package and applies it without a backup; returns after the load has ended.
     void applyAndWait(const TestSupport::PackageBuilder &package)
     {
         list(package);

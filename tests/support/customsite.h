@@ -15,14 +15,14 @@ namespace TestSupport {
 constexpr int mainModel = 1600;
 constexpr int otherModel = 400;
 
-/// A device of the site that a test makes up.
+/// A device of a custom site.
 struct CustomDevice
 {
     Simulation::HardwareState state;
     bool online = true;
 };
 
-/// A site with devices of the test's own making, where the built-in ones of TestSite will not do. The first is active.
+/// A site of devices defined by the test, where the built-in ones of TestSite do not fit. The first one is active.
 class CustomSite : public SimulatedSite
 {
 public:
@@ -48,7 +48,7 @@ private:
     }
 };
 
-/// Noise, so that no two pictures are alike; with all degrees of transparency where the format has them.
+/// Noise, so that no two pictures are alike; with all alpha values where the format has alpha.
 inline QImage noisePicture(const QSize &size, quint32 seed, QImage::Format format = QImage::Format_RGB32)
 {
     QImage image(size, QImage::Format_ARGB32);
@@ -91,7 +91,7 @@ inline Simulation::HardwareState plainDevice(const QString &ip, int modelId = ma
     return state;
 }
 
-/// The same with two backgrounds, a logo and two presets.
+/// The same plus two backgrounds, a logo and two presets.
 inline Simulation::HardwareState richDevice(const QString &ip, int modelId = mainModel)
 {
     Simulation::HardwareState state = plainDevice(ip, modelId);
@@ -112,8 +112,8 @@ inline QByteArray descriptionOf(const Simulation::HardwareState &state)
     return QJsonDocument(device.toJson()).toJson();
 }
 
-/// The entries of a package with that device, without an info record yet: description, presets, pictures. The version
-/// that unpackers need is one of the few bytes that the checksum of a small package covers.
+/// The entries of that device's package, without an info record: description, presets, pictures. The version needed is
+/// one of the few bytes that the checksum of a small package covers.
 inline PackageBuilder packageOf(const Simulation::HardwareState &state, quint16 versionNeeded = 20)
 {
     PackageBuilder package;

@@ -14,7 +14,7 @@ std::atomic<qint64> s_bytes{asItIs};
 
 } // namespace
 
-// Stands before the C library's, which Qt asks.
+// Hooks the C library's function used by Qt.
 extern "C" Q_DECL_EXPORT int statvfs64(const char *path, struct statvfs64 *volume) noexcept
 {
     using Function = int (*)(const char *, struct statvfs64 *);

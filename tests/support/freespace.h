@@ -4,8 +4,8 @@
 
 namespace TestSupport {
 
-/// While it lives, every volume has that many bytes free, so that a test of the last byte does not depend on what
-/// others write to the disk meanwhile. One at a time.
+/// During its lifetime every volume has that many bytes free, so that tests at the last byte are independent of other
+/// writers. One at a time.
 class FreeSpace
 {
 public:

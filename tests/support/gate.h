@@ -10,8 +10,7 @@
 
 namespace TestSupport {
 
-/// Holds a thread where the test wants it until the test lets it go on, at the latest when the gate is destroyed,
-/// so that a test that fails on the way leaves nobody waiting.
+/// Holds a thread until the test lets it go on, at the latest in its destructor, so that a failing test blocks no one.
 class Gate
 {
 public:
@@ -19,7 +18,7 @@ public:
     ~Gate() { open(); }
     Q_DISABLE_COPY(Gate)
 
-    /// Blocks the thread that calls it. To be used once, and may be called after the gate is gone.
+    /// Blocks the calling thread. Usable once, even after the gate was destroyed.
     std::function<void()> action() const
     {
         return [state = m_state] {
@@ -28,10 +27,10 @@ public:
             state->open.acquire();
         };
     }
-    /// The same as a fault that strikes at that call.
+    /// The same as a fault at that call.
     Simulation::Fault fault(int call = 1) const { return Simulation::Fault::run(action(), call); }
 
-    /// The thread that waits at the gate; null when none comes within a minute.
+    /// The thread waiting at the gate; null if none arrives within a minute.
     QThread *waitForThread() { return m_state->arrived.tryAcquire(1, 60000) ? m_state->thread : nullptr; }
     void open() { m_state->open.release(); }
 

@@ -17,7 +17,7 @@ struct HeldFile::State
 namespace {
 
 std::mutex s_mutex;
-/// One file at a time is all that is asked for.
+/// One file at a time is enough.
 std::shared_ptr<HeldFile::State> s_held;
 
 } // namespace
@@ -59,7 +59,7 @@ bool HeldFile::waitForReader()
 {
     if (!m_state->arrived.tryAcquire(1, 60000))
         return false;
-    // It waits until it is released: whoever asks again is told the same.
+    // A thread still waits until it is released: later calls return the same.
     m_state->arrived.release();
     return true;
 }

@@ -6,22 +6,22 @@
 
 namespace TestSupport {
 
-/// Holds the first thread that opens a file to read it, before the file is opened, until it is let go; who comes later
-/// is not held. So work of other threads can be stopped in the middle. Let go at the latest when it is destroyed, so
-/// that a test that fails on the way leaves nobody waiting.
+/// Blocks the first thread that opens a file for reading, before the file is opened, until it is released; later ones
+/// pass. Stops work of other threads halfway. Released at the latest in the destructor, so that a failing test blocks
+/// no one.
 class HeldFile
 {
 public:
-    /// `path` as it is opened: another spelling, or a link to the file, is not held.
+    /// `path` exactly as it is opened: other spellings and links to the file do not match.
     explicit HeldFile(const QString &path);
     ~HeldFile();
     Q_DISABLE_COPY(HeldFile)
 
-    /// Returns when a thread waits. False when none comes within a minute.
+    /// Returns once a thread waits. False if none arrives within a minute.
     bool waitForReader();
     void release();
 
-    /// For systemcalls.cpp: a thread is about to open that file.
+    /// Called by systemcalls.cpp before a thread opens that file.
     static void waitIfHeld(const char *path);
 
     struct State;

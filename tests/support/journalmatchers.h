@@ -6,18 +6,18 @@
 
 namespace TestSupport {
 
-/// Compares two sequences. Returns an empty string when they are equal, else the first difference with
-/// its surroundings, to be read in a failure message.
+/// Compares two sequences. Returns an empty string if they are equal, else the first difference in its context, for a
+/// failure message.
 QString sequenceDifference(const QStringList &actual, const QStringList &expected);
 
 /// The operations in the journal of the simulated site must be exactly these, in this order:
 ///
 ///     VERIFY_JOURNAL({Operations::updateDeviceInfo, Operations::copyModelToDevice});
 QString journalDifference(const QStringList &expected);
-/// These operations must occur in this order; others may stand before, between and after them.
+/// These operations must occur in this order; others may occur between them.
 QString journalOrderDifference(const QStringList &expected);
 
-/// What the user-interface thread did, in order.
+/// The operations of the user-interface thread, in order.
 QStringList mainThreadOperations();
 /// That argument of each call of the operation, in order.
 QVariantList journalArguments(const QString &operation, const char *argument);

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <unordered_set>
 
-// Told of every QObject, for tools that look into running programs; declared in a private header of Qt.
+// Called for every QObject, for tools that inspect running programs; declared in a private header of Qt.
 extern quintptr Q_CORE_EXPORT qtHookData[]; // NOLINT(readability-identifier-naming)
 
 namespace TestSupport {
@@ -21,7 +21,7 @@ struct Population
     std::unordered_set<QObject *> objects;
 };
 
-// Never destroyed: the last objects go after everything else.
+// Never destroyed: the last objects are destroyed after everything else.
 Population &population()
 {
     static Population *const population = new Population;
@@ -59,7 +59,7 @@ ObjectCensus::~ObjectCensus()
 
 QVector<QObject *> ObjectCensus::living(const char *className) const
 {
-    // Objects of other threads may be on their way in or out, but none is gone before remove() was called.
+    // Objects of other threads may be under construction or destruction, but each is valid until remove() was called.
     const std::lock_guard<std::mutex> locker(population().mutex);
     QVector<QObject *> found;
     for (QObject *object : population().objects) {

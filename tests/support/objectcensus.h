@@ -5,8 +5,8 @@
 
 namespace TestSupport {
 
-/// Knows every QObject that was made since and lives on the user-interface thread, whoever made it and whoever should
-/// have deleted it. One at a time; to be asked on that thread.
+/// Tracks every QObject created after it that lives on the user-interface thread, whoever owns it. One at a time; query
+/// it on that thread.
 class ObjectCensus
 {
 public:
@@ -14,7 +14,7 @@ public:
     ~ObjectCensus();
     Q_DISABLE_COPY(ObjectCensus)
 
-    /// Those of that class and of what inherits it, by the name that the meta-object gives (with namespaces).
+    /// Objects of that class or derived from it, by the meta-object's class name (with namespaces).
     QVector<QObject *> living(const char *className) const;
 };
 

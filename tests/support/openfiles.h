@@ -5,7 +5,7 @@
 
 namespace TestSupport {
 
-/// How many open files of this process have no name any more, as the copy of a package that is applied.
+/// The number of this process's open files without a name, such as the copy of a package being applied.
 inline int openNamelessFiles()
 {
     int count = 0;

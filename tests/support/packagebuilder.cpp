@@ -26,13 +26,14 @@ void append32(QByteArray &bytes, quint32 value)
 
 QByteArray rawDeflate(const QByteArray &bytes)
 {
-    // qCompress: four bytes of length and two of header before the raw stream, four of checksum after it.
+    // qCompress puts four bytes of length and two of header before the raw deflate stream, and four of checksum after
+    // it.
     const QByteArray wrapped = qCompress(bytes);
     return wrapped.mid(6, wrapped.size() - 10);
 }
 
 constexpr quint16 utf8NamesFlag = 1 << 11;
-// Half past one on the second of January 2020, so that archives are the same on every run.
+// 2020-01-02 01:30, so that archives are the same on every run.
 const quint16 dosTime = (13 << 11) | (30 << 5);
 const quint16 dosDate = ((2020 - 1980) << 9) | (1 << 5) | 2;
 
@@ -101,7 +102,7 @@ PackageBuilder &PackageBuilder::archiveComment(const QByteArray &bytes)
 
 PackageBuilder &PackageBuilder::record(const QString &projectName, const QString &projectComment)
 {
-    // Taken before there is a comment, as the writers of packages do.
+    // Computed before the comment is set, like writers of packages do.
     return recordWithChecksum(QString::fromLatin1(checksum(archive(QByteArray()), 0)), projectName, projectComment);
 }
 
@@ -139,7 +140,7 @@ QByteArray PackageBuilder::archive(const QByteArray &archiveComment) const
         locals += common + entry.name + entry.stored;
 
         append32(central, 0x02014b50);
-        append16(central, (3 << 8) | 30); // made by: Unix, so that the mode below counts
+        append16(central, (3 << 8) | 30); // made by: Unix, which makes the mode below count
         central += common;
         append16(central, 0); // comment of the entry
         append16(central, 0); // disk

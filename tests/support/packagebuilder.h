@@ -6,8 +6,8 @@
 
 namespace TestSupport {
 
-/// Builds zip archives byte by byte, good ones and odd ones, without the product's or QuaZip's writer, so
-/// that what the tests read does not come from what they test.
+/// Builds zip archives byte by byte, valid and odd ones, without the product's or QuaZip's writer, so that the tests'
+/// input is independent of the code under test.
 class PackageBuilder
 {
 public:
@@ -22,18 +22,18 @@ public:
     /// An entry that unpackers turn into a symbolic link to `target`.
     PackageBuilder &symbolicLink(const QByteArray &name, const QByteArray &target);
 
-    /// Changes the entry added last: what its headers claim, not its bytes.
+    /// Changes the last entry: its headers, not its content.
     PackageBuilder &claimCrc(quint32 crc);
     PackageBuilder &claimSize(quint32 uncompressedSize);
     PackageBuilder &claimMethod(quint16 method);
     PackageBuilder &claimFlags(quint16 flags);
     PackageBuilder &claimVersionNeeded(quint16 version);
 
-    /// The archive comment, any bytes up to 65,535.
+    /// The archive comment, up to 65,535 bytes of any value.
     PackageBuilder &archiveComment(const QByteArray &bytes);
     /// An info record as comment, with the archive's checksum.
     PackageBuilder &record(const QString &projectName, const QString &projectComment);
-    /// The same with a checksum of the test's choice.
+    /// The same with the given checksum.
     PackageBuilder &recordWithChecksum(const QString &checksum, const QString &projectName,
                                        const QString &projectComment);
     /// Bytes after the end of the archive.
@@ -43,9 +43,9 @@ public:
     /// Writes the archive to `path`; false when that fails.
     bool write(const QString &path) const;
 
-    /// The package checksum, computed step by step as it is defined: over the bytes of a package file
-    /// without its last `commentLength` bytes, for each chunk of 10 MiB the MD5 of what stands before its
-    /// first zero byte, then the MD5 of those hexadecimal digests joined.
+    /// The package checksum, computed step by step by its definition: over the bytes of a package without its last
+    /// `commentLength` bytes, for each chunk of 10 MiB the MD5 of the bytes before its first zero byte, then the MD5 of
+    /// these hexadecimal digests concatenated.
     static QByteArray checksum(const QByteArray &packageBytes, int commentLength);
     static QByteArray infoRecord(const QString &checksum, const QString &projectName, const QString &projectComment);
     static quint32 crc32(const QByteArray &bytes);

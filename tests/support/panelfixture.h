@@ -18,8 +18,8 @@
 
 namespace PanelTesting {
 
-/// A shown panel on a simulated site with an empty list of projects, and an operator who works it: what the tests of
-/// the panel's operations derive from, beside QObject. `Site` is TestSite or CustomSite.
+/// A shown panel on a simulated site with an empty list of projects, and an operator: the second base class, besides
+/// QObject, of tests of the panel's operations. `Site` is TestSite or CustomSite.
 ///
 ///     void init() { setUp(); }
 ///     void cleanup() { tearDown(); }
@@ -27,7 +27,7 @@ template<typename Site>
 class PanelOnSite
 {
 protected:
-    /// The arguments are those of the site. The journal is empty afterwards.
+    /// The arguments are passed to the site. The journal is empty afterwards.
     template<typename... Arguments>
     void setUp(Arguments &&...ofTheSite)
     {
@@ -47,7 +47,7 @@ protected:
         settle();
         m_book.reset();
         m_panel.reset();
-        // Where a test failed, a job may still be waiting for the device.
+        // After a failed test a job may still be waiting for the device.
         Simulation::cancelRunningOperations();
         settle();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -56,7 +56,7 @@ protected:
         m_elsewhere.reset();
     }
 
-    /// Puts a package with that name into the list.
+    /// Adds a package with that name to the list.
     void list(const QString &name, const QString &comment = QStringLiteral("a comment"))
     {
         QVERIFY(writePackage(projectFile(name), comment));
@@ -69,9 +69,9 @@ protected:
         rescanFor(name);
         Simulation::Journal::instance()->clear();
     }
-    /// A path in a folder that belongs to no one.
+    /// A path in a folder outside the panel's directories.
     QString elsewhere(const QString &fileName) const { return m_elsewhere->filePath(fileName); }
-    /// Writes the package there and returns its path.
+    /// Writes the package to such a path and returns it.
     QString elsewhere(TestSupport::PackageBuilder package, const QString &name) const
     {
         const QString path = elsewhere(name);
@@ -81,20 +81,20 @@ protected:
     }
 
     QWidget *row(const QString &project) const { return m_panel->projectRow(project); }
-    /// Clicks that button of the project's row.
+    /// Clicks that button in the project's row.
     void clickRow(const QString &project, const QString &button) const
     {
         QVERIFY2(row(project), qPrintable(project));
         TestSupport::click(row(project), button);
     }
-    /// Chooses the device with that address. The journal is empty afterwards.
+    /// Selects the device with that address. The journal is empty afterwards.
     void selectDevice(const QString &ip) const
     {
         QVERIFY2(m_panel->selectDevice(ip), qPrintable(ip));
         Simulation::Journal::instance()->clear();
     }
 
-    /// The property dialog comes next; it is filled and accepted.
+    /// Expects the property dialog, fills it in and accepts it.
     void expectProperties(const QString &name, const QString &comment)
     {
         m_book->expectDialog(propertyDialog, [=](QDialog *dialog) { answerProperties(dialog, name, comment); });
@@ -104,7 +104,7 @@ protected:
         return QVariant(TestSupport::journalArguments(Simulation::Operations::showWaitingDialog, "text"))
             .toStringList();
     }
-    /// True when the host was told that a job runs and that none does any more, and nobody waits.
+    /// True if the host was told that a job started and ended, and the waiting dialog is hidden.
     static bool hasJobEnded()
     {
         const QVariantList types = TestSupport::journalArguments(Simulation::Operations::setOperatorType, "type");
@@ -117,8 +117,8 @@ protected:
         expectProperties(name, comment);
         return TestSupport::click(m_panel->saveProject()) && m_book->isSatisfied();
     }
-    /// Presses "Save Project", accepts what the dialog proposes and waits for the end. The journal holds this save
-    /// alone.
+    /// Presses "Save Project", accepts the proposed properties and waits for the end. The journal then holds this save
+    /// only.
     void saveAsProposed()
     {
         m_book->expectDialog(propertyDialog, [](QDialog *dialog) { TestSupport::click(dialog, QStringLiteral("OK")); });
@@ -129,7 +129,7 @@ protected:
     }
     void waitForAnswers() { QTRY_VERIFY2(m_book->isSatisfied(), qPrintable(m_book->report())); }
 
-    /// Whether a package that somebody copies into the directory is listed.
+    /// Whether a package copied into the directory from outside is listed.
     bool isFollowingTheDirectory()
     {
         const DirectoryObserver observer;

@@ -32,13 +32,13 @@
 #include <functional>
 #include <memory>
 
-/// What the tests of the panel share: project files, a site, the panel's parts as its user finds them, and ways
-/// to wait for scans, to hold them back and to look at their end.
+/// Shared by the panel's tests: project files, a site, the panel's visible parts, and ways to wait for scans and to
+/// hold them.
 namespace PanelTesting {
 
 using ProjectFileCfg::Internal::EngineerDocOperWidget;
 
-/// Written out here, so that the product's own idea of it is tested too.
+/// Spelled out here to test the product's own path too.
 inline QString projectFilesPath()
 {
     return QStandardPaths::standardLocations(QStandardPaths::DocumentsLocation).value(0) +
@@ -50,7 +50,7 @@ inline QString projectFile(const QString &name)
     return projectFilesPath() + name + QStringLiteral(".corvelpro");
 }
 
-/// The directory as a first start finds it, or an empty one. Also where a file was put in its place.
+/// The directory as before a first start, or an empty one. Also removes a file in its place.
 inline bool removeProjectFilesDirectory()
 {
     QFile::remove(projectFilesPath().chopped(1));
@@ -61,7 +61,7 @@ inline bool clearProjectFilesDirectory()
     return removeProjectFilesDirectory() && QDir().mkpath(projectFilesPath());
 }
 
-/// The file at `path` becomes that many minutes old.
+/// Makes the file at `path` that many minutes old.
 inline bool makeOld(const QString &path, int minutes)
 {
     QFile file(path);
@@ -69,7 +69,7 @@ inline bool makeOld(const QString &path, int minutes)
            file.setFileTime(QDateTime::currentDateTime().addSecs(-60 * minutes), QFileDevice::FileModificationTime);
 }
 
-/// A valid package in the file at `path`, which is complete when it appears there.
+/// A valid package in the file at `path`, complete when it appears.
 inline bool writePackage(const QString &path, const QString &comment, int minutesOld = 0)
 {
     const QString aside = QDir::homePath() + QStringLiteral("/aside.zip");
@@ -79,10 +79,10 @@ inline bool writePackage(const QString &path, const QString &comment, int minute
     return package.write(aside) && makeOld(aside, minutesOld) && QFile::rename(aside, path);
 }
 
-/// Waits until all work of the thread pool has ended and the user-interface thread knows of it.
+/// Waits until all work of the thread pool has ended and its events were processed.
 inline void settle()
 {
-    // An event may bring new work, as the report of a changed directory does.
+    // An event may start new work, like the report of a changed directory.
     do {
         QThreadPool::globalInstance()->waitForDone();
         QCoreApplication::processEvents();
@@ -90,7 +90,7 @@ inline void settle()
     QCoreApplication::processEvents();
 }
 
-/// While it lives, everything that is given to the thread pool waits.
+/// During its lifetime all tasks given to the thread pool wait.
 class HeldThreadPool
 {
 public:
@@ -114,7 +114,7 @@ private:
     QSemaphore m_end;
 };
 
-/// Tells when the system has reported a change of the project-files directory, as it does to the panel.
+/// Reports when the system has reported a change of the project-files directory, at the same time as to the panel.
 class DirectoryObserver
 {
 public:
@@ -130,7 +130,7 @@ private:
     QFileSystemWatcher m_watcher;
 };
 
-/// Knows every future watcher that was told something since it was made: those of scans, copies and imports.
+/// Tracks every future watcher notified after its construction: those of scans, copies and imports.
 class FutureWatchers : public QObject
 {
 public:
@@ -155,10 +155,10 @@ private:
     QVector<QPointer<QObject>> m_seen;
 };
 
-/// The dialog of name and comment, as AnswerBook knows it.
+/// The class name of the dialog for name and comment, for AnswerBook.
 inline const QString propertyDialog = QStringLiteral("EngineerPropertySettingWidget");
 
-/// What the property dialog shows.
+/// The texts in the property dialog.
 struct Properties
 {
     QString name;
@@ -174,14 +174,14 @@ inline void enterProperties(const QDialog *dialog, const QString &name, const QS
     dialog->findChild<Corvel::Widgets::FixedBitLineEditEx *>()->setText(name);
     dialog->findChild<QTextEdit *>()->setPlainText(comment);
 }
-/// Fills the dialog and presses OK.
+/// Fills in the dialog and presses OK.
 inline void answerProperties(QDialog *dialog, const QString &name, const QString &comment)
 {
     enterProperties(dialog, name, comment);
     TestSupport::click(dialog, QStringLiteral("OK"));
 }
 
-/// The panel and its parts, found where the user finds them.
+/// The panel and its parts, found like the user finds them.
 class Panel
 {
 public:
@@ -216,18 +216,18 @@ public:
         return table()->cellWidget(tableRow, 2)->findChildren<QToolButton *>();
     }
 
-    /// The buttons of that project's row; null when it is not listed.
+    /// The buttons in that project's row; null if it is not listed.
     QWidget *projectRow(const QString &project) const
     {
         const int tableRow = names().indexOf(project);
         return tableRow < 0 ? nullptr : table()->cellWidget(tableRow, 2);
     }
 
-    /// The list of four that each entry of the selector carries: information, type, name and address.
+    /// The four marks of each entry of the selector: information, type, name and address.
     static constexpr int markRole = Qt::UserRole + 1;
     QStringList marks(int index) const { return deviceCombo()->itemData(index, markRole).toStringList(); }
     QString selectedAddress() const { return marks(deviceCombo()->currentIndex()).value(3); }
-    /// Chooses the device with that address in the selector; false when it is not there.
+    /// Selects the device with that address; false if it is not listed.
     bool selectDevice(const QString &ip) const
     {
         for (int index = 0; index < deviceCombo()->count(); ++index) {
@@ -239,7 +239,7 @@ public:
         return false;
     }
 
-    /// Starts a scan, as every operation that changes the directory does, and waits for its end.
+    /// Starts a scan, like every operation that changes the directory, and waits for its end.
     void rescan() const
     {
         QMetaObject::invokeMethod(widget.get(), "slot_projectFilesChanged");

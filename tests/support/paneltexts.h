@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// What the panel says while projects are copied, imported and deleted, written out here so that the product's own idea
-/// of it is tested too.
+/// The panel's texts for copying, importing and deleting projects, spelled out here to test the product's own texts
+/// too.
 namespace PanelTexts {
 
 inline const QString remind = QStringLiteral("Remind");

@@ -9,9 +9,9 @@ namespace TestSupport {
 
 /// Records the emissions of a signal, whichever thread they come from.
 ///
-/// QSignalSpy writes its list on the thread that emits, a data race when the test reads it. Here each
-/// emission is queued to the thread of the recorder, so it is seen once the event loop runs (QTRY_*),
-/// and in the order of the emissions. `Args` are the signal's arguments, or the first of them:
+/// QSignalSpy appends to its list on the emitting thread, a data race with the test that reads it. Here each emission
+/// is queued to the recorder's thread, so it becomes visible once the event loop runs (QTRY_*), in the order of the
+/// emissions. `Args` are the signal's arguments, or the first of them:
 ///
 ///     SignalRecorder<QString> progress(&job, &EngineerDocBackup::signal_operatoerChanged);
 ///     SignalRecorder<> finished(&job, &QThread::finished);
@@ -33,7 +33,7 @@ public:
     void clear() { m_calls.clear(); }
     const QVector<std::tuple<Args...>> &calls() const { return m_calls; }
 
-    /// The argument with that number of each emission, in order.
+    /// That argument of each emission, in order.
     template<int number = 0>
     auto values() const
     {

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Files are opened before this is constructed: without a function nothing happens.
+// Files are opened before static construction: an empty function does nothing.
 TestSupport::SystemCalls s_calls;
 
 template<typename Function>
@@ -34,7 +34,7 @@ SystemCalls &systemCalls()
 
 } // namespace TestSupport
 
-// These stand before the C library's: Qt opens files through the one, the product's own opening through the other.
+// Take precedence over the C library's: Qt opens files with the first, the product's own code with the second.
 extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
 {
     static const auto next = original<int(const char *, int, mode_t)>("open64");

@@ -5,12 +5,12 @@
 
 namespace TestSupport {
 
-/// A private home for one test program: Documents, configuration and data lie in a fresh folder that
-/// goes with the program, so that a test never sees or touches its user's project files.
+/// A private home for one test program: Documents, configuration and data are in a temporary folder, so that a test
+/// never sees or touches its user's project files.
 ///
-/// Make it before the application object: Qt reads the environment once. The test mode of
-/// QStandardPaths is no substitute, since it does not redirect Documents.
-/// It also sets the locale to C.UTF-8 and, unless another platform is asked for, draws offscreen.
+/// Construct it before the application object: Qt reads the environment once. The test mode of QStandardPaths does not
+/// redirect Documents, so it does not help. Also sets the locale to C.UTF-8 and the platform to offscreen, unless
+/// another one is requested.
 class TestHome
 {
 public:

@@ -8,7 +8,7 @@
 #include <QtTest>
 
 // Qt Test gives up on an event after five seconds. On a loaded machine one step of a save or an apply can take that
-// long under a sanitizer, and a test that waits longer costs nothing unless it fails.
+// long under a sanitizer, and a longer timeout only costs time when a test fails.
 #undef QTRY_VERIFY
 #undef QTRY_VERIFY2
 #undef QTRY_COMPARE
@@ -16,7 +16,7 @@
 #define QTRY_VERIFY2(expression, message) QTRY_VERIFY2_WITH_TIMEOUT((expression), (message), TestSupport::patience)
 #define QTRY_COMPARE(actual, expected) QTRY_COMPARE_WITH_TIMEOUT((actual), expected, TestSupport::patience)
 
-/// So that the names of host operations can stand in data rows.
+/// Lets names of host operations appear in data rows.
 inline QTestData &operator<<(QTestData &data, QLatin1String text)
 {
     return data << QString(text);
@@ -24,16 +24,16 @@ inline QTestData &operator<<(QTestData &data, QLatin1String text)
 
 namespace TestSupport {
 
-/// How long a test waits for an event that must come, in milliseconds.
+/// The timeout for an event that must arrive, in milliseconds.
 constexpr int patience = 60000;
 
 } // namespace TestSupport
 
-// The main function of a test program, by what the class under test needs at least. Each gives the
-// test a private home (TestHome) and fails it for every warning that it did not expect (WarningGuard).
-// The test class needs a default constructor and a "#include "tst_x.moc"" after the macro.
+// The main function of a test program, by the application object that the class under test requires. Gives the test a
+// private home (TestHome) and fails it on every unexpected warning (WarningGuard). The test class needs a default
+// constructor and an "#include "tst_x.moc"" after the macro.
 //
-//     TEST_MAIN_CORE(TstX)  no graphics at all
+//     TEST_MAIN_CORE(TstX)  no GUI
 //     TEST_MAIN_GUI(TstX)   pictures, but no widgets
 //     TEST_MAIN(TstX)       widgets
 #define TEST_MAIN_WITH(Application, TestClass)                                                                         \

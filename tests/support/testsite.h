@@ -13,7 +13,7 @@
 
 namespace TestSupport {
 
-/// A simulated site for one test function, with directories of its own, which hold nothing at first.
+/// A simulated site for one test function with its own, initially empty directories.
 class SimulatedSite
 {
 public:
@@ -44,13 +44,13 @@ public:
     }
 
     Simulation::HardwareState hardware(const QString &ip) const { return m_session->hardware(ip)->state(); }
-    /// Changes what an online device holds; the host's model follows.
+    /// Changes the state of an online device; the host's model follows.
     void changeHardware(const QString &ip, const std::function<void(Simulation::HardwareState &)> &change) const
     {
         m_session->hardware(ip)->change(change);
         m_session->plug(ip);
     }
-    /// Makes the host forget the device. Any thread.
+    /// Removes the device from the host's list. Any thread.
     static void removeFromDeviceList(const QString &ip) { Model::DeviceList::instance()->removeDevice(ip); }
 
 private:
@@ -58,8 +58,8 @@ private:
     std::unique_ptr<Simulation::Session> m_session;
 };
 
-/// The built-in "small" site: five devices of which `mainHall`, `sideStage` and `foyer` are online, `touringRack` is
-/// offline and `boothSwitcher` is of a model without project files. `mainHall` is the active one.
+/// The built-in "small" site of five devices: `mainHall`, `sideStage` and `foyer` are online, `touringRack` is offline,
+/// and the model of `boothSwitcher` does not support project files. `mainHall` is the active one.
 class TestSite : public SimulatedSite
 {
 public:
@@ -69,7 +69,7 @@ public:
     const QString touringRack = QStringLiteral("192.168.1.30");
     const QString boothSwitcher = QStringLiteral("192.168.1.40");
 
-    /// Changed before it comes up where a test needs that.
+    /// Tests may modify it before the site comes up.
     explicit TestSite(const std::function<void(Simulation::Site &)> &change = {})
         : SimulatedSite(builtIn(change))
     {}

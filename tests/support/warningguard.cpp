@@ -55,7 +55,7 @@ const char *levelName(QtMsgType type)
     return "fatal message";
 }
 
-// What Qt's offscreen platform says about windows that it cannot move about; no part of any test.
+// Qt's offscreen platform logs this about windows it cannot move; irrelevant to any test.
 bool isPlatformNoise(const QString &text)
 {
     static const QRegularExpression noise(QStringLiteral("^This plugin does not support [A-Za-z ]+(\\(\\))?$"));
@@ -68,7 +68,7 @@ void failRunningTest(const QString &reason)
         QTest::qFail(qPrintable(reason), "", 0);
 }
 
-// Reports what worker threads logged too: a test function can be failed from the main thread only.
+// Reports messages of worker threads too: only the main thread can fail a test function.
 void reportUnexpected()
 {
     QStringList reasons;
@@ -79,7 +79,7 @@ void reportUnexpected()
     if (reasons.isEmpty())
         return;
     if (!QTest::currentTestFunction()) {
-        // After the last test function: only the exit code can tell.
+        // After the last test function only the exit code can report it.
         QMutexLocker locker(&guard().mutex);
         guard().unexpected = reasons;
         return;
@@ -206,7 +206,7 @@ int ExpectMessage::count() const
 
 int runTest(QObject *test, int argc, char *argv[])
 {
-    // Qt Test installs its own handler in qInit; the guard's stands before it and passes everything on.
+    // Qt Test installs its own handler in qInit; the guard's comes first and forwards everything.
     QTest::qInit(test, argc, argv);
     guard().previousHandler = qInstallMessageHandler(&readAlong);
     int result = QTest::qRun();

@@ -13,7 +13,7 @@
 
 #include <optional>
 
-/// What the tests of the backup job share: a site whose devices they save, and another program that unpacks.
+/// Shared by the tests of the backup job: a site whose devices are saved, and an independent unpacker.
 class BackupTesting
 {
 protected:
@@ -36,7 +36,7 @@ protected:
         QCOMPARE(m_leftOver, QStringList());
     }
 
-    /// The operations so many times.
+    /// The operation repeated that often.
     static QStringList times(int count, const QStringList &operations)
     {
         QStringList all;
@@ -45,7 +45,7 @@ protected:
         return all;
     }
 
-    /// Runs a job to its end and returns its result code, -1 when it does not come.
+    /// Runs a job to its end and returns its result code, -1 on a timeout.
     int save(const QString &ip, const QString &name = QStringLiteral("Show"), const QString &comment = QString())
     {
         EngineerDocBackup job(nullptr, QString());
@@ -71,7 +71,7 @@ protected:
     {
         return Simulation::Fault::run([this] { m_job->cancel(); }, call);
     }
-    /// Unpacks with another program than the product and returns the entries' names, sorted.
+    /// Unpacks with an independent program and returns the entries' names, sorted.
     QStringList unpack(const QString &packagePath)
     {
         const QString python = "import sys, zipfile\n"
@@ -95,8 +95,8 @@ protected:
     std::shared_ptr<EncodedPictures> m_encoded;
     EngineerDocBackup *m_job = nullptr;
     QVector<QString> m_progress;
-    /// What the last job told.
+    /// The messages of the last job.
     QString m_savedPath;
-    /// What saves of the main hall left of what they staged.
+    /// Stage folders left behind by saves of the main hall.
     QStringList m_leftOver;
 };

@@ -18,17 +18,17 @@
 #include <memory>
 #include <optional>
 
-/// What the tests of the load job share: an online and an offline device, real packages, a real thread.
+/// Shared by the tests of the load job: an online and an offline device, real packages, a real thread.
 namespace LoadTesting {
 
 inline const QString onlineIp = QStringLiteral("10.0.0.11");
 inline const QString offlineIp = QStringLiteral("10.0.0.12");
-/// The device from which the packages come; the site does not have it.
+/// The source of the packages; no device of the site.
 inline const QString sourceIp = QStringLiteral("10.0.0.77");
 
 inline const QString sendConfig = QStringLiteral("Send Config to Device");
 
-/// A description, changed by hand where a state of the hardware cannot be so.
+/// A description, modified by hand for states that hardware cannot have.
 inline QByteArray changedDescription(const Simulation::HardwareState &state,
                                      const std::function<void(QJsonObject &)> &change)
 {
@@ -78,7 +78,7 @@ protected:
                          __LINE__);
         return job;
     }
-    /// Runs the thread to its end and returns the code.
+    /// Runs the thread to its end and returns the result code.
     int runJob(EngineerDocLoad &job) const
     {
         TestSupport::SignalRecorder<> finished(&job, &QThread::finished);
@@ -88,7 +88,7 @@ protected:
         job.wait();
         return job.resultCode();
     }
-    /// Both checks and, when they pass, the thread; the code that comes out of it.
+    /// Both checks and, if they pass, the thread; returns the resulting code.
     int apply(const TestSupport::PackageBuilder &package, const QString &ip) const
     {
         EngineerDocLoad job(nullptr);

@@ -15,8 +15,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/// What the tests of the package classes share: trees of files to pack, other programs that read and write
-/// archives, and ways to make the disk full or a file unreadable.
+/// Shared by the tests of the package classes: trees of files to pack, independent archivers, and ways to simulate a
+/// full disk or an unreadable file.
 namespace PackageTesting {
 
 constexpr qint64 MiB = 1024 * 1024;
@@ -34,7 +34,7 @@ inline QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The same bytes for the same seed; no archiver makes them smaller.
+/// Reproducible from the seed; incompressible.
 inline QByteArray noise(qint64 size, quint32 seed = 1)
 {
     QVector<quint32> words(int(size / 4 + 1));
@@ -42,7 +42,7 @@ inline QByteArray noise(qint64 size, quint32 seed = 1)
     return QByteArray(reinterpret_cast<const char *>(words.constData()), int(size));
 }
 
-/// A small device directory: description, pictures, presets, an empty folder, a hidden file, names in scripts.
+/// A small device directory: description, pictures, presets, an empty folder, a hidden file, names in several scripts.
 inline bool makeDeviceTree(const QString &dir)
 {
     return writeFile(dir + "/192.168.0.10.json", QByteArray("{\n    \"name\": \"device\"\n}\n").repeated(50)) &&
@@ -54,7 +54,7 @@ inline bool makeDeviceTree(const QString &dir)
            writeFile(dir + QString::fromUtf8("/emoji 🎬.txt"), "emoji") && QDir().mkpath(dir + "/Empty");
 }
 
-/// Every file and folder below `dir`, hidden ones and links too, relative and sorted.
+/// Every file and folder below `dir`, including hidden ones and links, relative and sorted.
 inline QStringList contents(const QString &dir)
 {
     QStringList paths;
@@ -91,7 +91,7 @@ inline Run runPython(const QString &script, const QStringList &arguments)
     return run("python3", QStringList{"-W", "error", "-c", script} + arguments);
 }
 
-/// What the unpackers of other makers have to say against the archive; empty when they take it without a word.
+/// Complaints of independent unpackers about the archive; empty if they accept it.
 inline QString complaints(const QString &archivePath)
 {
     const QString python = "import sys, zipfile\n"
@@ -115,7 +115,7 @@ inline QString complaints(const QString &archivePath)
     return all;
 }
 
-/// While it lives, no file of this process can grow beyond `size` bytes: writes fail as on a full disk.
+/// During its lifetime no file of this process can grow beyond `size` bytes: writes fail as on a full disk.
 class FullDisk
 {
 public:
@@ -138,7 +138,7 @@ private:
     void (*m_oldHandler)(int) = SIG_DFL;
 };
 
-/// While it lives, the process is no administrator: permission bits count.
+/// During its lifetime the process has no root privileges: permission bits count.
 class OrdinaryUser
 {
 public:

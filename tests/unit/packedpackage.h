@@ -12,7 +12,7 @@
 
 namespace PackageTesting {
 
-/// The archive's comment as another program reads it.
+/// The archive comment, read by an independent program.
 inline QByteArray rawComment(const QString &path)
 {
     return runPython("import sys, zipfile\n"
@@ -26,7 +26,7 @@ inline QString jsonRecord(const QJsonObject &object)
     return QString::fromUtf8(QJsonDocument(object).toJson());
 }
 
-/// What the tests of packages and their comments share: a device's directory, and a package that is made from it.
+/// Shared by the tests of packages and their comments: a device's directory, and a package made from it.
 class PackedPackage
 {
 protected:
@@ -55,7 +55,7 @@ protected:
             qWarning("the package could not be made");
         return info;
     }
-    /// Nothing but the package is in its folder.
+    /// The package is alone in its folder.
     void verifyNoFragment() const { QCOMPARE(contents(m_folder), QStringList{"Project1.corvelpro"}); }
 
     std::unique_ptr<QTemporaryDir> m_temp;

@@ -143,7 +143,7 @@ void TstArchiveComment::a_new_comment_leaves_entries_and_checksum_alone()
     QVERIFY(ZipPackageHandle::setZipComment(m_package, record));
 
     const QByteArray edited = readFile(m_package);
-    // All but the length of the comment, which ends the archive.
+    // Everything except the comment's length, which ends the archive.
     QVERIFY(edited.left(int(archiveSize) - 2) == old.left(int(archiveSize) - 2));
     QCOMPARE(edited.size() - archiveSize, qint64(record.toUtf8().size()));
     QCOMPARE(QString::fromUtf8(rawComment(m_package)), record);
@@ -205,7 +205,7 @@ void TstArchiveComment::a_comment_on_a_full_disk_changes_nothing()
     packed();
     const QByteArray old = readFile(m_package);
     const int archiveSize = old.size() - rawComment(m_package).size();
-    // In the copy, in the directory, in the comment, at its last byte.
+    // In the copy, in the directory, in the comment, at the last byte.
     for (int limit : {0, 100, archiveSize - 10, archiveSize, archiveSize + 499}) {
         {
             const FullDisk disk(limit);
@@ -302,7 +302,7 @@ void TstArchiveComment::records_are_read_leniently()
 
 void TstArchiveComment::fields_of_a_record_pass_through_utf8()
 {
-    // Halves of surrogate pairs, zeros, byte order marks, what is no character, and whole ones.
+    // Unpaired surrogates, zeros, byte order marks, noncharacters, and valid characters.
     const QVector<QString> parts{QString(QChar(0xD83C)), QString(QChar(0xDFAC)),  QString(QChar(0)),
                                  QString(QChar(0xFEFF)), QString(QChar(0xFFFE)),  QString(QChar(0x7F)),
                                  QStringLiteral("a"),    QString::fromUtf8("项"), QString::fromUtf8("🎬"),
@@ -314,7 +314,7 @@ void TstArchiveComment::fields_of_a_record_pass_through_utf8()
             text += parts.at(random.bounded(parts.size()));
         return text;
     };
-    // JSON escapes carry what no UTF-8 could.
+    // JSON escapes express what UTF-8 cannot.
     const auto escaped = [](const QString &text) {
         QString json;
         for (const QChar unit : text)
@@ -347,7 +347,7 @@ void TstArchiveComment::a_refused_record_leaves_the_fields_alone()
 
 void TstArchiveComment::a_checksum_with_a_tail_prevents_loading()
 {
-    // Reading the record ends a field at its first zero; the check before a load takes the checksum as it stands.
+    // Reading the record ends a field at its first zero; the check before a load takes the whole checksum.
     const EngineerPacketInfo written = packed();
     QVERIFY(ZipPackageHandle::setZipComment(
         m_package, QStringLiteral(R"({"Checksum":"%1\u0000tail","projectName":"name","comment":"text"})")

@@ -21,7 +21,7 @@ using Simulation::HardwareState;
 using Simulation::Journal;
 using Simulation::PresetState;
 
-/// What ends a save without a package: failures, other programs, a cancel.
+/// What makes a save end without a package: failures, other programs, a cancel.
 class TstBackupFailures : public QObject, protected BackupTesting
 {
     Q_OBJECT
@@ -225,7 +225,7 @@ void TstBackupFailures::a_file_named_like_the_preset_folder_fails()
     QCOMPARE(m_savedPath, QString());
     QCOMPARE(readFile(stage("Preset")), QByteArray("in the way"));
     QVERIFY(!QFile::exists(packagePath()));
-    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("/Preset/ cannot be made").size(), 1);
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("/Preset/ cannot be created").size(), 1);
 }
 
 void TstBackupFailures::removing_the_preset_folder_ends_the_save()
@@ -238,7 +238,7 @@ void TstBackupFailures::removing_the_preset_folder_ends_the_save()
 
 void TstBackupFailures::a_recreated_preset_folder_is_tolerated()
 {
-    // Another program that saves this device: at the one moment the folder is missing, at the next it is back.
+    // As if another program saved this device: the folder is missing at first, then it is back.
     int asked = 0;
     systemCalls().onOpen = [&asked](const QByteArray &path, int) {
         return path.endsWith("/2.RPst") && ++asked == 1 ? ENOENT : 0;
@@ -319,7 +319,7 @@ void TstBackupFailures::a_picture_on_a_full_disk_fails()
 {
     QScopedPointer<FullDisk> fullDisk;
     Faults::instance()->arm(loadImage, Fault::run([&fullDisk] { fullDisk.reset(new FullDisk(50)); }));
-    // The package itself would have room again.
+    // There would be room for the package again.
     Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&fullDisk] { fullDisk.reset(); }));
     const int code = save(m_site->mainHall);
     QVERIFY(fullDisk);
@@ -346,7 +346,7 @@ void TstBackupFailures::a_preset_on_a_full_disk_fails()
     QScopedPointer<FullDisk> fullDisk;
     Faults::instance()->arm(presetFullDetail2Binary,
                             Fault::run([&fullDisk, room] { fullDisk.reset(new FullDisk(room)); }));
-    // The package itself would have room again.
+    // There would be room for the package again.
     Faults::instance()->arm(presetFullDetail2Binary, Fault::run([&fullDisk] { fullDisk.reset(); }, 2));
     const int code = save(m_site->mainHall);
     QVERIFY(fullDisk);
@@ -416,14 +416,14 @@ void TstBackupFailures::staged_files_changed_by_others_end_the_save()
     QCOMPARE(m_savedPath, QString());
     QCOMPARE(contents(m_projects), QStringList{"Show.corvelpro"});
     QVERIFY(readFile(packagePath()) == before);
-    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("Save failed: " + name + " was taken out").size(), 1);
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter("Save failed: " + name + " was removed from").size(), 1);
 }
 
 void TstBackupFailures::a_package_created_meanwhile_is_kept_data()
 {
     QTest::addColumn<bool>("isReplaced");
-    QTest::newRow("where none was") << false;
-    QTest::newRow("where another one was") << true;
+    QTest::newRow("new package") << false;
+    QTest::newRow("replaced package") << true;
 }
 
 void TstBackupFailures::a_package_created_meanwhile_is_kept()
@@ -451,7 +451,7 @@ void TstBackupFailures::a_package_removed_meanwhile_is_saved_again()
 void TstBackupFailures::a_package_damaged_at_once_is_not_announced()
 {
     QCOMPARE(save(m_site->touringRack), int(BackupSuccess));
-    // The one that was replaced goes when the new one has its place.
+    // The replaced one is removed after the new one is in place.
     bool isDamaged = false;
     systemCalls().beforeUnlink = [&](const QByteArray &path) {
         if (path.endsWith(".part"))
@@ -501,7 +501,7 @@ void TstBackupFailures::canceled_save_stops_at_the_next_point()
     QFETCH(QStringList, calls);
     if (operation.isEmpty())
         systemCalls().beforeMkdir = [this](const QByteArray &path) {
-            // The folder is made twice: with the other stage folders, and anew for the presets.
+            // The folder is created twice: with the other stage folders, and again for the presets.
             if (path.endsWith("/Preset") && Journal::instance()->count(loadImage) == 11)
                 m_job->cancel();
         };
@@ -523,7 +523,7 @@ void TstBackupFailures::a_cancel_during_encoding_counts_data()
 void TstBackupFailures::a_cancel_during_encoding_counts()
 {
     QFETCH(int, picture);
-    // Whichever encoder is held, the job fetches one picture more than were begun before it waits.
+    // Whichever encoder is held, the job fetches one picture more than were started before it waits.
     QSemaphore isFetched;
     Faults::instance()->arm(loadImage, Fault::run([&] { isFetched.release(); }, qMin(11, picture + 1)));
     std::atomic<int> encoded{0};
@@ -542,7 +542,7 @@ void TstBackupFailures::a_cancel_during_encoding_counts()
 
 void TstBackupFailures::a_cancel_between_pictures_and_presets_ends_silently()
 {
-    // An encoder's thread ends, and with it what belongs to the thread, when the last picture was written.
+    // An encoder's thread ends, and with it its thread-local data, when the last picture was written.
     struct Canceller
     {
         EngineerDocBackup *job;

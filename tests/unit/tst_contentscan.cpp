@@ -12,7 +12,7 @@ using TestData::PngMaker;
 
 namespace {
 
-/// Fed in portions of up to that many bytes.
+/// Fed in portions of at most that many bytes.
 PictureScan scanned(const QByteArray &png, int largestPortion)
 {
     QRandomGenerator random(4);

@@ -25,7 +25,7 @@ using Simulation::JournalEntry;
 using Simulation::PictureState;
 using Simulation::PresetState;
 
-/// What a save puts into the package, and what it tells on the way.
+/// What a save puts into the package, and the progress it reports.
 class TstEngineerDocBackup : public QObject, protected BackupTesting
 {
     Q_OBJECT
@@ -34,7 +34,7 @@ private slots:
     void init() { setUp(); }
     void cleanup() { tearDown(); }
 
-    // What is saved
+    // Contents
     void the_job_calls_the_host_in_this_order();
     void the_package_holds_exactly_the_devices_files();
     void the_record_carries_name_comment_and_checksum();
@@ -74,7 +74,7 @@ private slots:
 };
 
 // ---------------------------------------------------------------------------------------------------------------------
-// What is saved
+// Contents
 
 void TstEngineerDocBackup::the_job_calls_the_host_in_this_order()
 {
@@ -349,7 +349,7 @@ void TstEngineerDocBackup::the_job_knows_the_package_it_saved()
 
 void TstEngineerDocBackup::fetching_a_picture_overlaps_writing_another()
 {
-    // Who writes into a pipe waits for its reader, and that is whoever is asked for the next picture.
+    // Writing to the pipe blocks until the fetch of the next picture reads from it.
     const QString pipe = stage("BKG/BKG_0.png");
     bool made = false;
     QByteArray written;
@@ -364,7 +364,7 @@ void TstEngineerDocBackup::fetching_a_picture_overlaps_writing_another()
                                                        writeFile(pipe, written);
                                                    },
                                                    2));
-    // A job that does not go on would wait for ever.
+    // A stuck job would wait forever.
     int rescue = -1;
     QTimer timer;
     connect(&timer, &QTimer::timeout, this,

@@ -18,7 +18,7 @@ using Simulation::Journal;
 using PackageChange = std::function<void(const QString &)>;
 Q_DECLARE_METATYPE(PackageChange)
 
-/// What can happen to a load of either kind: exceptions, names that climb out, packages that change, a cancel.
+/// What can happen to any load: exceptions, names that climb out, changed packages, a cancel.
 class TstEngineerDocLoad : public QObject, protected Loading
 {
     Q_OBJECT
@@ -85,7 +85,7 @@ void TstEngineerDocLoad::a_throwing_host_call_ends_the_load()
                                  QStringLiteral("Import project file failed, exception: %1 throws").arg(operation), 1);
     Faults::instance()->arm(operation, Fault::throwing(call));
     QCOMPARE(runJob(*job), int(LoadImportFailed));
-    // It goes on working.
+    // It still works.
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), ip), int(LoadSuccess));
 }
 
@@ -114,7 +114,7 @@ void TstEngineerDocLoad::a_throwing_host_call_fails_the_check()
 void TstEngineerDocLoad::null_entries_are_skipped()
 {
     const HardwareState source = richDevice(sourceIp);
-    // Nulls among what is compared and what is refreshed; a card that is not there fits no place.
+    // Nulls among the compared and refreshed objects; a missing card fits no slot.
     const auto withNulls = [](const std::shared_ptr<Model::Device> &device) {
         Model::DeviceData data = Model::DeviceEditor(*device).data();
         data.backgrounds.insert(data.backgrounds.begin(), nullptr);
@@ -168,7 +168,7 @@ void TstEngineerDocLoad::nothing_is_written_outside()
         package.file(name, pngOf(noisePicture({4, 4}, 1)));
     QCOMPARE(apply(package, target), int(LoadDecompressFailed));
 
-    // The description that the check extracted; and a link makes no file either.
+    // The description extracted by the check; a link does not produce a file either.
     before.append({QStringLiteral("extracted/device.json"), QStringLiteral("devices/%1").arg(onlineIp),
                    QStringLiteral("devices/%1/%1.json").arg(onlineIp)});
     for (const QString &path : contents(m_site->path()))
@@ -197,7 +197,7 @@ void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked_data()
     QTest::addColumn<bool>("isRunning");
     QTest::addColumn<PackageChange>("change");
     static const auto other = [] {
-        // The same pictures by number and size, and a description of the same length: nothing else would tell.
+        // The same pictures by number and size, and a description of the same length: nothing else differs.
         HardwareState state = richDevice(QStringLiteral("10.0.0.78"));
         state.settings.insert(QStringLiteral("brightness"), 13);
         PackageBuilder package = packageOf(state);
@@ -374,7 +374,7 @@ void TstEngineerDocLoad::cancelling_online_is_seen_at_every_point()
     Faults::instance()->arm(operation, Fault::run([&] { job->cancel(); }, call));
     QCOMPARE(runJob(*job), int(LoadUserCanceled));
     VERIFY_JOURNAL(calls);
-    // No file is left of an entry that is not sent; the check has made the folder.
+    // Entries that are not sent leave no file; the check has created the folder.
     QCOMPARE(contents(m_site->extractPath()), extracted);
     QCOMPARE(progress.count(), calls.contains(copyModelToDevice) ? 1 : 0);
 }
@@ -399,9 +399,8 @@ void TstEngineerDocLoad::cancelling_before_the_thread_starts_is_lost()
 
 void TstEngineerDocLoad::cancelling_an_offline_copy_is_seen_afterwards()
 {
-    // The copy tells nobody how far it is, so the first file on disk is the sign; the second one takes so
-    // long that the request comes in time. Were it not seen after the copy, the failing serialiser would
-    // replace the code.
+    // The copy reports no progress, so the first file on disk is the sign; the second one takes long enough for the
+    // request to arrive in time. If the copy missed the request, the failing serialiser would change the result code.
     const HardwareState source = plainDevice(sourceIp);
     const QString first = m_site->devicePath(offlineIp) + QStringLiteral("/first.txt");
     const QString second = m_site->devicePath(offlineIp) + QStringLiteral("/second.bin");

@@ -22,8 +22,8 @@ using namespace ProjectFileCfg::Internal;
 
 namespace {
 
-/// What the system answers to the steps that make a file outlive a power failure: 0 for what it would answer anyway, or
-/// the error that the step ends with. And which of them were taken, in their order.
+/// The system's answers to the steps that make a file durable: 0 for the real answer, or the error to return. And the
+/// steps taken, in order.
 struct System
 {
     int openFolder = 0;
@@ -32,11 +32,11 @@ struct System
     int flushDisk = 0;
     int renameToFreeName = 0;
     int exchange = 0;
-    /// What another program does before the next exchanges.
+    /// Another program's action just before the next exchange.
     QVector<std::function<void()>> beforeExchange;
-    /// The file system shares content between files, as few do.
+    /// The file system can clone files (reflinks), which few support.
     bool sharesContent = false;
-    /// Somebody else makes each folder just before.
+    /// Another program creates each folder just before.
     bool foldersAppear = false;
     QStringList steps;
 };
@@ -63,9 +63,9 @@ bool isFolder(int handle)
 
 } // namespace
 
-// These stand before the C library's. On the thread that tests alone.
+// Hook the C library's functions, on the test's thread only.
 
-// The same function, which the headers choose between.
+// The same function: the headers select one.
 template<typename Open>
 int openUnlessFolderFails(Open function, const char *path, int flags, va_list arguments)
 {
@@ -103,7 +103,7 @@ extern "C" Q_DECL_EXPORT int fsync(int handle)
 extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t count, unsigned int flags)
 {
     static const auto function = original<int (*)(int, off64_t, off64_t, unsigned int)>("sync_file_range");
-    // All of it, and without waiting.
+    // All of it, and without blocking.
     const bool isHint = offset == 0 && count == 0 && flags == SYNC_FILE_RANGE_WRITE;
     s_system.steps.append(isHint ? QStringLiteral("begin flushing") : QStringLiteral("flush a part"));
     return function(handle, offset, count, flags);
@@ -155,7 +155,7 @@ extern "C" Q_DECL_EXPORT int renameat2(int fromFolder, const char *from, int toF
     return failsWith(s_system.renameToFreeName) ? -1 : function(fromFolder, from, toFolder, to, flags);
 }
 
-/// What is flushed when, and what is left when the system refuses a step.
+/// What is flushed when, and what remains if the system refuses a step.
 class TstFileSystem : public QObject
 {
     Q_OBJECT
@@ -227,7 +227,7 @@ void TstFileSystem::without_standard_input_folders_are_made_and_flushed()
 {
     const QTemporaryDir dir;
     s_system = System();
-    // The descriptor that is opened next is 0 then.
+    // So the next descriptor is 0.
     const int kept = dup(0);
     ::close(0);
     const bool isMade = FileSystem::makeFolder(dir.filePath("one/two"));
@@ -238,7 +238,7 @@ void TstFileSystem::without_standard_input_folders_are_made_and_flushed()
     ::close(kept);
     QVERIFY(isMade);
     QVERIFY(isFlushed);
-    // Each was closed again.
+    // All of them were closed again.
     QCOMPARE(next, 0);
 }
 
@@ -249,7 +249,7 @@ void TstFileSystem::init()
     QVERIFY(m_dir->isValid());
 }
 
-/// Writes "new" over what the target is.
+/// Writes "new" over the target.
 bool TstFileSystem::replace(ReplacingFile::Durability durability, ReplacingFile::ExistingTarget existing) const
 {
     ReplacingFile file(path("target"), durability);
@@ -312,7 +312,7 @@ void TstFileSystem::unflushed_content_replaces_nothing()
 void TstFileSystem::unwritten_content_replaces_nothing()
 {
     QVERIFY(writeFile(path("target"), "old"));
-    // What fails at once, and what fails when the buffer is written.
+    // Errors that occur immediately, and errors that occur when the buffer is written.
     for (const int size : {1000000, 10}) {
         ReplacingFile file(path("target"), ReplacingFile::Durability::NotFlushed);
         QVERIFY(file.create());
@@ -354,7 +354,7 @@ void TstFileSystem::unflushed_name_is_reported_data()
     QTest::addColumn<bool>("isTold");
     QTest::newRow("a broken disk") << EIO << true;
     QTest::newRow("a full disk") << ENOSPC << true;
-    // Sticks and network shares: their folders cannot be flushed.
+    // Sticks and network shares cannot flush folders.
     QTest::newRow("not known to the file system") << EINVAL << false;
     QTest::newRow("not supported by the file system") << ENOTSUP << false;
 }
@@ -555,7 +555,7 @@ void TstFileSystem::file_identity_survives_edits_and_renames()
 
 void TstFileSystem::used_number_is_not_assigned_again()
 {
-    // Some file systems give the number of a file that was removed to the next one.
+    // Some file systems reuse the inode number of a removed file immediately.
     for (int round = 0; round < 100; ++round) {
         QVERIFY(writeFile(path("target"), "old"));
         const FileSystem::FileIdentity old(path("target"));

@@ -17,7 +17,7 @@ using TestSupport::PackageBuilder;
 
 Q_DECLARE_METATYPE(UndoRecord)
 
-/// Changing a file's end where it lies, and what becomes of a change that was cut.
+/// Changing the end of a file in place, and recovery from an interrupted change.
 class TstInPlaceFile : public QObject
 {
     Q_OBJECT
@@ -55,7 +55,7 @@ private slots:
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
-    /// What a killed process leaves: a file with this tail, and the record of its change from `before` to `after`.
+    /// State after a kill: a file with this tail, and the undo record of its change from `before` to `after`.
     UndoRecord leaveCut(const QString &name, const QByteArray &tail);
 
     QScopedPointer<QTemporaryDir> m_temp;
@@ -97,7 +97,7 @@ void TstInPlaceFile::the_tail_is_replaced_and_nothing_else_data()
     QTest::addColumn<QByteArray>("tail");
     QTest::newRow("shorter") << QByteArray("x");
     QTest::newRow("none") << QByteArray();
-    QTest::newRow("as long") << QByteArray(before.size(), 'x');
+    QTest::newRow("same length") << QByteArray(before.size(), 'x');
     QTest::newRow("longer") << QByteArray(65536, 'x');
     QTest::newRow("the same") << before;
 }
@@ -220,7 +220,7 @@ void TstInPlaceFile::a_damaged_record_is_known()
     QVERIFY(writeFile(recordPath, bytes));
     UndoRecord record;
     QCOMPARE(record.read(recordPath), UndoRecord::Reading::Broken);
-    // It says nothing about the file, but somebody may be writing it.
+    // The error says nothing about the file, but somebody may be writing it.
     InPlaceFile::recover(m_temp->path());
     QVERIFY(QFile::exists(recordPath));
     {
@@ -230,7 +230,7 @@ void TstInPlaceFile::a_damaged_record_is_known()
     }
     InPlaceFile::recover(m_temp->path());
     QVERIFY(!QFile::exists(recordPath));
-    // Who holds the file knows that nobody writes it.
+    // Whoever holds the lock knows that nobody writes.
     QVERIFY(writeFile(recordPath, bytes));
     QVERIFY(InPlaceFile(path("file")).open());
     QVERIFY(readFile(path("file")) == head + torn);
@@ -291,15 +291,15 @@ void TstInPlaceFile::crash_leaves_the_old_or_new_tail()
     QVector<QPair<QByteArray, QByteArray>> cuts{{from, from}, {to, to}};
     const int longer = std::max(from.size(), to.size());
     for (int written = 0; written < to.size(); ++written) {
-        // A kill in the write, and a power failure that has kept any two parts of it.
+        // A kill during the write, and a power failure that preserved any two parts of it.
         cuts.append({to.left(written) + from.mid(written), from});
         if (written <= from.size())
             cuts.append({from.left(written) + to.mid(written), from});
-        // Made longer, and the content is not there yet.
+        // Extended, but the content is still missing.
         cuts.append({(to.left(written) + from.mid(written)).leftJustified(longer, '\0'), from});
         cuts.append({QByteArray(to.left(written)).leftJustified(longer, '\0'), from});
     }
-    // Not cut yet.
+    // Not truncated yet.
     cuts.append({to + from.mid(to.size()), from});
     for (const auto &cut : cuts) {
         UndoRecord record = leaveCut("file", cut.first);
@@ -307,7 +307,7 @@ void TstInPlaceFile::crash_leaves_the_old_or_new_tail()
         record.after = to;
         QVERIFY(record.write(UndoRecord::pathFor(path("file"))));
         InPlaceFile::recover(m_temp->path());
-        // Both may be the same at that place: then it is whole already.
+        // Both may be equal at that place: then the file is already complete.
         const QByteArray expected = cut.first == to ? to : cut.second;
         QVERIFY2(readFile(path("file")) == head + expected, cut.first.toPercentEncoding(" ,"));
         QCOMPARE(contents(m_temp->path()), QStringList{"file"});

@@ -16,7 +16,7 @@ using Simulation::HardwareState;
 
 Q_DECLARE_METATYPE(std::function<void(Simulation::HardwareState &)>)
 
-/// The checks of a package and its description before a load starts.
+/// The checks of a package and its description that precede a load.
 class TstLoadChecks : public QObject, protected Loading
 {
     Q_OBJECT

@@ -135,7 +135,7 @@ void TstOfflineApply::thumbnails_keep_to_three_bands_data()
     QTest::newRow("1 by 1: itself") << QSize(1, 1) << QSize(1, 1);
     QTest::newRow("65,535: itself") << QSize(255, 257) << QSize(255, 257);
     QTest::newRow("65,536: itself") << QSize(256, 256) << QSize(256, 256);
-    // A prime: the one height that gives this area is no tenth of anything, so nothing is left.
+    // A prime: only 65,537 by 1 has this area, and a tenth of 1 is 0.
     QTest::newRow("65,537: a tenth") << QSize(65537, 1) << QSize(0, 0);
     QTest::newRow("65,538: a tenth") << QSize(331, 198) << QSize(33, 19);
     QTest::newRow("262,143: a tenth") << QSize(511, 513) << QSize(51, 51);
@@ -267,10 +267,10 @@ void TstOfflineApply::a_device_never_holds_more_than_a_package()
     QCOMPARE(before.size(), most - room);
     QCOMPARE(apply(packageOfFiles("second", room + 1), offlineIp), int(LoadDecompressFailed));
     QCOMPARE(contents(folder), before);
-    // What is replaced takes no more room.
+    // Replaced files need no additional space.
     QCOMPARE(apply(packageOfFiles("first", 20), offlineIp), int(LoadSuccess));
 
-    // The folder is an entry as well.
+    // The folder is an entry, too.
     QCOMPARE(apply(packageOfFiles("more/", room), offlineIp), int(LoadDecompressFailed));
     QCOMPARE(contents(folder), before);
     QCOMPARE(apply(packageOfFiles("more/", room - 1), offlineIp), int(LoadSuccess));

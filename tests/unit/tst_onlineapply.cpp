@@ -19,7 +19,7 @@ using Simulation::Journal;
 
 namespace {
 
-/// The header says 0 by 0, with the right checksum.
+/// The header claims 0 by 0, with a valid checksum.
 QByteArray pngWithoutSize()
 {
     const int chunkAt = 12;
@@ -30,7 +30,7 @@ QByteArray pngWithoutSize()
     return png.replace(chunkAt + chunkLength, 4, reinterpret_cast<const char *>(&crc), 4);
 }
 
-/// One frame, of one colour.
+/// A GIF with one frame in one colour.
 QByteArray gifOfSize(char width, char height)
 {
     const char bytes[] = {'G',   'I', 'F',    '8', '9',    'a',    width,  0,      height, 0, '\x80', 0,
@@ -139,7 +139,7 @@ void TstOnlineApply::online_apply_calls_the_host_in_order()
 void TstOnlineApply::each_operation_is_called_on_its_controller()
 {
     QCOMPARE(apply(packageOf(richDevice(sourceIp)), onlineIp), int(LoadSuccess));
-    // The others are those of the device that the package describes.
+    // The others belong to the device that the package describes.
     const QStringList ofTarget{canMVEEnable, enableMVR, copySlotDataToDevice, createMaterailFromImage};
     for (const Simulation::JournalEntry &entry : Journal::instance()->entries()) {
         if (entry.operation != setOperatorType)
@@ -477,7 +477,7 @@ void TstOnlineApply::a_bad_picture_is_refused_before_sending_data()
     QTest::newRow("no picture") << QByteArray("BKG/BKG_1.png") << QByteArray("no picture at all")
                                 << int(LoadImageContentError);
     QTest::newRow("0 by 0") << QByteArray("BKG/BKG_1.png") << pngWithoutSize() << int(LoadImageContentError);
-    // Behind a picture's name may be a picture of another format, and those can be without width or height.
+    // An entry named like a picture may have another format, possibly without width or height.
     QTest::newRow("without width") << QByteArray("BKG/BKG_1.png") << gifOfSize(0, 5) << int(LoadImageContentError);
     QTest::newRow("without height") << QByteArray("BKG/BKG_1.png") << gifOfSize(5, 0) << int(LoadImageContentError);
     QTest::newRow("no picture, in another folder")
@@ -520,7 +520,7 @@ void TstOnlineApply::the_first_bad_picture_gives_the_code_data()
     row({good, size}, 15);
     row({good, none}, 11);
     row({good, damaged}, 6);
-    // What is wrong with pixels is found later than what is wrong with a header.
+    // Bad pixels are found later than a bad header.
     row({cut, none}, 15);
     row({cut, damaged}, 15);
     row({good, cut, good, damaged}, 15);
@@ -557,7 +557,7 @@ void TstOnlineApply::the_first_bad_picture_gives_the_code()
     }
     QCOMPARE(check(package, onlineIp), code);
     VERIFY_JOURNAL({});
-    // It says nothing about how many cores found it.
+    // Independent of the number of cores.
     QCOMPARE(check(package, onlineIp), code);
 }
 
@@ -585,12 +585,12 @@ void TstOnlineApply::too_many_pixels_are_refused_before_reading()
         object.insert(QStringLiteral("materials"), materials);
     });
     PackageBuilder package = descriptionOnly(description);
-    // Of key numbers eight bits count.
+    // Key numbers have eight bits.
     for (int number = 0; number < count; ++number)
         package.file("BKG/BKG_" + QByteArray::number(1 + 256 * (number % 256)) + QByteArray(number / 256, '.') + ".png",
                      "no picture");
     QCOMPARE(check(package, onlineIp), code);
-    // An offline device takes what is no picture as it is, but makes thumbnails of the others.
+    // An offline device accepts entries that are no pictures, but makes thumbnails of the others.
     QCOMPARE(check(package, offlineIp), code == LoadGalleryFileError ? code : 0);
 }
 
@@ -604,7 +604,7 @@ void TstOnlineApply::a_large_picture_is_checked_and_sent_data()
 void TstOnlineApply::a_large_picture_is_checked_and_sent()
 {
     QFETCH(bool, isDiskFull);
-    // Beyond what is taken into memory; noise does not get smaller.
+    // Beyond the memory limit; noise does not compress.
     HardwareState source = plainDevice(sourceIp);
     source.backgrounds.insert(1, {QStringLiteral("Opening"), noisePicture({3600, 3600}, 1)});
     source.backgrounds.insert(2, {QStringLiteral("Keynote"), noisePicture({16, 9}, 2)});

@@ -6,7 +6,7 @@
 
 using namespace ProjectFileCfg::Internal;
 
-/// Numbers that are kept in logs and named in the operators' manual.
+/// Numbers that appear in logs and in the operators' manual.
 class TstOperationResultCodes : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ void TstOperationResultCodes::codes_are_plain_integers()
 {
     QVERIFY((std::is_same<std::underlying_type_t<BackupResultCode>, int>::value));
     QVERIFY((std::is_same<std::underlying_type_t<LoadResultCode>, int>::value));
-    // As one reads a number into a code: without a fixed type these would be undefined.
+    // Like reading a number into a code: undefined behaviour without a fixed underlying type.
     QCOMPARE(int(static_cast<BackupResultCode>(-1)), -1);
     QCOMPARE(int(static_cast<LoadResultCode>(1000)), 1000);
 }

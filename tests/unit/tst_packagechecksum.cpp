@@ -38,7 +38,7 @@ private:
 
 void TstPackageChecksum::a_chunk_is_10_mebibytes()
 {
-    // Packages that exist were made so.
+    // Existing packages were made this way.
     QCOMPARE(PackageChecksum::chunkSize, Q_INT64_C(10485760));
 }
 
@@ -82,7 +82,7 @@ void TstPackageChecksum::bytes_after_the_length_do_not_count()
 
 void TstPackageChecksum::shorter_file_is_read_to_its_end()
 {
-    // As when it is cut while it is read.
+    // As if truncated while it is read.
     const QString path = m_temp.path() + "/file";
     QVERIFY(writeFile(path, QByteArray(int(PackageChecksum::chunkSize), 'x')));
     QCOMPARE(checksumOf(path, 2 * PackageChecksum::chunkSize),

@@ -21,8 +21,8 @@ using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
 
-/// An edit of a package's record as the panel makes it, seen from outside: what becomes of the file, beside it, and
-/// when others are at the same file.
+/// An edit of a package's record like the panel's, seen from outside: its effect on the file and its neighbours, and on
+/// other programs working on the same file.
 class TstPackageEditing : public QObject
 {
     Q_OBJECT
@@ -155,11 +155,11 @@ void TstPackageEditing::an_edit_needs_no_room_for_a_copy()
                 .file("large", noise(MiB), PackageBuilder::Stored)
                 .record("show", "before")
                 .write(info.strFilePath));
-    // In a namespace of its own, a process may mount what it likes.
+    // A process may mount file systems in its own namespace.
     const QString script =
         "mkdir \"$1/small\" && mount -t tmpfs -o size=1100k none \"$1/small\" &&"
         "cp \"$1/show.corvelpro\" \"$1/small\" && cd \"$1/small\" || exit 77\n"
-        // Two blocks are left.
+        // Two blocks are free.
         "dd if=/dev/zero of=filler bs=4096 count=$(($(stat -f -c %a .) - 2)) 2>/dev/null || exit 77\n"
         "\"$0\" --edit \"$1/small/show.corvelpro\" after 1 || exit 1\n"
         "test \"$(ls -A)\" = \"filler\nshow.corvelpro\" || exit 2\n"
@@ -188,7 +188,7 @@ void TstPackageEditing::edit_works_in_a_read_only_folder()
 void TstPackageEditing::replaced_package_gets_its_own_checksum()
 {
     EngineerPacketInfo listed = package("show.corvelpro");
-    // Another program replaces it by one whose first bytes differ, and its checksum with them.
+    // Another program replaces it with one whose first bytes, and so its checksum, differ.
     QVERIFY(
         PackageBuilder().file("a.txt", "text").claimVersionNeeded(10).record("other", "b").write(listed.strFilePath));
     const QString before = listed.strChecksum;
@@ -206,7 +206,7 @@ void TstPackageEditing::archive_ending_just_past_a_chunk_stays_valid_data()
         QTest::newRow(qPrintable(QStringLiteral("%1 bytes").arg(behind))) << behind;
 }
 
-// The last chunk is part of the end record then, and may reach the comment's length, which the edit changes.
+// Then the end record is part of the last chunk and may reach the comment's length, which the edit changes.
 void TstPackageEditing::archive_ending_just_past_a_chunk_stays_valid()
 {
     QFETCH(int, behind);
@@ -297,7 +297,7 @@ void TstPackageEditing::a_deleted_package_never_comes_back()
                 info.strComment = QString(edit % 7, 'x');
         }));
         editor->start();
-        // Somewhere in an edit, another place in each round.
+        // At a random point of an edit, different in each round.
         for (int pause = 0; pause < round % 20; ++pause)
             readFile(info.strFilePath);
         QVERIFY(QFile::remove(path("show.corvelpro")));
@@ -353,13 +353,13 @@ void TstPackageEditing::two_simultaneous_edits_leave_one_record()
 
 namespace {
 
-/// Another program that edits: a package, a comment, how often.
+/// Another program that edits a package: path, comment, repetitions.
 int editAndExit(const QStringList &arguments)
 {
     EngineerPacketInfo info;
     info.strFilePath = arguments.value(2);
     info.strComment = arguments.value(3);
-    // Refused is an edit that finds another one at it for too long, as in a race of hundreds it may.
+    // An edit may be refused if another one blocks it for too long, which happens in a race of hundreds.
     int done = 0;
     for (int round = 0; round < arguments.value(4).toInt(); ++round)
         done += ZipPackageHandle::setEngineerInfo(info) ? 1 : 0;

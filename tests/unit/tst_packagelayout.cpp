@@ -121,7 +121,7 @@ void TstPackageLayout::invalid_utf8_bytes_are_percent_escaped()
 
 void TstPackageLayout::two_names_never_become_one()
 {
-    // What escapes are made of, what must be escaped, and what may stay.
+    // The characters of escapes, characters to be escaped, and characters to keep.
     const QByteArrayList pieces{"%",        "F",    "0",        "E",    "EF", "\xFF", "\xFE", "\xC3",
                                 "\xC3\xA4", "\xA4", "\xEF\xBB", "\xBF", "/",  "%FF",  "%%",   "a"};
     QRandomGenerator random(8);
@@ -137,7 +137,7 @@ void TstPackageLayout::two_names_never_become_one()
         const QStringList texts = PackageLayout::namesOf(given);
         QCOMPARE(texts.size(), given.size());
         for (int index = 0; index < given.size(); ++index) {
-            // On its way to the disk none is changed any more.
+            // On the way to the disk none is changed again.
             QCOMPARE(QString::fromUtf8(texts.at(index).toUtf8()), texts.at(index));
             const bool isPlain = QString::fromUtf8(given.at(index)).toUtf8() == given.at(index) &&
                                  !given.at(index).contains("\xEF\xBB\xBF");

@@ -21,13 +21,13 @@ using TestSupport::PackageBuilder;
 
 namespace {
 
-/// How much room the disk claims to have; -1 for the truth.
+/// The disk's reported free space; -1 for the real one.
 qint64 s_freeBytes = -1;
 
 } // namespace
 
-// Stands before the C library's, which the C++ library asks. The name is given as such, since with large files the
-// header means another one.
+// Hooks the C library's function used by the C++ library. Given by its symbol, since with large file support the header
+// maps it to another one.
 extern "C" Q_DECL_EXPORT int claimedSpace(const char *path, struct statvfs *status) noexcept __asm__("statvfs");
 int claimedSpace(const char *path, struct statvfs *status) noexcept
 {
@@ -162,7 +162,7 @@ void TstPackageReader::a_comment_ends_at_its_first_zero_byte()
     if (!isReadable)
         archive.replace("PK\1\2", "none");
     QVERIFY(writeFile(m_package, archive));
-    // Where it is left to chance, it changes from one time to the next.
+    // If the choice is left to chance, it varies from run to run.
     for (int time = 0; time < 10; ++time)
         QCOMPARE(PackageReader(m_package).archiveComment(), QStringLiteral("first"));
 }
@@ -347,7 +347,7 @@ void TstPackageReader::the_longest_name_is_listed_whole()
 void TstPackageReader::entry_list_broken_halfway_counts_as_empty()
 {
     QByteArray package = PackageBuilder().file("a.txt", "a").file("b.txt", "b").file("c.txt", "c").build();
-    // The signature of the second of three headers in the archive's directory.
+    // The signature of the second of three central directory headers.
     const QByteArray signature("PK\x01\x02");
     package[package.indexOf(signature, package.indexOf(signature) + 1)] = 'X';
     QVERIFY(writeFile(m_package, package));
@@ -528,7 +528,7 @@ void TstPackageReader::a_destination_through_a_link_is_refused()
     QCOMPARE(reader.extractFile("BKG/new/", destination("BKG/new/")), QString());
     QCOMPARE(contents(outside), QStringList{"sub"});
 
-    // The same one level further down.
+    // The same one level deeper.
     QVERIFY(QFile::remove(destination("BKG")));
     QVERIFY(QDir().mkpath(destination("BKG")));
     QVERIFY(QFile::link(outside, destination("BKG/sub")));
@@ -622,7 +622,7 @@ void TstPackageReader::a_full_disk_leaves_the_previous_file()
         QCOMPARE(readFile(destination("x.png")), QByteArray("previous"));
         QCOMPARE(contents(m_out), QStringList{"x.png"});
     }
-    // The archive is still good for the next try.
+    // The archive is still usable for the next attempt.
     QVERIFY(!reader.extractFile("x.png", destination("x.png")).isEmpty());
     QCOMPARE(QFileInfo(destination("x.png")).size(), 500000);
 }
@@ -671,7 +671,7 @@ void TstPackageReader::a_description_above_its_limit_is_refused()
 
 void TstPackageReader::content_above_the_claimed_size_is_refused()
 {
-    // What counts is what comes out, not what the archive says.
+    // The actual size counts, not the one in the archive.
     write(PackageBuilder().file("b.json", QByteArray(int(64 * MiB) + 1, ' ')).claimSize(10));
     QCOMPARE(PackageReader(m_package).extractFile("b.json", destination("b.json")), QString());
     QCOMPARE(contents(m_out), QStringList());

@@ -18,12 +18,12 @@ using namespace ProjectFileCfg::Internal;
 
 namespace {
 
-/// Called when somebody asked in vain for a lock to read, before he hears of it. On the thread that tests alone.
+/// Called when a read lock was refused, before the caller learns of it. On the test's thread only.
 std::function<void()> s_onRefusedReader;
 
 } // namespace
 
-// Stands before the C library's.
+// Hooks the C library's function.
 extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
 {
     static const auto original = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "flock"));
@@ -45,8 +45,8 @@ private slots:
     void cleanup();
 
     void a_copy_holds_what_the_package_held();
-    void a_copy_waits_for_the_edit_of_another_program();
-    void a_writer_that_never_ends_is_not_waited_for();
+    void a_copy_waits_for_a_running_edit();
+    void waiting_for_a_writer_is_bounded();
     void the_package_can_be_edited_after_the_copy();
 
 private:
@@ -82,7 +82,7 @@ void TstPackageSnapshot::a_copy_holds_what_the_package_held()
     QCOMPARE(copied(), noise(3 * MiB));
 }
 
-void TstPackageSnapshot::a_copy_waits_for_the_edit_of_another_program()
+void TstPackageSnapshot::a_copy_waits_for_a_running_edit()
 {
     const QByteArray before = noise(100000) + "old end";
     const QByteArray after = noise(100000) + "the new end, which is longer";
@@ -101,7 +101,7 @@ void TstPackageSnapshot::a_copy_waits_for_the_edit_of_another_program()
     QCOMPARE(copied(), after);
 }
 
-void TstPackageSnapshot::a_writer_that_never_ends_is_not_waited_for()
+void TstPackageSnapshot::waiting_for_a_writer_is_bounded()
 {
     QVERIFY(writeFile(path("show.corvelpro"), noise(100000)));
     QFile writer(path("show.corvelpro"));

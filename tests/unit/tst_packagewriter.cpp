@@ -70,9 +70,9 @@ private slots:
 
 private:
     bool pack();
-    /// The archive under a name that packages have.
+    /// The archive under a package's name.
     QString renamedAsPackage() const;
-    /// Packs so that without padding the archive would be that much longer than a chunk.
+    /// Packs such that without padding the archive would exceed a chunk by that much.
     void packWithExcess(qint64 excess);
 
     QScopedPointer<QTemporaryDir> m_temp;
@@ -110,7 +110,7 @@ QString TstPackageWriter::renamedAsPackage() const
 
 void TstPackageWriter::packWithExcess(qint64 excess)
 {
-    // Pictures are stored, so each byte of the picture is one of the archive.
+    // Pictures are stored, so each byte of the picture is a byte of the archive.
     QVERIFY(writeFile(m_dir + "/first.txt", "the entry that takes the padding"));
     QVERIFY(writeFile(m_dir + "/picture.png", noise(1000)));
     QVERIFY(pack());
@@ -135,7 +135,7 @@ void TstPackageWriter::names_and_order_match_compress_dir()
 
 void TstPackageWriter::leading_bytes_are_those_of_compressing_the_directory()
 {
-    // The first entry decides: once a folder, once a stored picture, once a deflated file.
+    // The first entry matters: a folder, a stored picture, a deflated file.
     for (const char *first : {"folder/a.txt", "a.png", "a.txt"}) {
         QVERIFY(QDir(m_dir).removeRecursively());
         QVERIFY(writeFile(m_dir + '/' + first, noise(1000)));
@@ -224,7 +224,7 @@ void TstPackageWriter::times_after_2107_are_clamped_to_2107()
 
 void TstPackageWriter::only_non_ascii_names_are_flagged_as_utf8()
 {
-    // To either side of where plain characters end.
+    // On either side of the end of the ASCII range.
     for (const QString &name : {QString("plain~\x7F.txt"), QString("first\u0080.txt"), QString("\u00E4.txt")})
         QVERIFY(writeFile(m_dir + '/' + name, "x"));
     QVERIFY(pack());
@@ -406,7 +406,7 @@ void TstPackageWriter::more_than_65534_entries_are_refused()
         return file.open(QIODevice::WriteOnly);
     };
     QVERIFY(QDir().mkpath(m_dir + "/files"));
-    // The folder is an entry as well.
+    // The folder is an entry, too.
     for (int i = 0; i < 65533; ++i)
         QVERIFY(add(i));
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
@@ -416,7 +416,7 @@ void TstPackageWriter::more_than_65534_entries_are_refused()
 
 void TstPackageWriter::pictures_above_4_gib_together_are_refused_early()
 {
-    // Headers, twice the names, and the record that ends an archive.
+    // Headers, twice the names, and the end record.
     constexpr qint64 besides = 22 + 16 * (76 + 2 * 8);
     constexpr qint64 largest = 256 * MiB;
     constexpr qint64 last = 0xFFFFFFFELL - besides - 15 * largest;
@@ -430,7 +430,7 @@ void TstPackageWriter::pictures_above_4_gib_together_are_refused_early()
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(pictures.last()->resize(pictures.last()->size() + 1));
     QVERIFY(!PackageWriter(m_dir, m_archive).scan());
-    // What is deflated may well become small enough.
+    // Deflating may make it small enough.
     QVERIFY(pictures.last()->rename(m_dir + "/15_0.bin"));
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     qDeleteAll(pictures);
@@ -461,7 +461,7 @@ void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
 
 void TstPackageWriter::overlong_names_are_refused()
 {
-    // The names of a long branch, all of it again for each of its leaves.
+    // The names of a long branch, repeated for each of its leaves.
     QString branch = m_dir;
     for (int level = 0; level < 12; ++level)
         branch += '/' + QString(250, 'd');
@@ -484,8 +484,8 @@ void TstPackageWriter::a_full_disk_makes_writing_fail()
     QVERIFY(writeFile(m_dir + "/BKG/BKG_2.png", noise(1500000)));
     QVERIFY(pack());
     const qint64 size = QFileInfo(m_archive).size();
-    // Wherever in the archive the disk becomes full: in a small entry, in one that is written in several blocks, in the
-    // central directory, at its last byte.
+    // Wherever in the archive the disk becomes full: in a small entry, in one written in several blocks, in the central
+    // directory, at the last byte.
     for (qint64 limit : {qint64(0), qint64(100), qint64(300000), size / 2, size - 300, size - 23, size - 1}) {
         const FullDisk disk(limit);
         QVERIFY2(!pack(), qPrintable(QString::number(limit)));

@@ -11,7 +11,7 @@ using namespace TestSupport;
 using ProjectFileCfg::Internal::PictureReader;
 using TestData::PngMaker;
 
-/// What is read and what is not; tests/data has the pictures that were made to do harm.
+/// Which pictures are read; tests/data has the malicious ones.
 class TstPictureReader : public QObject
 {
     Q_OBJECT
@@ -75,7 +75,7 @@ void TstPictureReader::pixels_above_the_limit_are_not_read_data()
     QTest::addColumn<int>("depth");
     QTest::addColumn<int>("height");
     QTest::addColumn<bool>("isRead");
-    // 192 MiB, of which each pixel takes the bits that it is read with and the 32 that it becomes.
+    // 192 MiB: each pixel takes the bits it is read with plus the 32 it is converted to.
     QTest::newRow("8 bits, at the limit") << 8 << 39321 << true;
     QTest::newRow("8 bits, above") << 8 << 39322 << false;
     QTest::newRow("16 bits, at the limit") << 16 << 32768 << true;
@@ -127,7 +127,7 @@ void TstPictureReader::texts_are_counted()
         QCOMPARE(reader.size(), isRead ? QSize(16, 9) : QSize());
         QCOMPARE(reader.read().isNull(), !isRead);
     }
-    // What follows the end of a picture is no part of it.
+    // Data after the end of a picture is not part of it.
     QCOMPARE(PictureReader(write(png + chunks)).size(), QSize(16, 9));
 }
 

@@ -98,7 +98,7 @@ void TstPictureWriter::later_picture_for_one_path_wins()
 
 void TstPictureWriter::at_most_cores_plus_two_pictures_are_held()
 {
-    // Each picture counts itself while its pixels are held.
+    // Each picture is counted while its pixels are in memory.
     static std::atomic<int> held;
     held = 0;
     int most = 0;
@@ -118,7 +118,7 @@ void TstPictureWriter::at_most_cores_plus_two_pictures_are_held()
 
 void TstPictureWriter::pictures_under_way_stay_within_the_budget_data()
 {
-    // In pictures of 4,000 bytes; how many are under way then.
+    // In pictures of 4,000 bytes; the number then in progress.
     QTest::addColumn<double>("budget");
     QTest::addColumn<int>("expected");
     QTest::newRow("less than one picture") << 0.5 << 1;
@@ -135,11 +135,11 @@ void TstPictureWriter::pictures_under_way_stay_within_the_budget()
     constexpr int threads = 8;
     constexpr int count = 60;
     constexpr qint64 pictureBytes = 4000;
-    // Each picture counts its bytes while its pixels are held.
+    // Each picture's bytes are counted while its pixels are in memory.
     static std::atomic<qint64> held;
     held = 0;
     qint64 most = 0;
-    // No picture is done before its owner has fetched as many as may be there beside it.
+    // No picture is finished before its owner has fetched as many as may be in memory at the same time.
     QSemaphore mayEnd[count];
     std::atomic<int> encoded{0};
     const auto pictures = std::make_shared<EncodedPictures>(0, [&](const QImage &picture) {

@@ -103,7 +103,7 @@ void TstProjectFileCfgMode::state_icons_are_normal_hover_pressed()
     QCOMPARE(pixels(icons.at(0).second), themePixels("project_normal"));
     QCOMPARE(pixels(icons.at(1).second), themePixels("project_hover_normal"));
     QCOMPARE(pixels(icons.at(2).second), themePixels("projecte_pressed_normal"));
-    // Else the comparisons above could not tell them apart.
+    // Otherwise the comparisons above could not tell them apart.
     QVERIFY(themePixels("project_normal") != themePixels("project_hover_normal"));
     QVERIFY(themePixels("project_normal") != themePixels("projecte_pressed_normal"));
     QVERIFY(themePixels("project_hover_normal") != themePixels("projecte_pressed_normal"));
@@ -114,7 +114,7 @@ void TstProjectFileCfgMode::is_a_settings_mode_without_tool_bar()
     const ProjectFileCfgMode mode(nullptr);
     QVERIFY(!mode.toolBar());
     QVERIFY(mode.isSettingMode());
-    // What it does not override is the host's.
+    // Anything not overridden is the host's.
     QCOMPARE(mode.hasNavigationBar(), mode.Core::IMode::hasNavigationBar());
     QCOMPARE(mode.hasDeviceToolBar(), mode.Core::IMode::hasDeviceToolBar());
 }

@@ -39,7 +39,7 @@ private slots:
 
     void earlier_scan_never_replaces_a_later_list();
     void scans_that_end_in_order_replace_each_other();
-    void a_running_scan_leaves_a_list_that_was_changed();
+    void a_scan_never_overwrites_a_newer_list();
     void a_change_tells_whether_scans_are_running_data();
     void a_change_tells_whether_scans_are_running();
     void parallel_scans_leave_the_last_ones_list();
@@ -60,7 +60,7 @@ private slots:
     void only_young_invalid_files_ask_for_another_scan();
 
 private:
-    /// Writes a valid package whose file was changed `age` seconds ago.
+    /// Writes a valid package last modified `age` seconds ago.
     bool addPackage(const QString &fileName, const QString &comment, int age = 0);
     void scan() { m_list->scanProjectFiles(m_path, m_list->beginScan()); }
     QStringList names() const;
@@ -147,7 +147,7 @@ void TstProjectList::packages_of_one_time_are_listed_by_name()
     QVERIFY(addPackage("newer.corvelpro", QString(), 59));
     scan();
     QCOMPARE(names(), QStringList("newer") + byName + QStringList("older"));
-    // As the system's own list of files by time has it.
+    // The order of the system's own listing by time.
     QStringList expected;
     for (const QFileInfo &file : QDir(m_path).entryInfoList(QDir::Files, QDir::Time))
         expected.append(file.baseName());
@@ -176,7 +176,7 @@ void TstProjectList::a_known_package_is_not_read_again()
     QVERIFY(addPackage("A.corvelpro", "after"));
     scan();
     QCOMPARE(comments(), QStringList{"before"});
-    // Not even a broken one is noticed.
+    // Even a broken one is not noticed.
     QVERIFY(writeFile(m_path + "A.corvelpro", "no package"));
     scan();
     QCOMPARE(comments(), QStringList{"before"});
@@ -295,7 +295,7 @@ void TstProjectList::scans_that_end_in_order_replace_each_other()
     QCOMPARE(names(), QStringList({"B", "A"}));
 }
 
-void TstProjectList::a_running_scan_leaves_a_list_that_was_changed()
+void TstProjectList::a_scan_never_overwrites_a_newer_list()
 {
     QVERIFY(addPackage("A.corvelpro", "a"));
     scan();
@@ -514,10 +514,10 @@ void TstProjectList::only_young_invalid_files_ask_for_another_scan()
     };
     QVERIFY(setAge(3600));
     QCOMPARE(next(), -1);
-    // Nine seconds in the future stay young for long enough, whatever else the machine does.
+    // Nine seconds in the future stays recent long enough, even on a slow machine.
     QVERIFY(setAge(-9));
     QVERIFY(next() > 0);
-    // One at rest beside it does not hide it.
+    // A file at rest next to it does not hide it.
     QVERIFY(writeFile(m_path + "C.corvelpro", "no package"));
     QVERIFY(next() > 0);
     QVERIFY(addPackage("B.corvelpro", "complete"));

@@ -22,10 +22,10 @@ using namespace TestSupport;
 
 namespace {
 
-/// How often each package and each fragment was opened to read it. On the thread that tests alone.
+/// How often each package and each fragment was opened for reading. On the test's thread only.
 QHash<QByteArray, int> s_opened;
 
-/// How often anything was read, and whether seeking fails. On the thread that tests alone.
+/// The number of reads, and whether seeking fails. On the test's thread only.
 int s_reads = 0;
 bool s_seekFails = false;
 
@@ -40,7 +40,7 @@ extern "C" Q_DECL_EXPORT ssize_t read(int handle, void *bytes, size_t count)
 
 namespace {
 
-// The same function, which the headers choose between.
+// The same function: the headers select one.
 off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
 {
     static const auto original = reinterpret_cast<off64_t (*)(int, off64_t, int)>(dlsym(RTLD_NEXT, "lseek64"));
@@ -62,7 +62,7 @@ extern "C" Q_DECL_EXPORT off64_t lseek64(int handle, off64_t offset, int whence)
     return seekUnlessItFails(handle, offset, whence);
 }
 
-/// Lets the writing itself be called, which QIODevice refuses before.
+/// Exposes writeData(), which QIODevice::write() never reaches on a read-only device.
 class WritablePackageFile : public ReadCacheDevice
 {
 public:
@@ -210,7 +210,7 @@ void TstReadCacheDevice::unreadable_file_is_not_opened()
     QVERIFY(!ReadCacheDevice(path("missing")).open(QIODevice::ReadOnly));
     QVERIFY(!ReadCacheDevice(m_dir->path()).open(QIODevice::ReadOnly));
     QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
-    // Nobody writes to it: opening it would not return.
+    // It has no writer: opening it would block.
     QVERIFY(!ReadCacheDevice(path("pipe")).open(QIODevice::ReadOnly));
 }
 
@@ -229,7 +229,7 @@ void TstReadCacheDevice::a_scan_opens_each_package_once()
     for (const QString &package : expected)
         QCOMPARE(s_opened.value(QFile::encodeName(package)), 1);
 
-    // Of what is known already, not even the beginning is looked at.
+    // Not even the beginning of a known file is read.
     s_opened.clear();
     list.scanProjectFiles(m_dir->path(), list.beginScan());
     QCOMPARE(list.listProjects.size(), 5);

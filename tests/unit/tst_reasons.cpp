@@ -29,11 +29,11 @@ using TestSupport::PackageBuilder;
 using TestSupport::pngOf;
 using TestSupport::WarningGuard;
 
-/// Prepares a failure in the test's folder.
+/// Sets up a failure in the test's folder.
 using Preparation = std::function<void(const QString &folder)>;
 Q_DECLARE_METATYPE(Preparation)
 
-/// Each failure tells the path and the cause.
+/// Every failure reports its path and cause.
 class TstReasons : public QObject
 {
     Q_OBJECT
@@ -59,13 +59,13 @@ private slots:
     void a_picture_that_is_not_read_says_why();
     void success_leaves_the_reason_alone();
     void nothing_is_logged_below_the_jobs();
-    void a_scan_logs_once_why_a_package_is_not_listed();
+    void a_scan_logs_once_why_it_skips_a_file();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
     /// Saves the folder "device" as "projects/show.corvelpro".
     bool save(const FileSystem::FileIdentity &previous, QString *reason);
-    /// Complains unless the text contains both.
+    /// Returns a complaint unless the text contains both.
     static QString missingIn(const QString &reason, const QString &path, const QString &cause);
 
     QScopedPointer<QTemporaryDir> m_temp;
@@ -110,7 +110,7 @@ void TstReasons::a_failed_save_says_why_data()
         [](const QString &folder) { QFile::link("/etc/hostname", folder + "/device/link"); });
     row("a link that leads back", "/device/BKG/back", "leads back",
         [](const QString &folder) { QFile::link(folder + "/device", folder + "/device/BKG/back"); });
-    row("a pipe", "/device/pipe", "no plain file",
+    row("a pipe", "/device/pipe", "not a plain file",
         [](const QString &folder) { ::mkfifo(QFile::encodeName(folder + "/device/pipe").constData(), 0600); });
     row("a folder named like a picture", "/device/x.png", "no reader accepts a folder of this name",
         [](const QString &folder) { QDir().mkpath(folder + "/device/x.png"); });
@@ -132,9 +132,9 @@ void TstReasons::a_failed_save_says_why_data()
     });
     row("a description that is too large", "/device", "192.168.0.10.json",
         [](const QString &folder) { QVERIFY(QFile::resize(folder + "/device/192.168.0.10.json", 17 * MiB)); });
-    row("a preset that was taken away", "Preset/1.RPst", "was taken out of",
+    row("a preset that was taken away", "Preset/1.RPst", "was removed from",
         [](const QString &folder) { QFile::remove(folder + "/device/Preset/1.RPst"); });
-    row("another file in its place", "/projects/show.corvelpro", "another file has come", [](const QString &folder) {
+    row("another file in its place", "/projects/show.corvelpro", "another file is at", [](const QString &folder) {
         QFile::remove(folder + "/projects/show.corvelpro");
         writeFile(folder + "/projects/show.corvelpro", "came meanwhile");
     });
@@ -169,7 +169,7 @@ void TstReasons::a_save_without_room_says_so()
         isSaved = save(previous, &reason);
     }
     QVERIFY(!isSaved);
-    QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only a part could be written"), QString());
+    QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only part of it was written"), QString());
 }
 
 void TstReasons::an_invalid_package_says_why_data()
@@ -182,17 +182,17 @@ void TstReasons::an_invalid_package_says_why_data()
                             << cause;
     };
     const PackageBuilder good = PackageBuilder().file("a.json", "{}");
-    row("a text", "no zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
-    row("an empty file", "no zip archive", [](const QString &file) { QVERIFY(writeFile(file, "")); });
-    row("a cut archive", "no zip archive", [good](const QString &file) {
+    row("a text", "not a zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
+    row("an empty file", "not a zip archive", [](const QString &file) { QVERIFY(writeFile(file, "")); });
+    row("a cut archive", "not a zip archive", [good](const QString &file) {
         const QByteArray whole = PackageBuilder(good).record("show", "x").build();
         QVERIFY(writeFile(file, whole.left(whole.size() / 3)));
     });
-    row("a folder", "no plain file", [](const QString &file) { QVERIFY(QDir().mkpath(file)); });
-    row("a pipe", "no plain file",
+    row("a folder", "not a plain file", [](const QString &file) { QVERIFY(QDir().mkpath(file)); });
+    row("a pipe", "not a plain file",
         [](const QString &file) { QVERIFY(::mkfifo(QFile::encodeName(file).constData(), 0600) == 0); });
-    row("no comment", "no info record", [good](const QString &file) { QVERIFY(good.write(file)); });
-    row("two keys", "no info record", [good](const QString &file) {
+    row("no comment", "not an info record", [good](const QString &file) { QVERIFY(good.write(file)); });
+    row("two keys", "not an info record", [good](const QString &file) {
         QVERIFY(PackageBuilder(good).archiveComment(R"({"Checksum": "x", "comment": "y"})").write(file));
     });
     row("another checksum", "its record says \"0123\"", [good](const QString &file) {
@@ -228,10 +228,10 @@ void TstReasons::a_failed_edit_says_why_data()
                             << cause;
     };
     row("gone", "No such file or directory", [](const QString &file) { QVERIFY(QFile::remove(file)); });
-    row("a pipe", "no plain file", [](const QString &file) {
+    row("a pipe", "not a plain file", [](const QString &file) {
         QVERIFY(QFile::remove(file) && ::mkfifo(QFile::encodeName(file).constData(), 0600) == 0);
     });
-    row("no archive", "no zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
+    row("no archive", "not a zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
     row("bytes behind the comment", "something follows its comment", [](const QString &file) {
         QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").trailingBytes("more").write(file));
     });
@@ -280,11 +280,11 @@ void TstReasons::a_failed_copy_says_why_data()
     QTest::newRow("a folder") << "folder"
                               << "copy"
                               << "folder"
-                              << "no plain file";
+                              << "not a plain file";
     QTest::newRow("the name is taken") << "source"
                                        << "taken"
                                        << "taken"
-                                       << "exists already";
+                                       << "already exists";
     QTest::newRow("the stick is gone") << "source"
                                        << "stick/copy"
                                        << "stick/copy"
@@ -293,10 +293,10 @@ void TstReasons::a_failed_copy_says_why_data()
                                                   << "taken/copy"
                                                   << "taken/copy"
                                                   << "Not a directory";
-    QTest::newRow("no room") << "source"
-                             << "copy"
-                             << "copy"
-                             << "only a part could be written";
+    QTest::newRow("disk full") << "source"
+                               << "copy"
+                               << "copy"
+                               << "only part of it was written";
 }
 
 void TstReasons::a_failed_copy_says_why()
@@ -312,7 +312,7 @@ void TstReasons::a_failed_copy_says_why()
     bool isCopied = false;
     {
         // Not longer: the test's own log may be a file.
-        const FullDisk disk(cause.startsWith("only a part") ? 1000 : 10 * MiB);
+        const FullDisk disk(cause.startsWith("only part") ? 1000 : 10 * MiB);
         isCopied = copyToFreeName(path(source), path(target), &reason);
     }
     QVERIFY(!isCopied);
@@ -331,7 +331,7 @@ void TstReasons::an_entry_that_is_not_extracted_says_why_data()
     QTest::newRow("leads out") << "../out"
                                << "lead out of the folder";
     QTest::newRow("in the way") << "bkg"
-                                << "in the way of later packages";
+                                << "it would block later packages";
     QTest::newRow("wrong CRC") << "damaged"
                                << "its CRC is wrong";
     QTest::newRow("shorter than it says") << "short"
@@ -401,7 +401,7 @@ void TstReasons::a_package_that_is_not_copied_says_why()
         outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()}, &reason);
     }
     QCOMPARE(outcome, PackageSnapshot::Outcome::NoRoom);
-    QCOMPARE(missingIn(reason, path("show.corvelpro"), "only a part could be written"), QString());
+    QCOMPARE(missingIn(reason, path("show.corvelpro"), "only part of it was written"), QString());
 }
 
 void TstReasons::a_picture_that_is_not_read_says_why_data()
@@ -411,7 +411,7 @@ void TstReasons::a_picture_that_is_not_read_says_why_data()
 
     const QByteArray whole = pngOf(noisePicture({40, 40}, 1));
     const QByteArray pixels = PngMaker::pixels(QByteArray(100, '\0'));
-    QTest::newRow("a text") << QByteArray("text") << "is no PNG";
+    QTest::newRow("a text") << QByteArray("text") << "is not a PNG";
     QTest::newRow("too wide") << PngMaker::signature() + PngMaker::header(1000001, 1) << "too wide";
     QTest::newRow("too many pixels") << PngMaker::signature() + PngMaker::header(900000, 900000) + pixels
                                      << "too much memory";
@@ -463,7 +463,7 @@ void TstReasons::nothing_is_logged_below_the_jobs()
     QCOMPARE(WarningGuard::texts(QtDebugMsg), QStringList());
 }
 
-void TstReasons::a_scan_logs_once_why_a_package_is_not_listed()
+void TstReasons::a_scan_logs_once_why_it_skips_a_file()
 {
     const QString broken = path("broken.corvelpro");
     QVERIFY(writeFile(broken, "text"));
@@ -474,10 +474,10 @@ void TstReasons::a_scan_logs_once_why_a_package_is_not_listed()
         list.scanProjectFiles(m_temp->path() + '/', list.beginScan());
         return WarningGuard::texts(QtDebugMsg);
     };
-    QCOMPARE(logged(), QStringList{"Not listed: " + broken + " is no zip archive, or incomplete"});
+    QCOMPARE(logged(), QStringList{"Not listed: " + broken + " is not a zip archive, or is incomplete"});
     QCOMPARE(logged(), QStringList());
     QVERIFY(PackageBuilder().file("a.json", "{}").write(broken));
-    QCOMPARE(logged(), QStringList{"Not listed: " + broken + ": the archive's comment is no info record"});
+    QCOMPARE(logged(), QStringList{"Not listed: " + broken + ": the archive's comment is not an info record"});
     QCOMPARE(logged(), QStringList());
     QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").write(broken));
     QCOMPARE(logged(), QStringList());

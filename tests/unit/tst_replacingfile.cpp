@@ -15,7 +15,7 @@ using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using TestSupport::PackageBuilder;
 
-/// Files that are replaced, copied and renamed whole or not at all, and what killed processes left of such work.
+/// Replacing, copying and renaming files atomically, and recovery after a kill.
 class TstReplacingFile : public QObject
 {
     Q_OBJECT
@@ -105,7 +105,7 @@ void TstReplacingFile::copy_keeps_content_and_permissions()
 {
     const QByteArray bytes = noise(3 * MiB + 1);
     QVERIFY(writeFile(path("source"), bytes));
-    // As from a medium that cannot be written.
+    // Like from a read-only medium.
     QVERIFY(QFile::setPermissions(path("source"), QFile::ReadOwner | QFile::ReadGroup));
     QVERIFY(copyToFreeName(path("source"), path("copy")));
     QVERIFY(readFile(path("copy")) == bytes);
@@ -129,7 +129,7 @@ void TstReplacingFile::changing_a_copy_leaves_its_source_alone()
     QCOMPARE(readFile(path("target")), "only here" + content.mid(9, 20000 - 9));
 }
 
-/// So much that the disk begins before the end, with numbers at the beginning that are known only then.
+/// Large enough that writing starts before the end, with numbers at the beginning that are known only then.
 void TstReplacingFile::file_written_in_many_steps_is_complete()
 {
     ReplacingFile file(path("target"), ReplacingFile::Durability::FlushedToDisk);
@@ -189,7 +189,7 @@ void TstReplacingFile::copying_a_special_file_fails_at_once()
     const QString source = linked ? path("link") : object;
     QVERIFY(!linked || QFile::link(object, source));
     const QStringList before = contents(m_temp->path());
-    // Who waited at the pipe, or copied the device, would never come back.
+    // Waiting at the pipe, or copying the device, would never end.
     QVERIFY(!copyToFreeName(source, path("copy")));
     QCOMPARE(contents(m_temp->path()), before);
 }

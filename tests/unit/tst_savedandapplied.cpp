@@ -31,7 +31,7 @@ const QString onlineIp = QStringLiteral("10.0.0.1");
 const QString offlineIp = QStringLiteral("10.0.0.2");
 const QString sourceIp = QStringLiteral("10.0.0.9");
 
-/// A tree with these files and folders (whose names end in "/"); names are given as the disk has them.
+/// A tree with these files and folders (names ending in "/"); names in their on-disk encoding.
 using Tree = QVector<QPair<QByteArray, QByteArray>>;
 
 bool makeTree(const QString &dir, const Tree &tree)
@@ -53,7 +53,7 @@ bool makeTree(const QString &dir, const Tree &tree)
     return true;
 }
 
-/// The same tree in an archive that the product has not made, with the folders that lead to its files.
+/// The same tree in an archive not made by the product, with the folders that lead to its files.
 PackageBuilder packageOf(const Tree &tree)
 {
     PackageBuilder package;
@@ -70,7 +70,7 @@ PackageBuilder packageOf(const Tree &tree)
     return package;
 }
 
-/// A device with the first background, of that size.
+/// A device whose first background has that size.
 HardwareState deviceWithBackground(const QSize &size)
 {
     HardwareState state = plainDevice(sourceIp);
@@ -98,7 +98,7 @@ QByteArray descriptionOfParts(int count)
 
 Q_DECLARE_METATYPE(std::function<Tree()>)
 
-/// What is saved can be applied, and what could not be applied is refused when it is saved.
+/// Whatever is saved can be applied; what could not be applied is refused by the save.
 class TstSavedAndApplied : public QObject
 {
     Q_OBJECT
@@ -115,7 +115,7 @@ private slots:
 private:
     void removeTree() const;
     bool save(const Tree &tree);
-    /// All codes of an apply; 0 when it went through.
+    /// Applies the package; returns the result code of the check or the load that ended it.
     int apply(const QString &ip) const;
     bool isExtractedWhole() const;
 
@@ -136,7 +136,7 @@ void TstSavedAndApplied::cleanup()
     removeTree();
 }
 
-/// Also where names are no UTF-8.
+/// Even if names are not UTF-8.
 void TstSavedAndApplied::removeTree() const
 {
     std::filesystem::remove_all(m_dir.toStdString());
@@ -212,7 +212,7 @@ void TstSavedAndApplied::what_a_limit_allows_is_saved_and_applied_data()
             return Tree{{"device.json", descriptionOf(deviceWithBackground(size))}, {entry, png}};
         });
     };
-    // Of one bit per pixel, and 32 as it is wanted, 192 MiB.
+    // One bit per pixel in the file plus 32 as converted: 192 MiB.
     const QSize largest(8192, 5957);
     picture("picture of 192 MiB", true, "BKG/BKG_1.png", largest, QByteArray());
     picture("picture above 192 MiB", false, "BKG/BKG_1.png", largest + QSize(0, 1), QByteArray());
@@ -261,7 +261,7 @@ void TstSavedAndApplied::what_a_limit_allows_is_saved_and_applied()
         QVERIFY(packageOf(made).record("show", QString()).write(m_package));
     const int online = apply(onlineIp);
     const int offline = apply(offlineIp);
-    QCOMPARE(isAllowed, online == 0 && offline == 0);
+    QCOMPARE(isAllowed, online == LoadSuccess && offline == LoadSuccess);
     if (isAllowed)
         QVERIFY(isExtractedWhole());
 }
@@ -295,7 +295,7 @@ void TstSavedAndApplied::random_trees_are_saved_and_extracted_alike()
                 continue;
             taken.insert(path);
             tree.append({path, QByteArray::number(count)});
-            // Of what is on the disk, only these names can be told apart.
+            // Only these names tell the files on the disk apart.
             for (const QByteArray &part : path.split('/'))
                 isListedRight = isListedRight && QFile::encodeName(QFile::decodeName(part)) == part;
         }
@@ -319,21 +319,21 @@ void TstSavedAndApplied::random_trees_are_saved_and_extracted_alike()
 
 void TstSavedAndApplied::presets_with_non_utf8_names_stay_distinct()
 {
-    // The last one is what the others are listed as.
+    // The others are listed under the last one's name.
     const Tree tree{{"Preset/\xFF.RPst", "1"}, {"Preset/\xFE.RPst", "2"}, {"Preset/\xEF\xBF\xBD.RPst", "3"}};
     QVERIFY(!save(tree));
     QVERIFY(!save({tree.at(0)}));
     QVERIFY(save({tree.at(2)}));
-    // A byte order mark is lost on the way.
+    // The conversion drops a byte order mark.
     QVERIFY(!save({{"x", "1"}, {"\xEF\xBB\xBFx", "2"}}));
     QVERIFY(!save({{"\xEF\xBB\xBFx", "2"}}));
 
-    // An archive tells them apart.
+    // An archive distinguishes them.
     CustomSite site({{plainDevice(onlineIp), true}, {plainDevice(offlineIp), false}});
     QVERIFY(packageOf(Tree{{"device.json", descriptionOf(plainDevice(sourceIp))}} + tree)
                 .record("show", QString())
                 .write(m_package));
-    QCOMPARE(apply(offlineIp), 0);
+    QCOMPARE(apply(offlineIp), int(LoadSuccess));
     const QString presets = site.devicePath(offlineIp) + "/Preset/";
     QCOMPARE(readFile(presets + "%FF.RPst"), QByteArray("1"));
     QCOMPARE(readFile(presets + "%FE.RPst"), QByteArray("2"));

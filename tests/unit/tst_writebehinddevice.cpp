@@ -23,7 +23,7 @@ namespace {
 
 constexpr int KiB = 1024;
 
-/// A file that tells how it is written.
+/// A file that records how it is written.
 class ObservedFile : public QFile
 {
 public:
@@ -32,7 +32,7 @@ public:
     qint64 room = std::numeric_limits<qint64>::max();
     int pauseMs = 0;
     std::atomic<qint64> given{0};
-    /// Given and not written, at most.
+    /// The maximum of bytes accepted and not yet written.
     qint64 longestWay = 0;
     std::atomic<int> writers{0};
     bool isWrittenAtOnceByTwo = false;
@@ -59,7 +59,7 @@ private:
     qint64 m_written = 0;
 };
 
-/// A file in memory, which refuses from the byte or the call on that the test chooses.
+/// An in-memory file that fails from a given byte or call on.
 class MemoryFile : public QFile
 {
 public:
@@ -73,7 +73,7 @@ public:
         m_takesPartOfIt = takesPartOfIt;
         m_hesitation = hesitation;
     }
-    /// Nobody is in the way any more, as when another program removes a file.
+    /// The error disappears, as after another program removed a file.
     void takeAgain() { m_writesLeft = std::numeric_limits<int>::max(); }
 
     bool seek(qint64 position) override { return QIODevice::seek(position); }
@@ -110,7 +110,7 @@ private:
     int m_hesitation = 0;
 };
 
-/// One random sequence of everything that can be done to a device, beside the same done to an array of bytes.
+/// A random sequence of all operations on a device, mirrored on a byte array.
 class Sequence
 {
 public:
@@ -125,7 +125,7 @@ public:
         m_device.reset(new WriteBehindDevice(m_file, m_blockSize));
     }
 
-    /// What was wrong; empty when all was as it must be.
+    /// The first difference; empty if there is none.
     QString run()
     {
         for (int step = m_random.bounded(1, 30); step > 0 && m_fault.isEmpty(); --step) {
@@ -411,7 +411,7 @@ void TstWriteBehindDevice::flush_reports_a_full_disk()
     device.write(noise(256 * KiB));
     device.write(noise(256 * KiB) + '!');
     QVERIFY(!device.flush());
-    // It does not become true because there is nothing left to write.
+    // The error stays even if nothing is left to write.
     QVERIFY(!device.flush());
 }
 
@@ -425,7 +425,7 @@ void TstWriteBehindDevice::writing_to_a_full_file_ends()
     int written = 0;
     while (written < 1000 && device.write(portion) > 0)
         ++written;
-    // The second block does not fit; not more than a mebibyte can be on its way behind it.
+    // The second block does not fit; at most a mebibyte can follow it.
     QVERIFY2(written < 4 + 4 + 16, qPrintable(QString::number(written)));
     QVERIFY(!device.flush());
 }
@@ -441,7 +441,7 @@ void TstWriteBehindDevice::a_refused_write_changes_nothing()
         device.write(block);
     const qint64 position = device.pos();
     const qint64 size = device.size();
-    // The library writes again without a seek, a few bytes or much, and steps back to a header.
+    // The library resumes writing without a seek, a few bytes or many, and seeks back to a header.
     for (const QByteArray &portion : {block, QByteArray("PK"), block, block.repeated(5), QByteArray()}) {
         QCOMPARE(device.write(portion), -1);
         QCOMPARE(device.pos(), position);
@@ -471,7 +471,7 @@ void TstWriteBehindDevice::the_zip_library_may_write_after_a_refusal()
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     WriteBehindDevice device(file);
     {
-        // Entry and archive write again when they end.
+        // Finishing entry and archive writes again.
         QuaZip zip(&device);
         zip.setAutoClose(false);
         QVERIFY(zip.open(QuaZip::mdCreate));
@@ -501,7 +501,7 @@ void TstWriteBehindDevice::random_sequences_end_as_in_a_plain_file()
 
 void TstWriteBehindDevice::flush_reports_what_the_file_refused()
 {
-    // Stays in the file's own buffer, and is refused by the system when that is flushed.
+    // Fits into the file's own buffer; the system refuses it on flush.
     QFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly));
     WriteBehindDevice device(file);

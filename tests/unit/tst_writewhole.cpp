@@ -19,7 +19,7 @@ bool s_closeFails = false;
 
 } // namespace
 
-// Stands before the C library's, through which Qt closes files. The file is closed all the same, as with Linux.
+// Hooks the C library's function with which Qt closes files. As on Linux, the file is closed even on failure.
 extern "C" Q_DECL_EXPORT int close(int handle)
 {
     static const auto original = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "close"));
@@ -30,7 +30,7 @@ extern "C" Q_DECL_EXPORT int close(int handle)
     return -1;
 }
 
-/// What of a staged file counts as written.
+/// Which staged files count as written.
 class TstWriteWhole : public QObject
 {
     Q_OBJECT

@@ -20,12 +20,12 @@ using TestSupport::PackageBuilder;
 
 namespace {
 
-/// The checksum step by step as packages have always been given it: whole chunks are read, and each is taken
-/// as a text that ends at its first zero byte.
+/// The checksum step by step, as it was always computed for packages: whole chunks are read, each taken as a string
+/// that ends at its first zero byte.
 QString literalChecksum(const QString &path, qint64 commentBytes)
 {
     constexpr qint64 chunkSize = 0xA00000;
-    // One byte more than a chunk, so that a chunk without a zero byte ends behind its last one.
+    // One byte longer than a chunk: a terminator for a chunk without a zero byte.
     std::unique_ptr<char[]> buffer(new char[chunkSize + 1]);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -232,12 +232,11 @@ void TstZipPackageHandle::save_commits_only_with_every_demanded_entry_data()
     QTest::addColumn<Entries>("entries");
     QTest::addColumn<QString>("missing");
     QTest::newRow("nothing") << Entries() << QString();
-    QTest::newRow("what is there") << Entries{{"BKG/BKG_0.png", 5000}, {"Preset/10.RPst", 0}, {"Preset/1.RPst", 64}}
-                                   << QString();
-    QTest::newRow("what is not there") << Entries{{"BKG/BKG_0.png", 5000}, {"LOGO/LOGO_0.png", 10}}
-                                       << "LOGO/LOGO_0.png";
-    QTest::newRow("what is shorter") << Entries{{"BKG/BKG_0.png", 5001}} << "BKG/BKG_0.png";
-    QTest::newRow("what is longer") << Entries{{"Preset/1.RPst", 63}} << "Preset/1.RPst";
+    QTest::newRow("present, of that size")
+        << Entries{{"BKG/BKG_0.png", 5000}, {"Preset/10.RPst", 0}, {"Preset/1.RPst", 64}} << QString();
+    QTest::newRow("missing") << Entries{{"BKG/BKG_0.png", 5000}, {"LOGO/LOGO_0.png", 10}} << "LOGO/LOGO_0.png";
+    QTest::newRow("smaller") << Entries{{"BKG/BKG_0.png", 5001}} << "BKG/BKG_0.png";
+    QTest::newRow("larger") << Entries{{"Preset/1.RPst", 63}} << "Preset/1.RPst";
 }
 
 void TstZipPackageHandle::save_commits_only_with_every_demanded_entry()
@@ -266,7 +265,7 @@ void TstZipPackageHandle::save_keeps_a_concurrently_created_package()
     QString reason;
     QVERIFY(!ZipPackageHandle::compressEngineerPacket(m_device, info, {{}, nothing}, &reason));
     QCOMPARE(readFile(m_package), QByteArray("came meanwhile"));
-    QVERIFY2(reason.contains("another file has come"), qPrintable(reason));
+    QVERIFY2(reason.contains("another file is at"), qPrintable(reason));
     QCOMPARE(contents(QFileInfo(m_package).absolutePath()).filter(".part"), QStringList());
 }
 
@@ -288,7 +287,7 @@ void TstZipPackageHandle::packing_onto_a_full_disk_changes_nothing()
     EngineerPacketInfo info;
     info.strFilePath = m_package;
     info.strComment = QString(200, 'x');
-    // From nothing to one byte less than is needed: in the entries, the directory, the record.
+    // From nothing to one byte less than needed: in the entries, the directory, the record.
     const qint64 needed = old.size() - QString("20240229_101530Project1").size() + 200;
     for (qint64 limit : {qint64(0), qint64(1000), needed - 300, needed - 250, needed - 1}) {
         {
@@ -315,7 +314,7 @@ void TstZipPackageHandle::a_full_disk_anywhere_keeps_the_old_package()
     constexpr int blockSize = 4096;
     packed();
     const QByteArray old = readFile(m_package);
-    // More than is under way at once.
+    // More than are in progress at once.
     QVERIFY(writeFile(m_device + "/BKG/BKG_5.png", noise(5 * MiB / 4)));
     QVERIFY(writeFile(m_device + "/deflated.bin", noise(MiB / 4)));
     m_folder = m_temp->path() + "/small";
@@ -431,7 +430,7 @@ void TstZipPackageHandle::the_checksum_is_the_literal_one()
     if (content == "noise") {
         bytes = noise(size);
     } else if (content == "late") {
-        // Behind the first, the small and the large reading steps, and as a chunk's last byte.
+        // After the first, the small and the large reading steps, and as a chunk's last byte.
         for (qint64 at : {qint64(4095), PackageChecksum::chunkSize + 4096, 2 * PackageChecksum::chunkSize - 1,
                           2 * PackageChecksum::chunkSize + 3000000}) {
             if (at < size)
@@ -444,7 +443,7 @@ void TstZipPackageHandle::the_checksum_is_the_literal_one()
     QCOMPARE(ZipPackageHandle::calcPacketChecksum(m_package), expected);
     QCOMPARE(QString::fromLatin1(PackageBuilder::checksum(readFile(m_package), record.size())), expected);
 
-    // The same bytes as no zip file: here the first chunk, too, may lack a zero byte.
+    // The same bytes in a file that is no zip: here the first chunk, too, may lack a zero byte.
     const QString raw = m_temp->path() + "/raw";
     QVERIFY(writeFile(raw, bytes));
     QFile file(raw);

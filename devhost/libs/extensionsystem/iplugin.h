@@ -28,7 +28,7 @@ public:
     /// Returns false, with the reason in `errorString`, when the plugin cannot be used.
     virtual bool initialize(const QStringList &arguments, QString *errorString) = 0;
     virtual void extensionsInitialized() = 0;
-    /// Returns true when it did something that took time, so that the manager pauses before the next plugin.
+    /// Returns true if it took long, so that the manager yields to the event loop before the next plugin.
     virtual bool delayedInitialize();
     virtual ShutdownFlag aboutToShutdown();
     virtual QObject *remoteCommand(const QStringList &options, const QString &workingDirectory,
@@ -36,15 +36,14 @@ public:
     virtual QList<QObject *> createTestObjects() const;
 
 protected:
-    /// Loads `path`/`fileBase`_`language`.qm and installs it in place of the translation that this
-    /// plugin had installed for `fileBase` before. Returns false, and leaves the previous one
-    /// withdrawn, when the file cannot be loaded.
+    /// Loads `path`/`fileBase`_`language`.qm and installs it in place of the translation this plugin installed for
+    /// `fileBase` before. If the file cannot be loaded, returns false; the previous translation stays removed.
     virtual bool installTranslator(const QString &path, const QString &fileBase, const QString &language);
 
 public:
     /// Adds an object to the framework's object pool; the pool does not own it.
     void addObject(QObject *object);
-    /// Takes an object out of the pool; an object that is not in it is ignored.
+    /// Removes an object from the pool; unknown objects are ignored.
     void removeObject(QObject *object);
 
 private:

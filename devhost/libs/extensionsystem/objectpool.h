@@ -8,7 +8,7 @@
 namespace HX {
 namespace ExtensionSystem {
 
-/// The objects by which plugins find each other. It owns none of them; user-interface thread only.
+/// The objects through which plugins find each other. Owns none of them; user-interface thread only.
 class HOST_EXTENSIONSYSTEM_EXPORT ObjectPool : public QObject
 {
     Q_OBJECT
@@ -16,15 +16,15 @@ class HOST_EXTENSIONSYSTEM_EXPORT ObjectPool : public QObject
 public:
     static ObjectPool *instance();
 
-    /// Adds `object`; null and an object that is in the pool already are refused with a warning.
+    /// Adds `object`; refuses null and duplicates with a warning.
     void addObject(QObject *object);
-    /// Takes `object` out; one that is not in the pool is ignored.
+    /// Removes `object`; unknown objects are ignored.
     void removeObject(QObject *object);
 
-    /// In the order in which they were added.
+    /// In the order of their addition.
     QList<QObject *> objects() const { return m_objects; }
 
-    /// The objects that are a T, in the order in which they were added.
+    /// The objects of type T in the order of their addition.
     template<typename T>
     QList<T *> objectsOfType() const
     {
@@ -38,8 +38,8 @@ public:
 
 signals:
     void objectAdded(QObject *object);
-    /// Emitted while the object is still in the pool and alive. An object that is deleted without
-    /// being removed leaves the pool with a warning and without this signal.
+    /// Emitted while the object is still in the pool and alive. An object deleted without being removed leaves the pool
+    /// with a warning and without this signal.
     void aboutToRemoveObject(QObject *object);
 
 private:

@@ -14,12 +14,12 @@ namespace ExtensionSystem {
 
 namespace {
 
-/// Lets the window paint and answer between two plugins that did lengthy work.
+/// Lets the window paint and respond after a plugin that took long.
 constexpr int delayBetweenBusyPluginsInMs = 20;
 
 } // namespace
 
-/// The state of one walk through the dependencies.
+/// State of one depth-first walk through the dependencies.
 struct PluginManager::Resolution
 {
     QSet<const PluginSpec *> visited;

@@ -15,41 +15,42 @@ class QTimer;
 namespace HX {
 namespace ExtensionSystem {
 
-/// Finds the plugins of a directory, brings them up in the order of their dependencies and down in reverse.
+/// Finds the plugins of a directory, starts them in dependency order and shuts them down in reverse.
 ///
-/// What goes wrong with a plugin is recorded in its PluginSpec and keeps only that plugin and those that
-/// need it from running. User-interface thread only.
+/// A plugin's errors are recorded in its PluginSpec and disable only that plugin and its dependents. User-interface
+/// thread only.
 class HOST_EXTENSIONSYSTEM_EXPORT PluginManager : public QObject
 {
     Q_OBJECT
 
 public:
     explicit PluginManager(QObject *parent = nullptr);
-    /// Shuts down first if that has not happened.
+    /// Shuts down if that has not happened.
     ~PluginManager() override;
 
     /// Reads the metadata of every library in `directory`, loading none, and resolves the dependencies.
     void setPluginDirectory(const QString &directory);
 
-    /// Every library that was found, sorted by file name.
+    /// All libraries found, sorted by file name.
     QVector<const PluginSpec *> plugins() const;
     /// The plugin of that name, null when there is none.
     const PluginSpec *plugin(const QString &name) const;
-    /// The plugins that can be loaded, each after those that it needs.
+    /// The plugins that can be loaded, each after its dependencies.
     QVector<const PluginSpec *> loadOrder() const;
 
-    /// Loads, initialises and tells each plugin that all are there; `delayedInitialize` follows from the event loop.
+    /// Loads and initialises the plugins, then calls `extensionsInitialized`; `delayedInitialize` follows from the
+    /// event loop.
     void loadPlugins(const QStringList &arguments = QStringList());
-    /// Tells the running plugins, the dependent ones first, and deletes their objects. Safe to call twice.
+    /// Shuts down the running plugins, dependents first, and deletes their objects. Safe to call twice.
     void shutdown();
 
-    /// One line per plugin that has an error.
+    /// One line per plugin with an error.
     QStringList errors() const;
-    /// True when a plugin without which the application cannot be used has an error.
+    /// True if a required plugin has an error.
     bool hasRequiredError() const;
 
 signals:
-    /// Every plugin had its delayedInitialize.
+    /// Every `delayedInitialize` has run.
     void initializationDone();
 
 private:

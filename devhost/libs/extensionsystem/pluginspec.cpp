@@ -15,7 +15,7 @@ namespace {
 
 const QLatin1String pluginInterfaceId("Velmora.CorvelPlugin");
 
-/// The version in the metadata; empty when it is missing or has anything but numbers and dots in it.
+/// The version in the metadata; empty if it is missing or contains anything but numbers and dots.
 QString versionIn(const QJsonObject &object, const QString &key)
 {
     static const QRegularExpression numbersAndDots(QStringLiteral("\\A\\d+(\\.\\d+)*\\z"));
@@ -23,7 +23,7 @@ QString versionIn(const QJsonObject &object, const QString &key)
     return numbersAndDots.match(text).hasMatch() ? text : QString();
 }
 
-/// Below 0 when `a` is the earlier version, 0 when they are the same, else above 0.
+/// Negative if `a` is the earlier version, 0 if they are equal, else positive.
 int compareVersions(const QString &a, const QString &b)
 {
     return QVersionNumber::compare(QVersionNumber::fromString(a), QVersionNumber::fromString(b));
@@ -35,8 +35,7 @@ PluginSpec::PluginSpec(const QString &fileName)
     : m_loader(std::make_unique<QPluginLoader>(fileName))
     , m_name(QFileInfo(fileName).baseName())
 {
-    // Objects of a plugin's types may outlive the plugin object (queued events, registered metatypes), so
-    // that the code stays mapped until the program ends.
+    // Never unloaded: objects of a plugin's types (queued events, registered metatypes) may outlive the plugin object.
     m_loader->setLoadHints(QLibrary::PreventUnloadHint);
     if (readMetaData())
         m_state = Read;

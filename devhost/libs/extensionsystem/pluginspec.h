@@ -15,18 +15,18 @@ namespace ExtensionSystem {
 
 class IPlugin;
 
-/// What a plugin needs of another one: its name and a version that it must provide.
+/// A dependency: another plugin's name and the version it must provide.
 struct HOST_EXTENSIONSYSTEM_EXPORT PluginDependency
 {
     QString name;
     QString version;
 };
 
-/// One plugin library: what its metadata says, how far it got and what stopped it.
+/// One plugin library: its metadata, its state and its error.
 class HOST_EXTENSIONSYSTEM_EXPORT PluginSpec
 {
 public:
-    /// How far the plugin got, in order. A plugin that failed stays in the state that it had reached.
+    /// The plugin's state, in order. A failed plugin stays in the last state it reached.
     enum State { Invalid, Read, Resolved, Loaded, Initialized, Running, Stopped };
 
     /// Reads the library's metadata without loading it; on failure the state is Invalid and the error is set.
@@ -34,12 +34,12 @@ public:
     ~PluginSpec();
 
     QString fileName() const;
-    /// The name in the metadata; the file's base name while that is unknown.
+    /// The name in the metadata; the file's base name until that is read.
     QString name() const;
     /// Numbers separated by dots, as all versions here.
     QString version() const { return m_version; }
     QString compatVersion() const { return m_compatVersion; }
-    /// Whether the application cannot be used without this plugin.
+    /// Whether the application requires this plugin.
     bool isRequired() const { return m_required; }
     QVector<PluginDependency> dependencies() const { return m_dependencies; }
     QJsonObject metaData() const { return m_metaData; }
@@ -49,7 +49,7 @@ public:
 
     State state() const { return m_state; }
     bool hasError() const { return !m_errorString.isEmpty(); }
-    /// Why the plugin cannot be used, for people; empty when nothing went wrong.
+    /// Why the plugin cannot be used, for people; empty if it can.
     QString errorString() const { return m_errorString; }
     /// The plugin object from Loaded to Running, else null.
     IPlugin *plugin() const { return m_plugin; }

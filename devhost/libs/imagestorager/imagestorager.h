@@ -8,7 +8,7 @@
 
 #include <mutex>
 
-/// Stands for a picture as the host's image store hands it out: pixels in the format that was asked for.
+/// Stands for a picture from the host's image store: pixels in the requested format.
 class HOST_IMAGESTORAGER_EXPORT StoredImage
 {
 public:
@@ -29,7 +29,7 @@ class HOST_IMAGESTORAGER_EXPORT ImageStorager
 public:
     static ImageStorager *instance();
 
-    /// The picture in that format; a null picture when the store does not hold the key.
+    /// The picture in that format; a null picture if the store does not hold the key.
     StoredImage load(const QString &imageKey, QImage::Format format) const;
 
     void store(const QString &imageKey, const QImage &image);

@@ -16,7 +16,7 @@ std::vector<Talvik::weak_refrence<Materail>> references(const std::vector<std::s
     return std::vector<Talvik::weak_refrence<Materail>>(materials.begin(), materials.end());
 }
 
-/// A whole number within the limits of T; 0 for anything else.
+/// A whole number within the range of T; 0 for anything else.
 template<typename T>
 T number(const QJsonValue &value)
 {
@@ -26,7 +26,7 @@ T number(const QJsonValue &value)
     return static_cast<T>(wanted);
 }
 
-/// A coordinate or an extent; 0 where the far corner of a rectangle could leave the limits of int.
+/// A coordinate or an extent; 0 if the far corner of a rectangle could overflow int.
 int coordinate(const QJsonValue &value)
 {
     constexpr int limit = std::numeric_limits<int>::max() / 4;
@@ -122,7 +122,7 @@ void append(QJsonArray &array, const std::vector<std::shared_ptr<T>> &objects)
     }
 }
 
-/// The entries of an array that are objects; others cannot be read.
+/// The objects in an array; other entries are skipped.
 QVector<QJsonObject> objects(const QJsonObject &parent, const char *key)
 {
     QVector<QJsonObject> found;

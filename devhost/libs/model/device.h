@@ -31,7 +31,7 @@ struct HOST_MODEL_EXPORT Slot
     int type = 0;
     int pos = 0;
     int modelId = 0;
-    /// What is set up on the card.
+    /// The configuration of the card.
     QJsonObject settings;
 
     int getType() const { return type; }
@@ -65,9 +65,9 @@ class HOST_MODEL_EXPORT Device : public QObject
     Q_OBJECT
 
 public:
-    /// Keys of the maps with which a device is changed.
+    /// Keys of the maps passed to change a device.
     enum ParameterType { DeviceName = 0, DeviceReset = 10 };
-    /// How much of the hardware a reset wipes; values as the hardware's protocol numbers them.
+    /// How much of the hardware a reset wipes; values follow the hardware's protocol.
     enum DevicResetOrder { ResetPresets = 1, ResetMaterials = 2, ResetFactory = 3 };
 
     explicit Device(quint16 id, QObject *parent = nullptr);
@@ -108,8 +108,8 @@ public:
     void clearMaterial();
     void clearPreset();
 
-    /// Reads the form that toJson() writes, into everything but the online flag. Keys that are missing or of
-    /// another type leave empty values; entries of lists that are no objects are passed over.
+    /// Reads the format of toJson() into everything but the online flag. Missing keys and keys of another type leave
+    /// empty values; list entries that are not objects are skipped.
     void fromJson(const QJsonObject &object);
     QJsonObject toJson() const;
 

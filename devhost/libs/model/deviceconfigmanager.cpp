@@ -25,7 +25,7 @@ void DeviceConfigManager::addDeviceConfig(const s_DeviceConfig &config)
 void DeviceConfigManager::clear()
 {
     const std::lock_guard<std::mutex> locker(m_mutex);
-    // The storage stays: somebody may hold a reference to a description.
+    // The storage stays: callers may hold references to a description.
     m_known.clear();
 }
 

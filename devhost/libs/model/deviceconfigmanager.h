@@ -16,9 +16,9 @@ public:
     /// The description of that model, null when there is none. It lives as long as the program.
     const s_DeviceConfig *findDeviceConfigByID(int modelId) const;
 
-    /// Adds a description, which is found in place of an earlier one of the same model.
+    /// Adds a description; it replaces an earlier one of the same model.
     void addDeviceConfig(const s_DeviceConfig &config);
-    /// Forgets all models; descriptions that were handed out stay valid.
+    /// Forgets all models; references already handed out stay valid.
     void clear();
 
 private:

@@ -6,7 +6,7 @@
 
 namespace Model {
 
-/// Everything that a Device knows, as plain values.
+/// The complete contents of a Device as plain values.
 struct HOST_MODEL_EXPORT DeviceData
 {
     int modelId = 0;
@@ -20,7 +20,7 @@ struct HOST_MODEL_EXPORT DeviceData
     QString mac;
     double protocolNumber = 0;
     bool mvrEnabled = false;
-    /// What each place of the multi-viewer shows.
+    /// The source of each multi-viewer position.
     QJsonArray mvrItems;
     QJsonObject settings;
     std::vector<std::shared_ptr<Slot>> cards;
@@ -30,14 +30,14 @@ struct HOST_MODEL_EXPORT DeviceData
     std::vector<std::shared_ptr<Preset>> presets;
 };
 
-/// The host's own way to read and change a Device as a whole. Any thread.
+/// The host's own way to read and write a Device as a whole. Any thread.
 class HOST_MODEL_EXPORT DeviceEditor
 {
 public:
     explicit DeviceEditor(Device &device);
 
     DeviceData data() const;
-    /// Objects of the data are shared with the device and must not be changed afterwards.
+    /// The data's objects are shared with the device and must not be changed afterwards.
     void replace(const DeviceData &data);
     void setOnlineFlag(bool online);
 

@@ -8,7 +8,7 @@
 
 namespace Model {
 
-/// Stands for the host's list of known devices. Any thread, but for construction and destruction.
+/// Stands for the host's list of known devices. Any thread, except for construction and destruction.
 class HOST_MODEL_EXPORT DeviceList : public QObject
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ public:
     DeviceList();
     ~DeviceList() override;
 
-    /// The list that the host made; null before it made one and after it was destroyed.
+    /// The host's list; null before its construction and after its destruction.
     static DeviceList *instance();
 
     std::vector<std::shared_ptr<Device>> getDevices() const;

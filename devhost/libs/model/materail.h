@@ -15,14 +15,14 @@ class HOST_MODEL_EXPORT Materail
 {
 public:
     enum MaterailType { Background = 0, Logo = 1 };
-    /// Keys of the maps with which a material is queried.
+    /// Keys of the maps passed to query a material.
     enum ParameterType { Name = 0, Size = 1, Picture = 2 };
 
     /// `size` is in pixels; `deviceIp` names the device whose hardware holds the picture.
     Materail(MaterailType type, quint8 keyNo, const QString &name, const QSize &size, const QString &deviceIp);
 
     int getType() const { return m_type; }
-    /// The number under which the hardware knows the picture, unique among those of its type.
+    /// The hardware's number of the picture, unique among those of its type.
     quint8 getKeyNo() const { return m_keyNo; }
     QString getName() const { return m_name; }
     QSize size() const { return m_size; }

@@ -20,7 +20,7 @@ void object_brige::setActiveDevice(const std::weak_ptr<Device> &device)
     const std::shared_ptr<Device> wanted = device.lock();
     Simulation::beginOperation(Simulation::Operations::setActiveDevice,
                                {{QStringLiteral("ip"), wanted ? wanted->getIPAddress() : QString()}});
-    // Compared as owners, so that the end of an active device that is gone counts as a change.
+    // Compared by ownership, so that the expiry of the active device counts as a change.
     if (!m_activeDevice.owner_before(device) && !device.owner_before(m_activeDevice))
         return;
     m_activeDevice = device;

@@ -18,7 +18,7 @@ public:
     std::shared_ptr<Device> activeDevice() const;
     void setActiveDevice(const std::weak_ptr<Device> &device);
 
-    /// Forgets the selected screens; with `true` the active screen as well.
+    /// Clears the selected screens; with `true` the active screen as well.
     void clearScreenList(bool withActived);
     void setActivedScreen(const std::shared_ptr<Screen> &screen);
     void appendSelectedScreen(const std::shared_ptr<Screen> &screen);

@@ -24,7 +24,7 @@ bool writeDevice(const Device &device, const QString &configPath)
     if (!file.open(QIODevice::WriteOnly))
         return false;
     const QByteArray description = QJsonDocument(device.toJson()).toJson();
-    // QSaveFile commits an empty file when its buffer could not be written.
+    // QSaveFile commits an empty file if flushing its buffer failed.
     return file.write(description) == description.size() && file.flush() && file.commit();
 }
 

@@ -14,7 +14,7 @@ public:
         : m_object(object)
     {}
 
-    /// The object, null when it is gone or there never was one.
+    /// The object; null if it was deleted or never set.
     std::shared_ptr<T> lock() const { return m_object.lock(); }
     bool expired() const { return m_object.expired(); }
 

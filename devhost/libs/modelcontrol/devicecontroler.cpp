@@ -15,7 +15,7 @@ namespace ModelControl {
 
 namespace {
 
-/// The bytes with which the hardware is told to abandon the sending of a picture.
+/// The bytes that tell the hardware to abandon sending a picture.
 constexpr std::array<unsigned char, 2> abandonPicture{4, 10};
 
 quint64 bytesOf(const std::vector<Talvik::weak_refrence<Model::Materail>> &materials)
@@ -28,7 +28,7 @@ quint64 bytesOf(const std::vector<Talvik::weak_refrence<Model::Materail>> &mater
     return bytes;
 }
 
-/// Adds whether the controller is that of a device in the host's list, or of one beside it with the same address.
+/// Records whether the controller holds the device of the host's list or another object with the same address.
 QVariantMap whose(const std::shared_ptr<Model::Device> &device, QVariantMap arguments)
 {
     const Model::DeviceList *list = Model::DeviceList::instance();

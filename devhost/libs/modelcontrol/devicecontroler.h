@@ -14,27 +14,27 @@ namespace ModelControl {
 
 /// Stands for the host's control of one device (the host's spelling).
 ///
-/// Operations block until the hardware has answered and may be called from any thread. The hardware
-/// is the one at the device's IP address. What can fail returns false.
+/// Operations block until the hardware has answered and may be called from any thread. The hardware is the one at the
+/// device's IP address. Operations that can fail return false.
 class HOST_MODELCONTROL_EXPORT DeviceControler
 {
 public:
     explicit DeviceControler(const std::shared_ptr<Model::Device> &device);
 
-    /// Bytes that the device's pictures of that type need; `replaced` names one that does not count,
-    /// and an empty reference means that all do. With `wholeGallery` pictures that are not in use count too.
+    /// Bytes used by the device's pictures of that type, except the one named by `replaced` (an empty reference
+    /// excludes none). With `wholeGallery` unused pictures count too.
     quint64 calLogoMaterailCapacity(const Talvik::weak_refrence<Model::Materail> &replaced, int materailType,
                                     bool wholeGallery = true) const;
-    /// Bytes in use on the device besides those of calLogoMaterailCapacity.
+    /// Bytes in use on the device apart from those of calLogoMaterailCapacity.
     quint64 usedCapacity() const;
 
     /// Changes settings of the device, or resets it.
     bool updateDeviceInfo(const std::map<Model::Device::ParameterType, std::any> &parameters);
-    /// Reserves the channel to the hardware for one task, or frees it.
+    /// Reserves the channel to the hardware for one task, or releases it.
     void setChannelExclusive(bool exclusive);
-    /// Asks the hardware to abandon the operation that those bytes name.
+    /// Asks the hardware to abandon the operation identified by those bytes.
     void cancelOperator(const std::vector<unsigned char> &command);
-    /// Asks whatever task runs to end early; that task then fails.
+    /// Asks the running task to end early; that task then fails.
     static void cancelCurrentTask();
 
     /// True when the device can switch its multi-viewer (the host's spelling).

@@ -7,24 +7,23 @@
 
 namespace ModelControl {
 
-/// How the controllers reach the hardware, and how its state and the host's model become each other.
+/// How the controllers reach the hardware, and how hardware state and host model are converted into each other.
 namespace HardwareAccess {
 
-/// Begins an operation on the device at that address, whose address it adds to the arguments. Returns
-/// the hardware when the operation can go on, null when it fails; a device that is found to be out of
-/// reach becomes offline in the host's list. `outcome`, if given, receives the reason.
+/// Begins an operation on the device at that address and adds the address to the arguments. Returns the hardware if the
+/// operation can go on, null if it fails; an unreachable device becomes offline in the host's list. `outcome`, if
+/// given, receives the reason.
 std::shared_ptr<Simulation::Hardware> begin(const QString &operation, const QString &ip, QVariantMap arguments,
                                             quint64 bytes = 0, Simulation::Outcome *outcome = nullptr);
 
-/// Makes the model what the hardware holds; logos go into the image store. Materials that did not change
-/// are kept as objects.
+/// Updates the model from the hardware; logos go into the image store. Unchanged materials keep their objects.
 HOST_MODELCONTROL_EXPORT void refreshModel(Model::Device &device, const Simulation::HardwareState &state);
 
-/// Writes the configuration of a model (settings, screens, presets, multi-viewer, and the names of the
-/// pictures that the hardware has) into the state. The identity and the cards stay.
+/// Writes a model's configuration (settings, screens, presets, multi-viewer, and the names of pictures present on the
+/// hardware) into the state. Identity and cards stay.
 void writeConfiguration(const Model::DeviceData &data, Simulation::HardwareState &state);
 
-/// Writes the settings of the cards of `data` to the cards in the same places.
+/// Writes the settings of the cards in `data` to the cards in the same slots.
 void writeCardSettings(const Model::DeviceData &data, Simulation::HardwareState &state);
 
 } // namespace HardwareAccess

@@ -14,7 +14,7 @@ bool MaterialControl::queryMaterailData(const std::map<Model::Materail::Paramete
 {
     if (!m_materail)
         return false;
-    // An empty picture is the place where the pixels are wanted.
+    // An empty picture in the request asks for the pixels.
     const auto entry = request.find(Model::Materail::Picture);
     const QImage *place = entry == request.end() ? nullptr : std::any_cast<QImage>(&entry->second);
     const bool wantsPicture = place && place->isNull();

@@ -15,8 +15,8 @@ class HOST_MODELCONTROL_EXPORT MaterialControl
 public:
     explicit MaterialControl(const std::shared_ptr<Model::Materail> &materail);
 
-    /// Fetches from the hardware what the request names; a picture goes into the image store under the
-    /// material's imageKey(). Blocks until the hardware has answered. Any thread. Returns false on failure.
+    /// Fetches the requested parts from the hardware; a picture goes into the image store under the material's
+    /// imageKey(). Blocks until the hardware has answered. Any thread. Returns false on failure.
     bool queryMaterailData(const std::map<Model::Materail::ParameterType, std::any> &request);
 
 private:

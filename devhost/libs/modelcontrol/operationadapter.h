@@ -15,7 +15,7 @@ enum enum_ErrorCode { ErrorNone = 0, ErrorTimeout = 1, ErrorDisconnected = 2, Er
 
 namespace ControlStruct {
 
-/// Told about progress in percent.
+/// Receives progress in percent.
 using CallBack = std::function<void(int)>;
 /// A callback that does nothing.
 HOST_MODELCONTROL_EXPORT void defaultCallBack(int percent);
@@ -28,8 +28,8 @@ class HOST_MODELCONTROL_EXPORT OperationAdapter
 public:
     static OperationAdapter *instance();
 
-    /// Copies what the hardware holds into the host's model of the device. Logos go into the image store
-    /// with it; backgrounds are fetched one by one with MaterialControl. Blocks until it is done.
+    /// Copies the hardware's state into the host's model of the device, including logos into the image store;
+    /// backgrounds are fetched one by one with MaterialControl. Blocks until done.
     ControlEnum::enum_ErrorCode updateOnlineDevice(const QString &ip, const QString &sn,
                                                    const ControlStruct::CallBack &callBack);
 };

@@ -6,8 +6,8 @@
 namespace Corvel {
 namespace Widgets {
 
-/// Cuts instead of refusing: the line edit takes over what a validator makes of its text, before it
-/// emits a signal, so that nobody ever sees a text beyond the limit.
+/// Cuts instead of rejecting: QLineEdit takes the validator's text before it emits a signal, so no one ever sees a text
+/// beyond the limit.
 class FixedBitLineEditEx::ByteLimit : public QValidator
 {
 public:
@@ -62,7 +62,7 @@ FixedBitLineEditEx::FixedBitLineEditEx(QWidget *parent)
     , m_limit(new ByteLimit(this))
 {
     setValidator(m_limit);
-    // Also emitted when the focus goes, and to this connection first: all others read the name as it stays.
+    // Also emitted on focus loss. Connected first, so that all other receivers see the trimmed name.
     connect(this, &QLineEdit::editingFinished, this, [this] {
         if (text() != text().trimmed())
             setText(text().trimmed());

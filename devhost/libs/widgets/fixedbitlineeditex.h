@@ -9,12 +9,12 @@ namespace Widgets {
 
 /// Stands for the host's line edit for names of files, whose text is limited in bytes of UTF-8 as well.
 ///
-/// Wherever the text comes from, it never holds what a file name cannot have on Windows (< > : " / \\ | ? * and control
-/// characters), half a surrogate pair, or a dot with nothing but blanks before it: these are left out. Text beyond the
-/// limit (64 bytes by default) is cut at whole characters: what was typed or pasted last goes first, so that an edit in
-/// the middle never pushes out the end of the text. When the field is left, or Return pressed, blanks at both ends go.
+/// Whatever the source of the text, it never contains characters that file names cannot have on Windows (< > : " / \\ |
+/// ? * and control characters), half a surrogate pair, or a dot preceded only by blanks: these are dropped. Text beyond
+/// the limit (64 bytes by default) is cut at whole characters: the text just typed or pasted goes first, so an edit in
+/// the middle never pushes out the end. Leaving the field or pressing Return trims blanks at both ends.
 ///
-/// Names that Windows keeps for devices (CON, NUL) pass, since longer ones begin with them; the system refuses them.
+/// Names reserved by Windows (CON, NUL) pass, since longer names begin with them; the file system refuses them.
 class HOST_WIDGETS_EXPORT FixedBitLineEditEx : public QLineEdit
 {
     Q_OBJECT

@@ -24,7 +24,7 @@ FramelessDialog::FramelessDialog(QWidget *parent, Qt::WindowFlags flags)
     : QDialog(parent, flags | Qt::Dialog | Qt::FramelessWindowHint)
     , d(new Private)
 {
-    // A style sheet cannot give a dialog a border, a frame inside it can have one.
+    // A style sheet cannot draw a border around a dialog, but it can around a frame inside.
     auto *frame = new QFrame(this);
     frame->setObjectName(QStringLiteral("FramelessDialogFrame"));
     auto *titleBar = new TitleBar(this);

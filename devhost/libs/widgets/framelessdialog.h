@@ -7,7 +7,7 @@
 namespace HX {
 namespace Widgets {
 
-/// Stands for the host's dialog with a title bar of its own: it can be dragged by it and closed by Escape.
+/// Stands for the host's dialog with its own title bar: drag it to move, press Escape to close.
 class HOST_WIDGETS_EXPORT FramelessDialog : public QDialog
 {
     Q_OBJECT

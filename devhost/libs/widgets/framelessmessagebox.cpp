@@ -17,7 +17,7 @@ namespace Widgets {
 
 namespace {
 
-/// The buttons that boxes may have, in the order in which they stand.
+/// The supported buttons in display order.
 const QMessageBox::StandardButton buttonOrder[] = {QMessageBox::Yes, QMessageBox::Ok,     QMessageBox::Retry,
                                                    QMessageBox::No,  QMessageBox::Cancel, QMessageBox::Close};
 
@@ -47,7 +47,7 @@ QString operationName(FramelessMessageBox::Kind kind)
     return QString();
 }
 
-/// Lets a long path or name wrap, which has no blanks to wrap at.
+/// Lets long paths and names wrap, which contain no blanks.
 QString withBreakOpportunities(const QString &text)
 {
     const int longestRun = 24;
@@ -137,7 +137,7 @@ FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QStri
     setLayout(layout);
 
     retranslateUi();
-    // Without a wish of the caller, Return answers the same as Escape.
+    // Unless the caller chose a default, Return answers the same as Escape.
     QPushButton *chosen = d->buttonWidgets.value(defaultButton, d->buttonWidgets.value(d->answer));
     if (chosen) {
         chosen->setDefault(true);
@@ -222,7 +222,7 @@ QMessageBox::StandardButton FramelessMessageBox::run(Kind kind, QWidget *parent,
     Simulation::Journal::instance()->record(
         operationName(kind),
         {{QStringLiteral("title"), title}, {QStringLiteral("text"), text}, {QStringLiteral("buttons"), int(buttons)}});
-    // The parent may be deleted while the box is open and takes the box with it.
+    // Deleting the parent while the box is open deletes the box.
     const QPointer<FramelessMessageBox> box =
         new FramelessMessageBox(kind, parent, title, text, buttons, defaultButton);
     box->exec();

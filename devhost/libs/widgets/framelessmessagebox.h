@@ -9,10 +9,10 @@ namespace Widgets {
 
 /// Stands for the host's message boxes.
 ///
-/// The static operations run the box modally and return the button that was pressed. A box that is
-/// closed without a button answers its escape button: Cancel if it has one, else No, else its only
-/// button, else NoButton: never the button that applies something. Its buttons follow a change of the language;
-/// assistive technology is told the text as the box's description. User-interface thread only.
+/// The static functions run the box modally and return the pressed button. A box closed without a button returns its
+/// escape button: Cancel if it has one, else No, else its only button, else NoButton; never the button that applies
+/// something. Its buttons follow a change of the language; assistive technology gets the text as the box's description.
+/// User-interface thread only.
 class HOST_WIDGETS_EXPORT FramelessMessageBox : public FramelessDialog
 {
     Q_OBJECT
@@ -35,9 +35,9 @@ public:
     Kind kind() const;
     QString text() const;
     QMessageBox::StandardButtons standardButtons() const;
-    /// The button widget of a standard button; null when the box does not have it.
+    /// The widget of a standard button; null if the box does not have it.
     QAbstractButton *button(QMessageBox::StandardButton which) const;
-    /// What a box with these buttons answers when it is closed without one.
+    /// The answer of a box with these buttons that is closed without one.
     static QMessageBox::StandardButton escapeAnswer(QMessageBox::StandardButtons buttons);
 
 protected:

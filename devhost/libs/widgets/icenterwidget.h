@@ -8,7 +8,7 @@
 namespace Corvel {
 namespace Widgets {
 
-/// Stands for the base class of what a mode shows in the central area of the window.
+/// Stands for the base class of a mode's page in the central area of the window.
 ///
 /// The host finds it by its id in the object pool once `Core::ModeManager::addCenterWidget` was called.
 class HOST_WIDGETS_EXPORT ICenterWidget : public QWidget
@@ -23,11 +23,11 @@ public:
 
     /// Brings the widget to the front of the central area.
     void raiseWindow();
-    /// Tells the widget that it is being shown.
+    /// Called when the widget is shown.
     virtual void enterWindow();
-    /// Tells the widget that it is being left.
+    /// Called when the widget is left.
     virtual void leaveWindow();
-    /// Sets every text anew. Called again after each change of the language.
+    /// Sets every text again. Called after each change of the language.
     virtual void retranslateUi();
 
 protected:

@@ -6,7 +6,7 @@
 namespace Corvel {
 namespace Widgets {
 
-/// A turning arc that says that work goes on; it turns only while it is visible.
+/// A rotating arc that shows activity; animated only while visible.
 class Spinner : public QWidget
 {
     Q_OBJECT

@@ -74,7 +74,7 @@ void TitleBar::mouseMoveEvent(QMouseEvent *event)
 {
     if (!m_dragging || window()->isMaximized())
         return;
-    // The window system moves the window where it can (it snaps, and some allow nothing else).
+    // Lets the window system move the window if it can: it snaps, and some platforms allow nothing else.
     if (window()->windowHandle() && window()->windowHandle()->startSystemMove())
         m_dragging = false;
     else

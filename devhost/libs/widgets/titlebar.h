@@ -13,8 +13,8 @@ class QToolButton;
 namespace HX {
 namespace Widgets {
 
-/// The title bar of a window without a frame: shows the window's title, moves the window when it is
-/// dragged and has a close button. User-interface thread only.
+/// The title bar of a frameless window: shows the window's title, moves the window when dragged and has a close button.
+/// User-interface thread only.
 class HOST_WIDGETS_EXPORT TitleBar : public QWidget
 {
     Q_OBJECT
@@ -22,9 +22,9 @@ class HOST_WIDGETS_EXPORT TitleBar : public QWidget
 public:
     explicit TitleBar(QWidget *window);
 
-    /// Adds a button in front of the close button. Its tool tip and its name are the caller's business.
+    /// Adds a button in front of the close button. The caller sets its tool tip and accessible name.
     QToolButton *addButton(const QString &iconName);
-    /// Adds a button with a text that opens `menu`, which stays the caller's. Keys reach it.
+    /// Adds a text button that opens `menu`, which the caller owns. Reachable by keyboard.
     QToolButton *addMenuButton(QMenu *menu);
     QToolButton *closeButton() const { return m_closeButton; }
 

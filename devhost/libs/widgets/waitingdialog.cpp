@@ -31,7 +31,7 @@ class WaitingDialog::Private
 public:
     QLabel *text = nullptr;
     QPushButton *cancelButton = nullptr;
-    /// What the caller wants to be shown; empty for the button's own text.
+    /// The caller's text; empty for the button's default.
     QString wantedText;
     QString wantedButtonText;
     /// Cancel was pressed.
@@ -43,7 +43,7 @@ WaitingDialog *WaitingDialog::instance(QWidget *parent, int level)
     Q_UNUSED(level)
     if (!s_instance) {
         s_instance = new WaitingDialog(parent);
-        // A dialog without a parent is nobody's: it goes with the application, before its windows' platform goes.
+        // Without a parent the dialog is deleted with the application, before the platform integration is destroyed.
         qAddPostRoutine(&WaitingDialog::deleteInstance);
     }
     return s_instance;
@@ -167,15 +167,15 @@ void WaitingDialog::disconnectNotify(const QMetaMethod &signal)
 
 void WaitingDialog::refreshCancelButtonLater()
 {
-    // Qt holds its lock of the connections while the destructor of a receiver notifies: asking for them now would never
-    // return.
+    // Qt holds its connection lock while a receiver's destructor sends this notification: querying the connections now
+    // would deadlock.
     QMetaObject::invokeMethod(
         this, [this] { refreshCancelButton(); }, Qt::QueuedConnection);
 }
 
 void WaitingDialog::cancel()
 {
-    // A receiver that was deleted did not disconnect itself.
+    // A deleted receiver sends no disconnect notification.
     if (!isObeyed()) {
         refreshCancelButton();
         return;
@@ -184,14 +184,14 @@ void WaitingDialog::cancel()
     setFocus();
     refreshCancelButton();
     refreshText();
-    // Whoever obeys may block in a call to the device.
+    // Receivers may block in a call to the device.
     paintNow();
     emit signal_canelLoad();
 }
 
 void WaitingDialog::keyPressEvent(QKeyEvent *event)
 {
-    // Held since a box was closed with it, Escape is not meant for this dialog.
+    // An Escape still held from a box it closed is not meant for this dialog.
     if (event->key() == Qt::Key_Escape && !event->isAutoRepeat() && d->cancelButton->isVisible())
         d->cancelButton->click();
     event->accept();
@@ -199,7 +199,7 @@ void WaitingDialog::keyPressEvent(QKeyEvent *event)
 
 void WaitingDialog::showEvent(QShowEvent *event)
 {
-    // A cancel button that had the focus would be pressed by the next blank that is typed.
+    // A focused cancel button would be pressed by the next space that is typed.
     setFocus();
     QWidget *window = parentWidget() ? parentWidget()->window() : QApplication::activeWindow();
     if (window && window != this)
@@ -225,7 +225,7 @@ void WaitingDialog::refreshText()
     fitToText();
     if (!isNews)
         return;
-    // An alert is what is meant, but AT-SPI passes only a change of the name on.
+    // An alert would be right, but AT-SPI only passes on name changes.
     for (const QAccessible::Event type : {QAccessible::NameChanged, QAccessible::Alert}) {
         QAccessibleEvent announcement(this, type);
         QAccessible::updateAccessibility(&announcement);
@@ -234,7 +234,7 @@ void WaitingDialog::refreshText()
 
 void WaitingDialog::paintNow()
 {
-    // Until its first expose event comes, which takes the event loop, a widget refuses to paint.
+    // A widget refuses to paint before its first expose event, which needs the event loop.
     setAttribute(Qt::WA_Mapped);
     repaint();
 }

@@ -9,10 +9,10 @@ namespace Widgets {
 
 /// Stands for the host's one waiting dialog: modal, with a spinner, a text and an optional cancel button.
 ///
-/// It never runs an event loop of its own: the caller goes on at once. Cancel is reached by Tab and pressed by Space or
-/// Escape; as soon as it is pressed the dialog says that it stops, and says nothing else until it is hidden. The button
-/// is enabled while something is connected to signal_canelLoad. Each text is announced to assistive technology.
-/// User-interface thread only.
+/// It never runs a nested event loop: the caller goes on at once. Tab reaches Cancel, Space and Escape press it; after
+/// that the dialog says that it is stopping and ignores other texts until it is hidden. The button is enabled while
+/// something is connected to signal_canelLoad. Each text is announced to assistive technology. User-interface thread
+/// only.
 class HOST_WIDGETS_EXPORT WaitingDialog : public QDialog
 {
     Q_OBJECT
@@ -20,23 +20,23 @@ class HOST_WIDGETS_EXPORT WaitingDialog : public QDialog
 public:
     enum TooltipLevel { LevelNormal = 0 };
 
-    /// The one dialog. `parent` and `level` matter only in the call that creates it.
+    /// The one dialog. `parent` and `level` only take effect in the call that creates it.
     static WaitingDialog *instance(QWidget *parent = nullptr, int level = LevelNormal);
 
-    /// Shows the dialog, or changes its text when it is already shown. The text is on the screen before it returns,
-    /// since callers go on with work that blocks the event loop.
+    /// Shows the dialog, or changes its text. The text is on the screen before this returns, because callers go on with
+    /// work that blocks the event loop.
     void showWaitingDialog(const QString &text, int level);
-    /// Hides the dialog; the next operation that shows it can be cancelled anew.
+    /// Hides the dialog and resets the cancel state for the next operation.
     void hideWaitingDialog();
     /// Shows or hides the cancel button. The setting stays until it is changed (the host's spelling).
     void setCanelVisible(bool visible);
     void setButtonText(const QString &text);
 
-    /// What the dialog shows.
+    /// The displayed text.
     QString text() const;
     bool isCanelVisible() const;
 
-    /// Does nothing: neither Escape nor the window system closes the dialog, only hideWaitingDialog.
+    /// Ignored on purpose: only hideWaitingDialog closes the dialog, neither Escape nor the window system.
     void reject() override;
 
 signals:

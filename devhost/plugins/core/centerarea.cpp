@@ -44,7 +44,7 @@ void CenterArea::remove(const HX::Utils::Id &id)
     if (!widget)
         return;
     removeWidget(widget);
-    // Out of the stack it is its owner's again, not a child that dies with the window.
+    // Reparented to its owner, or it would be deleted with the window.
     widget->setParent(nullptr);
 }
 

@@ -16,7 +16,7 @@ class ICenterWidget;
 
 namespace Core {
 
-/// The central-widget area: shows the widget that the mode manager calls the active one.
+/// The central-widget area: shows the mode manager's active widget.
 class CenterArea : public QStackedWidget
 {
     Q_OBJECT

@@ -21,11 +21,11 @@ public:
     CorePlugin();
     ~CorePlugin() override;
 
-    /// Fails where there is no QApplication.
+    /// Fails without a QApplication.
     bool initialize(const QStringList &arguments, QString *errorString) override;
     void extensionsInitialized() override;
     ShutdownFlag aboutToShutdown() override;
-    /// The host's texts come from one file for all of its parts; see switchLanguage().
+    /// One file holds the texts of the whole host; see switchLanguage().
     bool installTranslator(const QString &language) override;
 
 private:

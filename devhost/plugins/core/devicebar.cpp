@@ -15,7 +15,7 @@ namespace Core {
 
 namespace {
 
-/// The model announces new devices only; a name or a lost connection is noticed by looking again.
+/// The model only announces new devices; names and lost connections are polled.
 constexpr int refreshIntervalInMs = 500;
 
 QVector<DeviceSummary> currentSummaries()
@@ -60,7 +60,7 @@ DeviceBar::DeviceBar(QWidget *parent)
     auto *scrollArea = new QScrollArea(this);
     scrollArea->setObjectName(QStringLiteral("DeviceBarScrollArea"));
     scrollArea->setFrameShape(QFrame::NoFrame);
-    // The cards are reached, not what they are in; it scrolls to the one with the focus.
+    // Tab reaches the cards, not the widgets inside; the bar scrolls to the focused one.
     scrollArea->setFocusPolicy(Qt::NoFocus);
     scrollArea->setWidgetResizable(true);
     scrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -11,8 +11,8 @@ namespace Core {
 
 class DeviceCard;
 
-/// The bar with a card for each known device: type, name, whether it is online and whether it is the
-/// active one. Pressing a card makes its device the active one.
+/// The bar with a card for each known device: type, name, whether it is online and whether it is active. Pressing a
+/// card activates its device.
 class DeviceBar : public QWidget
 {
     Q_OBJECT

@@ -79,7 +79,7 @@ bool DeviceCard::event(QEvent *event)
     return handled;
 }
 
-/// The style sheet's minimum for buttons replaces the card's own each time the card is polished.
+/// Polishing applies the style sheet's minimum size for buttons, which replaces the card's own.
 void DeviceCard::fixSize()
 {
     setFixedSize(Corvel::Utils::inTextSize(216), Corvel::Utils::inTextSize(56));

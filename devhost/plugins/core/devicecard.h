@@ -8,7 +8,7 @@ namespace Core {
 
 class ElidedLabel;
 
-/// What a card of the device bar tells.
+/// The contents of a card in the device bar.
 struct DeviceSummary
 {
     QString ip;

@@ -13,7 +13,7 @@ namespace Core {
 
 namespace {
 
-/// The model does not announce every change; the page looks again while it is visible.
+/// The model does not announce every change; the page polls it while visible.
 constexpr int refreshIntervalInMs = 1000;
 
 } // namespace
@@ -27,7 +27,7 @@ DevicesWidget::DevicesWidget(QWidget *parent)
     m_table->setColumnCount(9);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setSelectionMode(QAbstractItemView::NoSelection);
-    // Keys scroll it and read it, and leave it.
+    // Accessible by keyboard: keys scroll, read and leave it.
     m_table->setTabKeyNavigation(false);
     m_table->setFrameShape(QFrame::NoFrame);
     m_table->setShowGrid(false);

@@ -7,7 +7,7 @@ class QTableWidget;
 
 namespace Core {
 
-/// The page of the Devices mode: what the model knows of each device.
+/// The page of the Devices mode: the model's contents for each device.
 class DevicesWidget : public Corvel::Widgets::ICenterWidget
 {
     Q_OBJECT

@@ -9,7 +9,7 @@ namespace Core {
 void ElidedLabel::paintEvent(QPaintEvent *)
 {
     const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
-    // As it is: a tool tip takes for markup what looks so.
+    // Escaped: a tool tip detects rich text by itself.
     setToolTip(shown == text() ? QString() : Qt::convertFromPlainText(text()));
     QPainter painter(this);
     style()->drawItemText(&painter, contentsRect(), int(alignment()) | Qt::TextSingleLine, palette(), isEnabled(),

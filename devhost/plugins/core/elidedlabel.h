@@ -4,7 +4,7 @@
 
 namespace Core {
 
-/// A label of one line that ends in "…" where its text does not fit, and then tells the whole text as tool tip.
+/// A one-line label that elides a text that does not fit and then shows the full text as its tool tip.
 class ElidedLabel : public QLabel
 {
     Q_OBJECT

@@ -6,8 +6,7 @@
 
 namespace Core {
 
-/// What the development host decides at its start and ICore tells the plugins. Directories are without
-/// a trailing separator.
+/// What the development host decides at start-up and ICore reports to plugins. Directories have no trailing separator.
 struct HOST_CORE_EXPORT HostSettings
 {
     QString language = QStringLiteral("en");
@@ -18,10 +17,10 @@ struct HOST_CORE_EXPORT HostSettings
     int textPixelSize = 0;
 };
 
-/// Replaces the settings that ICore tells. Installs no texts: switchLanguage() does. Any thread.
+/// Replaces the settings reported by ICore. Installs no translations: see switchLanguage(). Any thread.
 HOST_CORE_EXPORT void applySettings(const HostSettings &settings);
 
-/// The settings in force. Any thread.
+/// The current settings. Any thread.
 HOST_CORE_EXPORT HostSettings hostSettings();
 
 } // namespace Core

@@ -27,13 +27,13 @@ public:
     static QString deviceConfigFilePath();
     /// The directory into which packages are extracted; without a trailing separator. Any thread.
     static QString ExtractJsonPath();
-    /// Tells the host which device operation runs; a text that is not empty is shown as its progress. Any thread.
+    /// Announces the running device operation; a text that is not empty is shown as its progress. Any thread.
     static void setOperatorType(OperatorDeviceType type, const QString &text);
 
 signals:
     /// Emitted from the thread that called setOperatorType.
     void operatorTypeChanged(Core::ICore::OperatorDeviceType type, const QString &text);
-    /// The texts of all plugins are in the new language; managers of modes refresh theirs.
+    /// The texts of all plugins are in the new language; mode managers refresh theirs.
     void languageChanged(const QString &language);
 
 private:

@@ -14,9 +14,8 @@ public:
     ICorvelPlugin();
     ~ICorvelPlugin() override;
 
-    /// Installs the plugin's texts in that language, in place of those of the language before.
-    /// The host calls it for each plugin in the object pool when the language is switched.
-    /// Returns false when the plugin has no texts in that language.
+    /// Installs the plugin's translations for that language in place of the previous ones. The host calls it for each
+    /// plugin in the object pool when the language changes. Returns false if the plugin has none for that language.
     virtual bool installTranslator(const QString &language) = 0;
 
 protected:

@@ -11,8 +11,8 @@ class QWidget;
 
 namespace Core {
 
-/// Stands for what the host knows of any mode. User-interface thread only.
-/// The virtual operations stand in the order of the host's table of virtual operations.
+/// Stands for the interface common to all modes. User-interface thread only. The virtual functions stand in the order
+/// of the host's vtable.
 class HOST_CORE_EXPORT IMode : public QObject
 {
     Q_OBJECT
@@ -24,13 +24,13 @@ public:
     virtual bool hasNavigationBar() const;
     virtual bool hasDeviceToolBar() const;
     virtual bool isVisible() const;
-    /// Sets every text anew; the host calls it after each change of the language.
+    /// Sets every text again; the host calls it after each change of the language.
     virtual void retranslateUi() = 0;
-    /// A tool bar of the mode's own, null for none.
+    /// The mode's own tool bar; null for none.
     virtual QWidget *toolBar() const = 0;
     virtual void updateInputVideo();
 
-    /// Modes are shown in ascending order of this value.
+    /// Modes are sorted by this value, ascending.
     int priority() const { return m_priority; }
     void setPriority(int priority) { m_priority = priority; }
     HX::Utils::Id id() const { return m_id; }
@@ -42,7 +42,7 @@ public:
     /// Whether the mode's button can be pressed.
     bool enabled() const { return m_enabled; }
     void setEnabled(bool enabled) { m_enabled = enabled; }
-    /// Whether the mode is the one shown; its manager keeps it up to date.
+    /// Whether the mode is shown; maintained by its manager.
     void setVisible(bool visible) { m_visible = visible; }
 
 private:
@@ -50,7 +50,7 @@ private:
     HX::Utils::Id m_id;
     QIcon m_icon;
     QString m_displayName;
-    // Not what most modes want, so that one which says nothing is noticed.
+    // Most modes want true: false makes a mode that does not set it stand out.
     bool m_enabled = false;
     bool m_visible = true;
 };

@@ -19,10 +19,10 @@ namespace Core {
 
 namespace {
 
-/// The texts in the sources are in this language, so that it needs no file.
+/// The source language, which needs no file.
 const QLatin1String sourceLanguage("en");
 
-/// Withdraws what `translator` holds and installs the texts of `fileName` in its place.
+/// Replaces the translations of `translator` by those of `fileName`.
 bool replaceTexts(std::unique_ptr<QTranslator> &translator, const QString &fileName)
 {
     translator.reset();

@@ -10,18 +10,18 @@ namespace Core {
 struct HOST_CORE_EXPORT Language
 {
     QString code;
-    /// In the language itself.
+    /// Written in the language itself.
     QString name;
 };
 
-/// The languages between which the user can choose.
+/// The languages to choose from.
 HOST_CORE_EXPORT QVector<Language> languages();
 
-/// Installs the texts of the host and of Qt for the language of the settings. User-interface thread only.
+/// Installs the translations of the host and of Qt for the configured language. User-interface thread only.
 HOST_CORE_EXPORT void installHostTexts();
 
-/// Changes the language while the program runs: the host's texts, those of every plugin in the object pool,
-/// then every mode. Widgets get a LanguageChange event. User-interface thread only.
+/// Changes the language at run time: the host's texts, those of every plugin in the object pool, then every mode.
+/// Widgets get a LanguageChange event. User-interface thread only.
 HOST_CORE_EXPORT void switchLanguage(const QString &code);
 
 } // namespace Core

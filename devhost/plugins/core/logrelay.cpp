@@ -8,7 +8,7 @@ QtMessageHandler s_previousHandler = nullptr;
 
 void relay(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    // The offscreen platform says this for every dialog; it would bury the log that is pictured in the tour.
+    // The offscreen platform logs this for every dialog; it would flood the log in the tour's screenshots.
     if (text == QLatin1String("This plugin does not support propagateSizeHints()"))
         return;
     emit LogRelay::instance()->message(type, text);
@@ -25,7 +25,7 @@ LogRelay::LogRelay()
 
 LogRelay *LogRelay::instance()
 {
-    // Threads may still write messages while the program's static objects are destroyed.
+    // Never destroyed: threads may log during static destruction.
     static LogRelay *relay = new LogRelay;
     return relay;
 }

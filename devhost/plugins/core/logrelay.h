@@ -6,15 +6,14 @@
 
 namespace Core {
 
-/// Brings what goes to Qt's message logger, from whatever thread, to the log view; the messages go on to
-/// the handler that was there before.
+/// Forwards Qt's log messages, from any thread, to the log view and on to the previous handler.
 class HOST_CORE_EXPORT LogRelay : public QObject
 {
     Q_OBJECT
 
 public:
     static LogRelay *instance();
-    /// Takes over the message logger; once is enough.
+    /// Installs the message handler; further calls do nothing.
     static void install();
 
 signals:

@@ -25,7 +25,7 @@ LogView::LogView(QWidget *parent)
     setTabChangesFocus(true);
     setMaximumBlockCount(shownLines);
     setLineWrapMode(QPlainTextEdit::WidgetWidth);
-    // Both may come from any thread.
+    // Both are emitted from any thread.
     connect(LogRelay::instance(), &LogRelay::message, this, &LogView::addMessage, Qt::QueuedConnection);
     connect(ICore::instance(), &ICore::operatorTypeChanged, this, &LogView::addOperation, Qt::QueuedConnection);
 }

@@ -6,7 +6,7 @@
 
 namespace Core {
 
-/// The last messages of the log and the operations that ran on devices, oldest first.
+/// The last log messages and device operations, oldest first.
 class LogView : public QPlainTextEdit
 {
     Q_OBJECT

@@ -15,7 +15,7 @@ namespace Core {
 
 namespace {
 
-/// For what dark.qss gives its sizes.
+/// The text size for which dark.qss is written.
 constexpr int normalTextSize = 13;
 
 int textSize()
@@ -23,14 +23,14 @@ int textSize()
     const int wanted = hostSettings().textPixelSize;
     if (wanted > 0)
         return qBound(11, wanted, 20);
-    // Where there is no desktop, Qt makes a size up.
+    // Without a desktop Qt makes up a size.
     if (QGuiApplication::platformName() == QLatin1String("offscreen") ||
         QGuiApplication::platformName() == QLatin1String("minimal"))
         return normalTextSize;
     return qBound(11, QFontInfo(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).pixelSize(), 20);
 }
 
-/// The style sheet for text of that size. A style sheet knows no relative sizes of text.
+/// The style sheet scaled to that text size: style sheets have no relative font sizes.
 QString inTextSize(const QString &sheet, int size)
 {
     static const QRegularExpression fontSize(QStringLiteral("font-size: (\\d+)px;(?: /\\* at most (\\d+)px \\*/)?"));
@@ -48,7 +48,7 @@ QString inTextSize(const QString &sheet, int size)
     return result + sheet.midRef(copied);
 }
 
-/// For what the style sheet does not reach, such as the parts of Qt's own dialogs. The colours are those of dark.qss.
+/// For widgets out of the style sheet's reach, such as parts of Qt's own dialogs. The colours match dark.qss.
 QPalette darkPalette()
 {
     const QColor window("#2B2C31");
@@ -92,7 +92,7 @@ void applyLook()
     QApplication::setPalette(darkPalette());
     const int size = textSize();
     QFont font;
-    // Named, since what Qt falls back to by itself for emoji depends on the machine.
+    // Named explicitly: Qt's own fallback for emoji depends on the machine.
     font.setFamilies(
         {QStringLiteral("DejaVu Sans"), QStringLiteral("WenQuanYi Micro Hei"), QStringLiteral("Noto Color Emoji")});
     font.setPixelSize(size);

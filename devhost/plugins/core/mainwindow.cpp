@@ -34,7 +34,7 @@ namespace {
 MainWindow *s_window = nullptr;
 
 const QSize comfortableSize(1440, 900);
-/// In a lower window the docks would leave too little of the central area.
+/// In a lower window the docks would leave too little room for the central area.
 constexpr int heightForDocks = 700;
 
 } // namespace
@@ -73,7 +73,7 @@ MainWindow::MainWindow()
     page->setContentsMargins(0, 0, 0, 0);
     page->setSpacing(0);
     page->addWidget(m_deviceBar);
-    // What a plugin shows may need more room than a small screen has.
+    // A plugin's page may be larger than a small screen.
     auto *scrollArea = new QScrollArea;
     scrollArea->setObjectName(QStringLiteral("CenterScrollArea"));
     scrollArea->setFrameShape(QFrame::NoFrame);
@@ -98,7 +98,7 @@ MainWindow::MainWindow()
     statusBar()->addWidget(m_operationLabel, 1);
 
     connect(ModeManager::instance(), &ModeManager::currentModeChanged, this, &MainWindow::showCurrentMode);
-    // Jobs report from their threads.
+    // Jobs report from their own threads.
     connect(ICore::instance(), &ICore::operatorTypeChanged, this, &MainWindow::showOperation, Qt::QueuedConnection);
     connect(m_report, &OperationReport::changed, this, &MainWindow::showStatus);
     retranslateUi();
@@ -107,7 +107,7 @@ MainWindow::MainWindow()
 
 MainWindow::~MainWindow()
 {
-    // What a mode shows at the side is the mode's.
+    // The side widget belongs to the mode.
     if (m_navigation)
         m_navigation->setParent(nullptr);
     s_window = nullptr;
@@ -128,7 +128,7 @@ void MainWindow::addDock(QWidget *widget, const QString &title)
 {
     QDockWidget *dock = makeDock(widget, title + QStringLiteral("Dock"));
     dock->setWindowTitle(title);
-    // A widget that renames itself, as after a change of the language, renames its dock.
+    // The dock follows its widget's title, for example after a change of the language.
     connect(widget, &QWidget::windowTitleChanged, dock, &QDockWidget::setWindowTitle);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     splitDockWidget(dock, m_logDock, Qt::Horizontal);
@@ -161,7 +161,7 @@ void MainWindow::showOperation(ICore::OperatorDeviceType type, const QString &te
 {
     m_operation = type;
     m_operationText = text;
-    // The waiting dialog stands before the status bar, so what it says is what is read.
+    // The waiting dialog covers the status bar, so its text is the one to be read.
     WaitingDialog *waiting = WaitingDialog::instance();
     if (!text.isEmpty() && waiting->isVisible())
         waiting->showWaitingDialog(text, WaitingDialog::LevelNormal);
@@ -188,7 +188,7 @@ void MainWindow::showEvent(QShowEvent *event)
     QMainWindow::showEvent(event);
 }
 
-/// The areas in the order in which they are seen; within each, the order of its widgets.
+/// The areas in visual order; within each, the order of its widgets.
 QList<QWidget *> MainWindow::tabOrder() const
 {
     QList<QWidget *> areas{m_titleBar, m_modeBar};
@@ -222,7 +222,7 @@ bool MainWindow::focusNextPrevChild(bool next)
     if (order.isEmpty())
         return false;
     QWidget *current = focusWidget();
-    // A widget with a proxy has the focus through it, as a spin box through its field.
+    // A widget with a focus proxy has the focus through it, like a spin box through its line edit.
     while (current && current != this && !order.contains(current))
         current = current->parentWidget();
     const int position = order.indexOf(current);

@@ -17,13 +17,12 @@ class DeviceBar;
 class ModeBar;
 class OperationReport;
 
-/// The host's window: title bar, top-level modes at the left, beside them the current mode's own
-/// navigation, the device bar, the central-widget area, and docks below.
+/// The host's window: title bar, top-level modes at the left, next to them the current mode's own navigation, the
+/// device bar, the central-widget area, and docks below.
 ///
-/// It opens no larger than its screen. What does not fit into the central area is scrolled to; docks can be closed, and
-/// opened with the View button of the title bar; where the window is low, they are closed at first. Tab goes through
-/// the areas in that order, whichever was made first. The status bar tells what runs, and what became of it.
-/// User-interface thread only.
+/// It never opens larger than its screen: the central area scrolls, and docks can be closed and reopened with the title
+/// bar's View button; in a low window they start closed. Tab visits the areas in visual order. The status bar shows the
+/// running operation and its result. User-interface thread only.
 class HOST_CORE_EXPORT MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -32,10 +31,10 @@ public:
     MainWindow();
     ~MainWindow() override;
 
-    /// The window; null before the core plugin was initialised and after it was shut down.
+    /// The window; null before the core plugin is initialised and after it is shut down.
     static MainWindow *instance();
 
-    /// Puts `widget`, which becomes the window's, into a dock below the central area, left of the log.
+    /// Puts `widget` into a dock below the central area, left of the log. The window takes ownership.
     void addDock(QWidget *widget, const QString &title);
 
 protected:

@@ -19,26 +19,26 @@ class HOST_CORE_EXPORT ModeManager : public QObject
 public:
     static ModeManager *instance();
 
-    /// Registers a top-level mode, sorted by its priority; the first one becomes current. The manager never owns it.
+    /// Registers a top-level mode, sorted by its priority; the first one becomes current. Never takes ownership.
     static void addMode(IMode *mode);
-    /// Withdraws a top-level mode; when it was current, the first of the others becomes current.
+    /// Removes a top-level mode; if it was current, the first remaining one becomes current.
     static void removeMode(IMode *mode);
-    /// The top-level modes in the order in which they are shown.
+    /// The top-level modes in display order.
     static QVector<IMode *> modes();
     /// The id of the current top-level mode.
     static HX::Utils::Id currentMode();
-    /// Switches to another top-level mode; an unknown one is ignored.
+    /// Switches to another top-level mode; unknown ids are ignored.
     static void activateMode(const HX::Utils::Id &id);
 
     /// True while a central widget of that id is registered.
     static bool existCenterWidget(const HX::Utils::Id &id);
     /// Registers the central widget of that id, which is looked up in the object pool.
     static void addCenterWidget(const HX::Utils::Id &id);
-    /// Takes it out of the central area again; the widget itself stays with its owner.
+    /// Removes it from the central area; the owner keeps the widget.
     static void removeCenterWidget(const HX::Utils::Id &id);
-    /// Makes it the visible one.
+    /// Shows it.
     static void setActivateCenterWidget(const HX::Utils::Id &id);
-    /// The id of the visible central widget; an invalid one when there is none.
+    /// The id of the visible central widget; invalid if there is none.
     static HX::Utils::Id activeCenterWidget();
 
 signals:
@@ -57,7 +57,7 @@ private:
     HX::Utils::Id m_currentMode;
     QVector<HX::Utils::Id> m_centerWidgets;
     HX::Utils::Id m_activeCenterWidget;
-    /// For each top-level mode, the central widget that it showed last.
+    /// The last central widget of each top-level mode.
     QHash<HX::Utils::Id, HX::Utils::Id> m_lastCenterWidget;
 };
 

@@ -17,7 +17,8 @@ namespace Core {
 OperationReport::OperationReport(QObject *parent)
     : QObject(parent)
 {
-    // At once: the first project file may be complete before the event loop runs. Progress comes from other threads.
+    // Synchronous: the first project file may be complete before the event loop runs. Progress comes from other
+    // threads.
     connect(
         ICore::instance(), &ICore::operatorTypeChanged, this,
         [this](ICore::OperatorDeviceType type) {
@@ -41,7 +42,7 @@ OperationReport::OperationReport(QObject *parent)
     connect(
         Simulation::Journal::instance(), &Simulation::Journal::recorded, this,
         [this](const Simulation::JournalEntry &entry) {
-            // A question begins something else.
+            // A question starts something else.
             const bool isResult = entry.operation == QLatin1String("FramelessMessageBox.information") ||
                                   entry.operation == QLatin1String("FramelessMessageBox.warning");
             if (!entry.onMainThread || !m_ending || !isResult)
@@ -93,7 +94,7 @@ void OperationReport::end()
                 written.append(file.key());
         }
         std::sort(written.begin(), written.end());
-        // With several it is not known which of them another program wrote.
+        // With several new files, the one written by another program cannot be told apart.
         m_outcome = written.isEmpty() ? NotSaved : (written.size() == 1 ? Saved : SeveralWritten);
         if (!written.isEmpty())
             m_detail = written.join(QStringLiteral(", "));

@@ -10,9 +10,9 @@
 
 namespace Core {
 
-/// Watches the operations of which plugins tell ICore, and says afterwards what became of the last one, as far as the
-/// host can know: which project file appeared, whether the configuration was written, with which message it ended. The
-/// success of a plugin's own checks is not known to it, and it claims none. User-interface thread only.
+/// Watches the operations announced to ICore and summarises the last one as far as the host can observe it: which
+/// project file appeared, whether the configuration was written, which message it ended with. It does not know the
+/// results of a plugin's own checks and claims none. User-interface thread only.
 class OperationReport : public QObject
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ class OperationReport : public QObject
 public:
     explicit OperationReport(QObject *parent);
 
-    /// One sentence in the language in force; empty before the first operation has ended, and while one runs.
+    /// One sentence in the current language; empty before the first operation has ended and while one runs.
     QString text() const;
 
 signals:
@@ -37,7 +37,7 @@ private:
     void settle();
 
     ICore::OperatorDeviceType m_running = ICore::OperatorNone;
-    /// Between the end of an operation and the event loop, in which its message box opens.
+    /// From the end of an operation until its message box opens in the event loop.
     bool m_ending = false;
     Listing m_before;
     QString m_device;
@@ -45,7 +45,7 @@ private:
     std::atomic<bool> m_sentToDevice{false};
     std::atomic<bool> m_storedOffline{false};
     Outcome m_outcome = None;
-    /// A project's name, the device's name or the message.
+    /// The name of the project or device, or the message.
     QString m_detail;
 };
 

@@ -14,7 +14,7 @@ class HOST_NAVIGATIONBAR_EXPORT INavigationBarMode : public Core::IMode
     Q_OBJECT
 
 public:
-    /// The states of a button, as numbered in stateIcons().
+    /// The states of a button; they index stateIcons().
     enum ButtonState { Normal = 0, Pressed = 1, Hover = 2 };
 
     explicit INavigationBarMode(QObject *parent = nullptr);

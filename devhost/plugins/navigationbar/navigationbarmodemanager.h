@@ -10,8 +10,8 @@ namespace NavigationBar {
 
 class INavigationBarMode;
 
-/// Stands for the manager of one navigation bar's modes. It never owns a mode. User-interface thread only.
-/// The virtual operations stand in the order of the host's table of virtual operations.
+/// Stands for the manager of one navigation bar's modes. It owns no mode. User-interface thread only. The virtual
+/// functions stand in the order of the host's vtable.
 class HOST_NAVIGATIONBAR_EXPORT NavigationBarModeManager : public QObject
 {
     Q_OBJECT
@@ -20,18 +20,18 @@ public:
     explicit NavigationBarModeManager(QObject *parent = nullptr);
     ~NavigationBarModeManager() override;
 
-    /// The id of the mode that is shown; an invalid one when there is none.
+    /// The id of the current mode; invalid if there is none.
     virtual HX::Utils::Id currentModeId() const;
-    /// Shows that mode; an unknown or disabled one is ignored.
+    /// Shows that mode; unknown or disabled ones are ignored.
     virtual void activateMode(const HX::Utils::Id &id);
     virtual bool containsMode(const HX::Utils::Id &id) const;
     /// Registers a mode, sorted by its priority; a second registration of the same id is ignored.
     virtual void addMode(INavigationBarMode *mode);
     virtual void removeMode(INavigationBarMode *mode);
 
-    /// The ids of the registered modes in the order in which they are shown.
+    /// The ids of the registered modes in display order.
     QVector<HX::Utils::Id> modes() const;
-    /// The registered mode of that id, null when there is none.
+    /// The registered mode of that id; null if there is none.
     INavigationBarMode *mode(const HX::Utils::Id &id) const;
 
 signals:

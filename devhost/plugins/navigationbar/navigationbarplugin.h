@@ -4,7 +4,7 @@
 
 namespace NavigationBar {
 
-/// Makes the classes of navigation bars available; it has nothing of its own in the window.
+/// Provides the navigation bar classes; shows nothing in the window itself.
 class NavigationBarPlugin : public Core::ICorvelPlugin
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ public:
     bool initialize(const QStringList &arguments, QString *errorString) override;
     void extensionsInitialized() override;
     ShutdownFlag aboutToShutdown() override;
-    /// The host's texts come from one file for all of its parts; see Core::switchLanguage().
+    /// One file holds the texts of the whole host; see Core::switchLanguage().
     bool installTranslator(const QString &language) override;
 };
 

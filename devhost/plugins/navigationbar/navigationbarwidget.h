@@ -25,7 +25,7 @@ public:
 
     /// The heading above the buttons.
     void setTitle(const QString &title);
-    /// The button of that mode, null when there is none.
+    /// The button of that mode; null if there is none.
     QToolButton *button(const HX::Utils::Id &id) const;
 
 private:

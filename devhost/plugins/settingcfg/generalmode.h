@@ -4,7 +4,7 @@
 
 namespace SettingCfg {
 
-/// The settings' sub-mode for what concerns the program itself.
+/// The settings' sub-mode for the program itself.
 class GeneralMode : public ISettingCfgMode
 {
     Q_OBJECT

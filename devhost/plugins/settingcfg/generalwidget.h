@@ -7,7 +7,7 @@ class QLabel;
 
 namespace SettingCfg {
 
-/// The page of the General sub-mode: the language, and where the program keeps its files.
+/// The page of the General sub-mode: the language and the program's directories.
 class GeneralWidget : public Corvel::Widgets::ICenterWidget
 {
     Q_OBJECT

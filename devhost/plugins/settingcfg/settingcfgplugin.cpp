@@ -65,8 +65,8 @@ void SettingCfgPlugin::enterSettings()
     showOrHideGeneral();
 }
 
-/// The page is registered only while it is what the user looks at, so that nothing that happens to the
-/// sub-modes behind another top-level mode brings it to the front.
+/// Registered only while the settings area is visible, so that changes to the sub-modes behind another top-level mode
+/// never bring the page to the front.
 void SettingCfgPlugin::showOrHideGeneral()
 {
     const HX::Utils::Id page = m_generalWidget->id();

@@ -10,7 +10,7 @@ class GeneralMode;
 class GeneralWidget;
 class SettingsMode;
 
-/// Brings the settings area into the window, with the General sub-mode in it.
+/// Adds the settings area with the General sub-mode to the window.
 class SettingCfgPlugin : public Core::ICorvelPlugin
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ public:
     bool initialize(const QStringList &arguments, QString *errorString) override;
     void extensionsInitialized() override;
     ShutdownFlag aboutToShutdown() override;
-    /// The host's texts come from one file for all of its parts; see Core::switchLanguage().
+    /// One file holds the texts of the whole host; see Core::switchLanguage().
     bool installTranslator(const QString &language) override;
 
 private:

@@ -89,7 +89,7 @@ void EngineerDocBackup::save()
 
 void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileIdentity &previous)
 {
-    // This one folder alone: a name that leads into another one may be mistyped.
+    // Creates this folder only: a separator in the project's name may be a typing error.
     QString reason;
     if (!FileSystem::makeFolder(m_strProjectPath, &reason)) {
         fail(reason);
@@ -104,7 +104,7 @@ void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileI
     else if (ZipPackageHandle::isValidEngineerPacket(packagePath, &reason))
         m_strSavedPackagePath = packagePath;
     else
-        qDebug().noquote() << "The saved package was changed or removed at once:" << reason;
+        qDebug().noquote() << "The package was changed or removed right after the save:" << reason;
 }
 
 bool EngineerDocBackup::fail(const QString &reason, BackupResultCode code)
@@ -114,8 +114,9 @@ bool EngineerDocBackup::fail(const QString &reason, BackupResultCode code)
     return false;
 }
 
-// Asked anew by each step, four times in a save of an online device: the host may remove the device between two of
-// them, or replace it by another one of that address. A step that finds none ends the save.
+// Each step looks the device up again, four times in a save of an online device: in between, the host may remove it or
+// replace it by another one with the same address. So keep no device from step to step. A step that finds none ends the
+// save.
 std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
 {
     std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIp);
@@ -138,7 +139,7 @@ bool EngineerDocBackup::stopIfCanceled()
 
 bool EngineerDocBackup::exportPictures()
 {
-    // A picture that cannot be written does not end the save, so fetching the next one need not wait for it.
+    // A picture whose file cannot be opened does not end the save, so the next fetch need not wait for the write.
     PictureWriter writer(m_pEncodedPictures);
     if (!exportBackgrounds(writer) || !exportLogos(writer))
         return false;
@@ -146,7 +147,7 @@ bool EngineerDocBackup::exportPictures()
     const bool hasPictures = writer.hasPictures();
     QString reason;
     const bool areWhole = writer.waitForDone(&reason);
-    // Pressed before the last one was written.
+    // Cancelled before the last picture was written.
     if (hasPictures && stopIfCanceled())
         return false;
     if (!areWhole)
@@ -184,7 +185,7 @@ bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
     return true;
 }
 
-// Unlike backgrounds, logos are in the image store already and are small: no query, no progress text.
+// Logos are small and already in the image store, unlike backgrounds: no query, no progress text.
 bool EngineerDocBackup::exportLogos(PictureWriter &writer)
 {
     const std::shared_ptr<Model::Device> device = findDevice();
@@ -213,9 +214,9 @@ bool EngineerDocBackup::LoadPreset()
     if (!device)
         return false;
     if (!directory().renewPresetFolder())
-        return fail(QStringLiteral("%1 cannot be made").arg(directory().presetPath()));
+        return fail(QStringLiteral("%1 cannot be created").arg(directory().presetPath()));
 
-    // A copy: the host's list may change meanwhile.
+    // A copy, since the host may change its list during the loop.
     const std::vector<std::shared_ptr<Model::Preset>> presets = device->getPresets();
     for (const std::shared_ptr<Model::Preset> &preset : presets) {
         if (stopIfCanceled())
@@ -247,7 +248,7 @@ bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &deta
     case PresetFile::Outcome::NotOpened:
         break;
     }
-    // No code: the panel shows nothing, and savedPackagePath() tells that there is no package.
+    // Sets no code: the panel shows nothing, and savedPackagePath() stays empty.
     qDebug().noquote() << QStringLiteral("Device [%1] serailize error,reason: %2").arg(deviceName, file.errorString());
     return false;
 }

@@ -48,9 +48,8 @@ public:
     /// Before start(): the cache of encoded pictures. By default the job uses an empty one.
     void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures) { m_pEncodedPictures = pictures; }
 
-    /// Requests the job to end before the next picture or preset. Any thread; a request before the thread has started
-    /// is lost, and one while the package is being written comes too late. A request while the last pictures are being
-    /// encoded is still in time.
+    /// Asks the job to end before the next picture or preset. Any thread. A request before the thread has started is
+    /// lost; one while the last pictures are being encoded is in time; one while the package is being written is not.
     void cancel() { m_bCancel = true; }
 
     /// The BackupResultCode of the run; valid once QThread::finished was emitted.
@@ -74,7 +73,7 @@ protected:
 private:
     void save();
     void pack(const QString &packagePath, const FileSystem::FileIdentity &previous);
-    /// Logs the reason and returns false.
+    /// Sets the code, logs the reason and returns false.
     bool fail(const QString &reason, BackupResultCode code = BackupEncryptFailed);
     std::shared_ptr<Model::Device> findDevice();
     StagingDirectory directory() const;
@@ -95,7 +94,7 @@ private:
     std::atomic<int> m_nResultCode{BackupSuccess};
     QString m_strSavedPackagePath;
     std::shared_ptr<EncodedPictures> m_pEncodedPictures;
-    /// Sizes of the files that this run staged, by their entry names.
+    /// Sizes of the files that this run staged, by entry name.
     QHash<QString, qint64> m_hashStaged;
 };
 

@@ -75,7 +75,7 @@ bool EngineerDocLoad::checkPackageFile()
     return check([this] {
         if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
             return fail(LoadFileContentError, QStringLiteral("there is no such file"));
-        // Asked of the file first, since what is no package is not worth a copy; what counts is the copy.
+        // The file first, so that only a package is copied. The result that counts is that of the copy.
         return ZipPackageHandle::checkPacketChecksum(m_strPackagePath, &m_strReason) && openPackage() &&
                ZipPackageHandle::checkPacketChecksum(*m_pPackage, &m_strReason);
     });
@@ -113,7 +113,7 @@ bool EngineerDocLoad::openPackage()
 bool EngineerDocLoad::readDescription()
 {
     if (!PackageLayout::hasPackageExtension(m_strPackagePath))
-        return fail(LoadJsonFileError, QStringLiteral("its name has another extension than that of packages"));
+        return fail(LoadJsonFileError, QStringLiteral("it does not have the extension of a package"));
     if (!m_pPackage && !openPackage())
         return m_nResultCode == LoadSuccess ? fail(LoadJsonFileError, m_strReason) : false;
     QString reason;
@@ -125,7 +125,7 @@ std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString 
     QString error;
     std::shared_ptr<Model::Device> device = readDeviceDescription(path, error);
     if (!device && !error.isEmpty()) {
-        // Shown to nobody: whoever asked reports a code of its own. It helps whoever stops here in a debugger.
+        // Not shown, since callers report a code of their own; it is here for the debugger.
         const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error);
         Q_UNUSED(reason)
     }
@@ -136,7 +136,7 @@ void EngineerDocLoad::run()
 {
     m_bCancel = false;
     guarded([this] { return apply(); });
-    // The job lives on, for its code.
+    // The panel keeps the job for its result code; the copy must not take up the disk as long.
     releasePackage();
 }
 
@@ -147,8 +147,8 @@ bool EngineerDocLoad::apply()
         return fail(LoadGetDeviceFailed, noDevice());
     takeIdentity(*m_pPackageDevice, *target, m_strDeviceIp);
 
-    // What was checked and done before does not hold for the other kind of device: one that went offline has been reset
-    // and would stay empty, one that came online has neither been compared nor reset.
+    // The checks no longer hold: a device that went offline has been reset, and its hardware would stay empty; one that
+    // came online was neither compared nor reset.
     if (target->getDeviceOnlineFlag() != m_bCheckedOnline)
         return fail(LoadImportFailed, QStringLiteral("the device went offline or came online after it was checked"));
     return m_bCheckedOnline ? applyOnline(target) : applyOffline(*target);
@@ -158,7 +158,7 @@ bool EngineerDocLoad::applyOffline(Model::Device &target)
 {
     const bool isCopied = copySourceToOfflineDevice() && !stopIfCanceled();
 
-    // Also after a failed copy, whose code stays and tells the operator.
+    // Even after a failed copy, whose code stays.
     replaceModel(target, *m_pPackageDevice);
     if (!writeDeviceDescriptions())
         return isCopied && fail(LoadSerializeFailed, QStringLiteral("the host cannot write the description"));
@@ -174,7 +174,7 @@ bool EngineerDocLoad::copySourceToOfflineDevice()
 
 bool EngineerDocLoad::copyConfigFileToDevice()
 {
-    // Logged already.
+    // extractDescription() has logged the reason.
     return passes(extractDescription(m_strPackagePath, m_strDeviceIp), QString());
 }
 
@@ -184,7 +184,7 @@ bool EngineerDocLoad::applyOnline(const std::shared_ptr<Model::Device> &target)
     if (!online.sendSlots())
         return fail(LoadImportFailed, QStringLiteral("the device did not take MVR or the slots"));
     const bool isSent = onlineSend(online);
-    // Also after a failed send, whose code it replaces when it fails as well.
+    // Even after a failed send. If this fails too, its code replaces the first one.
     if (!online.sendMvrItems())
         return fail(LoadImportFailed, QStringLiteral("the device did not take the MVR items"));
     return isSent && !stopIfCanceled();

@@ -48,8 +48,8 @@ public:
     /// copy.
     bool checkPackageFile();
     /// True if the package's device description, which run() uses, fits the target device, and its pictures do not have
-    /// too many pixels together. For an online device also: if every picture can be extracted, read to its end, decoded
-    /// and has a place (see ReadinessCheck).
+    /// too many pixels in total. For an online device, also only if every picture has a place there and can be
+    /// extracted, read to its end and decoded (see ReadinessCheck).
     bool checkDevice();
 
     /// Releases the copy of the package and its disk space, if there will be no run. Not during the run.
@@ -78,12 +78,12 @@ protected:
     void run() override;
 
 private:
-    /// Calls the host: an exception is logged and fails with LoadImportFailed.
+    /// Runs work that calls the host; an exception is logged and fails with LoadImportFailed.
     bool guarded(const std::function<bool()> &work);
-    /// The same for a check: if it does not pass, there will be no run.
+    /// The same for a check. One that fails releases the package, since no run will follow.
     bool check(const std::function<bool()> &work);
     QString noDevice() const;
-    /// False without a code if there is no package any more.
+    /// False, without a code, if the package has gone.
     bool openPackage();
     bool readDescription();
     bool apply();
@@ -107,7 +107,7 @@ private:
     /// Whether the device was online at the check.
     bool m_bCheckedOnline = false;
     std::atomic<int> m_nResultCode{LoadSuccess};
-    /// Why the check or the run under way fails.
+    /// Why the current check or run failed.
     QString m_strReason;
 };
 

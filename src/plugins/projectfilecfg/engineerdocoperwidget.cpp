@@ -72,7 +72,7 @@ EngineerDocOperWidget::~EngineerDocOperWidget()
 {
     release(m_pFileWatcher, this);
 
-    // Nobody is left to end what the host believes to be running, nor to hide its modal dialog.
+    // After this, nobody can tell the host that the operation is over, or hide the modal waiting dialog.
     const bool copying = ProjectCopies::isAwaited(m_pSaveasWatcher) || ProjectCopies::isAwaited(m_pImportWatcher);
     if (m_nOperatorType != OperatorNone)
         RunningJob::announce(ICore::OperatorNone);
@@ -122,7 +122,7 @@ void EngineerDocOperWidget::initConnects(bool bConnect)
     wire(m_pAllSaveasBtn, &EngineerDocOperWidget::slot_saveasProject);
     wire(m_pAllDeleteBtn, &EngineerDocOperWidget::slot_deleteAllProject);
 
-    // initDevice() may have made this connection already.
+    // retranslateUi() may have connected it already, and a second connection would call the slot twice.
     connectSelector(false);
     connectSelector(bConnect);
     connectFileWatcher(bConnect);
@@ -327,7 +327,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     if (online)
         DeviceOperations::reserveChannel(device);
     m_nOperatorType = OperatorLoad;
-    // "save" although a load starts: operators know the text.
+    // "save" is no mistake, although a load starts: operators and translations know this text.
     Waiting::show(tr("Start save project file"));
     RunningJob::announce(ICore::OperatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
@@ -359,7 +359,7 @@ void EngineerDocOperWidget::slot_loadFinished()
     const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
     DeviceOperations::freeChannel(device);
-    // The host may have made another device the active one, and so the selected one, since the load was started.
+    // The host may have activated another device since the load began, and so changed the selection.
     if (m_pDocLoad && m_pDocLoad->deviceIp() != m_strDeviceIP)
         DeviceOperations::freeChannel(findDeviceByAddress(m_pDocLoad->deviceIp()));
     MessageBoxes::showLoadResult(this, code);
@@ -414,7 +414,7 @@ void EngineerDocOperWidget::slot_importProject()
     if (files.isEmpty() || !PreChecks::isRoomForImport(this, files, m_strDefaultPath))
         return;
     Waiting::show(tr("Import project files,please wait..."));
-    // It is the save-as watcher that decides whether the watcher of the import before goes now or with the panel.
+    // No mix-up: the save-as watcher decides whether the previous import watcher goes now or with the panel.
     if (m_pSaveasWatcher)
         release(m_pImportWatcher, this);
     else if (m_pImportWatcher)
@@ -433,7 +433,7 @@ void EngineerDocOperWidget::onImportFinished()
     if (!guard)
         return;
     connectFileWatcher(true);
-    // Others may have changed the directory while the box was open.
+    // The directory was not watched while the box was open.
     slot_projectFilesChanged();
 }
 
@@ -447,7 +447,7 @@ void EngineerDocOperWidget::slot_editProjectInfo()
     const QPointer<EngineerDocOperWidget> guard(this);
     const std::shared_ptr<ProjectList> projects = m_pProjects;
     {
-        // While the dialog is open no scan replaces the entry; the panel may go meanwhile.
+        // Keeps scans from replacing the entry under the dialog. The panel may be deleted meanwhile.
         const ProjectList::Hold hold(*projects);
         const std::optional<EngineerPacketInfo> edited =
             ProjectEditing::edit(this, *projects, pressed.filePath(), m_strDefaultPath);
@@ -473,7 +473,7 @@ void EngineerDocOperWidget::slot_deleteProject()
     }
     connectFileWatcher(false);
     if (!QFile::remove(pressed.filePath())) {
-        // The directory is not followed any more from here on, until the panel's own operations do it again.
+        // The directory stays unwatched until the next import or deletion.
         MessageBoxes::warn(this, tr("Delete project file failed!"));
         return;
     }

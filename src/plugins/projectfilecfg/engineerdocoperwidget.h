@@ -98,7 +98,7 @@ private:
     QPushButton *m_pAllSaveasBtn = nullptr;
     QPushButton *m_pAllDeleteBtn = nullptr;
     QTableWidget *m_pProjectTable = nullptr;
-    /// Shared with running scans. m_listProjectInfo and m_mutex are its members, which only its operations touch.
+    /// Shared with running scans. m_listProjectInfo and m_mutex refer to its members, which only its operations touch.
     const std::shared_ptr<ProjectList> m_pProjects;
     QList<EngineerPacketInfo> &m_listProjectInfo;
     QFileSystemWatcher *m_pFileWatcher = nullptr;
@@ -114,7 +114,7 @@ private:
     QString m_strDefaultPath;
     QString m_strDocumentsPath;
     QMutex &m_mutex;
-    /// Kept from save to save.
+    /// Outlives the jobs, so that a later save reuses the pictures of an earlier one.
     const std::shared_ptr<EncodedPictures> m_pEncodedPictures;
     std::unique_ptr<ProjectScans> m_pScans;
     std::unique_ptr<PanelLayout> m_pPanelLayout;

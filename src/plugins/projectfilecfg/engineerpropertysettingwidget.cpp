@@ -30,8 +30,8 @@ bool splitsSurrogatePair(const QString &text, int position)
            text.at(position - 1).isHighSurrogate();
 }
 
-/// Drops what exceeds the limit: the characters that end at the caret, since they were typed or pasted last.
-/// With too few of them before the caret, as after setComment(), the first 100 characters are kept.
+/// Removes the excess from just before the caret, where it was typed or pasted. If there is too little text before the
+/// caret, as after setComment(), keeps the first 100 characters. Never splits a surrogate pair.
 QString cutToLimit(const QString &typed, int *caret)
 {
     const int excess = typed.length() - maxCommentLength;
@@ -78,7 +78,7 @@ void EngineerPropertySettingWidget::setProjectName(const QString &name)
 void EngineerPropertySettingWidget::setComment(const QString &comment)
 {
     m_strComment = comment;
-    // Plain text: a comment that looks like HTML stays what was typed.
+    // Not setText(), which would render a comment that looks like HTML.
     m_pCommentEdit->setPlainText(comment);
     updateCounter();
 }
@@ -183,7 +183,7 @@ void EngineerPropertySettingWidget::retranslateUi()
     m_pCancelBtn->setText(tr("Cancel"));
     updateCounter();
 
-    // One column for the fields in every language.
+    // One width for all labels, so that the fields line up in every language.
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED
     const int labelWidth =

@@ -18,7 +18,7 @@ ProjectFileCfgMode::ProjectFileCfgMode(QObject *parent)
     setVisible(false);
     addStateIcon(Normal, Icon::fromTheme(QStringLiteral("project_normal"), QString()));
     addStateIcon(Hover, Icon::fromTheme(QStringLiteral("project_hover_normal"), QString()));
-    // The host's theme holds the image under this name.
+    // Spelt so in the host's theme.
     addStateIcon(Pressed, Icon::fromTheme(QStringLiteral("projecte_pressed_normal"), QString()));
     ProjectFileCfgMode::retranslateUi();
 }

@@ -47,7 +47,7 @@ ProjectFileCfgPlugin *ProjectFileCfgPlugin::instance()
 
 bool ProjectFileCfgPlugin::initialize(const QStringList &, QString *)
 {
-    // Before anything names a file: file names must be UTF-8 in packages and on disk, whatever the locale says.
+    // Before any file is named: names are UTF-8, in packages and on disk, whatever the locale.
     Internal::useUtf8LocaleCodec();
 
     if (!installTranslator(ICore::overrideLanguage()))
@@ -126,7 +126,7 @@ void ProjectFileCfgPlugin::destoryModeWidgets()
 
 void ProjectFileCfgPlugin::currentModeChanged(const HX::Utils::Id &current, const HX::Utils::Id &)
 {
-    // The mode manager is still telling everybody; the panel is made once it is done.
+    // Later, since the mode manager is still notifying other receivers.
     QTimer::singleShot(0, this, [this, current] { showOrLeavePanel(current); });
 }
 
@@ -136,6 +136,7 @@ void ProjectFileCfgPlugin::showOrLeavePanel(const HX::Utils::Id &current)
         createModeWidgets();
         if (!ModeManager::existCenterWidget(centerWidgetId))
             ModeManager::addCenterWidget(centerWidgetId);
+        // Keep this call although its result is unused: hosts expect it before the activation.
         ModeManager::instance();
         ModeManager::setActivateCenterWidget(centerWidgetId);
         if (m_pCenterWidget) {
@@ -172,6 +173,7 @@ void ProjectFileCfgPlugin::withdrawMode()
     SettingCfgModeManager *manager = SettingCfgModeManager::instance();
     const HX::Utils::Id shown = manager->currentModeId();
     if (ModeManager::currentMode() == settingsAreaId && shown == m_pMode->id()) {
+        // Read before the removal: if this sub-mode is the first one, it is activated again.
         const QVector<HX::Utils::Id> modes = manager->modes();
         if (!modes.isEmpty())
             manager->activateMode(modes.first());

@@ -13,8 +13,8 @@ class ProjectFileCfgMode;
 } // namespace Internal
 
 /// The plugin object. It registers the "Project File" sub-mode in the host's settings area, adds or withdraws it when
-/// the active device changes, depending on whether that supports project files, and creates the panel when the sub-mode
-/// is first shown.
+/// the active device changes, depending on whether the new one supports project files, and creates the panel when the
+/// sub-mode is first shown.
 ///
 /// User-interface thread only.
 class PROJECTFILECFG_EXPORT ProjectFileCfgPlugin : public Core::ICorvelPlugin

@@ -35,7 +35,7 @@ constexpr QLatin1String commentKey = PackageLayout::literal("comment");
 
 constexpr int checksumDigits = 32;
 
-/// The lenient guard: see the header.
+/// Lenient on purpose: see getZipComment().
 bool isWorthOpening(const QString &packetPath)
 {
     return QFileInfo::exists(packetPath) || PackageLayout::hasPackageExtension(packetPath);
@@ -51,10 +51,10 @@ bool hasChecksum(const PackageReader &package, const QString &checksum, QString 
 
 bool hasNoRecord(QString *reason)
 {
-    return failBecause(reason, QStringLiteral("the archive's comment is no info record"));
+    return failBecause(reason, QStringLiteral("the archive's comment is not an info record"));
 }
 
-/// Puts the path before the reason, which names none.
+/// Prefixes the cause with the path, unless it names the path already.
 bool failWith(QString *reason, const QString &path, const QString &cause)
 {
     return failBecause(reason, cause.contains(path) ? cause : QStringLiteral("%1: %2").arg(path, cause));
@@ -69,7 +69,7 @@ bool hasOwnRecord(const PackageReader &package, EngineerPacketInfo &info, QStrin
     return hasChecksum(package, info.strChecksum, reason);
 }
 
-/// A null object where the comment is no JSON, or has fewer keys than a record.
+/// An empty object if the text is not a JSON object, or has fewer keys than a record.
 QJsonObject recordIn(const QString &recordJson)
 {
     useUtf8LocaleCodec();
@@ -78,7 +78,7 @@ QJsonObject recordIn(const QString &recordJson)
     return record.size() < leastKeys ? QJsonObject() : record;
 }
 
-/// Half a surrogate pair becomes a question mark, and the text ends at its first zero.
+/// An unpaired surrogate becomes "?", and the text ends at its first NUL.
 QString throughUtf8(const QJsonValue &value)
 {
     const QByteArray bytes = value.toString().toUtf8();
@@ -88,7 +88,7 @@ QString throughUtf8(const QJsonValue &value)
 /// Why ArchiveComment::isReadable() is false.
 QString unreadableRecord()
 {
-    return QStringLiteral("the record has more than %1 bytes, or contains the end of an archive")
+    return QStringLiteral("the record has more than %1 bytes, or contains an end-of-archive signature")
         .arg(PackageLimits::maxArchiveCommentSize);
 }
 
@@ -96,10 +96,11 @@ QString recordOf(const EngineerPacketInfo &info)
 {
     const QJsonObject record{
         {checksumKey, info.strChecksum}, {projectNameKey, info.strProjectName}, {commentKey, info.strComment}};
+    // Indented, as in existing packages.
     return QString::fromUtf8(QJsonDocument(record).toJson());
 }
 
-/// Gives the archive in `package`, which has no comment yet, its record.
+/// Appends the record to the archive in `package`, which has no comment yet, and sets its checksum in `info`.
 bool writeRecord(ReplacingFile &package, EngineerPacketInfo &info, QString *reason)
 {
     const auto cannotWrite = [&info, reason](const QString &cause) {
@@ -113,13 +114,13 @@ bool writeRecord(ReplacingFile &package, EngineerPacketInfo &info, QString *reas
     if (!ArchiveComment::isReadable(record))
         return cannotWrite(unreadableRecord());
     if (!isComplete || !none.isFound() || !none.bytes().isEmpty())
-        return cannotWrite(QStringLiteral("what was written is no archive"));
+        return cannotWrite(QStringLiteral("the file written is not an archive"));
     const QByteArray tail = ArchiveComment::tailWith(record);
     return (file.seek(none.offset()) && file.write(tail) == tail.size() && file.flush()) ||
            cannotWrite(writeError(file));
 }
 
-/// False unless the package has all of the entries with their sizes.
+/// True if the package has all of these entries with these sizes.
 bool holdsAll(const PackageReader &package, const QHash<QString, qint64> &entries, const QString &dirPath,
               QString *reason)
 {
@@ -127,12 +128,12 @@ bool holdsAll(const PackageReader &package, const QHash<QString, qint64> &entrie
         if (package.entrySize(entry.key()) != entry.value())
             return failBecause(
                 reason,
-                QStringLiteral("%1 was taken out of %2 or changed before it was packed").arg(entry.key(), dirPath));
+                QStringLiteral("%1 was removed from %2 or changed before it was packed").arg(entry.key(), dirPath));
     }
     return true;
 }
 
-/// Packs the directory into `package`, with a record that `info` gives, and reads back what was written.
+/// Packs the directory into `package` with a record from `info`, and verifies the file by reading it back.
 bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFile &package,
                   ReplacingFile::MissingFolders folders, const QHash<QString, qint64> &demanded, QString *reason)
 {
@@ -144,15 +145,15 @@ bool packVerified(const QString &dirPath, EngineerPacketInfo &info, ReplacingFil
     const PackageReader written(package.path());
     const bool isAsWritten =
         written.isOpen(&cause) &&
-        (written.archiveComment() == recordOf(info) || failBecause(&cause, QStringLiteral("its record"))) &&
+        (written.archiveComment() == recordOf(info) || failBecause(&cause, QStringLiteral("its record differs"))) &&
         writer.isListedIn(written, &cause) && ZipPackageHandle::checkPacketChecksum(written, &cause);
     if (!isAsWritten)
-        return failBecause(reason, QStringLiteral("%1 is not as it was written: %2").arg(info.strFilePath, cause));
+        return failBecause(reason, QStringLiteral("%1 does not read back as written: %2").arg(info.strFilePath, cause));
     return holdsAll(written, demanded, dirPath, reason);
 }
 
-/// Replaces the comment of the package where it lies. `comment` is asked for it when the package is open; without one
-/// the package stays as it is.
+/// Replaces the archive's comment in place. `comment` is called with the open, locked package; if it returns none, the
+/// package is unchanged.
 bool editArchiveComment(
     const QString &packetPath,
     const std::function<std::optional<QByteArray>(QFile &package, const ArchiveComment &old)> &comment, QString *reason)
@@ -164,17 +165,17 @@ bool editArchiveComment(
     if (!package.open(reason))
         return false;
     const ArchiveComment old(package.file());
-    // What the zip library takes for the comment must be what is going to be replaced.
+    // The zip library must see the very comment that is to be replaced.
     const PackageReader reader(packetPath);
     if (!reader.isOpen(reason))
         return false;
     if (!old.isFound() || reader.archiveComment() != QString::fromUtf8(old.bytes().constData()))
-        return failBecause(reason, QStringLiteral("%1 is no archive of which the comment can be replaced: it is of 64 "
-                                                  "bits or on several disks, or something follows its comment")
+        return failBecause(reason, QStringLiteral("cannot replace the comment of %1: the archive is zip64 or spans "
+                                                  "several disks, or something follows its comment")
                                        .arg(packetPath));
     const std::optional<QByteArray> bytes = comment(package.file(), old);
     if (!bytes)
-        return failBecause(reason, QStringLiteral("%1 cannot be read to its end").arg(packetPath));
+        return failBecause(reason, QStringLiteral("%1 cannot be read completely").arg(packetPath));
     if (!ArchiveComment::isReadable(*bytes))
         return failBecause(reason, QStringLiteral("%1: %2").arg(packetPath, unreadableRecord()));
     return package.replaceTail(old.offset(), ArchiveComment::tailWith(*bytes), reason);
@@ -188,7 +189,7 @@ void removeFiles(const QStringList &paths)
 
 } // namespace
 
-// docs/package-format.md says the state on disk after a crash at each of these steps.
+// docs/package-format.md lists the state on disk after a crash at each of these steps.
 bool ZipPackageHandle::compressEngineerPacket(const QString &dirPath, EngineerPacketInfo &info)
 {
     ReplacingFile package(info.strFilePath, ReplacingFile::Durability::FlushedToDisk);
@@ -211,6 +212,7 @@ bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info)
 bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info, QString *reason)
 {
     if (!QFileInfo::exists(info.strFilePath)) {
+        // Not qDebug(): the location must not depend on the build's folder.
         QMessageLogger("src/plugins/projectfilecfg/zippackagehandle.cpp", __LINE__, Q_FUNC_INFO)
             .debug("File is not exist");
         return failBecause(reason, QStringLiteral("%1 does not exist").arg(info.strFilePath));
@@ -244,7 +246,7 @@ bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath, QString *r
     return checkPacketChecksum(PackageReader(packetPath), &cause) || failWith(reason, packetPath, cause);
 }
 
-// As it stands in the record, and so stricter than isValidEngineerPacket().
+// Compares the value as the record has it, without throughUtf8(): stricter than isValidEngineerPacket().
 bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package, QString *reason)
 {
     if (!package.isOpen(reason))
@@ -288,7 +290,7 @@ bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info, QString *reason
 {
     EngineerPacketInfo edited = info;
     const auto record = [&edited](QFile &package, const ArchiveComment &old) -> std::optional<QByteArray> {
-        // A record is as long with any checksum, and its length is all of it that the checksum may reach.
+        // A record has the same length with any checksum, and its length is all of it that the checksum can cover.
         edited.strChecksum = QString(checksumDigits, QLatin1Char('0'));
         const QByteArray end = old.endRecordWith(recordOf(edited).toUtf8());
         bool isComplete = false;
@@ -360,7 +362,7 @@ int ZipPackageHandle::extractDir(const QString &packetPath, const QString &destD
 bool ZipPackageHandle::writeTextChecksum(const QString &packetPath)
 {
     QFile file(packetPath);
-    // The text is read in the locale's encoding.
+    // QTextStream decodes with the locale codec.
     useUtf8LocaleCodec();
     if (!isWorthOpening(packetPath) || !openPlainFile(file))
         return false;

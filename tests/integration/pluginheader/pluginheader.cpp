@@ -4,7 +4,7 @@
 
 using ProjectFileCfg::ProjectFileCfgPlugin;
 
-/// Whether everybody may call installTranslator with such arguments.
+/// Whether installTranslator is public and takes these arguments.
 template<typename Plugin, typename = void, typename... Arguments>
 struct IsPublic : std::false_type
 {};
@@ -22,9 +22,9 @@ namespace {
 
 struct Derived : ProjectFileCfgPlugin
 {
-    // Virtual, whatever the base says.
+    // Virtual, whatever the base class declares.
     bool installTranslator(const QString &) override { return false; }
-    // Still within reach of plugins that build on this one.
+    // Still accessible to derived plugins.
     bool others() { return ProjectFileCfgPlugin::installTranslator(QString(), QString(), QString()); }
 };
 

@@ -7,7 +7,7 @@
 
 using namespace TestSupport;
 
-/// Every function here must fail; tst_support runs them one by one.
+/// Every function here must fail; tst_support runs them individually.
 class MustFail : public QObject
 {
     Q_OBJECT

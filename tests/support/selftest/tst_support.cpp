@@ -224,7 +224,7 @@ void TstSupport::archives_are_readable_by_an_independent_unpacker()
     const QString output = QString::fromUtf8(unzip.readAll());
     QVERIFY2(unzip.exitCode() == 0, qPrintable(output));
     QVERIFY2(output.contains(QStringLiteral("No errors detected")), qPrintable(output));
-    // The digest of "PK", 3, 4, and the version needed, 20: all that stands before the first zero byte.
+    // The digest of "PK", 3, 4, and the version needed, 20: all bytes before the first zero byte.
     QCOMPARE(
         PackageBuilder::checksum(builder.build(), 0),
         QCryptographicHash::hash(QCryptographicHash::hash(QByteArray("PK\3\4\24"), QCryptographicHash::Md5).toHex(),

@@ -43,7 +43,7 @@ constexpr qint64 nanosecondsPerSecond = 1000000000;
 #ifdef Q_OS_WIN
 
 Folder::Folder(const QString &path, QString *)
-    : m_path(path)
+    : m_strPath(path)
 {}
 Folder::~Folder() = default;
 bool Folder::isOpen() const
@@ -63,10 +63,10 @@ bool flush(int handle)
 FileIdentity::FileIdentity(const QString &path)
 {
     const QFileInfo file(path);
-    m_exists = file.exists() || file.isSymLink();
-    m_isFolder = file.isDir();
-    m_volume = m_exists ? quint64(file.size()) : 0;
-    m_number = m_exists ? quint64(file.lastModified().toMSecsSinceEpoch()) : 0;
+    m_bExists = file.exists() || file.isSymLink();
+    m_bFolder = file.isDir();
+    m_nVolume = m_bExists ? quint64(file.size()) : 0;
+    m_nInode = m_bExists ? quint64(file.lastModified().toMSecsSinceEpoch()) : 0;
 }
 
 FileIdentity::~FileIdentity() = default;
@@ -74,7 +74,7 @@ FileIdentity::~FileIdentity() = default;
 int openToChange(const QString &path, QString *reason)
 {
     if (!QFileInfo(path).isFile()) {
-        failBecause(reason, QStringLiteral("%1 is no plain file, or missing").arg(path));
+        failBecause(reason, QStringLiteral("%1 is missing or not a plain file").arg(path));
         return -1;
     }
     const int handle = _wopen(path.toStdWString().c_str(), _O_RDWR | _O_BINARY | _O_NOINHERIT);
@@ -85,7 +85,7 @@ int openToChange(const QString &path, QString *reason)
 
 bool lock(int handle)
 {
-    // One byte far behind any package's end: here a lock also keeps others from reading.
+    // One byte far beyond any package's end: on Windows others cannot even read a locked byte.
     constexpr long one = 1;
     constexpr qint64 farBehind = qint64(1) << 40;
     return _lseeki64(handle, farBehind, SEEK_SET) == farBehind && _locking(handle, _LK_NBRLCK, one) == 0;
@@ -93,7 +93,7 @@ bool lock(int handle)
 
 bool lockToRead(int)
 {
-    // What is written by one call is seen whole or not at all.
+    // Readers see a single write completely or not at all.
     return true;
 }
 
@@ -101,7 +101,7 @@ void unlock(int) {}
 
 bool isOpenFile(const QString &path, int)
 {
-    // What is open as above can be neither removed nor renamed here.
+    // Windows neither removes nor renames a file while it is open like this.
     return QFileInfo(path).isFile();
 }
 
@@ -161,7 +161,7 @@ int openToChange(const QString &path, QString *reason)
     if (fstat(handle, &status) == 0 && S_ISREG(status.st_mode))
         return handle;
     ::close(handle);
-    failBecause(reason, QStringLiteral("%1 is no plain file").arg(path));
+    failBecause(reason, QStringLiteral("%1 is not a plain file").arg(path));
     return -1;
 }
 
@@ -220,7 +220,8 @@ FileIdentity::FileIdentity(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
 #ifdef O_PATH
-    // Needs no leave to read and waits at no pipe. A number in use is not given away again.
+    // O_PATH needs no read permission and does not block on a pipe. While the handle is open, the system does not
+    // reuse the inode number.
     m_nHandle = ::open(name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC);
 #endif
     struct stat status = {};
@@ -258,8 +259,8 @@ bool shareContent(int from, int to)
 void beginFlush(int handle)
 {
 #ifdef Q_OS_LINUX
-    // From the beginning, since the zip library goes back to complete its headers. What is on its way already is
-    // passed.
+    // The whole file, since the zip library seeks back to complete its headers. The system skips pages that it is
+    // writing already.
     sync_file_range(handle, 0, 0, SYNC_FILE_RANGE_WRITE);
 #else
     Q_UNUSED(handle)
@@ -308,9 +309,9 @@ bool makeFolder(const QString &path, QString *reason)
         return false;
     if (!QDir().mkdir(folder)) {
         const QString error = systemError();
-        // Another program may have made it in between.
+        // Another program may have created it first.
         if (!QFileInfo(folder).isDir())
-            return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(folder, error));
+            return failBecause(reason, QStringLiteral("cannot create the folder %1: %2").arg(folder, error));
     }
     return parent.flush(reason);
 }
@@ -327,7 +328,7 @@ bool cannotRename(QString *reason, const QString &from, const QString &to, const
 bool replace(const QString &from, const QString &to, QString *reason)
 {
 #ifdef Q_OS_WIN
-    // Here rename() would not replace.
+    // On Windows, rename() does not replace.
     std::error_code error;
     std::filesystem::rename(from.toStdWString(), to.toStdWString(), error);
     return !error || cannotRename(reason, from, to, QString::fromLocal8Bit(error.message().c_str()));
@@ -348,13 +349,13 @@ bool renameToFreeName(const QString &from, const QString &to, QString *reason)
     const QByteArray target = QFile::encodeName(to);
     if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
         return true;
-    // Not every file system and kernel has it.
+    // Not every file system and kernel supports it.
     if (errno != EINVAL && errno != ENOSYS)
         return cannotRename(reason, from, to, systemError());
 #endif
     const QFileInfo existing(to);
     if (existing.exists() || existing.isSymLink())
-        return cannotRename(reason, from, to, QStringLiteral("it exists already"));
+        return cannotRename(reason, from, to, QStringLiteral("it already exists"));
     return replace(from, to, reason);
 #endif
 }
@@ -377,12 +378,12 @@ bool replaceSame(const QString &from, const QString &to, const FileIdentity &exp
         return renameToFreeName(from, to, reason);
     if (expected.m_bFolder)
         return failBecause(reason, QStringLiteral("%1 is a folder").arg(to));
-    const auto isAnother = [&] { return failBecause(reason, QStringLiteral("another file has come to %1").arg(to)); };
+    const auto isAnother = [&] { return failBecause(reason, QStringLiteral("another file is at %1 now").arg(to)); };
     if (!expected.isAt(to))
         return isAnother();
 #ifdef RENAME_EXCHANGE
     if (exchange(from, to)) {
-        // Only what has come out cannot be exchanged for another any more.
+        // Checked after the exchange: nobody else can replace what is at `from` now.
         if (expected.isAt(from))
             return true;
         if (!exchange(from, to))
@@ -391,7 +392,7 @@ bool replaceSame(const QString &from, const QString &to, const FileIdentity &exp
     }
     if (errno == ENOENT)
         return renameToFreeName(from, to, reason);
-    // Not every file system and kernel has it.
+    // Not every file system and kernel supports it.
     if (errno != EINVAL && errno != ENOSYS)
         return cannotRename(reason, from, to, systemError());
 #endif

@@ -101,7 +101,7 @@ bool lockToRead(int handle);
 void unlock(int handle);
 
 /// Keeps writers from the open file while it lives. Waits 200 ms for one that has locked it, much longer than an edit
-/// takes; after that it goes without the lock, and what is read has to be checked.
+/// takes; after that it does without the lock, and what is read has to be checked.
 class ReadLock
 {
 public:

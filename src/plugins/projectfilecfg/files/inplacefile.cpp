@@ -15,7 +15,7 @@ namespace Internal {
 
 namespace {
 
-/// More than any tail: who has written so much is not us.
+/// In bytes, more than any tail that this class writes.
 constexpr qint64 maxTailSize = 128 * 1024;
 
 /// The path itself if there is no file, so that a failure names it.
@@ -35,16 +35,16 @@ InPlaceFile::~InPlaceFile() = default;
 
 bool InPlaceFile::open(QString *reason)
 {
-    // A record that is being ended, or another program's edit, takes milliseconds. Who is ill holds it longer.
+    // Milliseconds. Recovery, or an edit by another program, takes a few; only a hung program holds the lock longer.
     constexpr int second = 1000;
-    // While it was waited for, another one may have taken its place, whose undo record is none of this one.
+    // The file may have been replaced while this waited for the lock; the undo record is then that of the new file.
     return openPlainFile(reason) && lock(second, reason) && isStillInPlace(reason) &&
            settle(UndoRecord::pathFor(m_strPath), reason);
 }
 
 bool InPlaceFile::openPlainFile(QString *reason)
 {
-    // Not QFile::open: that would make the file where it has gone meanwhile.
+    // Not QFile::open(): it would create the file if it was removed meanwhile.
     const int handle = FileSystem::openToChange(m_strPath, reason);
     return handle >= 0 && m_file.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFile::AutoCloseHandle);
 }
@@ -71,19 +71,20 @@ QByteArray InPlaceFile::tailFrom(qint64 offset)
     return m_file.seek(offset) ? m_file.read(maxTailSize) : QByteArray();
 }
 
-/// Makes `tail` the file's last bytes, on the disk. What was read back decides, whatever the steps say of themselves.
+/// Replaces the file's last bytes by `tail` and flushes them. Reading back decides on success, whatever the single
+/// calls return.
 bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString *reason)
 {
-    QString error = QStringLiteral("what was read back differs");
+    QString error = QStringLiteral("the bytes read back differ");
     if (tailFrom(record.nOffset) != tail) {
         const qint64 size = record.nOffset + tail.size();
         if (!m_file.seek(record.nOffset) || m_file.write(tail) != tail.size())
             error = writeError(m_file);
-        // Some file systems wait for the disk where there is nothing to cut, too.
+        // Not unconditionally: some file systems wait for the disk even if the size stays the same.
         if (m_file.size() > size)
             m_file.resize(size);
     }
-    // Not an error where it fails: it is only the place in the table.
+    // Failure is no error: the time only determines the row's position in the table.
     FileSystem::setModified(m_file.handle(), record.nModified);
     const bool isFlushed = FileSystem::flush(m_file.handle());
     if (!isFlushed)
@@ -92,7 +93,7 @@ bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString 
            failBecause(reason, QStringLiteral("cannot write the end of %1: %2").arg(m_strPath, error));
 }
 
-// docs/package-format.md says the state on disk after a crash at each of these steps.
+// docs/package-format.md lists the state on disk after a crash at each of these steps.
 bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail, QString *reason)
 {
     UndoRecord record;
@@ -107,7 +108,7 @@ bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail, QString *re
                            QStringLiteral("cannot read the end of %1: %2").arg(m_strPath, m_file.errorString()));
     const QString recordPath = UndoRecord::pathFor(m_strPath);
     if (!record.write(recordPath)) {
-        // An older record whose removal was not flushed must not come back after this.
+        // An older record must not reappear after a power failure: its removal may never have been flushed.
         QFile::remove(recordPath);
         FileSystem::Folder(QFileInfo(m_strPath).absolutePath()).flush();
     }
@@ -117,7 +118,7 @@ bool InPlaceFile::replaceTail(qint64 offset, const QByteArray &tail, QString *re
     return isReplaced;
 }
 
-/// Ends what the record at `recordPath`, if there is one, says of this file, and removes it.
+/// Applies the undo record at `recordPath`, if there is one, to this file, and removes the record.
 bool InPlaceFile::settle(const QString &recordPath, QString *reason)
 {
     if (!QFileInfo::exists(recordPath))
@@ -127,7 +128,7 @@ bool InPlaceFile::settle(const QString &recordPath, QString *reason)
     if (reading == UndoRecord::Reading::Whole && record.fits(m_file)) {
         const QByteArray tail = tailFrom(record.nOffset);
         const bool isOurs = tail == record.before || tail == record.after || record.isTorn(tail);
-        // What is whole is flushed, too: the process may have been killed before it came to that.
+        // Also if the bytes are right: the process may have been killed before it flushed them.
         if (isOurs && !put(record, tail == record.after ? tail : record.before, reason))
             return false;
     }
@@ -137,7 +138,7 @@ bool InPlaceFile::settle(const QString &recordPath, QString *reason)
            failBecause(reason, QStringLiteral("cannot remove the undo record %1: %2").arg(recordPath, systemError()));
 }
 
-/// False when the record is not for the file, so that another one may be looked for.
+/// True if the record is for the file, even if it is locked and so left alone.
 bool InPlaceFile::settleRecord(const QString &recordPath, const QString &filePath, const UndoRecord &record)
 {
     QFile reader(filePath);
@@ -150,7 +151,7 @@ bool InPlaceFile::settleRecord(const QString &recordPath, const QString &filePat
     return true;
 }
 
-/// The same for all files of the folder, since it may have got another name: the one that had it first.
+/// Tries the file with the recorded name first, then the others with its extension: it may have been renamed.
 bool InPlaceFile::settleInFolder(const QString &recordPath, const QDir &folder, const UndoRecord &record)
 {
     const QString sameKind = QStringLiteral("*.") + QFileInfo(record.strFileName).suffix();
@@ -171,7 +172,7 @@ void InPlaceFile::recover(const QString &folderPath)
         const UndoRecord::Reading reading =
             UndoRecord::isUndoRecord(name) ? record.read(recordPath) : UndoRecord::Reading::Unreadable;
         const bool isWithoutFile = reading == UndoRecord::Reading::Whole && !settleInFolder(recordPath, folder, record);
-        // Which file it is for is not known of one that is not whole, and so not whether somebody is writing it now.
+        // A broken record does not say whose it is, so no lock tells whether a process is still writing it.
         if (isWithoutFile || (reading == UndoRecord::Reading::Broken && UndoRecord::isStale(recordPath)))
             QFile::remove(recordPath);
     }

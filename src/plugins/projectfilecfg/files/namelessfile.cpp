@@ -11,11 +11,11 @@ std::unique_ptr<QFile> openNamelessFile(const QString &folder, QString *reason)
 {
     auto file = std::make_unique<QTemporaryFile>(folder + QStringLiteral("/.XXXXXX.part"));
     if (!file->open()) {
-        failBecause(reason, QStringLiteral("cannot make a file in %1: %2").arg(folder, file->errorString()));
+        failBecause(reason, QStringLiteral("cannot create a file in %1: %2").arg(folder, file->errorString()));
         return nullptr;
     }
 #ifndef Q_OS_WIN
-    // Behind the file's back: its own remove() would close it. From here on the name is anybody's.
+    // Not QTemporaryFile::remove(): it closes the file. No auto-remove: another program may use the name by then.
     if (QFile::remove(file->fileName()))
         file->setAutoRemove(false);
 #endif

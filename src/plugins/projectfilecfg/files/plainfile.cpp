@@ -25,8 +25,8 @@ bool cannotOpen(QString *reason, const QString &path, const QString &error)
 
 bool openPlainFile(QFile &file, bool unbuffered, QString *reason)
 {
-    const QString noPlainFile = QStringLiteral("it is no plain file");
-    // Forgotten once it was opened by its handle.
+    const QString noPlainFile = QStringLiteral("it is not a plain file");
+    // QFile::open() with a handle clears the file's name.
     const QString path = file.fileName();
     const QIODevice::OpenMode mode =
         unbuffered ? QIODevice::ReadOnly | QIODevice::Unbuffered : QIODevice::OpenMode(QIODevice::ReadOnly);

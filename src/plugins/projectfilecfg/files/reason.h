@@ -11,7 +11,7 @@ namespace Internal {
 
 /// An operation that can fail takes `QString *reason` as its last parameter: on failure it sets the text, if one is
 /// given, to a short English sentence for the log, with the path and the system's error; on success it leaves it alone.
-/// Nothing below the jobs and the panel's slots logs a failure that it returns: whoever gives up does, once.
+/// Nothing below the jobs and the panel's slots logs a failure that it returns: the one that gives up logs it, once.
 ///
 /// Sets the reason and returns false.
 inline bool failBecause(QString *reason, const QString &text)
@@ -21,18 +21,17 @@ inline bool failBecause(QString *reason, const QString &text)
     return false;
 }
 
-/// The text of `errno`, as the last failed call of the system left it.
+/// The text for `errno`, as the last failed system call left it.
 inline QString systemError()
 {
     return QString::fromLocal8Bit(std::generic_category().message(errno).c_str());
 }
 
-/// Why a write to the device failed. Qt has no text if the system took only a part, as a disk does that becomes full.
+/// Why a write to the device failed. Qt has no text for a short write, as on a disk that becomes full.
 inline QString writeError(const QIODevice &device)
 {
     const QString error = device.errorString();
-    return error == QFile().errorString() ? QStringLiteral("only a part could be written, the disk may be full")
-                                          : error;
+    return error == QFile().errorString() ? QStringLiteral("only part of it was written, the disk may be full") : error;
 }
 
 } // namespace Internal

@@ -21,7 +21,7 @@ namespace {
 
 QString fragmentName()
 {
-    // Not the target's name with something added: that could be longer than a name may be.
+    // Not the target's name with a suffix: that could be too long for a file name.
     const QString id = QUuid::createUuid().toString().remove(QLatin1Char('{')).remove(QLatin1Char('}'));
     return QLatin1Char('.') + id + QStringLiteral(".part");
 }
@@ -69,7 +69,7 @@ ReplacingFile::~ReplacingFile()
 
 bool ReplacingFile::create(MissingFolders folders, QString *reason)
 {
-    // Nearly always it is there, and a package has thousands of entries.
+    // Without a check: the folder nearly always exists, and a package has thousands of entries.
     if (openFragment(reason))
         return true;
     if (folders == MissingFolders::NotMade)
@@ -77,7 +77,8 @@ bool ReplacingFile::create(MissingFolders folders, QString *reason)
     if (m_durability == Durability::FlushedToDisk)
         return FileSystem::makeFolder(m_strFolderPath, reason) && openFragment(reason);
     if (!QDir().mkpath(m_strFolderPath))
-        return failBecause(reason, QStringLiteral("cannot make the folder %1: %2").arg(m_strFolderPath, systemError()));
+        return failBecause(reason,
+                           QStringLiteral("cannot create the folder %1: %2").arg(m_strFolderPath, systemError()));
     return openFragment(reason);
 }
 
@@ -88,7 +89,7 @@ bool ReplacingFile::openFragment(QString *reason)
     return m_fragment.open(QIODevice::ReadWrite | QIODevice::Truncate) ||
            failBecause(
                reason,
-               QStringLiteral("cannot make a file beside %1: %2").arg(m_strTargetPath, m_fragment.errorString()));
+               QStringLiteral("cannot create a file beside %1: %2").arg(m_strTargetPath, m_fragment.errorString()));
 }
 
 bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
@@ -101,8 +102,8 @@ bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
     if (!FileSystem::shareContent(source.handle(), m_fragment.handle()) &&
         !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied, nullptr, &error))
         return failBecause(reason, QStringLiteral("cannot copy %1 to %2: %3").arg(sourcePath, m_strTargetPath, error));
-    // What this user may do with the source is no permission of the file. Not an error where it fails: a stick's
-    // file system knows no permissions.
+    // QFile::permissions() adds what the current user may do, which is not stored in a file. Failure is no error: a
+    // stick's file system has no permissions.
     constexpr QFile::Permissions thisUser = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
     m_fragment.setPermissions(source.permissions() & ~thisUser);
     return (m_fragment.flush() && m_fragment.seek(0)) || cannotWrite(reason);
@@ -124,7 +125,8 @@ bool ReplacingFile::commitInPlaceOf(const FileSystem::FileIdentity &previous, QS
     const FileSystem::FileIdentity own(path());
     const bool committed =
         finish([&] { return FileSystem::replaceSame(path(), m_strTargetPath, previous, reason); }, reason);
-    // What was replaced lies there now. After a failure in a failure it is perhaps the only one of another program.
+    // The replaced file is at path() now. If it could not be exchanged back, it may be another program's only copy:
+    // the destructor must not remove it.
     if (m_bCommitted)
         m_fragment.remove();
     else
@@ -132,7 +134,7 @@ bool ReplacingFile::commitInPlaceOf(const FileSystem::FileIdentity &previous, QS
     return committed;
 }
 
-// docs/package-format.md says the state on disk after a crash between any two of these steps.
+// docs/package-format.md lists the state on disk after a crash between any two of these steps.
 bool ReplacingFile::finish(const std::function<bool()> &rename, QString *reason)
 {
     if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError)
@@ -173,9 +175,9 @@ void ReplacingFile::removeStaleFragments(const QString &folderPath)
 
 bool copyToFreeName(const QString &sourcePath, const QString &targetPath, QString *reason)
 {
-    // Asked again when it is renamed; here it saves the copying.
+    // commit() checks again; this one saves the copying.
     if (QFileInfo::exists(targetPath))
-        return failBecause(reason, QStringLiteral("cannot copy %1: %2 exists already").arg(sourcePath, targetPath));
+        return failBecause(reason, QStringLiteral("cannot copy %1: %2 already exists").arg(sourcePath, targetPath));
     ReplacingFile copy(targetPath, ReplacingFile::Durability::FlushedToDisk);
     return copy.createFrom(sourcePath, reason) && copy.commit(ReplacingFile::ExistingTarget::Kept, reason);
 }

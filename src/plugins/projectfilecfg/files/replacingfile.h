@@ -66,8 +66,8 @@ public:
     static bool isFragment(const QString &fileName);
 
     /// Removes the fragments in the folder that were last written more than a day ago. Younger ones may belong to
-    /// another instance of the program; the clocks of a network share, or of a stick that counts in somebody's local
-    /// time, differ by less than a day. If a living fragment is removed all the same, its commit() fails.
+    /// another instance of the program; the clock of a network share, or the local time on a stick, differs by less
+    /// than a day. If a fragment in use is removed all the same, its commit() fails.
     static void removeStaleFragments(const QString &folderPath);
 
 private:

@@ -17,13 +17,14 @@ namespace Internal {
 
 namespace {
 
-/// "UNDO", and the version of what follows.
+/// "UNDO", and the version of the format.
 constexpr quint32 magic = 0x554E444F;
 constexpr quint32 version = 1;
 constexpr int digestSize = 32;
-/// Two tails with the longest comment that an archive has, and room for the rest.
+/// In bytes: two tails with the longest comment, and room for the other fields.
 constexpr qint64 maxRecordSize = 256 * 1024;
-/// Of a package it is the end of its directory, with sizes and CRCs of the entries: nothing else says more about it.
+/// The bytes before the offset that identify a file: in a package the end of the central directory, with sizes and CRCs
+/// of its entries.
 constexpr qint64 markedSize = 4096;
 
 QByteArray digestOf(const QByteArray &bytes)
@@ -69,7 +70,7 @@ UndoRecord::Reading UndoRecord::read(const QString &recordPath)
     stream >> foundMagic >> foundVersion >> strFileName >> nOffset >> mark >> before >> after >> nModified;
     const bool isWhole = bytes.left(digestSize) == digestOf(content) && stream.status() == QDataStream::Ok &&
                          foundMagic == magic && foundVersion == version;
-    // A name, and no way out of the folder.
+    // A record must not lead out of its folder.
     return isWhole && QFileInfo(strFileName).fileName() == strFileName && nOffset >= 0 ? Reading::Whole
                                                                                        : Reading::Broken;
 }
@@ -81,7 +82,7 @@ bool UndoRecord::write(const QString &recordPath) const
     stream.setVersion(QDataStream::Qt_5_9);
     stream << magic << version << strFileName << nOffset << mark << before << after << nModified;
     const QByteArray bytes = digestOf(content) + content;
-    // Under its name at once: to flush a renaming costs as much again as to flush the file.
+    // Not a ReplacingFile: flushing the rename would cost as much again, and an incomplete record does no harm.
     const FileSystem::Folder folder(QFileInfo(recordPath).absolutePath());
     QFile record(recordPath);
     return folder.isOpen() && record.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered) &&

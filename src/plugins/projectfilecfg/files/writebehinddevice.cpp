@@ -12,7 +12,7 @@ WriteBehindDevice::WriteBehindDevice(QFileDevice &file, qint64 blockSize)
     : m_file(file)
     , m_nBlockSize(blockSize)
 {
-    // One thread takes the blocks in the order in which they come, so that the one after the current one is free first.
+    // One thread: blocks are written, and become free, in the order in which they were handed over.
     m_pool.setMaxThreadCount(1);
     for (Block &block : m_blocks)
         block.bytes.reset(new char[std::size_t(m_nBlockSize)]);
@@ -30,13 +30,12 @@ void WriteBehindDevice::writeToFile(const Block &block)
         m_bFailed = true;
 }
 
-/// The current block is empty afterwards.
+/// Queues the current block for writing and waits until the next one is free, which becomes the current block.
 void WriteBehindDevice::handOver()
 {
     if (block().nSize == 0)
         return;
-    // Nobody waits for the task itself: who does takes it over where it has not begun, and would write beside the
-    // thread of the pool.
+    // A semaphore, not the future: waitForFinished() may run the task on this thread, beside one on the pool's thread.
     QtConcurrent::run(&m_pool, [this, &full = block()] {
         writeToFile(full);
         m_free.release();
@@ -57,7 +56,7 @@ bool WriteBehindDevice::flush()
     return !m_bFailed;
 }
 
-// Where a portion goes is found anew from the device's position, whatever was called before.
+// Derives the place of each portion from pos(), so that seek() needs no override.
 qint64 WriteBehindDevice::writeData(const char *data, qint64 size)
 {
     if (m_bFailed)

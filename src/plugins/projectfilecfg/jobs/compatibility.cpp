@@ -47,8 +47,8 @@ bool cardsAgree(const Model::Device &package, const Model::Device &target)
 
 bool isFromNewerProtocol(const Model::Device &package, const Model::Device &target)
 {
-    // Not the same without the factor: the product rounds a difference in the last bit away. It is not rounded to a
-    // whole number either: 2.41 is newer than 2.4.
+    // Keep the factor: multiplying rounds away a difference in the last bit. Do not round to a whole number: 2.41 is
+    // newer than 2.4.
     return package.getCommunicationProtocolNumber() * 10 > target.getCommunicationProtocolNumber() * 10;
 }
 

@@ -12,8 +12,8 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 /// Compares the device that a package describes with the device that is to get its configuration:
-/// LoadDeviceTypeMismatch if they are of different models; for an online device also LoadCardMismatch if a slot has
-/// another card, and LoadProtocolVersionMismatch if the package is from a newer protocol. Otherwise LoadSuccess.
+/// LoadDeviceTypeMismatch if their models differ; for an online device also LoadCardMismatch if a slot holds a
+/// different card, and LoadProtocolVersionMismatch if the package is from a newer protocol. Otherwise LoadSuccess.
 LoadResultCode compareDevices(const Model::Device &package, const Model::Device &target, bool isTargetOnline,
                               QString *reason);
 

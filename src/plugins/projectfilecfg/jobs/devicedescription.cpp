@@ -100,7 +100,7 @@ LoadResultCode readDeviceDescription(PackageReader &package, const QString &fold
     failBecause(reason,
                 !cause.isEmpty()
                     ? cause
-                    : QStringLiteral("the description %1 is empty, too large or no JSON: %2").arg(entry, error));
+                    : QStringLiteral("the description %1 is empty, too large or not JSON: %2").arg(entry, error));
     return LoadGetDeviceFailed;
 }
 

@@ -29,7 +29,7 @@ QString findDescription(const QStringList &entries);
 /// text. Null, with the parser's reason in `error`, if it is not a JSON document with content, or exceeds
 /// PackageLimits.
 std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString &error);
-/// The same for a file. `error` is empty if there is none, or if it cannot be opened, which is logged.
+/// The same for a file. `error` is empty if there is no file, or if it cannot be opened, which is logged.
 std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QString &error);
 /// The same for the description that a load reads. Extracts all descriptions of the package to `folder`, where others
 /// expect them, but reads from the package. LoadJsonFileError if there is none: `device` is unchanged.
@@ -37,7 +37,7 @@ std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QStrin
 LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
                                      std::shared_ptr<Model::Device> &device, QString *reason);
 
-/// Gives a description the identity of the device that is to get it: its id, network settings and protocol number.
+/// Gives a description the identity of its target: id, network settings and protocol number.
 void takeIdentity(Model::Device &description, const Model::Device &target, const QString &ip);
 
 } // namespace Internal

@@ -5,8 +5,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Runs `work`, which calls the host, and lets no exception out. False if it threw: `failure` and the exception's text
-/// are logged as critical.
+/// Runs `work`, which calls the host, and catches every exception. False if there was one: `failure` and its text are
+/// logged as critical.
 bool runGuarded(const char *failure, const std::function<void()> &work);
 
 } // namespace Internal

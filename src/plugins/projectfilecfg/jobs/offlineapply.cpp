@@ -31,7 +31,7 @@ QString offlineFolder(const QString &ip)
 
 namespace {
 
-/// One text for both: readers of logs look for it.
+/// The same text for both callers: people search logs for it.
 LoadResultCode extractionFailed(const QString &path)
 {
     qDebug() << "Extract json file failed:" << path;
@@ -43,7 +43,7 @@ LoadResultCode extractionFailed(const QString &path)
 LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder, QString *reason)
 {
     if (!fitsPackageAfterwards(package, folder)) {
-        failBecause(reason, QStringLiteral("more than a package holds would be in %1").arg(folder));
+        failBecause(reason, QStringLiteral("%1 would no longer fit into a package").arg(folder));
         return LoadDecompressFailed;
     }
     QStringList entries = package.entries();
@@ -89,7 +89,7 @@ QString picturePath(const QString &folder, const Materail &materail)
 
 void refreshThumbnails(const Model::Device &device, const QString &folder)
 {
-    // Any number of them may have the same number, and so the same picture.
+    // Several may have the same key number, and so the same picture.
     QHash<QString, QImage> thumbnails;
     for (const auto &materails : {device.getBKGs(), device.getLogos()}) {
         for (const Talvik::weak_refrence<Materail> &reference : materails) {

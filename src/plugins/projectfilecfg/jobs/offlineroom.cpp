@@ -40,7 +40,7 @@ void addEntry(const QString &entry, qint64 size, Contents &contents)
 {
     const QString name = PackageLayout::plainName(entry);
     contents.insert(name, size);
-    // None so deep is extracted; its folders' names together could fill the memory.
+    // Entries this deep are not extracted, and the names of their folders could exhaust the memory.
     if (name.count(QLatin1Char('/')) >= PackageLimits::maxDepth)
         return;
     for (int end = name.indexOf(QLatin1Char('/')); end >= 0; end = name.indexOf(QLatin1Char('/'), end + 1))
@@ -71,7 +71,7 @@ bool fitsPackageAfterwards(const PackageReader &package, const QString &deviceFo
         if (!PackageLayout::isDescription(entry))
             addEntry(entry, package.entrySize(entry), contents);
     }
-    // The host writes one where there is none.
+    // The host will write one if there is none.
     if (findDescription(contents.keys()).isEmpty())
         contents.insert(PackageLayout::descriptionEntry(QDir(deviceFolder).dirName()), 0);
     return fitsPackage(contents);

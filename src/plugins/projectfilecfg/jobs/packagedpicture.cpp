@@ -17,7 +17,7 @@ namespace Internal {
 
 namespace {
 
-/// Larger files are no content for the memory: several pictures are there at once, and their pixels besides.
+/// Larger files are kept on disk: several pictures are in memory at once, and their pixels besides.
 constexpr qint64 maxSizeInMemory = 32 * 1024 * 1024;
 
 } // namespace

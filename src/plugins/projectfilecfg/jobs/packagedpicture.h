@@ -29,7 +29,7 @@ public:
 
     QString entry() const { return m_strEntry; }
     bool isLogo() const;
-    /// True in one of the two gallery folders: these pictures are sent. Others are extracted, but not used.
+    /// True if it is in one of the two gallery folders. Only these pictures are sent; others are just extracted.
     bool isOfGallery() const;
     /// The name under which it is sent: "LOGO_7", "BKG_300".
     QString name() const;

@@ -12,7 +12,7 @@ namespace Internal {
 
 namespace {
 
-/// Pictures with larger files or more pixels are decoded at their turn only, since two are in memory otherwise.
+/// Larger pictures are not decoded ahead, since that puts two in memory.
 constexpr qint64 maxSizeAhead = 32 * 1024 * 1024;
 constexpr qint64 maxPixelsAhead = 16 * 1024 * 1024;
 
@@ -64,7 +64,7 @@ LoadResultCode PictureReadAhead::read(PackagedPicture &picture, QImage &image, Q
     image = PictureReader(picture.content().get()).read(&cause);
     if (!image.isNull())
         return LoadSuccess;
-    // A cut file still tells its size, and so does one that is too large to be read.
+    // open() cannot tell: the header of a truncated file, or of one too large to decode, still has a size.
     failBecause(reason, QStringLiteral("cannot decode %1: %2").arg(picture.entry(), cause));
     return LoadGalleryFileError;
 }

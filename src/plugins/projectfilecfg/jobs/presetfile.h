@@ -6,7 +6,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The file of a preset in a staging directory: its bytes as a QDataStream writes a QByteArray.
+/// The file of a preset in a staging directory: the host's bytes, as a QDataStream writes a QByteArray.
 class PresetFile
 {
 public:
@@ -22,7 +22,7 @@ public:
 
     explicit PresetFile(const QString &path);
 
-    /// Writes the file anew. `detail` is what the host made of the preset.
+    /// Overwrites the file. `detail` is the preset as the host serialised it.
     Outcome write(const QByteArray &detail);
 
     /// After Outcome::Written: its bytes.

@@ -39,7 +39,7 @@ LoadResultCode ReadinessCheck::run(QString *reason)
         if (PackageLayout::isPicture(*entry))
             code = begin(*entry, decoder, reason);
     }
-    // Those stand before the entry that gave the code.
+    // These come before the entry that gave the code, so a failure among them counts first.
     while (!m_begun.isEmpty()) {
         if (!isOldestDecoded(decoder, reason))
             return LoadGalleryFileError;
@@ -52,8 +52,8 @@ LoadResultCode ReadinessCheck::runOffline(QString *reason) const
     return hasTooManyPixels(reason) ? LoadGalleryFileError : LoadSuccess;
 }
 
-// By the places that the pictures must fit: one that has another size is refused at its turn, and so is one that is
-// too large for itself.
+// Adds up the sizes of the places that the pictures must fit. A picture of another size is refused at its turn, and so
+// is one that is too large by itself.
 bool ReadinessCheck::hasTooManyPixels(QString *reason) const
 {
     qint64 pixels = 0;
@@ -66,7 +66,7 @@ bool ReadinessCheck::hasTooManyPixels(QString *reason) const
             pixels += qint64(size.width()) * size.height();
     }
     return pixels > PackageLimits::maxPixels &&
-           !failBecause(reason, QStringLiteral("its pictures have %1 pixels together").arg(pixels));
+           !failBecause(reason, QStringLiteral("its pictures have %1 pixels in total").arg(pixels));
 }
 
 LoadResultCode ReadinessCheck::begin(const QString &entry, PictureDecoder &decoder, QString *reason)

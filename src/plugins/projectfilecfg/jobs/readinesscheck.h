@@ -17,9 +17,9 @@ class PackagedPicture;
 class PackageReader;
 class PictureDecoder;
 
-/// Does with the pictures of a package what an apply to an online device does before it sends them, to find whatever
-/// would end the apply while the device is still unchanged. Decodes pictures on all cores; at most two more than there
-/// are cores are in memory, and at most 256 MiB of pixels beyond the first.
+/// Puts the pictures of a package through all that an apply to an online device does before it sends them, so that
+/// whatever would end the apply is found while the device is still unchanged. Decodes on all cores; at most two
+/// pictures more than there are cores are in memory, and at most 256 MiB of pixels beyond the first.
 class ReadinessCheck
 {
 public:
@@ -37,7 +37,7 @@ public:
     LoadResultCode runOffline(QString *reason) const;
 
 private:
-    /// True if the pictures together, by their sizes in the description, have more pixels than PackageLimits allows.
+    /// True if the pictures, by their sizes in the description, have more pixels in total than PackageLimits allows.
     bool hasTooManyPixels(QString *reason) const;
     LoadResultCode begin(const QString &entry, PictureDecoder &decoder, QString *reason);
     bool isOldestDecoded(PictureDecoder &decoder, QString *reason);

@@ -53,7 +53,7 @@ QString StagingDirectory::presetPath(const QString &entry) const
 
 QString StagingDirectory::picturePath(const QString &entry) const
 {
-    // Two separators, unlike for presets: readers of logs know the paths so.
+    // Keep the doubled separator, which preset paths do not have: logs have always shown these paths.
     return m_strPath + QDir::separator() + QLatin1Char('/') + entry;
 }
 

@@ -37,8 +37,8 @@ private:
     QString m_strPath;
 };
 
-/// Clears a staging directory now and when it goes out of scope: however a save ends, only the package keeps what was
-/// staged.
+/// Clears a staging directory on construction and on destruction: however a save ends, what was staged remains in the
+/// package only.
 class StagedFiles
 {
 public:

@@ -15,7 +15,7 @@ using namespace ZipFormat;
 
 namespace {
 
-/// Parts of an end record, by their places in it.
+/// Offsets of the end record's fields.
 constexpr int disksPosition = 4;
 constexpr int entriesPosition = 10;
 constexpr int directoryPosition = 12;
@@ -38,7 +38,7 @@ quint16 lengthIn(const QByteArray &endRecord)
 
 bool isClassic(const QByteArray &endRecord)
 {
-    // The 64-bit extension fills the fields that it stands for with ones.
+    // One disk, and no field whose bits are all ones: that marks a value in the zip64 extension.
     return endRecord.mid(disksPosition, 4) == QByteArray(4, '\0') &&
            endRecord.mid(entriesPosition, 2) != QByteArray(2, '\xFF') &&
            !endRecord.mid(directoryPosition, 8).contains(QByteArray(4, '\xFF'));

@@ -28,6 +28,7 @@ bool isPackedText(const QByteArray &chunkType)
     return chunkType == "zTXt" || chunkType == "iTXt" || chunkType == "iCCP";
 }
 
+/// An ancillary chunk: its type begins with a lower-case letter.
 bool isText(const QByteArray &chunkType)
 {
     return chunkType.at(0) >= 'a' && chunkType.at(0) <= 'z';
@@ -105,7 +106,7 @@ void PictureScan::takeChunkHead(const QByteArray &head)
     m_nPackedTexts += isPackedText(type) ? 1 : 0;
     m_bBeyondLimits =
         m_nTextSize > PackageLimits::maxPictureTextSize || m_nPackedTexts > PackageLimits::maxPackedPictureTexts;
-    // What follows the end is not read.
+    // The decoder reads nothing after IEND.
     m_bOver = m_bBeyondLimits || type == "IEND";
 }
 
@@ -116,7 +117,7 @@ qint64 PictureScan::pixels() const
 
 qint64 PictureScan::memory() const
 {
-    // As Qt reads it: the width of a pixel depends on depth and colours.
+    // The bits of a pixel in the format in which Qt reads it. Unless those are 32, the converted copy comes on top.
     constexpr int grey = 0;
     constexpr int palette = 3;
     constexpr int wanted = 32;

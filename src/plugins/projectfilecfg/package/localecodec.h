@@ -5,8 +5,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Sets the process's locale codec to UTF-8, permanently. Any thread: every caller sets the same value. Archives do it
-/// (Utf8Zip), and operations on names and records that begin, or may end, without one.
+/// Sets the process's locale codec to UTF-8, permanently. Any thread: every caller sets the same value. Utf8Zip does
+/// it, and so do operations on names and records that may run before any archive is opened.
 inline void useUtf8LocaleCodec()
 {
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));

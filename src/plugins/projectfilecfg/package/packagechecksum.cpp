@@ -14,7 +14,7 @@ namespace {
 constexpr qint64 firstStep = 4 * 1024;
 constexpr qint64 largestStep = 1024 * 1024;
 
-/// Digests the chunk of `length` bytes that begins where the file stands. Empty when it cannot be read.
+/// The digest of the next `length` bytes of the file, up to the first zero byte; empty if they cannot be read.
 QByteArray chunkDigest(QFile &file, qint64 length, QByteArray &buffer)
 {
     QCryptographicHash digest(QCryptographicHash::Md5);
@@ -43,7 +43,8 @@ QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end, bool *
     QByteArray buffer(int(largestStep), Qt::Uninitialized);
     QCryptographicHash digest(QCryptographicHash::Md5);
     for (qint64 start = 0; start < length; start += chunkSize) {
-        // A chunk that begins before the end record meets a zero byte before it comes to what differs there.
+        // Only a chunk that begins inside `end` needs it: any other one ends at a zero byte before the bytes that
+        // differ.
         QByteArray digits;
         if (start >= endStart) {
             const QByteArray chunk = end.mid(int(start - endStart));

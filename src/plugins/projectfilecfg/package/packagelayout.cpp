@@ -37,20 +37,20 @@ bool hasFileEnding(const QString &name)
     return isDescription(name) || isPicture(name) || isPreset(name);
 }
 
-/// With its zero bytes.
+/// Keeps NUL characters, unlike QString::fromUtf8(QByteArray).
 QString textOf(const QByteArray &bytes)
 {
     return QString::fromUtf8(bytes.constData(), std::max(bytes.size(), 0));
 }
 
-/// How many bytes the character at `index` has; 0 when none begins there, or a byte order mark, which is lost on the
-/// way.
+/// The size in bytes of the character at `index`; 0 if none begins there, or if it is a byte order mark, which decoding
+/// drops.
 int characterSize(const QByteArray &bytes, int index)
 {
     const auto lead = uchar(bytes.at(index));
     if (lead < 0x80)
         return 1;
-    // Nearly every byte that belongs to no character is found here, and a name may have thousands.
+    // The fast path for nearly every stray byte: a name may have thousands.
     if (index + 1 == bytes.size() || (uchar(bytes.at(index + 1)) & 0xC0) != 0x80)
         return 0;
     const QByteArray candidate = bytes.mid(index, lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4);
@@ -142,6 +142,7 @@ QString galleryFolder(const QString &entryName)
 
 quint16 galleryNumber(const QString &entryName)
 {
+    // Removes the fixed parts wherever they are in the name, as existing packages are read.
     const QString folder = galleryFolder(entryName);
     return entryName.toUpper()
         .remove(folder + QLatin1Char('/') + folder + QLatin1Char('_'))
@@ -157,7 +158,7 @@ bool isSafeName(const QString &entryName)
     if (name.startsWith(QLatin1Char('/')))
         return false;
     const QStringList parts = name.split(QLatin1Char('/'));
-    // A file called "." would be written aside in the folder above.
+    // The fragment of a file called "." would be in the folder above.
     return parts.size() <= PackageLimits::maxDepth && parts.last() != QLatin1String(".") &&
            std::none_of(parts.begin(), parts.end(), [](const QString &part) {
                return part.trimmed() == QLatin1String("..") || hasDriveLetter(part);

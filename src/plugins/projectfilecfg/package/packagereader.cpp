@@ -30,8 +30,7 @@ using namespace PackageLimits;
 
 namespace {
 
-/// False for links, devices and the like, and for what only a password opens. Archives that were not made on
-/// Unix carry no type.
+/// False for links and special files, and for encrypted entries. Archives that were not made on Unix have no file type.
 bool isOrdinary(const unz_file_info64 &info, bool isFolder)
 {
     constexpr quint32 typeMask = 0170000;
@@ -47,6 +46,7 @@ bool isSymbolicLink(const QString &path)
     return QFileInfo(path).isSymLink();
 }
 
+/// In bytes, at most maxEntrySize; also maxEntrySize if the system reports an error.
 qint64 freeSpace(const QString &folder)
 {
     std::error_code error;
@@ -69,20 +69,20 @@ struct PackageReader::Entry
 
 struct PackageReader::Directory
 {
-    /// As the archive has them, and as text.
+    /// As stored in the archive, and decoded by namesOf().
     QByteArrayList listRawNames;
     QStringList listNames;
-    /// In the same order, and by name, so that taking an entry does not walk over those before it. Of two of the same
-    /// name the first counts.
+    /// In the same order, and by name: the zip library would search linearly. Of two entries of the same name the first
+    /// counts.
     std::vector<Entry> all;
     QHash<QString, Entry> entries;
-    /// Of all names, of all contents, and of these as they are packed.
+    /// Bytes of all names, of all contents, and of all packed contents.
     qint64 nNamesLength = 0;
     quint64 nContentSize = 0;
     quint64 nPackedSize = 0;
 
-    /// False for what no honest archive says of itself: it was made to fill the memory or the disk, with contents
-    /// that no file of `archiveSize` holds unless the entries share them.
+    /// False for a zip bomb, made to fill the memory or the disk: beyond PackageLimits, or with more packed content
+    /// than `archiveSize`, as if entries shared it.
     bool isCredible(qint64 archiveSize) const
     {
         return listRawNames.size() <= maxEntries && nNamesLength <= maxNamesLength &&
@@ -105,7 +105,7 @@ PackageReader::PackageReader(std::unique_ptr<ReadCacheDevice> file)
     if (!m_pFile->open(QIODevice::ReadOnly))
         m_strOpenError = m_pFile->errorString();
     else if (!m_pZip->open(QuaZip::mdUnzip))
-        m_strOpenError = QStringLiteral("%1 is no zip archive, or incomplete").arg(m_pFile->path());
+        m_strOpenError = QStringLiteral("%1 is not a zip archive, or is incomplete").arg(m_pFile->path());
 }
 
 PackageReader::~PackageReader() = default;
@@ -145,8 +145,8 @@ qint64 PackageReader::entrySize(const QString &entryName) const
     return entry == directory().entries.constEnd() ? -1 : entry->nSize;
 }
 
-// Straight from the archive's bytes: to QuaZip a zero byte ends it or does not, as the first entry says; where that one
-// cannot be read, as chance would have it.
+// Not QuaZip::getComment(): whether a zero byte ends it depends on the first entry there, and is undefined if that one
+// cannot be read.
 QString PackageReader::archiveComment() const
 {
     unz_global_info64 info;
@@ -158,6 +158,8 @@ QString PackageReader::archiveComment() const
                : QString::fromUtf8(comment.constData());
 }
 
+// Leaves out as many bytes as the comment's text has in UTF-8, not as the archive states: existing packages were
+// checked in this way.
 QString PackageReader::checksum() const
 {
     return isOpen()
@@ -187,7 +189,7 @@ const PackageReader::Directory &PackageReader::directory() const
     return *m_pDirectory;
 }
 
-// Straight from the archive's bytes: QuaZip would read each header twice and cut a name at a NUL.
+// Not QuaZip::getCurrentFileInfo(): it reads each header twice and cuts a name at a NUL.
 bool PackageReader::readCurrentHeader() const
 {
     QByteArray name(ZipFormat::maxTextSize, Qt::Uninitialized);
@@ -204,16 +206,16 @@ bool PackageReader::readCurrentHeader() const
     m_pDirectory->listRawNames.append(name);
     m_pDirectory->all.push_back(entry);
     m_pDirectory->nNamesLength += name.size();
-    // Many of the largest numbers must not add up to a small one.
+    // Capped, so that the sums cannot overflow.
     m_pDirectory->nContentSize += std::min<quint64>(info.uncompressed_size, maxContentSize + 1);
     m_pDirectory->nPackedSize += std::min<quint64>(info.compressed_size, maxContentSize + 1);
     return true;
 }
 
-// The caller's own folder may be reached through a link; what the archive adds to it may not.
+// The caller's folder may be reached through a link, but no folder that the entry's name adds may be one.
 bool PackageReader::leadsThroughLink(const QString &entryName, const QString &destPath)
 {
-    // Both without dots and doubled separators, behind which a folder would not be recognised.
+    // Both normalised: with "." or "//" in it, the path might not end with the name, and a link be missed.
     const QString path = QDir::cleanPath(QFileInfo(destPath).absoluteFilePath());
     const QString relativePath = QLatin1Char('/') + QDir::cleanPath(entryName);
     const int callersOwn = path.endsWith(relativePath) ? path.size() - relativePath.size() : path.size();
@@ -259,7 +261,7 @@ bool PackageReader::extract(const QString &entryName, const QString &destPath, Q
     if (!entry)
         return false;
     if (blocksLaterPackages(entryName))
-        return failBecause(reason, QStringLiteral("it would be in the way of later packages"));
+        return failBecause(reason, QStringLiteral("it would block later packages"));
     if (leadsThroughLink(entryName, destPath))
         return failBecause(reason, QStringLiteral("a symbolic link is in the way"));
     if (!isFolder(entryName))
@@ -269,7 +271,7 @@ bool PackageReader::extract(const QString &entryName, const QString &destPath, Q
 
 bool PackageReader::goTo(const Entry &entry)
 {
-    // QuaZip reads only where it believes that it stands on an entry; behind the last one it does not.
+    // QuaZip reads only while it has a current file, and after the last one it has none.
     unz64_file_pos position = entry.position;
     return (m_pZip->hasCurrentFile() || m_pZip->goToFirstFile()) &&
            unzGoToFilePos64(m_pZip->getUnzFile(), &position) == UNZ_OK;
@@ -296,7 +298,7 @@ bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64
         return false;
     if (copied != entry.nSize)
         return failBecause(reason, QStringLiteral("it has %1 of %2 bytes").arg(copied).arg(entry.nSize));
-    // Closing compares the checksum of what was read.
+    // close() checks the CRC.
     source.close();
     return source.getZipError() == UNZ_OK || failBecause(reason, QStringLiteral("its CRC is wrong"));
 }
@@ -306,13 +308,13 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
     if (entry.nSize > limit)
         return failAsTooLarge(reason, entry.nSize, limit);
     if (isFolder(destPath))
-        return failBecause(reason, QStringLiteral("it is a file"));
+        return failBecause(reason, QStringLiteral("the destination is a folder"));
     const QString folderPath = QFileInfo(destPath).absolutePath();
     if (!m_tidiedFolders.contains(folderPath)) {
         ReplacingFile::removeStaleFragments(folderPath);
         m_tidiedFolders.insert(folderPath);
     }
-    // Of thousands of small files each would be asked for, and on a full disk it fails soon enough.
+    // Not asked for small files: there may be thousands, and on a full disk the write fails soon enough.
     constexpr qint64 smallSize = 64 * 1024;
     const qint64 room = entry.nSize > smallSize ? freeSpace(folderPath) : smallSize;
     ReplacingFile destination(destPath, ReplacingFile::Durability::NotFlushed);
@@ -344,7 +346,7 @@ QStringList PackageReader::extractJsonFiles(const QString &destDir, QString *rea
     for (const QString &entryName : entries()) {
         if (!isDescription(entryName))
             continue;
-        QString cause = QStringLiteral("%1 is beyond the limits of descriptions").arg(entryName);
+        QString cause = QStringLiteral("%1 exceeds the limits for descriptions").arg(entryName);
         size += directory().entries.value(entryName).nSize;
         const bool isWithinLimits = size <= maxDescriptionSize && writtenPaths.size() < maxDescriptions;
         writtenPaths.append(isWithinLimits

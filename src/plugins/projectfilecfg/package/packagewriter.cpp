@@ -36,9 +36,8 @@ bool isAscii(const QString &name)
     return std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
 }
 
-/// Has the next entry's name marked as UTF-8 where that matters: other programs then show it right. The mark
-/// raises the version that the header says is needed, a byte that the checksum covers, so a plain name goes
-/// without, as it does in the packages that exist.
+/// Flags the next entry's name as UTF-8, so that other programs show it right. Not an ASCII name: the flag raises the
+/// header's "version needed to extract", a byte that the checksum covers, and existing packages do not have it.
 void markEncoding(QuaZip &zip, const QString &name)
 {
     if (isAscii(name))
@@ -47,8 +46,8 @@ void markEncoding(QuaZip &zip, const QString &name)
         zipSetFlags(zip.getZipFile(), ZIP_ENCODING_UTF8);
 }
 
-/// False when the folder has a file or folder whose name Qt cannot hold, as one that is no UTF-8: Qt's own listing
-/// passes over it, or gives it the name of another.
+/// False if a name in the folder is not UTF-8, or the folder cannot be listed. QDir would leave such a name out, or
+/// turn it into that of another file.
 bool hasOnlyListableNames(const QString &folder)
 {
 #ifndef Q_OS_WIN
@@ -66,13 +65,13 @@ bool hasOnlyListableNames(const QString &folder)
 #endif
 }
 
-/// What is larger, no reader takes, or no load.
+/// In bytes. Readers or the load refuse anything larger.
 qint64 maxSizeToPack(const QString &name)
 {
     return isPicture(name) ? PackageLimits::maxPictureFileSize : PackageReader::maxSizeOf(name);
 }
 
-/// The archive's time stamps begin in 1980 and end in 2107; others would be stored as garbage.
+/// Time stamps in a zip archive range from 1980 to 2107; any other one would be stored as garbage.
 QDateTime storableTime(const QDateTime &time)
 {
     const int year = time.date().year();
@@ -81,7 +80,7 @@ QDateTime storableTime(const QDateTime &time)
     return year > 2107 ? QDateTime(QDate(2107, 12, 31), QTime(23, 59, 58)) : time;
 }
 
-/// An extra field that readers pass over: the growth hint of the Open Packaging Conventions.
+/// An extra field that readers skip: the growth hint of the Open Packaging Conventions.
 QByteArray paddingField(int size)
 {
     constexpr int headerSize = 8;
@@ -91,10 +90,9 @@ QByteArray paddingField(int size)
     return QByteArray(header, headerSize) + QByteArray(size - headerSize, '\0');
 }
 
-/// The checksum is taken before the comment is written, and checked afterwards. Only the comment's length, in
-/// the archive's last two bytes, differs between the two. Where the last chunk holds the whole end record, the
-/// zero bytes in front of the length end the digested bytes before they reach it; where a chunk begins inside
-/// the end record, they may not.
+/// The checksum is computed before the comment is written, and checked afterwards; of the bytes it covers, only the
+/// comment's length, the last two bytes of the end record, differs then. If a chunk contains the whole end record, its
+/// digest ends at a zero byte before the length; if a chunk begins inside the end record, it may not.
 bool checksumOutlivesComment(qint64 archiveSize)
 {
     const qint64 lastChunk = archiveSize % PackageChecksum::chunkSize;
@@ -104,7 +102,7 @@ bool checksumOutlivesComment(qint64 archiveSize)
 bool isWithinArchive(qint64 size, QString *reason)
 {
     return size <= PackageLimits::maxArchiveSize ||
-           failBecause(reason, QStringLiteral("the archive is larger than the %1 bytes of its format")
+           failBecause(reason, QStringLiteral("the archive has more than %1 bytes, the limit of its format")
                                    .arg(PackageLimits::maxArchiveSize));
 }
 
@@ -118,7 +116,7 @@ PackageWriter::PackageWriter(const QString &dirPath, const QString &packetPath)
 
 bool PackageWriter::scan(QString *reason)
 {
-    // Qt takes the encoding of file names from it, too.
+    // QFile::encodeName() uses the locale codec.
     useUtf8LocaleCodec();
     m_listEntries.clear();
     m_strFirstDescription.clear();
@@ -132,7 +130,7 @@ bool PackageWriter::isWithinLimits(QString *reason)
     using namespace PackageLimits;
     const auto isBeyond = [&](const QString &what, qint64 found, qint64 limit) {
         return found > limit &&
-               !failBecause(reason, QStringLiteral("%1 of %2 are %3, the limit is %4")
+               !failBecause(reason, QStringLiteral("%2 has %3 %1, the limit is %4")
                                         .arg(what, m_strDirPath, QString::number(found), QString::number(limit)));
     };
     qint64 leastSize = ZipFormat::endRecordSize;
@@ -147,20 +145,20 @@ bool PackageWriter::isWithinLimits(QString *reason)
         if (!isDescription(entry.strName))
             continue;
         descriptionsSize += entry.nSize;
-        // The load reads the first one.
+        // The load parses only the first one.
         if (++descriptions == 1) {
             m_strFirstDescription = entry.strName;
-            if (isBeyond(QStringLiteral("the bytes of the description ") + entry.strName, entry.nSize,
+            if (isBeyond(QStringLiteral("bytes in the description ") + entry.strName, entry.nSize,
                          maxParsedDescriptionSize))
                 return false;
         }
     }
-    return !isBeyond(QStringLiteral("the entries"), m_listEntries.size(), maxPackedEntries) &&
-           !isBeyond(QStringLiteral("the bytes of an archive"), leastSize, maxArchiveSize) &&
-           !isBeyond(QStringLiteral("the bytes of the names"), namesLength, maxNamesLength) &&
-           !isBeyond(QStringLiteral("the bytes"), contentSize, maxContentSize) &&
-           !isBeyond(QStringLiteral("the descriptions"), descriptions, maxDescriptions) &&
-           !isBeyond(QStringLiteral("the bytes of the descriptions"), descriptionsSize, maxDescriptionSize);
+    return !isBeyond(QStringLiteral("entries"), m_listEntries.size(), maxPackedEntries) &&
+           !isBeyond(QStringLiteral("bytes when packed"), leastSize, maxArchiveSize) &&
+           !isBeyond(QStringLiteral("bytes of names"), namesLength, maxNamesLength) &&
+           !isBeyond(QStringLiteral("bytes"), contentSize, maxContentSize) &&
+           !isBeyond(QStringLiteral("descriptions"), descriptions, maxDescriptions) &&
+           !isBeyond(QStringLiteral("bytes of descriptions"), descriptionsSize, maxDescriptionSize);
 }
 
 bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders,
@@ -179,14 +177,14 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         return cannotPack(path, "the folder cannot be listed, or a name in it is not UTF-8");
     enclosingFolders.append(canonicalPath);
 
-    // System entries are broken links and special files: listed so that they can be refused.
+    // QDir::System lists broken links and special files, so that they can be refused.
     const QFileInfoList sources =
         QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QFileInfo &source : sources) {
         if (!staysInside(source))
             return cannotPack(source.filePath(), "the link is broken or leads out of the device's folder");
         if (m_listEntries.size() > PackageLimits::maxPackedEntries)
-            return cannotPack(source.filePath(), "a package cannot hold so many entries");
+            return cannotPack(source.filePath(), "a package cannot hold that many entries");
         if (source.isDir()) {
             const QString name = prefix + source.fileName() + QLatin1Char('/');
             if (!isSafeName(name) || blocksLaterPackages(name))
@@ -201,9 +199,9 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
             ReplacingFile::isFragment(source.fileName()) || UndoRecord::isUndoRecord(source.fileName()))
             continue;
         const QString name = prefix + source.fileName();
-        // What no reader takes would be found out when the package is applied.
+        // Refused now, not only when the package is applied.
         if (!source.isFile() || !source.isReadable())
-            return cannotPack(source.filePath(), "it is no plain file, or cannot be read");
+            return cannotPack(source.filePath(), "it is not a plain file, or cannot be read");
         if (source.size() > maxSizeToPack(name))
             return cannotPack(source.filePath(), "no reader accepts a file of this size");
         if (!isSafeName(name) || blocksLaterPackages(name))
@@ -211,7 +209,7 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
         m_listEntries.append({name, source.absoluteFilePath(), source.size()});
     }
     return m_listEntries.size() <= PackageLimits::maxPackedEntries ||
-           cannotPack(path, "a package cannot hold so many entries");
+           cannotPack(path, "a package cannot hold that many entries");
 }
 
 bool PackageWriter::staysInside(const QFileInfo &source) const
@@ -224,6 +222,7 @@ bool PackageWriter::staysInside(const QFileInfo &source) const
 
 bool PackageWriter::write(QFile &archive, QString *reason)
 {
+    // In bytes, more than an end record has: moves it past the chunk boundary that would cut it.
     constexpr int paddingSize = 32;
     if (!writeEntries(archive, 0, reason))
         return false;
@@ -231,7 +230,7 @@ bool PackageWriter::write(QFile &archive, QString *reason)
         return true;
     return writeEntries(archive, paddingSize, reason) &&
            (checksumOutlivesComment(archive.size()) ||
-            failBecause(reason, QStringLiteral("%1 grew while it was packed").arg(m_strDirPath)));
+            failBecause(reason, QStringLiteral("%1 grew while it was being packed").arg(m_strDirPath)));
 }
 
 bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reason)
@@ -253,7 +252,7 @@ bool PackageWriter::writeEntries(QFile &archive, int paddingSize, QString *reaso
     }
     if (isWritten)
         zip.close();
-    // Of a refused write the zip library tells no reason.
+    // Checked first: the zip library does not say why a write failed.
     if (!device.flush() || archive.error() != QFileDevice::NoError)
         return cannotWrite();
     if (isWritten && zip.getZipError() != UNZ_OK)
@@ -267,14 +266,14 @@ bool PackageWriter::writeEntry(QuaZip &zip, Entry &entry, int paddingSize, QStri
         return failBecause(reason, QStringLiteral("cannot pack %1: %2").arg(entry.strSourcePath, cause));
     };
     markEncoding(zip, entry.strName);
-    // Of a link's attributes those of its target count, else it would come out as a link again.
+    // The attributes of a link's target: with those of the link, the entry would be extracted as a link.
     const QFileInfo source(entry.strSourcePath);
     QuaZipNewInfo header(entry.strName, source.isSymLink() ? source.canonicalFilePath() : entry.strSourcePath);
     header.dateTime = storableTime(header.dateTime);
     header.extraLocal = paddingField(paddingSize);
 
-    // The level stays the default one also for what is stored: level 0 would lower the version that the header
-    // says is needed, which is one of the few bytes that the checksum covers.
+    // The default level, also for stored entries: level 0 would lower the header's "version needed to extract", one of
+    // the few bytes that the checksum covers.
     const int method = entry.isFolder() || isPicture(entry.strName) ? 0 : Z_DEFLATED;
     QuaZipFile destination(&zip);
     QString cause;
@@ -328,7 +327,7 @@ bool PackageWriter::isListedIn(const PackageReader &package, QString *reason) co
                                      });
     if (!package.isOpen(reason))
         return false;
-    return isListed || failBecause(reason, QStringLiteral("it lists other entries"));
+    return isListed || failBecause(reason, QStringLiteral("its entries differ"));
 }
 
 } // namespace Internal

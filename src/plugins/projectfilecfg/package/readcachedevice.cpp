@@ -14,7 +14,7 @@ namespace Internal {
 
 namespace {
 
-/// The longest comment, the record that ends an archive, and the mark of a 64-bit one before it.
+/// In bytes: the longest comment, the end record, and the zip64 locator before it.
 constexpr qint64 endSize = ZipFormat::maxTextSize + ZipFormat::endRecordSize + ZipFormat::locatorSize;
 
 } // namespace
@@ -42,7 +42,7 @@ bool ReadCacheDevice::open(OpenMode mode)
         setErrorString(QStringLiteral("cannot read %1: %2").arg(m_strPath, m_pFile->errorString()));
         return false;
     }
-    // Without a buffer of its own: the parts that are read in small steps are in memory, or in the file's buffer.
+    // Unbuffered: what the library reads in small steps is in m_end or in the file's own buffer.
     return QIODevice::open(mode | QIODevice::Unbuffered);
 }
 
@@ -54,7 +54,8 @@ bool ReadCacheDevice::readEnd()
     return m_end.size() == expected;
 }
 
-/// The end of a package that somebody edits is in motion for less than a millisecond, and at rest before and behind it.
+/// Reads the end while nobody edits it; an edit takes less than a millisecond. If the package is locked, two
+/// equal, consistent readings count. After 200 ms it takes whatever it reads.
 bool ReadCacheDevice::readEndAtRest()
 {
     constexpr int patience = 200;
@@ -97,7 +98,7 @@ qint64 ReadCacheDevice::readData(char *data, qint64 maxSize)
         count = qBound<qint64>(0, m_nSize - m_nPosition, maxSize);
         std::copy_n(m_end.constData() + (m_nPosition - endStart), count, data);
     } else {
-        // The zip library reads its numbers byte by byte, and each seek is a call of the system.
+        // The zip library reads numbers byte by byte, and each seek would be a system call.
         const bool isThere = m_pFile->pos() == m_nPosition || m_pFile->seek(m_nPosition);
         count = isThere ? m_pFile->read(data, maxSize) : -1;
     }

@@ -6,11 +6,11 @@ namespace Internal {
 /// Sizes in the zip format, in bytes.
 namespace ZipFormat {
 
-/// Of an entry's two headers, without its name, which stands in both.
+/// An entry's two headers, without its name, which both contain.
 constexpr int localHeaderSize = 30;
 constexpr int centralHeaderSize = 46;
 
-/// Of the record that ends an archive, without the comment, and of the mark before it in a 64-bit archive.
+/// The end record without the comment, and the locator before it in a zip64 archive.
 constexpr int endRecordSize = 22;
 constexpr int locatorSize = 20;
 

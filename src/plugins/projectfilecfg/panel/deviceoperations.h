@@ -11,11 +11,11 @@ class Device;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What the panel has the host do with a device. What the host throws is logged, and the call counts as failed.
-/// User-interface thread, which a device's answer may block for a while.
+/// The host's operations on a device, as the panel uses them. An exception from the host is logged, and the call counts
+/// as failed. User-interface thread, which a call may block until the device answers.
 class DeviceOperations
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
@@ -34,13 +34,13 @@ public:
     /// Resets the active device to its factory settings. False if there is none.
     static bool restoreFactory();
 
-    /// MiB that a project of the device at that address needs, by estimate; 0 if there is none. Throws what the host
-    /// throws.
+    /// MiB that a project of the device at that address needs, by estimate; 0 if there is none. Lets the
+    /// host's exceptions through.
     static unsigned long long estimateProjectSize(const QString &address);
 
     /// Keeps others from using the device.
     static void reserveChannel(const std::shared_ptr<Model::Device> &device);
-    /// Nothing to do for an offline device; `device` may be null.
+    /// Does nothing for an offline device, or for null.
     static void freeChannel(const std::shared_ptr<Model::Device> &device);
 
     /// Interrupts what the host does for a save of the device.

@@ -25,13 +25,13 @@ QStringList markOf(const Model::Device &device)
     return {device.getDeviceInfo(), device.getTypeString(), device.getName(), device.getIPAddress()};
 }
 
-/// Tool tips show rich text. What comes from a device is shown as it is, and nothing in it is loaded.
+/// Escapes markup, since tool tips render rich text: a device's text appears as it is and loads nothing.
 QString asToolTip(const QString &text)
 {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }
 
-/// The style sheet's cache of widgets lives by destroyed(), which stays connected.
+/// Leaves destroyed() connected, on which the style sheet's cache of widgets relies.
 void cutConnections(QWidget *widget)
 {
     const QMetaMethod destroyed = QMetaMethod::fromSignal(&QObject::destroyed);

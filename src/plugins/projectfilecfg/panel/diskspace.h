@@ -18,7 +18,7 @@ unsigned long long getDiskAvailableSize(const QString &path);
 /// space.
 unsigned long long availableForProjects(const QString &directory);
 
-/// True if the files together take less than so much space.
+/// True if the total size of the files is less than `mebibytes` MiB.
 bool isEnoughFor(const QStringList &files, unsigned long long mebibytes);
 
 } // namespace DiskSpace

@@ -12,7 +12,7 @@ namespace Internal {
 
 namespace {
 
-/// Such a dialog must be on the heap, which those of QFileDialog's static functions are not.
+/// The parent may delete the dialog during exec(). QFileDialog's static functions have theirs on the stack.
 QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
 {
     const int answer = dialog->exec();
@@ -24,7 +24,7 @@ QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
 
 QString otherThan(const QString &documents, const QString &chosen)
 {
-    // Without an answer the owner of `documents` may have gone.
+    // Do not read `documents` after an empty answer: its owner, the panel, may have been deleted.
     return chosen.isEmpty() || chosen == documents ? QString() : chosen;
 }
 

@@ -10,10 +10,10 @@ namespace Internal {
 
 /// Asks for files and folders. User-interface thread; each runs a modal dialog.
 ///
-/// The answer is empty if the operator cancelled, or if `parent` has gone meanwhile and the dialog with it.
+/// The answer is empty if the operator cancelled, or if `parent` was deleted meanwhile, and the dialog with it.
 class FileDialogs
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:

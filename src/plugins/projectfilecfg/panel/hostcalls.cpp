@@ -14,7 +14,7 @@ void logHostException(const char *operation)
     } catch (const std::exception &error) {
         qCritical().nospace() << "The host threw in " << operation << ": " << error.what();
     } catch (...) {
-        qCritical().nospace() << "The host threw in " << operation << ": something that is no std::exception";
+        qCritical().nospace() << "The host threw in " << operation << ": not a std::exception";
     }
 }
 

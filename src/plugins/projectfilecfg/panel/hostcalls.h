@@ -6,8 +6,8 @@ namespace Internal {
 /// Logs the exception that is being handled, as critical, with the name of the host's operation that threw it.
 void logHostException(const char *operation);
 
-/// Calls the host from a slot. What the host throws must not leave the slot: Qt's event loop would end the process.
-/// False, and a line in the log, if it threw.
+/// Calls the host from a slot, which an exception must not leave: Qt's event loop would end the process. False, with a
+/// line in the log, if the host threw.
 template<typename Call>
 bool callHost(const char *operation, const Call &call)
 {

@@ -12,7 +12,7 @@ class EngineerDocLoad;
 /// What comes between the operator's decision to apply a package and the run of the job. User-interface thread.
 class LoadPreparation
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:

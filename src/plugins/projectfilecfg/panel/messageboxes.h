@@ -9,7 +9,7 @@ namespace Internal {
 /// The panel's message boxes. User-interface thread; each runs modally, and the panel may have gone when it returns.
 class MessageBoxes
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:

@@ -34,7 +34,7 @@ QString NewProject::timeStamp()
 
 std::optional<NewProject::Properties> NewProject::ask(QWidget *panel, const QString &directory)
 {
-    // The dialog is modal, but the panel may go while it is open, and the dialog with it.
+    // The panel may be deleted during exec(), and the dialog with it.
     const QPointer<EngineerPropertySettingWidget> dialog =
         new EngineerPropertySettingWidget(panel, QString(), QString());
     dialog->setProjectName(generateProjectName(directory));

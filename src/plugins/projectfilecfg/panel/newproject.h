@@ -12,7 +12,7 @@ namespace Internal {
 /// The name and the comment of a project that is about to be saved. User-interface thread.
 class NewProject
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:

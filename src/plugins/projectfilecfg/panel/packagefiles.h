@@ -5,8 +5,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The entries of a directory that are called like packages: the newest first, those of one time by name. This is the
-/// order of QDir::Time, which takes most of a scan, since it makes two local times for each comparison.
+/// The entries of a directory that have the extension of packages, newest first, those of the same time by name. This
+/// is the order of QDir::Time, which would take most of a scan: it converts two times to local time per comparison.
 QFileInfoList packagesIn(const QString &dirPath);
 
 } // namespace Internal

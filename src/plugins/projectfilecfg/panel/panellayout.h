@@ -14,7 +14,7 @@ namespace Internal {
 /// Where the panel's widgets stand, how large they are, and what the label and the command buttons are called.
 class PanelLayout
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:

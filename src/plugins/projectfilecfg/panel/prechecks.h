@@ -8,11 +8,11 @@ class QWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What the panel checks before an operation. Each check that fails is told to the operator in a box; the panel may
-/// have gone then. User-interface thread.
+/// What the panel checks before an operation. A check that fails shows a box; the panel may have gone when it returns.
+/// User-interface thread.
 class PreChecks
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:

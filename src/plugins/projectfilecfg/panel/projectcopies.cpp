@@ -38,8 +38,8 @@ QString ProjectCopies::importProjectFiles(const QStringList &files, const QStrin
     QStringList failed;
     for (const QString &file : files) {
         const QFileInfo source(file);
-        // Never true, since `dirPath` ends in a separator: a file from the directory itself fails to be
-        // copied onto itself and is reported.
+        // Never true, since `dirPath` ends in a separator: copying a file of the directory onto itself fails, and is
+        // reported.
         if (source.path() == dirPath)
             continue;
         QString reason;

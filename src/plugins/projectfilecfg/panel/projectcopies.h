@@ -12,7 +12,7 @@ namespace Internal {
 /// Copies packages out of the project-files directory and into it, in the global thread pool.
 class ProjectCopies
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
@@ -32,8 +32,8 @@ public:
     /// Calls `finished` in the event loop when the work is over, unless `panel` has gone.
     static QFutureWatcher<QString> *watch(const QFuture<QString> &work, QObject *panel,
                                           const std::function<void()> &finished);
-    /// False if nobody waits for that work any more; `watcher` may be null. The future would not do: the work may be
-    /// over and the panel not yet know of it.
+    /// False if nobody waits for that work any more; `watcher` may be null. The future cannot tell: it is finished
+    /// before the panel is notified.
     static bool isAwaited(const QFutureWatcher<QString> *watcher);
 };
 

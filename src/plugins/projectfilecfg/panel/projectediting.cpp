@@ -19,7 +19,7 @@ std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectLi
     if (!entry)
         return std::nullopt;
 
-    // Not released: it stays a child of the panel.
+    // Not deleted here: it stays a child of the panel.
     const QPointer<EngineerPropertySettingWidget> dialog =
         new EngineerPropertySettingWidget(panel, QString(), QString());
     dialog->setProjectName(entry->strProjectName);
@@ -34,7 +34,7 @@ std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectLi
     EngineerPacketInfo edited = *entry;
     edited.strProjectName = dialog->getProjectName();
     edited.strComment = dialog->getComment();
-    // A kill between here and the renaming leaves the new name in the record alone; the list shows file names.
+    // A crash before the renaming leaves the new name in the record only; the list shows file names.
     QString reason;
     if (!ZipPackageHandle::setEngineerInfo(edited, &reason)) {
         qDebug().noquote() << "Edit failed:" << reason;

@@ -16,7 +16,7 @@ class ProjectList;
 /// Edits the name and the comment of a package. User-interface thread.
 class ProjectEditing
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:

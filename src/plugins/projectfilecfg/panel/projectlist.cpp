@@ -117,7 +117,7 @@ bool ProjectList::takeMissedScan()
 /// True with the mutex locked; false when the list is held.
 bool ProjectList::lockForScan()
 {
-    // Who locks it without holding the list is through with it soon.
+    // Without a Hold, the mutex is only ever locked briefly.
     constexpr int shortWhile = 10;
     while (!mutex.tryLock(shortWhile)) {
         if (isHeldAgainstScan())
@@ -126,7 +126,7 @@ bool ProjectList::lockForScan()
     return true;
 }
 
-/// Unless the list is held, or a scan that started later has replaced it already.
+/// Does nothing if the list is held, or if a scan that started later has replaced it already.
 void ProjectList::replace(const QList<EngineerPacketInfo> &found, quint64 scanNumber)
 {
     if (!lockForScan())
@@ -143,13 +143,13 @@ int ProjectList::nextLook(qint64 changed, qint64 now)
     constexpr qint64 second = 1000;
     constexpr qint64 rest = 10 * second;
     const qint64 age = now - changed;
-    // Older or newer by far: nobody writes there, or clocks differ and its time says nothing.
+    // At rest; or far in the future, so that the clocks differ and the time says nothing.
     if (age >= rest || age <= -rest)
         return -1;
     return int(age < second ? second - age : second);
 }
 
-/// Without a reason it is listed, and the next reason is a new one.
+/// An empty reason says that the file is listed; any later one is logged again.
 void ProjectList::logOnce(const QString &path, const QString &reason)
 {
     {
@@ -184,7 +184,7 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
     int next = -1;
     QList<EngineerPacketInfo> found;
     for (const QFileInfo &entry : packagesIn(dirPath)) {
-        // What a link leads to has its undo record elsewhere.
+        // The undo record of a link's target is beside the target.
         if (entry.isSymLink())
             InPlaceFile::recoverFile(entry.filePath());
         EngineerPacketInfo info = known.value(entry.filePath());

@@ -22,7 +22,7 @@ namespace Internal {
 class ProjectList
 {
 public:
-    /// Guards `projects`. Recursive, since the panel reads the list while it holds it.
+    /// Guards `listProjects`. Recursive, since the panel reads the list while it holds it.
     QMutex mutex{QMutex::Recursive};
     /// One record per package, newest file first; `strProjectName` is the file's base name.
     QList<EngineerPacketInfo> listProjects;
@@ -44,7 +44,7 @@ public:
     /// Returns the number to pass to scanProjectFiles(). Call it in the order in which scans start. Any thread.
     quint64 beginScan();
 
-    /// Replaces `projects` by the valid packages in `dirPath`, which is created if it does not exist. Does not read
+    /// Replaces `listProjects` by the valid packages in `dirPath`, which is created if it does not exist. Does not read
     /// known packages again. First removes stale fragments and finishes interrupted edits. Leaves the list unchanged if
     /// the directory cannot be created, or if a scan that started later has replaced it already. If the list is held,
     /// also leaves it unchanged, without waiting, and counts as missed. Any thread.

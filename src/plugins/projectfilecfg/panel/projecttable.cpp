@@ -58,7 +58,7 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
     for (const EngineerPacketInfo &info : projects) {
         while (row < m_pTable->rowCount() && rowWidget(row) && !pending.contains(rowWidget(row)->filePath()))
             m_pTable->removeRow(row);
-        // All that follow are new: made at once, since the view looks at all its rows for each that is inserted.
+        // All further rows are new. Adds them at once, since the view visits all rows for each insertion.
         if (row == m_pTable->rowCount())
             m_pTable->setRowCount(projects.size());
         else if (rowWidget(row) && rowWidget(row)->filePath() != info.strFilePath)

@@ -17,7 +17,7 @@ namespace Internal {
 /// The contents of the project table: one row per package, with its file, its comment and its buttons.
 class ProjectTable
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
@@ -28,8 +28,8 @@ public:
 
     /// The header's texts. Those of the rows follow with the next show().
     void retranslate();
-    /// Shows the packages in their order. Keeps the rows that are right, since making them anew takes a hundred times
-    /// longer than looking at them.
+    /// Shows the packages in their order. Changes only rows that differ, since creating a row takes far longer than
+    /// comparing it.
     void show(const QList<EngineerPacketInfo> &projects);
     void clear();
 

@@ -22,7 +22,7 @@ namespace RunningJob {
 
 namespace {
 
-/// How many jobs were announced in this process: tells whether one that ends late is still the last.
+/// Jobs announced so far in this process: tells whether a job that ends late is still the latest.
 int s_announcedJobs = 0;
 
 bool hasSavedPackage(const EngineerDocBackup &backup)

@@ -12,15 +12,15 @@ namespace Internal {
 class EngineerDocBackup;
 class EngineerDocLoad;
 
-/// What a job's start and end need beside the job. User-interface thread.
+/// What goes with the start and the end of a job. User-interface thread.
 namespace RunningJob {
 
 /// Tells the host which operation runs on a device from now on.
 void announce(Core::ICore::OperatorDeviceType type);
 
-/// After the end of a save, which may be null: true if a package waits to be applied, at the path `next`, and the save
-/// succeeded and left its package, which is valid. A save may end with success and without a package; then there is
-/// nothing to come back to, and a line in the log says so.
+/// At the end of a save, which may be null: true if the package at the path `next` waits to be applied, and the save
+/// succeeded and left a valid package. A save may succeed without leaving one; then there is nothing to come back to,
+/// and a line in the log says so.
 bool isApplyDue(const EngineerDocBackup *backup, const QString &next);
 
 /// Starts the thread of `job`, calls `connectAll`, and only then lets the thread begin its work. Otherwise the end of a

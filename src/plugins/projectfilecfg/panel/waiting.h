@@ -5,16 +5,16 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What the panel does with the host's waiting dialog. User-interface thread.
+/// The host's waiting dialog, as the panel uses it. User-interface thread.
 class Waiting
 {
-    // The panel's texts.
+    // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
     /// Shows the dialog, or changes its text. Its cancel button stays as it is.
     static void show(const QString &text);
-    /// Shows the dialog's cancel button, under its name.
+    /// Shows the dialog's cancel button, with its translated text.
     static void offerCancel();
     static void hide();
 };

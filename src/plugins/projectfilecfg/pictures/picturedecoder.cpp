@@ -13,7 +13,7 @@ PictureDecoder::Decoded PictureDecoder::decode(const std::shared_ptr<QIODevice> 
 {
     PictureReader reader(content.get());
     if (reader.size() != size)
-        return {QImage(), QStringLiteral("it has another size than expected")};
+        return {QImage(), QStringLiteral("its size is not the expected one")};
     Decoded decoded;
     decoded.picture = reader.read(&decoded.strReason);
     return decoded;

@@ -22,6 +22,8 @@ PictureScan PictureReader::scanOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? scanOf(file) : PictureScan();
 }
 
+// No auto-detection in either: PictureScan knows the limits of PNG only, and a decoder of another format would bypass
+// them.
 PictureReader::PictureReader(const QString &path)
     : m_reader(path, "png")
     , m_scan(scanOf(path))
@@ -39,7 +41,7 @@ PictureReader::PictureReader(QIODevice *device)
 QSize PictureReader::size(QString *reason) const
 {
     if (!m_scan.isPng())
-        failBecause(reason, QStringLiteral("it cannot be read, is no PNG, or is larger than %1 bytes")
+        failBecause(reason, QStringLiteral("it cannot be read, is not a PNG, or is larger than %1 bytes")
                                 .arg(PackageLimits::maxPictureFileSize));
     else if (m_scan.isBeyondLimits())
         failBecause(reason, QStringLiteral("it is too wide or too high, or has too many texts and profiles"));

@@ -44,7 +44,7 @@ bool PictureWriter::hasRoomFor(qint64 pixelBytes) const
            (m_listPending.size() <= m_pool.maxThreadCount() && m_nPixelBytes + pixelBytes <= m_nBudget);
 }
 
-/// Takes that one of those under way off the list, when it is written.
+/// Waits until a pending picture is written, and takes it off the list.
 void PictureWriter::take(int index)
 {
     const Pending pending = m_listPending.takeAt(index);
@@ -66,7 +66,7 @@ void PictureWriter::write(QImage picture, const QString &path)
     while (!hasRoomFor(pixelBytes))
         take(0);
     const auto task = [this, picture = std::move(picture), path]() mutable {
-        // Let go of here: the pool destroys the task only after it has told that it is done.
+        // Released here: the pool destroys the task, and the pixels in it, only after the future has finished.
         const QImage held = std::exchange(picture, QImage());
         return writeFile(path, m_pEncoded->png(held));
     };

@@ -71,7 +71,7 @@ private:
     const std::shared_ptr<EncodedPictures> m_pEncoded;
     const qint64 m_nBudget;
     qint64 m_nPixelBytes = 0;
-    /// Of the first file that was cut.
+    /// Why the first incomplete file is incomplete; empty if there is none.
     QString m_strCutReason;
     QHash<QString, qint64> m_written;
     QThreadPool m_pool;

@@ -4,7 +4,7 @@
 
 namespace Core {
 
-/// A host's base that declares the installation of a language.
+/// A host base class that declares the virtual function for installing a language.
 class ICorvelPlugin : public HX::ExtensionSystem::IPlugin
 {
 public:

@@ -4,7 +4,7 @@
 
 namespace Core {
 
-/// A host's base that leaves the installation of a language to its plugins.
+/// A host base class that leaves installing a language to its plugins.
 class ICorvelPlugin : public HX::ExtensionSystem::IPlugin
 {};
 
