@@ -216,7 +216,7 @@ void Tour::showEmptyTable()
 
 void Tour::saveFirstDevice()
 {
-    const QString ip = m_session.addresses().first();
+    const QString ip = m_session.addresses().constFirst();
     step(QStringLiteral("Save the device %1 as \"%2\"").arg(ip, firstProject), [this, ip] {
         const QString comment = QStringLiteral("Saved before the doors open");
         selectDevice(ip);
@@ -266,7 +266,7 @@ void Tour::editProject()
         expectProjects({editedProject});
         const QString difference = packageDifference(projectPath(editedProject), m_saved, editedProject, comment);
         require(difference.isEmpty(), difference);
-        return QStringLiteral("the row shows \"%1\"").arg(projects().first());
+        return QStringLiteral("the row shows \"%1\"").arg(projects().constFirst());
     });
 }
 
@@ -373,7 +373,7 @@ void Tour::refuseOtherModel()
 
 void Tour::cancelApply()
 {
-    const QString ip = m_session.addresses().first();
+    const QString ip = m_session.addresses().constFirst();
     step(QStringLiteral("Cancel an apply to the device %1").arg(ip), [this, ip] {
         selectDevice(ip);
         m_hand.onNextBox(backupQuestion, QStringLiteral("No"));
@@ -437,7 +437,7 @@ void Tour::showChinese()
             m_hand.takePicture(QStringLiteral("10-chinese-name-and-comment"));
             dialog->reject();
         });
-        pressInRow(projects().first(), QStringLiteral("编辑"));
+        pressInRow(projects().constFirst(), QStringLiteral("编辑"));
         m_hand.onNextDialog([this](QDialog *dialog) {
             m_hand.takePicture(QStringLiteral("11-chinese-question"));
             dialog->reject();

@@ -109,7 +109,7 @@ private:
     QJsonValue value(const char *key, QJsonValue::Type type, const char *typeName)
     {
         m_known.insert(QLatin1String(key));
-        const QJsonValue found = m_object.value(QLatin1String(key));
+        QJsonValue found = m_object.value(QLatin1String(key));
         if (found.isUndefined())
             fail(key, "is missing");
         else if (found.type() != type)
@@ -276,7 +276,7 @@ std::optional<Site> Site::fromFile(const QString &path, QString &error)
         error = QStringLiteral("%1: %2").arg(path, file.errorString());
         return std::nullopt;
     }
-    const std::optional<Site> site = fromJson(file.readAll(), error);
+    std::optional<Site> site = fromJson(file.readAll(), error);
     if (!site)
         error = QStringLiteral("%1: %2").arg(path, error);
     return site;

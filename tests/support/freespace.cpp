@@ -10,7 +10,7 @@
 namespace {
 
 constexpr qint64 asItIs = -1;
-std::atomic<qint64> theBytes{asItIs};
+std::atomic<qint64> s_bytes{asItIs};
 
 } // namespace
 
@@ -20,7 +20,7 @@ extern "C" Q_DECL_EXPORT int statvfs64(const char *path, struct statvfs64 *volum
     using Function = int (*)(const char *, struct statvfs64 *);
     static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statvfs64"));
     const int result = original(path, volume);
-    const qint64 bytes = theBytes;
+    const qint64 bytes = s_bytes;
     if (result == 0 && bytes != asItIs) {
         volume->f_bsize = volume->f_frsize = 1;
         volume->f_bavail = volume->f_bfree = volume->f_blocks = static_cast<fsblkcnt64_t>(bytes);
@@ -32,12 +32,12 @@ namespace TestSupport {
 
 FreeSpace::FreeSpace(qint64 bytes)
 {
-    theBytes = bytes;
+    s_bytes = bytes;
 }
 
 FreeSpace::~FreeSpace()
 {
-    theBytes = asItIs;
+    s_bytes = asItIs;
 }
 
 } // namespace TestSupport

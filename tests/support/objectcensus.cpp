@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 // Called for every QObject, for tools that inspect running programs; declared in a private header of Qt.
-extern quintptr Q_CORE_EXPORT qtHookData[];
+extern quintptr Q_CORE_EXPORT qtHookData[]; // NOLINT(readability-identifier-naming)
 
 namespace TestSupport {
 

@@ -12,10 +12,7 @@ using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
 using namespace Simulation::Operations;
-using Simulation::Fault;
-using Simulation::Faults;
 using Simulation::HardwareState;
-using Simulation::Journal;
 
 Q_DECLARE_METATYPE(std::function<void(Simulation::HardwareState &)>)
 

@@ -126,7 +126,8 @@ void append(QJsonArray &array, const std::vector<std::shared_ptr<T>> &objects)
 QVector<QJsonObject> objects(const QJsonObject &parent, const char *key)
 {
     QVector<QJsonObject> found;
-    for (const QJsonValue &value : parent.value(QLatin1String(key)).toArray()) {
+    const QJsonArray values = parent.value(QLatin1String(key)).toArray();
+    for (const QJsonValue &value : values) {
         if (value.isObject())
             found.append(value.toObject());
     }

@@ -8,12 +8,15 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <array>
+
 namespace ModelControl {
 
 namespace {
 
 /// The bytes that tell the hardware to abandon sending a picture.
-const std::vector<unsigned char> abandonPicture{4, 10};
+constexpr std::array<unsigned char, 2> abandonPicture{4, 10};
 
 quint64 bytesOf(const std::vector<Talvik::weak_refrence<Model::Materail>> &materials)
 {
@@ -144,7 +147,7 @@ void DeviceControler::cancelOperator(const std::vector<unsigned char> &command)
         bytes.append(static_cast<int>(byte));
     const std::shared_ptr<Simulation::Hardware> hardware = HardwareAccess::begin(
         Simulation::Operations::cancelOperator, m_device->getIPAddress(), {{QStringLiteral("command"), bytes}});
-    if (hardware && command == abandonPicture)
+    if (hardware && std::equal(command.begin(), command.end(), abandonPicture.begin(), abandonPicture.end()))
         Simulation::cancelRunningOperations(hardware->ip());
 }
 

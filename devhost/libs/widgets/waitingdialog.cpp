@@ -22,7 +22,7 @@ namespace Widgets {
 
 namespace {
 
-QPointer<WaitingDialog> s_instance;
+QPointer<WaitingDialog> s_instance; // clazy:exclude=non-pod-global-static
 
 } // namespace
 

@@ -16,7 +16,7 @@ DevicesMode::DevicesMode(QObject *parent)
     setIcon(Icon::fromStates(Icon::fromTheme(QStringLiteral("device_normal"), QString()),
                              Icon::fromTheme(QStringLiteral("device_hover"), QString()),
                              Icon::fromTheme(QStringLiteral("device_pressed"), QString())));
-    retranslateUi();
+    DevicesMode::retranslateUi();
 }
 
 void DevicesMode::retranslateUi()

@@ -43,7 +43,7 @@ DevicesWidget::DevicesWidget(QWidget *parent)
     layout->setSpacing(16);
     layout->addWidget(m_title);
     layout->addWidget(m_table, 1);
-    retranslateUi();
+    DevicesWidget::retranslateUi();
 
     auto *timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, [this]() {

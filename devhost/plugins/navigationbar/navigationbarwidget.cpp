@@ -62,7 +62,7 @@ void NavigationBarWidget::rebuild()
     m_buttons.clear();
     const QVector<HX::Utils::Id> ids = m_manager->modes();
     for (int i = 0; i < ids.size(); ++i) {
-        const HX::Utils::Id id = ids.at(i);
+        const HX::Utils::Id &id = ids.at(i);
         const INavigationBarMode *mode = m_manager->mode(id);
         auto *button = new QToolButton(this);
         button->setObjectName(QStringLiteral("NavigationButton"));

@@ -17,7 +17,7 @@ GeneralMode::GeneralMode(QObject *parent)
     addStateIcon(Normal, Icon::fromTheme(QStringLiteral("general_normal"), QString()));
     addStateIcon(Hover, Icon::fromTheme(QStringLiteral("general_hover"), QString()));
     addStateIcon(Pressed, Icon::fromTheme(QStringLiteral("general_pressed"), QString()));
-    retranslateUi();
+    GeneralMode::retranslateUi();
 }
 
 void GeneralMode::retranslateUi()

@@ -50,7 +50,7 @@ GeneralWidget::GeneralWidget(QWidget *parent)
     layout->addWidget(m_extraction, 3, 1, 1, 2);
     layout->setColumnStretch(2, 1);
     layout->setRowStretch(4, 1);
-    retranslateUi();
+    GeneralWidget::retranslateUi();
 }
 
 void GeneralWidget::retranslateUi()

@@ -61,7 +61,7 @@ void SettingCfgPlugin::enterSettings()
 {
     SettingCfgModeManager *manager = SettingCfgModeManager::instance();
     if (ModeManager::currentMode() == m_settingsMode->id() && !manager->currentModeId().isValid())
-        manager->activateMode(manager->modes().first());
+        manager->activateMode(manager->modes().constFirst());
     showOrHideGeneral();
 }
 

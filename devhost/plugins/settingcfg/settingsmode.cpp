@@ -19,7 +19,7 @@ SettingsMode::SettingsMode(QObject *parent)
     setIcon(Icon::fromStates(Icon::fromTheme(QStringLiteral("setting_normal"), QString()),
                              Icon::fromTheme(QStringLiteral("setting_hover"), QString()),
                              Icon::fromTheme(QStringLiteral("setting_pressed"), QString())));
-    retranslateUi();
+    SettingsMode::retranslateUi();
 }
 
 SettingsMode::~SettingsMode()

@@ -20,7 +20,7 @@ ProjectFileCfgMode::ProjectFileCfgMode(QObject *parent)
     addStateIcon(Hover, Icon::fromTheme(QStringLiteral("project_hover_normal"), QString()));
     // Spelt so in the host's theme.
     addStateIcon(Pressed, Icon::fromTheme(QStringLiteral("projecte_pressed_normal"), QString()));
-    retranslateUi();
+    ProjectFileCfgMode::retranslateUi();
 }
 
 ProjectFileCfgMode::~ProjectFileCfgMode() = default;

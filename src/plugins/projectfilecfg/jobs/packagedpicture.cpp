@@ -57,7 +57,7 @@ QString PackagedPicture::name() const
 
 QString PackagedPicture::extract(PackageReader &package, const QString &folder, QString *reason) const
 {
-    const QString path = QStringLiteral("%1/%2").arg(folder, m_strEntry);
+    QString path = QStringLiteral("%1/%2").arg(folder, m_strEntry);
     if (!package.extractFile(m_strEntry, path, reason).isEmpty())
         return path;
     qDebug() << "Extract file failed:" << path;

@@ -82,8 +82,8 @@ void PictureScan::take(const QByteArray &part)
     case Part::Header:
         m_nWidth = qFromBigEndian<quint32>(part.constData());
         m_nHeight = qFromBigEndian<quint32>(part.constData() + 4);
-        m_nDepth = part.at(8);
-        m_nColourType = part.at(9);
+        m_nDepth = static_cast<uchar>(part.at(8));
+        m_nColourType = static_cast<uchar>(part.at(9));
         m_bBeyondLimits = std::max(m_nWidth, m_nHeight) > PackageLimits::maxPictureSide;
         m_bOver = m_bBeyondLimits;
         m_nGap = chunkChecksumSize;

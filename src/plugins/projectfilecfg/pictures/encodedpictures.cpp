@@ -57,7 +57,7 @@ QByteArray EncodedPictures::png(const QImage &picture)
             return *known;
     }
     // Not under the lock: encoding is slow, and several threads do it at once.
-    const QByteArray bytes = m_encoder(picture);
+    QByteArray bytes = m_encoder(picture);
     const QMutexLocker locker(&m_mutex);
     ++m_nEncoded;
     if (!bytes.isEmpty())
