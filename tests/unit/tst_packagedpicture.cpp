@@ -183,7 +183,7 @@ void TstPackagedPicture::without_a_file_256_mib_go_to_memory()
     QString reason;
     QCOMPARE(picture.open(package, m_temp.filePath("missing"), &reason), LoadDecompressFailed);
     QCOMPARE(reason.startsWith("cannot read BKG/BKG_1.png"), isRead);
-    QCOMPARE(reason.startsWith("cannot make a file in"), !isRead);
+    QCOMPARE(reason.startsWith("cannot create a file in"), !isRead);
 }
 
 TEST_MAIN_GUI(TstPackagedPicture)

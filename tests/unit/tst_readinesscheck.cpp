@@ -112,7 +112,7 @@ void TstReadinessCheck::pictures_of_2_to_the_32_pixels_fit()
     // None of these counts.
     add("LOGO in another place", "x", 100);
     QCOMPARE(int(run(background, {1, 1}, true)), int(fits ? LoadSuccess : LoadGalleryFileError));
-    QCOMPARE(m_reason.endsWith("pixels together"), !fits);
+    QCOMPARE(m_reason.endsWith("pixels in total"), !fits);
     // Online nothing is extracted before.
     QCOMPARE(int(run(background)), int(fits ? LoadImageContentError : LoadGalleryFileError));
     QCOMPARE(foldersLeft(), fits ? 1 : 0);
