@@ -33,7 +33,6 @@ using namespace TestSupport;
 using TestData::HostilePackage;
 
 namespace {
-
 const QString onlineIp = QString::fromLatin1(TestData::onlineAddress);
 const QString offlineIp = QString::fromLatin1(TestData::offlineAddress);
 
