@@ -15,7 +15,7 @@ bool runGuarded(const char *failure, const std::function<void()> &work)
     } catch (const std::exception &error) {
         qCritical().nospace() << failure << ": " << error.what();
     } catch (...) {
-        qCritical() << failure;
+        qCritical().nospace() << failure << ": not a std::exception";
     }
     return false;
 }

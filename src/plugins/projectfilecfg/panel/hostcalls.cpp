@@ -1,21 +1,15 @@
 #include "hostcalls.h"
 
-#include <QDebug>
+#include "exceptionguard.h"
 
-#include <exception>
+#include <QByteArray>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-void logHostException(const char *operation)
+bool callHost(const char *operation, const std::function<void()> &call)
 {
-    try {
-        throw;
-    } catch (const std::exception &error) {
-        qCritical().nospace() << "The host threw in " << operation << ": " << error.what();
-    } catch (...) {
-        qCritical().nospace() << "The host threw in " << operation << ": not a std::exception";
-    }
+    return runGuarded(QByteArray("The host threw in ") + operation, call);
 }
 
 } // namespace Internal

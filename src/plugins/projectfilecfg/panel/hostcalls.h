@@ -1,24 +1,13 @@
 #pragma once
 
+#include <functional>
+
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Logs the exception that is being handled, as critical, with the name of the host's operation that threw it.
-void logHostException(const char *operation);
-
-/// Calls the host from a slot, which an exception must not leave: Qt's event loop would end the process. False, with a
-/// line in the log, if the host threw.
-template<typename Call>
-bool callHost(const char *operation, const Call &call)
-{
-    try {
-        call();
-        return true;
-    } catch (...) {
-        logHostException(operation);
-    }
-    return false;
-}
+/// Calls the host from a slot, which an exception must not leave: Qt's event loop would end the process. False if the
+/// host threw; the name of its operation and the exception's text are logged as critical.
+bool callHost(const char *operation, const std::function<void()> &call);
 
 } // namespace Internal
 } // namespace ProjectFileCfg
