@@ -262,7 +262,7 @@ void TstSaveEndings::the_list_is_fresh_around_the_result_box()
     (*m_panel)->show();
     QVERIFY(QThreadPool::globalInstance()->waitForDone());
     QCoreApplication::processEvents();
-    const auto bring = [this] {
+    const auto bring = [] {
         return PackageBuilder().file("device.json", "{}").record("Brought", QString()).write(projectFile("Brought"));
     };
 

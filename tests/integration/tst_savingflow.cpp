@@ -311,7 +311,7 @@ void TstSavingFlow::a_gap_in_the_numbers_is_filled_first()
 
 void TstSavingFlow::with_all_names_taken_the_proposal_is_empty()
 {
-    const auto take = [this](int number) {
+    const auto take = [](int number) {
         return QFile(projectFile("Project" + QString::number(number))).open(QIODevice::WriteOnly);
     };
     const auto proposal = [this] {

@@ -288,7 +288,8 @@ void TstBackupFailures::an_encoder_exception_ends_the_save()
 void TstBackupFailures::an_exception_without_text_ends_the_save()
 {
     Faults::instance()->arm(loadImage, Fault::run([] { throw 5; }));
-    const ExpectMessage told(QtCriticalMsg, QStringLiteral("The save ended with an exception: not a std::exception"), 1);
+    const ExpectMessage told(QtCriticalMsg, QStringLiteral("The save ended with an exception: not a std::exception"),
+                             1);
     QCOMPARE(save(m_site->mainHall), int(BackupEncryptFailed));
     QVERIFY(!QFile::exists(packagePath()));
 }
