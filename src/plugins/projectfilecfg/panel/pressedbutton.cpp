@@ -11,8 +11,8 @@ namespace Internal {
 PressedButton::PressedButton(QObject *sender)
     : m_pSender(sender)
     , m_pRow(sender ? qobject_cast<ProjectRowWidget *>(sender->parent()) : nullptr)
-    , m_bIsButton(qobject_cast<QToolButton *>(sender))
-    , m_strFilePath(m_bIsButton ? sender->property("FilePath").toString() : QString())
+    , m_bButton(qobject_cast<QToolButton *>(sender))
+    , m_strFilePath(m_bButton ? sender->property("FilePath").toString() : QString())
 {}
 
 void PressedButton::setFilePath(const QString &path) const

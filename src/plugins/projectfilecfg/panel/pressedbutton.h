@@ -15,7 +15,7 @@ public:
     explicit PressedButton(QObject *sender);
 
     /// False if the sender is not a tool button.
-    explicit operator bool() const { return m_bIsButton; }
+    explicit operator bool() const { return m_bButton; }
     /// The package's path at the time of the click.
     QString filePath() const { return m_strFilePath; }
     /// After the package was renamed: the new path for the button, and for the others of its row, as far as they exist.
@@ -24,7 +24,7 @@ public:
 private:
     const QPointer<QObject> m_pSender;
     const QPointer<ProjectRowWidget> m_pRow;
-    const bool m_bIsButton;
+    const bool m_bButton;
     const QString m_strFilePath;
 };
 

@@ -71,7 +71,7 @@ void ProjectRowWidget::setProjectName(const QString &name)
 {
     for (QToolButton *button : buttons()) {
         const QString accessibleName = QStringLiteral("%1, %2").arg(button->text(), name);
-        // Each call is told to a screen reader, whether it changes anything or not.
+        // Each call notifies screen readers, even if the name stays the same.
         if (button->accessibleName() != accessibleName)
             button->setAccessibleName(accessibleName);
     }
@@ -98,7 +98,7 @@ void ProjectRowWidget::focusButton(int index) const
 
 bool ProjectRowWidget::eventFilter(QObject *watched, QEvent *event)
 {
-    // Who comes back from another window finds the list where it was.
+    // Returning from another window does not scroll the list.
     if (event->type() == QEvent::FocusIn && static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason)
         emit signal_buttonFocused();
     return QWidget::eventFilter(watched, event);

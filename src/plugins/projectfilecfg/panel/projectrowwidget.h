@@ -41,13 +41,13 @@ public:
     QString filePath() const { return m_strFilePath; }
     void setFilePath(const QString &path);
     void setTexts(const Texts &texts);
-    /// Names the buttons, for who does not see in which row they are. To be called after setTexts().
+    /// Names the buttons after their project, for screen readers. Call after setTexts().
     void setProjectName(const QString &name);
 
-    /// Puts the buttons behind `widget` in the tab order, in the order of the eye. Returns the last one.
+    /// Puts the buttons after `widget` in the tab order, from left to right. Returns the last one.
     QWidget *followInTabOrder(QWidget *widget) const;
 
-    /// Which of the buttons, from the left, has the focus of its window; -1 if none.
+    /// Index, from the left, of the button that has its window's focus; -1 if none has.
     int focusedButton() const;
     void focusButton(int index) const;
 

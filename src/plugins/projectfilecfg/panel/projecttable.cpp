@@ -80,7 +80,7 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
     m_pTable->setSelectionMode(QAbstractItemView::NoSelection);
     m_pTable->verticalHeader()->setDefaultSectionSize(rowHeight);
     m_pTable->setFocusPolicy(Qt::NoFocus);
-    // Tab goes from button to button, which the table would keep for its cells.
+    // Otherwise Tab would move between cells and never leave the table.
     m_pTable->setTabKeyNavigation(false);
     m_pTable->setColumnCount(columnCount);
     m_pTable->horizontalHeader()->setSectionResizeMode(fileColumn, QHeaderView::Fixed);
@@ -126,7 +126,7 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
         restore(before);
 }
 
-/// New widgets come last in their window. Puts the rows behind what comes before the table.
+/// New widgets join the end of the focus chain: moves the rows' buttons to the table's place in it.
 void ProjectTable::orderTabs()
 {
     QWidget *last = m_pTable->previousInFocusChain();
@@ -196,7 +196,7 @@ void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const Projec
     rowWidget(row)->setFilePath(info.strFilePath);
     rowWidget(row)->setTexts(texts);
     rowWidget(row)->setProjectName(name);
-    // A cell that shows nothing but its buttons.
+    // The cell itself has no text that a screen reader could read.
     m_pTable->item(row, operationsColumn)
         ->setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(tr("Operations"), name));
 }

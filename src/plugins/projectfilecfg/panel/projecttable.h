@@ -29,9 +29,8 @@ public:
     /// The texts of the header and the table's name. Those of the rows follow with the next show().
     void retranslate();
     /// Shows the packages in their order. Changes only rows that differ, since creating a row takes far longer than
-    /// comparing it.
-    /// The focus stays with its package; if that is no longer listed, it goes to the first button of the row in its
-    /// place.
+    /// comparing it. The focus stays with its package; if that is no longer listed, the first button of the row in its
+    /// place gets it.
     void show(const QList<EngineerPacketInfo> &projects);
     void clear();
 
