@@ -77,13 +77,12 @@ void ProjectRowWidget::setProjectName(const QString &name)
     }
 }
 
-QWidget *ProjectRowWidget::followInTabOrder(QWidget *widget) const
+void ProjectRowWidget::followInTabOrder(QWidget *widget) const
 {
     for (QToolButton *button : buttons()) {
         setTabOrder(widget, button);
         widget = button;
     }
-    return widget;
 }
 
 int ProjectRowWidget::focusedButton() const

@@ -44,8 +44,8 @@ public:
     /// Names the buttons after their project, for screen readers. Call after setTexts().
     void setProjectName(const QString &name);
 
-    /// Puts the buttons after `widget` in the tab order, from left to right. Returns the last one.
-    QWidget *followInTabOrder(QWidget *widget) const;
+    /// Puts the buttons after `widget` in the tab order, from left to right.
+    void followInTabOrder(QWidget *widget) const;
 
     /// Index, from the left, of the button that has its window's focus; -1 if none has.
     int focusedButton() const;

@@ -129,11 +129,12 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
 /// New widgets join the end of the focus chain: moves the rows' buttons to the table's place in it.
 void ProjectTable::orderTabs()
 {
-    QWidget *last = m_pTable->previousInFocusChain();
-    while (last != m_pTable && (last->focusPolicy() == Qt::NoFocus || m_pTable->isAncestorOf(last)))
-        last = last->previousInFocusChain();
-    for (int row = 0; row < m_pTable->rowCount(); ++row)
-        last = rowWidget(row)->followInTabOrder(last);
+    QWidget *before = m_pTable->previousInFocusChain();
+    while (before != m_pTable && (before->focusPolicy() == Qt::NoFocus || m_pTable->isAncestorOf(before)))
+        before = before->previousInFocusChain();
+    // From the last row up: top down, each move would step over the containers of all rows above, which take no focus.
+    for (int row = m_pTable->rowCount() - 1; row >= 0; --row)
+        rowWidget(row)->followInTabOrder(before);
 }
 
 ProjectTable::Focus ProjectTable::focus() const
