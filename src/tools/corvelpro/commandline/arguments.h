@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+namespace Corvelpro {
+
+/// What the user gave to a command: values by the names that the command's table row declares ("FILE", "--ignore").
+class Arguments
+{
+public:
+    void add(const QString &name, const QString &value);
+
+    /// True if the flag or option was given.
+    bool has(const QString &name) const;
+    /// Its only or last value; empty if it was not given.
+    QString value(const QString &name) const;
+    /// All its values, in the order in which they were given.
+    QStringList values(const QString &name) const;
+
+private:
+    QHash<QString, QStringList> m_values;
+};
+
+} // namespace Corvelpro

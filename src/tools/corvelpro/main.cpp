@@ -1,0 +1,37 @@
+#include "commandline/command.h"
+#include "commandline/output.h"
+#include "commandline/parser.h"
+
+#include "localecodec.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+int main(int count, char **values)
+{
+    // The names in a package are UTF-8, whatever the terminal's locale is.
+    ProjectFileCfg::Internal::useUtf8LocaleCodec();
+#ifdef SIGPIPE
+    // A reader that goes early is a failed write, with its exit code, and no sudden end in the middle of an operation.
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+    const QCoreApplication application(count, values);
+
+    const Corvelpro::Request request = Corvelpro::parse(count, values);
+    if (!request.command) {
+        const QByteArray text = request.text.toUtf8();
+        std::fwrite(text.constData(), 1, size_t(text.size()), request.isUsageError ? stderr : stdout);
+        return int(request.isUsageError ? Corvelpro::ExitCode::Unknown : Corvelpro::ExitCode::Yes);
+    }
+
+    Corvelpro::Output output(request.form);
+    Corvelpro::ExitCode code = request.command->run(request.arguments, output);
+    if (!output.flush()) {
+        output.message(QStringLiteral("the result could not be written"));
+        code = Corvelpro::ExitCode::Unknown;
+    }
+    return int(code);
+}
