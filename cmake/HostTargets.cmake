@@ -8,7 +8,9 @@ function(add_host_library name)
     _add_host_shared(${name} "${CMAKE_CURRENT_SOURCE_DIR}/..")
     target_sources(Host${name} PRIVATE ${ARG_SOURCES})
     target_link_libraries(Host${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
-    install(TARGETS Host${name} EXPORT HostTargets LIBRARY DESTINATION lib)
+    set_target_properties(Host${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    install(TARGETS Host${name} EXPORT HostTargets
+        LIBRARY DESTINATION "${HOST_INSTALL_LIBDIR}" COMPONENT devhost)
 endfunction()
 
 # add_host_plugin(<Name> SOURCES ... [PUBLIC <targets>] [PRIVATE <targets>])
@@ -25,7 +27,9 @@ function(add_host_plugin name)
     # moc embeds the metadata; a change of the JSON file alone must run it again.
     set_property(TARGET Host${name} APPEND PROPERTY AUTOMOC_DEPEND_FILTERS
         "Q_PLUGIN_METADATA" "[\n][ \t]*Q_PLUGIN_METADATA[ \t]*\\([^\\)]*FILE[ \t]*\"([^\"]+)\"")
-    install(TARGETS Host${name} EXPORT HostTargets LIBRARY DESTINATION plugins)
+    set_target_properties(Host${name} PROPERTIES INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
+    install(TARGETS Host${name} EXPORT HostTargets
+        LIBRARY DESTINATION "${HOST_INSTALL_PLUGINDIR}" COMPONENT devhost)
 endfunction()
 
 function(_add_host_shared name include_root)
@@ -37,9 +41,9 @@ function(_add_host_shared name include_root)
     set_target_properties(Host${name} PROPERTIES EXPORT_NAME ${name})
     target_compile_definitions(Host${name} PRIVATE HOST_${upper_name}_LIBRARY)
     target_include_directories(Host${name} PUBLIC
-        "$<BUILD_INTERFACE:${include_root}>" "$<INSTALL_INTERFACE:include/devhost>")
-    install(DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/" DESTINATION "include/devhost/${folder}"
-        FILES_MATCHING PATTERN "*.h")
+        "$<BUILD_INTERFACE:${include_root}>" "$<INSTALL_INTERFACE:${HOST_INSTALL_INCLUDEDIR}>")
+    install(DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/" DESTINATION "${HOST_INSTALL_INCLUDEDIR}/${folder}"
+        COMPONENT sdk FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
 endfunction()
 
 # add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>] [X11_RUNNER <command>])
@@ -114,5 +118,5 @@ function(add_translations target)
     qt5_add_translation(qm_files ${ts_files})
     add_custom_target(${target}_translations ALL DEPENDS ${qm_files})
     add_dependencies(${target} ${target}_translations)
-    install(FILES ${qm_files} DESTINATION translations)
+    install(FILES ${qm_files} DESTINATION "${HOST_INSTALL_TRANSLATIONDIR}" COMPONENT devhost)
 endfunction()

@@ -15,8 +15,14 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(HOST_PLUGIN_DIRECTORY "${PROJECT_BINARY_DIR}/plugins")
 set(HOST_TRANSLATION_DIRECTORY "${PROJECT_BINARY_DIR}/translations")
 
-# Installed programs and plugins find their libraries by relative paths.
-set(CMAKE_INSTALL_RPATH "$ORIGIN/../lib;$ORIGIN/../plugins;$ORIGIN")
+# Where the development host is installed: its libraries in a folder of their own, since nobody else links them, and the
+# plugins below it. Each part finds the others by relative paths (RUNPATH), so that the tree may be moved.
+include(GNUInstallDirs)
+set(HOST_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/devhost")
+set(HOST_INSTALL_LIBDIR "${CMAKE_INSTALL_LIBDIR}/devhost")
+set(HOST_INSTALL_PLUGINDIR "${HOST_INSTALL_LIBDIR}/plugins")
+set(HOST_INSTALL_TRANSLATIONDIR "${CMAKE_INSTALL_DATADIR}/devhost/translations")
+set(HOST_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/Host")
 
 # Use ccache if it is installed; precompiled headers need the sloppiness.
 find_program(PROJECTFILECFG_CCACHE ccache)

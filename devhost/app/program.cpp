@@ -13,9 +13,12 @@
 
 namespace {
 
-QString besideTheProgram(const QString &folder)
+/// Where `built` is in the build folder, or else where `installed` is; both relative to the program's folder.
+QString besideTheProgram(const char *built, const char *installed)
 {
-    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../") + folder);
+    const QDir folder(QCoreApplication::applicationDirPath());
+    const QString path = QString::fromUtf8(folder.exists(QString::fromUtf8(built)) ? built : installed);
+    return QDir::cleanPath(folder.filePath(path));
 }
 
 } // namespace
@@ -26,8 +29,8 @@ Program::Options Program::defaultOptions()
     options.siteFile = Simulation::builtInSite(QStringLiteral("default"));
     options.language =
         QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_CN") : QStringLiteral("en");
-    options.pluginDirectory = besideTheProgram(QStringLiteral("plugins"));
-    options.translationDirectory = besideTheProgram(QStringLiteral("translations"));
+    options.pluginDirectory = besideTheProgram("../plugins", INSTALLED_PLUGINS);
+    options.translationDirectory = besideTheProgram("../translations", INSTALLED_TRANSLATIONS);
     options.workDirectory = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     options.firstSubMode = QStringLiteral("ProjectFileCfg");
     return options;

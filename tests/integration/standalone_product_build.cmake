@@ -1,4 +1,5 @@
-# Installs the host of HOST_BUILD into WORK and builds the folder PRODUCT against that installation only.
+# Installs the host and its SDK of HOST_BUILD into WORK, builds the folder PRODUCT against that installation only, installs
+# the plugin beside the host, and expects it to find all its libraries by itself.
 cmake_minimum_required(VERSION 3.18)
 
 function(run)
@@ -9,15 +10,19 @@ function(run)
 endfunction()
 
 file(REMOVE_RECURSE "${WORK}")
-run("${CMAKE_COMMAND}" --install "${HOST_BUILD}" --prefix "${WORK}/host")
-# Only the installed host may be found, not the plugin next to it.
-file(GLOB_RECURSE shipped "${WORK}/host/*projectfilecfg*")
-if(shipped)
-    file(REMOVE ${shipped})
+foreach(component devhost sdk)
+    run("${CMAKE_COMMAND}" --install "${HOST_BUILD}" --prefix "${WORK}/host" --component ${component})
+endforeach()
+file(GLOB_RECURSE stray "${WORK}/host/*projectfilecfg*" "${WORK}/host/*_p.h")
+if(stray)
+    message(FATAL_ERROR "These are no part of the host or its SDK: ${stray}")
 endif()
 run("${CMAKE_COMMAND}" -S "${PRODUCT}" -B "${WORK}/build" -G "${GENERATOR}" -D CMAKE_BUILD_TYPE=Debug
     -D "CMAKE_CXX_COMPILER=${COMPILER}" -D "CMAKE_PREFIX_PATH=${WORK}/host")
 run("${CMAKE_COMMAND}" --build "${WORK}/build")
-if(NOT EXISTS "${WORK}/build/plugins/libprojectfilecfg.so")
-    message(FATAL_ERROR "No plugin in ${WORK}/build/plugins")
+run("${CMAKE_COMMAND}" --install "${WORK}/build" --prefix "${WORK}/host")
+file(GLOB_RECURSE plugin "${WORK}/host/*/libprojectfilecfg.so")
+execute_process(COMMAND ldd "${plugin}" RESULT_VARIABLE result OUTPUT_VARIABLE libraries ERROR_VARIABLE libraries)
+if(NOT plugin OR NOT result EQUAL 0 OR libraries MATCHES "not found")
+    message(FATAL_ERROR "The installed plugin, ${plugin}, does not find its libraries:\n${libraries}")
 endif()
