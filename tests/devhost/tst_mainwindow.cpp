@@ -51,13 +51,13 @@ public:
     ~Mode() override
     {
         ModeManager::removeMode(this);
-        delete m_side;
+        delete side;
     }
     bool hasNavigationBar() const override { return true; }
     void retranslateUi() override {}
-    QWidget *toolBar() const override { return m_side; }
+    QWidget *toolBar() const override { return side; }
 
-    const QPointer<QWidget> m_side = new QLabel;
+    const QPointer<QWidget> side = new QLabel;
 };
 
 } // namespace
@@ -220,22 +220,22 @@ void TstMainWindow::only_the_current_mode_has_the_side()
 {
     Mode first("First"), second("Second");
     QCOMPARE(ModeManager::currentMode(), HX::Utils::Id("First"));
-    QVERIFY(first.m_side->isVisible());
-    QCOMPARE(first.m_side->window(), m_window.data());
+    QVERIFY(first.side->isVisible());
+    QCOMPARE(first.side->window(), m_window.data());
     ModeManager::activateMode("Second");
-    QVERIFY(!first.m_side->isVisible());
-    QVERIFY(second.m_side->isVisible());
+    QVERIFY(!first.side->isVisible());
+    QVERIFY(second.side->isVisible());
     ModeManager::activateMode("First");
-    QVERIFY(first.m_side->isVisible());
-    QVERIFY(!second.m_side->isVisible());
+    QVERIFY(first.side->isVisible());
+    QVERIFY(!second.side->isVisible());
 }
 
 void TstMainWindow::what_a_mode_shows_outlives_the_window()
 {
     const Mode mode("First");
-    QVERIFY(mode.m_side->isVisible());
+    QVERIFY(mode.side->isVisible());
     m_window.reset();
-    QVERIFY(mode.m_side);
+    QVERIFY(mode.side);
 }
 
 void TstMainWindow::the_title_bar_works_the_window()
@@ -346,7 +346,7 @@ void TstMainWindow::tab_follows_the_eye_and_is_never_trapped()
     stack->setCurrentWidget(central);
     auto *site = new QPushButton(QStringLiteral("site"));
     m_window->addDock(site, QStringLiteral("Site"));
-    auto *side = new QPushButton(QStringLiteral("side"), mode.m_side);
+    auto *side = new QPushButton(QStringLiteral("side"), mode.side);
     side->show();
     const auto *modeButton = m_window->findChild<QToolButton *>(QStringLiteral("ModeButton"));
     QTRY_VERIFY(modeButton->isVisible());

@@ -227,7 +227,7 @@ public:
     Q_DISABLE_COPY(LeaksOfLibrary)
 
 private:
-    const bool m_areExpected;
+    [[maybe_unused]] const bool m_areExpected;
 };
 
 } // namespace

@@ -8,15 +8,15 @@
 
 namespace {
 
-QMutex mutex;
-int sharedWithThread = 0;
-int sharedWithTask = 0;
+QMutex s_mutex;
+int s_sharedWithThread = 0;
+int s_sharedWithTask = 0;
 
 void raceFor(int &value)
 {
     for (int i = 0; i < 100; ++i) {
-        mutex.lock();
-        mutex.unlock();
+        s_mutex.lock();
+        s_mutex.unlock();
         ++value;
         QThread::yieldCurrentThread();
     }
@@ -25,7 +25,7 @@ void raceFor(int &value)
 class Racer : public QThread
 {
 protected:
-    void run() override { raceFor(sharedWithThread); }
+    void run() override { raceFor(s_sharedWithThread); }
 };
 
 } // namespace
@@ -36,10 +36,10 @@ int main(int argc, char *argv[])
 
     Racer racer;
     racer.start();
-    raceFor(sharedWithThread);
+    raceFor(s_sharedWithThread);
     racer.wait();
 
-    QFuture<void> task = QtConcurrent::run([]() { raceFor(sharedWithTask); });
-    raceFor(sharedWithTask);
+    QFuture<void> task = QtConcurrent::run([]() { raceFor(s_sharedWithTask); });
+    raceFor(s_sharedWithTask);
     task.waitForFinished();
 }

@@ -12,8 +12,9 @@
 
 class QObject;
 
-extern "C" void __tsan_acquire(void *address);
-extern "C" void __tsan_release(void *address);
+// Names of ThreadSanitizer's own.
+extern "C" void __tsan_acquire(void *address); // NOLINT(readability-identifier-naming)
+extern "C" void __tsan_release(void *address); // NOLINT(readability-identifier-naming)
 
 // As in a private header of Qt; Qt Test uses it to print signals.
 struct QSignalSpyCallbackSet

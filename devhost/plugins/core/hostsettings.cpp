@@ -6,7 +6,11 @@ namespace Core {
 
 namespace {
 
-QMutex s_mutex;
+QMutex &settingsMutex()
+{
+    static QMutex mutex;
+    return mutex;
+}
 
 HostSettings &guardedSettings()
 {
@@ -18,13 +22,13 @@ HostSettings &guardedSettings()
 
 void applySettings(const HostSettings &settings)
 {
-    const QMutexLocker locker(&s_mutex);
+    const QMutexLocker locker(&settingsMutex());
     guardedSettings() = settings;
 }
 
 HostSettings hostSettings()
 {
-    const QMutexLocker locker(&s_mutex);
+    const QMutexLocker locker(&settingsMutex());
     return guardedSettings();
 }
 

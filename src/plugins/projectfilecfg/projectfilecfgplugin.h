@@ -39,6 +39,7 @@ public:
     // Not every host's base class declares this function, so it cannot be marked override.
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_CLANG("-Winconsistent-missing-override")
+    QT_WARNING_DISABLE_CLANG("-Wsuggest-override")
     QT_WARNING_DISABLE_GCC("-Wsuggest-override")
     /// Installs the plugin's texts in `language` from the host's translation directory; false if they are missing.
     virtual bool installTranslator(const QString &language); // NOLINT(modernize-use-override)
