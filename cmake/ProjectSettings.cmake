@@ -59,17 +59,26 @@ if(NOT PROJECTFILECFG_SANITIZE)
     set(TEST_COMPILE_OPTIONS $<$<CONFIG:Debug>:-O0>)
 endif()
 
-# Parsing Qt's headers dominates the compile time of a widget. use_widget_headers(<target>...) is for targets that link
-# Qt5::Widgets. The product also compiles without it: a test builds it alone.
-function(use_widget_headers)
-    if(NOT TARGET WidgetHeaders)
-        add_library(WidgetHeaders STATIC "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/widgetheaders.cpp")
-        set_target_properties(WidgetHeaders PROPERTIES AUTOMOC OFF AUTORCC OFF)
-        target_link_libraries(WidgetHeaders PRIVATE Qt5::Widgets)
-        target_precompile_headers(WidgetHeaders PRIVATE <QtWidgets> <algorithm> <functional> <map> <memory> <vector>)
+# Parsing Qt's headers dominates the compile time of a source. use_qt_headers(<target>...) precompiles the most used ones,
+# once for all targets, whatever they link: the folders in which a target finds headers stay its own, so that it cannot
+# include those of a module that it does not link. The product also compiles without it: a test builds it alone.
+function(use_qt_headers)
+    if(NOT TARGET QtHeaders)
+        add_library(QtHeaders STATIC "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/qtheaders.cpp")
+        set_target_properties(QtHeaders PROPERTIES AUTOMOC OFF AUTORCC OFF)
+        # Every target must define what was defined here: nothing of a module that only some link.
+        target_link_libraries(QtHeaders PRIVATE Qt5::Core)
+        target_include_directories(QtHeaders SYSTEM PRIVATE ${Qt5Widgets_INCLUDE_DIRS})
+        target_precompile_headers(QtHeaders PRIVATE
+            <QByteArray> <QCoreApplication> <QDateTime> <QDebug> <QDir> <QFile> <QFileInfo> <QHash> <QJsonArray>
+            <QJsonDocument> <QJsonObject> <QMap> <QMutex> <QObject> <QPointer> <QSet> <QString> <QStringList> <QThread>
+            <QTimer> <QVariant> <QVector>
+            <QApplication> <QBoxLayout> <QComboBox> <QDialog> <QEvent> <QIcon> <QImage> <QLabel> <QLineEdit> <QPainter>
+            <QPushButton> <QTableWidget> <QTextEdit> <QToolButton> <QWidget>
+            <algorithm> <atomic> <functional> <map> <memory> <mutex> <vector>)
     endif()
     foreach(target IN LISTS ARGN)
-        target_precompile_headers(${target} REUSE_FROM WidgetHeaders)
+        target_precompile_headers(${target} REUSE_FROM QtHeaders)
     endforeach()
 endfunction()
 
