@@ -52,7 +52,7 @@ endfunction()
 function(add_host_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;X11_RUNNER" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
-    _moc_test_class(${name} ${ARG_SOURCES})
+    moc_test_class(${name} ${ARG_SOURCES})
     use_test_headers(${name})
     target_link_libraries(${name} PRIVATE Qt5::Test ${ARG_LIBS})
     if(TARGET QtSynchronisation)
@@ -84,9 +84,9 @@ function(use_test_headers name)
     target_precompile_headers(${name} REUSE_FROM TestSupport)
 endfunction()
 
-# AUTOMOC costs each program a scan and one more file to compile. A test has one class to moc, in the source that
-# includes "<source>.moc"; only programs with Q_OBJECT in a header need AUTOMOC.
-function(_moc_test_class name)
+# moc_test_class(<target> <sources>...): AUTOMOC costs each program a scan and one more file to compile. A test has one
+# class to moc, in the source that includes "<source>.moc"; only programs with Q_OBJECT in a header need AUTOMOC.
+function(moc_test_class name)
     list(FILTER ARGN INCLUDE REGEX "\\.(cpp|h)$")
     foreach(source IN LISTS ARGN)
         file(STRINGS "${source}" declares_object REGEX "^[ \t]*Q_OBJECT" LIMIT_COUNT 1)
