@@ -48,10 +48,14 @@ endfunction()
 
 # add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>] [X11_RUNNER <command>])
 # Makes a Qt Test program and registers it with CTest: headless, or inside the X server that X11_RUNNER starts. Tests
-# that use the warning guard of tests/support fail on unexpected warnings.
+# that use the warning guard of tests/support fail on unexpected warnings. With the sanitizers, a test labelled "slow" is
+# built only by its name, since it does not run there.
 function(add_host_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;X11_RUNNER" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
+    if(PROJECTFILECFG_SANITIZE AND "slow" IN_LIST ARG_LABELS)
+        set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+    endif()
     moc_test_class(${name} ${ARG_SOURCES})
     use_test_headers(${name})
     target_link_libraries(${name} PRIVATE Qt5::Test ${ARG_LIBS})
