@@ -53,9 +53,9 @@ if(PROJECTFILECFG_SANITIZE)
     add_link_options(-fsanitize=${_sanitizers})
 endif()
 
-# Tests are compiled more often than they run, and compute little themselves.
+# Tests are compiled more often than they run, and compute little themselves. Fuzzers do nothing but run.
 set(TEST_COMPILE_OPTIONS)
-if(NOT PROJECTFILECFG_SANITIZE)
+if(NOT PROJECTFILECFG_BUILD_FUZZERS)
     set(TEST_COMPILE_OPTIONS $<$<CONFIG:Debug>:-O0>)
 endif()
 
