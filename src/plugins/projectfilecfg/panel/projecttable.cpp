@@ -1,5 +1,6 @@
 #include "projecttable.h"
 
+#include "accessibletable.h"
 #include "packagelayout.h"
 #include "plaintooltip.h"
 
@@ -89,6 +90,7 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
     m_pTable->setColumnWidth(fileColumn, fixedColumnWidth);
     m_pTable->setColumnWidth(operationsColumn, fixedColumnWidth);
     m_pTable->horizontalHeader()->setContentsMargins(15, 0, 15, 0);
+    AccessibleTable::describe(m_pTable, operationsColumn);
 }
 
 void ProjectTable::retranslate()
@@ -178,8 +180,8 @@ void ProjectTable::makeRow(int row)
 {
     m_pTable->setItem(row, fileColumn, new FileItem(m_projectIcon, QString()));
     m_pTable->setItem(row, commentColumn, new FileItem);
-    m_pTable->setItem(row, operationsColumn, new QTableWidgetItem);
     auto *widget = new ProjectRowWidget(m_rowIcons, m_pTable->viewport());
+    AccessibleTable::describeButtons(widget, m_pTable, operationsColumn);
     m_connectRow(*widget);
     QObject::connect(widget, &ProjectRowWidget::signal_buttonFocused, m_pTable,
                      [table = m_pTable, widget] { scrollToButtons(table, widget); });
@@ -196,10 +198,7 @@ void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const Projec
         static_cast<FileItem *>(m_pTable->item(row, column))->setFilePath(info.strFilePath);
     rowWidget(row)->setFilePath(info.strFilePath);
     rowWidget(row)->setTexts(texts);
-    rowWidget(row)->setProjectName(name);
-    // The cell itself has no text that a screen reader could read.
-    m_pTable->item(row, operationsColumn)
-        ->setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(tr("Operations"), name));
+    rowWidget(row)->setProjectName(tr("Operations"), name);
 }
 
 ProjectRowWidget *ProjectTable::rowWidget(int row) const
