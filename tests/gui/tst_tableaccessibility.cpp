@@ -1,5 +1,6 @@
 #include "translatedtexts.h"
 #include <support/panelfixture.h>
+#include <support/paneltexts.h>
 
 #include <QAccessible>
 #include <QHeaderView>
@@ -62,6 +63,7 @@ private slots:
     void cleanup() { tearDown(); }
 
     void buttons_are_children_of_their_cell();
+    void pressing_a_button_returns_before_its_dialog_opens();
     void way_up_from_a_button_leads_through_its_cell();
     void each_child_knows_its_place();
     void cells_tell_their_headers();
@@ -141,6 +143,26 @@ void TstTableAccessibility::buttons_are_children_of_their_cell()
     // What has no widget of its own has no children.
     QCOMPARE(cell(0, 0)->childCount(), 0);
     QVERIFY(!cell(0, 0)->child(0));
+}
+
+void TstTableAccessibility::pressing_a_button_returns_before_its_dialog_opens()
+{
+    list(QStringLiteral("Evening show"));
+    QAccessibleActionInterface *const deleting = cell(0, 2)->child(3)->actionInterface();
+    QCOMPARE(deleting->actionNames(),
+             QStringList({QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::setFocusAction()}));
+    m_book->expectQuestion(QString(), PanelTexts::deleteQuestion, QMessageBox::Yes);
+    // A reader waits for the answer to its call: not until the question is answered, please.
+    deleting->doAction(QAccessibleActionInterface::pressAction());
+    QVERIFY(!m_book->isSatisfied());
+    waitForAnswers();
+    settle();
+    QVERIFY(m_panel->names().isEmpty());
+    list(QStringLiteral("Matinee"));
+    cell(0, 2)->child(1)->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+    QCOMPARE(m_panel->widget->focusWidget(), m_panel->rowButtons(0).at(1));
+    m_panel->rowButtons(0).at(1)->setEnabled(false);
+    QVERIFY(cell(0, 2)->child(1)->actionInterface()->actionNames().isEmpty());
 }
 
 void TstTableAccessibility::way_up_from_a_button_leads_through_its_cell()

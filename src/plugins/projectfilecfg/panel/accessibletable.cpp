@@ -23,6 +23,11 @@ int rowOf(const QTableWidget *table, const QWidget *buttons, int buttonColumn)
     return row;
 }
 
+QList<QAbstractButton *> buttonsIn(const QWidget *cellWidget)
+{
+    return cellWidget->findChildren<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly);
+}
+
 /// What cells with and without buttons have in common.
 class Cell : public QAccessibleTableCellInterface
 {
@@ -151,6 +156,31 @@ private:
     QVector<QAccessible::Id> m_ids;
 };
 
+/// One of the buttons. Qt's interface of a tool button returns from a press only when what it has opened is closed, and
+/// a screen reader waits for that.
+class RowButton : public QAccessibleWidget
+{
+public:
+    explicit RowButton(QAbstractButton *button)
+        : QAccessibleWidget(button, QAccessible::PushButton)
+    {}
+
+    QStringList actionNames() const override
+    {
+        QStringList names = QAccessibleWidget::actionNames();
+        if (widget()->isEnabled())
+            names.prepend(pressAction());
+        return names;
+    }
+    void doAction(const QString &name) override
+    {
+        if (name == pressAction())
+            static_cast<QAbstractButton *>(widget())->animateClick();
+        else
+            QAccessibleWidget::doAction(name);
+    }
+};
+
 /// The cell with the buttons. The other cells of its row live as long as it does.
 class ButtonCell : public QAccessibleWidget, public Cell
 {
@@ -190,10 +220,7 @@ public:
     int rowIndex() const override { return rowOf(m_pTable, widget(), m_nColumn); }
 
 private:
-    QList<QAbstractButton *> buttons() const
-    {
-        return widget()->findChildren<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly);
-    }
+    QList<QAbstractButton *> buttons() const { return buttonsIn(widget()); }
 
     const int m_nColumn;
     mutable TextCells m_textCells;
@@ -306,6 +333,8 @@ void AccessibleTable::describe(QTableWidget *table, int buttonColumn)
 void AccessibleTable::describeButtons(QWidget *buttons, QTableWidget *table, int buttonColumn)
 {
     replaceInterface(buttons, new ButtonCell(buttons, table, buttonColumn));
+    for (QAbstractButton *button : buttonsIn(buttons))
+        replaceInterface(button, new RowButton(button));
 }
 
 } // namespace Internal
