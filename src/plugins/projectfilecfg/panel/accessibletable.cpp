@@ -137,15 +137,15 @@ public:
     TextCells() = default;
     ~TextCells()
     {
-        for (const QAccessible::Id id : m_ids)
+        for (const QAccessible::Id id : m_listIds)
             QAccessible::deleteAccessibleInterface(id);
     }
     Q_DISABLE_COPY(TextCells)
 
     QAccessibleInterface *at(QTableWidget *table, const QWidget *buttons, int buttonColumn, int column)
     {
-        m_ids.resize(1 + table->columnCount());
-        QAccessible::Id &id = m_ids[1 + column];
+        m_listIds.resize(1 + table->columnCount());
+        QAccessible::Id &id = m_listIds[1 + column];
         if (id == 0)
             id = QAccessible::registerAccessibleInterface(new TextCell(table, buttons, buttonColumn, column));
         return QAccessible::accessibleInterface(id);
@@ -153,7 +153,7 @@ public:
 
 private:
     /// 0: not made yet. The header is in front.
-    QVector<QAccessible::Id> m_ids;
+    QVector<QAccessible::Id> m_listIds;
 };
 
 /// One of the buttons. Qt's interface of a tool button returns from a press only when what it has opened is closed, and
