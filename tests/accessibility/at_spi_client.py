@@ -62,7 +62,8 @@ class Reader:
 
     def hear(self, event):
         with contextlib.suppress(GLib.Error):
-            if event.type == "object:property-change:accessible-name" and event.source.get_role() == Atspi.Role.DIALOG:
+            announcing = (Atspi.Role.DIALOG, Atspi.Role.LABEL)
+            if event.type == "object:property-change:accessible-name" and event.source.get_role() in announcing:
                 self.said.append(event.source.get_name())
 
     def find_application(self):
@@ -119,15 +120,24 @@ class Reader:
         require(box.get_description() == text, f"expected the message \"{text}\", met \"{box.get_description()}\"")
         self.press(self.button(box, button))
 
+    def selector(self):
+        """The selector, which is named by its entry: found by its label."""
+        def is_labelled(one):
+            labels = [relation.get_target(0).get_name() for relation in one.get_relation_set()
+                      if relation.get_relation_type() == Atspi.RelationType.LABELLED_BY]
+            return labels == ["Device"]
+
+        return self.wait_for(lambda: next((one for one in shown_below(self.panel)
+                                           if one.get_role() == Atspi.Role.COMBO_BOX and is_labelled(one)), None),
+                             "a selector with the label \"Device\"")
+
     def require_device(self, device):
-        self.find(self.panel, Atspi.Role.COMBO_BOX, device)
+        self.wait_for(lambda: self.selector().get_name() == device, f"the selector to show \"{device}\"")
 
     def select_device(self, device):
         """Opens the selector, and chooses the entry below the current one with the keys, since entries offer no action
         that chooses them."""
-        selector = self.wait_for(lambda: next((one for one in shown_below(self.panel)
-                                               if one.get_role() == Atspi.Role.COMBO_BOX), None), "the selector")
-        act(selector, "Press")
+        act(self.selector(), "Press")
         self.wait_for(lambda: self.application.get_child_count() > 1, "the selector to open")
         for key in (KEY_DOWN, KEY_RETURN):
             Atspi.generate_keyboard_event(key, None, Atspi.KeySynthType.SYM)
@@ -203,7 +213,6 @@ def pictures_in_package(project, comment):
 
 def find_the_way(reader):
     reader.require_device(MAIN_HALL)
-    reader.find(reader.panel, Atspi.Role.LABEL, "Device")
     reader.wait_for_rows([])
     return "the selector is on the main hall, and no project is listed"
 
@@ -224,6 +233,7 @@ def save_first_device(reader):
     reader.wait_for_rows([PROJECT])
     reader.wait_for(lambda: any(text.startswith("Saving the gallery [") for text in reader.said),
                     "the waiting dialog to announce the pictures")
+    reader.wait_for(lambda: f"Saved \"{PROJECT}\"" in reader.said, "the status bar to announce the end")
     return f"{len(pictures)} pictures are in the package, {len(reader.said)} texts were announced"
 
 
