@@ -1,5 +1,7 @@
 #include "accessibletable.h"
 
+#include "cellwidgetrow.h"
+
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -14,14 +16,6 @@ namespace {
 
 /// The place of the headers among rows and columns.
 constexpr int header = -1;
-
-int rowOf(const QTableWidget *table, const QWidget *buttons, int buttonColumn)
-{
-    int row = table->rowCount() - 1;
-    while (row >= 0 && table->cellWidget(row, buttonColumn) != buttons)
-        --row;
-    return row;
-}
 
 QList<QAbstractButton *> buttonsIn(const QWidget *cellWidget)
 {
@@ -101,7 +95,7 @@ public:
     }
 
     int columnIndex() const override { return m_nColumn; }
-    int rowIndex() const override { return m_pButtons ? rowOf(m_pTable, m_pButtons, m_nButtonColumn) : header; }
+    int rowIndex() const override { return m_pButtons ? cellWidgetRow(m_pTable, m_pButtons, m_nButtonColumn) : header; }
 
 private:
     QVariant data(int role) const
@@ -217,7 +211,7 @@ public:
     }
 
     int columnIndex() const override { return m_nColumn; }
-    int rowIndex() const override { return rowOf(m_pTable, widget(), m_nColumn); }
+    int rowIndex() const override { return cellWidgetRow(m_pTable, widget(), m_nColumn); }
 
 private:
     QList<QAbstractButton *> buttons() const { return buttonsIn(widget()); }

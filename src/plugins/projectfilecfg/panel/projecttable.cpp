@@ -1,6 +1,7 @@
 #include "projecttable.h"
 
 #include "accessibletable.h"
+#include "cellwidgetrow.h"
 #include "packagelayout.h"
 #include "plaintooltip.h"
 
@@ -61,10 +62,18 @@ private:
 
 void scrollToButtons(QTableWidget *table, const QWidget *buttons)
 {
-    for (int row = 0; row < table->rowCount(); ++row) {
-        if (table->cellWidget(row, operationsColumn) == buttons)
-            table->scrollTo(table->model()->index(row, operationsColumn));
-    }
+    const int row = cellWidgetRow(table, buttons, operationsColumn);
+    table->scrollTo(table->model()->index(row, operationsColumn));
+}
+
+/// Where Up, Down, Home and End lead.
+void leaveRow(const QTableWidget *table, const ProjectRowWidget *buttons, int key)
+{
+    const int row = cellWidgetRow(table, buttons, operationsColumn);
+    const int last = table->rowCount() - 1;
+    const int target = key == Qt::Key_Up ? row - 1 : key == Qt::Key_Down ? row + 1 : key == Qt::Key_Home ? 0 : last;
+    QWidget *there = table->cellWidget(qBound(0, target, last), operationsColumn);
+    static_cast<ProjectRowWidget *>(there)->focusButton(buttons->focusedButton());
 }
 
 } // namespace
@@ -185,6 +194,8 @@ void ProjectTable::makeRow(int row)
     m_connectRow(*widget);
     QObject::connect(widget, &ProjectRowWidget::signal_buttonFocused, m_pTable,
                      [table = m_pTable, widget] { scrollToButtons(table, widget); });
+    QObject::connect(widget, &ProjectRowWidget::signal_rowLeft, m_pTable,
+                     [table = m_pTable, widget](int key) { leaveRow(table, widget, key); });
     m_pTable->setCellWidget(row, operationsColumn, widget);
 }
 
