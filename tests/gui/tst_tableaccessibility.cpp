@@ -67,6 +67,7 @@ private slots:
     void way_up_from_a_button_leads_through_its_cell();
     void each_child_knows_its_place();
     void cells_tell_their_headers();
+    void cells_are_plain_text();
     void child_at_a_point_is_what_is_there();
     void rows_out_of_sight_are_off_screen();
     void nothing_in_the_table_can_be_selected();
@@ -191,6 +192,9 @@ void TstTableAccessibility::each_child_knows_its_place()
     QVERIFY(!table()->child(-1));
     QVERIFY(!table()->child(children.count()));
     QCOMPARE(table()->indexOfChild(children.last()->child(0)), -1);
+    const Panel other;
+    settle();
+    QCOMPARE(table()->indexOfChild(interfaceOf(other.table())->tableInterface()->cellAt(0, 0)), -1);
     QVERIFY(!cell(3, 0));
     QVERIFY(!cell(0, 3));
     QVERIFY(!cell(-1, 0));
@@ -208,10 +212,44 @@ void TstTableAccessibility::cells_tell_their_headers()
         QCOMPARE(table()->tableInterface()->columnDescription(column), headers.at(column));
         QCOMPARE(cell(2, column)->tableCellInterface()->table(), table());
     }
+    QVERIFY(cell(2, 0)->tableCellInterface()->rowHeaderCells().isEmpty());
+    QVERIFY(cell(2, 2)->tableCellInterface()->rowHeaderCells().isEmpty());
     // The header of the rows is hidden.
     QAccessibleInterface *const rowHeader = table()->child(2 * 4);
     QCOMPARE(rowHeader->role(), QAccessible::RowHeader);
+    QCOMPARE(nameOf(rowHeader), QStringLiteral("2"));
+    QCOMPARE(table()->tableInterface()->rowDescription(1), QStringLiteral("2"));
     QVERIFY(rowHeader->state().invisible);
+    QAccessibleInterface *const corner = table()->child(0);
+    QCOMPARE(corner->role(), QAccessible::Pane);
+    QVERIFY(corner->state().invisible);
+    // Headers are no cells.
+    QVERIFY(!rowHeader->tableCellInterface() && !corner->tableCellInterface() &&
+            !table()->child(1)->tableCellInterface());
+    m_panel->table()->horizontalHeader()->hide();
+    QVERIFY(table()->child(1)->state().invisible);
+    m_panel->table()->verticalHeader()->show();
+    QVERIFY(!rowHeader->state().invisible);
+}
+
+void TstTableAccessibility::cells_are_plain_text()
+{
+    listThree();
+    for (int column = 0; column < 3; ++column) {
+        QCOMPARE(cell(0, column)->tableCellInterface()->columnExtent(), 1);
+        QCOMPARE(cell(0, column)->tableCellInterface()->rowExtent(), 1);
+        QVERIFY(!cell(0, column)->tableCellInterface()->isSelected());
+        QVERIFY(cell(0, column)->text(QAccessible::Value).isEmpty());
+    }
+    QVERIFY(cell(0, 0)->state().readOnly);
+    cell(0, 0)->setText(QAccessible::Name, QStringLiteral("Other"));
+    QCOMPARE(nameOf(cell(0, 0)), QStringLiteral("New"));
+    QVERIFY(!cell(0, 0)->object());
+    QVERIFY(!cell(0, 0)->childAt(0, 0));
+    QCOMPARE(cell(0, 0)->indexOfChild(cell(0, 1)), -1);
+    QVERIFY(!table()->tableInterface()->caption() && !table()->tableInterface()->summary());
+    m_panel->widget->hide();
+    QVERIFY(cell(0, 0)->state().invisible);
 }
 
 void TstTableAccessibility::child_at_a_point_is_what_is_there()
