@@ -1,11 +1,13 @@
 #!/usr/bin/python3
-"""Saves, applies, edits and deletes a project in the development host as a screen reader's user does: knows nothing but
-the names, roles and texts that the program tells AT-SPI, and does nothing but the actions that it offers there.
+"""Saves, edits, applies and deletes a project in the development host as a screen reader's user does: knows nothing but
+the names, roles and texts that the program tells AT-SPI, and does nothing but the actions that it offers there. Only the
+entry of a selector, which offers none, is chosen with keys.
 
     at_spi_client.py DEVHOST
 
 Starts that program on the small site, with an X server, a session bus and a home of its own. Prints each step with its
-outcome; exits with 1 at the first step that fails. Needs the Debian packages that scripts/setup names for it.
+outcome; exits with 1 at the first step that fails. Needs the Debian packages that scripts/setup names for it, and with
+them Debian's own interpreter.
 """
 import contextlib
 import json
@@ -41,9 +43,9 @@ def require(condition, failure):
 
 
 class Reader:
-    """Finds what is shown by role and name, and acts on it. Hears what dialogs announce: the program says that a name has
-    changed, and the reader asks for it, as a screen reader does. Of texts that follow each other at once it hears the
-    last."""
+    """Finds what is shown by role and name, and acts on it. Hears what dialogs and labels announce: the program says that
+    a name has changed, and the reader asks for it, as a screen reader does. Of texts that follow each other at once it
+    hears the last."""
 
     def __init__(self, program):
         self.program = program
@@ -135,8 +137,7 @@ class Reader:
         self.wait_for(lambda: self.selector().get_name() == device, f"the selector to show \"{device}\"")
 
     def select_device(self, device):
-        """Opens the selector, and chooses the entry below the current one with the keys, since entries offer no action
-        that chooses them."""
+        """Opens the selector and chooses the entry below the current one."""
         act(self.selector(), "Press")
         self.wait_for(lambda: self.application.get_child_count() > 1, "the selector to open")
         for key in (KEY_DOWN, KEY_RETURN):
