@@ -33,8 +33,8 @@ class Failure(Exception):
     pass
 
 
-class Gone(Exception):
-    """What was looked at is no longer there."""
+class Changing(Exception):
+    """What was looked at has gone meanwhile, or does not fit together yet."""
 
 
 def require(condition, failure):
@@ -76,15 +76,18 @@ class Reader:
         """The first value of `condition` that is not false. It is asked at each event and a few times a second, since
         files tell nothing."""
         end = time.monotonic() + WAIT_S
+        obstacle = ""
         waker = GLib.timeout_add(100, lambda: True)
         try:
             while True:
-                with contextlib.suppress(GLib.Error, Gone):
+                try:
                     value = condition()
                     if value:
                         return value
+                except (GLib.Error, Changing) as error:
+                    obstacle = f": {error}"
                 require(self.program.poll() is None, f"the program ended with {self.program.poll()}, no {what}")
-                require(time.monotonic() < end, f"waited too long for {what}")
+                require(time.monotonic() < end, f"waited too long for {what}{obstacle}")
                 GLib.MainContext.default().iteration(True)
         finally:
             GLib.source_remove(waker)
@@ -158,8 +161,8 @@ class Reader:
             name, cell = (present(Atspi.Table.get_accessible_at(self.table, row, column)) for column in (0, 2))
             buttons = {button.get_name(): button for button in children_of(cell)}
             for button in buttons.values():
-                require(button.get_parent() == cell and cell.get_parent() == self.table,
-                        f"the way up from \"{button.get_name()}\" does not lead to the table")
+                if button.get_parent() != cell or cell.get_parent() != self.table:
+                    raise Changing(f"the way up from \"{button.get_name()}\" does not lead to the table")
             rows[name.get_name()] = buttons
         return rows
 
@@ -173,7 +176,7 @@ class Reader:
 
 def present(one):
     if not one:
-        raise Gone
+        raise Changing("something has gone while it was looked at")
     return one
 
 
