@@ -198,6 +198,14 @@ public:
     {
         return child ? buttons().indexOf(qobject_cast<QAbstractButton *>(child->object())) : -1;
     }
+    QString text(QAccessible::Text type) const override
+    {
+        if (type != QAccessible::Name)
+            return QAccessibleWidget::text(type);
+        const QAbstractItemModel *model = m_pTable->model();
+        return QStringLiteral("%1, %2").arg(model->headerData(m_nColumn, Qt::Horizontal).toString(),
+                                            model->index(rowIndex(), 0).data().toString());
+    }
     QAccessible::State state() const override
     {
         QAccessible::State state = QAccessibleWidget::state();

@@ -79,17 +79,14 @@ void ProjectRowWidget::setTexts(const Texts &texts)
     m_pDeleteBtn->setText(texts.strRemove);
 }
 
-void ProjectRowWidget::setProjectName(const QString &what, const QString &name)
+void ProjectRowWidget::setProjectName(const QString &name)
 {
-    const auto call = [&name](QWidget *widget, const QString &text) {
-        const QString accessibleName = QStringLiteral("%1, %2").arg(text, name);
+    for (QToolButton *button : buttons()) {
+        const QString accessibleName = QStringLiteral("%1, %2").arg(button->text(), name);
         // Each call notifies screen readers, even if the name stays the same.
-        if (widget->accessibleName() != accessibleName)
-            widget->setAccessibleName(accessibleName);
-    };
-    call(this, what);
-    for (QToolButton *button : buttons())
-        call(button, button->text());
+        if (button->accessibleName() != accessibleName)
+            button->setAccessibleName(accessibleName);
+    }
 }
 
 void ProjectRowWidget::followInTabOrder(QWidget *widget) const

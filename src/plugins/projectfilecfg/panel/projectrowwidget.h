@@ -41,8 +41,8 @@ public:
     QString filePath() const { return m_strFilePath; }
     void setFilePath(const QString &path);
     void setTexts(const Texts &texts);
-    /// Names the buttons after their project, and all together as `what`, for screen readers. Call after setTexts().
-    void setProjectName(const QString &what, const QString &name);
+    /// Names the buttons after their project, for screen readers. Call after setTexts().
+    void setProjectName(const QString &name);
 
     /// Puts the buttons after `widget` in the tab order, from left to right.
     void followInTabOrder(QWidget *widget) const;

@@ -209,7 +209,7 @@ void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const Projec
         static_cast<FileItem *>(m_pTable->item(row, column))->setFilePath(info.strFilePath);
     rowWidget(row)->setFilePath(info.strFilePath);
     rowWidget(row)->setTexts(texts);
-    rowWidget(row)->setProjectName(tr("Operations"), name);
+    rowWidget(row)->setProjectName(name);
 }
 
 ProjectRowWidget *ProjectTable::rowWidget(int row) const
