@@ -4,14 +4,18 @@
 #include <widgets/waitingdialog.h>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPainter>
 #include <QThread>
 #include <QWindow>
+
+#include <utility>
 
 using Corvel::Widgets::WaitingDialog;
 using HX::Widgets::FramelessMessageBox;
@@ -19,6 +23,13 @@ using HX::Widgets::FramelessMessageBox;
 namespace {
 
 constexpr int pollIntervalMs = 20;
+
+QString nameOf(QWidget *widget)
+{
+    const QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(widget);
+    const auto labels = interface->relations(QAccessible::Label);
+    return labels.isEmpty() ? interface->text(QAccessible::Name) : labels.first().first->text(QAccessible::Name);
+}
 
 } // namespace
 
@@ -100,6 +111,60 @@ void OperatorHand::press(QAbstractButton *button)
     if (!button->isEnabled())
         throw TourFailure(QStringLiteral("the button \"%1\" is disabled").arg(button->text()));
     button->click();
+}
+
+QWidget *OperatorHand::frontWindow() const
+{
+    QWidget *dialog = QApplication::activeModalWidget();
+    return dialog ? dialog : m_window;
+}
+
+void OperatorHand::sendKey(int key, const QString &text)
+{
+    ++m_keys;
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        // The press of a key may have closed the window.
+        QKeyEvent event(type, key, Qt::NoModifier, text);
+        QCoreApplication::sendEvent(frontWindow()->windowHandle(), &event);
+    }
+}
+
+void OperatorHand::pressKey(Qt::Key key)
+{
+    sendKey(key, key == Qt::Key_Space ? QStringLiteral(" ") : QString());
+}
+
+void OperatorHand::type(const QString &text)
+{
+    for (const QChar character : text)
+        sendKey(Qt::Key_unknown, character);
+}
+
+void OperatorHand::tabTo(const QString &name)
+{
+    // Without a window manager nobody activates the window behind a closed dialog, and the focus is not drawn.
+    frontWindow()->activateWindow();
+    QApplication::processEvents();
+    const QWidget *first = nullptr;
+    for (;;) {
+        pressKey(Qt::Key_Tab);
+        QWidget *focused = frontWindow()->focusWidget();
+        if (!focused)
+            throw TourFailure(QStringLiteral("nothing has the focus on the way to \"%1\"").arg(name));
+        if (focused->visibleRegion().isEmpty())
+            throw TourFailure(QStringLiteral("\"%1\" has the focus and cannot be seen").arg(nameOf(focused)));
+        if (nameOf(focused) == name)
+            return;
+        if (focused == first)
+            throw TourFailure(QStringLiteral("no Tab reaches \"%1\"").arg(name));
+        if (!first)
+            first = focused;
+    }
+}
+
+int OperatorHand::takeKeyCount()
+{
+    return std::exchange(m_keys, 0);
 }
 
 void OperatorHand::waitUntil(const std::function<bool()> &condition, const QString &what, int timeoutMs)

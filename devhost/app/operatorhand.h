@@ -11,7 +11,8 @@ class QAbstractButton;
 class QDialog;
 class QWidget;
 
-/// Drives the window like an operator: presses buttons, answers dialogs, waits and takes screenshots.
+/// Drives the window like an operator: presses buttons, answers dialogs, waits and takes screenshots; or presses keys,
+/// as an operator without a mouse.
 ///
 /// Throws a TourFailure on anything unexpected. User-interface thread.
 class OperatorHand : public QObject
@@ -33,6 +34,16 @@ public:
     void press(QWidget *parent, const QString &text);
     static void press(QAbstractButton *button);
 
+    /// Presses a key in the window that is in front.
+    void pressKey(Qt::Key key);
+    /// Types into what has the focus there.
+    void type(const QString &text);
+    /// Presses Tab until what is called `name` has the focus: by its label if it has one, else by its accessible name.
+    /// Each widget on the way must be visible.
+    void tabTo(const QString &name);
+    /// How many keys were pressed since the last call.
+    int takeKeyCount();
+
     /// Runs the event loop until `condition` holds.
     void waitUntil(const std::function<bool()> &condition, const QString &what, int timeoutMs = 120000);
     /// Runs the event loop until every expected dialog was answered and the waiting dialog is hidden.
@@ -43,6 +54,8 @@ public:
 
 private:
     void answerDialog();
+    QWidget *frontWindow() const;
+    void sendKey(int key, const QString &text);
 
     QWidget *const m_window;
     const QString m_pictureDirectory;
@@ -50,6 +63,7 @@ private:
     QTimer m_poll;
     bool m_answering = false;
     QString m_failure;
+    int m_keys = 0;
 };
 
 /// Describes the first failure.

@@ -73,6 +73,7 @@ int Tour::run()
         deleteProject();
         showChinese();
         deleteAllProjects();
+        workByKeyboard();
     } catch (const TourFailure &failure) {
         out() << "FAILED: " << failure.text() << '\n';
         out().flush();
@@ -92,6 +93,15 @@ void Tour::step(const QString &title, const std::function<QString()> &work)
     const QString outcome = work();
     out() << outcome << " (" << QString::number(double(timer.elapsed()) / 1000, 'f', 1) << " s)\n";
     out().flush();
+}
+
+void Tour::keyboardStep(const QString &title, const std::function<QString()> &work)
+{
+    step(QStringLiteral("With the keyboard alone: ") + title, [&] {
+        m_hand.takeKeyCount();
+        const QString outcome = work();
+        return QStringLiteral("%1; %2 keys").arg(outcome).arg(m_hand.takeKeyCount());
+    });
 }
 
 void Tour::require(bool condition, const QString &failure)
@@ -467,5 +477,83 @@ void Tour::deleteAllProjects()
         require(QDir(QFileInfo(projectPath(QString())).path()).entryList(QDir::Files | QDir::Hidden).isEmpty(),
                 QStringLiteral("files are left in the folder"));
         return QStringLiteral("the folder is empty");
+    });
+}
+
+void Tour::workByKeyboard()
+{
+    const QString savedIp = m_session.addresses().constFirst();
+    const QString otherIp = m_session.addresses().at(1);
+    const QString comment = QStringLiteral("No mouse was here");
+    keyboardStep(QStringLiteral("save the device %1 as \"%2\"").arg(savedIp, firstProject), [=] {
+        m_hand.tabTo(QStringLiteral("Device"));
+        m_hand.pressKey(Qt::Key_Home);
+        m_hand.onNextDialog([=](QDialog *) {
+            // The proposed name is selected, so that the typed one replaces it.
+            m_hand.type(firstProject);
+            m_hand.tabTo(QStringLiteral("Commect"));
+            m_hand.pressKey(Qt::Key_End);
+            for (int rest = QStringLiteral("yyyyMMdd_hhmmss").length(); rest > 0; --rest)
+                m_hand.pressKey(Qt::Key_Backspace);
+            m_hand.type(comment);
+            m_hand.tabTo(QStringLiteral("OK"));
+            m_hand.takePicture(QStringLiteral("13-keyboard-name-and-comment"));
+            m_hand.pressKey(Qt::Key_Space);
+        });
+        m_hand.tabTo(QStringLiteral("Save Project"));
+        m_hand.pressKey(Qt::Key_Space);
+        m_hand.waitUntilIdle();
+        expectProjects({firstProject});
+        const QString difference =
+            packageDifference(projectPath(firstProject), m_session.hardware(savedIp)->state(), firstProject, comment);
+        require(difference.isEmpty(), difference);
+        return QStringLiteral("the package is what the device is");
+    });
+    const QString project = QStringLiteral("By keys");
+    keyboardStep(QStringLiteral("give it another name"), [=] {
+        m_hand.onNextDialog([=](QDialog *) {
+            m_hand.type(project);
+            m_hand.pressKey(Qt::Key_Return);
+        });
+        m_hand.tabTo(QStringLiteral("Edit, ") + firstProject);
+        m_hand.pressKey(Qt::Key_Space);
+        expectProjects({project});
+        return QStringLiteral("the row shows \"%1\"").arg(projects().constFirst());
+    });
+    keyboardStep(QStringLiteral("apply it to the device %1").arg(otherIp), [=] {
+        m_session.hardware(otherIp)->change([](Simulation::HardwareState &state) { state.backgrounds.clear(); });
+        m_hand.tabTo(QStringLiteral("Device"));
+        m_hand.pressKey(Qt::Key_Down);
+        m_hand.onNextDialog([=](QDialog *) {
+            m_hand.tabTo(QStringLiteral("No"));
+            m_hand.pressKey(Qt::Key_Space);
+        });
+        m_hand.tabTo(QStringLiteral("Apply, ") + project);
+        m_hand.takePicture(QStringLiteral("14-keyboard-focus-in-a-row"));
+        m_hand.pressKey(Qt::Key_Space);
+        m_hand.waitUntilIdle();
+        const QString difference = m_session.hardware(otherIp)
+                                       ->state()
+                                       .configuration()
+                                       .differencesTo(m_session.hardware(savedIp)->state().configuration())
+                                       .join(QStringLiteral("; "));
+        require(difference.isEmpty(), difference);
+        return QStringLiteral("it is equal to the saved device");
+    });
+    keyboardStep(QStringLiteral("delete it"), [=] {
+        // The first answer is taken back.
+        m_hand.onNextDialog([=](QDialog *) { m_hand.pressKey(Qt::Key_Escape); });
+        m_hand.tabTo(QStringLiteral("Delete, ") + project);
+        m_hand.pressKey(Qt::Key_Space);
+        m_hand.waitUntilIdle();
+        require(QFileInfo::exists(projectPath(project)), QStringLiteral("Escape did not keep the project"));
+        m_hand.onNextDialog([=](QDialog *) {
+            m_hand.tabTo(QStringLiteral("Yes"));
+            m_hand.pressKey(Qt::Key_Space);
+        });
+        m_hand.pressKey(Qt::Key_Space);
+        expectProjects({});
+        require(!QFileInfo::exists(projectPath(project)), QStringLiteral("the file is still there"));
+        return QStringLiteral("kept at Escape, gone at Yes");
     });
 }

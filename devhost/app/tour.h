@@ -43,8 +43,10 @@ private:
     void deleteProject();
     void showChinese();
     void deleteAllProjects();
+    void workByKeyboard();
 
     void step(const QString &title, const std::function<QString()> &work);
+    void keyboardStep(const QString &title, const std::function<QString()> &work);
     void selectDevice(const QString &ip);
     void pressInRow(const QString &project, const QString &button);
     int rowOf(const QString &project) const;

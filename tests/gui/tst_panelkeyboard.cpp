@@ -83,6 +83,7 @@ private slots:
     void focus_of_a_deleted_row_goes_to_the_next();
     void focus_stays_with_its_project();
     void space_presses_the_focused_button();
+    void arrows_go_from_row_to_row();
 
 private:
     static QStringList three() { return {QStringLiteral("New"), QStringLiteral("Middle"), QStringLiteral("Old")}; }
@@ -252,6 +253,28 @@ void TstPanelKeyboard::space_presses_the_focused_button()
     VERIFY_BOOK();
     settle();
     QCOMPARE(m_panel->names(), QStringList({QStringLiteral("New"), QStringLiteral("Renamed"), QStringLiteral("Old")}));
+}
+
+void TstPanelKeyboard::arrows_go_from_row_to_row()
+{
+    listThree();
+    const auto press = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(m_panel->widget->windowHandle(), key, modifiers);
+        const auto *button = qobject_cast<QAbstractButton *>(QApplication::focusWidget());
+        return button ? m_panel->projectOf(button) + QLatin1Char(' ') + button->text() : QString();
+    };
+    m_panel->rowButtons(0).at(1)->setFocus(Qt::TabFocusReason);
+    QCOMPARE(press(Qt::Key_Down), QStringLiteral("Middle Apply"));
+    QCOMPARE(press(Qt::Key_Down), QStringLiteral("Old Apply"));
+    QCOMPARE(press(Qt::Key_Down), QStringLiteral("Old Apply"));
+    QCOMPARE(press(Qt::Key_Up), QStringLiteral("Middle Apply"));
+    QCOMPARE(press(Qt::Key_Right), QStringLiteral("Middle Save as"));
+    QCOMPARE(press(Qt::Key_Home), QStringLiteral("New Save as"));
+    QCOMPARE(press(Qt::Key_Up), QStringLiteral("New Save as"));
+    QCOMPARE(press(Qt::Key_Left), QStringLiteral("New Apply"));
+    QCOMPARE(press(Qt::Key_End), QStringLiteral("Old Apply"));
+    QCOMPARE(press(Qt::Key_Home, Qt::ControlModifier), QStringLiteral("Old Apply"));
+    QCOMPARE(press(Qt::Key_Up, Qt::KeypadModifier), QStringLiteral("Middle Apply"));
 }
 
 TEST_MAIN(TstPanelKeyboard)

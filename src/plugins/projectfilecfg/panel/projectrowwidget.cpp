@@ -3,11 +3,23 @@
 #include <QFocusEvent>
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QToolButton>
 #include <QVariant>
 
 namespace ProjectFileCfg {
 namespace Internal {
+
+namespace {
+
+bool leadsToAnotherRow(const QKeyEvent &event)
+{
+    const bool isModified = (event.modifiers() & ~Qt::KeypadModifier) != 0;
+    const QList<int> keys{Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End};
+    return !isModified && keys.contains(event.key());
+}
+
+} // namespace
 
 ProjectRowWidget::Icons::Icons()
     : edit(QStringLiteral(":resource/images/icon_setting_project_edit.png"))
@@ -100,6 +112,10 @@ bool ProjectRowWidget::eventFilter(QObject *watched, QEvent *event)
     // Returning from another window does not scroll the list.
     if (event->type() == QEvent::FocusIn && static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason)
         emit signal_buttonFocused();
+    if (event->type() == QEvent::KeyPress && leadsToAnotherRow(*static_cast<QKeyEvent *>(event))) {
+        emit signal_rowLeft(static_cast<QKeyEvent *>(event)->key());
+        return true;
+    }
     return QWidget::eventFilter(watched, event);
 }
 

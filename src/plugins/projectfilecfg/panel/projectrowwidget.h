@@ -59,6 +59,8 @@ public:
 signals:
     /// One of the buttons got the focus, but not because its window became the active one.
     void signal_buttonFocused();
+    /// Qt::Key_Up, Qt::Key_Down, Qt::Key_Home or Qt::Key_End was pressed on one of the buttons.
+    void signal_rowLeft(int key);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -1,5 +1,7 @@
 #include "projecttable.h"
 
+#include "accessibletable.h"
+#include "cellwidgetrow.h"
 #include "packagelayout.h"
 #include "plaintooltip.h"
 
@@ -60,10 +62,18 @@ private:
 
 void scrollToButtons(QTableWidget *table, const QWidget *buttons)
 {
-    for (int row = 0; row < table->rowCount(); ++row) {
-        if (table->cellWidget(row, operationsColumn) == buttons)
-            table->scrollTo(table->model()->index(row, operationsColumn));
-    }
+    const int row = cellWidgetRow(table, buttons, operationsColumn);
+    table->scrollTo(table->model()->index(row, operationsColumn));
+}
+
+/// Where Up, Down, Home and End lead.
+void leaveRow(const QTableWidget *table, const ProjectRowWidget *buttons, int key)
+{
+    const int row = cellWidgetRow(table, buttons, operationsColumn);
+    const int last = table->rowCount() - 1;
+    const int target = key == Qt::Key_Up ? row - 1 : key == Qt::Key_Down ? row + 1 : key == Qt::Key_Home ? 0 : last;
+    QWidget *there = table->cellWidget(qBound(0, target, last), operationsColumn);
+    static_cast<ProjectRowWidget *>(there)->focusButton(buttons->focusedButton());
 }
 
 } // namespace
@@ -89,6 +99,7 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
     m_pTable->setColumnWidth(fileColumn, fixedColumnWidth);
     m_pTable->setColumnWidth(operationsColumn, fixedColumnWidth);
     m_pTable->horizontalHeader()->setContentsMargins(15, 0, 15, 0);
+    AccessibleTable::describe(m_pTable, operationsColumn);
 }
 
 void ProjectTable::retranslate()
@@ -178,11 +189,13 @@ void ProjectTable::makeRow(int row)
 {
     m_pTable->setItem(row, fileColumn, new FileItem(m_projectIcon, QString()));
     m_pTable->setItem(row, commentColumn, new FileItem);
-    m_pTable->setItem(row, operationsColumn, new QTableWidgetItem);
     auto *widget = new ProjectRowWidget(m_rowIcons, m_pTable->viewport());
+    AccessibleTable::describeButtons(widget, m_pTable, operationsColumn);
     m_connectRow(*widget);
     QObject::connect(widget, &ProjectRowWidget::signal_buttonFocused, m_pTable,
                      [table = m_pTable, widget] { scrollToButtons(table, widget); });
+    QObject::connect(widget, &ProjectRowWidget::signal_rowLeft, m_pTable,
+                     [table = m_pTable, widget](int key) { leaveRow(table, widget, key); });
     m_pTable->setCellWidget(row, operationsColumn, widget);
 }
 
@@ -197,9 +210,6 @@ void ProjectTable::fillRow(int row, const EngineerPacketInfo &info, const Projec
     rowWidget(row)->setFilePath(info.strFilePath);
     rowWidget(row)->setTexts(texts);
     rowWidget(row)->setProjectName(name);
-    // The cell itself has no text that a screen reader could read.
-    m_pTable->item(row, operationsColumn)
-        ->setData(Qt::AccessibleTextRole, QStringLiteral("%1, %2").arg(tr("Operations"), name));
 }
 
 ProjectRowWidget *ProjectTable::rowWidget(int row) const

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QTableWidget>
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// The row of `table` with that widget in `column`; -1 if it is in none.
+inline int cellWidgetRow(const QTableWidget *table, const QWidget *widget, int column)
+{
+    int row = table->rowCount() - 1;
+    while (row >= 0 && table->cellWidget(row, column) != widget)
+        --row;
+    return row;
+}
+
+} // namespace Internal
+} // namespace ProjectFileCfg
