@@ -10,6 +10,7 @@
 #include "loadpreparation.h"
 #include "messageboxes.h"
 #include "newproject.h"
+#include "packagedrop.h"
 #include "panellayout.h"
 #include "prechecks.h"
 #include "pressedbutton.h"
@@ -101,6 +102,7 @@ void EngineerDocOperWidget::initUI()
                                                 m_pApplyOthersBtn, m_pAllSaveasBtn, m_pAllDeleteBtn, m_pProjectTable}));
     m_pDeviceSelector.reset(new DeviceSelector(m_pDeviceCombo));
     m_pTableRows.reset(new ProjectTable(m_pProjectTable, [this](const ProjectRowWidget &row) { connectRow(row); }));
+    connect(new PackageDrop(m_pProjectTable), &PackageDrop::signal_dropped, this, &EngineerDocOperWidget::startImport);
 }
 
 void EngineerDocOperWidget::retranslateUi()
@@ -411,7 +413,13 @@ void EngineerDocOperWidget::onSaveasFinished()
 void EngineerDocOperWidget::slot_importProject()
 {
     const QStringList files = FileDialogs::selectProjectFiles(this, true);
-    if (files.isEmpty() || !PreChecks::isRoomForImport(this, files, m_strDefaultPath))
+    if (!files.isEmpty())
+        startImport(files);
+}
+
+void EngineerDocOperWidget::startImport(const QStringList &files)
+{
+    if (!PreChecks::isRoomForImport(this, files, m_strDefaultPath))
         return;
     Waiting::show(tr("Import project files,please wait..."));
     // No mix-up: the save-as watcher decides whether the previous import watcher goes now or with the panel.

@@ -88,6 +88,7 @@ private:
 
     void startSaveas(const QStringList &files, const QString &destination, bool bDestIsDir);
     void onSaveasFinished();
+    void startImport(const QStringList &files);
     void onImportFinished();
 
     QLabel *m_pDeviceLabel = nullptr;
