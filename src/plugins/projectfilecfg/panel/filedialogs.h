@@ -8,7 +8,7 @@ class QWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Asks for files and folders. User-interface thread; each runs a modal dialog.
+/// Asks for files and folders. User-interface thread; each runs a modal dialog, which follows a change of the language.
 ///
 /// The answer is empty if the operator cancelled, or if `parent` was deleted meanwhile, and the dialog with it.
 class FileDialogs
@@ -29,6 +29,7 @@ public:
     static QString selectFolder(QWidget *parent, const QString &documents);
 
 private:
+    static QString targetTitle();
     static QString projectFileFilter();
 };
 
