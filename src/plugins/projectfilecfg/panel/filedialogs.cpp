@@ -42,6 +42,14 @@ QStringList chosenFiles(const QPointer<QFileDialog> &dialog, const TranslatedTex
     return answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
 }
 
+/// The dialog's default suffix is for names without a dot only.
+QString withExtension(const QString &path)
+{
+    return path.isEmpty() || path.endsWith(PackageLayout::packageExtension, Qt::CaseInsensitive)
+               ? path
+               : path + PackageLayout::packageExtension;
+}
+
 QString otherThan(const QString &documents, const QString &chosen)
 {
     // Do not read `documents` after an empty answer: its owner, the panel, may have been deleted.
@@ -79,7 +87,8 @@ QString FileDialogs::selectTarget(QWidget *parent, const QString &documents, con
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     dialog->setDefaultSuffix(PackageLayout::packageExtension);
-    const QString target = otherThan(documents, chosenFiles(dialog, targetTitle, projectFileFilter).value(0));
+    const QString target =
+        withExtension(otherThan(documents, chosenFiles(dialog, targetTitle, projectFileFilter).value(0)));
     if (target.isEmpty() || !QFile::exists(target))
         return target;
     const auto message = [name = QFileInfo(target).baseName()] {
