@@ -179,6 +179,7 @@ void FramelessMessageBox::changeEvent(QEvent *event)
 
 void FramelessMessageBox::showEvent(QShowEvent *event)
 {
+    fitToText();
     FramelessDialog::showEvent(event);
     QAccessibleEvent announcement(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
@@ -290,8 +291,12 @@ void FramelessMessageBox::setText(const QString &text)
     d->message->setText(withBreakOpportunities(text));
     d->message->setAccessibleName(text);
     setAccessibleDescription(text);
-    if (!isVisible())
-        return;
+    if (isVisible())
+        fitToText();
+}
+
+void FramelessMessageBox::fitToText()
+{
     // Each widget around the label answers for it only once its own layout knows the new text.
     for (QWidget *widget = d->message->parentWidget(); widget != parentWidget(); widget = widget->parentWidget()) {
         if (widget->layout())

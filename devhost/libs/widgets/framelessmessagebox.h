@@ -56,6 +56,7 @@ private:
                                            QMessageBox::StandardButton defaultButton);
 
     void retranslateUi();
+    void fitToText();
     static QString kindText(Kind kind);
     static QString buttonText(QMessageBox::StandardButton which);
 
