@@ -302,7 +302,9 @@ void FramelessMessageBox::fitToText()
         if (widget->layout())
             widget->layout()->activate();
     }
-    adjustSize();
+    // Not adjustSize(), which stops at two thirds of the screen.
+    const int width = sizeHint().width();
+    resize(width, layout()->totalHeightForWidth(width));
 }
 
 QMessageBox::StandardButtons FramelessMessageBox::standardButtons() const
