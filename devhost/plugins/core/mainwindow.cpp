@@ -277,6 +277,8 @@ void MainWindow::showStatus()
         break;
     }
     m_operationLabel->setText(m_operationText.isEmpty() ? operation : tr("%1: %2").arg(operation, m_operationText));
+    // The next call may block the event loop.
+    m_operationLabel->repaint();
 }
 
 } // namespace Core
