@@ -44,6 +44,8 @@ QList<QWidget *> visibleWidgets(QWidget *window)
 /// Every text of the model, with its column's and row's headers; nothing of a row that is not shown.
 QStringList textsOf(const QAbstractItemModel *model)
 {
+    if (!model)
+        return QStringList();
     QStringList texts;
     for (int column = 0; column < model->columnCount(); ++column) {
         texts.append(model->headerData(column, Qt::Horizontal).toString());
@@ -53,6 +55,17 @@ QStringList textsOf(const QAbstractItemModel *model)
         }
     }
     return texts;
+}
+
+/// Without markup and invisible places for line breaks.
+QString asShown(QString text)
+{
+    if (Qt::mightBeRichText(text)) {
+        QTextDocument shown;
+        shown.setHtml(text);
+        text = shown.toPlainText();
+    }
+    return text.remove(QChar(0x200B));
 }
 
 QStringList textsOf(const QWidget *widget)
@@ -70,23 +83,15 @@ QStringList textsOf(const QWidget *widget)
     else if (const auto *combo = qobject_cast<const QComboBox *>(widget))
         texts += textsOf(combo->model());
     else if (const auto *view = qobject_cast<const QAbstractItemView *>(widget))
-        if (view->model() && !qobject_cast<const QHeaderView *>(widget))
-            texts += textsOf(view->model());
+        texts += qobject_cast<const QHeaderView *>(view) ? QStringList() : textsOf(view->model());
     if (const auto *button = qobject_cast<const QToolButton *>(widget)) {
         if (button->menu()) {
             for (const QAction *action : button->menu()->actions())
                 texts.append(action->text());
         }
     }
-    for (QString &text : texts) {
-        // Invisible places for line breaks.
-        text.remove(QChar(0x200B));
-        if (Qt::mightBeRichText(text)) {
-            QTextDocument shown;
-            shown.setHtml(text);
-            text = shown.toPlainText();
-        }
-    }
+    for (QString &text : texts)
+        text = asShown(text);
     texts.removeAll(QString());
     return texts;
 }
@@ -171,9 +176,18 @@ private:
     {
         if (text.isEmpty() || (needed.width() <= given.width() && needed.height() <= given.height()))
             return;
-        // An elided text is whole in the tool tip.
-        if (needed.height() > given.height() || !widget->toolTip().contains(text))
+        if (needed.height() > given.height() || !isInToolTip(widget, text))
             complain(widget, text, needed, given);
+    }
+
+    /// In that of the widget or of what it is a part of.
+    static bool isInToolTip(const QWidget *widget, const QString &text)
+    {
+        for (; widget; widget = widget->parentWidget()) {
+            if (asShown(widget->toolTip()).contains(text))
+                return true;
+        }
+        return false;
     }
 
     void lookAt(const QHeaderView *header)

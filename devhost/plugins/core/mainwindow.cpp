@@ -259,6 +259,8 @@ void MainWindow::retranslateTitleBar()
         const QString text = tr("Close %1").arg(dock->windowTitle());
         close->setToolTip(text);
         close->setAccessibleName(text);
+        // Qt describes it in the language of the time when it was made.
+        close->setAccessibleDescription(QString());
     }
 }
 

@@ -28,7 +28,7 @@ void Waiting::offerCancel()
 {
     WaitingDialog::instance()->setCanelVisible(true);
     WaitingDialog::instance()->setButtonText(tr("Cancel"));
-    texts().isCancelNamed = true;
+    texts().bCancelNamed = true;
 }
 
 void Waiting::hide()
@@ -40,7 +40,7 @@ void Waiting::hide()
 void Waiting::retranslate()
 {
     // The button keeps its text for the next operation.
-    if (texts().isCancelNamed)
+    if (texts().bCancelNamed)
         WaitingDialog::instance()->setButtonText(tr("Cancel"));
     if (texts().shown)
         showProgress(texts().shown());

@@ -31,7 +31,7 @@ private:
     {
         /// None while the dialog is not shown.
         TranslatedText shown;
-        bool isCancelNamed = false;
+        bool bCancelNamed = false;
     };
 
     static Texts &texts();
