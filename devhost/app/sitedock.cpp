@@ -36,6 +36,16 @@ QPixmap thumbOf(const QImage &image)
     return thumb;
 }
 
+/// The style sheet's minimum width for buttons lets a layout cut longer texts.
+void setWholeText(QPushButton *button, const QString &text)
+{
+    if (button->text() == text)
+        return;
+    button->setText(text);
+    button->ensurePolished();
+    button->setMinimumWidth(button->sizeHint().width());
+}
+
 } // namespace
 
 SiteDock::SiteDock(Simulation::Session &session, QWidget *parent)
@@ -168,8 +178,8 @@ void SiteDock::retranslate()
     m_kind->setItemText(2, tr("Drops the connection"));
     m_kind->setItemText(3, tr("Is cancelled"));
     m_callLabel->setText(tr("at call"));
-    m_armButton->setText(tr("Arm"));
-    m_clearButton->setText(tr("Clear"));
+    setWholeText(m_armButton, tr("Arm"));
+    setWholeText(m_clearButton, tr("Clear"));
     m_pictureTitle->setText(tr("Pictures in the hardware"));
     m_pictures->setAccessibleName(m_pictureTitle->text());
     refresh();
@@ -194,7 +204,7 @@ void SiteDock::refreshDevices()
     }
     const auto hardware = m_session.hardware(selectedAddress());
     m_plugButton->setEnabled(hardware != nullptr);
-    m_plugButton->setText(hardware && hardware->isReachable() ? tr("Unplug") : tr("Plug in"));
+    setWholeText(m_plugButton, hardware && hardware->isReachable() ? tr("Unplug") : tr("Plug in"));
 }
 
 void SiteDock::refreshPictures()

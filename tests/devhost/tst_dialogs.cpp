@@ -3,11 +3,15 @@
 #include <widgets/framelessmessagebox.h>
 #include <widgets/waitingdialog.h>
 
+#include <support/screencheck.h>
 #include <support/testmain.h>
 
 #include <QAccessible>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTimer>
 #include <QToolButton>
@@ -20,6 +24,7 @@
 using Corvel::Widgets::WaitingDialog;
 using HX::Widgets::FramelessDialog;
 using HX::Widgets::FramelessMessageBox;
+namespace ScreenCheck = TestSupport::ScreenCheck;
 
 namespace {
 
@@ -130,6 +135,8 @@ private slots:
     void markup_in_a_message_stays_what_it_is();
     void a_box_tells_assistive_technology_its_text();
     void keys_reach_the_buttons_of_a_box();
+    void a_box_makes_room_for_another_text();
+    void a_box_with_a_thousand_names_fits_the_screen();
 
     void waiting_dialog_is_painted_without_blocking();
     void the_waiting_dialog_blocks_the_other_windows();
@@ -351,6 +358,47 @@ void TstDialogs::a_box_tells_assistive_technology_its_text()
     QVERIFY2(labels.contains(QStringLiteral("Warning")), qPrintable(labels.join(QLatin1Char('|'))));
     QVERIFY(!labels.contains(QString()));
     QCOMPARE(alerts, QStringList(QStringLiteral("Remind")));
+}
+
+void TstDialogs::a_box_makes_room_for_another_text()
+{
+    whenADialogOpens([](QWidget *widget) {
+        auto *box = qobject_cast<FramelessMessageBox *>(widget);
+        QTimer::singleShot(0, box, &QDialog::reject);
+        const int height = box->height();
+        const QString longer = QStringLiteral("a text of many words ").repeated(20);
+        QVERIFY(box->setProperty("text", longer));
+        QCOMPARE(box->text(), longer);
+        QCOMPARE(box->accessibleDescription(), longer);
+        QVERIFY(box->height() > height);
+        QCOMPARE(ScreenCheck::clipped(box), QStringList());
+        box->setText(QStringLiteral("short"));
+        QCOMPARE(box->height(), height);
+    });
+    FramelessMessageBox::warning(nullptr, QStringLiteral("Remind"), QStringLiteral("short"));
+}
+
+void TstDialogs::a_box_with_a_thousand_names_fits_the_screen()
+{
+    QStringList names;
+    for (int number = 1; number <= 1000; ++number)
+        names.append(QStringLiteral("Project%1").arg(number));
+    whenADialogOpens([](QWidget *box) {
+        QTimer::singleShot(0, qobject_cast<QDialog *>(box), &QDialog::reject);
+        const QRect screen = box->screen()->availableGeometry();
+        QVERIFY2(screen.contains(box->frameGeometry()), qPrintable(QString::number(box->height())));
+        QCOMPARE(ScreenCheck::clipped(box), QStringList());
+        // Tab reaches the text, and the arrow keys scroll it to its end.
+        auto *area = box->findChild<QScrollArea *>();
+        QTest::keyClick(keyTarget(box), Qt::Key_Tab);
+        QVERIFY(area->hasFocus() || area->isAncestorOf(box->focusWidget()));
+        QTest::keyClick(keyTarget(box), Qt::Key_End);
+        for (int key = 0; key < 10000 && area->verticalScrollBar()->value() < area->verticalScrollBar()->maximum();
+             ++key)
+            QTest::keyClick(keyTarget(box), Qt::Key_Down);
+        QCOMPARE(area->verticalScrollBar()->value(), area->verticalScrollBar()->maximum());
+    });
+    FramelessMessageBox::warning(nullptr, QStringLiteral("Warning"), names.join(QStringLiteral(", ")));
 }
 
 void TstDialogs::keys_reach_the_buttons_of_a_box()
@@ -606,6 +654,11 @@ void TstDialogs::a_long_text_makes_the_waiting_dialog_higher()
     QCOMPARE(dialog->width(), shortSize.width());
     QVERIFY(dialog->height() > shortSize.height());
     QVERIFY(label->height() >= label->heightForWidth(label->width()));
+    // Also by one line, and without the event loop in between.
+    for (int words = 1; words < 30; ++words) {
+        dialog->showWaitingDialog(QStringLiteral("word ").repeated(words), 0);
+        QVERIFY2(label->height() >= label->heightForWidth(label->width()), qPrintable(QString::number(words)));
+    }
     dialog->hideWaitingDialog();
 }
 

@@ -95,6 +95,8 @@ private slots:
     void an_apply_that_wrote_the_configuration_is_told();
     void an_apply_that_wrote_nothing_claims_nothing();
     void the_message_of_an_operation_is_told_instead();
+    void waiting_hides_the_last_result();
+    void the_message_after_waiting_is_the_next_result();
 
 private:
     QToolButton *viewButton() const { return m_window->findChild<QToolButton *>(QStringLiteral("ViewButton")); }
@@ -492,6 +494,39 @@ void TstMainWindow::an_apply_that_wrote_nothing_claims_nothing()
     runOperation(ICore::OperatorLoad,
                  [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("DeviceControler.enableMVR")); });
     QCOMPARE(status(), QStringLiteral("Ended without writing the configuration of \"\""));
+}
+
+void TstMainWindow::waiting_hides_the_last_result()
+{
+    runOperation(ICore::OperatorLoad,
+                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+    const QString result = QStringLiteral("Applied to \"\"");
+    QCOMPARE(status(), result);
+    // An import, of which the host is told nothing else. Nothing runs the event loop before a blocking call.
+    WaitingDialog::instance()->showWaitingDialog(QStringLiteral("Importing"), 0);
+    QCOMPARE(status(), QStringLiteral("Importing"));
+    WaitingDialog::instance()->showWaitingDialog(QStringLiteral("Still importing"), 0);
+    QCOMPARE(status(), QStringLiteral("Still importing"));
+    WaitingDialog::instance()->hideWaitingDialog();
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), result);
+}
+
+void TstMainWindow::the_message_after_waiting_is_the_next_result()
+{
+    runOperation(ICore::OperatorLoad,
+                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+    TestSupport::AnswerBook book;
+    const QString text = QStringLiteral("Import as success");
+    book.expectInformation(QStringLiteral("Remind"), text);
+    WaitingDialog::instance()->showWaitingDialog(QStringLiteral("Importing"), 0);
+    WaitingDialog::instance()->hideWaitingDialog();
+    HX::Widgets::FramelessMessageBox::information(m_window.data(), QStringLiteral("Remind"), text);
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
+    WaitingDialog::instance()->hideWaitingDialog();
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
 }
 
 void TstMainWindow::the_message_of_an_operation_is_told_instead()

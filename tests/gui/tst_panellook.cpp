@@ -5,116 +5,25 @@
 
 #include <core/look.h>
 #include <model/deviceeditor.h>
+#include <support/pseudolanguage.h>
+#include <support/screencheck.h>
 #include <support/testmain.h>
+#include <udiskselectwidget.h>
+#include <widgets/framelessmessagebox.h>
+#include <widgets/waitingdialog.h>
 
 #include <QHeaderView>
 #include <QLineEdit>
-#include <QStyleOptionButton>
-#include <QStyleOptionComboBox>
+#include <QScrollBar>
 #include <QTextEdit>
+#include <QXmlStreamReader>
+
+#include <optional>
 
 using namespace PanelTesting;
 using namespace TestSupport;
 
 namespace {
-
-/// Finds the parts of a window that clip their text or do not fit into the window.
-class Clipping
-{
-public:
-    explicit Clipping(const QWidget *window)
-    {
-        const QList<QWidget *> widgets = window->findChildren<QWidget *>();
-        for (const QWidget *widget : widgets) {
-            if (!widget->isVisible())
-                continue;
-            if (const auto *label = qobject_cast<const QLabel *>(widget))
-                lookAt(label, label->text(), label->sizeHint(), label->size());
-            else if (const auto *button = qobject_cast<const QPushButton *>(widget))
-                lookAt(button, button->text(), textSize(button, button->text()), contentsSize(button));
-            else if (const auto *tool = qobject_cast<const QToolButton *>(widget))
-                lookAt(tool, tool->text(), iconAndTextSize(tool), tool->size());
-            else if (const auto *combo = qobject_cast<const QComboBox *>(widget))
-                lookAt(combo, combo->currentText(), textSize(combo, combo->currentText()), fieldSize(combo));
-            else if (const auto *header = qobject_cast<const QHeaderView *>(widget))
-                lookAt(header);
-            if (!qobject_cast<const QAbstractScrollArea *>(widget->parentWidget()) &&
-                !widget->parentWidget()->rect().contains(widget->geometry()))
-                complain(widget, QStringLiteral("outside of its parent"), widget->geometry().size(),
-                         widget->parentWidget()->size());
-        }
-    }
-
-    bool isNothing() const { return m_complaints.isEmpty(); }
-    QString text() const { return m_complaints.join(QLatin1Char('\n')); }
-    /// The number of texts checked.
-    int looks() const { return m_looks; }
-
-private:
-    static QSize textSize(const QWidget *widget, const QString &text)
-    {
-        return widget->fontMetrics().size(Qt::TextShowMnemonic, text);
-    }
-
-    /// The style draws a frame around the icon, four pixels and the text.
-    static QSize iconAndTextSize(const QToolButton *button)
-    {
-        const int frame = 2 * button->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, button);
-        const int icon = button->icon().isNull() ? 0 : button->iconSize().width() + 4;
-        return textSize(button, button->text()) + QSize(icon + frame, frame);
-    }
-
-    static QSize contentsSize(const QPushButton *button)
-    {
-        QStyleOptionButton option;
-        option.initFrom(button);
-        option.text = button->text();
-        return button->style()->subElementRect(QStyle::SE_PushButtonContents, &option, button).size();
-    }
-
-    /// The field minus the one-pixel margin that the style keeps on each side.
-    static QSize fieldSize(const QComboBox *combo)
-    {
-        QStyleOptionComboBox option;
-        option.initFrom(combo);
-        option.subControls = QStyle::SC_All;
-        option.currentText = combo->currentText();
-        const QRect field =
-            combo->style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, combo);
-        return field.adjusted(1, 0, -1, 0).size();
-    }
-
-    void lookAt(const QWidget *widget, const QString &text, const QSize &needed, const QSize &given)
-    {
-        if (text.isEmpty())
-            return;
-        ++m_looks;
-        if (needed.width() > given.width() || needed.height() > given.height())
-            complain(widget, text, needed, given);
-    }
-
-    void lookAt(const QHeaderView *header)
-    {
-        for (int section = 0; section < header->count(); ++section) {
-            const QString text = header->model()->headerData(section, header->orientation()).toString();
-            const QSize needed(header->sectionSizeHint(section), header->sizeHint().height());
-            lookAt(header, text, needed, QSize(header->sectionSize(section), header->height()));
-        }
-    }
-
-    void complain(const QWidget *widget, const QString &text, const QSize &needed, const QSize &given)
-    {
-        m_complaints.append(QStringLiteral("%1 \"%2\" needs %3 x %4 and has %5 x %6")
-                                .arg(QLatin1String(widget->metaObject()->className()), text)
-                                .arg(needed.width())
-                                .arg(needed.height())
-                                .arg(given.width())
-                                .arg(given.height()));
-    }
-
-    QStringList m_complaints;
-    int m_looks = 0;
-};
 
 /// Saves a screenshot of the window to the folder named by the environment.
 void keepPicture(QWidget *window, const QString &name)
@@ -128,7 +37,75 @@ void keepPicture(QWidget *window, const QString &name)
     QVERIFY2(QDir().mkpath(folder) && window->grab().save(path), qPrintable(path));
 }
 
+constexpr char panelContext[] = "ProjectFileCfg::Internal::EngineerDocOperWidget";
+
+/// Every source text of the panel.
+QStringList textsOfThePanel()
+{
+    QFile file(QStringLiteral(PRODUCT_TEXTS));
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringList();
+    QStringList texts;
+    QString context;
+    for (QXmlStreamReader xml(&file); !xml.atEnd();) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        if (xml.name() == QLatin1String("name"))
+            context = xml.readElementText();
+        else if (xml.name() == QLatin1String("source") && context == QLatin1String(panelContext))
+            texts.append(xml.readElementText());
+    }
+    return texts;
+}
+
+/// The texts in one of languages().
+class Texts
+{
+public:
+    explicit Texts(const QString &language)
+    {
+        if (language == QStringLiteral("pseudo"))
+            m_pseudo.emplace();
+        else
+            m_texts.emplace(language);
+    }
+    bool areFound() const { return m_pseudo || m_texts->areFound(); }
+
+private:
+    std::optional<TranslatedTexts> m_texts;
+    std::optional<PseudoLanguage> m_pseudo;
+};
+
+/// What is wrong with the screen in the language of the current row.
+QStringList wrongIn(QWidget *window, const QStringList &ofTheUser)
+{
+    QStringList wrong = ScreenCheck::clipped(window);
+    if (QByteArray(QTest::currentDataTag()).startsWith("pseudo"))
+        wrong += ScreenCheck::untranslated(window, ofTheUser);
+    return wrong;
+}
+
+/// Names and comments, and what the site says of its devices.
+const QStringList ofTheUser{QString::fromUtf8("开幕式 2026"),
+                            QString::fromUtf8("开幕式，最终版本"),
+                            QStringLiteral("Opening with the new beams, checked by both operators before doors"),
+                            QStringLiteral("Project"),
+                            QStringLiteral("Main hall"),
+                            QStringLiteral("Side stage"),
+                            QStringLiteral("Touring rack"),
+                            QStringLiteral("Foyer"),
+                            QStringLiteral("Store room"),
+                            QStringLiteral("ST-1600"),
+                            QStringLiteral("ST-400"),
+                            QStringLiteral("/")};
+
 } // namespace
+
+#define VERIFY_SCREEN(window, ofTheUser)                                                                               \
+    do {                                                                                                               \
+        const QStringList wrong = wrongIn(window, ofTheUser);                                                          \
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(QLatin1Char('\n'))));                                          \
+    } while (false)
 
 /// The panel and its dialog in the host's look. QT_SCALE_FACTOR runs it at other scales.
 class TstPanelLook : public QObject
@@ -148,6 +125,14 @@ private slots:
     void the_style_sheet_leaves_fixed_sizes_alone();
     void property_dialog_shows_its_texts_whole_data() { languages(); }
     void property_dialog_shows_its_texts_whole();
+    void disk_dialog_shows_its_texts_whole_data() { languages(); }
+    void disk_dialog_shows_its_texts_whole();
+    void boxes_show_every_text_whole_data() { languages(); }
+    void boxes_show_every_text_whole();
+    void waiting_dialog_shows_every_text_whole_data() { languages(); }
+    void waiting_dialog_shows_every_text_whole();
+    void the_comment_stays_readable_in_a_narrow_panel_data();
+    void the_comment_stays_readable_in_a_narrow_panel();
 
 private:
     void languages();
@@ -162,6 +147,7 @@ void TstPanelLook::initTestCase()
 void TstPanelLook::init()
 {
     WarningGuard::clear();
+    Core::applyLook();
     QVERIFY(clearProjectFilesDirectory());
 }
 
@@ -170,6 +156,7 @@ void TstPanelLook::languages()
     QTest::addColumn<QString>("language");
     QTest::newRow("en") << QStringLiteral("en");
     QTest::newRow("zh_CN") << QStringLiteral("zh_CN");
+    QTest::newRow("pseudo") << QStringLiteral("pseudo");
 }
 
 void TstPanelLook::scale_is_the_one_that_was_asked_for()
@@ -182,7 +169,7 @@ void TstPanelLook::scale_is_the_one_that_was_asked_for()
 void TstPanelLook::empty_panel_shows_its_texts_whole()
 {
     QFETCH(QString, language);
-    const TranslatedTexts texts(language);
+    const Texts texts(language);
     QVERIFY(texts.areFound());
     const TestSite site;
     const Panel panel;
@@ -190,15 +177,14 @@ void TstPanelLook::empty_panel_shows_its_texts_whole()
     panel->show();
     settle();
     keepPicture(panel.widget.get(), QStringLiteral("panel_empty"));
-    const Clipping clipping(panel.widget.get());
-    QVERIFY2(clipping.isNothing(), qPrintable(clipping.text()));
-    QVERIFY(clipping.looks() >= 10);
+    VERIFY_SCREEN(panel.widget.get(), ofTheUser);
+    QVERIFY(ScreenCheck::texts(panel.widget.get()).count() >= 10);
 }
 
 void TstPanelLook::full_panel_shows_its_texts_whole()
 {
     QFETCH(QString, language);
-    const TranslatedTexts texts(language);
+    const Texts texts(language);
     QVERIFY(texts.areFound());
     const TestSite site;
     const QStringList comments{QStringLiteral("20261121_193000"),
@@ -215,9 +201,8 @@ void TstPanelLook::full_panel_shows_its_texts_whole()
     QCOMPARE(panel.table()->rowCount(), 10);
     QCoreApplication::processEvents();
     keepPicture(panel.widget.get(), QStringLiteral("panel_full"));
-    const Clipping clipping(panel.widget.get());
-    QVERIFY2(clipping.isNothing(), qPrintable(clipping.text()));
-    QVERIFY(clipping.looks() >= 10 + 10 * 4);
+    VERIFY_SCREEN(panel.widget.get(), ofTheUser);
+    QVERIFY(ScreenCheck::texts(panel.widget.get()).count() >= 10 + 10 * 4);
 }
 
 void TstPanelLook::long_device_texts_fit_into_the_selector()
@@ -235,8 +220,7 @@ void TstPanelLook::long_device_texts_fit_into_the_selector()
         editor.replace(data);
         panel->hide();
         panel->show();
-        const Clipping clipping(panel.widget.get());
-        QVERIFY2(clipping.isNothing(), qPrintable(clipping.text()));
+        QCOMPARE(ScreenCheck::clipped(panel.widget.get()), QStringList());
     }
     QVERIFY(panel.deviceCombo()->currentText() != device->getDeviceInfo());
 }
@@ -267,7 +251,7 @@ void TstPanelLook::the_style_sheet_leaves_fixed_sizes_alone()
 void TstPanelLook::property_dialog_shows_its_texts_whole()
 {
     QFETCH(QString, language);
-    const TranslatedTexts texts(language);
+    const Texts texts(language);
     QVERIFY(texts.areFound());
     EngineerPropertySettingWidget dialog(nullptr, QString(), QString());
     dialog.setProjectName(QStringLiteral("Project11"));
@@ -276,13 +260,129 @@ void TstPanelLook::property_dialog_shows_its_texts_whole()
     dialog.show();
     QCoreApplication::processEvents();
     keepPicture(&dialog, QStringLiteral("property_dialog"));
-    const Clipping clipping(&dialog);
-    QVERIFY2(clipping.isNothing(), qPrintable(clipping.text()));
-    QVERIFY(clipping.looks() >= 5);
+    VERIFY_SCREEN(&dialog, {});
+    QVERIFY(ScreenCheck::texts(&dialog).count() >= 5);
 
     // A comment of the maximum length is visible without scrolling.
     const auto *comment = dialog.findChild<QTextEdit *>();
     QVERIFY(comment->document()->size().height() <= comment->viewport()->height());
+}
+
+void TstPanelLook::disk_dialog_shows_its_texts_whole()
+{
+    QFETCH(QString, language);
+    const Texts texts(language);
+    QVERIFY(texts.areFound());
+    UDiskSelectWidget dialog(nullptr,
+                             {{QStringLiteral("/dev/sdb1"), QStringLiteral("/mnt/sdb1"), QStringLiteral("A")}});
+    dialog.show();
+    QCoreApplication::processEvents();
+    keepPicture(&dialog, QStringLiteral("disk_dialog"));
+    VERIFY_SCREEN(&dialog, {QStringLiteral("A[/mnt/sdb1]")});
+}
+
+void TstPanelLook::boxes_show_every_text_whole()
+{
+    QFETCH(QString, language);
+    const Texts texts(language);
+    QVERIFY(texts.areFound());
+    const QStringList sources = textsOfThePanel();
+    QVERIFY(sources.count() > 30);
+    const QString name = QString(40, QLatin1Char('W'));
+    for (const QString &source : sources) {
+        QStringList wrong{QStringLiteral("no box opened")};
+        QTimer::singleShot(0, qApp, [&] {
+            auto *box = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+            QCoreApplication::processEvents();
+            if (source.startsWith(QStringLiteral("Whether")))
+                keepPicture(box, QStringLiteral("question"));
+            wrong = wrongIn(box, {name});
+            box->reject();
+        });
+        const QString text = QCoreApplication::translate(panelContext, source.toUtf8().constData());
+        HX::Widgets::FramelessMessageBox::question(nullptr, QCoreApplication::translate(panelContext, "Remind"),
+                                                   text.contains(QStringLiteral("%1")) ? text.arg(name) : text,
+                                                   QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(QLatin1Char('\n'))));
+    }
+}
+
+void TstPanelLook::waiting_dialog_shows_every_text_whole()
+{
+    QFETCH(QString, language);
+    const Texts texts(language);
+    QVERIFY(texts.areFound());
+    auto *dialog = Corvel::Widgets::WaitingDialog::instance();
+    dialog->setCanelVisible(true);
+    dialog->setButtonText(QCoreApplication::translate(panelContext, "Cancel"));
+    const QString name = QString(40, QLatin1Char('W'));
+    for (const QString &source : textsOfThePanel()) {
+        const QString text = QCoreApplication::translate(panelContext, source.toUtf8().constData());
+        dialog->showWaitingDialog(text.contains(QStringLiteral("%1")) ? text.arg(name) : text, 0);
+        VERIFY_SCREEN(dialog, {name});
+    }
+    keepPicture(dialog, QStringLiteral("waiting"));
+    dialog->hideWaitingDialog();
+}
+
+void TstPanelLook::the_comment_stays_readable_in_a_narrow_panel_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QFont>("font");
+    QFont large = QApplication::font();
+    large.setPixelSize(20);
+    for (const char *language : {"en", "zh_CN", "pseudo"}) {
+        QTest::addRow("%s", language) << QString::fromLatin1(language) << QApplication::font();
+        QTest::addRow("%s, large", language) << QString::fromLatin1(language) << large;
+    }
+}
+
+void TstPanelLook::the_comment_stays_readable_in_a_narrow_panel()
+{
+    QFETCH(QString, language);
+    QFETCH(QFont, font);
+    const Texts texts(language);
+    QVERIFY(texts.areFound());
+    QApplication::setFont(font);
+    const TestSite site;
+    const QString timeStamp = QStringLiteral("20261121_193000");
+    QVERIFY(writePackage(projectFile(QStringLiteral("Evening show")), timeStamp));
+    const Panel panel;
+    // What a window of 1024 x 600 leaves.
+    panel->resize(720, 480);
+    panel->show();
+    settle();
+    QTableWidget *table = panel.table();
+    const QFontMetrics metrics = table->fontMetrics();
+    QVERIFY(table->columnWidth(1) >= metrics.horizontalAdvance(timeStamp) + 16);
+    QCOMPARE(table->columnWidth(0), 340);
+    QVERIFY(table->columnWidth(2) >= 340);
+
+    // Also after it was wide: then more of it would hide its beginning.
+    const int width = table->columnWidth(1);
+    panel->resize(1400, 480);
+    QCoreApplication::processEvents();
+    QVERIFY(table->columnWidth(1) > width);
+    panel->resize(720, 480);
+    QCoreApplication::processEvents();
+    QCOMPARE(table->columnWidth(1), width);
+
+    // The buttons are scrolled to by hand, and by Tab.
+    QScrollBar *bar = table->horizontalScrollBar();
+    QVERIFY(bar->maximum() > 0);
+    QToolButton *last = panel.rowButtons(0).last();
+    const auto isInSight = [&] {
+        return table->viewport()->rect().contains(QRect(last->mapTo(table->viewport(), QPoint()), last->size()));
+    };
+    QVERIFY(!isInSight());
+    bar->setValue(bar->maximum());
+    QVERIFY(isInSight());
+    if (language != QStringLiteral("pseudo"))
+        QVERIFY(table->visualRect(table->model()->index(0, 1)).left() >= 0);
+    keepPicture(panel.widget.get(), QStringLiteral("panel_narrow"));
+    bar->setValue(0);
+    last->setFocus(Qt::TabFocusReason);
+    QVERIFY(isInSight());
 }
 
 TEST_MAIN(TstPanelLook)

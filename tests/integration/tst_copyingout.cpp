@@ -37,7 +37,9 @@ private slots:
     void cancelling_the_save_dialog_copies_nothing();
     void save_as_refuses_an_existing_file();
     void save_as_adds_the_extension_to_a_bare_name();
-    void save_as_keeps_an_extension_that_was_typed();
+    void save_as_adds_the_extension_to_every_other_name_data();
+    void save_as_adds_the_extension_to_every_other_name();
+    void save_as_with_a_bare_name_overwrites_nothing_data();
     void save_as_with_a_bare_name_overwrites_nothing();
     void save_as_reports_a_missing_package();
     void save_as_names_the_package_it_failed_on();
@@ -132,32 +134,58 @@ void TstCopyingOut::save_as_adds_the_extension_to_a_bare_name()
     QVERIFY(!QFile::exists(elsewhere(QString::fromUtf8("晚场 show"))));
 }
 
-void TstCopyingOut::save_as_keeps_an_extension_that_was_typed()
+void TstCopyingOut::save_as_adds_the_extension_to_every_other_name_data()
 {
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("written");
+    const auto row = [](const char *typed, const char *written) {
+        QTest::newRow(typed) << QString::fromLatin1(typed) << QString::fromLatin1(written);
+    };
+    row("a.corvelpro", "a.corvelpro");
+    row("a.CORVELPRO", "a.CORVELPRO");
+    row("show 1.5", "show 1.5.corvelpro");
+    row("a.backup", "a.backup.corvelpro");
+    row("a.corvelpro.bak", "a.corvelpro.bak.corvelpro");
+    row("a.", "a..corvelpro");
+    row("acorvelpro", "acorvelpro.corvelpro");
+}
+
+void TstCopyingOut::save_as_adds_the_extension_to_every_other_name()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, written);
     list(QStringLiteral("show"));
-    for (const QString &name : {QStringLiteral("a.CORVELPRO"), QStringLiteral("b.backup")}) {
-        m_book->expectFileDialog(saveTitle, {elsewhere(name)});
-        m_book->expectInformation(remind, saveSucceeded);
-        clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
-        waitForAnswers();
-        QVERIFY2(QFile::exists(elsewhere(name)), qPrintable(name));
-    }
+    m_book->expectFileDialog(saveTitle, {elsewhere(typed)});
+    m_book->expectInformation(remind, saveSucceeded);
+    clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
+    waitForAnswers();
+    QCOMPARE(contents(m_elsewhere->path()), QStringList{written});
+}
+
+void TstCopyingOut::save_as_with_a_bare_name_overwrites_nothing_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("named");
+    QTest::newRow("plain") << QStringLiteral("taken") << QStringLiteral("taken");
+    QTest::newRow("with a dot") << QStringLiteral("taken 1.5") << QStringLiteral("taken 1");
 }
 
 void TstCopyingOut::save_as_with_a_bare_name_overwrites_nothing()
 {
+    QFETCH(QString, typed);
+    QFETCH(QString, named);
     list(QStringLiteral("show"));
     const QString existing =
-        elsewhere(TestSupport::PackageBuilder().file("other.json", "{}"), QStringLiteral("taken.corvelpro"));
+        elsewhere(TestSupport::PackageBuilder().file("other.json", "{}"), typed + QStringLiteral(".corvelpro"));
     const QByteArray before = readFile(existing);
-    m_book->expectFileDialog(saveTitle, {elsewhere(QStringLiteral("taken"))});
-    m_book->expectWarning(remind, QStringLiteral("Project File [taken] already exist. Please change file name and try "
-                                                 "again"));
+    m_book->expectFileDialog(saveTitle, {elsewhere(typed)});
+    m_book->expectWarning(
+        remind, QStringLiteral("Project File [%1] already exist. Please change file name and try again").arg(named));
     const ExpectMessage logged(QtWarningMsg, QRegularExpression(QStringLiteral("already exist")));
     clickRow(QStringLiteral("show"), QStringLiteral("Save as"));
     waitForAnswers();
     QCOMPARE(readFile(existing), before);
-    QVERIFY(!QFile::exists(elsewhere(QStringLiteral("taken"))));
+    QVERIFY(!QFile::exists(elsewhere(typed)));
 }
 
 void TstCopyingOut::save_as_reports_a_missing_package()

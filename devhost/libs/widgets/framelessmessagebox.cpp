@@ -10,6 +10,9 @@
 #include <QMap>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace HX {
@@ -65,6 +68,24 @@ QString withBreakOpportunities(const QString &text)
     return result;
 }
 
+constexpr int widestText = 520; // pixels
+
+/// The label, or an area that scrolls it if it is higher than half of the screen.
+QWidget *fittingTheScreen(QLabel *label)
+{
+    label->ensurePolished();
+    const int highest = label->screen()->availableGeometry().height() / 2;
+    if (label->heightForWidth(widestText) <= highest)
+        return label;
+    auto *area = new QScrollArea(label->parentWidget());
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    area->setWidget(label);
+    area->setFixedSize(widestText + area->verticalScrollBar()->sizeHint().width(), highest);
+    return area;
+}
+
 } // namespace
 
 class FramelessMessageBox::Private
@@ -73,6 +94,7 @@ public:
     Kind kind = Information;
     QString text;
     QLabel *icon = nullptr;
+    QLabel *message = nullptr;
     QMessageBox::StandardButtons buttons;
     QMap<QMessageBox::StandardButton, QPushButton *> buttonWidgets;
     QMessageBox::StandardButton answer = QMessageBox::NoButton;
@@ -85,30 +107,28 @@ FramelessMessageBox::FramelessMessageBox(Kind kind, QWidget *parent, const QStri
     , d(new Private)
 {
     d->kind = kind;
-    d->text = text;
     d->buttons = buttons;
     d->answer = escapeAnswer(buttons);
     setObjectName(QStringLiteral("FramelessMessageBox"));
     setWindowTitle(title);
     setBottomBarVisible(false);
 
-    setAccessibleDescription(text);
     d->icon = new QLabel(this);
     const int iconSize = 32;
     d->icon->setPixmap(Corvel::Utils::Icon::fromTheme(iconName(kind), QString()).pixmap(iconSize, iconSize));
-    auto *message = new QLabel(withBreakOpportunities(text), this);
-    message->setObjectName(QStringLiteral("FramelessMessageBoxText"));
-    message->setAccessibleName(text);
-    message->setTextFormat(Qt::PlainText);
-    message->setWordWrap(true);
-    message->setMinimumWidth(320);
-    message->setMaximumWidth(520);
+    d->message = new QLabel(this);
+    d->message->setObjectName(QStringLiteral("FramelessMessageBoxText"));
+    d->message->setTextFormat(Qt::PlainText);
+    d->message->setWordWrap(true);
+    d->message->setMinimumWidth(320);
+    d->message->setMaximumWidth(widestText);
+    setText(text);
 
     auto *messageRow = new QHBoxLayout;
     messageRow->setContentsMargins(24, 24, 24, 24);
     messageRow->setSpacing(16);
     messageRow->addWidget(d->icon, 0, Qt::AlignTop);
-    messageRow->addWidget(message, 1, Qt::AlignVCenter);
+    messageRow->addWidget(fittingTheScreen(d->message), 1, Qt::AlignVCenter);
 
     auto *buttonBar = new QWidget(this);
     buttonBar->setObjectName(QStringLiteral("FramelessDialogBottomBar"));
@@ -159,6 +179,7 @@ void FramelessMessageBox::changeEvent(QEvent *event)
 
 void FramelessMessageBox::showEvent(QShowEvent *event)
 {
+    fitToText();
     FramelessDialog::showEvent(event);
     QAccessibleEvent announcement(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
@@ -262,6 +283,28 @@ FramelessMessageBox::Kind FramelessMessageBox::kind() const
 QString FramelessMessageBox::text() const
 {
     return d->text;
+}
+
+void FramelessMessageBox::setText(const QString &text)
+{
+    d->text = text;
+    d->message->setText(withBreakOpportunities(text));
+    d->message->setAccessibleName(text);
+    setAccessibleDescription(text);
+    if (isVisible())
+        fitToText();
+}
+
+void FramelessMessageBox::fitToText()
+{
+    // Each widget around the label answers for it only once its own layout knows the new text.
+    for (QWidget *widget = d->message->parentWidget(); widget != parentWidget(); widget = widget->parentWidget()) {
+        if (widget->layout())
+            widget->layout()->activate();
+    }
+    // Not adjustSize(), which stops at two thirds of the screen.
+    const int width = sizeHint().width();
+    resize(width, layout()->totalHeightForWidth(width));
 }
 
 QMessageBox::StandardButtons FramelessMessageBox::standardButtons() const

@@ -11,11 +11,13 @@ namespace Widgets {
 ///
 /// The static functions run the box modally and return the pressed button. A box closed without a button returns its
 /// escape button: Cancel if it has one, else No, else its only button, else NoButton; never the button that applies
-/// something. Its buttons follow a change of the language; assistive technology gets the text as the box's description.
-/// User-interface thread only.
+/// something. Its buttons follow a change of the language, and its text can be set while it is open; one that is too
+/// long for the screen is scrolled. Assistive technology gets the text as the box's description. User-interface thread
+/// only.
 class HOST_WIDGETS_EXPORT FramelessMessageBox : public FramelessDialog
 {
     Q_OBJECT
+    Q_PROPERTY(QString text READ text WRITE setText)
 
 public:
     enum Kind { Information, Warning, Question };
@@ -34,6 +36,7 @@ public:
 
     Kind kind() const;
     QString text() const;
+    void setText(const QString &text);
     QMessageBox::StandardButtons standardButtons() const;
     /// The widget of a standard button; null if the box does not have it.
     QAbstractButton *button(QMessageBox::StandardButton which) const;
@@ -53,6 +56,7 @@ private:
                                            QMessageBox::StandardButton defaultButton);
 
     void retranslateUi();
+    void fitToText();
     static QString kindText(Kind kind);
     static QString buttonText(QMessageBox::StandardButton which);
 

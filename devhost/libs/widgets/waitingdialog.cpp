@@ -242,6 +242,8 @@ void WaitingDialog::paintNow()
 void WaitingDialog::fitToText()
 {
     const int previousHeight = height();
+    // The frame inside answers for its label only once its own layout knows the new text.
+    d->text->parentWidget()->layout()->activate();
     layout()->activate();
     resize(width(), layout()->totalHeightForWidth(width()));
     if (isVisible())

@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QStyle>
+#include <QTextDocument>
 #include <QVariant>
 
 namespace Core {
@@ -93,6 +94,9 @@ void DeviceCard::retranslateUi()
     if (m_summary.active)
         told.append(m_active->text());
     setAccessibleName(told.join(QStringLiteral(", ")));
+    // Its labels elide what does not fit, and the mouse does not see them. Escaped: a tool tip detects rich text by
+    // itself.
+    setToolTip(Qt::convertFromPlainText(QStringList{m_summary.name, m_details->text(), m_state->text()}.join('\n')));
 }
 
 } // namespace Core

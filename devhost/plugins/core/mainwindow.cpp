@@ -259,6 +259,8 @@ void MainWindow::retranslateTitleBar()
         const QString text = tr("Close %1").arg(dock->windowTitle());
         close->setToolTip(text);
         close->setAccessibleName(text);
+        // Qt describes it in the language of the time when it was made.
+        close->setAccessibleDescription(QString());
     }
 }
 
@@ -277,6 +279,8 @@ void MainWindow::showStatus()
         break;
     }
     m_operationLabel->setText(m_operationText.isEmpty() ? operation : tr("%1: %2").arg(operation, m_operationText));
+    // The next call may block the event loop.
+    m_operationLabel->repaint();
 }
 
 } // namespace Core

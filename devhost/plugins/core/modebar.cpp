@@ -15,7 +15,6 @@ ModeBar::ModeBar(QWidget *parent)
 {
     setObjectName(QStringLiteral("ModeBar"));
     setAttribute(Qt::WA_StyledBackground);
-    setFixedWidth(Corvel::Utils::inTextSize(92));
     m_layout->setContentsMargins(0, 8, 0, 8);
     m_layout->setSpacing(4);
     m_layout->addStretch();
@@ -28,6 +27,7 @@ void ModeBar::rebuild()
 {
     qDeleteAll(m_buttons);
     m_buttons.clear();
+    int width = Corvel::Utils::inTextSize(92);
     const QVector<IMode *> modes = ModeManager::modes();
     for (int i = 0; i < modes.size(); ++i) {
         const HX::Utils::Id id = modes.at(i)->id();
@@ -40,7 +40,8 @@ void ModeBar::rebuild()
         button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
         button->setAutoRaise(true);
         button->setCheckable(true);
-        button->setFixedSize(Corvel::Utils::inTextSize(92), Corvel::Utils::inTextSize(68));
+        button->ensurePolished();
+        width = qMax(width, button->sizeHint().width());
         connect(button, &QToolButton::clicked, this, [this, id]() {
             ModeManager::activateMode(id);
             showCurrent();
@@ -48,6 +49,10 @@ void ModeBar::rebuild()
         m_layout->insertWidget(i, button);
         m_buttons.insert(id, button);
     }
+    // One width for all, in every language.
+    for (QToolButton *button : qAsConst(m_buttons))
+        button->setFixedSize(width, Corvel::Utils::inTextSize(68));
+    setFixedWidth(width);
     showCurrent();
 }
 

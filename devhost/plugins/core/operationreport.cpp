@@ -3,6 +3,7 @@
 #include <model/device.h>
 #include <model/objectbrige.h>
 #include <simulation/journal.h>
+#include <simulation/operations.h>
 
 #include <QDateTime>
 #include <QDir>
@@ -11,6 +12,8 @@
 #include <QTimer>
 
 #include <algorithm>
+
+namespace Operations = Simulation::Operations;
 
 namespace Core {
 
@@ -42,15 +45,27 @@ OperationReport::OperationReport(QObject *parent)
     connect(
         Simulation::Journal::instance(), &Simulation::Journal::recorded, this,
         [this](const Simulation::JournalEntry &entry) {
-            // A question starts something else.
-            const bool isResult = entry.operation == QLatin1String("FramelessMessageBox.information") ||
-                                  entry.operation == QLatin1String("FramelessMessageBox.warning");
-            if (!entry.onMainThread || !m_ending || !isResult)
-                return;
-            m_outcome = Message;
-            m_detail = entry.arguments.value(QStringLiteral("text")).toString();
+            if (entry.onMainThread)
+                observe(entry);
         },
         Qt::DirectConnection);
+}
+
+void OperationReport::observe(const Simulation::JournalEntry &entry)
+{
+    const QString text = entry.arguments.value(QStringLiteral("text")).toString();
+    if (entry.operation == Operations::showWaitingDialog) {
+        m_waiting = text;
+        emit changed();
+    } else if (entry.operation == Operations::hideWaitingDialog && !m_waiting.isEmpty()) {
+        m_waiting.clear();
+        awaitMessage();
+    } else if (m_ending &&
+               (entry.operation == Operations::informationBox || entry.operation == Operations::warningBox)) {
+        // A question would start something else.
+        m_outcome = Message;
+        m_detail = text;
+    }
 }
 
 OperationReport::Listing OperationReport::projectFiles()
@@ -100,6 +115,11 @@ void OperationReport::end()
             m_detail = written.join(QStringLiteral(", "));
     }
     m_running = ICore::OperatorNone;
+    awaitMessage();
+}
+
+void OperationReport::awaitMessage()
+{
     m_ending = true;
     QTimer::singleShot(0, this, &OperationReport::settle);
 }
@@ -112,6 +132,8 @@ void OperationReport::settle()
 
 QString OperationReport::text() const
 {
+    if (!m_waiting.isEmpty())
+        return m_waiting;
     switch (m_outcome) {
     case None:
         break;

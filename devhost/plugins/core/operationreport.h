@@ -8,11 +8,16 @@
 
 #include <atomic>
 
+namespace Simulation {
+struct JournalEntry;
+}
+
 namespace Core {
 
 /// Watches the operations announced to ICore and summarises the last one as far as the host can observe it: which
 /// project file appeared, whether the configuration was written, which message it ended with. It does not know the
-/// results of a plugin's own checks and claims none. User-interface thread only.
+/// results of a plugin's own checks and claims none. Work that is not announced, such as an import, it knows by the
+/// waiting dialog and by the message that follows it. User-interface thread only.
 class OperationReport : public QObject
 {
     Q_OBJECT
@@ -20,7 +25,8 @@ class OperationReport : public QObject
 public:
     explicit OperationReport(QObject *parent);
 
-    /// One sentence in the current language; empty before the first operation has ended and while one runs.
+    /// One sentence in the current language; empty before the first operation has ended and while one runs. While the
+    /// waiting dialog is shown, its text.
     QString text() const;
 
 signals:
@@ -35,8 +41,12 @@ private:
     void begin(ICore::OperatorDeviceType type);
     void end();
     void settle();
+    void observe(const Simulation::JournalEntry &entry);
+    void awaitMessage();
 
     ICore::OperatorDeviceType m_running = ICore::OperatorNone;
+    /// The waiting dialog's text; empty while it is hidden.
+    QString m_waiting;
     /// From the end of an operation until its message box opens in the event loop.
     bool m_ending = false;
     Listing m_before;

@@ -180,7 +180,7 @@ bool EngineerDocLoad::copyConfigFileToDevice()
 
 bool EngineerDocLoad::applyOnline(const std::shared_ptr<Model::Device> &target)
 {
-    OnlineApply online(*m_pPackage, m_pPackageDevice, target, {tr("LOGO:"), tr("BKG:")});
+    OnlineApply online(*m_pPackage, m_pPackageDevice, target);
     if (!online.sendSlots())
         return fail(LoadImportFailed, QStringLiteral("the device did not take MVR or the slots"));
     const bool isSent = onlineSend(online);
@@ -203,7 +203,7 @@ bool EngineerDocLoad::sendSourceToOnlineDevice(OnlineApply &online)
 {
     while (online.hasPicture()) {
         QString reason;
-        if (stopIfCanceled() || !passes(online.sendPicture(&reason), reason))
+        if (stopIfCanceled() || !passes(online.sendPicture({tr("LOGO:"), tr("BKG:")}, &reason), reason))
             return false;
     }
     return true;

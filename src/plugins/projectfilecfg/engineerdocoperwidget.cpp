@@ -10,6 +10,7 @@
 #include "loadpreparation.h"
 #include "messageboxes.h"
 #include "newproject.h"
+#include "packagedrop.h"
 #include "panellayout.h"
 #include "prechecks.h"
 #include "pressedbutton.h"
@@ -101,12 +102,14 @@ void EngineerDocOperWidget::initUI()
                                                 m_pApplyOthersBtn, m_pAllSaveasBtn, m_pAllDeleteBtn, m_pProjectTable}));
     m_pDeviceSelector.reset(new DeviceSelector(m_pDeviceCombo));
     m_pTableRows.reset(new ProjectTable(m_pProjectTable, [this](const ProjectRowWidget &row) { connectRow(row); }));
+    connect(new PackageDrop(m_pProjectTable), &PackageDrop::signal_dropped, this, &EngineerDocOperWidget::startImport);
 }
 
 void EngineerDocOperWidget::retranslateUi()
 {
     m_pPanelLayout->retranslate();
     m_pTableRows->retranslate();
+    Waiting::retranslate();
     slot_projectFilesChanged();
     initDevice();
 }
@@ -218,7 +221,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     m_pDocBackup->setEncodedPictures(m_pEncodedPictures);
 
     Waiting::offerCancel();
-    Waiting::show(tr("Please wait while the project file is exported"));
+    Waiting::show([] { return tr("Please wait while the project file is exported"); });
     connectCancel(true);
     connect(m_pDocBackup, &QThread::finished, this, &EngineerDocOperWidget::slot_backupFinished);
     connect(m_pDocBackup, &EngineerDocBackup::signal_operatoerChanged, this,
@@ -229,7 +232,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
 
 void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInfo)
 {
-    Waiting::show(strOperInfo);
+    Waiting::showProgress(strOperInfo);
     Waiting::offerCancel();
 }
 
@@ -297,7 +300,7 @@ void EngineerDocOperWidget::slot_applyOtherProject()
         return;
     }
     qDebug().noquote() << "Not applied:" << reason;
-    MessageBoxes::remind(this, tr("The file does not exist or the file format is incorrect."));
+    MessageBoxes::remind(this, [] { return tr("The file does not exist or the file format is incorrect."); });
 }
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
@@ -328,7 +331,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
         DeviceOperations::reserveChannel(device);
     m_nOperatorType = OperatorLoad;
     // "save" is no mistake, although a load starts: operators and translations know this text.
-    Waiting::show(tr("Start save project file"));
+    Waiting::show([] { return tr("Start save project file"); });
     RunningJob::announce(ICore::OperatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
         connectCancel(true);
@@ -341,7 +344,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
 
 void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 {
-    Waiting::show(strOperType);
+    Waiting::showProgress(strOperType);
 }
 
 void EngineerDocOperWidget::slot_loadFinished()
@@ -396,40 +399,48 @@ void EngineerDocOperWidget::slot_saveasProject()
 
 void EngineerDocOperWidget::startSaveas(const QStringList &files, const QString &destination, bool bDestIsDir)
 {
-    Waiting::show(tr("save as project file,please wait..."));
+    Waiting::show([] { return tr("save as project file,please wait..."); });
     release(m_pSaveasWatcher, this);
-    m_saveasFuture = QtConcurrent::run(&ProjectCopies::saveAsConcurrent, files, destination, bDestIsDir);
-    m_pSaveasWatcher = ProjectCopies::watch(m_saveasFuture, this, [this] { onSaveasFinished(); });
+    const auto failure = std::make_shared<TranslatedText>();
+    m_saveasFuture = QtConcurrent::run(&ProjectCopies::saveAsConcurrent, files, destination, bDestIsDir, failure);
+    m_pSaveasWatcher = ProjectCopies::watch(m_saveasFuture, this, [this, failure] { onSaveasFinished(*failure); });
 }
 
-void EngineerDocOperWidget::onSaveasFinished()
+void EngineerDocOperWidget::onSaveasFinished(const TranslatedText &failure)
 {
     Waiting::hide();
-    MessageBoxes::showCopyResult(this, m_saveasFuture.result(), tr("save as success"));
+    MessageBoxes::showCopyResult(this, failure, [] { return tr("save as success"); });
 }
 
 void EngineerDocOperWidget::slot_importProject()
 {
     const QStringList files = FileDialogs::selectProjectFiles(this, true);
-    if (files.isEmpty() || !PreChecks::isRoomForImport(this, files, m_strDefaultPath))
+    if (!files.isEmpty())
+        startImport(files);
+}
+
+void EngineerDocOperWidget::startImport(const QStringList &files)
+{
+    if (!PreChecks::isRoomForImport(this, files, m_strDefaultPath))
         return;
-    Waiting::show(tr("Import project files,please wait..."));
+    Waiting::show([] { return tr("Import project files,please wait..."); });
     // No mix-up: the save-as watcher decides whether the previous import watcher goes now or with the panel.
     if (m_pSaveasWatcher)
         release(m_pImportWatcher, this);
     else if (m_pImportWatcher)
         m_pImportWatcher->setParent(this);
     connectFileWatcher(false);
-    m_importFuture = QtConcurrent::run(&ProjectCopies::importProjectFiles, files, m_strDefaultPath);
-    m_pImportWatcher = ProjectCopies::watch(m_importFuture, this, [this] { onImportFinished(); });
+    const auto failure = std::make_shared<TranslatedText>();
+    m_importFuture = QtConcurrent::run(&ProjectCopies::importProjectFiles, files, m_strDefaultPath, failure);
+    m_pImportWatcher = ProjectCopies::watch(m_importFuture, this, [this, failure] { onImportFinished(*failure); });
 }
 
-void EngineerDocOperWidget::onImportFinished()
+void EngineerDocOperWidget::onImportFinished(const TranslatedText &failure)
 {
     slot_projectFilesChanged();
     Waiting::hide();
     const QPointer<EngineerDocOperWidget> guard(this);
-    MessageBoxes::showCopyResult(this, m_importFuture.result(), tr("Import as success"));
+    MessageBoxes::showCopyResult(this, failure, [] { return tr("Import as success"); });
     if (!guard)
         return;
     connectFileWatcher(true);
@@ -465,7 +476,7 @@ void EngineerDocOperWidget::slot_editProjectInfo()
 void EngineerDocOperWidget::slot_deleteProject()
 {
     const PressedButton pressed(sender());
-    if (!pressed || !MessageBoxes::confirm(this, tr("Confirm to delete the selected project file?")))
+    if (!pressed || !MessageBoxes::confirm(this, [] { return tr("Confirm to delete the selected project file?"); }))
         return;
     if (!QFile::exists(pressed.filePath())) {
         qCritical() << "File not exist . path:" << pressed.filePath();
@@ -474,7 +485,7 @@ void EngineerDocOperWidget::slot_deleteProject()
     connectFileWatcher(false);
     if (!QFile::remove(pressed.filePath())) {
         // The directory stays unwatched until the next import or deletion.
-        MessageBoxes::warn(this, tr("Delete project file failed!"));
+        MessageBoxes::warn(this, [] { return tr("Delete project file failed!"); });
         return;
     }
     connectFileWatcher(true);
@@ -486,7 +497,7 @@ void EngineerDocOperWidget::slot_deleteProject()
 
 void EngineerDocOperWidget::slot_deleteAllProject()
 {
-    if (!MessageBoxes::confirm(this, tr("Confirm to delete all project file?")))
+    if (!MessageBoxes::confirm(this, [] { return tr("Confirm to delete all project file?"); }))
         return;
     connectFileWatcher(false);
     if (m_pProjects->clear())

@@ -2,6 +2,7 @@
 
 #include "operationresultcodes.h"
 #include "projectlist.h"
+#include "translatedtext.h"
 
 #include <widgets/icenterwidget.h>
 
@@ -87,8 +88,9 @@ private:
     bool startLoad(const QString &path);
 
     void startSaveas(const QStringList &files, const QString &destination, bool bDestIsDir);
-    void onSaveasFinished();
-    void onImportFinished();
+    void onSaveasFinished(const TranslatedText &failure);
+    void startImport(const QStringList &files);
+    void onImportFinished(const TranslatedText &failure);
 
     QLabel *m_pDeviceLabel = nullptr;
     QComboBox *m_pDeviceCombo = nullptr;

@@ -2,10 +2,11 @@
 
 #include "packagelayout.h"
 #include "projectpaths.h"
+#include "translatedbox.h"
 
 #include <widgets/fixedbitlineeditex.h>
-#include <widgets/framelessmessagebox.h>
 
+#include <QEvent>
 #include <QFile>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -16,8 +17,8 @@
 #include <QVBoxLayout>
 
 using Corvel::Widgets::FixedBitLineEditEx;
-using HX::Widgets::FramelessMessageBox;
 namespace PackageLayout = ProjectFileCfg::Internal::PackageLayout;
+namespace TranslatedBox = ProjectFileCfg::Internal::TranslatedBox;
 namespace ProjectPaths = ProjectFileCfg::Internal::ProjectPaths;
 
 namespace {
@@ -171,6 +172,13 @@ void EngineerPropertySettingWidget::initUI()
     retranslateUi();
 }
 
+void EngineerPropertySettingWidget::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslateUi();
+    FramelessDialog::changeEvent(event);
+}
+
 void EngineerPropertySettingWidget::initConnects()
 {
     connect(m_pNameEdit, &QLineEdit::textChanged, this, &EngineerPropertySettingWidget::slot_NameTextChanged);
@@ -229,7 +237,8 @@ void EngineerPropertySettingWidget::slot_OkBtnClicked()
     m_strName = m_pNameEdit->text();
     const QString path = ProjectPaths::projectFilesPath() + m_strName + PackageLayout::packageExtension;
     if (QFile::exists(path) && m_strOldName.toUpper() != m_strName.toUpper()) {
-        FramelessMessageBox::warning(this, tr("Remind"), tr("The current file already exists"), QMessageBox::Ok);
+        TranslatedBox::warning(
+            this, [] { return tr("Remind"); }, [] { return tr("The current file already exists"); });
         return;
     }
     accept();

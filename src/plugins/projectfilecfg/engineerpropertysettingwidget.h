@@ -15,7 +15,8 @@ class FixedBitLineEditEx;
 /// The dialog for a project's name and comment.
 ///
 /// It limits the comment to 100 characters and refuses the name of another project. It writes nothing: read the name
-/// and the comment after exec() returned QDialog::Accepted.
+/// and the comment after exec() returned QDialog::Accepted. Its texts follow a change of the language, what was typed
+/// stays.
 class EngineerPropertySettingWidget : public HX::Widgets::FramelessDialog
 {
     Q_OBJECT
@@ -33,6 +34,9 @@ public:
     /// The text of the name field, without leading and trailing blanks.
     QString getProjectName();
     QString getComment() const;
+
+protected:
+    void changeEvent(QEvent *event) override;
 
 private slots:
     void slot_CommentTextChanged();

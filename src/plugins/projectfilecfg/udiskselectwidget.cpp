@@ -2,6 +2,7 @@
 
 #include <QButtonGroup>
 #include <QDir>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -88,8 +89,20 @@ void UDiskSelectWidget::initUI()
     m_pDiskList->setProperty("UDiskSelectWidget", true);
     m_pButtonGroup = new QButtonGroup;
     setLayout(mainLayout);
+    retranslateUi();
+}
+
+void UDiskSelectWidget::retranslateUi()
+{
     m_pTitleLabel->setText(tr("Please select the destination U disk"));
     m_pDiskList->setAccessibleName(m_pTitleLabel->text());
+}
+
+void UDiskSelectWidget::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslateUi();
+    FramelessDialog::changeEvent(event);
 }
 
 void UDiskSelectWidget::scanDisks(const QVector<Volume> &volumes)

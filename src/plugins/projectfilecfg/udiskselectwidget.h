@@ -41,12 +41,16 @@ public:
     /// Clears the choice, then closes.
     void reject() override;
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private slots:
     void slot_cancelSelectUDisk();
     void slot_DiskSelectChanged(QAbstractButton *button);
 
 private:
     void initUI();
+    void retranslateUi();
     void scanDisks(const QVector<Volume> &volumes);
     void fillList();
 

@@ -1,12 +1,18 @@
 #include <support/answerbook.h>
 #include <support/journalmatchers.h>
 #include <support/packagebuilder.h>
+#include <support/pseudolanguage.h>
+#include <support/screencheck.h>
 #include <support/signalrecorder.h>
 #include <support/testmain.h>
 
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
 #include <QProcess>
 #include <QPushButton>
 #include <QStandardPaths>
+#include <QTableWidget>
 #include <QThread>
 #include <QVBoxLayout>
 
@@ -36,6 +42,9 @@ private slots:
     void signals_of_a_worker_are_recorded_in_order();
     void archives_are_readable_by_an_independent_unpacker();
     void first_difference_of_two_sequences_is_told();
+    void pseudo_language_is_longer_and_keeps_values();
+    void untranslated_texts_are_found_everywhere();
+    void clipped_texts_are_found();
 };
 
 void TstSupport::documents_lie_in_the_private_home()
@@ -238,6 +247,88 @@ void TstSupport::first_difference_of_two_sequences_is_told()
     QCOMPARE(sequenceDifference(expected, expected), QString());
     QVERIFY(sequenceDifference({QStringLiteral("a")}, expected).startsWith(QLatin1String("First difference at 1.")));
     QVERIFY(sequenceDifference({QStringLiteral("a"), QStringLiteral("c")}, expected).contains(QLatin1String("-> 1 c")));
+}
+
+void TstSupport::pseudo_language_is_longer_and_keeps_values()
+{
+    const QString source = QStringLiteral("Save %1 as <b>%2</b>");
+    const QString text = PseudoLanguage::of(source);
+    QVERIFY(PseudoLanguage::of(QStringLiteral("Save as")).length() >= 7 * 3 / 2);
+    for (const char *kept : {"%1", "%2", "<b>", "</b>"})
+        QCOMPARE(text.count(QLatin1String(kept)), 1);
+    QVERIFY(PseudoLanguage::of(QString()).isEmpty());
+    const PseudoLanguage language;
+    QCOMPARE(QCoreApplication::translate("TstSupport", "Save"), PseudoLanguage::of(QStringLiteral("Save")));
+    QCOMPARE(PseudoLanguage::untranslatedIn(text.arg(PseudoLanguage::of(QStringLiteral("a"))) + QStringLiteral(" x")),
+             QStringLiteral(" x"));
+}
+
+void TstSupport::untranslated_texts_are_found_everywhere()
+{
+    const QString good = PseudoLanguage::of(QStringLiteral("good"));
+    QWidget window;
+    window.setWindowTitle(good);
+    auto *label = new QLabel(good + QStringLiteral(" 12/34"), &window);
+    auto *button = new QPushButton(good, &window);
+    auto *combo = new QComboBox(&window);
+    combo->addItem(good);
+    auto *table = new QTableWidget(1, 1, &window);
+    table->setHorizontalHeaderLabels({good});
+    table->setItem(0, 0, new QTableWidgetItem(QStringLiteral("Evening show")));
+    auto *hidden = new QLabel(QStringLiteral("bad"), &window);
+    window.show();
+    hidden->hide();
+    const QStringList names{QStringLiteral("Evening show")};
+    QCOMPARE(ScreenCheck::untranslated(&window, names), QStringList());
+    QCOMPARE(ScreenCheck::untranslated(&window).count(), 1);
+    const std::function<void(const QString &)> changes[] = {
+        [&](const QString &text) { window.setWindowTitle(text); },
+        [&](const QString &text) { label->setText(text); },
+        [&](const QString &text) { button->setText(text); },
+        [&](const QString &text) { button->setToolTip(text); },
+        [&](const QString &text) { button->setAccessibleName(text); },
+        [&](const QString &text) { combo->setItemText(0, text); },
+        [&](const QString &text) { table->setHorizontalHeaderLabels({text}); },
+        [&](const QString &text) { table->item(0, 0)->setText(text); },
+    };
+    for (const auto &change : changes) {
+        change(good + QStringLiteral(" bad"));
+        QCOMPARE(ScreenCheck::untranslated(&window, names).count(), 1);
+        change(good);
+    }
+    hidden->show();
+    QCOMPARE(ScreenCheck::untranslated(&window, names).count(), 1);
+}
+
+void TstSupport::clipped_texts_are_found()
+{
+    QWidget window;
+    auto *label = new QLabel(QStringLiteral("a label"), &window);
+    auto *button = new QPushButton(QStringLiteral("a button"), &window);
+    auto *box = new QCheckBox(QStringLiteral("a box"), &window);
+    auto *wrapping = new QLabel(QStringLiteral("many words in several lines"), &window);
+    wrapping->setWordWrap(true);
+    const QList<QWidget *> widgets{label, button, box, wrapping};
+    window.resize(400, 400);
+    for (QWidget *widget : widgets) {
+        widget->move(0, widgets.indexOf(widget) * 90);
+        widget->resize(300, 80);
+    }
+    window.show();
+    QCOMPARE(ScreenCheck::clipped(&window), QStringList());
+    for (QWidget *widget : widgets) {
+        widget->resize(24, 80);
+        QCOMPARE(ScreenCheck::clipped(&window).count(), 1);
+        widget->resize(300, 80);
+        const QPoint place = widget->pos();
+        widget->move(200, place.y());
+        QCOMPARE(ScreenCheck::clipped(&window).count(), 1);
+        widget->move(place);
+    }
+    // An elided text that the tool tip has whole.
+    label->resize(10, 80);
+    label->setToolTip(label->text());
+    QCOMPARE(ScreenCheck::clipped(&window), QStringList());
 }
 
 TEST_MAIN(TstSupport)

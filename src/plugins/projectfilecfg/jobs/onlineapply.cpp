@@ -14,9 +14,8 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 OnlineApply::OnlineApply(PackageReader &package, const std::shared_ptr<Model::Device> &description,
-                         const std::shared_ptr<Model::Device> &target, const Labels &labels)
+                         const std::shared_ptr<Model::Device> &target)
     : m_pDescription(description)
-    , m_labels(labels)
     , m_descriptionControler(description)
     , m_targetControler(target)
     , m_pictures(package, *description, ICore::ExtractJsonPath())
@@ -36,7 +35,7 @@ bool OnlineApply::sendSlots()
     return true;
 }
 
-LoadResultCode OnlineApply::sendPicture(QString *reason)
+LoadResultCode OnlineApply::sendPicture(const Labels &labels, QString *reason)
 {
     const PictureReadAhead::Picture picture = m_pictures.next();
     if (picture.code != LoadSuccess)
@@ -45,8 +44,8 @@ LoadResultCode OnlineApply::sendPicture(QString *reason)
         return picture.code;
 
     const bool isLogo = picture.packaged.isLogo();
-    ICore::setOperatorType(ICore::OperatorLoad, (isLogo ? m_labels.strLogo : m_labels.strBackground) +
-                                                    picture.packaged.materail()->getName());
+    ICore::setOperatorType(ICore::OperatorLoad,
+                           (isLogo ? labels.strLogo : labels.strBackground) + picture.packaged.materail()->getName());
     if (!m_targetControler.createMaterailFromImage(picture.image, isLogo ? Materail::Logo : Materail::Background,
                                                    QString(), 0, QSize(0, 0), picture.packaged.name())) {
         failBecause(reason, QStringLiteral("the device did not take the picture %1").arg(picture.packaged.entry()));

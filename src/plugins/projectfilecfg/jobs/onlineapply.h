@@ -23,7 +23,7 @@ public:
 
     /// `description` is the package's device description, with the identity of `target`.
     OnlineApply(PackageReader &package, const std::shared_ptr<Model::Device> &description,
-                const std::shared_ptr<Model::Device> &target, const Labels &labels);
+                const std::shared_ptr<Model::Device> &target);
 
     /// Switches MVR as the description says, if the device can switch it, and sends the slots. False, with a line in
     /// the log, if either fails.
@@ -33,7 +33,7 @@ public:
     /// Sends the next picture, and names it to the host as progress. Also extracts it; the file is removed once it is
     /// sent, so it stays if it is outside the gallery or cannot be sent. LoadSuccess, the code of
     /// PictureReadAhead::Picture, or LoadApplyGalleryFailed.
-    LoadResultCode sendPicture(QString *reason);
+    LoadResultCode sendPicture(const Labels &labels, QString *reason);
 
     bool sendConfiguration();
 
@@ -42,7 +42,6 @@ public:
 
 private:
     const std::shared_ptr<Model::Device> m_pDescription;
-    const Labels m_labels;
     ModelControl::DeviceControler m_descriptionControler;
     ModelControl::DeviceControler m_targetControler;
     PictureReadAhead m_pictures;

@@ -75,7 +75,7 @@ bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
         return false;
     const bool online = device->getDeviceOnlineFlag();
     if (online)
-        Waiting::show(tr("Sync device data , please wait."));
+        Waiting::show([] { return tr("Sync device data , please wait."); });
     bool synchronised = false;
     callHost("updateOnlineDevice", [&] {
         synchronised =
@@ -95,7 +95,7 @@ bool DeviceOperations::restoreFactory()
     const std::map<Model::Device::ParameterType, std::any> parameters{
         {Model::Device::DeviceReset, Model::Device::ResetFactory}};
     if (device->getDeviceOnlineFlag())
-        Waiting::show(tr("Restore factory,please wait..."));
+        Waiting::show([] { return tr("Restore factory,please wait..."); });
     bool restored = false;
     callHost("updateDeviceInfo", [&] { restored = DeviceControler(device).updateDeviceInfo(parameters); });
     Waiting::hide();

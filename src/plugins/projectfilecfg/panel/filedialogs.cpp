@@ -2,9 +2,11 @@
 
 #include "messageboxes.h"
 #include "packagelayout.h"
+#include "translatedtext.h"
 
 #include <QDebug>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QPointer>
 
 namespace ProjectFileCfg {
@@ -12,14 +14,40 @@ namespace Internal {
 
 namespace {
 
-/// The parent may delete the dialog during exec(). QFileDialog's static functions have theirs on the stack.
-QStringList chosenFiles(const QPointer<QFileDialog> &dialog)
+/// Setting a filter gives a typed name the filter's extension.
+void changeNameFilter(QFileDialog *dialog, const QString &filter)
 {
+    auto *name = dialog->findChild<QLineEdit *>();
+    const QString typed = name ? name->text() : QString();
+    dialog->setNameFilter(filter);
+    if (name)
+        name->setText(typed);
+}
+
+/// Runs the dialog, whose title and filter follow a change of the language; there is no filter for folders.
+///
+/// The parent may delete the dialog during exec(). QFileDialog's static functions have theirs on the stack.
+QStringList chosenFiles(const QPointer<QFileDialog> &dialog, const TranslatedText &title,
+                        const TranslatedText &filter = nullptr)
+{
+    const LanguageFollower follower(dialog, [&] {
+        dialog->setWindowTitle(title());
+        if (filter)
+            changeNameFilter(dialog, filter());
+    });
     const int answer = dialog->exec();
     if (!dialog)
         return QStringList();
     dialog->deleteLater();
     return answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
+}
+
+/// The dialog's default suffix is for names without a dot only.
+QString withExtension(const QString &path)
+{
+    return path.isEmpty() || path.endsWith(PackageLayout::packageExtension, Qt::CaseInsensitive)
+               ? path
+               : path + PackageLayout::packageExtension;
 }
 
 QString otherThan(const QString &documents, const QString &chosen)
@@ -29,6 +57,11 @@ QString otherThan(const QString &documents, const QString &chosen)
 }
 
 } // namespace
+
+QString FileDialogs::targetTitle()
+{
+    return tr("choose Des Directory");
+}
 
 QString FileDialogs::projectFileFilter()
 {
@@ -43,32 +76,35 @@ QStringList FileDialogs::selectProjectFiles(QWidget *parent, bool bMulti)
     dialog->setNameFilter(projectFileFilter());
     dialog->setFileMode(bMulti ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
     dialog->setViewMode(QFileDialog::Detail);
-    return chosenFiles(dialog);
+    return chosenFiles(
+        dialog, [] { return tr("Project file"); }, projectFileFilter);
 }
 
 QString FileDialogs::selectTarget(QWidget *parent, const QString &documents, const QString &path)
 {
     const QString suggested = documents + QLatin1Char('/') + QFileInfo(path).fileName();
-    auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), suggested, projectFileFilter());
+    auto *dialog = new QFileDialog(parent, targetTitle(), suggested, projectFileFilter());
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     dialog->setDefaultSuffix(PackageLayout::packageExtension);
-    QString target = otherThan(documents, chosenFiles(dialog).value(0));
+    const QString target =
+        withExtension(otherThan(documents, chosenFiles(dialog, targetTitle, projectFileFilter).value(0)));
     if (target.isEmpty() || !QFile::exists(target))
         return target;
-    const QString message =
-        tr("Project File [%1] already exist. Please change file name and try again").arg(QFileInfo(target).baseName());
-    qWarning().noquote() << message;
+    const auto message = [name = QFileInfo(target).baseName()] {
+        return tr("Project File [%1] already exist. Please change file name and try again").arg(name);
+    };
+    qWarning().noquote() << message();
     MessageBoxes::remind(parent, message);
     return QString();
 }
 
 QString FileDialogs::selectFolder(QWidget *parent, const QString &documents)
 {
-    auto *dialog = new QFileDialog(parent, tr("choose Des Directory"), documents);
+    auto *dialog = new QFileDialog(parent, targetTitle(), documents);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
-    return otherThan(documents, chosenFiles(dialog).value(0));
+    return otherThan(documents, chosenFiles(dialog, targetTitle).value(0));
 }
 
 } // namespace Internal

@@ -24,7 +24,7 @@ bool LoadPreparation::reset(QWidget *panel, EngineerDocLoad &load)
         return true;
     load.releasePackage();
     if (!restored)
-        MessageBoxes::warn(panel, tr(" Restore factory failed "));
+        MessageBoxes::warn(panel, [] { return tr(" Restore factory failed "); });
     return false;
 }
 

@@ -1,12 +1,9 @@
 #include "messageboxes.h"
 
 #include "operationresultcodes.h"
-
-#include <widgets/framelessmessagebox.h>
+#include "translatedbox.h"
 
 #include <QPointer>
-
-using HX::Widgets::FramelessMessageBox;
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -19,7 +16,7 @@ struct ResultText
     const char *pText;
 };
 
-/// Null, which has no translation, if the table does not have the code.
+/// Null if the table does not have the code.
 template<int count>
 const char *textOf(int code, const ResultText (&table)[count])
 {
@@ -32,31 +29,33 @@ const char *textOf(int code, const ResultText (&table)[count])
 
 } // namespace
 
-void MessageBoxes::warn(QWidget *panel, const QString &text)
+void MessageBoxes::warn(QWidget *panel, const TranslatedText &text)
 {
-    FramelessMessageBox::warning(panel, tr("Warning"), text, QMessageBox::Ok);
+    TranslatedBox::warning(
+        panel, [] { return tr("Warning"); }, text);
 }
 
-void MessageBoxes::remind(QWidget *panel, const QString &text)
+void MessageBoxes::remind(QWidget *panel, const TranslatedText &text)
 {
-    FramelessMessageBox::warning(panel, tr("Remind"), text, QMessageBox::Ok);
+    TranslatedBox::warning(panel, remindTitle, text);
 }
 
-bool MessageBoxes::confirm(QWidget *panel, const QString &question)
+bool MessageBoxes::confirm(QWidget *panel, const TranslatedText &question)
 {
     const QPointer<QWidget> guard(panel);
     const QMessageBox::StandardButton answer =
-        FramelessMessageBox::question(panel, tr("Remind"), question, QMessageBox::Yes | QMessageBox::No);
+        TranslatedBox::question(panel, remindTitle, question, QMessageBox::Yes | QMessageBox::No);
     return guard && answer == QMessageBox::Yes;
 }
 
 QMessageBox::StandardButton MessageBoxes::askForBackup(QWidget *panel)
 {
     const QPointer<QWidget> guard(panel);
-    const QMessageBox::StandardButton answer = FramelessMessageBox::question(
-        panel, tr("Remind"),
-        tr("Whether the current configuration needs to be backed up before the project file is imported?"),
-        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    const auto question = [] {
+        return tr("Whether the current configuration needs to be backed up before the project file is imported?");
+    };
+    const QMessageBox::StandardButton answer =
+        TranslatedBox::question(panel, remindTitle, question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
     return guard ? answer : QMessageBox::Cancel;
 }
 
@@ -71,9 +70,8 @@ void MessageBoxes::showBackupResult(QWidget *panel, int code)
         {BackupSaveJsonFailed, QT_TR_NOOP("Failed to save json file")},
         {BackupGetDeviceFailed, QT_TR_NOOP("Failed to get device information")},
     };
-    const QString text = tr(textOf(code, texts));
-    if (!text.isEmpty())
-        FramelessMessageBox::information(panel, tr("Remind"), text, QMessageBox::Ok);
+    if (const char *text = textOf(code, texts))
+        TranslatedBox::information(panel, remindTitle, [text] { return tr(text); });
 }
 
 void MessageBoxes::showLoadResult(QWidget *panel, int code)
@@ -93,17 +91,16 @@ void MessageBoxes::showLoadResult(QWidget *panel, int code)
         {LoadApplyGalleryFailed, QT_TR_NOOP("apply gallery failed")},
         {LoadGalleryFileError, QT_TR_NOOP("Incorrect gallery file.")},
     };
-    const QString text = tr(textOf(code, texts));
-    if (!text.isEmpty())
-        remind(panel, text);
+    if (const char *text = textOf(code, texts))
+        remind(panel, [text] { return tr(text); });
 }
 
-void MessageBoxes::showCopyResult(QWidget *panel, const QString &failure, const QString &success)
+void MessageBoxes::showCopyResult(QWidget *panel, const TranslatedText &failure, const TranslatedText &success)
 {
-    if (failure.isEmpty())
-        FramelessMessageBox::information(panel, tr("Remind"), success, QMessageBox::Ok);
-    else
+    if (failure)
         warn(panel, failure);
+    else
+        TranslatedBox::information(panel, remindTitle, success);
 }
 
 } // namespace Internal

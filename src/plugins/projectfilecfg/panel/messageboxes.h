@@ -1,12 +1,15 @@
 #pragma once
 
+#include "translatedtext.h"
+
 #include <QCoreApplication>
 #include <QMessageBox>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The panel's message boxes. User-interface thread; each runs modally, and the panel may have gone when it returns.
+/// The panel's message boxes, which follow a change of the language while they are open. User-interface thread; each
+/// runs modally, and the panel may have gone when it returns.
 class MessageBoxes
 {
     // The panel's translation context.
@@ -14,12 +17,12 @@ class MessageBoxes
 
 public:
     /// A warning under the title "Warning".
-    static void warn(QWidget *panel, const QString &text);
+    static void warn(QWidget *panel, const TranslatedText &text);
     /// A warning under the title "Remind".
-    static void remind(QWidget *panel, const QString &text);
+    static void remind(QWidget *panel, const TranslatedText &text);
 
     /// True if the operator answers Yes and the panel is still there.
-    static bool confirm(QWidget *panel, const QString &question);
+    static bool confirm(QWidget *panel, const TranslatedText &question);
     /// Whether to save the device's configuration before another is applied: Yes, No or Cancel; Cancel also if the
     /// panel has gone.
     static QMessageBox::StandardButton askForBackup(QWidget *panel);
@@ -28,8 +31,11 @@ public:
     static void showBackupResult(QWidget *panel, int code);
     /// Shows the text of a LoadResultCode; nothing for one that has none, such as success.
     static void showLoadResult(QWidget *panel, int code);
-    /// Shows the failure of copying or importing, or its success if `failure` is empty.
-    static void showCopyResult(QWidget *panel, const QString &failure, const QString &success);
+    /// Shows the failure of copying or importing, or its success if there is no `failure`.
+    static void showCopyResult(QWidget *panel, const TranslatedText &failure, const TranslatedText &success);
+
+private:
+    static QString remindTitle() { return tr("Remind"); }
 };
 
 } // namespace Internal

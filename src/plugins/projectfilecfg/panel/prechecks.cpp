@@ -15,7 +15,7 @@ bool PreChecks::isDeviceSelected(QWidget *panel, const QString &address)
 {
     if (!address.isEmpty())
         return true;
-    MessageBoxes::warn(panel, tr("Please select a device."));
+    MessageBoxes::warn(panel, [] { return tr("Please select a device."); });
     return false;
 }
 
@@ -23,7 +23,7 @@ bool PreChecks::isFileThere(QWidget *panel, const QString &path)
 {
     if (QFile::exists(path))
         return true;
-    MessageBoxes::remind(panel, tr("The file does not exist."));
+    MessageBoxes::remind(panel, [] { return tr("The file does not exist."); });
     return false;
 }
 
@@ -32,7 +32,7 @@ bool PreChecks::isRoomForProject(QWidget *panel, const QString &address, const Q
     unsigned long long size = 0;
     if (!DeviceOperations::syncActiveDeviceData() ||
         !callHost("the estimate of the size", [&] { size = DeviceOperations::estimateProjectSize(address); })) {
-        MessageBoxes::warn(panel, tr("Failed to get device information"));
+        MessageBoxes::warn(panel, [] { return tr("Failed to get device information"); });
         return false;
     }
     const unsigned long long available = DiskSpace::availableForProjects(directory);
@@ -40,7 +40,7 @@ bool PreChecks::isRoomForProject(QWidget *panel, const QString &address, const Q
         return true;
     qCritical() << "m_strDefaultPath:" << directory << "  project file size:" << size
                 << "  available space size:" << available;
-    MessageBoxes::warn(panel, tr("Insufficient default path space to perform current operation"));
+    MessageBoxes::warn(panel, [] { return tr("Insufficient default path space to perform current operation"); });
     return false;
 }
 
@@ -48,7 +48,7 @@ bool PreChecks::isRoomForImport(QWidget *panel, const QStringList &files, const 
 {
     if (DiskSpace::isEnoughFor(files, DiskSpace::availableForProjects(directory)))
         return true;
-    MessageBoxes::remind(panel, tr("Not enough space to import all selected files."));
+    MessageBoxes::remind(panel, [] { return tr("Not enough space to import all selected files."); });
     return false;
 }
 
@@ -56,7 +56,7 @@ bool PreChecks::isRoomForCopies(QWidget *panel, const QStringList &files, const 
 {
     if (DiskSpace::isEnoughFor(files, DiskSpace::getDiskAvailableSize(folder)))
         return true;
-    MessageBoxes::warn(panel, tr("Cannot save the file because there is not enough storage available."));
+    MessageBoxes::warn(panel, [] { return tr("Cannot save the file because there is not enough storage available."); });
     return false;
 }
 

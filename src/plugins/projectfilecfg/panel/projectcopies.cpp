@@ -18,7 +18,8 @@ QString pathIn(const QString &folder, const QFileInfo &file)
 
 } // namespace
 
-QString ProjectCopies::saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir)
+QString ProjectCopies::saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir,
+                                        const std::shared_ptr<TranslatedText> &failure)
 {
     qDebug() << "file save path is " << destination;
     QStringList failed;
@@ -30,10 +31,13 @@ QString ProjectCopies::saveAsConcurrent(const QStringList &files, const QString 
         qDebug().noquote() << "Save as failed:" << reason;
         failed.append(source.baseName());
     }
-    return failed.isEmpty() ? QString() : tr("save as [%1] failed").arg(failed.join(QStringLiteral(", ")));
+    return failed.isEmpty() ? QString() : report(failure, [names = failed.join(QStringLiteral(", "))] {
+        return tr("save as [%1] failed").arg(names);
+    });
 }
 
-QString ProjectCopies::importProjectFiles(const QStringList &files, const QString &dirPath)
+QString ProjectCopies::importProjectFiles(const QStringList &files, const QString &dirPath,
+                                          const std::shared_ptr<TranslatedText> &failure)
 {
     QStringList failed;
     for (const QString &file : files) {
@@ -48,10 +52,18 @@ QString ProjectCopies::importProjectFiles(const QStringList &files, const QStrin
             continue;
         qDebug().noquote() << "Import failed:" << reason;
         if (!isValid)
-            return tr("The file[%1] context is invalid.").arg(file);
+            return report(failure, [file] { return tr("The file[%1] context is invalid.").arg(file); });
         failed.append(source.baseName());
     }
-    return failed.isEmpty() ? QString() : tr("Import project file [%1] failed").arg(failed.join(QStringLiteral(", ")));
+    return failed.isEmpty() ? QString() : report(failure, [names = failed.join(QStringLiteral(", "))] {
+        return tr("Import project file [%1] failed").arg(names);
+    });
+}
+
+QString ProjectCopies::report(const std::shared_ptr<TranslatedText> &failure, const TranslatedText &text)
+{
+    *failure = text;
+    return text();
 }
 
 QFutureWatcher<QString> *ProjectCopies::watch(const QFuture<QString> &work, QObject *panel,

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "translatedtext.h"
+
 #include <QCoreApplication>
 #include <QFutureWatcher>
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -17,15 +20,18 @@ class ProjectCopies
 
 public:
     // The work. Any thread: uses only its arguments and the disk. Returns an empty string, or the text that tells the
-    // operator what failed.
+    // operator what failed, in the current language; `failure` composes the same text again in the language of its
+    // call.
 
     /// Copies `files` into the folder `destination`, or the one file to the path `destination`. Replaces nothing; the
     /// text names all files that could not be copied.
-    static QString saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir);
+    static QString saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir,
+                                    const std::shared_ptr<TranslatedText> &failure);
 
     /// Copies `files` into `dirPath`. Replaces nothing; the text names all files that could not be copied. The first
     /// one that is no valid package ends the import, and the text names it alone.
-    static QString importProjectFiles(const QStringList &files, const QString &dirPath);
+    static QString importProjectFiles(const QStringList &files, const QString &dirPath,
+                                      const std::shared_ptr<TranslatedText> &failure);
 
     // Its end. User-interface thread.
 
@@ -35,6 +41,9 @@ public:
     /// False if nobody waits for that work any more; `watcher` may be null. The future cannot tell: it is finished
     /// before the panel is notified.
     static bool isAwaited(const QFutureWatcher<QString> *watcher);
+
+private:
+    static QString report(const std::shared_ptr<TranslatedText> &failure, const TranslatedText &text);
 };
 
 } // namespace Internal

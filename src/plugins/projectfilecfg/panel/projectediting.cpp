@@ -45,7 +45,7 @@ std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectLi
     if (edited.strFilePath != path && !FileSystem::renameDurably(path, edited.strFilePath, &reason)) {
         qDebug().noquote() << "Edit failed:" << reason;
         qWarning() << "File rename failed.";
-        MessageBoxes::remind(panel, tr("File rename failed"));
+        MessageBoxes::remind(panel, [] { return tr("File rename failed"); });
         return std::nullopt;
     }
     return edited;

@@ -24,6 +24,7 @@ constexpr int operationsColumn = 2;
 constexpr int columnCount = 3;
 constexpr int fixedColumnWidth = 340; // pixels
 constexpr int rowHeight = 48;         // pixels
+constexpr int cellPadding = 24;       // pixels, more than styles need on both sides together
 
 QString readableSize(qint64 bytes)
 {
@@ -76,6 +77,22 @@ void leaveRow(const QTableWidget *table, const ProjectRowWidget *buttons, int ke
     static_cast<ProjectRowWidget *>(there)->focusButton(buttons->focusedButton());
 }
 
+/// Gives the comment room for its header, and for one that a save proposes, at least; a narrower table scrolls
+/// sideways.
+void keepCommentReadable(QTableWidget *table)
+{
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    const int shortComment = table->fontMetrics().width(QStringLiteral("00000000_000000")) + cellPadding;
+    QT_WARNING_POP
+    QHeaderView *header = table->horizontalHeader();
+    const int least = qMax(shortComment, header->sectionSizeHint(commentColumn));
+    header->setMinimumSectionSize(least);
+    // A header without room to stretch its section leaves it as it was before.
+    if (header->width() < table->columnWidth(fileColumn) + least + table->columnWidth(operationsColumn))
+        table->setColumnWidth(commentColumn, least);
+}
+
 } // namespace
 
 ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
@@ -99,6 +116,9 @@ ProjectTable::ProjectTable(QTableWidget *table, const ConnectRow &connectRow)
     m_pTable->setColumnWidth(fileColumn, fixedColumnWidth);
     m_pTable->setColumnWidth(operationsColumn, fixedColumnWidth);
     m_pTable->horizontalHeader()->setContentsMargins(15, 0, 15, 0);
+    m_pTable->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    QObject::connect(m_pTable->horizontalHeader(), &QHeaderView::geometriesChanged, m_pTable,
+                     [table = m_pTable] { keepCommentReadable(table); });
     AccessibleTable::describe(m_pTable, operationsColumn);
 }
 
@@ -106,6 +126,7 @@ void ProjectTable::retranslate()
 {
     m_pTable->setHorizontalHeaderLabels({tr("Project file"), tr("Comment"), tr("Operations")});
     m_pTable->setAccessibleName(tr("Project file"));
+    keepCommentReadable(m_pTable);
 }
 
 void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
@@ -132,9 +153,29 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
         ++row;
     }
     m_pTable->setRowCount(row);
+    fitOperations(texts);
+    keepCommentReadable(m_pTable);
     orderTabs();
     if (before.nRow >= 0)
         restore(before);
+}
+
+/// The column is wide enough for the texts as they stand in the sources. Gives it as much more as longer ones need.
+void ProjectTable::fitOperations(const ProjectRowWidget::Texts &texts)
+{
+    if (m_pTable->rowCount() == 0)
+        return;
+    rowWidget(0)->editButton()->ensurePolished();
+    const QFontMetrics metrics = rowWidget(0)->editButton()->fontMetrics();
+    const QPair<const char *, QString> buttons[] = {
+        {"Edit", texts.strEdit}, {"Apply", texts.strApply}, {"Save as", texts.strSaveAs}, {"Delete", texts.strRemove}};
+    int width = fixedColumnWidth;
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    for (const auto &button : buttons)
+        width += qMax(0, metrics.width(button.second) - metrics.width(QLatin1String(button.first)));
+    QT_WARNING_POP
+    m_pTable->setColumnWidth(operationsColumn, width);
 }
 
 /// New widgets join the end of the focus chain: moves the rows' buttons to the table's place in it.

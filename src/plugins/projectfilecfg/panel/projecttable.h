@@ -45,6 +45,7 @@ private:
 
     void makeRow(int row);
     void fillRow(int row, const EngineerPacketInfo &info, const ProjectRowWidget::Texts &texts);
+    void fitOperations(const ProjectRowWidget::Texts &texts);
     void orderTabs();
     Focus focus() const;
     void restore(const Focus &focus) const;

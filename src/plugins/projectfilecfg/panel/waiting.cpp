@@ -7,7 +7,19 @@ using Corvel::Widgets::WaitingDialog;
 namespace ProjectFileCfg {
 namespace Internal {
 
-void Waiting::show(const QString &text)
+Waiting::Texts &Waiting::texts()
+{
+    static Texts texts;
+    return texts;
+}
+
+void Waiting::show(const TranslatedText &text)
+{
+    texts().shown = text;
+    showProgress(text());
+}
+
+void Waiting::showProgress(const QString &text)
 {
     WaitingDialog::instance()->showWaitingDialog(text, WaitingDialog::LevelNormal);
 }
@@ -16,11 +28,22 @@ void Waiting::offerCancel()
 {
     WaitingDialog::instance()->setCanelVisible(true);
     WaitingDialog::instance()->setButtonText(tr("Cancel"));
+    texts().bCancelNamed = true;
 }
 
 void Waiting::hide()
 {
+    texts().shown = nullptr;
     WaitingDialog::instance()->hideWaitingDialog();
+}
+
+void Waiting::retranslate()
+{
+    // The button keeps its text for the next operation.
+    if (texts().bCancelNamed)
+        WaitingDialog::instance()->setButtonText(tr("Cancel"));
+    if (texts().shown)
+        showProgress(texts().shown());
 }
 
 } // namespace Internal

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "translatedtext.h"
+
 #include <QCoreApplication>
 
 namespace ProjectFileCfg {
@@ -13,10 +15,26 @@ class Waiting
 
 public:
     /// Shows the dialog, or changes its text. Its cancel button stays as it is.
-    static void show(const QString &text);
+    static void show(const TranslatedText &text);
+    /// Changes its text to a job's progress, which is in the language of the moment when the job reported it.
+    static void showProgress(const QString &text);
     /// Shows the dialog's cancel button, with its translated text.
     static void offerCancel();
     static void hide();
+
+    /// Shows its text again, and that of its button, in the current language. In place of progress it shows the text
+    /// before, until the job reports the next one.
+    static void retranslate();
+
+private:
+    struct Texts
+    {
+        /// None while the dialog is not shown.
+        TranslatedText shown;
+        bool bCancelNamed = false;
+    };
+
+    static Texts &texts();
 };
 
 } // namespace Internal
