@@ -1,5 +1,6 @@
 #include "commandline/command.h"
 #include "commands/check.h"
+#include "commands/verify.h"
 
 namespace Corvelpro {
 
@@ -14,6 +15,17 @@ const QVector<Command> &commandTable()
          {{"FILE", "A project file", Count::OneOrMore}},
          {},
          runCheck},
+        {"verify",
+         "Read the files to their last byte and look for damage",
+         "Compares each entry's content with its length and CRC, its two headers with each other, the end of the "
+         "archive "
+         "with the end of the file; looks for bytes that belong to nothing and names that no load accepts; decodes "
+         "each picture; reads the description and the lengths of the presets.\n\n"
+         "No number in a package covers the name and the comment in its record: a change there is not found. Whether a "
+         "package fits a device only the control application can tell.",
+         {{"FILE", "A project file", Count::OneOrMore}},
+         {},
+         runVerify},
     };
     return table;
 }

@@ -5,6 +5,7 @@
 #include "localecodec.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 #include <csignal>
 #include <cstdio>
@@ -14,6 +15,8 @@ int main(int count, char **values)
 {
     // The names in a package are UTF-8, whatever the terminal's locale is.
     ProjectFileCfg::Internal::useUtf8LocaleCodec();
+    // What the libraries log, about each odd chunk of a picture for instance, is no message to the user.
+    QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
 #ifdef SIGPIPE
     // A reader that goes early is a failed write, with its exit code, and no sudden end in the middle of an operation.
     std::signal(SIGPIPE, SIG_IGN);
