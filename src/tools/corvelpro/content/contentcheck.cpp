@@ -1,5 +1,6 @@
 #include "contentcheck.h"
 
+#include "entrykind.h"
 #include "findings.h"
 
 #include "packagelayout.h"
@@ -22,11 +23,6 @@ using Entry = ArchiveDirectory::Entry;
 namespace {
 
 void ignore(const char *, qint64) {}
-
-bool isPresetOfDevice(const QString &entryName)
-{
-    return isPreset(entryName) && plainName(entryName).startsWith(presetFolder + QLatin1Char('/'));
-}
 
 /// A sink into `device`; `*isWritten` becomes false if a write fails.
 ContentSink into(QIODevice &device, bool *isWritten)
@@ -62,7 +58,7 @@ void ContentCheck::check(const Entry &entry, const Read &read)
         checkDescription(entry, read);
     else if (isPicture(entry.name))
         checkPicture(entry, read);
-    else if (isPresetOfDevice(entry.name))
+    else if (kindOf(entry.name) == EntryKind::Preset)
         checkPreset(entry, read);
     else
         isRead(entry, read, ignore);

@@ -25,16 +25,29 @@ QByteArray little(quint32 value)
     return bytes;
 }
 
-bool isKnownSystem(int system)
+constexpr int unixSystem = 3;
+constexpr int macSystem = 19;
+
+template<int count>
+bool isOneOf(const int (&known)[count], int value)
 {
-    // FAT, Unix, the two numbers in use for NTFS, VFAT, macOS.
-    constexpr int known[] = {0, 3, 10, 11, 14, 19};
-    return std::find(std::begin(known), std::end(known), system) != std::end(known);
+    return std::find(std::begin(known), std::end(known), value) != std::end(known);
 }
 
-bool isKnownVersion(int version)
+bool isKnownMaker(quint16 madeBy)
 {
-    return version >= 10 && version <= 63;
+    // FAT, the two numbers in use for NTFS, VFAT.
+    constexpr int systems[] = {0, unixSystem, 10, 11, 14, macSystem};
+    // Of the format, in tenths: those in which something was added.
+    constexpr int versions[] = {10, 11, 20, 21, 23, 25, 27, 30, 31, 32, 45, 46, 50, 51, 52, 60, 61, 62, 63};
+    return isOneOf(systems, madeBy >> 8) && isOneOf(versions, madeBy & 0xFF);
+}
+
+/// Those of DOS and Windows; on Unix the few that programs there set. In both the mark for a mode in the upper half.
+quint32 knownAttributes(quint16 madeBy)
+{
+    const bool isUnix = madeBy >> 8 == unixSystem || madeBy >> 8 == macSystem;
+    return isUnix ? 0x8031 : 0xBFB7;
 }
 
 /// The rights and the type of a file on Unix; 0 where the archive comes from elsewhere.
@@ -89,12 +102,10 @@ void HeaderCheck::checkAttributes(const Entry &entry)
     constexpr quint16 textFile = 1;
     constexpr quint16 knownFlags = 0x080F;
     constexpr quint32 folderAttribute = 0x10;
-    // All that DOS and Windows define, and the mark for a mode in the upper half.
-    constexpr quint32 knownAttributes = 0xBFB7;
     const DirectoryHeader &header = entry.header;
     const auto isWrong = [&](const QString &text) { m_findings.add(entry.name, entry.offset, text); };
     const bool isFolder = PackageLayout::isFolder(entry.name);
-    if (!isKnownSystem(header.madeBy >> 8) || !isKnownVersion(header.madeBy & 0xFF))
+    if (!isKnownMaker(header.madeBy))
         isWrong(QStringLiteral("its maker %1 is unknown").arg(header.madeBy));
     if (header.flags & EntryHeader::Encrypted)
         isWrong(QStringLiteral("it is encrypted"));
@@ -107,7 +118,7 @@ void HeaderCheck::checkAttributes(const Entry &entry)
     if (!isMode(header.externalAttributes >> 16, isFolder))
         isWrong(QStringLiteral("its mode %1 is that of a link or a special file, or is odd")
                     .arg(header.externalAttributes >> 16, 0, 8));
-    if ((header.externalAttributes & 0xFFFF & ~knownAttributes) != 0 ||
+    if ((header.externalAttributes & 0xFFFF & ~knownAttributes(header.madeBy)) != 0 ||
         ((header.externalAttributes & folderAttribute) != 0 && !isFolder))
         isWrong(QStringLiteral("its attributes %1 are odd").arg(header.externalAttributes & 0xFFFF));
     if (isFolder && header.size != 0)

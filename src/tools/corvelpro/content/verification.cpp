@@ -4,6 +4,7 @@
 #include "entrycontent.h"
 #include "headercheck.h"
 #include "namecheck.h"
+#include "shortreason.h"
 
 #include "packagereader.h"
 #include "plainfile.h"
@@ -68,7 +69,7 @@ void Verification::checkRecord(const ArchiveDirectory &directory)
 {
     QString reason;
     if (!ZipPackageHandle::isValidEngineerPacket(m_path, &reason)) {
-        m_findings.add({}, directory.commentOffset(), reason);
+        m_findings.add({}, directory.commentOffset(), withoutPath(reason, m_path));
         return;
     }
     const QJsonObject record = QJsonDocument::fromJson(ZipPackageHandle::getZipComment(m_path).toUtf8()).object();
