@@ -99,7 +99,7 @@ bool readContent(QFile &file, qint64 offset, const EntryHeader &header, const Co
     Content content(header, sink);
     // Nothing at all is a valid form of nothing.
     std::optional<Inflater> inflater;
-    if (header.method == EntryHeader::Deflated && header.packedSize > 0)
+    if (header.method == EntryHeader::deflated && header.packedSize > 0)
         inflater.emplace();
     QByteArray block(int(blockSize), Qt::Uninitialized);
     bool isSound = file.seek(offset);

@@ -7,8 +7,13 @@ namespace Corvelpro {
 /// What both of an entry's headers state: the local one before its content and the one in the archive's directory.
 struct EntryHeader
 {
-    enum Flag : quint16 { Encrypted = 0x0001, SizesBehindContent = 0x0008, NameInUtf8 = 0x0800 };
-    enum Method : quint16 { Stored = 0, Deflated = 8 };
+    /// Flags.
+    static constexpr quint16 encrypted = 0x0001;
+    static constexpr quint16 sizesBehindContent = 0x0008;
+    static constexpr quint16 nameInUtf8 = 0x0800;
+    /// Methods.
+    static constexpr quint16 stored = 0;
+    static constexpr quint16 deflated = 8;
 
     quint16 versionNeeded = 0;
     quint16 flags = 0;

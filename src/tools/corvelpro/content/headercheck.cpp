@@ -107,7 +107,7 @@ void HeaderCheck::checkAttributes(const Entry &entry)
     const bool isFolder = PackageLayout::isFolder(entry.name);
     if (!isKnownMaker(header.madeBy))
         isWrong(QStringLiteral("its maker %1 is unknown").arg(header.madeBy));
-    if (header.flags & EntryHeader::Encrypted)
+    if (header.flags & EntryHeader::encrypted)
         isWrong(QStringLiteral("it is encrypted"));
     else if (header.flags & ~knownFlags)
         isWrong(QStringLiteral("its flags %1 are unknown").arg(header.flags));
@@ -136,14 +136,14 @@ void HeaderCheck::compare(const Entry &entry, const LocalHeader &local)
                                .arg(QString::fromLatin1(what), QString::number(localValue), QString::number(value)));
     };
     // The zip library of the control application raises this one for a name in UTF-8, and only here.
-    if (!(header.flags & EntryHeader::NameInUtf8) || local.versionNeeded != versionWithUtf8)
+    if (!(header.flags & EntryHeader::nameInUtf8) || local.versionNeeded != versionWithUtf8)
         same(local.versionNeeded, header.versionNeeded, "version needed");
     same(local.flags, header.flags, "flags");
     same(local.method, header.method, "method");
     same(local.time, header.time, "time");
     same(local.date, header.date, "date");
     // A writer that cannot go back leaves out here what it did not know yet.
-    const bool isLater = (local.flags & EntryHeader::SizesBehindContent) != 0;
+    const bool isLater = (local.flags & EntryHeader::sizesBehindContent) != 0;
     const auto sameOrLater = [&](quint32 localValue, quint32 value, const char *what) {
         if (!isLater || localValue != 0)
             same(localValue, value, what);
@@ -156,7 +156,7 @@ void HeaderCheck::compare(const Entry &entry, const LocalHeader &local)
 /// CRC and sizes once more, behind the content, with a signature or without.
 qint64 HeaderCheck::sizeBehind(const Entry &entry, qint64 offset)
 {
-    if (!(entry.header.flags & EntryHeader::SizesBehindContent))
+    if (!(entry.header.flags & EntryHeader::sizesBehindContent))
         return 0;
     const QByteArray signature("PK\x07\x08");
     const QByteArray expected = little(entry.header.crc) + little(entry.header.packedSize) + little(entry.header.size);

@@ -106,10 +106,10 @@ void Verification::checkContents(const ArchiveDirectory &directory, const std::f
     QSet<QString> names;
     for (const Entry &entry : directory.entries()) {
         const qint64 offset = headers.contentOffset(entry);
-        const bool isPlain = entry.header.method == EntryHeader::Stored || entry.header.method == EntryHeader::Deflated;
+        const bool isPlain = entry.header.method == EntryHeader::stored || entry.header.method == EntryHeader::deflated;
         const bool isFirst = !names.contains(entry.name);
         names.insert(entry.name);
-        if (offset < 0 || (entry.header.flags & EntryHeader::Encrypted) != 0 || (!isPlain && !isFirst)) {
+        if (offset < 0 || (entry.header.flags & EntryHeader::encrypted) != 0 || (!isPlain && !isFirst)) {
             m_findings.addUnknown(entry.name, QStringLiteral("its content, which cannot be read"));
             continue;
         }
