@@ -8,7 +8,7 @@ import unittest
 CHECKER = os.path.abspath(sys.argv.pop())
 
 
-def findings(source, path="src/a.cpp"):
+def findings(source, path="src/plugins/a.cpp"):
     """The findings in `source`, each without the file's name."""
     with tempfile.TemporaryDirectory() as folder:
         os.makedirs(os.path.join(folder, os.path.dirname(path)))
@@ -26,7 +26,7 @@ def record(*members):
 
 
 class HouseRules(unittest.TestCase):
-    def check(self, source, *expected, path="src/a.cpp"):
+    def check(self, source, *expected, path="src/plugins/a.cpp"):
         self.assertEqual(findings(source, path), list(expected))
 
     def test_members_have_the_prefix_of_their_type(self):

@@ -273,6 +273,14 @@ QByteArray withInLocal(int field, quint16 value)
     return archive.set16(archive.lastLocal() + field, value).bytes;
 }
 
+/// "{}" deflated leaves bits of its last byte unused.
+QByteArray withUnusedBitSet()
+{
+    ZipArchive archive(sealed(small().file("a", "{}", PackageBuilder::Deflated)));
+    const int last = archive.lastContent() + int(archive.get32(archive.lastCentral() + 20)) - 1;
+    return withFlippedBit(archive.bytes, last, 7);
+}
+
 QByteArray withFile(const QByteArray &name, const QByteArray &content)
 {
     return sealed(small().file(name, content));
@@ -293,6 +301,7 @@ QVector<Case> cases()
     return {
         {"content", sealed(small().file("a", "abc").claimCrc(1)), "a", "its CRC is wrong"},
         {"length", sealed(small().file("a", "abc").claimSize(2)), "a", "it has more than 2 bytes instead of 2"},
+        {"unused bit", withUnusedBitSet(), "a", "its packed content is damaged"},
         {"local flags", withInLocal(6, 2), picture, "local header has the flags 2, and the directory 2048"},
         {"local time", withInLocal(10, 77), picture, "local header has the time 77"},
         {"local name", withInLocal(30, 0x4141), picture, "local header has the name \"AAG/BKG_1.png\""},

@@ -64,31 +64,41 @@ public:
     /// False if the portion is no continuation of the stream, or if `content` is over.
     bool unpack(const QByteArray &portion, Content &content)
     {
-        m_stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(portion.constData()));
+        const auto begin = reinterpret_cast<Bytef *>(const_cast<char *>(portion.constData()));
+        m_stream.next_in = begin;
         m_stream.avail_in = uInt(portion.size());
-        while (m_isReady && !m_isAtEnd && (m_stream.avail_in > 0 || m_stream.avail_out == 0)) {
+        for (bool isMore = true; isMore && m_isReady && !m_isAtEnd;) {
             m_stream.next_out = reinterpret_cast<Bytef *>(m_unpacked.data());
             m_stream.avail_out = uInt(m_unpacked.size());
-            const int state = inflate(&m_stream, Z_NO_FLUSH);
+            const int state = inflate(&m_stream, Z_BLOCK);
             m_isAtEnd = state == Z_STREAM_END;
             m_isReady = m_isAtEnd || state == Z_OK || state == Z_BUF_ERROR;
             if (m_isReady && !content.take(m_unpacked.constData(), m_unpacked.size() - qint64(m_stream.avail_out)))
                 return false;
-            if (state == Z_BUF_ERROR)
-                break;
+            const bool isLastBlockOver = state == Z_OK && (m_stream.data_type & lastBlockOver) == lastBlockOver;
+            if (isLastBlockOver && m_stream.next_in > begin)
+                m_isPaddingClear = m_stream.next_in[-1] >> (8 - (m_stream.data_type & unusedBits)) == 0;
+            isMore = state == Z_OK && (m_stream.avail_in > 0 || m_stream.avail_out == 0 || isLastBlockOver);
         }
         return m_isReady && m_stream.avail_in == 0;
     }
 
-    bool isAtEnd() const { return m_isAtEnd; }
+    /// True if the stream has ended, with the unused bits of its last byte zero, as every writer leaves them: nothing
+    /// else covers these.
+    bool isWhole() const { return m_isAtEnd && m_isPaddingClear; }
 
 private:
     Q_DISABLE_COPY(Inflater)
+
+    /// In z_stream::data_type: the last block, just ended; how many bits of the last byte are unused.
+    static constexpr int lastBlockOver = 64 + 128;
+    static constexpr int unusedBits = 7;
 
     z_stream m_stream{};
     QByteArray m_unpacked{int(blockSize), Qt::Uninitialized};
     bool m_isReady = false;
     bool m_isAtEnd = false;
+    bool m_isPaddingClear = true;
 };
 
 } // namespace
@@ -114,7 +124,7 @@ bool readContent(QFile &file, qint64 offset, const EntryHeader &header, const Co
     }
     if (!content.isAsStated(reason))
         return false;
-    return !inflater || (isSound && inflater->isAtEnd()) ||
+    return !inflater || (isSound && inflater->isWhole()) ||
            failBecause(reason, QStringLiteral("its packed content is damaged"));
 }
 
