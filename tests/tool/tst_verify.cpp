@@ -321,7 +321,7 @@ QVector<Case> cases()
         {"bytes behind the directory", ZipArchive(good).insertBeforeEnd("x").bytes, "", "its directory"},
         {"bytes behind", good + "x", "", "bytes, and"},
         {"disks", withNumberInEnd(4, 1), "", "several disks"},
-        {"fewer entries", withNumberInEnd(10, 1), "", "its directory of 1 entries ends at"},
+        {"fewer entries", withNumberInEnd(10, 1), "", "its directory, of 1 entries, ends at"},
         {"64 bits", withNumberInEnd(10, 0xFFFF), "", "64-bit extension"},
         {"no archive", "no archive", "", "it has no end record"},
         {"empty file", "", "", "it has no end record"},
@@ -421,8 +421,8 @@ void TstVerify::lines_name_file_entry_and_offset()
     QCOMPARE(outcome.code, no);
     const QByteArray size = QByteArray::number(QFileInfo(bad).size());
     QCOMPARE(QString(outcome.out),
-             QString("%1: a: at %2: its CRC is wrong\n%1: 1 findings (3 entries, 1 pictures, %3 bytes)\n"
-                     "%4: sound (2 entries, 1 pictures, %5 bytes)\n")
+             QString("%1: a: at %2: its CRC is wrong\n%1: 1 finding (3 entries, 1 picture, %3 bytes)\n"
+                     "%4: sound (2 entries, 1 picture, %5 bytes)\n")
                  .arg(bad, QString::number(offset), QString(size), good, QString::number(QFileInfo(good).size())));
     QCOMPARE(outcome.messages, QByteArray());
 }

@@ -2,6 +2,7 @@
 
 #include "commandline/arguments.h"
 #include "commandline/columns.h"
+#include "commandline/counted.h"
 #include "commandline/output.h"
 #include "content/packagesummary.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 QString bytes(qint64 count)
 {
-    return QStringLiteral("%1 bytes").arg(count);
+    return counted(count, "byte", "bytes");
 }
 
 QString pixels(const QSize &size)

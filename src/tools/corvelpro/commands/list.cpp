@@ -1,6 +1,7 @@
 #include "list.h"
 
 #include "commandline/columns.h"
+#include "commandline/counted.h"
 #include "commandline/output.h"
 #include "content/projectrow.h"
 #include "directoryargument.h"
@@ -23,9 +24,9 @@ QStringList columnsOf(const ProjectRow &row)
 {
     return {printable(row.name),
             row.modified.toString(QStringLiteral("yyyy-MM-dd HH:mm")),
-            QStringLiteral("%1 bytes").arg(row.size),
-            QStringLiteral("%1 pictures").arg(row.pictures),
-            QStringLiteral("%1 presets").arg(row.presets),
+            counted(row.size, "byte", "bytes"),
+            counted(row.pictures, "picture", "pictures"),
+            counted(row.presets, "preset", "presets"),
             printable(firstLine(row.comment))};
 }
 

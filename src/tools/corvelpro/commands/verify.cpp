@@ -1,6 +1,7 @@
 #include "verify.h"
 
 #include "commandline/arguments.h"
+#include "commandline/counted.h"
 #include "commandline/output.h"
 #include "commandline/progress.h"
 #include "content/verification.h"
@@ -45,14 +46,15 @@ void print(const QString &file, const Verification &verification, Output &output
         output.line(QStringLiteral("%1: %2%3").arg(file, placeOf(finding), finding.text));
     for (const Finding &finding : findings.unknown())
         output.line(QStringLiteral("%1: %2not known: %3").arg(file, placeOf(finding), finding.text));
-    const QString read = QStringLiteral("%1 entries, %2 pictures, %3 bytes")
-                             .arg(verification.entries())
-                             .arg(verification.pictures())
-                             .arg(verification.size());
+    const QString read = QStringLiteral("%1, %2, %3")
+                             .arg(counted(verification.entries(), "entry", "entries"),
+                                  counted(verification.pictures(), "picture", "pictures"),
+                                  counted(verification.size(), "byte", "bytes"));
     if (findings.damageCount() == 0)
         output.line(QStringLiteral("%1: sound (%2)").arg(file, read));
     else
-        output.line(QStringLiteral("%1: %2 findings (%3)").arg(file, QString::number(findings.damageCount()), read));
+        output.line(
+            QStringLiteral("%1: %2 (%3)").arg(file, counted(findings.damageCount(), "finding", "findings"), read));
 }
 
 QJsonObject jsonOf(const QString &file, const Verification &verification)
@@ -83,7 +85,15 @@ ExitCode runVerify(const Arguments &arguments, Output &output)
     for (const QString &file : files) {
         Verification verification(file);
         QString reason;
-        if (!verification.run([&progress](qint64 bytes) { progress.advance(bytes); }, &reason)) {
+        qint64 left = QFileInfo(file).size();
+        const auto advance = [&progress, &left](qint64 bytes) {
+            progress.advance(bytes);
+            left -= bytes;
+        };
+        const bool isRead = verification.run(advance, &reason);
+        // Headers, and what could not be read.
+        progress.advance(std::max<qint64>(left, 0));
+        if (!isRead) {
             code = ExitCode::Unknown;
             output.message(reason);
             results.append(QJsonObject{{QStringLiteral("file"), file},

@@ -104,7 +104,7 @@ bool ArchiveDirectory::readEntries(QFile &file, Findings &findings)
     if (file.pos() == end)
         return true;
     findings.add({}, file.pos(),
-                 QStringLiteral("its directory of %1 entries ends at %2, and should end at %3")
+                 QStringLiteral("its directory, of %1 entries, ends at %2, and should end at %3")
                      .arg(QString::number(m_end.entries), QString::number(file.pos()), QString::number(end)));
     return false;
 }

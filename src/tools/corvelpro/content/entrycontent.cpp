@@ -116,7 +116,8 @@ bool readContent(QFile &file, qint64 offset, const EntryHeader &header, const Co
     for (qint64 left = header.packedSize; isSound && left > 0;) {
         const qint64 count = file.read(block.data(), std::min(left, blockSize));
         if (count <= 0)
-            return failBecause(reason, QStringLiteral("it cannot be read: %1").arg(file.errorString()));
+            return failBecause(reason, count == 0 ? QStringLiteral("the file ends before it")
+                                                  : QStringLiteral("it cannot be read: %1").arg(file.errorString()));
         left -= count;
         passed(count);
         isSound = inflater ? inflater->unpack(QByteArray::fromRawData(block.constData(), int(count)), content)
