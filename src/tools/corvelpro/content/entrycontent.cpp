@@ -64,7 +64,7 @@ public:
     /// False if the portion is no continuation of the stream, or if `content` is over.
     bool unpack(const QByteArray &portion, Content &content)
     {
-        const auto begin = reinterpret_cast<Bytef *>(const_cast<char *>(portion.constData()));
+        auto *const begin = reinterpret_cast<Bytef *>(const_cast<char *>(portion.constData()));
         m_stream.next_in = begin;
         m_stream.avail_in = uInt(portion.size());
         for (bool isMore = true; isMore && m_isReady && !m_isAtEnd;) {
