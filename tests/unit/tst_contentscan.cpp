@@ -7,6 +7,8 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
+#include <limits>
+
 using namespace ProjectFileCfg::Internal;
 using TestData::PngMaker;
 
@@ -46,6 +48,7 @@ private slots:
     void non_picture_reports_nothing();
     void sides_are_compared_with_their_limit_data();
     void sides_are_compared_with_their_limit();
+    void senseless_sides_are_reported_as_stated();
     void texts_are_counted_to_their_limit_data();
     void texts_are_counted_to_their_limit();
     void a_file_is_left_at_its_beginning();
@@ -77,6 +80,7 @@ void TstContentScan::picture_reports_pixels_and_memory()
     for (int portion : {1, 2, 7, 8, 9, 100000}) {
         const PictureScan scan = scanned(png, portion);
         QVERIFY(scan.isPng() && !scan.isBeyondLimits());
+        QCOMPARE(scan.size(), QSize(10, 8));
         QCOMPARE(scan.pixels(), 80);
         QCOMPARE(scan.memory(), 80 * bits / 8);
     }
@@ -132,6 +136,13 @@ void TstContentScan::sides_are_compared_with_their_limit()
     QCOMPARE(scan.isBeyondLimits(), isTooMuch);
     QCOMPARE(scan.pixels(), isTooMuch ? 0 : qint64(width) * height);
     QCOMPARE(scan.memory(), 12 * scan.pixels());
+}
+
+void TstContentScan::senseless_sides_are_reported_as_stated()
+{
+    QCOMPARE(PictureScan().size(), QSize(0, 0));
+    const QByteArray png = PngMaker::signature() + PngMaker::header(0xFFFFFFFF, 60000);
+    QCOMPARE(scanned(png, 100).size(), QSize(std::numeric_limits<int>::max(), 60000));
 }
 
 void TstContentScan::texts_are_counted_to_their_limit_data()

@@ -5,15 +5,28 @@
 #include "localecodec.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 int main(int count, char **values)
 {
     // The names in a package are UTF-8, whatever the terminal's locale is.
     ProjectFileCfg::Internal::useUtf8LocaleCodec();
+    // What the libraries log, about each odd chunk of a picture for instance, is no message to the user.
+    QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
+#ifdef __GLIBC__
+    // The pixels of a large picture go back to the system when they are freed; by default they stay with the thread
+    // that decoded them.
+    constexpr int largePicture = 16 * 1024 * 1024;
+    mallopt(M_MMAP_THRESHOLD, largePicture);
+#endif
 #ifdef SIGPIPE
     // A reader that goes early is a failed write, with its exit code, and no sudden end in the middle of an operation.
     std::signal(SIGPIPE, SIG_IGN);

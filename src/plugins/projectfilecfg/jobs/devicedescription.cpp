@@ -1,9 +1,7 @@
 #include "devicedescription.h"
 
-#include "contentscan.h"
-#include "packagelayout.h"
-#include "packagelimits.h"
 #include "packagereader.h"
+#include "parseddescription.h"
 #include "reason.h"
 
 #include <core/icore.h>
@@ -14,8 +12,6 @@
 #include <QDebug>
 #include <QFile>
 #include <QJsonDocument>
-
-#include <algorithm>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -34,26 +30,6 @@ bool writeDeviceDescriptions()
     qDebug() << "Fail to serailize model data.";
     return false;
 }
-
-QString findDescription(const QStringList &entries)
-{
-    const auto found = std::find_if(entries.begin(), entries.end(), PackageLayout::isDescription);
-    return found == entries.end() ? QString() : *found;
-}
-
-namespace {
-
-QJsonDocument parseDescription(QIODevice &device, QJsonParseError &error)
-{
-    if (device.size() > PackageLimits::maxParsedDescriptionSize)
-        return QJsonDocument();
-    const QByteArray json = QString::fromUtf8(device.readAll()).toUtf8();
-    DescriptionScan scan;
-    scan.feed(json.constData(), json.size());
-    return scan.parts() <= PackageLimits::maxDescriptionParts ? QJsonDocument::fromJson(json, &error) : QJsonDocument();
-}
-
-} // namespace
 
 std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString &error)
 {

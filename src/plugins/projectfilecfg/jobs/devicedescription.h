@@ -3,7 +3,6 @@
 #include "operationresultcodes.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <memory>
 
@@ -21,9 +20,6 @@ class PackageReader;
 /// Has the host write the descriptions of its devices into their configuration directories. False, with a line in the
 /// log, if it fails.
 bool writeDeviceDescriptions();
-
-/// The entry that a load reads: the first description in the archive's order. Empty if there is none.
-QString findDescription(const QStringList &entries);
 
 /// Creates a device, which is in no list, from a description that the host has written. `device` is open for reading as
 /// text. Null, with the parser's reason in `error`, if it is not a JSON document with content, or exceeds

@@ -1,10 +1,10 @@
 #include "offlineapply.h"
 
-#include "devicedescription.h"
 #include "filesystem.h"
 #include "offlineroom.h"
 #include "packagelayout.h"
 #include "packagereader.h"
+#include "parseddescription.h"
 #include "picturereader.h"
 #include "reason.h"
 #include "stagingdirectory.h"

@@ -1,10 +1,10 @@
 #include "offlineroom.h"
 
-#include "devicedescription.h"
 #include "packagelayout.h"
 #include "packagelimits.h"
 #include "packagereader.h"
 #include "packagesize.h"
+#include "parseddescription.h"
 #include "replacingfile.h"
 #include "zipformat.h"
 

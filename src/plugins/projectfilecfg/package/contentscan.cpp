@@ -6,6 +6,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <limits>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -108,6 +109,12 @@ void PictureScan::takeChunkHead(const QByteArray &head)
         m_nTextSize > PackageLimits::maxPictureTextSize || m_nPackedTexts > PackageLimits::maxPackedPictureTexts;
     // The decoder reads nothing after IEND.
     m_bOver = m_bBeyondLimits || type == "IEND";
+}
+
+QSize PictureScan::size() const
+{
+    constexpr qint64 most = std::numeric_limits<int>::max();
+    return QSize(int(std::min(m_nWidth, most)), int(std::min(m_nHeight, most)));
 }
 
 qint64 PictureScan::pixels() const

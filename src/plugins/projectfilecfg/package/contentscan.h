@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSize>
 
 class QIODevice;
 
@@ -21,6 +22,8 @@ public:
     /// Too wide or too high, or with more texts and profiles than a picture needs: the decoder unpacks and keeps all of
     /// them before the first pixel, so a megabyte can fill gigabytes. Such a picture has no size.
     bool isBeyondLimits() const { return m_bBeyondLimits; }
+    /// Width and height as the file states them, also if they are senseless; empty without a header.
+    QSize size() const;
     /// Pixels, and the bytes that they need while they are read and then as 32 bits; 0 without a header.
     qint64 pixels() const;
     qint64 memory() const;

@@ -2,7 +2,7 @@
 
 #include "filesystem.h"
 #include "inplacefile.h"
-#include "packagefiles.h"
+#include "projectlisting.h"
 #include "replacingfile.h"
 
 #include <QDateTime>
@@ -183,7 +183,7 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
 
     int next = -1;
     QList<EngineerPacketInfo> found;
-    for (const QFileInfo &entry : packagesIn(dirPath)) {
+    for (const QFileInfo &entry : ProjectListing::packagesIn(dirPath)) {
         // The undo record of a link's target is beside the target.
         if (entry.isSymLink())
             InPlaceFile::recoverFile(entry.filePath());
@@ -202,7 +202,7 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
                 continue;
             }
         }
-        info.strProjectName = entry.baseName();
+        info.strProjectName = ProjectListing::nameOf(entry);
         found.append(info);
     }
 

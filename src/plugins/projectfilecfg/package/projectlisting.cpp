@@ -1,4 +1,4 @@
-#include "packagefiles.h"
+#include "projectlisting.h"
 
 #include "packagelayout.h"
 
@@ -10,6 +10,7 @@
 
 namespace ProjectFileCfg {
 namespace Internal {
+namespace ProjectListing {
 
 QFileInfoList packagesIn(const QString &dirPath)
 {
@@ -33,5 +34,11 @@ QFileInfoList packagesIn(const QString &dirPath)
     return sorted;
 }
 
+QString nameOf(const QFileInfo &package)
+{
+    return package.baseName();
+}
+
+} // namespace ProjectListing
 } // namespace Internal
 } // namespace ProjectFileCfg

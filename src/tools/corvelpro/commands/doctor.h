@@ -1,0 +1,10 @@
+#pragma once
+
+#include "commandline/command.h"
+
+namespace Corvelpro {
+
+/// Prints which files of a folder the panel leaves out, or misleads about, and what to do.
+ExitCode runDoctor(const Arguments &arguments, Output &output);
+
+} // namespace Corvelpro

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "commandline/command.h"
+
+namespace Corvelpro {
+
+/// Prints what a package says about itself and contains.
+ExitCode runInfo(const Arguments &arguments, Output &output);
+
+} // namespace Corvelpro

@@ -1,0 +1,64 @@
+#include "list.h"
+
+#include "commandline/columns.h"
+#include "commandline/counted.h"
+#include "commandline/output.h"
+#include "content/projectrow.h"
+#include "directoryargument.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace Corvelpro {
+
+namespace {
+
+/// One line of a comment is enough to tell projects apart.
+QString firstLine(const QString &comment)
+{
+    const int end = comment.indexOf(QLatin1Char('\n'));
+    return end < 0 ? comment : comment.left(end) + QStringLiteral(" ...");
+}
+
+QStringList columnsOf(const ProjectRow &row)
+{
+    return {printable(row.name),
+            row.modified.toString(QStringLiteral("yyyy-MM-dd HH:mm")),
+            counted(row.size, "byte", "bytes"),
+            counted(row.pictures, "picture", "pictures"),
+            counted(row.presets, "preset", "presets"),
+            printable(firstLine(row.comment))};
+}
+
+QJsonObject jsonOf(const ProjectRow &row)
+{
+    return {
+        {QStringLiteral("file"), row.file},
+        {QStringLiteral("name"), row.name},
+        {QStringLiteral("comment"), row.comment},
+        {QStringLiteral("size"), row.size},
+        {QStringLiteral("modified"), row.modified.toOffsetFromUtc(row.modified.offsetFromUtc()).toString(Qt::ISODate)},
+        {QStringLiteral("pictures"), row.pictures},
+        {QStringLiteral("presets"), row.presets}};
+}
+
+} // namespace
+
+ExitCode runList(const Arguments &arguments, Output &output)
+{
+    const std::optional<QString> directory = directoryArgument(arguments, output);
+    if (!directory)
+        return ExitCode::Unknown;
+    QVector<QStringList> table;
+    QJsonArray projects;
+    for (const ProjectRow &row : projectRows(*directory)) {
+        table.append(columnsOf(row));
+        projects.append(jsonOf(row));
+    }
+    for (const QString &line : inColumns(table))
+        output.line(line);
+    output.json({{QStringLiteral("directory"), *directory}, {QStringLiteral("projects"), projects}});
+    return ExitCode::Yes;
+}
+
+} // namespace Corvelpro

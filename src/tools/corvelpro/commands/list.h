@@ -1,0 +1,10 @@
+#pragma once
+
+#include "commandline/command.h"
+
+namespace Corvelpro {
+
+/// Prints what the panel lists for a folder.
+ExitCode runList(const Arguments &arguments, Output &output);
+
+} // namespace Corvelpro

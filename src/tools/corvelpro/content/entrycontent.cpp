@@ -1,0 +1,132 @@
+#include "entrycontent.h"
+
+#include "reason.h"
+
+#include <QFile>
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace Corvelpro {
+
+using ProjectFileCfg::Internal::failBecause;
+
+namespace {
+
+constexpr qint64 blockSize = 256 * 1024;
+
+/// Passes the content on, and compares it with its header at the end.
+class Content
+{
+public:
+    Content(const EntryHeader &header, const ContentSink &sink)
+        : m_header(header)
+        , m_sink(sink)
+    {}
+
+    /// False if there is more than the header states.
+    bool take(const char *data, qint64 size)
+    {
+        m_size += size;
+        if (m_size > m_header.size)
+            return false;
+        m_crc = crc32(m_crc, reinterpret_cast<const Bytef *>(data), uInt(size));
+        m_sink(data, size);
+        return true;
+    }
+
+    bool isAsStated(QString *reason) const
+    {
+        if (m_size != m_header.size)
+            return failBecause(reason, QStringLiteral("it has %1%2 bytes instead of %3")
+                                           .arg(m_size > m_header.size ? QStringLiteral("more than ") : QString(),
+                                                QString::number(std::min<qint64>(m_size, m_header.size)),
+                                                QString::number(m_header.size)));
+        return m_crc == m_header.crc || failBecause(reason, QStringLiteral("its CRC is wrong"));
+    }
+
+private:
+    const EntryHeader &m_header;
+    const ContentSink &m_sink;
+    qint64 m_size = 0;
+    uLong m_crc = 0;
+};
+
+/// Unpacks portion by portion.
+class Inflater
+{
+public:
+    Inflater() { m_isReady = inflateInit2(&m_stream, -MAX_WBITS) == Z_OK; }
+    ~Inflater() { inflateEnd(&m_stream); }
+
+    /// False if the portion is no continuation of the stream, or if `content` is over.
+    bool unpack(const QByteArray &portion, Content &content)
+    {
+        auto *const begin = reinterpret_cast<Bytef *>(const_cast<char *>(portion.constData()));
+        m_stream.next_in = begin;
+        m_stream.avail_in = uInt(portion.size());
+        for (bool isMore = true; isMore && m_isReady && !m_isAtEnd;) {
+            m_stream.next_out = reinterpret_cast<Bytef *>(m_unpacked.data());
+            m_stream.avail_out = uInt(m_unpacked.size());
+            const int state = inflate(&m_stream, Z_BLOCK);
+            m_isAtEnd = state == Z_STREAM_END;
+            m_isReady = m_isAtEnd || state == Z_OK || state == Z_BUF_ERROR;
+            if (m_isReady && !content.take(m_unpacked.constData(), m_unpacked.size() - qint64(m_stream.avail_out)))
+                return false;
+            const bool isLastBlockOver = state == Z_OK && (m_stream.data_type & lastBlockOver) == lastBlockOver;
+            if (isLastBlockOver && m_stream.next_in > begin)
+                m_isPaddingClear = m_stream.next_in[-1] >> (8 - (m_stream.data_type & unusedBits)) == 0;
+            isMore = state == Z_OK && (m_stream.avail_in > 0 || m_stream.avail_out == 0 || isLastBlockOver);
+        }
+        return m_isReady && m_stream.avail_in == 0;
+    }
+
+    /// True if the stream has ended, with the unused bits of its last byte zero, as every writer leaves them: nothing
+    /// else covers these.
+    bool isWhole() const { return m_isAtEnd && m_isPaddingClear; }
+
+private:
+    Q_DISABLE_COPY(Inflater)
+
+    /// In z_stream::data_type: the last block, just ended; how many bits of the last byte are unused.
+    static constexpr int lastBlockOver = 64 + 128;
+    static constexpr int unusedBits = 7;
+
+    z_stream m_stream{};
+    QByteArray m_unpacked{int(blockSize), Qt::Uninitialized};
+    bool m_isReady = false;
+    bool m_isAtEnd = false;
+    bool m_isPaddingClear = true;
+};
+
+} // namespace
+
+bool readContent(QFile &file, qint64 offset, const EntryHeader &header, const ContentSink &sink,
+                 const std::function<void(qint64 bytes)> &passed, QString *reason)
+{
+    Content content(header, sink);
+    // Nothing at all is a valid form of nothing.
+    std::optional<Inflater> inflater;
+    if (header.method == EntryHeader::deflated && header.packedSize > 0)
+        inflater.emplace();
+    QByteArray block(int(blockSize), Qt::Uninitialized);
+    bool isSound = file.seek(offset);
+    for (qint64 left = header.packedSize; isSound && left > 0;) {
+        const qint64 count = file.read(block.data(), std::min(left, blockSize));
+        if (count <= 0)
+            return failBecause(reason, count == 0 ? QStringLiteral("the file ends before it")
+                                                  : QStringLiteral("it cannot be read: %1").arg(file.errorString()));
+        left -= count;
+        passed(count);
+        isSound = inflater ? inflater->unpack(QByteArray::fromRawData(block.constData(), int(count)), content)
+                           : content.take(block.constData(), count);
+    }
+    if (!content.isAsStated(reason))
+        return false;
+    return !inflater || (isSound && inflater->isWhole()) ||
+           failBecause(reason, QStringLiteral("its packed content is damaged"));
+}
+
+} // namespace Corvelpro

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "findings.h"
+
+#include "archivedirectory.h"
+
+#include <QFile>
+
+#include <functional>
+
+namespace ProjectFileCfg {
+namespace Internal {
+class PackageReader;
+}
+} // namespace ProjectFileCfg
+
+namespace Corvelpro {
+
+/// Reads a package to its last byte and looks for everything that damages can have left. Only reads. Main thread.
+///
+/// What no number in a package covers cannot be found: a change in the record's name and comment, in an entry's rights.
+class Verification
+{
+public:
+    explicit Verification(const QString &path);
+
+    /// `passed` is called with the size of each portion of the file that was read. False if it is no plain file or
+    /// cannot be read: `reason` is set then (see reason.h).
+    bool run(const std::function<void(qint64 bytes)> &passed, QString *reason);
+
+    const Findings &findings() const { return m_findings; }
+    qint64 size() const { return m_file.size(); }
+    /// Of the archive's directory, as far as it could be read.
+    int entries() const { return m_entries; }
+    /// Pictures that could be decoded.
+    int pictures() const { return m_pictures; }
+
+private:
+    void checkRecord(const ArchiveDirectory &directory);
+    bool isListable(const ArchiveDirectory &directory, const ProjectFileCfg::Internal::PackageReader &package);
+    void checkContents(const ArchiveDirectory &directory, const std::function<void(qint64 bytes)> &passed);
+
+    const QString m_path;
+    QFile m_file;
+    Findings m_findings;
+    int m_entries = 0;
+    int m_pictures = 0;
+};
+
+} // namespace Corvelpro
