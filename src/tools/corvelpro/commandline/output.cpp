@@ -1,5 +1,7 @@
 #include "output.h"
 
+#include "progress.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -49,6 +51,8 @@ void Output::json(const QJsonObject &result)
 
 void Output::message(const QString &text)
 {
+    if (m_progress)
+        m_progress->hide();
     const QByteArray line = "corvelpro: " + printable(text).toUtf8() + '\n';
     std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
 }
@@ -61,6 +65,8 @@ bool Output::flush()
 
 void Output::write(const QByteArray &text)
 {
+    if (m_progress)
+        m_progress->hide();
     m_isBroken = std::fwrite(text.constData(), 1, size_t(text.size()), stdout) != size_t(text.size()) || m_isBroken;
 }
 

@@ -6,6 +6,8 @@ class QJsonObject;
 
 namespace Corvelpro {
 
+class Progress;
+
 /// Results go to stdout, messages to stderr, both in UTF-8 and line by line. Main thread.
 class Output
 {
@@ -37,9 +39,13 @@ public:
     bool flush();
 
 private:
+    friend class Progress;
+    void setProgress(Progress *progress) { m_progress = progress; }
     void write(const QByteArray &text);
 
     const Form m_form;
+    /// The bar to hide while something is printed; null if there is none.
+    Progress *m_progress = nullptr;
     bool m_isBroken = false;
 };
 
