@@ -69,6 +69,7 @@ struct PackageReader::Entry
 
 struct PackageReader::Directory
 {
+    bool bSound = true;
     /// As stored in the archive, and decoded by namesOf().
     QByteArrayList listRawNames;
     QStringList listNames;
@@ -118,6 +119,12 @@ bool PackageReader::isOpen(QString *reason) const
 QStringList PackageReader::fileList() const
 {
     return directory().listNames;
+}
+
+bool PackageReader::isListable(QString *reason) const
+{
+    return isOpen(reason) && (directory().bSound ||
+                              failBecause(reason, QStringLiteral("%1: its directory is damaged").arg(m_pFile->path())));
 }
 
 QStringList PackageReader::entries() const
@@ -179,6 +186,7 @@ const PackageReader::Directory &PackageReader::directory() const
     const QStringList names = namesOf(m_pDirectory->listRawNames);
     if (!isSound || m_pZip->getZipError() != UNZ_OK || names.size() != m_pDirectory->listRawNames.size()) {
         *m_pDirectory = Directory();
+        m_pDirectory->bSound = hasNoEntries();
         return *m_pDirectory;
     }
     for (int index = 0; index < names.size(); ++index) {
@@ -187,6 +195,14 @@ const PackageReader::Directory &PackageReader::directory() const
     }
     m_pDirectory->listNames = names;
     return *m_pDirectory;
+}
+
+// The zip library takes an archive without entries for a damaged one.
+bool PackageReader::hasNoEntries() const
+{
+    unz_global_info64 info;
+    return m_pZip->isOpen() && unzGetGlobalInfo64(m_pZip->getUnzFile(), &info) == UNZ_OK && info.number_entry == 0 &&
+           m_pFile->size() == ZipFormat::endRecordSize + qint64(info.size_comment);
 }
 
 // Not QuaZip::getCurrentFileInfo(): it reads each header twice and cuts a name at a NUL.
