@@ -114,7 +114,9 @@ EntrySource::~EntrySource() = default;
 void EntrySource::add(const QString &entryName)
 {
     const QString name = PackageLayout::plainName(entryName);
-    for (int end = name.indexOf(QLatin1Char('/')); end >= 0; end = name.indexOf(QLatin1Char('/'), end + 1))
+    // An unsafe name cannot be read. It may have thousands of levels, which would need a gigabyte here.
+    const bool isSafe = PackageLayout::isSafeName(name);
+    for (int end = name.indexOf(QLatin1Char('/')); isSafe && end >= 0; end = name.indexOf(QLatin1Char('/'), end + 1))
         m_folders.insert(name.left(end + 1));
     if (PackageLayout::isFolder(name) || m_namesThere.contains(name))
         return;

@@ -49,7 +49,7 @@ Outcome create(const QString &directory, EngineerPacketInfo &record)
         return Outcome::failed(QStringLiteral("%1: not a directory").arg(directory));
     if (record.strProjectName.isEmpty())
         record.strProjectName = ProjectProperties::nameOf(path);
-    const Outcome properties = wantProperties(record);
+    Outcome properties = wantProperties(record);
     if (!properties.isDone())
         return properties;
     if (isTaken(path))
