@@ -186,7 +186,7 @@ const PackageReader::Directory &PackageReader::directory() const
     const QStringList names = namesOf(m_pDirectory->listRawNames);
     if (!isSound || m_pZip->getZipError() != UNZ_OK || names.size() != m_pDirectory->listRawNames.size()) {
         *m_pDirectory = Directory();
-        m_pDirectory->bSound = hasNoEntries();
+        m_pDirectory->bSound = false;
         return *m_pDirectory;
     }
     for (int index = 0; index < names.size(); ++index) {
@@ -195,14 +195,6 @@ const PackageReader::Directory &PackageReader::directory() const
     }
     m_pDirectory->listNames = names;
     return *m_pDirectory;
-}
-
-// The zip library takes an archive without entries for a damaged one.
-bool PackageReader::hasNoEntries() const
-{
-    unz_global_info64 info;
-    return m_pZip->isOpen() && unzGetGlobalInfo64(m_pZip->getUnzFile(), &info) == UNZ_OK && info.number_entry == 0 &&
-           m_pFile->size() == ZipFormat::endRecordSize + qint64(info.size_comment);
 }
 
 // Not QuaZip::getCurrentFileInfo(): it reads each header twice and cuts a name at a NUL.

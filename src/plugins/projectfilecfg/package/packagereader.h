@@ -84,7 +84,6 @@ private:
     struct Directory;
 
     const Directory &directory() const;
-    bool hasNoEntries() const;
     bool readCurrentHeader() const;
     bool leadsThroughLink(const QString &entryName, const QString &destPath);
     bool goTo(const Entry &entry);
