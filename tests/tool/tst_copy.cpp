@@ -111,8 +111,8 @@ void TstCopy::each_file_is_judged_by_itself()
 
 void TstCopy::target_must_be_a_directory()
 {
-    for (const QStringList &arguments :
-         {QStringList{m_package, path("gone")}, QStringList{m_package, m_package}, QStringList{m_package}}) {
+    for (const QStringList &arguments : {QStringList{m_package, path("gone")}, QStringList{m_package, m_package},
+                                         QStringList{m_package, ""}, QStringList{m_package}}) {
         const Outcome outcome = runTool(QStringList{"copy"} + arguments);
         QCOMPARE(outcome.code, unknown);
         QCOMPARE(outcome.out, QByteArray());

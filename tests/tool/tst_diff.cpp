@@ -327,6 +327,7 @@ private slots:
     // What cannot be told
     void damage_is_never_equal_data();
     void damage_is_never_equal();
+    void damage_is_named_on_its_side();
     void what_is_no_package_is_one_line();
 
 private:
@@ -711,12 +712,25 @@ void TstDiff::damage_is_never_equal()
     const QStringList lines = compared(m_a, m_b);
     QVERIFY2(lines == QStringList({"unreadable Preset/9.RPst of A", "unreadable Preset/9.RPst of B"}) ||
                  lines == QStringList({"unreadable ../x of A", "unreadable ../x of B"}) ||
-                 lines.first().startsWith("not open: " + m_b),
+                 lines.value(0).startsWith("not open: " + m_b),
              qPrintable(lines.join('\n')));
     const Outcome outcome = runTool({"diff", "--json", m_a, m_b});
     QCOMPARE(outcome.code, unknown);
     QVERIFY(outcome.out.isEmpty() || outcome.json()["result"] == "unknown");
     QVERIFY(!outcome.messages.isEmpty());
+}
+
+void TstDiff::damage_is_named_on_its_side()
+{
+    // The same bytes, but the CRC says that they are not what was packed.
+    QVERIFY(packed(sampleFiles()).file("Preset/9.RPst", "a preset").record("a", "").write(m_a));
+    QVERIFY(packed(sampleFiles()).file("Preset/9.RPst", "a preset").claimCrc(1).record("b", "").write(m_b));
+    QCOMPARE(compared(m_a, m_b), QStringList{"unreadable Preset/9.RPst of B"});
+    QCOMPARE(compared(m_b, m_a), QStringList{"unreadable Preset/9.RPst of A"});
+    const Outcome outcome = runTool({"diff", m_b, m_a});
+    QCOMPARE(outcome.code, unknown);
+    QCOMPARE(outcome.messages, ("corvelpro: " + m_b + ": cannot read Preset/9.RPst: its CRC is wrong\n").toUtf8());
+    QVERIFY2(!outcome.out.contains("equal"), outcome.out);
 }
 
 void TstDiff::what_is_no_package_is_one_line()

@@ -77,11 +77,13 @@ ExitCode runCopy(const Arguments &arguments, Output &output)
 {
     const Interrupt interrupt;
     const QStringList files = arguments.values(QStringLiteral("FILE"));
-    const QDir directory(arguments.value(QStringLiteral("DIR")));
-    if (!directory.exists()) {
-        output.message(QStringLiteral("%1: not a directory").arg(directory.path()));
+    const QString path = arguments.value(QStringLiteral("DIR"));
+    // Not QDir::exists(): to that, an empty path is the current directory.
+    if (!QFileInfo(path).isDir()) {
+        output.message(QStringLiteral("%1: not a directory").arg(path));
         return ExitCode::Unknown;
     }
+    const QDir directory(path);
     ExitCode code = ExitCode::Yes;
     QJsonArray results;
     Progress progress(output, bytesToRead(files));
