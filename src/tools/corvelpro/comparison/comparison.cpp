@@ -99,8 +99,12 @@ void Comparison::run()
 {
     noteRecords();
     compareFolders();
-    for (const Pair &pair : qAsConst(m_pairs))
-        compareFiles(pair);
+    std::future<Content> next = beginReading(0);
+    for (int pair = 0; pair < m_pairs.size(); ++pair) {
+        const Content before = next.get();
+        next = beginReading(pair + 1);
+        compareFiles(m_pairs.at(pair), before);
+    }
     std::sort(m_differences.begin(), m_differences.end(),
               [](const EntryDifference &one, const EntryDifference &other) { return one.name < other.name; });
 }
@@ -143,28 +147,43 @@ void Comparison::addOneSided(const QString &name, EntryDifference::Change change
 
 Comparison::Content Comparison::contentOf(EntrySource &side, const QString &file)
 {
-    QString reason;
-    Content content = Corvelpro::contentOf(side, file, &reason);
-    if (!content)
-        m_unreadable.append({file, &side == &m_before, reason});
+    Content content;
+    content.device = Corvelpro::contentOf(side, file, &content.reason);
     return content;
 }
 
-void Comparison::compareFiles(const Pair &pair)
+/// Reads the file of the first side while the second side's file of the pair before it is read and compared: each side
+/// is read by one thread at a time.
+std::future<Comparison::Content> Comparison::beginReading(int pair)
 {
-    const Content before = contentOf(m_before, pair.before);
-    m_options.progress(m_before.size(pair.before));
-    if (!before) {
+    // Below that, a thread of its own takes longer.
+    constexpr qint64 worthAThread = 256 * 1024;
+    if (pair >= m_pairs.size())
+        return {};
+    const QString file = m_pairs.at(pair).before;
+    return std::async(m_before.size(file) < worthAThread ? std::launch::deferred : std::launch::async,
+                      [this, file] { return contentOf(m_before, file); });
+}
+
+bool Comparison::isRead(const Content &content, const QString &file, bool isBefore)
+{
+    if (!content.device)
+        m_unreadable.append({file, isBefore, content.reason});
+    return content.device != nullptr;
+}
+
+void Comparison::compareFiles(const Pair &pair, const Content &before)
+{
+    const bool isBeforeRead = isRead(before, pair.before, true);
+    m_options.progress(m_before.size(pair.before) + m_after.size(pair.after));
+    if (!isBeforeRead) {
         // So that it is named too if it is unreadable.
-        contentOf(m_after, pair.after);
-        m_options.progress(m_after.size(pair.after));
+        isRead(contentOf(m_after, pair.after), pair.after, false);
         return;
     }
     QString reason;
-    ByteComparison bytes(*before);
-    const bool isRead = m_after.read(pair.after, bytes, &reason);
-    m_options.progress(m_after.size(pair.after));
-    if (!isRead) {
+    ByteComparison bytes(*before.device);
+    if (!m_after.read(pair.after, bytes, &reason)) {
         m_unreadable.append({pair.after, false, reason});
         return;
     }
@@ -175,22 +194,24 @@ void Comparison::compareFiles(const Pair &pair)
     difference.name = pair.before;
     difference.kind = kindOf(pair.before);
     difference.bytes = bytes.difference();
-    before->seek(0);
-    const bool isByBytes =
-        difference.kind == EntryDifference::Kind::Preset || difference.kind == EntryDifference::Kind::Other;
-    const Content after = isByBytes ? nullptr : contentOf(m_after, pair.after);
-    if (!isByBytes && !after)
-        return;
-    if (difference.kind == EntryDifference::Kind::Description && compareDescriptions(*before, *after, difference)) {
-        if (difference.members.isEmpty())
+    if (difference.kind == EntryDifference::Kind::Description || difference.kind == EntryDifference::Kind::Picture) {
+        const Content after = contentOf(m_after, pair.after);
+        before.device->seek(0);
+        if (!isRead(after, pair.after, false) || isEqualOtherwise(*before.device, *after.device, difference))
             return;
-    } else if (difference.kind == EntryDifference::Kind::Picture && comparePixels(*before, *after, difference)) {
-        if (difference.picture.isEmpty()) {
-            m_notes.append(QStringLiteral("%1 is encoded differently, with the same pixels").arg(difference.name));
-            return;
-        }
     }
     m_differences.append(difference);
+}
+
+/// Says what differs in two descriptions or pictures of different bytes; true if that is nothing.
+bool Comparison::isEqualOtherwise(QIODevice &before, QIODevice &after, EntryDifference &difference)
+{
+    if (difference.kind == EntryDifference::Kind::Description)
+        return compareDescriptions(before, after, difference) && difference.members.isEmpty();
+    const bool isEqual = comparePixels(before, after, difference) && difference.picture.isEmpty();
+    if (isEqual)
+        m_notes.append(QStringLiteral("%1 is encoded differently, with the same pixels").arg(difference.name));
+    return isEqual;
 }
 
 bool Comparison::compareDescriptions(QIODevice &before, QIODevice &after, EntryDifference &difference) const

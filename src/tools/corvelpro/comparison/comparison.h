@@ -10,6 +10,7 @@
 #include <QVector>
 
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 
@@ -87,16 +88,23 @@ private:
         QString before;
         QString after;
     };
-    using Content = std::unique_ptr<QIODevice>;
+    /// The content of a file, or why there is none.
+    struct Content
+    {
+        std::unique_ptr<QIODevice> device;
+        QString reason;
+    };
 
     void pairFiles();
     void noteRecords();
     void compareFolders();
-    void compareFiles(const Pair &pair);
-    void compareContents(const Pair &pair, EntryDifference &difference);
+    static Content contentOf(EntrySource &side, const QString &file);
+    std::future<Content> beginReading(int pair);
+    void compareFiles(const Pair &pair, const Content &before);
+    bool isEqualOtherwise(QIODevice &before, QIODevice &after, EntryDifference &difference);
     bool compareDescriptions(QIODevice &before, QIODevice &after, EntryDifference &difference) const;
     bool comparePixels(QIODevice &before, QIODevice &after, EntryDifference &difference) const;
-    Content contentOf(EntrySource &side, const QString &file);
+    bool isRead(const Content &content, const QString &file, bool isBefore);
     void addOneSided(const QString &name, EntryDifference::Change change);
 
     EntrySource &m_before;
