@@ -2,10 +2,13 @@
 
 #ifdef Q_OS_LINUX
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/mman.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 #endif
 
@@ -14,6 +17,18 @@ namespace Corvelpro {
 #ifdef Q_OS_LINUX
 
 namespace {
+
+/// False where something else than the system's cache of the file may hold its content: a server, the process behind a
+/// file system in user space, or ZFS's own cache.
+bool isOnLocalDisk(int handle)
+{
+    constexpr quint32 ntfs3 = 0x7366746E;
+    constexpr quint32 local[] = {EXT4_SUPER_MAGIC, MSDOS_SUPER_MAGIC, XFS_SUPER_MAGIC,       BTRFS_SUPER_MAGIC,
+                                 F2FS_SUPER_MAGIC, EXFAT_SUPER_MAGIC, OVERLAYFS_SUPER_MAGIC, ntfs3};
+    struct statfs found;
+    return fstatfs(handle, &found) == 0 &&
+           std::find(std::begin(local), std::end(local), quint32(found.f_type)) != std::end(local);
+}
 
 bool isPartInMemory(int handle, qint64 offset, qint64 size)
 {
@@ -44,7 +59,7 @@ bool dropFromMemory(int handle, qint64 size)
 {
     // The system keeps a page that is in use at this moment.
     constexpr int attempts = 3;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
+    for (int attempt = 0; isOnLocalDisk(handle) && attempt < attempts; ++attempt) {
         if (posix_fadvise(handle, 0, 0, POSIX_FADV_DONTNEED) == 0 && !isInMemory(handle, size))
             return true;
     }
