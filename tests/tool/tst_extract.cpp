@@ -158,6 +158,7 @@ void TstExtract::full_disk_leaves_nothing()
 void TstExtract::missing_folder_is_not_made()
 {
     QCOMPARE(runTool({"extract", m_package, path("gone/out")}).code, unknown);
+    QCOMPARE(runTool({"extract", m_package, ""}).messages, QByteArray("corvelpro: the new directory has no name\n"));
     QCOMPARE(namesIn(m_dir->path()), QStringList{"a.corvelpro"});
 }
 

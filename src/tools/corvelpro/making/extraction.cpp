@@ -29,6 +29,8 @@ Extraction::Extraction(const QString &package, const QString &directory, const Q
 
 Outcome Extraction::run()
 {
+    if (m_directory.isEmpty())
+        return Outcome::failed(QStringLiteral("the new directory has no name"));
     NewDirectory target(m_directory);
     m_directory = target.path();
     if (!target.isFree())
