@@ -56,6 +56,7 @@ private slots:
     void a_comment_ends_at_its_first_zero_byte();
     void impossible_archives_are_not_listed_data();
     void impossible_archives_are_not_listed();
+    void damaged_directory_cannot_be_listed();
     void the_list_is_that_of_the_archiver();
     void every_entry_comes_out_whole_in_any_order();
     void paths_are_returned_as_the_archiver_returns_them();
@@ -195,6 +196,20 @@ void TstPackageReader::impossible_archives_are_not_listed()
     QFETCH(int, listed);
     write(archive);
     QCOMPARE(PackageReader(m_package).fileList().size(), listed);
+    QCOMPARE(PackageReader(m_package).isListable(), listed > 0);
+}
+
+void TstPackageReader::damaged_directory_cannot_be_listed()
+{
+    QString reason;
+    QByteArray archive = PackageBuilder().file("x.txt", "content").record("x", "").build();
+    archive.replace("PK\1\2", "none");
+    QVERIFY(writeFile(m_package, archive));
+    QVERIFY(!PackageReader(m_package).isListable(&reason));
+    QCOMPARE(reason, m_package + ": its directory is damaged");
+    QVERIFY(writeFile(m_package, "text"));
+    QVERIFY(!PackageReader(m_package).isListable(&reason));
+    QVERIFY2(reason.contains("not a zip archive"), qPrintable(reason));
 }
 
 void TstPackageReader::the_list_is_that_of_the_archiver()

@@ -1,6 +1,11 @@
 #include "commandline/command.h"
 #include "commands/check.h"
+#include "commands/copy.h"
+#include "commands/create.h"
+#include "commands/diff.h"
 #include "commands/doctor.h"
+#include "commands/edit.h"
+#include "commands/extract.h"
 #include "commands/info.h"
 #include "commands/list.h"
 #include "commands/verify.h"
@@ -53,6 +58,50 @@ const QVector<Command> &commandTable()
          {directory},
          {},
          runDoctor},
+        {"diff",
+         "Compare two project files, or one with a device's directory",
+         "Compares what a device would get: the description by its members, pictures by their pixels, presets and all "
+         "other files by bytes. Times, order, compression, and the name and the comment of the project do not count. "
+         "Exit code 0: equal; 1: different; 2: something could not be read, so that nothing can be said.\n\n"
+         "A PATH leads through the description: network.mac, slots[2].type, slots[*].serial, [\"a.b\"]. A spare is "
+         "equal "
+         "to the main unit if nothing but its address, its MAC and its id has to be ignored.\n\n"
+         "The sheet shows each changed picture in a row: A, B, and where they differ. It replaces no file.",
+         {{"A", "A project file or a device's directory", Count::One}, {"B", "The same, to compare with", Count::One}},
+         {{"--ignore", "PATH", "Leave out this member of the description, with all below it", true},
+          {"--sheet", "FILE.png", "Draw the changed pictures and their differences", false}},
+         runDiff},
+        {"extract",
+         "Write what a project file holds into a new directory",
+         "All entries or none: the directory gets its name when it is complete, and must not exist before. Names that "
+         "lead out of it, links and damaged entries are refused.",
+         {{"FILE", "A project file", Count::One}, {"DIR", "The directory to make", Count::One}},
+         {{"--entry", "NAME", "Extract only this file, to DIR/NAME", false}},
+         runExtract},
+        {"create",
+         "Pack a device's directory into a new project file",
+         "Packs, verifies and flushes it as the control application does when it saves. Replaces no file.",
+         {{"DIR", "A device's directory", Count::One}, {"FILE", "The project file to make", Count::One}},
+         {{"--name", "NAME", "The project's name; otherwise that of the file", false},
+          {"--comment", "TEXT", "Its comment, at most 100 characters", false}},
+         runCreate},
+        {"edit",
+         "Change the name or the comment of a project file",
+         "Does what the control application does: changes the file in place and verifies it. With a new name the file "
+         "is "
+         "renamed too, in its directory. Replaces no file.",
+         {{"FILE", "A project file", Count::One}},
+         {{"--name", "NAME", "The project's new name, and its file's", false},
+          {"--comment", "TEXT", "Its new comment, at most 100 characters", false}},
+         runEdit},
+        {"copy",
+         "Copy project files, and prove each copy by reading it back",
+         "Each copy is written aside, flushed to the disk, read back past the system's memory where that is possible, "
+         "compared with what was read of the original, and only then given its name. Replaces no file, and copies none "
+         "that \"corvelpro check\" finds not valid.",
+         {{"FILE", "A project file", Count::OneOrMore}, {"DIR", "The directory to copy to", Count::One}},
+         {},
+         runCopy},
     };
     return table;
 }

@@ -69,6 +69,7 @@ struct PackageReader::Entry
 
 struct PackageReader::Directory
 {
+    bool bSound = true;
     /// As stored in the archive, and decoded by namesOf().
     QByteArrayList listRawNames;
     QStringList listNames;
@@ -118,6 +119,12 @@ bool PackageReader::isOpen(QString *reason) const
 QStringList PackageReader::fileList() const
 {
     return directory().listNames;
+}
+
+bool PackageReader::isListable(QString *reason) const
+{
+    return isOpen(reason) && (directory().bSound ||
+                              failBecause(reason, QStringLiteral("%1: its directory is damaged").arg(m_pFile->path())));
 }
 
 QStringList PackageReader::entries() const
@@ -179,6 +186,7 @@ const PackageReader::Directory &PackageReader::directory() const
     const QStringList names = namesOf(m_pDirectory->listRawNames);
     if (!isSound || m_pZip->getZipError() != UNZ_OK || names.size() != m_pDirectory->listRawNames.size()) {
         *m_pDirectory = Directory();
+        m_pDirectory->bSound = false;
         return *m_pDirectory;
     }
     for (int index = 0; index < names.size(); ++index) {

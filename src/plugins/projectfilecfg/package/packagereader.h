@@ -36,6 +36,10 @@ public:
     /// entries, content or names beyond PackageLimits.
     QStringList fileList() const;
 
+    /// False if there is no archive, or if its directory is damaged or cannot be true: then fileList() does not say
+    /// what it holds.
+    bool isListable(QString *reason = nullptr) const;
+
     /// The entries to extract one after the other: of several that lead to one path, such as "BKG/x", "BKG//x" and
     /// "BKG/./x", only the first.
     QStringList entries() const;

@@ -24,6 +24,16 @@ class PictureScan;
 class PackageWriter
 {
 public:
+    /// What becomes an entry: its name, the file or folder that it is packed from, and its size in bytes.
+    struct Entry
+    {
+        QString strName;
+        QString strSourcePath;
+        qint64 nSize;
+
+        bool isFolder() const { return strName.endsWith(QLatin1Char('/')); }
+    };
+
     /// `packetPath` is skipped if it is inside the directory.
     PackageWriter(const QString &dirPath, const QString &packetPath);
 
@@ -32,6 +42,9 @@ public:
     /// or if the package could not be applied: a name that PackageReader refuses, or more or larger files than
     /// PackageLimits allows. Other links are packed as their targets.
     bool scan(QString *reason = nullptr);
+
+    /// What scan() found, in the archive's order.
+    const QVector<Entry> &entries() const { return m_listEntries; }
 
     /// Replaces the content of `archive` (open for reading and writing) by the archive, without a comment. False if a
     /// source cannot be read, a write fails, or a description or picture exceeds PackageLimits; the file is unusable
@@ -42,15 +55,6 @@ public:
     bool isListedIn(const PackageReader &package, QString *reason = nullptr) const;
 
 private:
-    struct Entry
-    {
-        QString strName;
-        QString strSourcePath;
-        qint64 nSize;
-
-        bool isFolder() const { return strName.endsWith(QLatin1Char('/')); }
-    };
-
     bool scanFolder(const QString &path, const QString &prefix, QStringList enclosingFolders, QString *reason);
     bool isWithinLimits(QString *reason);
     bool staysInside(const QFileInfo &source) const;

@@ -20,17 +20,35 @@ struct Target
     bool isFlag;
     CLI::Option *option;
     std::vector<std::string> values;
+    /// The repeated positional right before it: CLI11 gives that one all values.
+    Target *repeated = nullptr;
 };
 
 void addPositional(CLI::App &app, const Command &command, const Positional &positional, std::list<Target> &targets)
 {
+    Target *const previous = targets.empty() || targets.back().command != &command ? nullptr : &targets.back();
     Target &target = targets.emplace_back(Target{&command, QString::fromUtf8(positional.name), false, nullptr, {}});
+    if (previous && previous->option->get_allow_extra_args())
+        target.repeated = previous;
     target.option = app.add_option(positional.name, target.values, positional.help)->type_name("");
     if (positional.count == Positional::Count::OneOrMore)
         target.option->expected(1, CLI::detail::expected_max_vector_size);
     else
-        target.option->expected(1);
-    target.option->required(positional.count != Positional::Count::Optional);
+        target.option->expected(1)->allow_extra_args(false);
+    target.option->required(positional.count != Positional::Count::Optional && !target.repeated);
+}
+
+/// The last value of a repeated positional belongs to the positional after it.
+void takeFromRepeated(std::list<Target> &targets)
+{
+    for (Target &target : targets) {
+        if (!target.repeated || target.repeated->values.empty())
+            continue;
+        if (target.repeated->values.size() == 1)
+            throw CLI::RequiredError(target.name.toStdString());
+        target.values.push_back(target.repeated->values.back());
+        target.repeated->values.pop_back();
+    }
 }
 
 void addOption(CLI::App &app, const Command &command, const Option &option, std::list<Target> &targets)
@@ -41,7 +59,10 @@ void addOption(CLI::App &app, const Command &command, const Option &option, std:
         target.option = app.add_flag(option.name, option.help);
     } else {
         // One value each time it is given, so that what follows is a positional again.
-        target.option = app.add_option(option.name, target.values, option.help)->type_name(option.value)->expected(1);
+        target.option = app.add_option(option.name, target.values, option.help)
+                            ->type_name(option.value)
+                            ->expected(1)
+                            ->allow_extra_args(false);
         target.option->multi_option_policy(option.isRepeatable ? CLI::MultiOptionPolicy::TakeAll
                                                                : CLI::MultiOptionPolicy::Throw);
     }
@@ -72,7 +93,13 @@ Request parse(int count, const char *const *values)
     Request request;
     try {
         app.parse(count, values);
+        takeFromRepeated(targets);
     } catch (const CLI::ParseError &error) {
+        // As the help has to show it.
+        for (Target &target : targets) {
+            if (target.repeated)
+                target.option->required();
+        }
         std::ostringstream out;
         std::ostringstream problem;
         request.isUsageError = app.exit(error, out, problem) != 0;

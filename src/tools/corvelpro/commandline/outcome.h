@@ -1,0 +1,36 @@
+#pragma once
+
+#include "command.h"
+
+#include <QString>
+
+class QJsonObject;
+
+namespace Corvelpro {
+
+class Output;
+
+/// How an operation that makes or changes a file ended.
+struct Outcome
+{
+    ExitCode code = ExitCode::Yes;
+    /// Why it was not done, with the path that it is about; empty if it was done.
+    QString reason;
+
+    bool isDone() const { return code == ExitCode::Yes; }
+    /// "done", "refused" or "failed".
+    QString word() const;
+
+    /// Nothing was done, since a rule of the tool is against it.
+    static Outcome refused(const QString &reason) { return {ExitCode::No, reason}; }
+    /// Reading or writing failed, or the command line makes no sense.
+    static Outcome failed(const QString &reason) { return {ExitCode::Unknown, reason}; }
+};
+
+/// Prints `line` if the operation was done, its reason otherwise, and adds "result" and "reason" to `json`.
+ExitCode finish(Output &output, const Outcome &outcome, const QString &line, QJsonObject json);
+
+/// Refuses what is not a plain file or a link to one; says why.
+Outcome wantPlainFile(const QString &path);
+
+} // namespace Corvelpro

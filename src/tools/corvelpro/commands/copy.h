@@ -1,0 +1,10 @@
+#pragma once
+
+#include "commandline/command.h"
+
+namespace Corvelpro {
+
+/// Copies packages into a directory, and proves each copy by reading it back.
+ExitCode runCopy(const Arguments &arguments, Output &output);
+
+} // namespace Corvelpro

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "commandline/command.h"
+
+namespace Corvelpro {
+
+/// Packs a directory into a new package, as a save does.
+ExitCode runCreate(const Arguments &arguments, Output &output);
+
+} // namespace Corvelpro

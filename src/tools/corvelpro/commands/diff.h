@@ -1,0 +1,10 @@
+#pragma once
+
+#include "commandline/command.h"
+
+namespace Corvelpro {
+
+/// Compares two packages, or a package and a device's directory, by what a device would get.
+ExitCode runDiff(const Arguments &arguments, Output &output);
+
+} // namespace Corvelpro

@@ -1,0 +1,35 @@
+#include "content.h"
+
+#include "entrysource.h"
+
+#include "namelessfile.h"
+#include "reason.h"
+
+#include <QBuffer>
+#include <QDir>
+
+namespace Corvelpro {
+
+using namespace ProjectFileCfg::Internal;
+
+std::unique_ptr<QIODevice> contentOf(EntrySource &source, const QString &file, QString *reason)
+{
+    constexpr qint64 maxInMemory = 32 * 1024 * 1024;
+    std::unique_ptr<QIODevice> content;
+    if (source.size(file) < maxInMemory) {
+        auto buffer = std::make_unique<QBuffer>();
+        buffer->buffer().reserve(int(source.size(file)));
+        buffer->open(QIODevice::ReadWrite);
+        content = std::move(buffer);
+    } else {
+        content = openNamelessFile(QDir::tempPath(), reason);
+    }
+    if (!content || !source.read(file, *content, reason))
+        return nullptr;
+    if (content->seek(0))
+        return content;
+    failBecause(reason, QStringLiteral("cannot store %1: %2").arg(file, content->errorString()));
+    return nullptr;
+}
+
+} // namespace Corvelpro

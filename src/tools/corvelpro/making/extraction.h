@@ -1,0 +1,30 @@
+#pragma once
+
+#include "commandline/outcome.h"
+
+#include <QStringList>
+
+namespace Corvelpro {
+
+/// Writes a package's entries into a directory of their own, all of them or nothing.
+class Extraction
+{
+public:
+    /// `entry`: the only one to extract; empty: all of them.
+    Extraction(const QString &package, const QString &directory, const QString &entry);
+
+    /// Asks Interrupt between the entries.
+    Outcome run();
+
+    /// After run(): where the entries are, and what they are called there.
+    QString directory() const { return m_directory; }
+    QStringList entries() const { return m_entries; }
+
+private:
+    const QString m_package;
+    QString m_directory;
+    const QString m_entry;
+    QStringList m_entries;
+};
+
+} // namespace Corvelpro

@@ -1,0 +1,23 @@
+#pragma once
+
+class QString;
+
+namespace Corvelpro {
+
+/// What the control application lets an operator type as a project's name and comment. A package with another name
+/// could be listed there, but not edited. `reason` says what is wrong.
+namespace ProjectProperties {
+
+/// A name is a file's name without its extension, on every platform: 1 to 64 bytes of UTF-8 without blanks at its ends,
+/// a leading dot, control characters and < > : " / \ | ? *
+bool isName(const QString &name, QString *reason);
+
+/// At most 100 UTF-16 units of any text.
+bool isComment(const QString &comment, QString *reason);
+
+/// The name that goes with the package at `path`: the file's name without ".corvelpro".
+QString nameOf(const QString &path);
+
+} // namespace ProjectProperties
+
+} // namespace Corvelpro

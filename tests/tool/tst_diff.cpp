@@ -1,0 +1,751 @@
+#include "devicefiles.h"
+
+#include "comparison/comparison.h"
+#include "comparison/entrysource.h"
+#include "zippackagehandle.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QJsonArray>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <algorithm>
+
+using namespace Corvelpro;
+using namespace ToolTesting;
+using ProjectFileCfg::Internal::EngineerPacketInfo;
+using ProjectFileCfg::Internal::ZipPackageHandle;
+using TestSupport::PackageBuilder;
+
+namespace {
+
+const QByteArray descriptionName("10.0.0.1.json");
+
+QByteArray pngOf(const QImage &picture, int quality = -1)
+{
+    QBuffer file;
+    picture.save(&file, "PNG", quality);
+    return file.data();
+}
+
+QImage pictureOf(const QSize &size, quint32 seed)
+{
+    QImage picture(size, QImage::Format_ARGB32);
+    QRandomGenerator random(seed);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            picture.setPixel(x, y, random.generate() | 0xFF000000);
+    }
+    return picture;
+}
+
+QByteArray jsonOf(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson();
+}
+
+QJsonObject sampleDescription()
+{
+    return QJsonDocument::fromJson(R"({
+        "name": "main", "id": 7, "enabled": true, "nothing": null,
+        "network": {"ip": "10.0.0.1", "mac": "00:11", "dns.name": "main.local"},
+        "slots": [{"type": 3, "serial": "A1"}, {"type": 5, "serial": "A2"}],
+        "screens": [[0, 0, 1920, 1080], [1920, 0, 1280, 720]]})")
+        .object();
+}
+
+Files sampleFiles()
+{
+    return {{descriptionName, jsonOf(sampleDescription())},
+            {"BKG/", {}},
+            {"BKG/BKG_1.png", pngOf(pictureOf({16, 9}, 1))},
+            {"BKG/BKG_2.png", pngOf(pictureOf({9, 16}, 2))},
+            {"LOGO/", {}},
+            {"LOGO/LOGO_1.png", pngOf(pictureOf({8, 8}, 3))},
+            {"Preset/", {}},
+            {"Preset/1.RPst", QByteArray("\0\0\0\x8"
+                                         "a preset",
+                                         12)},
+            {"Preset/2.RPst", QByteArray("\0\0\0\x0", 4)},
+            {"host/settings.ini", "volume=3\n"}};
+}
+
+QString textOf(const QJsonValue &value)
+{
+    return value.isUndefined() ? QStringLiteral("-")
+                               : QString(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact));
+}
+
+QString sizeText(const QSize &size)
+{
+    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+}
+
+/// What is known of a difference, one line each, so that lists of them can be compared.
+namespace Line {
+
+QString oneSided(const QString &entry, bool isBefore)
+{
+    return entry + (isBefore ? " only A" : " only B");
+}
+
+QString member(const QString &entry, const QString &path, const QJsonValue &before, const QJsonValue &after)
+{
+    return QStringList{entry, path, textOf(before), textOf(after)}.join(' ');
+}
+
+QString bytes(const QString &entry, qint64 before, qint64 after, qint64 first, qint64 count)
+{
+    return QStringLiteral("%1 %2->%3 from %4 count %5").arg(entry).arg(before).arg(after).arg(first).arg(count);
+}
+
+QString pixels(const QString &entry, const QSize &before, const QSize &after, qint64 count, int largest)
+{
+    return QStringLiteral("%1 %2->%3 pixels %4 by %5")
+        .arg(entry, sizeText(before), sizeText(after))
+        .arg(count)
+        .arg(largest);
+}
+
+} // namespace Line
+
+QStringList linesOf(const EntryDifference &difference)
+{
+    if (difference.change != EntryDifference::Change::Changed)
+        return {Line::oneSided(difference.name, difference.change == EntryDifference::Change::OnlyBefore)};
+    QStringList lines;
+    switch (difference.by) {
+    case EntryDifference::By::Members:
+        for (const MemberDifference &member : difference.members)
+            lines.append(Line::member(difference.name, member.path, member.before, member.after));
+        break;
+    case EntryDifference::By::Pixels:
+        lines.append(Line::pixels(difference.name, difference.picture.before, difference.picture.after,
+                                  difference.picture.pixels, difference.picture.largest));
+        break;
+    case EntryDifference::By::Bytes:
+        lines.append(Line::bytes(difference.name, difference.bytes.before, difference.bytes.after,
+                                 difference.bytes.firstOffset, difference.bytes.count));
+        break;
+    }
+    return lines;
+}
+
+/// The differences, sorted; "unreadable ..." for what cannot be read.
+QStringList compared(const QString &a, const QString &b, const Comparison::Options &options = {})
+{
+    QString reason;
+    const auto before = EntrySource::open(a, &reason);
+    const auto after = EntrySource::open(b, &reason);
+    if (!before || !after)
+        return {"not open: " + reason};
+    Comparison comparison(*before, *after, options);
+    comparison.run();
+    QStringList lines;
+    for (const EntryDifference &difference : comparison.differences())
+        lines += linesOf(difference);
+    for (const UnreadableEntry &entry : comparison.unreadable())
+        lines.append("unreadable " + entry.name + (entry.isBefore ? " of A" : " of B"));
+    lines.sort();
+    return lines;
+}
+
+/// Changes a random device at random places, and knows what a comparison has to say in both directions.
+class Editor
+{
+public:
+    explicit Editor(quint32 seed)
+        : m_random(seed)
+    {}
+
+    Files before = sampleFiles();
+    Files after = before;
+    QStringList forth;
+    QStringList back;
+
+    void editSomething()
+    {
+        QVector<void (Editor::*)()> edits{&Editor::changeMembers, &Editor::changePicture, &Editor::resizePicture,
+                                          &Editor::changePreset,  &Editor::cutPreset,     &Editor::addEntries,
+                                          &Editor::removeEntries, &Editor::changeOther};
+        const int count = 1 + m_random.bounded(edits.size());
+        for (int i = 0; i < count; ++i)
+            (this->*edits.takeAt(m_random.bounded(edits.size())))();
+        forth.sort();
+        back.sort();
+    }
+
+private:
+    void expect(const QString &there, const QString &returned)
+    {
+        forth.append(there);
+        back.append(returned);
+    }
+
+    void expectMember(const QString &path, const QJsonValue &old, const QJsonValue &edited)
+    {
+        expect(Line::member(descriptionName, path, old, edited), Line::member(descriptionName, path, edited, old));
+    }
+
+    void changeMembers()
+    {
+        QJsonObject description = sampleDescription();
+        const QJsonValue undefined(QJsonValue::Undefined);
+        if (m_random.bounded(2)) {
+            const QString name = QStringLiteral("other%1").arg(m_random.bounded(1000));
+            description["name"] = name;
+            expectMember("name", "main", name);
+        }
+        if (m_random.bounded(2)) {
+            QJsonObject network = description["network"].toObject();
+            network.remove("dns.name");
+            network["mask"] = 24;
+            description["network"] = network;
+            expectMember("network[\"dns.name\"]", "main.local", undefined);
+            expectMember("network.mask", undefined, 24);
+        }
+        if (m_random.bounded(2)) {
+            QJsonArray screens = description["screens"].toArray();
+            screens.removeLast();
+            description["screens"] = screens;
+            expectMember("screens[1]", QJsonArray{1920, 0, 1280, 720}, undefined);
+        }
+        QJsonArray cards = description["slots"].toArray();
+        const int index = m_random.bounded(2);
+        QJsonObject card = cards[index].toObject();
+        const QJsonValue type = card["type"];
+        card["type"] = "none";
+        cards[index] = card;
+        description["slots"] = cards;
+        expectMember(QStringLiteral("slots[%1].type").arg(index), type, "none");
+        after[descriptionName] = jsonOf(description);
+    }
+
+    void changePicture()
+    {
+        QImage picture = pictureOf({16, 9}, 1);
+        const int count = 1 + m_random.bounded(5);
+        const int distance = 1 + m_random.bounded(127);
+        for (int i = 0; i < count; ++i) {
+            const QRgb old = picture.pixel(i, i);
+            const int red = qRed(old) < 128 ? qRed(old) + distance : qRed(old) - distance;
+            picture.setPixel(i, i, qRgba(red, qGreen(old), qBlue(old), qAlpha(old)));
+        }
+        after["BKG/BKG_1.png"] = pngOf(picture);
+        const QString line = Line::pixels("BKG/BKG_1.png", {16, 9}, {16, 9}, count, distance);
+        expect(line, line);
+    }
+
+    void resizePicture()
+    {
+        const QSize size(1 + m_random.bounded(8), 8);
+        after["BKG/BKG_2.png"] = pngOf(pictureOf(size, 4));
+        expect(Line::pixels("BKG/BKG_2.png", {9, 16}, size, 0, 0), Line::pixels("BKG/BKG_2.png", size, {9, 16}, 0, 0));
+    }
+
+    void changePreset()
+    {
+        QByteArray &preset = after["Preset/1.RPst"];
+        const int first = m_random.bounded(6);
+        const int count = 1 + m_random.bounded(6);
+        for (int i = first; i < first + count; ++i)
+            preset[i] = char(preset.at(i) ^ 0x55);
+        const QString line = Line::bytes("Preset/1.RPst", 12, 12, first, count);
+        expect(line, line);
+    }
+
+    void cutPreset()
+    {
+        const int left = m_random.bounded(4);
+        after["Preset/2.RPst"].truncate(left);
+        expect(Line::bytes("Preset/2.RPst", 4, left, left, 0), Line::bytes("Preset/2.RPst", left, 4, left, 0));
+    }
+
+    void addEntries()
+    {
+        const QByteArray preset = "Preset/" + QByteArray::number(3 + m_random.bounded(60000)) + ".RPst";
+        for (const QByteArray &name : {preset, QByteArray("empty/"), QByteArray("host/sub/new.bin")})
+            after.insert(name, QByteArray());
+        for (const QString &name :
+             {QString(preset), QString("empty/"), QString("host/sub/"), QString("host/sub/new.bin")})
+            expect(Line::oneSided(name, false), Line::oneSided(name, true));
+    }
+
+    void removeEntries()
+    {
+        after.remove("LOGO/LOGO_1.png");
+        expect(Line::oneSided("LOGO/LOGO_1.png", true), Line::oneSided("LOGO/LOGO_1.png", false));
+    }
+
+    void changeOther()
+    {
+        after["host/settings.ini"] = "volume=11\n";
+        expect(Line::bytes("host/settings.ini", 9, 10, 7, 2), Line::bytes("host/settings.ini", 10, 9, 7, 2));
+    }
+
+    QRandomGenerator m_random;
+};
+
+} // namespace
+
+class TstDiff : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    // Nothing
+    void same_device_stored_otherwise_is_equal();
+    void repack_by_another_program_is_equal_data();
+    void repack_by_another_program_is_equal();
+    void two_saves_of_one_directory_are_equal();
+    void same_pixels_encoded_otherwise_are_equal();
+
+    // Differences
+    void known_edits_are_reported_exactly();
+    void directory_can_be_either_side();
+    void changes_are_printed_line_by_line();
+    void undecodable_pictures_are_compared_by_bytes();
+    void descriptions_that_are_no_json_are_compared_by_bytes();
+    void numbers_are_compared_exactly();
+    void many_changed_members_are_counted();
+
+    // Left out
+    void spare_is_equal_but_for_what_is_ignored();
+    void ignored_path_covers_data();
+    void ignored_path_covers();
+    void what_is_no_path_is_wrong_usage();
+
+    // The sheet
+    void sheet_shows_each_changed_picture();
+    void sheet_replaces_no_file();
+    void sheet_is_whole_or_missing();
+
+    // What cannot be told
+    void damage_is_never_equal_data();
+    void damage_is_never_equal();
+    void damage_is_named_on_its_side();
+    void what_is_no_package_is_one_line();
+
+private:
+    QString path(const QString &name) const { return m_dir->filePath(name); }
+
+    QScopedPointer<QTemporaryDir> m_dir;
+    QString m_a;
+    QString m_b;
+};
+
+void TstDiff::init()
+{
+    m_dir.reset(new QTemporaryDir);
+    m_a = path("a.corvelpro");
+    m_b = path("b.corvelpro");
+    QVERIFY(writePackage(m_a, sampleFiles()));
+}
+
+void TstDiff::same_device_stored_otherwise_is_equal()
+{
+    // Another order, other methods, no entries of folders, names that only lead to the same, other white space.
+    const Files files = sampleFiles();
+    PackageBuilder other;
+    QList<QByteArray> names = files.keys();
+    std::reverse(names.begin(), names.end());
+    for (const QByteArray &name : qAsConst(names)) {
+        if (name == descriptionName)
+            other.file(name, QJsonDocument(sampleDescription()).toJson(QJsonDocument::Compact));
+        else if (!name.endsWith('/'))
+            other.file(name.startsWith("BKG") ? "./" + name : name, files[name], PackageBuilder::Stored);
+    }
+    QVERIFY(other.record("another", "comment").write(m_b));
+
+    const Outcome outcome = runTool({"diff", m_a, m_b});
+    QCOMPARE(outcome.code, yes);
+    QCOMPARE(outcome.out, QByteArray("does not count: the project's name is \"a\" -> \"another\"\n"
+                                     "does not count: the project's comment is \"\" -> \"comment\"\n"
+                                     "equal (7 files)\n"));
+    QCOMPARE(outcome.messages, QByteArray());
+    QCOMPARE(compared(m_a, m_a), QStringList());
+}
+
+void TstDiff::repack_by_another_program_is_equal_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("zip") << "zip" << QStringList{"-qr", "../b.corvelpro", "."};
+    QTest::newRow("zip, nothing compressed") << "zip" << QStringList{"-qr0", "../b.corvelpro", "."};
+    QTest::newRow("7z") << "7z" << QStringList{"a", "-tzip", "-bd", "../b.corvelpro", "."};
+}
+
+void TstDiff::repack_by_another_program_is_equal()
+{
+    QFETCH(QString, program);
+    QFETCH(QStringList, arguments);
+    Files files = sampleFiles();
+    files.insert(QByteArray("演出/"), {});
+    files.insert(QByteArray("演出/é.txt"), "text");
+    QVERIFY(writePackage(m_a, files));
+    QVERIFY(writeDirectory(path("device"), files));
+    QProcess repack;
+    repack.setWorkingDirectory(path("device"));
+    repack.start(program, arguments);
+    QVERIFY(repack.waitForFinished(TestSupport::patience));
+    QVERIFY2(repack.exitCode() == 0, repack.readAllStandardError());
+    QCOMPARE(compared(m_a, m_b), QStringList());
+    QCOMPARE(compared(m_b, m_a), QStringList());
+}
+
+void TstDiff::two_saves_of_one_directory_are_equal()
+{
+    const QString device = path("device");
+    QVERIFY(writeDirectory(device, sampleFiles()));
+    EngineerPacketInfo first{m_a, "first", "", ""};
+    EngineerPacketInfo second{m_b, "second", "later", ""};
+    QVERIFY(ZipPackageHandle::compressEngineerPacket(device, first));
+    QFile file(device + "/Preset/1.RPst");
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime(QDate(2001, 2, 3), QTime(4, 5)), QFileDevice::FileModificationTime));
+    QVERIFY(ZipPackageHandle::compressEngineerPacket(device, second));
+    QVERIFY(readFile(m_a) != readFile(m_b));
+    QCOMPARE(compared(m_a, m_b), QStringList());
+    QCOMPARE(compared(m_a, device), QStringList());
+}
+
+void TstDiff::same_pixels_encoded_otherwise_are_equal()
+{
+    Files files = sampleFiles();
+    files["BKG/BKG_1.png"] = pngOf(pictureOf({16, 9}, 1), 100);
+    QVERIFY(files["BKG/BKG_1.png"] != sampleFiles()["BKG/BKG_1.png"]);
+    QVERIFY(writePackage(m_b, files));
+    const Outcome outcome = runTool({"diff", "--json", m_a, m_b});
+    QCOMPARE(outcome.code, yes);
+    QCOMPARE(outcome.json()["result"].toString(), QString("equal"));
+    QVERIFY(outcome.json()["notes"].toArray().contains("BKG/BKG_1.png is encoded differently, with the same pixels"));
+}
+
+void TstDiff::known_edits_are_reported_exactly()
+{
+    for (quint32 seed = 1; seed <= 200; ++seed) {
+        Editor editor(seed);
+        editor.editSomething();
+        QVERIFY(writePackage(m_a, editor.before));
+        QVERIFY(writePackage(m_b, editor.after, "edited"));
+        const QByteArray name = "seed " + QByteArray::number(seed);
+        QVERIFY2(!editor.forth.isEmpty(), name);
+        QVERIFY2(compared(m_a, m_b) == editor.forth,
+                 name + ": " + (compared(m_a, m_b) + QStringList{"expected"} + editor.forth).join('\n').toUtf8());
+        QVERIFY2(compared(m_b, m_a) == editor.back, name + ", backwards");
+        QVERIFY2(compared(m_b, m_b).isEmpty(), name);
+    }
+}
+
+void TstDiff::directory_can_be_either_side()
+{
+    Files files = sampleFiles();
+    files["Preset/1.RPst"][5] = 'x';
+    files.remove("LOGO/LOGO_1.png");
+    QVERIFY(writeDirectory(path("device"), files));
+    const QString change = Line::bytes("Preset/1.RPst", 12, 12, 5, 1);
+    QCOMPARE(compared(m_a, path("device")), QStringList({Line::oneSided("LOGO/LOGO_1.png", true), change}));
+    QCOMPARE(compared(path("device"), m_a), QStringList({Line::oneSided("LOGO/LOGO_1.png", false), change}));
+}
+
+void TstDiff::changes_are_printed_line_by_line()
+{
+    Files files = sampleFiles();
+    QJsonObject description = sampleDescription();
+    description["name"] = "spare";
+    description.remove("enabled");
+    description["added"] = QJsonObject{{"x", 1}};
+    files[descriptionName] = jsonOf(description);
+    QImage picture = pictureOf({16, 9}, 1);
+    picture.setPixel(3, 3, picture.pixel(3, 3) ^ 0x80);
+    files["BKG/BKG_1.png"] = pngOf(picture);
+    files["BKG/BKG_2.png"] = pngOf(pictureOf({4, 5}, 1));
+    files["Preset/1.RPst"][5] = 'x';
+    files["Preset/2.RPst"].append("ab");
+    files.remove("LOGO/LOGO_1.png");
+    files.insert("new.bin", "n");
+    QVERIFY(writePackage(m_b, files));
+
+    const Outcome outcome = runTool({"diff", m_a, m_b});
+    QCOMPARE(outcome.code, no);
+    QCOMPARE(QString(outcome.out), QString("10.0.0.1.json: added: only in B: {\"x\":1}\n"
+                                           "10.0.0.1.json: enabled: only in A: true\n"
+                                           "10.0.0.1.json: name: \"main\" -> \"spare\"\n"
+                                           "BKG/BKG_1.png: 1 of 16 x 9 pixels differ (0.694 %), by at most 128 of 255\n"
+                                           "BKG/BKG_2.png: 9 x 16 -> 4 x 5 pixels\n"
+                                           "LOGO/LOGO_1.png: only in A\n"
+                                           "Preset/1.RPst: 1 of 12 bytes differ, the first difference is at offset 5\n"
+                                           "Preset/2.RPst: 4 -> 6 bytes, the first difference is at offset 4\n"
+                                           "new.bin: only in B\n"
+                                           "does not count: the project's name is \"a\" -> \"b\"\n"));
+
+    const QJsonObject json = runTool({"diff", "--json", m_a, m_b}).json();
+    QCOMPARE(json["result"].toString(), QString("different"));
+    QCOMPARE(json["a"].toString(), m_a);
+    const QJsonArray differences = json["differences"].toArray();
+    QCOMPARE(differences.size(), 7);
+    const QJsonArray members = differences[0].toObject()["members"].toArray();
+    QCOMPARE(members.size(), 3);
+    QCOMPARE(members[2].toObject(),
+             QJsonObject({{"path", "name"}, {"change", "changed"}, {"a", "main"}, {"b", "spare"}}));
+    QCOMPARE(members[1].toObject(), QJsonObject({{"path", "enabled"}, {"change", "removed"}, {"a", true}}));
+    QCOMPARE(differences[1].toObject()["pixels"].toObject()["largest"].toInt(), 128);
+    QCOMPARE(differences[3].toObject()["change"].toString(), QString("removed"));
+    QCOMPARE(differences[4].toObject()["bytes"].toObject(),
+             QJsonObject({{"firstOffset", 5}, {"differing", 1}, {"sizeA", 12}, {"sizeB", 12}}));
+}
+
+void TstDiff::undecodable_pictures_are_compared_by_bytes()
+{
+    Files files = sampleFiles();
+    QByteArray &picture = files["BKG/BKG_1.png"];
+    const int size = picture.size();
+    picture.truncate(size / 2);
+    QVERIFY(writePackage(m_b, files));
+    QCOMPARE(compared(m_b, m_b), QStringList());
+    QCOMPARE(compared(m_a, m_b), QStringList{Line::bytes("BKG/BKG_1.png", size, size / 2, size / 2, 0)});
+}
+
+void TstDiff::descriptions_that_are_no_json_are_compared_by_bytes()
+{
+    Files files = sampleFiles();
+    const QByteArray old = files[descriptionName];
+    files[descriptionName] = old + "x";
+    QVERIFY(writePackage(m_b, files));
+    QCOMPARE(compared(m_b, m_b), QStringList());
+    QCOMPARE(compared(m_a, m_b), QStringList{Line::bytes(descriptionName, old.size(), old.size() + 1, old.size(), 0)});
+}
+
+void TstDiff::numbers_are_compared_exactly()
+{
+    QVERIFY(writePackage(m_a, {{descriptionName, R"({"id": 9007199254740993, "one": 1, "half": 0.5})"}}));
+    QVERIFY(writePackage(m_b, {{descriptionName, R"({"id": 9007199254740992, "one": 1.0, "half": 5e-1})"}}));
+    const Outcome outcome = runTool({"diff", m_a, m_b});
+    QCOMPARE(outcome.code, no);
+    QVERIFY2(outcome.out.startsWith("10.0.0.1.json: id: 9007199254740993 -> 9007199254740992\ndoes not"), outcome.out);
+}
+
+void TstDiff::many_changed_members_are_counted()
+{
+    const auto description = [](int first) {
+        QJsonArray numbers;
+        for (int i = 0; i < DescriptionComparison::maxKept + 5; ++i)
+            numbers.append(first + i);
+        return Files{{descriptionName, jsonOf({{"numbers", numbers}})}};
+    };
+    QVERIFY(writePackage(m_a, description(0)));
+    QVERIFY(writePackage(m_b, description(1)));
+    const QJsonObject json = runTool({"diff", "--json", m_a, m_b}).json();
+    const QJsonObject difference = json["differences"].toArray().first().toObject();
+    QCOMPARE(difference["members"].toArray().size(), int(DescriptionComparison::maxKept));
+    QCOMPARE(difference["omittedMembers"].toInt(), 5);
+}
+
+void TstDiff::spare_is_equal_but_for_what_is_ignored()
+{
+    Files files = sampleFiles();
+    QJsonObject description = sampleDescription();
+    QJsonArray cards = description["slots"].toArray();
+    for (int i = 0; i < cards.size(); ++i) {
+        QJsonObject card = cards[i].toObject();
+        card["serial"] = "B" + QString::number(i);
+        cards[i] = card;
+    }
+    description["slots"] = cards;
+    description["id"] = 8;
+    description["network"] = QJsonObject{{"ip", "10.0.0.2"}};
+    files.remove(descriptionName);
+    files["10.0.0.2.json"] = jsonOf(description);
+    QVERIFY(writePackage(m_b, files));
+
+    QStringList arguments{"diff", m_a, m_b, "--ignore", "id", "--ignore", "network"};
+    QCOMPARE(runTool(arguments).code, no);
+    arguments += QStringList{"--ignore", "slots[*].serial"};
+    const Outcome outcome = runTool(arguments);
+    QCOMPARE(outcome.code, yes);
+    QVERIFY2(outcome.out.contains("does not count: the description is called 10.0.0.1.json -> 10.0.0.2.json\n"),
+             outcome.out);
+}
+
+void TstDiff::ignored_path_covers_data()
+{
+    QTest::addColumn<QString>("ignored");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("isCovered");
+    QTest::newRow("a member") << "a"
+                              << "a" << true;
+    QTest::newRow("a member below") << "a"
+                                    << "a.b" << false;
+    QTest::newRow("a member above") << "a.b"
+                                    << "a" << false;
+    QTest::newRow("an element") << "a[1]"
+                                << "a[1]" << true;
+    QTest::newRow("another element") << "a[1]"
+                                     << "a[2]" << false;
+    QTest::newRow("a member that is a number") << "a[\"1\"]"
+                                               << "a[1]" << false;
+    QTest::newRow("each element") << "a[*].b"
+                                  << "a[12].b" << true;
+    QTest::newRow("each member") << "a[*]"
+                                 << "a.b" << true;
+    QTest::newRow("each, not below") << "a[*]"
+                                     << "a.b.c" << false;
+    QTest::newRow("a name in brackets") << "[\"a\"].b"
+                                        << "a[\"b\"]" << true;
+    QTest::newRow("dots in brackets") << "[\"a.b\"]"
+                                      << "a.b" << false;
+    QTest::newRow("a quote in a name") << "x[\"a\\\"]b\"]"
+                                       << "x[\"a\\\"]b\"]" << true;
+    QTest::newRow("Chinese") << "屏幕[0]"
+                             << "屏幕[0]" << true;
+    QTest::newRow("an array of arrays") << "[0][*]"
+                                        << "[0][3]" << true;
+    QTest::newRow("other case") << "Name"
+                                << "name" << false;
+}
+
+void TstDiff::ignored_path_covers()
+{
+    QFETCH(QString, ignored);
+    QFETCH(QString, path);
+    QString reason;
+    const auto pattern = DescriptionPath::parse(ignored, &reason);
+    const auto value = DescriptionPath::parse(path, &reason);
+    QVERIFY2(pattern && value, qPrintable(reason));
+    QTEST(pattern->matches(*value), "isCovered");
+    // What is printed can be given back.
+    QVERIFY(DescriptionPath::parse(value->text(), &reason)->matches(*value));
+}
+
+void TstDiff::what_is_no_path_is_wrong_usage()
+{
+    QString reason;
+    for (const char *text :
+         {"", ".", ".a", "a.", "a..b", "a[", "a[]", "a[x]", "a[-1]", "a]", "[\"a]", "a b", "a.[1]", "a[1]b"})
+        QVERIFY2(!DescriptionPath::parse(text, &reason), text);
+    const Outcome outcome = runTool({"diff", m_a, m_a, "--ignore", "a..b"});
+    QCOMPARE(outcome.code, unknown);
+    QCOMPARE(outcome.messages.count('\n'), 1);
+}
+
+void TstDiff::sheet_shows_each_changed_picture()
+{
+    Files files = sampleFiles();
+    QImage red({640, 360}, QImage::Format_ARGB32);
+    red.fill(Qt::red);
+    files["BKG/BKG_1.png"] = pngOf(red);
+    QVERIFY(writePackage(m_a, files));
+    red.setPixel(0, 0, qRgb(0, 255, 0));
+    files["BKG/BKG_1.png"] = pngOf(red);
+    files["BKG/BKG_2.png"] = pngOf(pictureOf({4, 5}, 1));
+    QVERIFY(writePackage(m_b, files));
+
+    const Outcome outcome = runTool({"diff", m_a, m_b, "--sheet", path("sheet.png")});
+    QCOMPARE(outcome.code, no);
+    QVERIFY2(outcome.out.contains("by at most 255 of 255 (row 1 of the sheet)\n"), outcome.out);
+    QVERIFY2(outcome.out.contains("9 x 16 -> 4 x 5 pixels (row 2 of the sheet)\n"), outcome.out);
+    const QImage sheet(path("sheet.png"));
+    constexpr QPoint first(8, 8);
+    constexpr int column = 328;
+    QCOMPARE(sheet.size(), QSize(8 + 3 * column, 8 + 2 * 188));
+    QCOMPARE(sheet.pixelColor(first + QPoint(100, 100)), QColor(Qt::red));
+    QCOMPARE(sheet.pixelColor(first + QPoint(column + 100, 100)), QColor(Qt::red));
+    // The one pixel of 640 x 360 that differs is seen in the third cell, which is half as wide.
+    QCOMPARE(sheet.pixelColor(first + QPoint(2 * column, 0)), QColor(Qt::white));
+    QCOMPARE(sheet.pixelColor(first + QPoint(2 * column + 1, 0)), QColor(Qt::black));
+}
+
+void TstDiff::sheet_replaces_no_file()
+{
+    const QByteArray old = readFile(m_a);
+    const Outcome outcome = runTool({"diff", m_a, m_a, "--sheet", m_a});
+    QCOMPARE(outcome.code, unknown);
+    QCOMPARE(outcome.messages, ("corvelpro: " + m_a + ": already exists\n").toUtf8());
+    QCOMPARE(readFile(m_a), old);
+}
+
+void TstDiff::sheet_is_whole_or_missing()
+{
+    const Outcome none = runTool({"diff", m_a, m_a, "--sheet", path("sheet.png")});
+    QCOMPARE(none.code, yes);
+    QCOMPARE(none.messages, QByteArray("corvelpro: no picture has changed, so there is no sheet\n"));
+
+    Files files = sampleFiles();
+    files["BKG/BKG_1.png"] = pngOf(pictureOf({16, 9}, 9));
+    QVERIFY(writePackage(m_b, files));
+    const QStringList before = namesIn(m_dir->path());
+    QCOMPARE(runTool({"diff", m_a, m_b, "--sheet", path("gone/sheet.png")}).code, unknown);
+    {
+        const FullDisk disk(100);
+        QCOMPARE(runTool({"diff", m_a, m_b, "--sheet", path("sheet.png")}).code, unknown);
+    }
+    QCOMPARE(namesIn(m_dir->path()), before);
+}
+
+void TstDiff::damage_is_never_equal_data()
+{
+    QTest::addColumn<QByteArray>("package");
+    const auto preset = [] { return packed(sampleFiles()).file("Preset/9.RPst", "a preset"); };
+    QTest::newRow("a wrong CRC") << preset().claimCrc(1).record("a", "").build();
+    QTest::newRow("a wrong size") << preset().claimSize(1).record("a", "").build();
+    QTest::newRow("an unknown method") << preset().claimMethod(99).record("a", "").build();
+    QTest::newRow("encrypted") << preset().claimFlags(1).record("a", "").build();
+    QTest::newRow("a link")
+        << packed(sampleFiles()).symbolicLink("Preset/9.RPst", "/etc/passwd").record("a", "").build();
+    QTest::newRow("an unsafe name") << packed(sampleFiles()).file("../x", "x").record("a", "").build();
+    QTest::newRow("no archive") << QByteArray("text");
+    QTest::newRow("cut") << preset().record("a", "").build().chopped(300);
+    QByteArray directory = preset().record("a", "").build();
+    directory[directory.lastIndexOf("PK\x01\x02")] = 'X';
+    QTest::newRow("a damaged directory") << directory;
+}
+
+void TstDiff::damage_is_never_equal()
+{
+    QFETCH(QByteArray, package);
+    QVERIFY(writeFile(m_a, package));
+    QVERIFY(writeFile(m_b, package));
+    const QStringList lines = compared(m_a, m_b);
+    QVERIFY2(lines == QStringList({"unreadable Preset/9.RPst of A", "unreadable Preset/9.RPst of B"}) ||
+                 lines == QStringList({"unreadable ../x of A", "unreadable ../x of B"}) ||
+                 lines.value(0).startsWith("not open: " + m_b),
+             qPrintable(lines.join('\n')));
+    const Outcome outcome = runTool({"diff", "--json", m_a, m_b});
+    QCOMPARE(outcome.code, unknown);
+    QVERIFY(outcome.out.isEmpty() || outcome.json()["result"] == "unknown");
+    QVERIFY(!outcome.messages.isEmpty());
+}
+
+void TstDiff::damage_is_named_on_its_side()
+{
+    // The same bytes, but the CRC says that they are not what was packed.
+    QVERIFY(packed(sampleFiles()).file("Preset/9.RPst", "a preset").record("a", "").write(m_a));
+    QVERIFY(packed(sampleFiles()).file("Preset/9.RPst", "a preset").claimCrc(1).record("b", "").write(m_b));
+    QCOMPARE(compared(m_a, m_b), QStringList{"unreadable Preset/9.RPst of B"});
+    QCOMPARE(compared(m_b, m_a), QStringList{"unreadable Preset/9.RPst of A"});
+    const Outcome outcome = runTool({"diff", m_b, m_a});
+    QCOMPARE(outcome.code, unknown);
+    QCOMPARE(outcome.messages, ("corvelpro: " + m_b + ": cannot read Preset/9.RPst: its CRC is wrong\n").toUtf8());
+    QVERIFY2(!outcome.out.contains("equal"), outcome.out);
+}
+
+void TstDiff::what_is_no_package_is_one_line()
+{
+    QVERIFY(QProcess::execute("mkfifo", {path("pipe")}) == 0);
+    for (const QString &other : {path("gone"), path("pipe"), QString("/dev/null"), m_a + "/x"}) {
+        for (const QStringList &sides : {QStringList{m_a, other}, QStringList{other, m_a}}) {
+            const Outcome outcome = runTool(QStringList{"diff"} + sides);
+            QCOMPARE(outcome.code, unknown);
+            QCOMPARE(outcome.out, QByteArray());
+            QCOMPARE(outcome.messages.count('\n'), 1);
+            QVERIFY2(outcome.messages.contains(other.toUtf8()), outcome.messages);
+        }
+    }
+}
+
+TEST_MAIN_CORE(TstDiff)
+#include "tst_diff.moc"
