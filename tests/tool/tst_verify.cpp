@@ -100,6 +100,7 @@ private slots:
     void hostile_packages_end_with_a_verdict();
     void undecided_parts_are_named();
     void lines_name_file_entry_and_offset();
+    void findings_beyond_the_thousandth_are_counted();
     void what_is_no_plain_file_is_unknown();
     void progress_is_shown_on_a_terminal();
 
@@ -425,6 +426,18 @@ void TstVerify::lines_name_file_entry_and_offset()
                      "%4: sound (2 entries, 1 picture, %5 bytes)\n")
                  .arg(bad, QString::number(offset), QString(size), good, QString::number(QFileInfo(good).size())));
     QCOMPARE(outcome.messages, QByteArray());
+}
+
+void TstVerify::findings_beyond_the_thousandth_are_counted()
+{
+    PackageBuilder builder = small();
+    for (int number = 0; number < 1003; ++number)
+        builder.file(QByteArray::number(number), "a").claimCrc(1);
+    const QString bad = write("bad", sealed(builder));
+    const QList<QByteArray> lines = runTool({"verify", bad}).out.split('\n');
+    QCOMPARE(lines.size(), 1000 + 3);
+    QCOMPARE(lines.at(1000), (bad + ": and 3 more").toUtf8());
+    QVERIFY(lines.at(1001).startsWith((bad + ": 1003 findings (").toUtf8()));
 }
 
 void TstVerify::what_is_no_plain_file_is_unknown()

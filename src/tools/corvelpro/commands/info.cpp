@@ -53,7 +53,7 @@ void print(const PackageSummary &package, Output &output)
                     .arg(package.description(), package.descriptionProblem().isEmpty()
                                                     ? QString()
                                                     : QStringLiteral(" (%1)").arg(package.descriptionProblem())));
-    const QJsonObject members = package.members();
+    const QJsonObject &members = package.members();
     for (auto member = members.begin(); member != members.end(); ++member)
         output.line(QStringLiteral("  %1: %2").arg(member.key(), valueOf(*member)));
     QVector<QStringList> pictures;

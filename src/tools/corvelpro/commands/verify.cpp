@@ -44,6 +44,8 @@ void print(const QString &file, const Verification &verification, Output &output
     const Findings &findings = verification.findings();
     for (const Finding &finding : findings.damage())
         output.line(QStringLiteral("%1: %2%3").arg(file, placeOf(finding), finding.text));
+    if (findings.damageCount() > findings.damage().size())
+        output.line(QStringLiteral("%1: and %2 more").arg(file).arg(findings.damageCount() - findings.damage().size()));
     for (const Finding &finding : findings.unknown())
         output.line(QStringLiteral("%1: %2not known: %3").arg(file, placeOf(finding), finding.text));
     const QString read = QStringLiteral("%1, %2, %3")
