@@ -62,7 +62,7 @@ private:
         return WarningGuard::texts(QtDebugMsg).filter(QRegularExpression("failed:|^Not "));
     }
     static void run(QThread &job);
-    /// Returns a complaint unless exactly one line contains both.
+    /// Returns a complaint unless there is exactly one line, which contains the path and ends with the cause.
     static QString wrongIn(const QStringList &lines, const QString &path, const QString &cause);
 
     QTemporaryDir m_packages;
@@ -78,7 +78,7 @@ void TstFailureLog::run(QThread &job)
 
 QString TstFailureLog::wrongIn(const QStringList &lines, const QString &path, const QString &cause)
 {
-    const bool isRight = lines.size() == 1 && lines.first().contains(path) && lines.first().contains(cause);
+    const bool isRight = lines.size() == 1 && lines.first().contains(path) && lines.first().endsWith(cause);
     return isRight ? QString()
                    : QStringLiteral("not one line with \"%1\" and \"%2\", but: %3").arg(path, cause, lines.join('\n'));
 }
@@ -93,18 +93,19 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
     const auto row = [](const char *name, int code, const QString &where, const QString &cause, const SaveStep &step) {
         QTest::newRow(name) << step << code << where << cause;
     };
-    row("a background does not come", BackupExportBkgFailed, "Opening", "did not send",
+    row("a background does not come", BackupExportBkgFailed, "the device did not send", "the background Opening",
         [](CustomSite &, EngineerDocBackup &) { Faults::instance()->arm(queryMaterailData, Fault::fail()); });
-    row("an offline device lacks a picture", BackupOfflineResourceIncomplete, offlineIp, "pictures are missing",
-        [](CustomSite &site, EngineerDocBackup &job) {
+    row("an offline device lacks a picture", BackupOfflineResourceIncomplete, "pictures are missing in",
+        QString("devices/") + offlineIp, [](CustomSite &site, EngineerDocBackup &job) {
             job.setDeviceIp(offlineIp);
             QDir(site.devicePath(offlineIp) + "/BKG").removeRecursively();
         });
-    row("no device", BackupGetDeviceFailed, "10.0.0.99", "there is no device",
+    row("no device", BackupGetDeviceFailed, "Save failed: ", "there is no device 10.0.0.99",
         [](CustomSite &, EngineerDocBackup &job) { job.setDeviceIp("10.0.0.99"); });
-    row("a preset is not serialised", BackupEncryptFailed, "Device 11", "could not be serialised",
+    row("a preset is not serialised", BackupEncryptFailed,
+        "Save failed: ", "preset 1 of Device 11 could not be serialised",
         [](CustomSite &, EngineerDocBackup &) { Faults::instance()->arm(presetFullDetail2Binary, Fault::fail()); });
-    row("a file in the folder's place", BackupEncryptFailed, "/projects", "cannot create the folder",
+    row("a file in the folder's place", BackupEncryptFailed, "cannot create the folder", "/projects: File exists",
         [](CustomSite &site, EngineerDocBackup &job) {
             QVERIFY(writeFile(site.path() + "/projects", "a file"));
             job.setProjectPath(site.path() + "/projects/");
@@ -115,7 +116,7 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
         [](CustomSite &site, EngineerDocBackup &) {
             QVERIFY(QDir().mkpath(site.path() + "/projects/show.corvelpro"));
         });
-    row("a pipe among the files", BackupEncryptFailed, onlineIp + "/pipe", "not a plain file",
+    row("a pipe among the files", BackupEncryptFailed, onlineIp + "/pipe", "it is not a plain file, or cannot be read",
         [](CustomSite &site, EngineerDocBackup &) {
             QVERIFY(QDir().mkpath(site.devicePath(onlineIp)));
             ::mkfifo(QFile::encodeName(site.devicePath(onlineIp) + "/pipe").constData(), 0600);
@@ -151,40 +152,46 @@ void TstFailureLog::a_refused_apply_leaves_one_line_data()
     };
     const PackageStep none = [](PackageBuilder &) {};
     row("no device", "10.0.0.99", LoadGetDeviceFailed, "there is no device 10.0.0.99", none);
-    row("a wrong checksum", onlineIp, LoadSuccess, "its record says",
+    row("a wrong checksum", onlineIp, LoadSuccess, "its record says \"0\"",
         [](PackageBuilder &package) { package.recordWithChecksum("0", "show", "x"); });
-    row("no record", onlineIp, LoadSuccess, "not an info record",
+    row("no record", onlineIp, LoadSuccess, "the archive's comment is not an info record",
         [](PackageBuilder &package) { package.archiveComment("x"); });
-    row("no description", onlineIp, LoadJsonFileError, "no device description",
+    row("no description", onlineIp, LoadJsonFileError,
+        "there is no device description, or the archive's directory is damaged",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.txt", "x"); });
-    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or not JSON",
+    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or not JSON: illegal value",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.json", "no JSON"); });
-    row("another model", onlineIp, LoadDeviceTypeMismatch, "model ID is 400",
+    row("another model", onlineIp, LoadDeviceTypeMismatch, "the package's model ID is 400, the device's 1600",
         [](PackageBuilder &package) { package = packageOf(plainDevice(sourceIp, otherModel)); });
-    row("other cards", onlineIp, LoadCardMismatch, "slots", [](PackageBuilder &package) {
-        HardwareState state = plainDevice(sourceIp);
-        state.cards.removeLast();
-        package = packageOf(state);
-    });
-    row("a newer protocol", onlineIp, LoadProtocolVersionMismatch, "protocol number is 9.5",
+    row("other cards", onlineIp, LoadCardMismatch, "the package has 2 slots, the device 3, or the cards in them differ",
         [](PackageBuilder &package) {
+            HardwareState state = plainDevice(sourceIp);
+            state.cards.removeLast();
+            package = packageOf(state);
+        });
+    row("a newer protocol", onlineIp, LoadProtocolVersionMismatch,
+        "the package's protocol number is 9.5, the device's 2.4", [](PackageBuilder &package) {
             HardwareState state = plainDevice(sourceIp);
             state.protocolNumber = 9.5;
             package = packageOf(state);
         });
-    row("a damaged picture", onlineIp, LoadDecompressFailed, "LOGO/LOGO_2.png",
+    row("a damaged picture", onlineIp, LoadDecompressFailed, "extracted/LOGO/LOGO_2.png: its CRC is wrong",
         [](PackageBuilder &package) { package.claimCrc(1); });
-    row("no picture", onlineIp, LoadImageContentError, "BKG/BKG_9.png",
+    row("no picture", onlineIp, LoadImageContentError,
+        "the picture BKG/BKG_9.png: it cannot be read, is not a PNG, or is larger than 268435456 bytes",
         [](PackageBuilder &package) { package.file("BKG/BKG_9.png", "text"); });
-    row("a picture without a place", onlineIp, LoadGalleryFileError, "BKG/BKG_9.png has no place",
+    row("a picture without a place", onlineIp, LoadGalleryFileError,
+        "the picture BKG/BKG_9.png has no place in the description, or its place has another size",
         [](PackageBuilder &package) {
             package.file("BKG/BKG_9.png", pngOf(noisePicture({4, 4}, 9)));
         });
-    row("a cut picture", onlineIp, LoadGalleryFileError, "cannot decode BKG/BKG_1.png", [](PackageBuilder &package) {
-        const HardwareState state = richDevice(sourceIp);
-        const QByteArray png = pngOf(state.backgrounds.value(1).pixels);
-        package = PackageBuilder().file("a.json", descriptionOf(state)).file("BKG/BKG_1.png", png.left(png.size() / 2));
-    });
+    row("a cut picture", onlineIp, LoadGalleryFileError, "cannot decode BKG/BKG_1.png: Unable to read image data",
+        [](PackageBuilder &package) {
+            const HardwareState state = richDevice(sourceIp);
+            const QByteArray png = pngOf(state.backgrounds.value(1).pixels);
+            package =
+                PackageBuilder().file("a.json", descriptionOf(state)).file("BKG/BKG_1.png", png.left(png.size() / 2));
+        });
 }
 
 void TstFailureLog::a_refused_apply_leaves_one_line()
@@ -298,7 +305,7 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     book.expectFileDialog("Project file", {broken});
     book.expectWarning("Warning", QStringLiteral("The file[%1] context is invalid.").arg(broken));
     QVERIFY(click(panel.importProject()));
-    QCOMPARE(wrongIn(logged(), broken, "not a zip archive"), QString());
+    QCOMPARE(wrongIn(logged(), broken, "is not a zip archive, or is incomplete"), QString());
 
     book.expectFileDialog("Project file", {show});
     book.expectWarning("Warning", "Import project file [show] failed");
@@ -308,7 +315,7 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     book.expectFileDialog("Project file", {broken});
     book.expectWarning("Remind", "The file does not exist or the file format is incorrect.");
     QVERIFY(click(panel.applyOthers()));
-    QCOMPARE(wrongIn(logged(), broken, "not a zip archive"), QString());
+    QCOMPARE(wrongIn(logged(), broken, "is not a zip archive, or is incomplete"), QString());
 
     QVERIFY(writeFile(elsewhere.filePath("show.corvelpro"), "taken"));
     book.expectFileDialog("choose Des Directory", {elsewhere.path()});

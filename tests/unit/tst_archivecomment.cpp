@@ -134,7 +134,8 @@ void TstArchiveComment::a_missing_file_is_logged()
     const bool found = ZipPackageHandle::getZipFileEngineerInfo(info);
     qInstallMessageHandler(old);
     QVERIFY(!found);
-    QVERIFY2(logged.startsWith("0|File is not exist|src/plugins/projectfilecfg/zippackagehandle"), qPrintable(logged));
+    QVERIFY2(logged.startsWith("0|File is not exist|src/plugins/projectfilecfg/zippackagehandle.cpp|"),
+             qPrintable(logged));
     QVERIFY2(logged.contains("getZipFileEngineerInfo("), qPrintable(logged));
 }
 

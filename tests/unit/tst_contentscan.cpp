@@ -141,8 +141,12 @@ void TstContentScan::texts_are_counted_to_their_limit_data()
     const int most = 4 * 1024 * 1024 - 12;
     QTest::newRow("text of 4 MiB") << PngMaker::chunk("tEXt", QByteArray(most, 'x')) << false;
     QTest::newRow("text above 4 MiB") << PngMaker::chunk("tEXt", QByteArray(most + 1, 'x')) << true;
+    QTest::newRow("a first letter") << PngMaker::chunk("aaAa", QByteArray(most + 1, 'x')) << true;
+    QTest::newRow("a last letter") << PngMaker::chunk("zzZz", QByteArray(most + 1, 'x')) << true;
     QTest::newRow("four packed texts") << PngMaker::chunk("zTXt", "x").repeated(4) << false;
-    QTest::newRow("five packed texts") << PngMaker::chunk("iTXt", "x").repeated(5) << true;
+    QTest::newRow("five packed texts") << PngMaker::chunk("zTXt", "x").repeated(5) << true;
+    QTest::newRow("five international texts") << PngMaker::chunk("iTXt", "x").repeated(5) << true;
+    QTest::newRow("five profiles") << PngMaker::chunk("iCCP", "x").repeated(5) << true;
     QTest::newRow("texts behind the end") << PngMaker::end() + PngMaker::chunk("iCCP", "x").repeated(5) << false;
     QTest::newRow("pixels") << PngMaker::chunk("IDAT", QByteArray(most + 1, 'x')) << false;
 }
