@@ -335,7 +335,13 @@ class Campaign:
                 if test[0][4:] in self.near[number]:
                     kills += 40     # tst_x is the program for x
                 return (1 + kills) / (0.05 + self.seconds[test])
-            order = sorted(tests, key=worth, reverse=True)
+            worths, rows = {}, collections.Counter()
+            for test in sorted(tests, key=worth, reverse=True):
+                # A second row of a function tells less than another function.
+                function = (test[0], test[1].split(":")[0])
+                rows[function] += 1
+                worths[test] = worth(test) / rows[function]
+            order = sorted(tests, key=worths.get, reverse=True)
         worker, spent, passed_over = self.idle.get(), 0.0, 0
         began, asked, share = time.monotonic(), 0.0, 1.0
         try:

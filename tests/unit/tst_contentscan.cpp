@@ -93,6 +93,8 @@ void TstContentScan::non_picture_reports_nothing_data()
     QTest::addColumn<bool>("isPng");
     QTest::newRow("nothing") << QByteArray() << false;
     QTest::newRow("text") << QByteArray("this is a text, and no picture at all") << false;
+    QTest::newRow("another signature before a header")
+        << PngMaker::blank(10, 8).replace(0, 8, "\x89PNG\r\n\x1a\r") << false;
     QTest::newRow("cut in the signature") << PngMaker::signature().left(7) << false;
     QTest::newRow("cut in the header") << PngMaker::blank(10, 8).left(30 - 8) << true;
     QTest::newRow("header too late") << PngMaker::signature() + PngMaker::chunk("tEXt", "x") + PngMaker::header(10, 8)

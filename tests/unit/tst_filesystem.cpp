@@ -193,6 +193,7 @@ private slots:
     void old_file_is_removed_after_flushing_the_name();
     void foreign_file_at_the_fragments_name_is_kept();
     void file_identity_survives_edits_and_renames();
+    void files_of_two_disks_are_never_the_same();
     void used_number_is_not_assigned_again();
     void creating_a_folder_flushes_its_parent();
     void existing_folder_is_not_flushed();
@@ -557,6 +558,16 @@ void TstFileSystem::file_identity_survives_edits_and_renames()
     QVERIFY(!nothing.isAt(path("renamed")));
 }
 
+void TstFileSystem::files_of_two_disks_are_never_the_same()
+{
+    struct stat one;
+    struct stat other;
+    if (::stat("/proc", &one) != 0 || ::stat("/sys", &other) != 0 || one.st_ino != other.st_ino)
+        QSKIP("The roots of two file systems have different numbers here");
+    QVERIFY(FileSystem::FileIdentity("/proc").isAt("/proc"));
+    QVERIFY(!FileSystem::FileIdentity("/proc").isAt("/sys"));
+}
+
 void TstFileSystem::used_number_is_not_assigned_again()
 {
     // Some file systems reuse the inode number of a removed file immediately.
@@ -607,6 +618,7 @@ void TstFileSystem::no_handle_is_left_open()
     for (int i = 0; i < 10; ++i) {
         QVERIFY(replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
         QVERIFY(FileSystem::flushTree(m_dir->path()));
+        QCOMPARE(FileSystem::openToChange("/dev/null"), -1);
     }
     QCOMPARE(openHandles(), before);
 }

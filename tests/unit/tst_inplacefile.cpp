@@ -88,6 +88,7 @@ private slots:
     void crash_leaves_the_old_or_new_tail_data();
     void crash_leaves_the_old_or_new_tail();
     void next_edit_finishes_an_interrupted_one();
+    void what_cannot_be_undone_keeps_its_record();
     void scan_finishes_interrupted_edits();
     void scan_finishes_interrupted_edit_behind_a_link();
     void a_renamed_file_is_found();
@@ -392,6 +393,24 @@ void TstInPlaceFile::next_edit_finishes_an_interrupted_one()
     QVERIFY(file.open());
     QVERIFY(readFile(path("file")) == head + before);
     QCOMPARE(contents(m_temp->path()), QStringList{"file"});
+}
+
+void TstInPlaceFile::what_cannot_be_undone_keeps_its_record()
+{
+    leaveCut("file", after.left(10) + before.mid(10));
+    QString reason;
+    bool isOpen = true;
+    {
+        InPlaceFile file(path("file"));
+        const FullDisk disk(100);
+        isOpen = file.open(&reason);
+    }
+    QVERIFY(!isOpen);
+    QVERIFY2(reason.startsWith("cannot write the end of " + path("file")), qPrintable(reason));
+    QVERIFY(QFile::exists(UndoRecord::pathFor(path("file"))));
+    // With room again it is undone.
+    QVERIFY(InPlaceFile(path("file")).open());
+    QVERIFY(readFile(path("file")) == head + before);
 }
 
 void TstInPlaceFile::scan_finishes_interrupted_edits()

@@ -131,6 +131,10 @@ void TstPackageLayout::invalid_utf8_bytes_are_percent_escaped_data()
                                    << QStringList{"Preset/%FF.RPst", "Preset/%FE.RPst", "Preset/%C3.RPst"};
     QTest::newRow("characters among them")
         << Names{"\xC3\xA4\xC3\xE5\x9B\xBE"} << QStringList{QString::fromUtf8("\xC3\xA4%C3\xE5\x9B\xBE")};
+    QTest::newRow("behind characters of every size")
+        << Names{"\xDF\xBF\xFF", "\xE0\xA4\x85\xFF", "\xEF\xBF\xBD\xFF", "\xF0\x9F\x8E\xAC\xFF"}
+        << QStringList{QString::fromUtf8("\xDF\xBF%FF"), QString::fromUtf8("\xE0\xA4\x85%FF"),
+                       QString::fromUtf8("\xEF\xBF\xBD%FF"), QString::fromUtf8("\xF0\x9F\x8E\xAC%FF")};
     QTest::newRow("beside one that looks like it") << Names{"%FF", "\xFF", "%"} << QStringList{"%FF", "%%FF", "%"};
     QTest::newRow("percent sign in front") << Names{"%\xFF", "\xFF%"} << QStringList{"%%%FF", "%%FF%"};
     QTest::newRow("separator written too long") << Names{"..\xC0\xAFx"} << QStringList{"..%C0%AFx"};

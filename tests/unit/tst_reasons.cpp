@@ -383,6 +383,8 @@ void TstReasons::an_entry_that_is_not_extracted_says_why()
     QString extracting;
     QCOMPARE(package.extractFile(entry, path("out/") + entry, &extracting), QString());
     QCOMPARE(missingIn(extracting, path("out/") + entry, cause), QString());
+    QCOMPARE(package.extractFile("file/below", path("out/"), &extracting), QString());
+    QCOMPARE(missingIn(extracting, path("out/"), ": the destination is a folder"), QString());
 }
 
 void TstReasons::a_missing_description_is_a_reason()
@@ -403,6 +405,9 @@ void TstReasons::a_package_that_is_not_copied_says_why()
     QString reason;
     QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}, &reason), PackageSnapshot::Outcome::Unreadable);
     QCOMPARE(missingIn(reason, path("missing"), "No such file or directory"), QString());
+    // A plain file whose first byte cannot be read.
+    QCOMPARE(snapshot.take("/proc/self/mem", {m_temp->path()}, &reason), PackageSnapshot::Outcome::Unreadable);
+    QCOMPARE(reason, QString("cannot read /proc/self/mem: Input/output error"));
     QVERIFY(writeFile(path("show.corvelpro"), noise(MiB)));
     QCOMPARE(snapshot.take(path("show.corvelpro"), {path("no/folder")}, &reason), PackageSnapshot::Outcome::NoRoom);
     QCOMPARE(missingIn(reason, path("show.corvelpro"), "No such file or directory"), QString());
