@@ -30,6 +30,8 @@ namespace {
 /// What happens elsewhere the next time that this thread sleeps, or a file is to be flushed.
 std::function<void()> s_whileAsleep;
 std::function<void()> s_beforeFlush;
+/// The error with which flushing fails.
+int s_flushError = 0;
 
 void runOnce(std::function<void()> &action)
 {
@@ -56,7 +58,8 @@ extern "C" Q_DECL_EXPORT int clock_nanosleep(clockid_t clock, int flags, const t
 extern "C" Q_DECL_EXPORT int fsync(int handle)
 {
     runOnce(s_beforeFlush);
-    return int(syscall(SYS_fsync, handle));
+    errno = s_flushError;
+    return s_flushError == 0 ? int(syscall(SYS_fsync, handle)) : -1;
 }
 
 /// Changing the end of a file in place, and recovery from an interrupted change.
@@ -73,6 +76,7 @@ private slots:
     void special_files_are_not_opened();
     void a_link_is_followed_and_stays();
     void a_full_disk_leaves_the_old_tail();
+    void a_tail_that_is_not_flushed_is_taken_back();
     void changing_a_removed_file_fails();
     void second_writer_is_refused();
     void a_lock_held_for_a_moment_is_waited_for();
@@ -96,6 +100,7 @@ private slots:
     void concurrent_changes_by_others_stay();
     void another_file_under_the_name_stays();
     void undo_record_of_a_running_edit_stays();
+    void files_that_only_look_like_records_stay();
     void recovering_brings_the_time_back();
     void the_record_precedes_the_change();
 
@@ -200,6 +205,20 @@ void TstInPlaceFile::a_full_disk_leaves_the_old_tail()
         QVERIFY(readFile(path("file")) == head + before);
         QCOMPARE(contents(m_temp->path()), QStringList{"file"});
     }
+}
+
+void TstInPlaceFile::a_tail_that_is_not_flushed_is_taken_back()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    InPlaceFile file(path("file"));
+    QVERIFY(file.open());
+    QString reason;
+    s_flushError = EIO;
+    const bool isReplaced = file.replaceTail(head.size(), after, &reason);
+    s_flushError = 0;
+    QVERIFY(!isReplaced);
+    QCOMPARE(reason, QStringLiteral("cannot write the end of %1: Input/output error").arg(path("file")));
+    QVERIFY(readFile(path("file")) == head + before);
 }
 
 void TstInPlaceFile::changing_a_removed_file_fails()
@@ -511,6 +530,16 @@ void TstInPlaceFile::undo_record_of_a_running_edit_stays()
     InPlaceFile::recoverFile(path("file"));
     QVERIFY(readFile(path("file")) == head + torn);
     QCOMPARE(contents(m_temp->path()).filter(".undo").size(), 1);
+}
+
+void TstInPlaceFile::files_that_only_look_like_records_stay()
+{
+    QFile file(path(".notes.undo"));
+    QVERIFY(writeFile(file.fileName(), "of another program"));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+    InPlaceFile::recover(m_temp->path());
+    QCOMPARE(contents(m_temp->path()), QStringList{".notes.undo"});
 }
 
 void TstInPlaceFile::recovering_brings_the_time_back()

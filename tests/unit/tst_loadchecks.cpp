@@ -32,6 +32,7 @@ private slots:
     void wrong_checksum_fails_with_success_code();
     void a_right_checksum_passes();
     void an_unknown_target_is_refused();
+    void without_a_package_no_device_is_checked();
     void a_huge_description_is_refused_data();
     void a_huge_description_is_refused();
     void a_package_without_description_is_refused();
@@ -105,6 +106,35 @@ void TstLoadChecks::a_right_checksum_passes()
 void TstLoadChecks::an_unknown_target_is_refused()
 {
     QCOMPARE(check(packageOf(plainDevice(sourceIp)), QStringLiteral("10.0.0.99")), int(LoadGetDeviceFailed));
+}
+
+void TstLoadChecks::without_a_package_no_device_is_checked()
+{
+    const auto checked = [](const QString &path) {
+        EngineerDocLoad job(nullptr);
+        job.setDeviceIp(onlineIp);
+        job.setPackagePath(path);
+        WarningGuard::clear();
+        return job.checkDevice() ? QStringLiteral("passed")
+                                 : QString::number(job.resultCode()) + ' ' + WarningGuard::texts(QtDebugMsg).join('|');
+    };
+    const auto failure = [](LoadResultCode code, const QString &path, const QString &cause) {
+        return QStringLiteral("%1 Apply of %2 failed: %3").arg(code).arg(path, cause);
+    };
+    const QString missing = m_packages.filePath("missing.corvelpro");
+    QCOMPARE(checked(missing),
+             failure(LoadJsonFileError, missing, "cannot open " + missing + ": No such file or directory"));
+    const QString renamed = write(packageOf(plainDevice(sourceIp)), "show.zip");
+    QCOMPARE(checked(renamed), failure(LoadJsonFileError, renamed, "it does not have the extension of a package"));
+    const QString package = write(packageOf(plainDevice(sourceIp)));
+    QCOMPARE(checked(package), QString("passed"));
+    QString answer;
+    {
+        const FullDisk disk(100);
+        answer = checked(package);
+    }
+    QVERIFY2(answer.startsWith(failure(LoadDecompressFailed, package, "no room for a copy of " + package)),
+             qPrintable(answer));
 }
 
 void TstLoadChecks::a_huge_description_is_refused_data()
