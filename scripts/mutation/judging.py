@@ -321,6 +321,8 @@ class Campaign:
             self.kills[where, (name, test)] += 1
             self.kills[where, (name, test.split(":")[0])] += 1
             self.kills[mutant.file, (name, test)] += 1
+            self.kills[mutant.file, name] += 1
+            self.kills[mutant.file] += 1
 
     def judge(self, mutant, number, where):
         """(verdict, detail, seconds): killed or survived."""
@@ -331,7 +333,8 @@ class Campaign:
             def worth(test):
                 function = (test[0], test[1].split(":")[0])
                 kills = 20 * self.kills[where, test] + 2 * self.kills[mutant.file, test] + \
-                    4 * (self.kills[where, function] > 0)
+                    4 * (self.kills[where, function] > 0) + \
+                    10 * self.kills[mutant.file, test[0]] / (1 + self.kills[mutant.file])
                 if test[0][4:] in self.near[number]:
                     kills += 40     # tst_x is the program for x
                 return (1 + kills) / (0.05 + self.seconds[test])

@@ -229,6 +229,12 @@ void TstPanelKeyboard::focus_of_a_deleted_row_goes_to_the_next()
 void TstPanelKeyboard::focus_stays_with_its_project()
 {
     listThree();
+    for (const int row : {0, 2}) {
+        QWidget *button = m_panel->rowButtons(row).at(2);
+        button->setFocus(Qt::TabFocusReason);
+        m_panel->rescan();
+        QCOMPARE(QApplication::focusWidget(), button);
+    }
     m_panel->rowButtons(2).at(1)->setFocus(Qt::TabFocusReason);
     QVERIFY(makeOld(projectFile(QStringLiteral("Old")), 1));
     m_panel->rescan();

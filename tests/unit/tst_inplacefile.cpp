@@ -93,6 +93,7 @@ private slots:
     void crash_leaves_the_old_or_new_tail();
     void next_edit_finishes_an_interrupted_one();
     void what_cannot_be_undone_keeps_its_record();
+    void a_record_that_stays_refuses_the_edit();
     void scan_finishes_interrupted_edits();
     void scan_finishes_interrupted_edit_behind_a_link();
     void a_renamed_file_is_found();
@@ -269,7 +270,9 @@ void TstInPlaceFile::a_tail_of_128_kib_can_be_replaced()
         QVERIFY(file.open());
         QCOMPARE(file.replaceTail(head.size(), after), size == longest);
         QVERIFY(readFile(path("file")) == head + (size == longest ? after : tail));
-        QVERIFY(!file.replaceTail(head.size() + size + 1, after));
+        QString reason;
+        QVERIFY(!file.replaceTail(head.size() + size + 1, after, &reason));
+        QCOMPARE(reason, QStringLiteral("cannot read the end of %1: Unknown error").arg(path("file")));
         QCOMPARE(contents(m_temp->path()), QStringList{"file"});
     }
 }
@@ -429,6 +432,25 @@ void TstInPlaceFile::what_cannot_be_undone_keeps_its_record()
     QVERIFY(QFile::exists(UndoRecord::pathFor(path("file"))));
     // With room again it is undone.
     QVERIFY(InPlaceFile(path("file")).open());
+    QVERIFY(readFile(path("file")) == head + before);
+}
+
+void TstInPlaceFile::a_record_that_stays_refuses_the_edit()
+{
+    leaveCut("file", after.left(10) + before.mid(10));
+    QCOMPARE(run("chmod", {"a+rwX", path("file"), UndoRecord::pathFor(path("file"))}).exitCode, 0);
+    QCOMPARE(run("chmod", {"a=rx", m_temp->path()}).exitCode, 0);
+    QString reason;
+    bool isOpen = true;
+    {
+        const OrdinaryUser user;
+        isOpen = InPlaceFile(path("file")).open(&reason);
+    }
+    QCOMPARE(run("chmod", {"u+w", m_temp->path()}).exitCode, 0);
+    QVERIFY(!isOpen);
+    QCOMPARE(
+        reason,
+        QStringLiteral("cannot remove the undo record %1: Permission denied").arg(UndoRecord::pathFor(path("file"))));
     QVERIFY(readFile(path("file")) == head + before);
 }
 

@@ -1,5 +1,6 @@
 #include "loadtesting.h"
 
+#include <core/icore.h>
 #include <model/deviceconfigmanager.h>
 #include <model/deviceeditor.h>
 
@@ -33,6 +34,7 @@ private slots:
     void a_right_checksum_passes();
     void an_unknown_target_is_refused();
     void without_a_package_no_device_is_checked();
+    void the_folder_for_the_copy_is_made();
     void a_huge_description_is_refused_data();
     void a_huge_description_is_refused();
     void a_package_without_description_is_refused();
@@ -135,6 +137,19 @@ void TstLoadChecks::without_a_package_no_device_is_checked()
     }
     QVERIFY2(answer.startsWith(failure(LoadDecompressFailed, package, "no room for a copy of " + package)),
              qPrintable(answer));
+}
+
+void TstLoadChecks::the_folder_for_the_copy_is_made()
+{
+    const QString package = write(packageOf(plainDevice(sourceIp)));
+    QVERIFY(QDir(Core::ICore::ExtractJsonPath()).removeRecursively());
+    const QByteArray temporary = qgetenv("TMPDIR");
+    qputenv("TMPDIR", "/nowhere");
+    EngineerDocLoad job(nullptr);
+    job.setPackagePath(package);
+    const bool isOpen = job.checkPackageFile();
+    qputenv("TMPDIR", temporary);
+    QVERIFY(isOpen);
 }
 
 void TstLoadChecks::a_huge_description_is_refused_data()

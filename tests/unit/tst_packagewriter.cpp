@@ -58,6 +58,7 @@ private slots:
     void more_pixels_than_a_load_takes_are_refused();
     void pictures_of_2_to_the_32_pixels_are_packed();
     void a_description_of_a_million_parts_is_packed();
+    void a_description_that_grows_too_large_is_refused();
     void what_a_killed_process_left_is_not_packed();
     void overlong_names_are_refused();
     void a_full_disk_makes_writing_fail();
@@ -501,6 +502,20 @@ void TstPackageWriter::a_description_of_a_million_parts_is_packed()
     QVERIFY(pack());
     QVERIFY(writeFile(m_dir + "/a.json", "[1" + QByteArray(",1").repeated(most) + "]"));
     QVERIFY(!pack());
+}
+
+void TstPackageWriter::a_description_that_grows_too_large_is_refused()
+{
+    QVERIFY(writeFile(m_dir + "/a.json", "{}"));
+    PackageWriter writer(m_dir, m_archive);
+    QFile archive(m_archive);
+    QVERIFY(writer.scan() && archive.open(QIODevice::ReadWrite));
+    QVERIFY(QFile::resize(m_dir + "/a.json", 16 * MiB));
+    QVERIFY(writer.write(archive));
+    QVERIFY(QFile::resize(m_dir + "/a.json", 16 * MiB + 1));
+    QString reason;
+    QVERIFY(!writer.write(archive, &reason));
+    QCOMPARE(reason, "cannot pack " + m_dir + "/a.json: there are more than 16777216 bytes");
 }
 
 void TstPackageWriter::what_a_killed_process_left_is_not_packed()

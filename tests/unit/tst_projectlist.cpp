@@ -4,6 +4,7 @@
 #include <support/packagebuilder.h>
 #include <support/testmain.h>
 
+#include <QSemaphore>
 #include <QtConcurrentRun>
 
 #include <functional>
@@ -52,6 +53,7 @@ private slots:
     void clearing_removes_every_file_that_it_can();
 
     void held_list_does_not_block_scans();
+    void a_list_held_during_a_scan_stays();
     void list_held_twice_is_free_after_both();
     void scan_waits_for_a_briefly_locked_list();
 
@@ -446,6 +448,33 @@ void TstProjectList::held_list_does_not_block_scans()
     scan();
     QCOMPARE(names(), QStringList{"A"});
     QVERIFY(!m_list->takeMissedScan());
+}
+
+void TstProjectList::a_list_held_during_a_scan_stays()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    scan();
+    QVERIFY(addPackage("B.corvelpro", "b"));
+    QVERIFY(writeFile(m_path + "No package.corvelpro", "text"));
+    // The scan says why it skips the file after it has looked at the list, and before it replaces it.
+    static QSemaphore isHalfway;
+    static QSemaphore isHeld;
+    const QtMessageHandler old = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {
+        isHalfway.release();
+        isHeld.acquire();
+    });
+    std::thread scanning([this] { scan(); });
+    isHalfway.acquire();
+    {
+        const ProjectList::Hold hold(*m_list);
+        isHeld.release();
+        scanning.join();
+        qInstallMessageHandler(old);
+        QCOMPARE(names(), QStringList{"A"});
+    }
+    QVERIFY(m_list->takeMissedScan());
+    scan();
+    QCOMPARE(m_list->listProjects.size(), 2);
 }
 
 void TstProjectList::list_held_twice_is_free_after_both()

@@ -18,6 +18,7 @@
 #include <QtTest>
 
 #include <functional>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -58,6 +59,7 @@ private slots:
     void a_picture_that_is_not_read_says_why_data();
     void a_picture_that_is_not_read_says_why();
     void success_leaves_the_reason_alone();
+    void a_missing_package_is_a_reason();
     void nothing_is_logged_below_the_jobs();
     void a_scan_logs_once_why_it_skips_a_file();
 
@@ -433,6 +435,8 @@ void TstReasons::a_picture_that_is_not_read_says_why_data()
                               << "it is too wide or too high, or has too many texts and profiles";
     QTest::newRow("too many pixels") << PngMaker::signature() + PngMaker::header(900000, 900000) + pixels
                                      << "too much memory";
+    QTest::newRow("as many pixels as there may be")
+        << PngMaker::signature() + PngMaker::header(8192, 6144) + pixels << "Unable to read image data";
     QTest::newRow("no more than a header") << PngMaker::signature() + PngMaker::header(4, 4) << "header is damaged";
     QTest::newRow("cut") << whole.left(whole.size() / 2) << "Unable to read image data";
 }
@@ -468,6 +472,20 @@ void TstReasons::success_leaves_the_reason_alone()
     QCOMPARE(reason, QString());
 }
 
+void TstReasons::a_missing_package_is_a_reason()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path("missing.zip");
+    const QString expected = info.strFilePath + " does not exist";
+    QString reason;
+    QVERIFY(!ZipPackageHandle::getZipFileEngineerInfo(info, &reason));
+    QCOMPARE(std::exchange(reason, QString()), expected);
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(info.strFilePath, &reason));
+    QCOMPARE(std::exchange(reason, QString()), expected);
+    QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
+    QCOMPARE(reason, expected);
+}
+
 void TstReasons::nothing_is_logged_below_the_jobs()
 {
     QString reason;
@@ -500,6 +518,11 @@ void TstReasons::a_scan_logs_once_why_it_skips_a_file()
     QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").write(broken));
     QCOMPARE(logged(), QStringList());
     QCOMPARE(list.listProjects.size(), 2);
+
+    WarningGuard::clear();
+    list.scanProjectFiles(broken + "/below/", list.beginScan());
+    QCOMPARE(WarningGuard::texts(QtDebugMsg),
+             QStringList{"Not listed: cannot create the folder " + broken + ": File exists"});
 }
 
 TEST_MAIN(TstReasons)
