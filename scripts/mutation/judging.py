@@ -335,8 +335,8 @@ class Campaign:
                 kills = 20 * self.kills[where, test] + 2 * self.kills[mutant.file, test] + \
                     4 * (self.kills[where, function] > 0) + \
                     10 * self.kills[mutant.file, test[0]] / (1 + self.kills[mutant.file])
-                if test[0][4:] in self.near[number]:
-                    kills += 40     # tst_x is the program for x
+                if test[0] in self.near[number]:
+                    kills += 40
                 return (1 + kills) / (0.05 + self.seconds[test])
             worths, rows = {}, collections.Counter()
             for test in sorted(tests, key=worth, reverse=True):
