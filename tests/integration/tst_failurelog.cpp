@@ -34,8 +34,10 @@ const QString sourceIp = QStringLiteral("10.0.0.77");
 } // namespace
 
 using SaveStep = std::function<void(CustomSite &site, EngineerDocBackup &job)>;
+using SiteStep = std::function<void(CustomSite &site)>;
 using PackageStep = std::function<void(PackageBuilder &package)>;
 Q_DECLARE_METATYPE(SaveStep)
+Q_DECLARE_METATYPE(SiteStep)
 Q_DECLARE_METATYPE(PackageStep)
 
 /// Every failure logs one line with the path and the cause: docs/diagnosing.md relies on it.
@@ -52,6 +54,8 @@ private slots:
     void a_refused_apply_leaves_one_line();
     void a_failing_apply_logs_one_line_data();
     void a_failing_apply_logs_one_line();
+    void a_check_that_no_longer_holds_is_logged_data();
+    void a_check_that_no_longer_holds_is_logged();
     void success_and_cancelling_leave_no_line();
     void each_operation_of_the_panel_leaves_one_line();
 
@@ -105,6 +109,10 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
     row("a preset is not serialised", BackupEncryptFailed,
         "Save failed: ", "preset 1 of Device 11 could not be serialised",
         [](CustomSite &, EngineerDocBackup &) { Faults::instance()->arm(presetFullDetail2Binary, Fault::fail()); });
+    row("a file in the presets' place", BackupEncryptFailed, "Save failed: ", "/10.0.0.11/Preset/ cannot be created",
+        [](CustomSite &site, EngineerDocBackup &) {
+            QVERIFY(writeFile(site.devicePath(onlineIp) + "/Preset", "a file"));
+        });
     row("a file in the folder's place", BackupEncryptFailed, "cannot create the folder", "/projects: File exists",
         [](CustomSite &site, EngineerDocBackup &job) {
             QVERIFY(writeFile(site.path() + "/projects", "a file"));
@@ -250,6 +258,44 @@ void TstFailureLog::a_failing_apply_logs_one_line()
     WarningGuard::clear();
     Faults::instance()->arm(operation, Fault::fail());
     const ExpectMessage ofTheHost(QtWarningMsg, QRegularExpression("^set slot data failed"), ExpectMessage::AnyNumber);
+    run(job);
+    QCOMPARE(job.resultCode(), code);
+    QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());
+}
+
+void TstFailureLog::a_check_that_no_longer_holds_is_logged_data()
+{
+    QTest::addColumn<SiteStep>("change");
+    QTest::addColumn<QString>("ip");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("cause");
+
+    QTest::newRow("unplugged") << SiteStep([](CustomSite &site) { site->unplug(onlineIp); }) << onlineIp
+                               << int(LoadImportFailed)
+                               << "the device went offline or came online after it was checked";
+    const SiteStep growth = [](CustomSite &site) {
+        QVERIFY(writeFile(site.devicePath(offlineIp) + "/notes", QByteArray()));
+        QVERIFY(QFile::resize(site.devicePath(offlineIp) + "/notes", 5000 * MiB));
+    };
+    QTest::newRow("grown") << growth << offlineIp << int(LoadDecompressFailed)
+                           << "devices/10.0.0.12/ would no longer fit into a package";
+}
+
+void TstFailureLog::a_check_that_no_longer_holds_is_logged()
+{
+    QFETCH(SiteStep, change);
+    QFETCH(QString, ip);
+    QFETCH(int, code);
+    QFETCH(QString, cause);
+    CustomSite site({{plainDevice(onlineIp), true}, {plainDevice(offlineIp), false}});
+    const QString path = m_packages.filePath("show.corvelpro");
+    QVERIFY(packageOf(richDevice(sourceIp)).record("show", "x").write(path));
+    EngineerDocLoad job(nullptr);
+    job.setDeviceIp(ip);
+    job.setPackagePath(path);
+    QVERIFY(job.checkPackageFile() && job.checkDevice());
+    change(site);
+    WarningGuard::clear();
     run(job);
     QCOMPARE(job.resultCode(), code);
     QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());

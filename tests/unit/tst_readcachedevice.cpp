@@ -82,6 +82,7 @@ private slots:
     void reading_past_the_end_returns_nothing();
     void the_last_65577_bytes_are_read_once();
     void a_failing_seek_is_a_failed_read();
+    void an_open_package_can_be_edited();
     void unopened_file_has_no_size();
     void nothing_can_be_written();
     void unreadable_file_is_not_opened();
@@ -185,6 +186,17 @@ void TstReadCacheDevice::a_failing_seek_is_a_failed_read()
     const bool isOpen = another.open(QIODevice::ReadOnly);
     s_seekFails = false;
     QVERIFY(!isOpen);
+    QCOMPARE(another.errorString(), QStringLiteral("cannot read %1: Input/output error").arg(path("bytes")));
+}
+
+void TstReadCacheDevice::an_open_package_can_be_edited()
+{
+    QVERIFY(writeFile(path("bytes"), "bytes"));
+    ReadCacheDevice file(path("bytes"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QFile editor(path("bytes"));
+    QVERIFY(editor.open(QIODevice::ReadWrite));
+    QVERIFY(FileSystem::lock(editor.handle()));
 }
 
 void TstReadCacheDevice::unopened_file_has_no_size()
