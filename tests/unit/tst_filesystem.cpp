@@ -387,7 +387,9 @@ void TstFileSystem::copying_works_without_exclusive_rename()
     s_system.renameToFreeName = error;
     QVERIFY(writeFile(path("from"), "new") && writeFile(path("taken"), "old"));
     QVERIFY(QFile::link(path("missing"), path("link")));
-    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("taken")));
+    QString reason;
+    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("taken"), &reason));
+    QCOMPARE(reason, QStringLiteral("cannot rename %1 to %2: it already exists").arg(path("from"), path("taken")));
     QVERIFY(!FileSystem::renameToFreeName(path("from"), path("link")));
     QCOMPARE(readFile(path("taken")), QByteArray("old"));
     QVERIFY(QFileInfo(path("link")).isSymLink());

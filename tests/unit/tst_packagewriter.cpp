@@ -541,8 +541,11 @@ void TstPackageWriter::overlong_names_are_refused()
         QFile file(branch + '/' + QString::number(number).rightJustified(100, '0'));
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
+    // Exactly the limit.
+    for (qint64 left = 16 * MiB - folders - most * leaf; left > 0; left -= 200)
+        QVERIFY(writeFile(m_dir + '/' + QString::number(left).leftJustified(int(qMin<qint64>(left, 200)), 'x'), {}));
     QVERIFY(pack());
-    QVERIFY(writeFile(branch + '/' + QString(100, 'x'), QByteArray()));
+    QVERIFY(writeFile(m_dir + "/y", QByteArray()));
     QVERIFY2(refusal().endsWith(" bytes of names, the limit is 16777216"), qPrintable(refusal()));
 }
 

@@ -13,6 +13,8 @@
 #include <cerrno>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <functional>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +30,8 @@ QHash<QByteArray, int> s_opened;
 /// The number of reads, and whether seeking fails. On the test's thread only.
 int s_reads = 0;
 bool s_seekFails = false;
+/// Called when a read lock was refused.
+std::function<void()> s_onRefusedReader;
 
 } // namespace
 
@@ -51,6 +55,17 @@ off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
 }
 
 } // namespace
+
+extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
+{
+    static const auto original = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "flock"));
+    const int result = original(handle, operation);
+    const int error = errno;
+    if (result != 0 && (operation & LOCK_SH) && s_onRefusedReader)
+        s_onRefusedReader();
+    errno = error;
+    return result;
+}
 
 extern "C" Q_DECL_EXPORT off_t lseek(int handle, off_t offset, int whence) noexcept
 {
@@ -83,6 +98,7 @@ private slots:
     void the_last_65577_bytes_are_read_once();
     void a_failing_seek_is_a_failed_read();
     void an_open_package_can_be_edited();
+    void a_torn_end_is_not_taken();
     void unopened_file_has_no_size();
     void nothing_can_be_written();
     void unreadable_file_is_not_opened();
@@ -197,6 +213,27 @@ void TstReadCacheDevice::an_open_package_can_be_edited()
     QFile editor(path("bytes"));
     QVERIFY(editor.open(QIODevice::ReadWrite));
     QVERIFY(FileSystem::lock(editor.handle()));
+}
+
+void TstReadCacheDevice::a_torn_end_is_not_taken()
+{
+    const QByteArray whole = PackageBuilder().file("a.json", "{}").record("show", "a comment").build();
+    QVERIFY(writeFile(path("bytes"), whole.chopped(1)));
+    QFile writer(path("bytes"));
+    QVERIFY(writer.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    QVERIFY(FileSystem::lock(writer.handle()));
+    // Still locked when it is whole, as between an edit's write and its flush.
+    int refused = 0;
+    s_onRefusedReader = [&] {
+        if (++refused == 3)
+            QVERIFY(writer.seek(0) && writer.write(whole) == whole.size());
+    };
+    ReadCacheDevice file(path("bytes"));
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    s_onRefusedReader = nullptr;
+    QVERIFY(isOpen);
+    QCOMPARE(refused, 3);
+    QCOMPARE(file.readAll(), whole);
 }
 
 void TstReadCacheDevice::unopened_file_has_no_size()

@@ -385,6 +385,9 @@ void TstReasons::an_entry_that_is_not_extracted_says_why()
     QString extracting;
     QCOMPARE(package.extractFile(entry, path("out/") + entry, &extracting), QString());
     QCOMPARE(missingIn(extracting, path("out/") + entry, cause), QString());
+    QString reading;
+    QCOMPARE(package.read("damaged", 100, &reading), QByteArray());
+    QCOMPARE(reading, QString("cannot read damaged: its CRC is wrong"));
     QCOMPARE(package.extractFile("file/below", path("out/"), &extracting), QString());
     QCOMPARE(missingIn(extracting, path("out/"), ": the destination is a folder"), QString());
 }
