@@ -169,6 +169,8 @@ void TstFailureLog::a_refused_apply_leaves_one_line_data()
         [](PackageBuilder &package) { package = PackageBuilder().file("a.txt", "x"); });
     row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or not JSON: illegal value",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.json", "no JSON"); });
+    row("a damaged description", onlineIp, LoadGetDeviceFailed, "a.json: its CRC is wrong",
+        [](PackageBuilder &package) { package = PackageBuilder().file("a.json", "{\"a\": 1}").claimCrc(1); });
     row("another model", onlineIp, LoadDeviceTypeMismatch, "the package's model ID is 400, the device's 1600",
         [](PackageBuilder &package) { package = packageOf(plainDevice(sourceIp, otherModel)); });
     row("other cards", onlineIp, LoadCardMismatch, "the package has 2 slots, the device 3, or the cards in them differ",
@@ -310,6 +312,7 @@ void TstFailureLog::success_and_cancelling_leave_no_line()
     WarningGuard::clear();
     run(save);
     QCOMPARE(save.resultCode(), int(BackupSuccess));
+    QCOMPARE(save.savedPackagePath(), site.path() + "/projects/show.corvelpro");
     EngineerDocLoad load(nullptr);
     load.setDeviceIp(offlineIp);
     load.setPackagePath(site.path() + "/projects/show.corvelpro");
@@ -320,6 +323,12 @@ void TstFailureLog::success_and_cancelling_leave_no_line()
     Faults::instance()->arm(queryMaterailData, Fault::run([&save] { save.cancel(); }));
     run(save);
     QCOMPARE(save.resultCode(), int(BackupUserCanceled));
+    QCOMPARE(save.savedPackagePath(), QString());
+    load.setPackagePath(site.path() + "/projects/show.corvelpro");
+    QVERIFY(load.checkPackageFile() && load.checkDevice());
+    Faults::instance()->arm(serailize, Fault::run([&load] { load.cancel(); }));
+    run(load);
+    QCOMPARE(load.resultCode(), int(LoadUserCanceled));
     QCOMPARE(failures(), QStringList());
 }
 

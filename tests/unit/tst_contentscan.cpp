@@ -129,7 +129,8 @@ void TstContentScan::sides_are_compared_with_their_limit()
     QFETCH(uint, width);
     QFETCH(uint, height);
     QFETCH(bool, isTooMuch);
-    const PictureScan scan = scanned(PngMaker::signature() + PngMaker::header(width, height, 16), 100);
+    const PictureScan scan =
+        scanned(PngMaker::signature() + PngMaker::header(width, height, 16) + PngMaker::end(), 100);
     QVERIFY(scan.isPng());
     QCOMPARE(scan.isBeyondLimits(), isTooMuch);
     QCOMPARE(scan.pixels(), isTooMuch ? 0 : qint64(width) * height);
@@ -186,7 +187,7 @@ void TstContentScan::only_structure_counts_as_a_part_data()
     QTest::newRow("nothing") << QByteArray() << qint64(0);
     QTest::newRow("object") << QByteArray(R"({"a":1,"b":[1,{}]})") << qint64(7);
     QTest::newRow("in a string") << QByteArray(R"(["a,b:c[{",1])") << qint64(2);
-    QTest::newRow("behind an escaped quote") << QByteArray(R"(["a\",b",1])") << qint64(2);
+    QTest::newRow("behind an escaped quote") << QByteArray(R"(["a\",b,c",1])") << qint64(2);
     QTest::newRow("behind an escaped backslash") << QByteArray(R"(["a\\",1,1])") << qint64(3);
     QTest::newRow("in a string that does not end") << QByteArray(R"(["a,,,,)") << qint64(1);
 }

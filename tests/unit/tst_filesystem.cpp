@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 
 #include <dlfcn.h>
@@ -310,6 +311,13 @@ void TstFileSystem::unflushed_content_replaces_nothing()
     QVERIFY(writeFile(path("target"), "old"));
     s_system.flushFile = EIO;
     QVERIFY(!replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
+    {
+        ReplacingFile file(path("target"), ReplacingFile::Durability::FlushedToDisk);
+        QVERIFY(file.create());
+        QString reason;
+        QVERIFY(!file.commit(ReplacingFile::ExistingTarget::Replaced, &reason));
+        QCOMPARE(reason, QStringLiteral("cannot flush %1: Input/output error").arg(path("target")));
+    }
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
     QCOMPARE(readFile(path("target")), QByteArray("old"));
 }
@@ -323,7 +331,9 @@ void TstFileSystem::unwritten_content_replaces_nothing()
         QVERIFY(file.create());
         const FullDisk disk(0);
         file.file().write(QByteArray(size, 'x'));
-        QVERIFY(!file.commit());
+        QString reason;
+        QVERIFY(!file.commit(ReplacingFile::ExistingTarget::Replaced, &reason));
+        QCOMPARE(reason, QStringLiteral("cannot write %1: File too large").arg(path("target")));
     }
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
     QCOMPARE(readFile(path("target")), QByteArray("old"));
@@ -345,7 +355,9 @@ void TstFileSystem::unreadable_folder_keeps_its_content()
     QVERIFY(writeFile(path("target"), "old"));
     s_system.openFolder = EMFILE;
     QVERIFY(!replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
-    QVERIFY(!FileSystem::renameDurably(path("target"), path("free")));
+    QString reason;
+    QVERIFY(!FileSystem::renameDurably(path("target"), path("free"), &reason));
+    QCOMPARE(reason, QStringLiteral("cannot open the folder %1: Too many open files").arg(m_dir->path()));
     QVERIFY(!FileSystem::makeFolder(path("folder")));
     QVERIFY(!FileSystem::flushTree(m_dir->path()));
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
@@ -370,7 +382,10 @@ void TstFileSystem::unflushed_name_is_reported()
     QFETCH(bool, isTold);
     s_system.flushFolder = error;
     QCOMPARE(replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced), !isTold);
-    QCOMPARE(FileSystem::renameDurably(path("target"), path("free")), !isTold);
+    QString reason;
+    QCOMPARE(FileSystem::renameDurably(path("target"), path("free"), &reason), !isTold);
+    const QString cause = QString::fromLocal8Bit(std::strerror(error));
+    QCOMPARE(reason, isTold ? QStringLiteral("cannot flush the folder %1: %2").arg(m_dir->path(), cause) : QString());
     QCOMPARE(FileSystem::makeFolder(path("folder")), !isTold);
 }
 

@@ -1,3 +1,4 @@
+#include "devicedescription.h"
 #include "loadtesting.h"
 
 #include <core/icore.h>
@@ -57,6 +58,7 @@ private slots:
     // Reading a description
     void reading_a_description_data();
     void reading_a_description();
+    void a_missing_description_has_no_error();
     void an_unreadable_description_logs_its_path();
     void invalid_utf8_becomes_replacement_characters();
 };
@@ -392,6 +394,17 @@ void TstLoadChecks::reading_a_description()
     if (device)
         QCOMPARE(device->getModelID(), content.contains("modelId") ? mainModel : 0);
     QFile::remove(path);
+}
+
+void TstLoadChecks::a_missing_description_has_no_error()
+{
+    const QString path = m_packages.filePath("broken.json");
+    QVERIFY(writeFile(path, "{"));
+    QString error;
+    QVERIFY(!readDeviceDescription(path, error));
+    QVERIFY(!error.isEmpty());
+    QVERIFY(!readDeviceDescription(m_packages.filePath("missing.json"), error));
+    QCOMPARE(error, QString());
 }
 
 void TstLoadChecks::an_unreadable_description_logs_its_path()

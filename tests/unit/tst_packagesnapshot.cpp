@@ -133,6 +133,8 @@ void TstPackageSnapshot::a_file_that_takes_the_copy_s_name_stays()
     std::unique_ptr<QFile> copy = snapshot.release();
     QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
     const QString name = copy->fileName();
+    // Hidden, and recognizable if it ever stays.
+    QVERIFY2(QFileInfo(name).fileName().startsWith('.') && name.endsWith(".part"), qPrintable(name));
     QVERIFY(writeFile(name, "of another program"));
     copy.reset();
     QCOMPARE(readFile(name), QByteArray("of another program"));

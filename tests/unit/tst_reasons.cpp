@@ -45,6 +45,7 @@ private slots:
     void a_failed_save_says_why_data();
     void a_failed_save_says_why();
     void a_save_without_room_says_so();
+    void a_save_with_too_long_a_record_says_so();
     void an_invalid_package_says_why_data();
     void an_invalid_package_says_why();
     void a_failed_edit_says_why_data();
@@ -179,6 +180,20 @@ void TstReasons::a_save_without_room_says_so()
     }
     QVERIFY(!isSaved);
     QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only part of it was written, the disk may be full"),
+             QString());
+}
+
+void TstReasons::a_save_with_too_long_a_record_says_so()
+{
+    QVERIFY(makeDeviceTree(path("device")));
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    info.strComment = QString(70000, 'x');
+    QString reason;
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(path("device"), info, {{}, FileSystem::FileIdentity(path("x"))},
+                                                      &reason));
+    QCOMPARE(missingIn(reason, "cannot write the record of " + info.strFilePath,
+                       "the record has more than 65513 bytes, or contains an end-of-archive signature"),
              QString());
 }
 
