@@ -81,6 +81,7 @@ private slots:
     void tab_order_follows_rows_that_come_and_go();
     void focused_row_scrolls_into_view();
     void focus_of_a_deleted_row_goes_to_the_next();
+    void focus_of_a_first_row_that_goes_stays_in_the_table();
     void focus_stays_with_its_project();
     void space_presses_the_focused_button();
 
@@ -224,6 +225,21 @@ void TstPanelKeyboard::focus_of_a_deleted_row_goes_to_the_next()
     QVERIFY(QTest::qWaitForWindowActive(m_panel->widget.get()));
     QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(1).first());
     QCOMPARE(tabStops(*m_panel), stopsWith({QStringLiteral("New"), QStringLiteral("Old")}));
+}
+
+void TstPanelKeyboard::focus_of_a_first_row_that_goes_stays_in_the_table()
+{
+    listThree();
+    m_panel->rowButtons(0).at(2)->setFocus(Qt::TabFocusReason);
+    QVERIFY(QFile::remove(projectFile(QStringLiteral("New"))));
+    m_panel->rescan();
+    QCOMPARE(m_panel->names().first(), QStringLiteral("Middle"));
+    QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(0).first());
+    // A focus outside is none of the table's business.
+    m_panel->saveProject()->setFocus(Qt::TabFocusReason);
+    QVERIFY(QFile::remove(projectFile(QStringLiteral("Middle"))));
+    m_panel->rescan();
+    QCOMPARE(QApplication::focusWidget(), m_panel->saveProject());
 }
 
 void TstPanelKeyboard::focus_stays_with_its_project()

@@ -109,6 +109,12 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
     row("a preset is not serialised", BackupEncryptFailed,
         "Save failed: ", "preset 1 of Device 11 could not be serialised",
         [](CustomSite &, EngineerDocBackup &) { Faults::instance()->arm(presetFullDetail2Binary, Fault::fail()); });
+    row("the presets' folder goes", BackupEncryptFailed, "Save failed: ", "/10.0.0.11/Preset/ was removed",
+        [](CustomSite &site, EngineerDocBackup &) {
+            const QString presets = site.devicePath(onlineIp) + "/Preset";
+            Faults::instance()->arm(presetFullDetail2Binary,
+                                    Fault::run([presets] { QDir(presets).removeRecursively(); }));
+        });
     row("a file in the presets' place", BackupEncryptFailed, "Save failed: ", "/10.0.0.11/Preset/ cannot be created",
         [](CustomSite &site, EngineerDocBackup &) {
             QVERIFY(writeFile(site.devicePath(onlineIp) + "/Preset", "a file"));

@@ -94,6 +94,7 @@ private slots:
     void next_edit_finishes_an_interrupted_one();
     void what_cannot_be_undone_keeps_its_record();
     void a_record_that_stays_refuses_the_edit();
+    void a_record_that_cannot_be_read_refuses_the_edit();
     void scan_finishes_interrupted_edits();
     void scan_finishes_interrupted_edit_behind_a_link();
     void a_renamed_file_is_found();
@@ -199,10 +200,15 @@ void TstInPlaceFile::a_full_disk_leaves_the_old_tail()
     for (int limit = 0; limit < head.size() + tail.size(); limit += 499) {
         InPlaceFile file(path("file"));
         QVERIFY(file.open());
+        QString reason;
         {
             const FullDisk disk(limit);
-            QVERIFY2(!file.replaceTail(head.size(), tail), qPrintable(QString::number(limit)));
+            QVERIFY2(!file.replaceTail(head.size(), tail, &reason), qPrintable(QString::number(limit)));
         }
+        QCOMPARE(reason,
+                 QStringLiteral("cannot write the end of %1: %2")
+                     .arg(path("file"), limit <= head.size() ? "File too large"
+                                                             : "only part of it was written, the disk may be full"));
         QVERIFY(readFile(path("file")) == head + before);
         QCOMPARE(contents(m_temp->path()), QStringList{"file"});
     }
@@ -231,7 +237,9 @@ void TstInPlaceFile::changing_a_removed_file_fails()
         QVERIFY(QFile::remove(path("file")));
         if (isReplaced)
             QVERIFY(writeFile(path("file"), "another"));
-        QVERIFY(!file.replaceTail(head.size(), after));
+        QString reason;
+        QVERIFY(!file.replaceTail(head.size(), after, &reason));
+        QCOMPARE(reason, path("file") + " was removed or replaced meanwhile");
         QCOMPARE(readFile(path("file")), isReplaced ? QByteArray("another") : QByteArray());
         QCOMPARE(contents(m_temp->path()), isReplaced ? QStringList{"file"} : QStringList());
     }
@@ -452,6 +460,16 @@ void TstInPlaceFile::a_record_that_stays_refuses_the_edit()
         reason,
         QStringLiteral("cannot remove the undo record %1: Permission denied").arg(UndoRecord::pathFor(path("file"))));
     QVERIFY(readFile(path("file")) == head + before);
+}
+
+void TstInPlaceFile::a_record_that_cannot_be_read_refuses_the_edit()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    const QString recordPath = UndoRecord::pathFor(path("file"));
+    QVERIFY(QDir().mkdir(recordPath));
+    QString reason;
+    QVERIFY(!InPlaceFile(path("file")).open(&reason));
+    QCOMPARE(reason, "cannot read the undo record " + recordPath);
 }
 
 void TstInPlaceFile::scan_finishes_interrupted_edits()

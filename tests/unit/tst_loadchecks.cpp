@@ -83,8 +83,12 @@ void TstLoadChecks::a_missing_package_is_refused()
 {
     EngineerDocLoad job(nullptr);
     job.setPackagePath(m_packages.filePath(QStringLiteral("missing.corvelpro")));
+    WarningGuard::clear();
     QVERIFY(!job.checkPackageFile());
     QCOMPARE(job.resultCode(), int(LoadFileContentError));
+    QCOMPARE(WarningGuard::texts(QtDebugMsg),
+             QStringList{QStringLiteral("Apply of %1 failed: there is no such file")
+                             .arg(m_packages.filePath(QStringLiteral("missing.corvelpro")))});
 }
 
 void TstLoadChecks::wrong_checksum_fails_with_success_code()

@@ -54,6 +54,8 @@ private slots:
     void unreadable_files_are_refused();
     void more_than_65534_entries_are_refused();
     void pictures_above_4_gib_together_are_refused_early();
+    void contents_above_4_gib_are_refused();
+    void descriptions_above_64_mib_together_are_refused();
     void more_descriptions_than_a_reader_takes_are_refused();
     void more_pixels_than_a_load_takes_are_refused();
     void pictures_of_2_to_the_32_pixels_are_packed();
@@ -215,11 +217,13 @@ void TstPackageWriter::a_time_before_1980_is_stored_as_1980()
 {
     QVERIFY(writeFile(m_dir + "/old.txt", "old"));
     QCOMPARE(run("touch", {"-d", "1979-12-31 23:59:58", m_dir + "/old.txt"}).exitCode, 0);
+    QVERIFY(writeFile(m_dir + "/first.txt", "first"));
+    QCOMPARE(run("touch", {"-d", "1980-06-01 12:00:00", m_dir + "/first.txt"}).exitCode, 0);
     QVERIFY(pack());
     const Run time = runPython("import sys, zipfile\n"
-                               "print(zipfile.ZipFile(sys.argv[1]).infolist()[0].date_time)\n",
+                               "print(*(i.date_time for i in zipfile.ZipFile(sys.argv[1]).infolist()), sep='\\n')\n",
                                {m_archive});
-    QCOMPARE(time.output, QByteArray("(1980, 1, 1, 0, 0, 0)\n"));
+    QCOMPARE(time.output, QByteArray("(1980, 6, 1, 12, 0, 0)\n(1980, 1, 1, 0, 0, 0)\n"));
 }
 
 void TstPackageWriter::times_after_2107_are_clamped_to_2107()
@@ -457,6 +461,26 @@ void TstPackageWriter::pictures_above_4_gib_together_are_refused_early()
     qDeleteAll(pictures);
 }
 
+void TstPackageWriter::contents_above_4_gib_are_refused()
+{
+    for (int number = 0; number < 4; ++number) {
+        const QString path = m_dir + '/' + QString::number(number);
+        QVERIFY(writeFile(path, QByteArray()) && QFile::resize(path, 1024 * MiB));
+    }
+    QCOMPARE(refusal(), QString());
+    QVERIFY(writeFile(m_dir + "/one", "x"));
+    QCOMPARE(refusal(), QString(" has 4294967297 bytes, the limit is 4294967296"));
+}
+
+void TstPackageWriter::descriptions_above_64_mib_together_are_refused()
+{
+    for (const char *name : {"/a.json", "/b.json", "/c.json", "/d.json"})
+        QVERIFY(writeFile(m_dir + name, QByteArray()) && QFile::resize(m_dir + name, 16 * MiB));
+    QCOMPARE(refusal(), QString());
+    QVERIFY(QFile::resize(m_dir + "/d.json", 16 * MiB + 1));
+    QCOMPARE(refusal(), QString(" has 67108865 bytes of descriptions, the limit is 67108864"));
+}
+
 void TstPackageWriter::more_descriptions_than_a_reader_takes_are_refused()
 {
     for (int number = 0; number < 1000; ++number)
@@ -588,7 +612,9 @@ void TstPackageWriter::replaced_archive_is_not_mistaken_for_ours()
 
     QVERIFY(writeFile(m_dir + "/LOGO/LOGO_3.png", noise(101)));
     QVERIFY(pack());
-    QVERIFY(!writer.isListedIn(PackageReader(m_archive)));
+    QString reason;
+    QVERIFY(!writer.isListedIn(PackageReader(m_archive), &reason));
+    QCOMPARE(reason, QString("its entries differ"));
     QVERIFY(QFile::remove(m_dir + "/LOGO/LOGO_3.png"));
     QVERIFY(pack());
     QVERIFY(!writer.isListedIn(PackageReader(m_archive)));

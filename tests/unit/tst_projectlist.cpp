@@ -124,7 +124,7 @@ void TstProjectList::uncreatable_directory_leaves_the_list()
     scan();
     QCOMPARE(names(), QStringList{"A"});
     QVERIFY(writeFile(m_temp->path() + "/file", "in the way"));
-    m_list->scanProjectFiles(m_temp->path() + "/file/ProjectFiles/", m_list->beginScan());
+    QCOMPARE(m_list->scanProjectFiles(m_temp->path() + "/file/ProjectFiles/", m_list->beginScan()), -1);
     QCOMPARE(names(), QStringList{"A"});
 }
 

@@ -256,11 +256,13 @@ void TstReadCacheDevice::nothing_can_be_written()
 
 void TstReadCacheDevice::unreadable_file_is_not_opened()
 {
+    const uint openHandles = QDir("/proc/self/fd").count();
     QVERIFY(!ReadCacheDevice(path("missing")).open(QIODevice::ReadOnly));
     QVERIFY(!ReadCacheDevice(m_dir->path()).open(QIODevice::ReadOnly));
     QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
     // It has no writer: opening it would block.
     QVERIFY(!ReadCacheDevice(path("pipe")).open(QIODevice::ReadOnly));
+    QCOMPARE(QDir("/proc/self/fd").count(), openHandles);
 }
 
 void TstReadCacheDevice::a_scan_opens_each_package_once()

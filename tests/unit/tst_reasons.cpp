@@ -400,6 +400,11 @@ void TstReasons::an_entry_that_is_not_extracted_says_why()
     QString extracting;
     QCOMPARE(package.extractFile(entry, path("out/") + entry, &extracting), QString());
     QCOMPARE(missingIn(extracting, path("out/") + entry, cause), QString());
+    QByteArray headless = PackageBuilder().file("a", content).build();
+    QVERIFY(writeFile(path("headless.corvelpro"), headless.replace(0, 2, "XX")));
+    PackageReader damaged(path("headless.corvelpro"));
+    QCOMPARE(damaged.extractFile("a", path("out/a"), &extracting), QString());
+    QCOMPARE(missingIn(extracting, path("out/a"), "its header is damaged"), QString());
     QString reading;
     QCOMPARE(package.read("damaged", 100, &reading), QByteArray());
     QCOMPARE(reading, QString("cannot read damaged: its CRC is wrong"));
@@ -417,6 +422,11 @@ void TstReasons::a_missing_description_is_a_reason()
     QVERIFY(PackageBuilder().file("../a.json", "{}").file("b.json", "{}").write(path("show.corvelpro")));
     QCOMPARE(PackageReader(path("show.corvelpro")).extractJsonFiles(path("out"), &reason).size(), 2);
     QCOMPARE(missingIn(reason, "../a.json", "its name could lead out of the folder"), QString());
+
+    QVERIFY(
+        PackageBuilder().file("a.json", "{}").file("b.json", "{}").claimSize(64 * MiB).write(path("show.corvelpro")));
+    QCOMPARE(PackageReader(path("show.corvelpro")).extractJsonFiles(path("out"), &reason).size(), 2);
+    QCOMPARE(reason, QString("b.json exceeds the limits for descriptions"));
 }
 
 void TstReasons::a_package_that_is_not_copied_says_why()
@@ -437,7 +447,9 @@ void TstReasons::a_package_that_is_not_copied_says_why()
         outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()}, &reason);
     }
     QCOMPARE(outcome, PackageSnapshot::Outcome::NoRoom);
-    QCOMPARE(missingIn(reason, path("show.corvelpro"), "only part of it was written, the disk may be full"), QString());
+    QCOMPARE(missingIn(reason, "no room for a copy of " + path("show.corvelpro"),
+                       ": cannot copy it to %1: cannot write: only part of it was written, the disk may be full"),
+             QString());
 }
 
 void TstReasons::a_picture_that_is_not_read_says_why_data()
