@@ -246,6 +246,8 @@ void TstFailureLog::a_failing_apply_logs_one_line_data()
                              << "did not take the picture BKG/BKG_1.png";
     QTest::newRow("configuration") << QString(copyModelToDevice) << onlineIp << int(LoadImportFailed)
                                    << "did not take the configuration";
+    QTest::newRow("multi-viewer") << QString(copyMVRItemDataToDevice) << onlineIp << int(LoadImportFailed)
+                                  << "the device did not take the MVR items";
     QTest::newRow("description") << QString(serailize) << offlineIp << int(LoadSerializeFailed)
                                  << "cannot write the description";
 }
@@ -330,6 +332,9 @@ void TstFailureLog::success_and_cancelling_leave_no_line()
     run(save);
     QCOMPARE(save.resultCode(), int(BackupUserCanceled));
     QCOMPARE(save.savedPackagePath(), QString());
+    load.setPackagePath(site.path() + "/missing.corvelpro");
+    QVERIFY(!load.checkPackageFile());
+    WarningGuard::clear();
     load.setPackagePath(site.path() + "/projects/show.corvelpro");
     QVERIFY(load.checkPackageFile() && load.checkDevice());
     Faults::instance()->arm(serailize, Fault::run([&load] { load.cancel(); }));

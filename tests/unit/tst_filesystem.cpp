@@ -616,7 +616,9 @@ void TstFileSystem::a_tree_is_flushed_with_its_disk()
     QVERIFY(FileSystem::flushTree(m_dir->path()));
     QCOMPARE(s_system.steps, QStringList{"flush disk"});
     s_system.flushDisk = EIO;
-    QVERIFY(!FileSystem::flushTree(m_dir->path()));
+    QString reason;
+    QVERIFY(!FileSystem::flushTree(m_dir->path(), &reason));
+    QCOMPARE(reason, QStringLiteral("cannot flush %1: Input/output error").arg(m_dir->path()));
 }
 
 void TstFileSystem::a_copy_aside_is_read_from_its_beginning()

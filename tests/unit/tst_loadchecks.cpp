@@ -1,5 +1,7 @@
 #include "devicedescription.h"
 #include "loadtesting.h"
+#include "packagecopy.h"
+#include "packagereader.h"
 
 #include <core/icore.h>
 #include <model/deviceconfigmanager.h>
@@ -36,6 +38,8 @@ private slots:
     void an_unknown_target_is_refused();
     void without_a_package_no_device_is_checked();
     void the_folder_for_the_copy_is_made();
+    void another_path_is_another_package();
+    void a_failed_copy_leaves_no_package();
     void a_huge_description_is_refused_data();
     void a_huge_description_is_refused();
     void a_package_without_description_is_refused();
@@ -156,6 +160,28 @@ void TstLoadChecks::the_folder_for_the_copy_is_made()
     const bool isOpen = job.checkPackageFile();
     qputenv("TMPDIR", temporary);
     QVERIFY(isOpen);
+}
+
+void TstLoadChecks::another_path_is_another_package()
+{
+    const QString own = write(packageOf(plainDevice(sourceIp)), "own.corvelpro");
+    const QString other = write(packageOf(plainDevice(sourceIp, otherModel)), "other.corvelpro");
+    EngineerDocLoad job(nullptr);
+    job.setDeviceIp(onlineIp);
+    job.setPackagePath(own);
+    QVERIFY(job.checkPackageFile());
+    job.setPackagePath(other);
+    QVERIFY(!job.checkDevice());
+    QCOMPARE(job.resultCode(), int(LoadDeviceTypeMismatch));
+}
+
+void TstLoadChecks::a_failed_copy_leaves_no_package()
+{
+    std::unique_ptr<PackageReader> package;
+    QCOMPARE(openPackageCopy(write(packageOf(plainDevice(sourceIp))), package, nullptr), LoadSuccess);
+    QVERIFY(package && package->isOpen());
+    QCOMPARE(openPackageCopy(m_packages.filePath("missing.corvelpro"), package, nullptr), LoadSuccess);
+    QVERIFY(!package);
 }
 
 void TstLoadChecks::a_huge_description_is_refused_data()

@@ -53,6 +53,7 @@ private slots:
     void an_edit_of_a_locked_package_says_so();
     void a_failed_copy_says_why_data();
     void a_failed_copy_says_why();
+    void a_source_that_cannot_be_read_is_a_reason();
     void an_entry_that_is_not_extracted_says_why_data();
     void an_entry_that_is_not_extracted_says_why();
     void a_missing_description_is_a_reason();
@@ -260,9 +261,12 @@ void TstReasons::a_failed_edit_says_why_data()
     });
     row("no archive", "is not a zip archive, or is incomplete",
         [](const QString &file) { QVERIFY(writeFile(file, "text")); });
-    row("bytes behind the comment", "something follows its comment", [](const QString &file) {
-        QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").trailingBytes("more").write(file));
-    });
+    row("bytes behind the comment",
+        "cannot replace the comment of %1/show.corvelpro: the archive is zip64 or spans several disks, or something "
+        "follows its comment",
+        [](const QString &file) {
+            QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").trailingBytes("more").write(file));
+        });
     row("a record that is too long", "the record has more than 65513 bytes, or contains an end-of-archive signature",
         [](const QString &file) { QVERIFY(PackageBuilder().file("b.json", "{}").record("show", "x").write(file)); });
 }
@@ -345,6 +349,15 @@ void TstReasons::a_failed_copy_says_why()
     }
     QVERIFY(!isCopied);
     QCOMPARE(missingIn(reason, path(where), cause), QString());
+}
+
+void TstReasons::a_source_that_cannot_be_read_is_a_reason()
+{
+    // A plain file whose first byte cannot be read.
+    QString reason;
+    QVERIFY(!copyToFreeName("/proc/self/mem", path("copy"), &reason));
+    QCOMPARE(missingIn(reason, path("copy"), ": cannot read: Input/output error"), QString());
+    QCOMPARE(contents(m_temp->path()), QStringList());
 }
 
 void TstReasons::an_entry_that_is_not_extracted_says_why_data()
