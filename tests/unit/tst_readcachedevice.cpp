@@ -77,6 +77,9 @@ extern "C" Q_DECL_EXPORT off64_t lseek64(int handle, off64_t offset, int whence)
     return seekUnlessItFails(handle, offset, whence);
 }
 
+using Damage = std::function<void(QByteArray &package)>;
+Q_DECLARE_METATYPE(Damage)
+
 /// Exposes writeData(), which QIODevice::write() never reaches on a read-only device.
 class WritablePackageFile : public ReadCacheDevice
 {
@@ -104,6 +107,8 @@ private slots:
     void unreadable_file_is_not_opened();
     void a_scan_opens_each_package_once();
     void packing_opens_the_archive_once_to_verify_it();
+    void what_does_not_read_back_is_no_package_data();
+    void what_does_not_read_back_is_no_package();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -301,6 +306,52 @@ void TstReadCacheDevice::packing_opens_the_archive_once_to_verify_it()
     QCOMPARE(s_opened.size(), 1);
     QCOMPARE(s_opened.begin().value(), 1);
     QVERIFY(s_opened.begin().key().endsWith(".part"));
+}
+
+void TstReadCacheDevice::what_does_not_read_back_is_no_package_data()
+{
+    QTest::addColumn<Damage>("damage");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("cut") << Damage([](QByteArray &bytes) { bytes.truncate(bytes.size() / 2); })
+                         << "is not a zip archive, or is incomplete";
+    QTest::newRow("another record") << Damage([](QByteArray &bytes) {
+        bytes.replace(bytes.lastIndexOf("evening"), 7, "morning");
+    }) << "its record differs";
+    QTest::newRow("another entry") << Damage([](QByteArray &bytes) {
+        bytes.replace(bytes.lastIndexOf("BKG_0.png"), 9, "BKG_1.png");
+    }) << "its entries differ";
+    QTest::newRow("another byte") << Damage([](QByteArray &bytes) { bytes[4] = char(bytes.at(4) ^ 1); })
+                                  << "its record says";
+}
+
+void TstReadCacheDevice::what_does_not_read_back_is_no_package()
+{
+    QFETCH(Damage, damage);
+    QFETCH(QString, cause);
+    QVERIFY(makeDeviceTree(path("device")));
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    info.strProjectName = "evening";
+    const FileSystem::FileIdentity previous(info.strFilePath);
+    // A disk that does not keep what was written.
+    bool isDamaged = false;
+    systemCalls().onOpen = [&](const QByteArray &name, int flags) {
+        if (!isDamaged && name.endsWith(".part") && (flags & (O_ACCMODE | O_PATH)) == O_RDONLY) {
+            isDamaged = true;
+            QByteArray bytes = readFile(QFile::decodeName(name));
+            damage(bytes);
+            writeFile(QFile::decodeName(name), bytes);
+        }
+        return 0;
+    };
+    QString reason;
+    const bool isPacked =
+        ZipPackageHandle::compressEngineerPacket(path("device"), info, {QHash<QString, qint64>(), previous}, &reason);
+    systemCalls().onOpen = nullptr;
+    QVERIFY(!isPacked);
+    QVERIFY2(reason.startsWith(info.strFilePath + " does not read back as written: "), qPrintable(reason));
+    QVERIFY2(cause.endsWith("says") ? reason.contains(cause) : reason.endsWith(cause), qPrintable(reason));
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
 TEST_MAIN_CORE(TstReadCacheDevice)
