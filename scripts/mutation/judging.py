@@ -335,8 +335,6 @@ class Campaign:
                 kills = 20 * self.kills[where, test] + 2 * self.kills[mutant.file, test] + \
                     4 * (self.kills[where, function] > 0) + \
                     10 * self.kills[mutant.file, test[0]] / (1 + self.kills[mutant.file])
-                if test[0] in self.near[number]:
-                    kills += 40
                 return (1 + kills) / (0.05 + self.seconds[test])
             worths, rows = {}, collections.Counter()
             for test in sorted(tests, key=worth, reverse=True):
@@ -344,7 +342,8 @@ class Campaign:
                 function = (test[0], test[1].split(":")[0])
                 rows[function] += 1
                 worths[test] = worth(test) / rows[function]
-            order = sorted(tests, key=worths.get, reverse=True)
+            # However long they take, those of the near programs come first.
+            order = sorted(tests, key=lambda test: (test[0] in self.near[number], worths[test]), reverse=True)
         worker, spent, passed_over = self.idle.get(), 0.0, 0
         began, asked, share = time.monotonic(), 0.0, 1.0
         try:

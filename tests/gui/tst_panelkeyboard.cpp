@@ -235,6 +235,11 @@ void TstPanelKeyboard::focus_of_a_first_row_that_goes_stays_in_the_table()
     m_panel->rescan();
     QCOMPARE(m_panel->names().first(), QStringLiteral("Middle"));
     QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(0).first());
+    // A last row, and only one is left.
+    m_panel->rowButtons(1).at(2)->setFocus(Qt::TabFocusReason);
+    QVERIFY(QFile::remove(projectFile(QStringLiteral("Old"))));
+    m_panel->rescan();
+    QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(0).first());
     // A focus outside is none of the table's business.
     m_panel->saveProject()->setFocus(Qt::TabFocusReason);
     QVERIFY(QFile::remove(projectFile(QStringLiteral("Middle"))));

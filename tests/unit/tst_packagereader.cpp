@@ -273,6 +273,8 @@ void TstPackageReader::missing_entry_reads_as_null()
     PackageReader reader(m_package);
     QCOMPARE(reader.extractFile("b.txt", destination("b.txt")), QString());
     QCOMPARE(reader.extractFile("A.TXT", destination("A.TXT")), QString());
+    QCOMPARE(reader.entrySize("a.txt"), qint64(1));
+    QCOMPARE(reader.entrySize("b.txt"), qint64(-1));
     QCOMPARE(reader.extractFile("", destination("x")), QString());
     QCOMPARE(reader.extractFile("a.txt", destination("folder/")), QString());
     QCOMPARE(contents(m_out), QStringList());

@@ -548,6 +548,18 @@ void TstProjectList::only_young_invalid_files_ask_for_another_scan()
     // Nine seconds in the future stays recent long enough, even on a slow machine.
     QVERIFY(setAge(-9));
     QVERIFY(next() > 0);
+    const int later = next();
+    QVERIFY(writeFile(m_path + "C.corvelpro", "no package"));
+    // The earlier of two looks, whichever file is first.
+    for (const int seconds : {-5, -9}) {
+        QVERIFY(setAge(seconds));
+        QFile file(m_path + "C.corvelpro");
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(
+            file.setFileTime(QDateTime::currentDateTime().addSecs(14 + seconds), QFileDevice::FileModificationTime));
+        const int earlier = next();
+        QVERIFY2(earlier > 0 && earlier < later - 2000, qPrintable(QString::number(earlier)));
+    }
     // A file at rest next to it does not hide it.
     QVERIFY(writeFile(m_path + "C.corvelpro", "no package"));
     QVERIFY(next() > 0);

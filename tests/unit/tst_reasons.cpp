@@ -110,7 +110,7 @@ void TstReasons::a_failed_save_says_why_data()
     };
     row("no device folder", "there is no folder", "%1/device",
         [](const QString &folder) { QDir(folder + "/device").removeRecursively(); });
-    row("no project folder", "/projects/show.corvelpro", "No such file or directory",
+    row("no project folder", "cannot create a file beside", "/projects/show.corvelpro: No such file or directory",
         [](const QString &folder) { QDir(folder + "/projects").removeRecursively(); });
     row("a link that leads outside", "/device/link", "leads out of the device's folder",
         [](const QString &folder) { QFile::link("/etc/hostname", folder + "/device/link"); });
