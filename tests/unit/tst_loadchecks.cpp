@@ -40,6 +40,7 @@ private slots:
     void the_folder_for_the_copy_is_made();
     void another_path_is_another_package();
     void a_failed_copy_leaves_no_package();
+    void a_description_that_is_not_extracted_is_refused();
     void a_huge_description_is_refused_data();
     void a_huge_description_is_refused();
     void a_package_without_description_is_refused();
@@ -182,6 +183,13 @@ void TstLoadChecks::a_failed_copy_leaves_no_package()
     QVERIFY(package && package->isOpen());
     QCOMPARE(openPackageCopy(m_packages.filePath("missing.corvelpro"), package, nullptr), LoadSuccess);
     QVERIFY(!package);
+}
+
+void TstLoadChecks::a_description_that_is_not_extracted_is_refused()
+{
+    // It could be read, but others expect the file.
+    QVERIFY(QDir().mkpath(Core::ICore::ExtractJsonPath() + "/device.json"));
+    QCOMPARE(check(descriptionOnly(descriptionOf(plainDevice(sourceIp))), onlineIp), int(LoadGetDeviceFailed));
 }
 
 void TstLoadChecks::a_huge_description_is_refused_data()
