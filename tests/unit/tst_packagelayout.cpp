@@ -18,6 +18,8 @@ private slots:
     void formed_entry_name_yields_its_number();
     void path_has_one_normal_form_data();
     void path_has_one_normal_form();
+    void names_that_lead_out_are_not_safe_data();
+    void names_that_lead_out_are_not_safe();
     void names_that_block_later_packages_are_known_data();
     void names_that_block_later_packages_are_known();
     void names_in_utf8_stay_as_they_are();
@@ -82,6 +84,31 @@ void TstPackageLayout::path_has_one_normal_form()
     QFETCH(QString, name);
     QFETCH(QString, plain);
     QCOMPARE(PackageLayout::plainName(name), plain);
+}
+
+void TstPackageLayout::names_that_lead_out_are_not_safe_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isSafe");
+    const auto row = [](const QString &name, bool isSafe) {
+        QTest::newRow(qPrintable(QString(name).replace(QChar(0), "NUL"))) << name << isSafe;
+    };
+    for (const char *name : {"a", "a/", "a/b.png", "..a", "a..", "a/..b/c", "...", "a/./b", "ab:c", "1:", "a/1:/b"})
+        row(name, true);
+    for (const char *name : {"..", "../a", "a/../b", "a/..", " .. ", "a/.. /b", "\\..\\a", "a\\..\\b", "/a", "\\a",
+                             "C:", "C:a", "a:b", "a/c:b", "a\\c:", ".", "a/.", "a\\."})
+        row(name, false);
+    row(QString("a") + QChar(0), false);
+    QTest::newRow("nothing") << QString() << false;
+    QTest::newRow("64 levels") << QString("d/").repeated(63) + 'x' << true;
+    QTest::newRow("65 levels") << QString("d/").repeated(64) + 'x' << false;
+}
+
+void TstPackageLayout::names_that_lead_out_are_not_safe()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isSafe);
+    QCOMPARE(PackageLayout::isSafeName(name), isSafe);
 }
 
 void TstPackageLayout::names_that_block_later_packages_are_known_data()
