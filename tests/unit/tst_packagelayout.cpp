@@ -162,6 +162,9 @@ void TstPackageLayout::invalid_utf8_bytes_are_percent_escaped_data()
         << Names{"\xDF\xBF\xFF", "\xE0\xA4\x85\xFF", "\xEF\xBF\xBD\xFF", "\xF0\x9F\x8E\xAC\xFF"}
         << QStringList{QString::fromUtf8("\xDF\xBF%FF"), QString::fromUtf8("\xE0\xA4\x85%FF"),
                        QString::fromUtf8("\xEF\xBF\xBD%FF"), QString::fromUtf8("\xF0\x9F\x8E\xAC%FF")};
+    QTest::newRow("before the last character")
+        << Names{"\xFF\xC3\xA4"} << QStringList{QString::fromUtf8("%FF\xC3\xA4")};
+    QTest::newRow("behind the last ASCII character") << Names{"\x7F\xFF"} << QStringList{"\x7F%FF"};
     QTest::newRow("beside one that looks like it") << Names{"%FF", "\xFF", "%"} << QStringList{"%FF", "%%FF", "%"};
     QTest::newRow("percent sign in front") << Names{"%\xFF", "\xFF%"} << QStringList{"%%%FF", "%%FF%"};
     QTest::newRow("separator written too long") << Names{"..\xC0\xAFx"} << QStringList{"..%C0%AFx"};
