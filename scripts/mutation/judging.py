@@ -51,13 +51,14 @@ class Tree:
         self.runtime = work / "libmutation.so"
         names = command(["git", "-C", root, "ls-files", "-z", "-co", "--exclude-standard"]).split("\0")
         names = [name for name in sorted(filter(None, names)) if (root / name).is_file()]
-        digest = hashlib.sha256()
+        digest, digest_of_tests = hashlib.sha256(), hashlib.sha256()
         wanted = set()
         for name in names:
             content = (root / name).read_bytes()
             # Neither documents nor the list of unnoticeable mistakes affect the tests.
             if not name.startswith(("docs/", "benchmarks/", "scripts/", "tests/mutation/", ".")) and "/" in name:
-                digest.update(name.encode() + b"\0" + hashlib.sha256(content).digest())
+                part = digest_of_tests if name.startswith("tests/") else digest
+                part.update(name.encode() + b"\0" + hashlib.sha256(content).digest())
             wanted.add(name)
             if name.endswith(("testmain.h", "stage.h", "stage.cpp")):
                 content = re.sub(rb"(constexpr int \w*[pP]atience = )\d+;", rb"\g<1>%d;" % PATIENCE, content)
@@ -69,7 +70,8 @@ class Tree:
         for path in self.source.rglob("*"):
             if path.is_file() and str(path.relative_to(self.source)) not in wanted:
                 path.unlink()
-        self.fingerprint = digest.hexdigest()
+        # Of the product and the host, and of the tests.
+        self.fingerprint, self.fingerprint_of_tests = digest.hexdigest(), digest_of_tests.hexdigest()
         command(["g++", "-O2", "-shared", "-fPIC", "-o", self.runtime, root / "scripts/mutation/switch.cpp", "-ldl"])
         command(["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=",
                  "-DCMAKE_CXX_FLAGS=-O0 -w -fpermissive -Wno-narrowing -fmax-errors=0 "
@@ -310,6 +312,18 @@ class Campaign:
         self.kills = collections.Counter()
         self.lock = threading.Lock()
 
+    def learn(self, mutant, where, killer):
+        """The test that noticed a mistake is asked early about those near it."""
+        name, test = killer.split(" ", 1)
+        if " and so on (" in test:
+            return
+        with self.lock:
+            self.kills[where, (name, test)] += 1
+            self.kills[where, (name, test.split(":")[0])] += 1
+            self.kills[mutant.file, (name, test)] += 1
+            self.kills[mutant.file, name] += 1
+            self.kills[mutant.file] += 1
+
     def judge(self, mutant, number, where):
         """(verdict, detail, seconds): killed or survived."""
         tests = self.by_number[number]
@@ -319,11 +333,17 @@ class Campaign:
             def worth(test):
                 function = (test[0], test[1].split(":")[0])
                 kills = 20 * self.kills[where, test] + 2 * self.kills[mutant.file, test] + \
-                    4 * (self.kills[where, function] > 0)
-                if test[0][4:] in self.near[number]:
-                    kills += 40     # tst_x is the program for x
+                    4 * (self.kills[where, function] > 0) + \
+                    10 * self.kills[mutant.file, test[0]] / (1 + self.kills[mutant.file])
                 return (1 + kills) / (0.05 + self.seconds[test])
-            order = sorted(tests, key=worth, reverse=True)
+            worths, rows = {}, collections.Counter()
+            for test in sorted(tests, key=worth, reverse=True):
+                # A second row of a function tells less than another function.
+                function = (test[0], test[1].split(":")[0])
+                rows[function] += 1
+                worths[test] = worth(test) / rows[function]
+            # However long they take, those of the near programs come first.
+            order = sorted(tests, key=lambda test: (test[0] in self.near[number], worths[test]), reverse=True)
         worker, spent, passed_over = self.idle.get(), 0.0, 0
         began, asked, share = time.monotonic(), 0.0, 1.0
         try:
@@ -348,11 +368,7 @@ class Campaign:
                 share = min(2 * share, 16, max(self.effort - asked, 0.1))
                 if reason:
                     by = reason if not reason.startswith("(") else batch[0][1] + " and so on " + reason
-                    with self.lock:
-                        if not reason.startswith("("):
-                            self.kills[where, (name, reason)] += 1
-                            self.kills[where, (name, reason.split(":")[0])] += 1
-                            self.kills[mutant.file, (name, reason)] += 1
+                    self.learn(mutant, where, name + " " + by)
                     return "killed", name + " " + by, spent
             detail = "after %.0f s of tests; %d not asked" % (asked, passed_over) if passed_over else ""
             return "survived", detail, spent

@@ -65,6 +65,7 @@ private slots:
     void every_control_has_a_name_of_its_own();
     void list_of_disks_is_named_by_its_title();
     void tool_tip_shows_what_does_not_fit();
+    void tool_tip_without_a_comment_begins_with_the_path();
     void tool_tip_shows_markup_as_it_is();
 
 private:
@@ -176,10 +177,27 @@ void TstPanelAccessibility::tool_tip_shows_what_does_not_fit()
 
     // What the file has become, although the list was not read again.
     QFile grown(projectFile(name));
-    QVERIFY(grown.resize(5 * 1024 * 1024 + 512 * 1024));
-    QVERIFY2(toolTipAt(0).contains(QStringLiteral("\n5.5 MiB, ")), qPrintable(toolTipAt(0)));
+    const QPair<qint64, QString> sizes[] = {{0, QStringLiteral("0 KiB")},
+                                            {1, QStringLiteral("1 KiB")},
+                                            {1024, QStringLiteral("1 KiB")},
+                                            {1025, QStringLiteral("2 KiB")},
+                                            {1024 * 1024 - 1, QStringLiteral("1,024 KiB")},
+                                            {1024 * 1024, QStringLiteral("1.0 MiB")},
+                                            {5 * 1024 * 1024 + 512 * 1024, QStringLiteral("5.5 MiB")}};
+    for (const auto &size : sizes) {
+        QVERIFY(grown.resize(size.first));
+        QVERIFY2(toolTipAt(0).contains(QLatin1Char('\n') + size.second + QStringLiteral(", ")),
+                 qPrintable(toolTipAt(0)));
+    }
     QVERIFY(grown.remove());
     QCOMPARE(toolTipAt(0), name + QLatin1Char('\n') + QDir::toNativeSeparators(file.filePath()));
+}
+
+void TstPanelAccessibility::tool_tip_without_a_comment_begins_with_the_path()
+{
+    const QString name = QStringLiteral("Evening show");
+    list(name, QString());
+    QVERIFY2(toolTipAt(1).startsWith(QDir::toNativeSeparators(projectFile(name))), qPrintable(toolTipAt(1)));
 }
 
 void TstPanelAccessibility::tool_tip_shows_markup_as_it_is()

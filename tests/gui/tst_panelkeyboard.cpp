@@ -81,6 +81,7 @@ private slots:
     void tab_order_follows_rows_that_come_and_go();
     void focused_row_scrolls_into_view();
     void focus_of_a_deleted_row_goes_to_the_next();
+    void focus_of_a_first_row_that_goes_stays_in_the_table();
     void focus_stays_with_its_project();
     void space_presses_the_focused_button();
     void arrows_go_from_row_to_row();
@@ -227,14 +228,44 @@ void TstPanelKeyboard::focus_of_a_deleted_row_goes_to_the_next()
     QCOMPARE(tabStops(*m_panel), stopsWith({QStringLiteral("New"), QStringLiteral("Old")}));
 }
 
+void TstPanelKeyboard::focus_of_a_first_row_that_goes_stays_in_the_table()
+{
+    listThree();
+    m_panel->rowButtons(0).at(2)->setFocus(Qt::TabFocusReason);
+    QVERIFY(QFile::remove(projectFile(QStringLiteral("New"))));
+    m_panel->rescan();
+    QCOMPARE(m_panel->names().first(), QStringLiteral("Middle"));
+    QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(0).first());
+    // A last row, and only one is left.
+    m_panel->rowButtons(1).at(2)->setFocus(Qt::TabFocusReason);
+    QVERIFY(QFile::remove(projectFile(QStringLiteral("Old"))));
+    m_panel->rescan();
+    QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(0).first());
+    // A focus outside is none of the table's business.
+    m_panel->saveProject()->setFocus(Qt::TabFocusReason);
+    QVERIFY(QFile::remove(projectFile(QStringLiteral("Middle"))));
+    m_panel->rescan();
+    QCOMPARE(QApplication::focusWidget(), m_panel->saveProject());
+}
+
 void TstPanelKeyboard::focus_stays_with_its_project()
 {
     listThree();
-    m_panel->rowButtons(2).at(1)->setFocus(Qt::TabFocusReason);
-    QVERIFY(makeOld(projectFile(QStringLiteral("Old")), 1));
-    m_panel->rescan();
-    QCOMPARE(m_panel->names().first(), QStringLiteral("Old"));
-    QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(0).at(1));
+    for (const int row : {0, 2}) {
+        QWidget *button = m_panel->rowButtons(row).at(2);
+        button->setFocus(Qt::TabFocusReason);
+        m_panel->rescan();
+        QCOMPARE(QApplication::focusWidget(), button);
+    }
+    // Each time the last project becomes the first one.
+    const QStringList oldest{QStringLiteral("Old"), QStringLiteral("Middle")};
+    for (int button = 0; button < oldest.size(); ++button) {
+        m_panel->rowButtons(2).at(button)->setFocus(Qt::TabFocusReason);
+        QVERIFY(makeOld(projectFile(oldest.at(button)), 1 - button));
+        m_panel->rescan();
+        QCOMPARE(m_panel->names().first(), oldest.at(button));
+        QCOMPARE(QApplication::focusWidget(), m_panel->rowButtons(0).at(button));
+    }
     // All of them gone, as another program may do.
     QVERIFY(clearProjectFilesDirectory());
     m_panel->rescan();

@@ -1,3 +1,5 @@
+#include <runningjob.h>
+
 #include <support/applyfixture.h>
 #include <support/gate.h>
 #include <support/journalmatchers.h>
@@ -88,6 +90,7 @@ private slots:
     void deleting_the_panel_before_finished_frees_the_device();
     void deleting_the_panel_afterwards_tells_the_host_nothing();
     void deleting_the_panel_midway_still_announces_the_end();
+    void a_later_operation_stays_announced_at_its_end();
     void selecting_another_device_still_frees_the_loaded_one();
 };
 
@@ -463,6 +466,26 @@ void TstApplyEndings::deleting_the_panel_midway_still_announces_the_end()
     disconnect(announcing);
     disconnect(listening);
     QCOMPARE(told, int(Core::ICore::OperatorNone));
+    m_panel.emplace();
+}
+
+void TstApplyEndings::a_later_operation_stays_announced_at_its_end()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    Gate gate;
+    Faults::instance()->arm(copyModelToDevice, gate.fault());
+    apply();
+    VERIFY_BOOK();
+    const QPointer<QThread> job = gate.waitForThread();
+    QVERIFY(job);
+    m_panel.reset();
+    // As another panel does when it begins a save.
+    ProjectFileCfg::Internal::RunningJob::announce(Core::ICore::OperatorBackup);
+    Journal::instance()->clear();
+    gate.open();
+    QTRY_VERIFY_WITH_TIMEOUT(!job, 30000);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
+    ProjectFileCfg::Internal::RunningJob::announce(Core::ICore::OperatorNone);
     m_panel.emplace();
 }
 

@@ -34,8 +34,10 @@ const QString sourceIp = QStringLiteral("10.0.0.77");
 } // namespace
 
 using SaveStep = std::function<void(CustomSite &site, EngineerDocBackup &job)>;
+using SiteStep = std::function<void(CustomSite &site)>;
 using PackageStep = std::function<void(PackageBuilder &package)>;
 Q_DECLARE_METATYPE(SaveStep)
+Q_DECLARE_METATYPE(SiteStep)
 Q_DECLARE_METATYPE(PackageStep)
 
 /// Every failure logs one line with the path and the cause: docs/diagnosing.md relies on it.
@@ -52,6 +54,8 @@ private slots:
     void a_refused_apply_leaves_one_line();
     void a_failing_apply_logs_one_line_data();
     void a_failing_apply_logs_one_line();
+    void a_check_that_no_longer_holds_is_logged_data();
+    void a_check_that_no_longer_holds_is_logged();
     void success_and_cancelling_leave_no_line();
     void each_operation_of_the_panel_leaves_one_line();
 
@@ -62,7 +66,7 @@ private:
         return WarningGuard::texts(QtDebugMsg).filter(QRegularExpression("failed:|^Not "));
     }
     static void run(QThread &job);
-    /// Returns a complaint unless exactly one line contains both.
+    /// Returns a complaint unless there is exactly one line, which contains the path and ends with the cause.
     static QString wrongIn(const QStringList &lines, const QString &path, const QString &cause);
 
     QTemporaryDir m_packages;
@@ -78,7 +82,7 @@ void TstFailureLog::run(QThread &job)
 
 QString TstFailureLog::wrongIn(const QStringList &lines, const QString &path, const QString &cause)
 {
-    const bool isRight = lines.size() == 1 && lines.first().contains(path) && lines.first().contains(cause);
+    const bool isRight = lines.size() == 1 && lines.first().contains(path) && lines.first().endsWith(cause);
     return isRight ? QString()
                    : QStringLiteral("not one line with \"%1\" and \"%2\", but: %3").arg(path, cause, lines.join('\n'));
 }
@@ -93,18 +97,29 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
     const auto row = [](const char *name, int code, const QString &where, const QString &cause, const SaveStep &step) {
         QTest::newRow(name) << step << code << where << cause;
     };
-    row("a background does not come", BackupExportBkgFailed, "Opening", "did not send",
+    row("a background does not come", BackupExportBkgFailed, "the device did not send", "the background Opening",
         [](CustomSite &, EngineerDocBackup &) { Faults::instance()->arm(queryMaterailData, Fault::fail()); });
-    row("an offline device lacks a picture", BackupOfflineResourceIncomplete, offlineIp, "pictures are missing",
-        [](CustomSite &site, EngineerDocBackup &job) {
+    row("an offline device lacks a picture", BackupOfflineResourceIncomplete, "pictures are missing in",
+        QString("devices/") + offlineIp, [](CustomSite &site, EngineerDocBackup &job) {
             job.setDeviceIp(offlineIp);
             QDir(site.devicePath(offlineIp) + "/BKG").removeRecursively();
         });
-    row("no device", BackupGetDeviceFailed, "10.0.0.99", "there is no device",
+    row("no device", BackupGetDeviceFailed, "Save failed: ", "there is no device 10.0.0.99",
         [](CustomSite &, EngineerDocBackup &job) { job.setDeviceIp("10.0.0.99"); });
-    row("a preset is not serialised", BackupEncryptFailed, "Device 11", "could not be serialised",
+    row("a preset is not serialised", BackupEncryptFailed,
+        "Save failed: ", "preset 1 of Device 11 could not be serialised",
         [](CustomSite &, EngineerDocBackup &) { Faults::instance()->arm(presetFullDetail2Binary, Fault::fail()); });
-    row("a file in the folder's place", BackupEncryptFailed, "/projects", "cannot create the folder",
+    row("the presets' folder goes", BackupEncryptFailed, "Save failed: ", "/10.0.0.11/Preset/ was removed",
+        [](CustomSite &site, EngineerDocBackup &) {
+            const QString presets = site.devicePath(onlineIp) + "/Preset";
+            Faults::instance()->arm(presetFullDetail2Binary,
+                                    Fault::run([presets] { QDir(presets).removeRecursively(); }));
+        });
+    row("a file in the presets' place", BackupEncryptFailed, "Save failed: ", "/10.0.0.11/Preset/ cannot be created",
+        [](CustomSite &site, EngineerDocBackup &) {
+            QVERIFY(writeFile(site.devicePath(onlineIp) + "/Preset", "a file"));
+        });
+    row("a file in the folder's place", BackupEncryptFailed, "cannot create the folder", "/projects: File exists",
         [](CustomSite &site, EngineerDocBackup &job) {
             QVERIFY(writeFile(site.path() + "/projects", "a file"));
             job.setProjectPath(site.path() + "/projects/");
@@ -115,7 +130,7 @@ void TstFailureLog::a_failed_save_leaves_one_line_data()
         [](CustomSite &site, EngineerDocBackup &) {
             QVERIFY(QDir().mkpath(site.path() + "/projects/show.corvelpro"));
         });
-    row("a pipe among the files", BackupEncryptFailed, onlineIp + "/pipe", "not a plain file",
+    row("a pipe among the files", BackupEncryptFailed, onlineIp + "/pipe", "it is not a plain file, or cannot be read",
         [](CustomSite &site, EngineerDocBackup &) {
             QVERIFY(QDir().mkpath(site.devicePath(onlineIp)));
             ::mkfifo(QFile::encodeName(site.devicePath(onlineIp) + "/pipe").constData(), 0600);
@@ -151,40 +166,48 @@ void TstFailureLog::a_refused_apply_leaves_one_line_data()
     };
     const PackageStep none = [](PackageBuilder &) {};
     row("no device", "10.0.0.99", LoadGetDeviceFailed, "there is no device 10.0.0.99", none);
-    row("a wrong checksum", onlineIp, LoadSuccess, "its record says",
+    row("a wrong checksum", onlineIp, LoadSuccess, "its record says \"0\"",
         [](PackageBuilder &package) { package.recordWithChecksum("0", "show", "x"); });
-    row("no record", onlineIp, LoadSuccess, "not an info record",
+    row("no record", onlineIp, LoadSuccess, "the archive's comment is not an info record",
         [](PackageBuilder &package) { package.archiveComment("x"); });
-    row("no description", onlineIp, LoadJsonFileError, "no device description",
+    row("no description", onlineIp, LoadJsonFileError,
+        "there is no device description, or the archive's directory is damaged",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.txt", "x"); });
-    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or not JSON",
+    row("no JSON", onlineIp, LoadGetDeviceFailed, "a.json is empty, too large or not JSON: illegal value",
         [](PackageBuilder &package) { package = PackageBuilder().file("a.json", "no JSON"); });
-    row("another model", onlineIp, LoadDeviceTypeMismatch, "model ID is 400",
+    row("a damaged description", onlineIp, LoadGetDeviceFailed, "a.json: its CRC is wrong",
+        [](PackageBuilder &package) { package = PackageBuilder().file("a.json", "{\"a\": 1}").claimCrc(1); });
+    row("another model", onlineIp, LoadDeviceTypeMismatch, "the package's model ID is 400, the device's 1600",
         [](PackageBuilder &package) { package = packageOf(plainDevice(sourceIp, otherModel)); });
-    row("other cards", onlineIp, LoadCardMismatch, "slots", [](PackageBuilder &package) {
-        HardwareState state = plainDevice(sourceIp);
-        state.cards.removeLast();
-        package = packageOf(state);
-    });
-    row("a newer protocol", onlineIp, LoadProtocolVersionMismatch, "protocol number is 9.5",
+    row("other cards", onlineIp, LoadCardMismatch, "the package has 2 slots, the device 3, or the cards in them differ",
         [](PackageBuilder &package) {
+            HardwareState state = plainDevice(sourceIp);
+            state.cards.removeLast();
+            package = packageOf(state);
+        });
+    row("a newer protocol", onlineIp, LoadProtocolVersionMismatch,
+        "the package's protocol number is 9.5, the device's 2.4", [](PackageBuilder &package) {
             HardwareState state = plainDevice(sourceIp);
             state.protocolNumber = 9.5;
             package = packageOf(state);
         });
-    row("a damaged picture", onlineIp, LoadDecompressFailed, "LOGO/LOGO_2.png",
+    row("a damaged picture", onlineIp, LoadDecompressFailed, "extracted/LOGO/LOGO_2.png: its CRC is wrong",
         [](PackageBuilder &package) { package.claimCrc(1); });
-    row("no picture", onlineIp, LoadImageContentError, "BKG/BKG_9.png",
+    row("no picture", onlineIp, LoadImageContentError,
+        "the picture BKG/BKG_9.png: it cannot be read, is not a PNG, or is larger than 268435456 bytes",
         [](PackageBuilder &package) { package.file("BKG/BKG_9.png", "text"); });
-    row("a picture without a place", onlineIp, LoadGalleryFileError, "BKG/BKG_9.png has no place",
+    row("a picture without a place", onlineIp, LoadGalleryFileError,
+        "the picture BKG/BKG_9.png has no place in the description, or its place has another size",
         [](PackageBuilder &package) {
             package.file("BKG/BKG_9.png", pngOf(noisePicture({4, 4}, 9)));
         });
-    row("a cut picture", onlineIp, LoadGalleryFileError, "cannot decode BKG/BKG_1.png", [](PackageBuilder &package) {
-        const HardwareState state = richDevice(sourceIp);
-        const QByteArray png = pngOf(state.backgrounds.value(1).pixels);
-        package = PackageBuilder().file("a.json", descriptionOf(state)).file("BKG/BKG_1.png", png.left(png.size() / 2));
-    });
+    row("a cut picture", onlineIp, LoadGalleryFileError, "cannot decode BKG/BKG_1.png: Unable to read image data",
+        [](PackageBuilder &package) {
+            const HardwareState state = richDevice(sourceIp);
+            const QByteArray png = pngOf(state.backgrounds.value(1).pixels);
+            package =
+                PackageBuilder().file("a.json", descriptionOf(state)).file("BKG/BKG_1.png", png.left(png.size() / 2));
+        });
 }
 
 void TstFailureLog::a_refused_apply_leaves_one_line()
@@ -223,6 +246,8 @@ void TstFailureLog::a_failing_apply_logs_one_line_data()
                              << "did not take the picture BKG/BKG_1.png";
     QTest::newRow("configuration") << QString(copyModelToDevice) << onlineIp << int(LoadImportFailed)
                                    << "did not take the configuration";
+    QTest::newRow("multi-viewer") << QString(copyMVRItemDataToDevice) << onlineIp << int(LoadImportFailed)
+                                  << "the device did not take the MVR items";
     QTest::newRow("description") << QString(serailize) << offlineIp << int(LoadSerializeFailed)
                                  << "cannot write the description";
 }
@@ -248,6 +273,44 @@ void TstFailureLog::a_failing_apply_logs_one_line()
     QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());
 }
 
+void TstFailureLog::a_check_that_no_longer_holds_is_logged_data()
+{
+    QTest::addColumn<SiteStep>("change");
+    QTest::addColumn<QString>("ip");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("cause");
+
+    QTest::newRow("unplugged") << SiteStep([](CustomSite &site) { site->unplug(onlineIp); }) << onlineIp
+                               << int(LoadImportFailed)
+                               << "the device went offline or came online after it was checked";
+    const SiteStep growth = [](CustomSite &site) {
+        QVERIFY(writeFile(site.devicePath(offlineIp) + "/notes", QByteArray()));
+        QVERIFY(QFile::resize(site.devicePath(offlineIp) + "/notes", 5000 * MiB));
+    };
+    QTest::newRow("grown") << growth << offlineIp << int(LoadDecompressFailed)
+                           << "devices/10.0.0.12/ would no longer fit into a package";
+}
+
+void TstFailureLog::a_check_that_no_longer_holds_is_logged()
+{
+    QFETCH(SiteStep, change);
+    QFETCH(QString, ip);
+    QFETCH(int, code);
+    QFETCH(QString, cause);
+    CustomSite site({{plainDevice(onlineIp), true}, {plainDevice(offlineIp), false}});
+    const QString path = m_packages.filePath("show.corvelpro");
+    QVERIFY(packageOf(richDevice(sourceIp)).record("show", "x").write(path));
+    EngineerDocLoad job(nullptr);
+    job.setDeviceIp(ip);
+    job.setPackagePath(path);
+    QVERIFY(job.checkPackageFile() && job.checkDevice());
+    change(site);
+    WarningGuard::clear();
+    run(job);
+    QCOMPARE(job.resultCode(), code);
+    QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());
+}
+
 void TstFailureLog::success_and_cancelling_leave_no_line()
 {
     CustomSite site({{richDevice(onlineIp), true}, {plainDevice(offlineIp), false}});
@@ -257,6 +320,7 @@ void TstFailureLog::success_and_cancelling_leave_no_line()
     WarningGuard::clear();
     run(save);
     QCOMPARE(save.resultCode(), int(BackupSuccess));
+    QCOMPARE(save.savedPackagePath(), site.path() + "/projects/show.corvelpro");
     EngineerDocLoad load(nullptr);
     load.setDeviceIp(offlineIp);
     load.setPackagePath(site.path() + "/projects/show.corvelpro");
@@ -267,6 +331,15 @@ void TstFailureLog::success_and_cancelling_leave_no_line()
     Faults::instance()->arm(queryMaterailData, Fault::run([&save] { save.cancel(); }));
     run(save);
     QCOMPARE(save.resultCode(), int(BackupUserCanceled));
+    QCOMPARE(save.savedPackagePath(), QString());
+    load.setPackagePath(site.path() + "/missing.corvelpro");
+    QVERIFY(!load.checkPackageFile());
+    WarningGuard::clear();
+    load.setPackagePath(site.path() + "/projects/show.corvelpro");
+    QVERIFY(load.checkPackageFile() && load.checkDevice());
+    Faults::instance()->arm(serailize, Fault::run([&load] { load.cancel(); }));
+    run(load);
+    QCOMPARE(load.resultCode(), int(LoadUserCanceled));
     QCOMPARE(failures(), QStringList());
 }
 
@@ -298,7 +371,7 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     book.expectFileDialog("Project file", {broken});
     book.expectWarning("Warning", QStringLiteral("The file[%1] context is invalid.").arg(broken));
     QVERIFY(click(panel.importProject()));
-    QCOMPARE(wrongIn(logged(), broken, "not a zip archive"), QString());
+    QCOMPARE(wrongIn(logged(), broken, "is not a zip archive, or is incomplete"), QString());
 
     book.expectFileDialog("Project file", {show});
     book.expectWarning("Warning", "Import project file [show] failed");
@@ -308,7 +381,7 @@ void TstFailureLog::each_operation_of_the_panel_leaves_one_line()
     book.expectFileDialog("Project file", {broken});
     book.expectWarning("Remind", "The file does not exist or the file format is incorrect.");
     QVERIFY(click(panel.applyOthers()));
-    QCOMPARE(wrongIn(logged(), broken, "not a zip archive"), QString());
+    QCOMPARE(wrongIn(logged(), broken, "is not a zip archive, or is incomplete"), QString());
 
     QVERIFY(writeFile(elsewhere.filePath("show.corvelpro"), "taken"));
     book.expectFileDialog("choose Des Directory", {elsewhere.path()});

@@ -44,6 +44,7 @@ private slots:
     // In the archive's bytes
     void only_classic_archives_have_a_tail_data();
     void only_classic_archives_have_a_tail();
+    void without_an_end_record_nothing_is_consistent();
     void a_new_comment_changes_only_the_tail();
     void unreadable_comments_are_known_data();
     void unreadable_comments_are_known();
@@ -134,7 +135,8 @@ void TstArchiveComment::a_missing_file_is_logged()
     const bool found = ZipPackageHandle::getZipFileEngineerInfo(info);
     qInstallMessageHandler(old);
     QVERIFY(!found);
-    QVERIFY2(logged.startsWith("0|File is not exist|src/plugins/projectfilecfg/zippackagehandle"), qPrintable(logged));
+    QVERIFY2(logged.startsWith("0|File is not exist|src/plugins/projectfilecfg/zippackagehandle.cpp|"),
+             qPrintable(logged));
     QVERIFY2(logged.contains("getZipFileEngineerInfo("), qPrintable(logged));
 }
 
@@ -333,6 +335,15 @@ void TstArchiveComment::only_classic_archives_have_a_tail()
     QCOMPARE(comment.offset(), qint64(offset));
     if (offset >= 0)
         QCOMPARE(comment.bytes(), bytes.mid(offset + 2));
+}
+
+void TstArchiveComment::without_an_end_record_nothing_is_consistent()
+{
+    QVERIFY(ArchiveComment::isConsistent(endWith("comment")));
+    QVERIFY(!ArchiveComment::isConsistent(QByteArray()));
+    // Bytes that would be the right length of what follows, were there a record before them.
+    QVERIFY(!ArchiveComment::isConsistent(QByteArray(20, 'e') + '\5' + "comme"));
+    QVERIFY(!ArchiveComment::isConsistent(QByteArray(20, 'e') + QByteArray("\5\0comme", 7)));
 }
 
 void TstArchiveComment::a_new_comment_changes_only_the_tail()

@@ -97,6 +97,8 @@ void TstContentScan::non_picture_reports_nothing_data()
     QTest::addColumn<bool>("isPng");
     QTest::newRow("nothing") << QByteArray() << false;
     QTest::newRow("text") << QByteArray("this is a text, and no picture at all") << false;
+    QTest::newRow("another signature before a header")
+        << PngMaker::blank(10, 8).replace(0, 8, "\x89PNG\r\n\x1a\r") << false;
     QTest::newRow("cut in the signature") << PngMaker::signature().left(7) << false;
     QTest::newRow("cut in the header") << PngMaker::blank(10, 8).left(30 - 8) << true;
     QTest::newRow("header too late") << PngMaker::signature() + PngMaker::chunk("tEXt", "x") + PngMaker::header(10, 8)
@@ -131,7 +133,8 @@ void TstContentScan::sides_are_compared_with_their_limit()
     QFETCH(uint, width);
     QFETCH(uint, height);
     QFETCH(bool, isTooMuch);
-    const PictureScan scan = scanned(PngMaker::signature() + PngMaker::header(width, height, 16), 100);
+    const PictureScan scan =
+        scanned(PngMaker::signature() + PngMaker::header(width, height, 16) + PngMaker::end(), 100);
     QVERIFY(scan.isPng());
     QCOMPARE(scan.isBeyondLimits(), isTooMuch);
     QCOMPARE(scan.pixels(), isTooMuch ? 0 : qint64(width) * height);
@@ -152,8 +155,12 @@ void TstContentScan::texts_are_counted_to_their_limit_data()
     const int most = 4 * 1024 * 1024 - 12;
     QTest::newRow("text of 4 MiB") << PngMaker::chunk("tEXt", QByteArray(most, 'x')) << false;
     QTest::newRow("text above 4 MiB") << PngMaker::chunk("tEXt", QByteArray(most + 1, 'x')) << true;
+    QTest::newRow("a first letter") << PngMaker::chunk("aaAa", QByteArray(most + 1, 'x')) << true;
+    QTest::newRow("a last letter") << PngMaker::chunk("zzZz", QByteArray(most + 1, 'x')) << true;
     QTest::newRow("four packed texts") << PngMaker::chunk("zTXt", "x").repeated(4) << false;
-    QTest::newRow("five packed texts") << PngMaker::chunk("iTXt", "x").repeated(5) << true;
+    QTest::newRow("five packed texts") << PngMaker::chunk("zTXt", "x").repeated(5) << true;
+    QTest::newRow("five international texts") << PngMaker::chunk("iTXt", "x").repeated(5) << true;
+    QTest::newRow("five profiles") << PngMaker::chunk("iCCP", "x").repeated(5) << true;
     QTest::newRow("texts behind the end") << PngMaker::end() + PngMaker::chunk("iCCP", "x").repeated(5) << false;
     QTest::newRow("pixels") << PngMaker::chunk("IDAT", QByteArray(most + 1, 'x')) << false;
 }
@@ -191,7 +198,7 @@ void TstContentScan::only_structure_counts_as_a_part_data()
     QTest::newRow("nothing") << QByteArray() << qint64(0);
     QTest::newRow("object") << QByteArray(R"({"a":1,"b":[1,{}]})") << qint64(7);
     QTest::newRow("in a string") << QByteArray(R"(["a,b:c[{",1])") << qint64(2);
-    QTest::newRow("behind an escaped quote") << QByteArray(R"(["a\",b",1])") << qint64(2);
+    QTest::newRow("behind an escaped quote") << QByteArray(R"(["a\",b,c",1])") << qint64(2);
     QTest::newRow("behind an escaped backslash") << QByteArray(R"(["a\\",1,1])") << qint64(3);
     QTest::newRow("in a string that does not end") << QByteArray(R"(["a,,,,)") << qint64(1);
 }

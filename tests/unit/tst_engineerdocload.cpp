@@ -45,6 +45,7 @@ private slots:
     void a_package_replaced_between_checks_stays_the_first();
     void a_finished_run_releases_its_package_data();
     void a_finished_run_releases_its_package();
+    void each_run_needs_a_check_of_its_own();
     void going_offline_after_the_check_ends_the_load();
     void coming_online_after_the_check_ends_the_load();
 
@@ -300,6 +301,14 @@ void TstEngineerDocLoad::a_finished_run_releases_its_package()
     if (isFitting)
         QCOMPARE(runJob(job), int(LoadSuccess));
     QCOMPARE(openNamelessFiles(), before);
+}
+
+void TstEngineerDocLoad::each_run_needs_a_check_of_its_own()
+{
+    const std::unique_ptr<EngineerDocLoad> job =
+        checkedJob(write(packageOf(richDevice(QStringLiteral("10.0.0.77")))), offlineIp);
+    QCOMPARE(runJob(*job), int(LoadSuccess));
+    QCOMPARE(runJob(*job), int(LoadGetDeviceFailed));
 }
 
 void TstEngineerDocLoad::going_offline_after_the_check_ends_the_load()

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 
 #include <dlfcn.h>
@@ -193,6 +194,7 @@ private slots:
     void old_file_is_removed_after_flushing_the_name();
     void foreign_file_at_the_fragments_name_is_kept();
     void file_identity_survives_edits_and_renames();
+    void files_of_two_disks_are_never_the_same();
     void used_number_is_not_assigned_again();
     void creating_a_folder_flushes_its_parent();
     void existing_folder_is_not_flushed();
@@ -309,6 +311,13 @@ void TstFileSystem::unflushed_content_replaces_nothing()
     QVERIFY(writeFile(path("target"), "old"));
     s_system.flushFile = EIO;
     QVERIFY(!replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
+    {
+        ReplacingFile file(path("target"), ReplacingFile::Durability::FlushedToDisk);
+        QVERIFY(file.create());
+        QString reason;
+        QVERIFY(!file.commit(ReplacingFile::ExistingTarget::Replaced, &reason));
+        QCOMPARE(reason, QStringLiteral("cannot flush %1: Input/output error").arg(path("target")));
+    }
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
     QCOMPARE(readFile(path("target")), QByteArray("old"));
 }
@@ -322,7 +331,9 @@ void TstFileSystem::unwritten_content_replaces_nothing()
         QVERIFY(file.create());
         const FullDisk disk(0);
         file.file().write(QByteArray(size, 'x'));
-        QVERIFY(!file.commit());
+        QString reason;
+        QVERIFY(!file.commit(ReplacingFile::ExistingTarget::Replaced, &reason));
+        QCOMPARE(reason, QStringLiteral("cannot write %1: File too large").arg(path("target")));
     }
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
     QCOMPARE(readFile(path("target")), QByteArray("old"));
@@ -344,7 +355,9 @@ void TstFileSystem::unreadable_folder_keeps_its_content()
     QVERIFY(writeFile(path("target"), "old"));
     s_system.openFolder = EMFILE;
     QVERIFY(!replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
-    QVERIFY(!FileSystem::renameDurably(path("target"), path("free")));
+    QString reason;
+    QVERIFY(!FileSystem::renameDurably(path("target"), path("free"), &reason));
+    QCOMPARE(reason, QStringLiteral("cannot open the folder %1: Too many open files").arg(m_dir->path()));
     QVERIFY(!FileSystem::makeFolder(path("folder")));
     QVERIFY(!FileSystem::flushTree(m_dir->path()));
     QCOMPARE(contents(m_dir->path()), QStringList{"target"});
@@ -369,7 +382,10 @@ void TstFileSystem::unflushed_name_is_reported()
     QFETCH(bool, isTold);
     s_system.flushFolder = error;
     QCOMPARE(replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced), !isTold);
-    QCOMPARE(FileSystem::renameDurably(path("target"), path("free")), !isTold);
+    QString reason;
+    QCOMPARE(FileSystem::renameDurably(path("target"), path("free"), &reason), !isTold);
+    const QString cause = QString::fromLocal8Bit(std::strerror(error));
+    QCOMPARE(reason, isTold ? QStringLiteral("cannot flush the folder %1: %2").arg(m_dir->path(), cause) : QString());
     QCOMPARE(FileSystem::makeFolder(path("folder")), !isTold);
 }
 
@@ -386,7 +402,9 @@ void TstFileSystem::copying_works_without_exclusive_rename()
     s_system.renameToFreeName = error;
     QVERIFY(writeFile(path("from"), "new") && writeFile(path("taken"), "old"));
     QVERIFY(QFile::link(path("missing"), path("link")));
-    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("taken")));
+    QString reason;
+    QVERIFY(!FileSystem::renameToFreeName(path("from"), path("taken"), &reason));
+    QCOMPARE(reason, QStringLiteral("cannot rename %1 to %2: it already exists").arg(path("from"), path("taken")));
     QVERIFY(!FileSystem::renameToFreeName(path("from"), path("link")));
     QCOMPARE(readFile(path("taken")), QByteArray("old"));
     QVERIFY(QFileInfo(path("link")).isSymLink());
@@ -557,6 +575,16 @@ void TstFileSystem::file_identity_survives_edits_and_renames()
     QVERIFY(!nothing.isAt(path("renamed")));
 }
 
+void TstFileSystem::files_of_two_disks_are_never_the_same()
+{
+    struct stat one;
+    struct stat other;
+    if (::stat("/proc", &one) != 0 || ::stat("/sys", &other) != 0 || one.st_ino != other.st_ino)
+        QSKIP("The roots of two file systems have different numbers here");
+    QVERIFY(FileSystem::FileIdentity("/proc").isAt("/proc"));
+    QVERIFY(!FileSystem::FileIdentity("/proc").isAt("/sys"));
+}
+
 void TstFileSystem::used_number_is_not_assigned_again()
 {
     // Some file systems reuse the inode number of a removed file immediately.
@@ -588,7 +616,9 @@ void TstFileSystem::a_tree_is_flushed_with_its_disk()
     QVERIFY(FileSystem::flushTree(m_dir->path()));
     QCOMPARE(s_system.steps, QStringList{"flush disk"});
     s_system.flushDisk = EIO;
-    QVERIFY(!FileSystem::flushTree(m_dir->path()));
+    QString reason;
+    QVERIFY(!FileSystem::flushTree(m_dir->path(), &reason));
+    QCOMPARE(reason, QStringLiteral("cannot flush %1: Input/output error").arg(m_dir->path()));
 }
 
 void TstFileSystem::a_copy_aside_is_read_from_its_beginning()
@@ -607,6 +637,7 @@ void TstFileSystem::no_handle_is_left_open()
     for (int i = 0; i < 10; ++i) {
         QVERIFY(replace(ReplacingFile::Durability::FlushedToDisk, ReplacingFile::ExistingTarget::Replaced));
         QVERIFY(FileSystem::flushTree(m_dir->path()));
+        QCOMPARE(FileSystem::openToChange("/dev/null"), -1);
     }
     QCOMPARE(openHandles(), before);
 }

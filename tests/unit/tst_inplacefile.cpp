@@ -30,6 +30,8 @@ namespace {
 /// What happens elsewhere the next time that this thread sleeps, or a file is to be flushed.
 std::function<void()> s_whileAsleep;
 std::function<void()> s_beforeFlush;
+/// The error with which flushing fails.
+int s_flushError = 0;
 
 void runOnce(std::function<void()> &action)
 {
@@ -56,7 +58,8 @@ extern "C" Q_DECL_EXPORT int clock_nanosleep(clockid_t clock, int flags, const t
 extern "C" Q_DECL_EXPORT int fsync(int handle)
 {
     runOnce(s_beforeFlush);
-    return int(syscall(SYS_fsync, handle));
+    errno = s_flushError;
+    return s_flushError == 0 ? int(syscall(SYS_fsync, handle)) : -1;
 }
 
 /// Changing the end of a file in place, and recovery from an interrupted change.
@@ -73,6 +76,7 @@ private slots:
     void special_files_are_not_opened();
     void a_link_is_followed_and_stays();
     void a_full_disk_leaves_the_old_tail();
+    void a_tail_that_is_not_flushed_is_taken_back();
     void changing_a_removed_file_fails();
     void second_writer_is_refused();
     void a_lock_held_for_a_moment_is_waited_for();
@@ -88,6 +92,9 @@ private slots:
     void crash_leaves_the_old_or_new_tail_data();
     void crash_leaves_the_old_or_new_tail();
     void next_edit_finishes_an_interrupted_one();
+    void what_cannot_be_undone_keeps_its_record();
+    void a_record_that_stays_refuses_the_edit();
+    void a_record_that_cannot_be_read_refuses_the_edit();
     void scan_finishes_interrupted_edits();
     void scan_finishes_interrupted_edit_behind_a_link();
     void a_renamed_file_is_found();
@@ -95,6 +102,7 @@ private slots:
     void concurrent_changes_by_others_stay();
     void another_file_under_the_name_stays();
     void undo_record_of_a_running_edit_stays();
+    void files_that_only_look_like_records_stay();
     void recovering_brings_the_time_back();
     void the_record_precedes_the_change();
 
@@ -192,13 +200,32 @@ void TstInPlaceFile::a_full_disk_leaves_the_old_tail()
     for (int limit = 0; limit < head.size() + tail.size(); limit += 499) {
         InPlaceFile file(path("file"));
         QVERIFY(file.open());
+        QString reason;
         {
             const FullDisk disk(limit);
-            QVERIFY2(!file.replaceTail(head.size(), tail), qPrintable(QString::number(limit)));
+            QVERIFY2(!file.replaceTail(head.size(), tail, &reason), qPrintable(QString::number(limit)));
         }
+        QCOMPARE(reason,
+                 QStringLiteral("cannot write the end of %1: %2")
+                     .arg(path("file"), limit <= head.size() ? "File too large"
+                                                             : "only part of it was written, the disk may be full"));
         QVERIFY(readFile(path("file")) == head + before);
         QCOMPARE(contents(m_temp->path()), QStringList{"file"});
     }
+}
+
+void TstInPlaceFile::a_tail_that_is_not_flushed_is_taken_back()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    InPlaceFile file(path("file"));
+    QVERIFY(file.open());
+    QString reason;
+    s_flushError = EIO;
+    const bool isReplaced = file.replaceTail(head.size(), after, &reason);
+    s_flushError = 0;
+    QVERIFY(!isReplaced);
+    QCOMPARE(reason, QStringLiteral("cannot write the end of %1: Input/output error").arg(path("file")));
+    QVERIFY(readFile(path("file")) == head + before);
 }
 
 void TstInPlaceFile::changing_a_removed_file_fails()
@@ -210,7 +237,9 @@ void TstInPlaceFile::changing_a_removed_file_fails()
         QVERIFY(QFile::remove(path("file")));
         if (isReplaced)
             QVERIFY(writeFile(path("file"), "another"));
-        QVERIFY(!file.replaceTail(head.size(), after));
+        QString reason;
+        QVERIFY(!file.replaceTail(head.size(), after, &reason));
+        QCOMPARE(reason, path("file") + " was removed or replaced meanwhile");
         QCOMPARE(readFile(path("file")), isReplaced ? QByteArray("another") : QByteArray());
         QCOMPARE(contents(m_temp->path()), isReplaced ? QStringList{"file"} : QStringList());
     }
@@ -249,7 +278,9 @@ void TstInPlaceFile::a_tail_of_128_kib_can_be_replaced()
         QVERIFY(file.open());
         QCOMPARE(file.replaceTail(head.size(), after), size == longest);
         QVERIFY(readFile(path("file")) == head + (size == longest ? after : tail));
-        QVERIFY(!file.replaceTail(head.size() + size + 1, after));
+        QString reason;
+        QVERIFY(!file.replaceTail(head.size() + size + 1, after, &reason));
+        QCOMPARE(reason, QStringLiteral("cannot read the end of %1: Unknown error").arg(path("file")));
         QCOMPARE(contents(m_temp->path()), QStringList{"file"});
     }
 }
@@ -394,6 +425,53 @@ void TstInPlaceFile::next_edit_finishes_an_interrupted_one()
     QCOMPARE(contents(m_temp->path()), QStringList{"file"});
 }
 
+void TstInPlaceFile::what_cannot_be_undone_keeps_its_record()
+{
+    leaveCut("file", after.left(10) + before.mid(10));
+    QString reason;
+    bool isOpen = true;
+    {
+        InPlaceFile file(path("file"));
+        const FullDisk disk(100);
+        isOpen = file.open(&reason);
+    }
+    QVERIFY(!isOpen);
+    QVERIFY2(reason.startsWith("cannot write the end of " + path("file")), qPrintable(reason));
+    QVERIFY(QFile::exists(UndoRecord::pathFor(path("file"))));
+    // With room again it is undone.
+    QVERIFY(InPlaceFile(path("file")).open());
+    QVERIFY(readFile(path("file")) == head + before);
+}
+
+void TstInPlaceFile::a_record_that_stays_refuses_the_edit()
+{
+    leaveCut("file", after.left(10) + before.mid(10));
+    QCOMPARE(run("chmod", {"a+rwX", path("file"), UndoRecord::pathFor(path("file"))}).exitCode, 0);
+    QCOMPARE(run("chmod", {"a=rx", m_temp->path()}).exitCode, 0);
+    QString reason;
+    bool isOpen = true;
+    {
+        const OrdinaryUser user;
+        isOpen = InPlaceFile(path("file")).open(&reason);
+    }
+    QCOMPARE(run("chmod", {"u+w", m_temp->path()}).exitCode, 0);
+    QVERIFY(!isOpen);
+    QCOMPARE(
+        reason,
+        QStringLiteral("cannot remove the undo record %1: Permission denied").arg(UndoRecord::pathFor(path("file"))));
+    QVERIFY(readFile(path("file")) == head + before);
+}
+
+void TstInPlaceFile::a_record_that_cannot_be_read_refuses_the_edit()
+{
+    QVERIFY(writeFile(path("file"), head + before));
+    const QString recordPath = UndoRecord::pathFor(path("file"));
+    QVERIFY(QDir().mkdir(recordPath));
+    QString reason;
+    QVERIFY(!InPlaceFile(path("file")).open(&reason));
+    QCOMPARE(reason, "cannot read the undo record " + recordPath);
+}
+
 void TstInPlaceFile::scan_finishes_interrupted_edits()
 {
     const QString package = path("show.corvelpro");
@@ -492,6 +570,16 @@ void TstInPlaceFile::undo_record_of_a_running_edit_stays()
     InPlaceFile::recoverFile(path("file"));
     QVERIFY(readFile(path("file")) == head + torn);
     QCOMPARE(contents(m_temp->path()).filter(".undo").size(), 1);
+}
+
+void TstInPlaceFile::files_that_only_look_like_records_stay()
+{
+    QFile file(path(".notes.undo"));
+    QVERIFY(writeFile(file.fileName(), "of another program"));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+    InPlaceFile::recover(m_temp->path());
+    QCOMPARE(contents(m_temp->path()), QStringList{".notes.undo"});
 }
 
 void TstInPlaceFile::recovering_brings_the_time_back()

@@ -1,5 +1,9 @@
+#include "devicedescription.h"
 #include "loadtesting.h"
+#include "packagecopy.h"
+#include "packagereader.h"
 
+#include <core/icore.h>
 #include <model/deviceconfigmanager.h>
 #include <model/deviceeditor.h>
 
@@ -32,6 +36,11 @@ private slots:
     void wrong_checksum_fails_with_success_code();
     void a_right_checksum_passes();
     void an_unknown_target_is_refused();
+    void without_a_package_no_device_is_checked();
+    void the_folder_for_the_copy_is_made();
+    void another_path_is_another_package();
+    void a_failed_copy_leaves_no_package();
+    void a_description_that_is_not_extracted_is_refused();
     void a_huge_description_is_refused_data();
     void a_huge_description_is_refused();
     void a_package_without_description_is_refused();
@@ -54,6 +63,7 @@ private slots:
     // Reading a description
     void reading_a_description_data();
     void reading_a_description();
+    void a_missing_description_has_no_error();
     void an_unreadable_description_logs_its_path();
     void invalid_utf8_becomes_replacement_characters();
 };
@@ -78,8 +88,12 @@ void TstLoadChecks::a_missing_package_is_refused()
 {
     EngineerDocLoad job(nullptr);
     job.setPackagePath(m_packages.filePath(QStringLiteral("missing.corvelpro")));
+    WarningGuard::clear();
     QVERIFY(!job.checkPackageFile());
     QCOMPARE(job.resultCode(), int(LoadFileContentError));
+    QCOMPARE(WarningGuard::texts(QtDebugMsg),
+             QStringList{QStringLiteral("Apply of %1 failed: there is no such file")
+                             .arg(m_packages.filePath(QStringLiteral("missing.corvelpro")))});
 }
 
 void TstLoadChecks::wrong_checksum_fails_with_success_code()
@@ -105,6 +119,77 @@ void TstLoadChecks::a_right_checksum_passes()
 void TstLoadChecks::an_unknown_target_is_refused()
 {
     QCOMPARE(check(packageOf(plainDevice(sourceIp)), QStringLiteral("10.0.0.99")), int(LoadGetDeviceFailed));
+}
+
+void TstLoadChecks::without_a_package_no_device_is_checked()
+{
+    const auto checked = [](const QString &path) {
+        EngineerDocLoad job(nullptr);
+        job.setDeviceIp(onlineIp);
+        job.setPackagePath(path);
+        WarningGuard::clear();
+        return job.checkDevice() ? QStringLiteral("passed")
+                                 : QString::number(job.resultCode()) + ' ' + WarningGuard::texts(QtDebugMsg).join('|');
+    };
+    const auto failure = [](LoadResultCode code, const QString &path, const QString &cause) {
+        return QStringLiteral("%1 Apply of %2 failed: %3").arg(code).arg(path, cause);
+    };
+    const QString missing = m_packages.filePath("missing.corvelpro");
+    QCOMPARE(checked(missing),
+             failure(LoadJsonFileError, missing, "cannot open " + missing + ": No such file or directory"));
+    const QString renamed = write(packageOf(plainDevice(sourceIp)), "show.zip");
+    QCOMPARE(checked(renamed), failure(LoadJsonFileError, renamed, "it does not have the extension of a package"));
+    const QString package = write(packageOf(plainDevice(sourceIp)));
+    QCOMPARE(checked(package), QString("passed"));
+    QString answer;
+    {
+        const FullDisk disk(100);
+        answer = checked(package);
+    }
+    QVERIFY2(answer.startsWith(failure(LoadDecompressFailed, package, "no room for a copy of " + package)),
+             qPrintable(answer));
+}
+
+void TstLoadChecks::the_folder_for_the_copy_is_made()
+{
+    const QString package = write(packageOf(plainDevice(sourceIp)));
+    QVERIFY(QDir(Core::ICore::ExtractJsonPath()).removeRecursively());
+    const QByteArray temporary = qgetenv("TMPDIR");
+    qputenv("TMPDIR", "/nowhere");
+    EngineerDocLoad job(nullptr);
+    job.setPackagePath(package);
+    const bool isOpen = job.checkPackageFile();
+    qputenv("TMPDIR", temporary);
+    QVERIFY(isOpen);
+}
+
+void TstLoadChecks::another_path_is_another_package()
+{
+    const QString own = write(packageOf(plainDevice(sourceIp)), "own.corvelpro");
+    const QString other = write(packageOf(plainDevice(sourceIp, otherModel)), "other.corvelpro");
+    EngineerDocLoad job(nullptr);
+    job.setDeviceIp(onlineIp);
+    job.setPackagePath(own);
+    QVERIFY(job.checkPackageFile());
+    job.setPackagePath(other);
+    QVERIFY(!job.checkDevice());
+    QCOMPARE(job.resultCode(), int(LoadDeviceTypeMismatch));
+}
+
+void TstLoadChecks::a_failed_copy_leaves_no_package()
+{
+    std::unique_ptr<PackageReader> package;
+    QCOMPARE(openPackageCopy(write(packageOf(plainDevice(sourceIp))), package, nullptr), LoadSuccess);
+    QVERIFY(package && package->isOpen());
+    QCOMPARE(openPackageCopy(m_packages.filePath("missing.corvelpro"), package, nullptr), LoadSuccess);
+    QVERIFY(!package);
+}
+
+void TstLoadChecks::a_description_that_is_not_extracted_is_refused()
+{
+    // It could be read, but others expect the file.
+    QVERIFY(QDir().mkpath(Core::ICore::ExtractJsonPath() + "/device.json"));
+    QCOMPARE(check(descriptionOnly(descriptionOf(plainDevice(sourceIp))), onlineIp), int(LoadGetDeviceFailed));
 }
 
 void TstLoadChecks::a_huge_description_is_refused_data()
@@ -347,6 +432,17 @@ void TstLoadChecks::reading_a_description()
     if (device)
         QCOMPARE(device->getModelID(), content.contains("modelId") ? mainModel : 0);
     QFile::remove(path);
+}
+
+void TstLoadChecks::a_missing_description_has_no_error()
+{
+    const QString path = m_packages.filePath("broken.json");
+    QVERIFY(writeFile(path, "{"));
+    QString error;
+    QVERIFY(!readDeviceDescription(path, error));
+    QVERIFY(!error.isEmpty());
+    QVERIFY(!readDeviceDescription(m_packages.filePath("missing.json"), error));
+    QCOMPARE(error, QString());
 }
 
 void TstLoadChecks::an_unreadable_description_logs_its_path()

@@ -84,8 +84,12 @@ void TstOfflineRoom::contents_of_4_gib_fit_and_no_more()
     QFETCH(QString, inDevice);
     QFETCH(qint64, sizeInDevice);
     QFETCH(bool, isCounted);
-    const PackageBuilder package =
-        PackageBuilder().file("a", QByteArray()).claimSize(quint32(inPackage)).file("x.json", "{}").claimSize(900);
+    const PackageBuilder package = PackageBuilder()
+                                       .file("a", QByteArray())
+                                       .claimSize(quint32(inPackage))
+                                       .file("x.json", "{}")
+                                       .claimSize(900)
+                                       .file("empty/empty", QByteArray());
     QVERIFY(hasFile(inDevice, sizeInDevice));
     QVERIFY(fits(package));
     QVERIFY(hasFile(inDevice, sizeInDevice + 1));

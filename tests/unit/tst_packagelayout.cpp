@@ -18,6 +18,8 @@ private slots:
     void formed_entry_name_yields_its_number();
     void path_has_one_normal_form_data();
     void path_has_one_normal_form();
+    void names_that_lead_out_are_not_safe_data();
+    void names_that_lead_out_are_not_safe();
     void names_that_block_later_packages_are_known_data();
     void names_that_block_later_packages_are_known();
     void names_in_utf8_stay_as_they_are();
@@ -84,6 +86,31 @@ void TstPackageLayout::path_has_one_normal_form()
     QCOMPARE(PackageLayout::plainName(name), plain);
 }
 
+void TstPackageLayout::names_that_lead_out_are_not_safe_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isSafe");
+    const auto row = [](const QString &name, bool isSafe) {
+        QTest::newRow(qPrintable(QString(name).replace(QChar(0), "NUL"))) << name << isSafe;
+    };
+    for (const char *name : {"a", "a/", "a/b.png", "..a", "a..", "a/..b/c", "...", "a/./b", "ab:c", "1:", "a/1:/b"})
+        row(name, true);
+    for (const char *name : {"..", "../a", "a/../b", "a/..", " .. ", "a/.. /b", "\\..\\a", "a\\..\\b", "/a", "\\a",
+                             "C:", "C:a", "a:b", "a/c:b", "a\\c:", ".", "a/.", "a\\."})
+        row(name, false);
+    row(QString("a") + QChar(0), false);
+    QTest::newRow("nothing") << QString() << false;
+    QTest::newRow("64 levels") << QString("d/").repeated(63) + 'x' << true;
+    QTest::newRow("65 levels") << QString("d/").repeated(64) + 'x' << false;
+}
+
+void TstPackageLayout::names_that_lead_out_are_not_safe()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isSafe);
+    QCOMPARE(PackageLayout::isSafeName(name), isSafe);
+}
+
 void TstPackageLayout::names_that_block_later_packages_are_known_data()
 {
     QTest::addColumn<QString>("name");
@@ -131,6 +158,13 @@ void TstPackageLayout::invalid_utf8_bytes_are_percent_escaped_data()
                                    << QStringList{"Preset/%FF.RPst", "Preset/%FE.RPst", "Preset/%C3.RPst"};
     QTest::newRow("characters among them")
         << Names{"\xC3\xA4\xC3\xE5\x9B\xBE"} << QStringList{QString::fromUtf8("\xC3\xA4%C3\xE5\x9B\xBE")};
+    QTest::newRow("behind characters of every size")
+        << Names{"\xDF\xBF\xFF", "\xE0\xA4\x85\xFF", "\xEF\xBF\xBD\xFF", "\xF0\x9F\x8E\xAC\xFF"}
+        << QStringList{QString::fromUtf8("\xDF\xBF%FF"), QString::fromUtf8("\xE0\xA4\x85%FF"),
+                       QString::fromUtf8("\xEF\xBF\xBD%FF"), QString::fromUtf8("\xF0\x9F\x8E\xAC%FF")};
+    QTest::newRow("before the last character")
+        << Names{"\xFF\xC3\xA4"} << QStringList{QString::fromUtf8("%FF\xC3\xA4")};
+    QTest::newRow("behind the last ASCII character") << Names{"\x7F\xFF"} << QStringList{"\x7F%FF"};
     QTest::newRow("beside one that looks like it") << Names{"%FF", "\xFF", "%"} << QStringList{"%FF", "%%FF", "%"};
     QTest::newRow("percent sign in front") << Names{"%\xFF", "\xFF%"} << QStringList{"%%%FF", "%%FF%"};
     QTest::newRow("separator written too long") << Names{"..\xC0\xAFx"} << QStringList{"..%C0%AFx"};

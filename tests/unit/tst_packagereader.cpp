@@ -2,6 +2,7 @@
 #include "packagetesting.h"
 #include "zippackagehandle.h"
 
+#include <data/ziparchive.h>
 #include <support/packagebuilder.h>
 #include <support/testmain.h>
 
@@ -60,6 +61,8 @@ private slots:
     void the_list_is_that_of_the_archiver();
     void every_entry_comes_out_whole_in_any_order();
     void paths_are_returned_as_the_archiver_returns_them();
+    void contents_larger_than_the_archive_are_not_listed();
+    void a_link_before_the_destination_is_followed();
     void missing_entry_reads_as_null();
     void reading_an_entry_gives_what_extracting_it_writes();
     void reading_refuses_what_extracting_refuses();
@@ -255,12 +258,38 @@ void TstPackageReader::paths_are_returned_as_the_archiver_returns_them()
     QVERIFY(QDir::setCurrent(current));
 }
 
+void TstPackageReader::contents_larger_than_the_archive_are_not_listed()
+{
+    TestData::ZipArchive archive(PackageBuilder().file("a", noise(100)).file("b", noise(100)).build());
+    // The packed sizes, as if both entries had the same content.
+    const int packedSize = 20;
+    const quint32 rest = quint32(archive.bytes.size()) - archive.get32(archive.central(1) + packedSize);
+    archive.set32(archive.central(0) + packedSize, rest);
+    QVERIFY(writeFile(m_package, archive.bytes));
+    QCOMPARE(PackageReader(m_package).fileList(), QStringList({"a", "b"}));
+    archive.set32(archive.central(0) + packedSize, rest + 1);
+    QVERIFY(writeFile(m_package, archive.bytes));
+    QCOMPARE(PackageReader(m_package).fileList(), QStringList());
+}
+
+void TstPackageReader::a_link_before_the_destination_is_followed()
+{
+    QVERIFY(PackageBuilder().file("a/b/c/file", "content").write(m_package));
+    const QString folder = QFileInfo(m_package).absolutePath();
+    QVERIFY(QDir().mkpath(folder + "/behind") && QFile::link(folder + "/behind", folder + "/link"));
+    PackageReader package(m_package);
+    QVERIFY(!package.extractFile("a/b/c/file", folder + "/link/x").isEmpty());
+    QCOMPARE(readFile(folder + "/behind/x"), QByteArray("content"));
+}
+
 void TstPackageReader::missing_entry_reads_as_null()
 {
     write(PackageBuilder().file("a.txt", "a"));
     PackageReader reader(m_package);
     QCOMPARE(reader.extractFile("b.txt", destination("b.txt")), QString());
     QCOMPARE(reader.extractFile("A.TXT", destination("A.TXT")), QString());
+    QCOMPARE(reader.entrySize("a.txt"), qint64(1));
+    QCOMPARE(reader.entrySize("b.txt"), qint64(-1));
     QCOMPARE(reader.extractFile("", destination("x")), QString());
     QCOMPARE(reader.extractFile("a.txt", destination("folder/")), QString());
     QCOMPARE(contents(m_out), QStringList());

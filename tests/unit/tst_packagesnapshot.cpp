@@ -48,6 +48,8 @@ private slots:
     void a_copy_waits_for_a_running_edit();
     void waiting_for_a_writer_is_bounded();
     void the_package_can_be_edited_after_the_copy();
+    void a_copy_without_room_is_dropped();
+    void a_file_that_takes_the_copy_s_name_stays();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
@@ -122,6 +124,35 @@ void TstPackageSnapshot::the_package_can_be_edited_after_the_copy()
     QCOMPARE(snapshot.take(path("show.corvelpro"), {m_temp->path()}), PackageSnapshot::Outcome::Taken);
     QVERIFY(FileSystem::lock(other.handle()));
     QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}), PackageSnapshot::Outcome::Unreadable);
+}
+
+void TstPackageSnapshot::a_copy_without_room_is_dropped()
+{
+    QVERIFY(writeFile(path("show.corvelpro"), noise(100000)));
+    PackageSnapshot snapshot;
+    PackageSnapshot::Outcome outcome = PackageSnapshot::Outcome::Taken;
+    {
+        const FullDisk disk(1000);
+        outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()});
+    }
+    QCOMPARE(outcome, PackageSnapshot::Outcome::NoRoom);
+    // It would take up the room that there is not.
+    QVERIFY(!snapshot.release());
+}
+
+void TstPackageSnapshot::a_file_that_takes_the_copy_s_name_stays()
+{
+    QVERIFY(writeFile(path("show.corvelpro"), "package"));
+    PackageSnapshot snapshot;
+    QCOMPARE(snapshot.take(path("show.corvelpro"), {m_temp->path()}), PackageSnapshot::Outcome::Taken);
+    std::unique_ptr<QFile> copy = snapshot.release();
+    QCOMPARE(contents(m_temp->path()), QStringList{"show.corvelpro"});
+    const QString name = copy->fileName();
+    // Hidden, and recognizable if it ever stays.
+    QVERIFY2(QFileInfo(name).fileName().startsWith('.') && name.endsWith(".part"), qPrintable(name));
+    QVERIFY(writeFile(name, "of another program"));
+    copy.reset();
+    QCOMPARE(readFile(name), QByteArray("of another program"));
 }
 
 TEST_MAIN_CORE(TstPackageSnapshot)

@@ -54,10 +54,13 @@ private slots:
     void unreadable_files_are_refused();
     void more_than_65534_entries_are_refused();
     void pictures_above_4_gib_together_are_refused_early();
+    void contents_above_4_gib_are_refused();
+    void descriptions_above_64_mib_together_are_refused();
     void more_descriptions_than_a_reader_takes_are_refused();
     void more_pixels_than_a_load_takes_are_refused();
     void pictures_of_2_to_the_32_pixels_are_packed();
     void a_description_of_a_million_parts_is_packed();
+    void a_description_that_grows_too_large_is_refused();
     void what_a_killed_process_left_is_not_packed();
     void overlong_names_are_refused();
     void a_full_disk_makes_writing_fail();
@@ -73,6 +76,8 @@ private slots:
 
 private:
     bool pack();
+    /// Why the directory is not packed, without its path.
+    QString refusal() const;
     /// The archive under a package's name.
     QString renamedAsPackage() const;
     /// Packs such that without padding the archive would exceed a chunk by that much.
@@ -103,6 +108,13 @@ bool TstPackageWriter::pack()
     QFile archive(m_archive);
     return writer.scan() && archive.open(QIODevice::ReadWrite | QIODevice::Truncate) && writer.write(archive) &&
            writer.isListedIn(PackageReader(m_archive));
+}
+
+QString TstPackageWriter::refusal() const
+{
+    QString reason;
+    PackageWriter(m_dir, m_archive).scan(&reason);
+    return reason.remove(m_dir);
 }
 
 QString TstPackageWriter::renamedAsPackage() const
@@ -205,11 +217,13 @@ void TstPackageWriter::a_time_before_1980_is_stored_as_1980()
 {
     QVERIFY(writeFile(m_dir + "/old.txt", "old"));
     QCOMPARE(run("touch", {"-d", "1979-12-31 23:59:58", m_dir + "/old.txt"}).exitCode, 0);
+    QVERIFY(writeFile(m_dir + "/first.txt", "first"));
+    QCOMPARE(run("touch", {"-d", "1980-06-01 12:00:00", m_dir + "/first.txt"}).exitCode, 0);
     QVERIFY(pack());
     const Run time = runPython("import sys, zipfile\n"
-                               "print(zipfile.ZipFile(sys.argv[1]).infolist()[0].date_time)\n",
+                               "print(*(i.date_time for i in zipfile.ZipFile(sys.argv[1]).infolist()), sep='\\n')\n",
                                {m_archive});
-    QCOMPARE(time.output, QByteArray("(1980, 1, 1, 0, 0, 0)\n"));
+    QCOMPARE(time.output, QByteArray("(1980, 6, 1, 12, 0, 0)\n(1980, 1, 1, 0, 0, 0)\n"));
 }
 
 void TstPackageWriter::times_after_2107_are_clamped_to_2107()
@@ -378,20 +392,24 @@ void TstPackageWriter::unreadable_files_are_refused_data()
 {
     QTest::addColumn<QString>("locked");
     QTest::addColumn<QString>("mode");
+    QTest::addColumn<QString>("cause");
+    const QString folder = "the folder cannot be read";
     QTest::newRow("file") << "/sub/file.txt"
-                          << "a-rwx";
+                          << "a-rwx"
+                          << "it is not a plain file, or cannot be read";
     QTest::newRow("folder") << "/sub"
-                            << "a-rwx";
+                            << "a-rwx" << folder;
     QTest::newRow("folder that may not be listed") << "/sub"
-                                                   << "a-r";
+                                                   << "a-r" << folder;
     QTest::newRow("folder that may not be entered") << "/sub"
-                                                    << "a-x";
+                                                    << "a-x" << folder;
 }
 
 void TstPackageWriter::unreadable_files_are_refused()
 {
     QFETCH(QString, locked);
     QFETCH(QString, mode);
+    QFETCH(QString, cause);
     QVERIFY(writeFile(m_dir + "/sub/file.txt", "x"));
     QCOMPARE(run("chmod", {"-R", "a+rX", m_temp->path()}).exitCode, 0);
     {
@@ -401,7 +419,7 @@ void TstPackageWriter::unreadable_files_are_refused()
     QCOMPARE(run("chmod", {mode, m_dir + locked}).exitCode, 0);
     {
         const OrdinaryUser user;
-        QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+        QCOMPARE(refusal(), QStringLiteral("cannot pack %1: %2").arg(locked, cause));
     }
     QCOMPARE(run("chmod", {"u+rwx", m_dir + locked}).exitCode, 0);
 }
@@ -418,7 +436,7 @@ void TstPackageWriter::more_than_65534_entries_are_refused()
         QVERIFY(add(i));
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(add(65533));
-    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+    QCOMPARE(refusal(), QString("cannot pack /files: a package cannot hold that many entries"));
 }
 
 void TstPackageWriter::pictures_above_4_gib_together_are_refused_early()
@@ -436,11 +454,31 @@ void TstPackageWriter::pictures_above_4_gib_together_are_refused_early()
     }
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     QVERIFY(pictures.last()->resize(pictures.last()->size() + 1));
-    QVERIFY(!PackageWriter(m_dir, m_archive).scan());
+    QCOMPARE(refusal(), QString(" has 4294967295 bytes when packed, the limit is 4294967294"));
     // Deflating may make it small enough.
     QVERIFY(pictures.last()->rename(m_dir + "/15_0.bin"));
     QVERIFY(PackageWriter(m_dir, m_archive).scan());
     qDeleteAll(pictures);
+}
+
+void TstPackageWriter::contents_above_4_gib_are_refused()
+{
+    for (int number = 0; number < 4; ++number) {
+        const QString path = m_dir + '/' + QString::number(number);
+        QVERIFY(writeFile(path, QByteArray()) && QFile::resize(path, 1024 * MiB));
+    }
+    QCOMPARE(refusal(), QString());
+    QVERIFY(writeFile(m_dir + "/one", "x"));
+    QCOMPARE(refusal(), QString(" has 4294967297 bytes, the limit is 4294967296"));
+}
+
+void TstPackageWriter::descriptions_above_64_mib_together_are_refused()
+{
+    for (const char *name : {"/a.json", "/b.json", "/c.json", "/d.json"})
+        QVERIFY(writeFile(m_dir + name, QByteArray()) && QFile::resize(m_dir + name, 16 * MiB));
+    QCOMPARE(refusal(), QString());
+    QVERIFY(QFile::resize(m_dir + "/d.json", 16 * MiB + 1));
+    QCOMPARE(refusal(), QString(" has 67108865 bytes of descriptions, the limit is 67108864"));
 }
 
 void TstPackageWriter::more_descriptions_than_a_reader_takes_are_refused()
@@ -450,7 +488,7 @@ void TstPackageWriter::more_descriptions_than_a_reader_takes_are_refused()
     QVERIFY(pack());
     QCOMPARE(ZipPackageHandle::extractJsonFiles(renamedAsPackage(), m_temp->path() + "/out").count(QString()), 0);
     QVERIFY(writeFile(m_dir + "/sub/more.Json", "{}"));
-    QVERIFY(!pack());
+    QCOMPARE(refusal(), QString(" has 1001 descriptions, the limit is 1000"));
 }
 
 void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
@@ -462,6 +500,11 @@ void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
     QVERIFY(pack());
     QVERIFY(writeFile(m_dir + "/not in the gallery.png", png));
     QVERIFY(pack());
+    // Each write counts anew: a second one moves the end record.
+    PackageWriter writer(m_dir, m_archive);
+    QFile archive(m_archive);
+    QVERIFY(writer.scan() && archive.open(QIODevice::ReadWrite));
+    QVERIFY(writer.write(archive) && writer.write(archive));
     QVERIFY(writeFile(m_dir + "/BKG/85.png", png));
     QVERIFY(!pack());
 }
@@ -483,6 +526,20 @@ void TstPackageWriter::a_description_of_a_million_parts_is_packed()
     QVERIFY(pack());
     QVERIFY(writeFile(m_dir + "/a.json", "[1" + QByteArray(",1").repeated(most) + "]"));
     QVERIFY(!pack());
+}
+
+void TstPackageWriter::a_description_that_grows_too_large_is_refused()
+{
+    QVERIFY(writeFile(m_dir + "/a.json", "{}"));
+    PackageWriter writer(m_dir, m_archive);
+    QFile archive(m_archive);
+    QVERIFY(writer.scan() && archive.open(QIODevice::ReadWrite));
+    QVERIFY(QFile::resize(m_dir + "/a.json", 16 * MiB));
+    QVERIFY(writer.write(archive));
+    QVERIFY(QFile::resize(m_dir + "/a.json", 16 * MiB + 1));
+    QString reason;
+    QVERIFY(!writer.write(archive, &reason));
+    QCOMPARE(reason, "cannot pack " + m_dir + "/a.json: there are more than 16777216 bytes");
 }
 
 void TstPackageWriter::what_a_killed_process_left_is_not_packed()
@@ -508,9 +565,12 @@ void TstPackageWriter::overlong_names_are_refused()
         QFile file(branch + '/' + QString::number(number).rightJustified(100, '0'));
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
+    // Exactly the limit.
+    for (qint64 left = 16 * MiB - folders - most * leaf; left > 0; left -= 200)
+        QVERIFY(writeFile(m_dir + '/' + QString::number(left).leftJustified(int(qMin<qint64>(left, 200)), 'x'), {}));
     QVERIFY(pack());
-    QVERIFY(writeFile(branch + '/' + QString(100, 'x'), QByteArray()));
-    QVERIFY(!pack());
+    QVERIFY(writeFile(m_dir + "/y", QByteArray()));
+    QVERIFY2(refusal().endsWith(" bytes of names, the limit is 16777216"), qPrintable(refusal()));
 }
 
 void TstPackageWriter::a_full_disk_makes_writing_fail()
@@ -552,7 +612,9 @@ void TstPackageWriter::replaced_archive_is_not_mistaken_for_ours()
 
     QVERIFY(writeFile(m_dir + "/LOGO/LOGO_3.png", noise(101)));
     QVERIFY(pack());
-    QVERIFY(!writer.isListedIn(PackageReader(m_archive)));
+    QString reason;
+    QVERIFY(!writer.isListedIn(PackageReader(m_archive), &reason));
+    QCOMPARE(reason, QString("its entries differ"));
     QVERIFY(QFile::remove(m_dir + "/LOGO/LOGO_3.png"));
     QVERIFY(pack());
     QVERIFY(!writer.isListedIn(PackageReader(m_archive)));

@@ -67,21 +67,26 @@ void TstPictureDecoder::undecodable_picture_is_null_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QSize>("size");
     const QByteArray good = pngOf(noisePicture({60, 40}, 1));
-    QTest::newRow("nothing") << QByteArray() << QSize(60, 40);
-    QTest::newRow("no picture") << QByteArray("no picture at all") << QSize(60, 40);
-    QTest::newRow("another size") << good << QSize(40, 60);
-    QTest::newRow("cut off") << good.left(good.size() / 2) << QSize(60, 40);
+    QTest::addColumn<QString>("cause");
+    const QString otherSize = QStringLiteral("its size is not the expected one");
+    QTest::newRow("nothing") << QByteArray() << QSize(60, 40) << otherSize;
+    QTest::newRow("no picture") << QByteArray("no picture at all") << QSize(60, 40) << otherSize;
+    QTest::newRow("another size") << good << QSize(40, 60) << otherSize;
+    QTest::newRow("cut off") << good.left(good.size() / 2) << QSize(60, 40) << "Unable to read image data";
 }
 
 void TstPictureDecoder::undecodable_picture_is_null()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QSize, size);
+    QFETCH(QString, cause);
     const ExpectMessage libraryNoise(QtWarningMsg, QRegularExpression(QStringLiteral("^libpng ")),
                                      ExpectMessage::AnyNumber);
     PictureDecoder decoder(1);
     decoder.begin(one, contentOf(bytes), size);
-    QVERIFY(decoder.take(one).isNull());
+    QString reason;
+    QVERIFY(decoder.take(one, &reason).isNull());
+    QCOMPARE(reason, QStringLiteral("cannot decode one: ") + cause);
 }
 
 void TstPictureDecoder::destruction_does_not_need_the_pictures()

@@ -30,6 +30,7 @@ private slots:
     void pictures_under_way_stay_within_the_budget_data();
     void pictures_under_way_stay_within_the_budget();
     void written_files_are_reported_with_their_size();
+    void a_picture_without_room_is_reported();
     void encoder_exception_reaches_the_caller();
     void destruction_leaves_only_complete_pictures();
 
@@ -180,6 +181,24 @@ void TstPictureWriter::written_files_are_reported_with_their_size()
     QVERIFY(!writer.hasPictures());
     QCOMPARE(writer.written(), (QHash<QString, qint64>{{path(1), QFileInfo(path(1)).size()}}));
     QCOMPARE(writer.written().value(path(1)), qint64(pngOf(noisePicture({20, 10}, 4)).size()));
+}
+
+void TstPictureWriter::a_picture_without_room_is_reported()
+{
+    PictureWriter writer(m_encoded);
+    QString reason;
+    bool isWhole = true;
+    {
+        const FullDisk disk(1000);
+        writer.write(noisePicture({3, 2}, 1), path(1));
+        writer.write(noisePicture({60, 40}, 2), path(2));
+        writer.write(noisePicture({60, 40}, 3), path(3));
+        isWhole = writer.waitForDone(&reason);
+    }
+    QVERIFY(!isWhole);
+    // The first one that is incomplete.
+    QCOMPARE(reason, QStringLiteral("cannot write %1: only part of it was written, the disk may be full").arg(path(2)));
+    QCOMPARE(writer.written().keys(), QStringList{path(1)});
 }
 
 void TstPictureWriter::encoder_exception_reaches_the_caller()

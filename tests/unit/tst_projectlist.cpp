@@ -4,6 +4,7 @@
 #include <support/packagebuilder.h>
 #include <support/testmain.h>
 
+#include <QSemaphore>
 #include <QtConcurrentRun>
 
 #include <functional>
@@ -52,6 +53,7 @@ private slots:
     void clearing_removes_every_file_that_it_can();
 
     void held_list_does_not_block_scans();
+    void a_list_held_during_a_scan_stays();
     void list_held_twice_is_free_after_both();
     void scan_waits_for_a_briefly_locked_list();
 
@@ -122,7 +124,7 @@ void TstProjectList::uncreatable_directory_leaves_the_list()
     scan();
     QCOMPARE(names(), QStringList{"A"});
     QVERIFY(writeFile(m_temp->path() + "/file", "in the way"));
-    m_list->scanProjectFiles(m_temp->path() + "/file/ProjectFiles/", m_list->beginScan());
+    QCOMPARE(m_list->scanProjectFiles(m_temp->path() + "/file/ProjectFiles/", m_list->beginScan()), -1);
     QCOMPARE(names(), QStringList{"A"});
 }
 
@@ -437,7 +439,9 @@ void TstProjectList::held_list_does_not_block_scans()
     {
         const ProjectList::Hold hold(*m_list);
         // On another thread: this one may lock the list again.
-        std::thread([this] { scan(); }).join();
+        int next = 0;
+        std::thread([&] { next = m_list->scanProjectFiles(m_path, m_list->beginScan()); }).join();
+        QCOMPARE(next, -1);
         QVERIFY(m_list->listProjects.isEmpty());
         QVERIFY(!m_list->takeMissedScan());
     }
@@ -446,6 +450,33 @@ void TstProjectList::held_list_does_not_block_scans()
     scan();
     QCOMPARE(names(), QStringList{"A"});
     QVERIFY(!m_list->takeMissedScan());
+}
+
+void TstProjectList::a_list_held_during_a_scan_stays()
+{
+    QVERIFY(addPackage("A.corvelpro", "a"));
+    scan();
+    QVERIFY(addPackage("B.corvelpro", "b"));
+    QVERIFY(writeFile(m_path + "No package.corvelpro", "text"));
+    // The scan says why it skips the file after it has looked at the list, and before it replaces it.
+    static QSemaphore isHalfway;
+    static QSemaphore isHeld;
+    const QtMessageHandler old = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {
+        isHalfway.release();
+        isHeld.acquire();
+    });
+    std::thread scanning([this] { scan(); });
+    isHalfway.acquire();
+    {
+        const ProjectList::Hold hold(*m_list);
+        isHeld.release();
+        scanning.join();
+        qInstallMessageHandler(old);
+        QCOMPARE(names(), QStringList{"A"});
+    }
+    QVERIFY(m_list->takeMissedScan());
+    scan();
+    QCOMPARE(m_list->listProjects.size(), 2);
 }
 
 void TstProjectList::list_held_twice_is_free_after_both()
@@ -517,6 +548,18 @@ void TstProjectList::only_young_invalid_files_ask_for_another_scan()
     // Nine seconds in the future stays recent long enough, even on a slow machine.
     QVERIFY(setAge(-9));
     QVERIFY(next() > 0);
+    const int later = next();
+    QVERIFY(writeFile(m_path + "C.corvelpro", "no package"));
+    // The earlier of two looks, whichever file is first.
+    for (const int seconds : {-5, -9}) {
+        QVERIFY(setAge(seconds));
+        QFile file(m_path + "C.corvelpro");
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(
+            file.setFileTime(QDateTime::currentDateTime().addSecs(14 + seconds), QFileDevice::FileModificationTime));
+        const int earlier = next();
+        QVERIFY2(earlier > 0 && earlier < later - 2000, qPrintable(QString::number(earlier)));
+    }
     // A file at rest next to it does not hide it.
     QVERIFY(writeFile(m_path + "C.corvelpro", "no package"));
     QVERIFY(next() > 0);

@@ -13,6 +13,8 @@
 #include <cerrno>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <functional>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +30,8 @@ QHash<QByteArray, int> s_opened;
 /// The number of reads, and whether seeking fails. On the test's thread only.
 int s_reads = 0;
 bool s_seekFails = false;
+/// Called when a read lock was refused.
+std::function<void()> s_onRefusedReader;
 
 } // namespace
 
@@ -52,6 +56,17 @@ off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
 
 } // namespace
 
+extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
+{
+    static const auto original = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "flock"));
+    const int result = original(handle, operation);
+    const int error = errno;
+    if (result != 0 && (operation & LOCK_SH) && s_onRefusedReader)
+        s_onRefusedReader();
+    errno = error;
+    return result;
+}
+
 extern "C" Q_DECL_EXPORT off_t lseek(int handle, off_t offset, int whence) noexcept
 {
     return seekUnlessItFails(handle, offset, whence);
@@ -61,6 +76,9 @@ extern "C" Q_DECL_EXPORT off64_t lseek64(int handle, off64_t offset, int whence)
 {
     return seekUnlessItFails(handle, offset, whence);
 }
+
+using Damage = std::function<void(QByteArray &package)>;
+Q_DECLARE_METATYPE(Damage)
 
 /// Exposes writeData(), which QIODevice::write() never reaches on a read-only device.
 class WritablePackageFile : public ReadCacheDevice
@@ -82,11 +100,15 @@ private slots:
     void reading_past_the_end_returns_nothing();
     void the_last_65577_bytes_are_read_once();
     void a_failing_seek_is_a_failed_read();
+    void an_open_package_can_be_edited();
+    void a_torn_end_is_not_taken();
     void unopened_file_has_no_size();
     void nothing_can_be_written();
     void unreadable_file_is_not_opened();
     void a_scan_opens_each_package_once();
     void packing_opens_the_archive_once_to_verify_it();
+    void what_does_not_read_back_is_no_package_data();
+    void what_does_not_read_back_is_no_package();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -185,6 +207,38 @@ void TstReadCacheDevice::a_failing_seek_is_a_failed_read()
     const bool isOpen = another.open(QIODevice::ReadOnly);
     s_seekFails = false;
     QVERIFY(!isOpen);
+    QCOMPARE(another.errorString(), QStringLiteral("cannot read %1: Input/output error").arg(path("bytes")));
+}
+
+void TstReadCacheDevice::an_open_package_can_be_edited()
+{
+    QVERIFY(writeFile(path("bytes"), "bytes"));
+    ReadCacheDevice file(path("bytes"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QFile editor(path("bytes"));
+    QVERIFY(editor.open(QIODevice::ReadWrite));
+    QVERIFY(FileSystem::lock(editor.handle()));
+}
+
+void TstReadCacheDevice::a_torn_end_is_not_taken()
+{
+    const QByteArray whole = PackageBuilder().file("a.json", "{}").record("show", "a comment").build();
+    QVERIFY(writeFile(path("bytes"), whole.chopped(1)));
+    QFile writer(path("bytes"));
+    QVERIFY(writer.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    QVERIFY(FileSystem::lock(writer.handle()));
+    // Still locked when it is whole, as between an edit's write and its flush.
+    int refused = 0;
+    s_onRefusedReader = [&] {
+        if (++refused == 3)
+            QVERIFY(writer.seek(0) && writer.write(whole) == whole.size());
+    };
+    ReadCacheDevice file(path("bytes"));
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    s_onRefusedReader = nullptr;
+    QVERIFY(isOpen);
+    QCOMPARE(refused, 3);
+    QCOMPARE(file.readAll(), whole);
 }
 
 void TstReadCacheDevice::unopened_file_has_no_size()
@@ -207,11 +261,13 @@ void TstReadCacheDevice::nothing_can_be_written()
 
 void TstReadCacheDevice::unreadable_file_is_not_opened()
 {
+    const uint openHandles = QDir("/proc/self/fd").count();
     QVERIFY(!ReadCacheDevice(path("missing")).open(QIODevice::ReadOnly));
     QVERIFY(!ReadCacheDevice(m_dir->path()).open(QIODevice::ReadOnly));
     QCOMPARE(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0600), 0);
     // It has no writer: opening it would block.
     QVERIFY(!ReadCacheDevice(path("pipe")).open(QIODevice::ReadOnly));
+    QCOMPARE(QDir("/proc/self/fd").count(), openHandles);
 }
 
 void TstReadCacheDevice::a_scan_opens_each_package_once()
@@ -250,6 +306,52 @@ void TstReadCacheDevice::packing_opens_the_archive_once_to_verify_it()
     QCOMPARE(s_opened.size(), 1);
     QCOMPARE(s_opened.begin().value(), 1);
     QVERIFY(s_opened.begin().key().endsWith(".part"));
+}
+
+void TstReadCacheDevice::what_does_not_read_back_is_no_package_data()
+{
+    QTest::addColumn<Damage>("damage");
+    QTest::addColumn<QString>("cause");
+    QTest::newRow("cut") << Damage([](QByteArray &bytes) { bytes.truncate(bytes.size() / 2); })
+                         << "is not a zip archive, or is incomplete";
+    QTest::newRow("another record") << Damage([](QByteArray &bytes) {
+        bytes.replace(bytes.lastIndexOf("evening"), 7, "morning");
+    }) << "its record differs";
+    QTest::newRow("another entry") << Damage([](QByteArray &bytes) {
+        bytes.replace(bytes.lastIndexOf("BKG_0.png"), 9, "BKG_1.png");
+    }) << "its entries differ";
+    QTest::newRow("another byte") << Damage([](QByteArray &bytes) { bytes[4] = char(bytes.at(4) ^ 1); })
+                                  << "its record says";
+}
+
+void TstReadCacheDevice::what_does_not_read_back_is_no_package()
+{
+    QFETCH(Damage, damage);
+    QFETCH(QString, cause);
+    QVERIFY(makeDeviceTree(path("device")));
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    info.strProjectName = "evening";
+    const FileSystem::FileIdentity previous(info.strFilePath);
+    // A disk that does not keep what was written.
+    bool isDamaged = false;
+    systemCalls().onOpen = [&](const QByteArray &name, int flags) {
+        if (!isDamaged && name.endsWith(".part") && (flags & (O_ACCMODE | O_PATH)) == O_RDONLY) {
+            isDamaged = true;
+            QByteArray bytes = readFile(QFile::decodeName(name));
+            damage(bytes);
+            writeFile(QFile::decodeName(name), bytes);
+        }
+        return 0;
+    };
+    QString reason;
+    const bool isPacked =
+        ZipPackageHandle::compressEngineerPacket(path("device"), info, {QHash<QString, qint64>(), previous}, &reason);
+    systemCalls().onOpen = nullptr;
+    QVERIFY(!isPacked);
+    QVERIFY2(reason.startsWith(info.strFilePath + " does not read back as written: "), qPrintable(reason));
+    QVERIFY2(cause.endsWith("says") ? reason.contains(cause) : reason.endsWith(cause), qPrintable(reason));
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
 TEST_MAIN_CORE(TstReadCacheDevice)

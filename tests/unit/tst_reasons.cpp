@@ -18,6 +18,7 @@
 #include <QtTest>
 
 #include <functional>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -44,6 +45,7 @@ private slots:
     void a_failed_save_says_why_data();
     void a_failed_save_says_why();
     void a_save_without_room_says_so();
+    void a_save_with_too_long_a_record_says_so();
     void an_invalid_package_says_why_data();
     void an_invalid_package_says_why();
     void a_failed_edit_says_why_data();
@@ -51,6 +53,7 @@ private slots:
     void an_edit_of_a_locked_package_says_so();
     void a_failed_copy_says_why_data();
     void a_failed_copy_says_why();
+    void a_source_that_cannot_be_read_is_a_reason();
     void an_entry_that_is_not_extracted_says_why_data();
     void an_entry_that_is_not_extracted_says_why();
     void a_missing_description_is_a_reason();
@@ -58,6 +61,7 @@ private slots:
     void a_picture_that_is_not_read_says_why_data();
     void a_picture_that_is_not_read_says_why();
     void success_leaves_the_reason_alone();
+    void a_missing_package_is_a_reason();
     void nothing_is_logged_below_the_jobs();
     void a_scan_logs_once_why_it_skips_a_file();
 
@@ -65,8 +69,9 @@ private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
     /// Saves the folder "device" as "projects/show.corvelpro".
     bool save(const FileSystem::FileIdentity &previous, QString *reason);
-    /// Returns a complaint unless the text contains both.
-    static QString missingIn(const QString &reason, const QString &path, const QString &cause);
+    /// Returns a complaint unless the text contains the path and ends with the cause, in which "%1" is the test's
+    /// folder.
+    QString missingIn(const QString &reason, const QString &path, const QString &cause) const;
 
     QScopedPointer<QTemporaryDir> m_temp;
 };
@@ -78,11 +83,12 @@ void TstReasons::init()
     QVERIFY(m_temp->isValid());
 }
 
-QString TstReasons::missingIn(const QString &reason, const QString &path, const QString &cause)
+QString TstReasons::missingIn(const QString &reason, const QString &path, const QString &cause) const
 {
-    return reason.contains(path) && reason.contains(cause)
+    const QString end = QString(cause).replace("%1", m_temp->path());
+    return reason.contains(path) && reason.endsWith(end)
                ? QString()
-               : QStringLiteral("\"%1\" lacks \"%2\" or \"%3\"").arg(reason, path, cause);
+               : QStringLiteral("\"%1\" lacks \"%2\", or does not end with \"%3\"").arg(reason, path, end);
 }
 
 bool TstReasons::save(const FileSystem::FileIdentity &previous, QString *reason)
@@ -102,15 +108,15 @@ void TstReasons::a_failed_save_says_why_data()
     const auto row = [](const char *name, const QString &where, const QString &cause, const Preparation &prepare) {
         QTest::newRow(name) << prepare << where << cause;
     };
-    row("no device folder", "/device", "there is no folder",
+    row("no device folder", "there is no folder", "%1/device",
         [](const QString &folder) { QDir(folder + "/device").removeRecursively(); });
-    row("no project folder", "/projects/show.corvelpro", "No such file or directory",
+    row("no project folder", "cannot create a file beside", "/projects/show.corvelpro: No such file or directory",
         [](const QString &folder) { QDir(folder + "/projects").removeRecursively(); });
     row("a link that leads outside", "/device/link", "leads out of the device's folder",
         [](const QString &folder) { QFile::link("/etc/hostname", folder + "/device/link"); });
-    row("a link that leads back", "/device/BKG/back", "leads back",
+    row("a link that leads back", "/device/BKG/back", "leads back to an enclosing folder",
         [](const QString &folder) { QFile::link(folder + "/device", folder + "/device/BKG/back"); });
-    row("a pipe", "/device/pipe", "not a plain file",
+    row("a pipe", "/device/pipe", "it is not a plain file, or cannot be read",
         [](const QString &folder) { ::mkfifo(QFile::encodeName(folder + "/device/pipe").constData(), 0600); });
     row("a folder named like a picture", "/device/x.png", "no reader accepts a folder of this name",
         [](const QString &folder) { QDir().mkpath(folder + "/device/x.png"); });
@@ -119,25 +125,30 @@ void TstReasons::a_failed_save_says_why_data()
     row("a name that is not UTF-8", "/device", "not UTF-8", [](const QString &folder) {
         QVERIFY(::mkdir((QFile::encodeName(folder) + "/device/\xFF").constData(), 0700) == 0);
     });
-    row("a picture's file that is too large", "/device/BKG/BKG_1.png", "of this size", [](const QString &folder) {
-        QFile large(folder + "/device/BKG/BKG_1.png");
-        QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(257 * MiB));
-    });
-    row("a picture with too many pixels", "/device/BKG/BKG_1.png", "a picture of this size", [](const QString &folder) {
-        QVERIFY(writeFile(folder + "/device/BKG/BKG_1.png",
-                          PngMaker::signature() + PngMaker::header(900000, 900000) + PngMaker::end()));
-    });
-    row("a description with too many parts", "/device/192.168.0.10.json", "so many parts", [](const QString &folder) {
-        QVERIFY(writeFile(folder + "/device/192.168.0.10.json", QByteArray(2000000, '[')));
-    });
-    row("a description that is too large", "/device", "192.168.0.10.json",
+    row("a picture's file that is too large", "/device/BKG/BKG_1.png", "no reader accepts a file of this size",
+        [](const QString &folder) {
+            QFile large(folder + "/device/BKG/BKG_1.png");
+            QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(257 * MiB));
+        });
+    row("a picture with too many pixels", "/device/BKG/BKG_1.png",
+        "no reader accepts a picture of this size or with such texts", [](const QString &folder) {
+            QVERIFY(writeFile(folder + "/device/BKG/BKG_1.png",
+                              PngMaker::signature() + PngMaker::header(900000, 900000) + PngMaker::end()));
+        });
+    row("a description with too many parts", "/device/192.168.0.10.json",
+        "no reader accepts a description with so many parts", [](const QString &folder) {
+            QVERIFY(writeFile(folder + "/device/192.168.0.10.json", QByteArray(2000000, '[')));
+        });
+    row("a description that is too large", "/device",
+        "bytes in the description 192.168.0.10.json, the limit is 16777216",
         [](const QString &folder) { QVERIFY(QFile::resize(folder + "/device/192.168.0.10.json", 17 * MiB)); });
-    row("a preset that was taken away", "Preset/1.RPst", "was removed from",
+    row("a preset that was taken away", "Preset/1.RPst", "was removed from %1/device or changed before it was packed",
         [](const QString &folder) { QFile::remove(folder + "/device/Preset/1.RPst"); });
-    row("another file in its place", "/projects/show.corvelpro", "another file is at", [](const QString &folder) {
-        QFile::remove(folder + "/projects/show.corvelpro");
-        writeFile(folder + "/projects/show.corvelpro", "came meanwhile");
-    });
+    row("another file in its place", "", "another file is at %1/projects/show.corvelpro now",
+        [](const QString &folder) {
+            QFile::remove(folder + "/projects/show.corvelpro");
+            writeFile(folder + "/projects/show.corvelpro", "came meanwhile");
+        });
 }
 
 void TstReasons::a_failed_save_says_why()
@@ -169,7 +180,22 @@ void TstReasons::a_save_without_room_says_so()
         isSaved = save(previous, &reason);
     }
     QVERIFY(!isSaved);
-    QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only part of it was written"), QString());
+    QCOMPARE(missingIn(reason, path("projects/show.corvelpro"), "only part of it was written, the disk may be full"),
+             QString());
+}
+
+void TstReasons::a_save_with_too_long_a_record_says_so()
+{
+    QVERIFY(makeDeviceTree(path("device")));
+    EngineerPacketInfo info;
+    info.strFilePath = path("show.corvelpro");
+    info.strComment = QString(70000, 'x');
+    QString reason;
+    QVERIFY(!ZipPackageHandle::compressEngineerPacket(path("device"), info, {{}, FileSystem::FileIdentity(path("x"))},
+                                                      &reason));
+    QCOMPARE(missingIn(reason, "cannot write the record of " + info.strFilePath,
+                       "the record has more than 65513 bytes, or contains an end-of-archive signature"),
+             QString());
 }
 
 void TstReasons::an_invalid_package_says_why_data()
@@ -182,9 +208,11 @@ void TstReasons::an_invalid_package_says_why_data()
                             << cause;
     };
     const PackageBuilder good = PackageBuilder().file("a.json", "{}");
-    row("a text", "not a zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
-    row("an empty file", "not a zip archive", [](const QString &file) { QVERIFY(writeFile(file, "")); });
-    row("a cut archive", "not a zip archive", [good](const QString &file) {
+    row("a text", "is not a zip archive, or is incomplete",
+        [](const QString &file) { QVERIFY(writeFile(file, "text")); });
+    row("an empty file", "is not a zip archive, or is incomplete",
+        [](const QString &file) { QVERIFY(writeFile(file, "")); });
+    row("a cut archive", "is not a zip archive, or is incomplete", [good](const QString &file) {
         const QByteArray whole = PackageBuilder(good).record("show", "x").build();
         QVERIFY(writeFile(file, whole.left(whole.size() / 3)));
     });
@@ -231,11 +259,15 @@ void TstReasons::a_failed_edit_says_why_data()
     row("a pipe", "not a plain file", [](const QString &file) {
         QVERIFY(QFile::remove(file) && ::mkfifo(QFile::encodeName(file).constData(), 0600) == 0);
     });
-    row("no archive", "not a zip archive", [](const QString &file) { QVERIFY(writeFile(file, "text")); });
-    row("bytes behind the comment", "something follows its comment", [](const QString &file) {
-        QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").trailingBytes("more").write(file));
-    });
-    row("a record that is too long", "more than 65513 bytes",
+    row("no archive", "is not a zip archive, or is incomplete",
+        [](const QString &file) { QVERIFY(writeFile(file, "text")); });
+    row("bytes behind the comment",
+        "cannot replace the comment of %1/show.corvelpro: the archive is zip64 or spans several disks, or something "
+        "follows its comment",
+        [](const QString &file) {
+            QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").trailingBytes("more").write(file));
+        });
+    row("a record that is too long", "the record has more than 65513 bytes, or contains an end-of-archive signature",
         [](const QString &file) { QVERIFY(PackageBuilder().file("b.json", "{}").record("show", "x").write(file)); });
 }
 
@@ -263,7 +295,7 @@ void TstReasons::an_edit_of_a_locked_package_says_so()
     QVERIFY(FileSystem::lock(other.handle()));
     QString reason;
     QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
-    QCOMPARE(missingIn(reason, info.strFilePath, "another program keeps"), QString());
+    QCOMPARE(missingIn(reason, QString(), "another program keeps %1/show.corvelpro locked"), QString());
 }
 
 void TstReasons::a_failed_copy_says_why_data()
@@ -296,7 +328,7 @@ void TstReasons::a_failed_copy_says_why_data()
     QTest::newRow("disk full") << "source"
                                << "copy"
                                << "copy"
-                               << "only part of it was written";
+                               << "only part of it was written, the disk may be full";
 }
 
 void TstReasons::a_failed_copy_says_why()
@@ -319,25 +351,34 @@ void TstReasons::a_failed_copy_says_why()
     QCOMPARE(missingIn(reason, path(where), cause), QString());
 }
 
+void TstReasons::a_source_that_cannot_be_read_is_a_reason()
+{
+    // A plain file whose first byte cannot be read.
+    QString reason;
+    QVERIFY(!copyToFreeName("/proc/self/mem", path("copy"), &reason));
+    QCOMPARE(missingIn(reason, path("copy"), ": cannot read: Input/output error"), QString());
+    QCOMPARE(contents(m_temp->path()), QStringList());
+}
+
 void TstReasons::an_entry_that_is_not_extracted_says_why_data()
 {
     QTest::addColumn<QString>("entry");
     QTest::addColumn<QString>("cause");
 
     QTest::newRow("not there") << "missing"
-                               << "there is no such entry";
+                               << "there is no such entry, or the archive's directory is damaged";
     QTest::newRow("a link") << "link"
-                            << "a link, a special file or encrypted";
+                            << "it is a link, a special file or encrypted";
     QTest::newRow("leads out") << "../out"
-                               << "lead out of the folder";
+                               << "its name could lead out of the folder";
     QTest::newRow("in the way") << "bkg"
                                 << "it would block later packages";
     QTest::newRow("wrong CRC") << "damaged"
                                << "its CRC is wrong";
     QTest::newRow("shorter than it says") << "short"
-                                          << "bytes";
+                                          << "it has 100 of 200 bytes";
     QTest::newRow("too large") << "large.json"
-                               << "there is room for 67108864";
+                               << "it has 73400320 bytes, and there is room for 67108864";
     QTest::newRow("through a link") << "linked/file"
                                     << "a symbolic link is in the way";
     QTest::newRow("onto a folder") << "folder"
@@ -372,6 +413,16 @@ void TstReasons::an_entry_that_is_not_extracted_says_why()
     QString extracting;
     QCOMPARE(package.extractFile(entry, path("out/") + entry, &extracting), QString());
     QCOMPARE(missingIn(extracting, path("out/") + entry, cause), QString());
+    QByteArray headless = PackageBuilder().file("a", content).build();
+    QVERIFY(writeFile(path("headless.corvelpro"), headless.replace(0, 2, "XX")));
+    PackageReader damaged(path("headless.corvelpro"));
+    QCOMPARE(damaged.extractFile("a", path("out/a"), &extracting), QString());
+    QCOMPARE(missingIn(extracting, path("out/a"), "its header is damaged"), QString());
+    QString reading;
+    QCOMPARE(package.read("damaged", 100, &reading), QByteArray());
+    QCOMPARE(reading, QString("cannot read damaged: its CRC is wrong"));
+    QCOMPARE(package.extractFile("file/below", path("out/"), &extracting), QString());
+    QCOMPARE(missingIn(extracting, path("out/"), ": the destination is a folder"), QString());
 }
 
 void TstReasons::a_missing_description_is_a_reason()
@@ -379,11 +430,16 @@ void TstReasons::a_missing_description_is_a_reason()
     QVERIFY(PackageBuilder().file("a.txt", "x").record("show", "x").write(path("show.corvelpro")));
     QString reason;
     QVERIFY(PackageReader(path("show.corvelpro")).extractJsonFiles(path("out"), &reason).isEmpty());
-    QVERIFY2(reason.contains("no device description"), qPrintable(reason));
+    QCOMPARE(reason, QString("there is no device description, or the archive's directory is damaged"));
 
     QVERIFY(PackageBuilder().file("../a.json", "{}").file("b.json", "{}").write(path("show.corvelpro")));
     QCOMPARE(PackageReader(path("show.corvelpro")).extractJsonFiles(path("out"), &reason).size(), 2);
-    QCOMPARE(missingIn(reason, "../a.json", "lead out"), QString());
+    QCOMPARE(missingIn(reason, "../a.json", "its name could lead out of the folder"), QString());
+
+    QVERIFY(
+        PackageBuilder().file("a.json", "{}").file("b.json", "{}").claimSize(64 * MiB).write(path("show.corvelpro")));
+    QCOMPARE(PackageReader(path("show.corvelpro")).extractJsonFiles(path("out"), &reason).size(), 2);
+    QCOMPARE(reason, QString("b.json exceeds the limits for descriptions"));
 }
 
 void TstReasons::a_package_that_is_not_copied_says_why()
@@ -392,6 +448,9 @@ void TstReasons::a_package_that_is_not_copied_says_why()
     QString reason;
     QCOMPARE(snapshot.take(path("missing"), {m_temp->path()}, &reason), PackageSnapshot::Outcome::Unreadable);
     QCOMPARE(missingIn(reason, path("missing"), "No such file or directory"), QString());
+    // A plain file whose first byte cannot be read.
+    QCOMPARE(snapshot.take("/proc/self/mem", {m_temp->path()}, &reason), PackageSnapshot::Outcome::Unreadable);
+    QCOMPARE(reason, QString("cannot read /proc/self/mem: Input/output error"));
     QVERIFY(writeFile(path("show.corvelpro"), noise(MiB)));
     QCOMPARE(snapshot.take(path("show.corvelpro"), {path("no/folder")}, &reason), PackageSnapshot::Outcome::NoRoom);
     QCOMPARE(missingIn(reason, path("show.corvelpro"), "No such file or directory"), QString());
@@ -401,7 +460,9 @@ void TstReasons::a_package_that_is_not_copied_says_why()
         outcome = snapshot.take(path("show.corvelpro"), {m_temp->path()}, &reason);
     }
     QCOMPARE(outcome, PackageSnapshot::Outcome::NoRoom);
-    QCOMPARE(missingIn(reason, path("show.corvelpro"), "only part of it was written"), QString());
+    QCOMPARE(missingIn(reason, "no room for a copy of " + path("show.corvelpro"),
+                       ": cannot copy it to %1: cannot write: only part of it was written, the disk may be full"),
+             QString());
 }
 
 void TstReasons::a_picture_that_is_not_read_says_why_data()
@@ -411,10 +472,14 @@ void TstReasons::a_picture_that_is_not_read_says_why_data()
 
     const QByteArray whole = pngOf(noisePicture({40, 40}, 1));
     const QByteArray pixels = PngMaker::pixels(QByteArray(100, '\0'));
-    QTest::newRow("a text") << QByteArray("text") << "is not a PNG";
-    QTest::newRow("too wide") << PngMaker::signature() + PngMaker::header(1000001, 1) << "too wide";
+    QTest::newRow("a text") << QByteArray("text")
+                            << "it cannot be read, is not a PNG, or is larger than 268435456 bytes";
+    QTest::newRow("too wide") << PngMaker::signature() + PngMaker::header(1000001, 1)
+                              << "it is too wide or too high, or has too many texts and profiles";
     QTest::newRow("too many pixels") << PngMaker::signature() + PngMaker::header(900000, 900000) + pixels
                                      << "too much memory";
+    QTest::newRow("as many pixels as there may be")
+        << PngMaker::signature() + PngMaker::header(8192, 6144) + pixels << "Unable to read image data";
     QTest::newRow("no more than a header") << PngMaker::signature() + PngMaker::header(4, 4) << "header is damaged";
     QTest::newRow("cut") << whole.left(whole.size() / 2) << "Unable to read image data";
 }
@@ -428,7 +493,7 @@ void TstReasons::a_picture_that_is_not_read_says_why()
     QString reason;
     QVERIFY(PictureReader(&buffer).read(&reason).isNull());
     QVERIFY(!reason.isEmpty());
-    QVERIFY2(reason.contains(cause), qPrintable(reason));
+    QVERIFY2(reason.endsWith(cause), qPrintable(reason));
 }
 
 void TstReasons::success_leaves_the_reason_alone()
@@ -448,6 +513,20 @@ void TstReasons::success_leaves_the_reason_alone()
     QVERIFY(package.read("Preset/1.RPst", 100, &reason).size() == 64);
     QCOMPARE(package.extractJsonFiles(path("json"), &reason).size(), 1);
     QCOMPARE(reason, QString());
+}
+
+void TstReasons::a_missing_package_is_a_reason()
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path("missing.zip");
+    const QString expected = info.strFilePath + " does not exist";
+    QString reason;
+    QVERIFY(!ZipPackageHandle::getZipFileEngineerInfo(info, &reason));
+    QCOMPARE(std::exchange(reason, QString()), expected);
+    QVERIFY(!ZipPackageHandle::isValidEngineerPacket(info.strFilePath, &reason));
+    QCOMPARE(std::exchange(reason, QString()), expected);
+    QVERIFY(!ZipPackageHandle::setEngineerInfo(info, &reason));
+    QCOMPARE(reason, expected);
 }
 
 void TstReasons::nothing_is_logged_below_the_jobs()
@@ -482,6 +561,11 @@ void TstReasons::a_scan_logs_once_why_it_skips_a_file()
     QVERIFY(PackageBuilder().file("a.json", "{}").record("show", "x").write(broken));
     QCOMPARE(logged(), QStringList());
     QCOMPARE(list.listProjects.size(), 2);
+
+    WarningGuard::clear();
+    list.scanProjectFiles(broken + "/below/", list.beginScan());
+    QCOMPARE(WarningGuard::texts(QtDebugMsg),
+             QStringList{"Not listed: cannot create the folder " + broken + ": File exists"});
 }
 
 TEST_MAIN(TstReasons)

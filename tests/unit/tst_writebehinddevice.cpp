@@ -233,6 +233,7 @@ private slots:
     void file_holds_every_write_at_its_position();
     void position_and_size_run_ahead_of_the_file();
     void a_gap_holds_zero_bytes();
+    void without_a_write_the_file_stays_empty();
     void writing_can_go_on_after_a_flush();
     void blocks_are_written_by_one_other_thread();
     void single_block_is_written_by_its_owner();
@@ -326,6 +327,15 @@ void TstWriteBehindDevice::a_gap_holds_zero_bytes()
     device.write("b");
     QVERIFY(device.flush());
     QCOMPARE(readFile(path()), QByteArray("a\0\0\0b", 5));
+}
+
+void TstWriteBehindDevice::without_a_write_the_file_stays_empty()
+{
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    WriteBehindDevice device(file);
+    QVERIFY(device.flush());
+    QCOMPARE(file.size(), qint64(0));
 }
 
 void TstWriteBehindDevice::writing_can_go_on_after_a_flush()

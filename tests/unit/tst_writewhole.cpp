@@ -67,7 +67,9 @@ void TstWriteWhole::a_full_disk_is_a_failure()
 {
     QFile file(QStringLiteral("/dev/full"));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(!writeWhole(file, "content"));
+    QString reason;
+    QVERIFY(!writeWhole(file, "content", &reason));
+    QCOMPARE(reason, QString("cannot write /dev/full: No space left on device"));
     file.close();
 }
 
