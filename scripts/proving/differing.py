@@ -1,14 +1,11 @@
 """What `corvelpro diff` reports of known edits, and that it reports nothing where nothing counts."""
 import os
-import subprocess
-import zipfile
 
 from . import packages
 from .tool import Table
 from .verifying import flipped
 
 MISSING = "missing"
-UTF8 = {**os.environ, "LC_ALL": "C.UTF-8"}
 
 
 def plain_step(name):
@@ -241,26 +238,13 @@ class Proof:
 
     def repacked(self, seed, count, program):
         for label, device, path in self.devices(seed, program, count):
-            path.mkdir()
-            device.write_to(path)
-            archive = path.with_suffix(".zip")
-            if program == "zip":
-                subprocess.run(["zip", "-qr", archive, "."], cwd=path, check=True, env=UTF8)
-            elif program == "7z":
-                subprocess.run(["7z", "a", "-tzip", "-bso0", "-bsp0", archive, "."], cwd=path, check=True, env=UTF8)
-            else:
-                with zipfile.ZipFile(archive, "w", zipfile.ZIP_DEFLATED) as target:
-                    for name in device.files:
-                        target.write(path / name, name)
-            a = self.written(path.name + ".corvelpro", packages.sealed(packages.archive_of(device)))
-            repacked = archive.read_bytes()
-            kept = device
+            archive = packages.archive_by(program, device, path)
             if program == "zipfile":
-                # It was given no folders, so that empty ones are missing.
-                kept = device.copy()
-                kept.folders = set()
-                a = self.written(path.name + ".corvelpro", packages.sealed(packages.archive_of(kept)))
-            yield label, a, self.written(path.name + "-again.corvelpro", packages.sealed(repacked))
+                # It leaves out empty folders.
+                device = device.copy()
+                device.folders = set()
+            a = self.written(path.name + ".corvelpro", packages.sealed(packages.archive_of(device)))
+            yield label, a, self.written(path.name + "-again.corvelpro", packages.sealed(archive))
 
     def saved_twice(self, seed, count):
         for label, device, path in self.devices(seed, "save", count):
@@ -311,7 +295,7 @@ def prove(tool, folder, seed, quick):
     proof.edits(seed, 200 // share)
     proof.equal("a package and itself: equal", proof.same(seed, 50 // share))
     proof.equal("a package and its device's directory: equal", proof.directories(seed, 50 // share))
-    for program in ("zip", "7z", "zipfile"):
+    for program in packages.OTHER_PROGRAMS:
         proof.equal(f"a package and what {program} makes of it: equal", proof.repacked(seed, 30 // share, program))
     if tool.has("create"):
         proof.equal("two saves of one device: equal", proof.saved_twice(seed, 50 // share))

@@ -1,9 +1,12 @@
 """Generated devices, and the packages made of them: as the plugin writes them, or as another zip program might."""
 import hashlib
 import json
+import os
 import random
 import string
 import struct
+import subprocess
+import zipfile
 import zlib
 
 CHUNK = 10 * 1024 * 1024
@@ -169,6 +172,26 @@ def archive_of(device, order=None, level=6, indent=4, date=0x5842):
         archive += local_header(raw, method, flags, *numbers, date) + packed + struct.pack("<4s3I", b"PK\7\x08", *numbers)
     end = END.pack(b"PK\5\6", 0, 0, len(entries), len(entries), len(directory), len(archive), 0)
     return archive + directory + end
+
+
+OTHER_PROGRAMS = ("zip", "7z", "zipfile")
+
+
+def archive_by(program, device, folder):
+    """The same by another program, which reads the new folder. zipfile leaves out the entries of folders."""
+    folder.mkdir()
+    device.write_to(folder)
+    archive = folder.with_suffix(".zip")
+    environment = {**os.environ, "LC_ALL": "C.UTF-8"}
+    if program == "zip":
+        subprocess.run(["zip", "-qr", archive, "."], cwd=folder, check=True, env=environment)
+    elif program == "7z":
+        subprocess.run(["7z", "a", "-tzip", "-bso0", "-bsp0", archive, "."], cwd=folder, check=True, env=environment)
+    else:
+        with zipfile.ZipFile(archive, "w", zipfile.ZIP_DEFLATED) as target:
+            for name in device.files:
+                target.write(folder / name, name)
+    return archive.read_bytes()
 
 
 def contents(package):
