@@ -14,6 +14,8 @@
 #include <QSet>
 #include <QTemporaryDir>
 
+#include <algorithm>
+
 using namespace ProjectFileCfg::Internal;
 
 namespace {
@@ -83,9 +85,12 @@ private slots:
     void reader_agrees_on_the_vectors();
     void reader_agrees_on_odd_packages();
     void reader_agrees_on_saved_packages();
+    void reader_agrees_with_what_the_tool_says();
 
 private:
+    QJsonArray readerSays(const QStringList &paths);
     void compareWithReader(const QStringList &paths);
+    QStringList writeOddPackages();
     QString save(const QString &name);
 
     QScopedPointer<QTemporaryDir> m_dir;
@@ -147,13 +152,20 @@ void TstPackageFormat::names_are_what_the_page_says()
         QCOMPARE(PackageLayout::isSafeName(name) && !PackageLayout::blocksLaterPackages(name), cells.at(2) == "yes");
 }
 
-void TstPackageFormat::compareWithReader(const QStringList &paths)
+QJsonArray TstPackageFormat::readerSays(const QStringList &paths)
 {
     QProcess reader;
     reader.start(QStringLiteral("python3"), QStringList{"-B", QStringLiteral(READER), "info"} + paths);
-    QVERIFY(reader.waitForFinished(-1));
-    QCOMPARE(reader.readAllStandardError(), QByteArray());
-    const QJsonArray files = QJsonDocument::fromJson(reader.readAllStandardOutput()).object()["files"].toArray();
+    reader.waitForFinished(-1);
+    const QByteArray messages = reader.readAllStandardError();
+    if (!messages.isEmpty())
+        qWarning() << messages;
+    return QJsonDocument::fromJson(reader.readAllStandardOutput()).object()["files"].toArray();
+}
+
+void TstPackageFormat::compareWithReader(const QStringList &paths)
+{
+    const QJsonArray files = readerSays(paths);
     QCOMPARE(files.size(), paths.size());
     int valid = 0;
     for (int index = 0; index < paths.size(); ++index) {
@@ -197,13 +209,21 @@ void TstPackageFormat::reader_agrees_on_the_vectors()
     compareWithReader(paths);
 }
 
-void TstPackageFormat::reader_agrees_on_odd_packages()
+QStringList TstPackageFormat::writeOddPackages()
 {
     QStringList paths;
     for (const TestData::HostilePackage &package : TestData::hostilePackages()) {
         paths.append(m_dir->filePath(package.name + ".corvelpro"));
-        QVERIFY(writeFile(paths.last(), package.bytes()));
+        if (!writeFile(paths.last(), package.bytes()))
+            return {};
     }
+    return paths;
+}
+
+void TstPackageFormat::reader_agrees_on_odd_packages()
+{
+    const QStringList paths = writeOddPackages();
+    QVERIFY(!paths.isEmpty());
     compareWithReader(paths);
 }
 
@@ -252,6 +272,56 @@ void TstPackageFormat::reader_agrees_on_saved_packages()
 
     QVERIFY(!paths.contains(QString()));
     compareWithReader(paths);
+}
+
+void TstPackageFormat::reader_agrees_with_what_the_tool_says()
+{
+    // A process for each: the large ones, which are large in their contents only, would take a minute.
+    QStringList paths;
+    for (const QString &path : writeOddPackages()) {
+        if (QFileInfo(path).size() < 1024 * 1024)
+            paths.append(path);
+    }
+    const QJsonArray files = readerSays(paths);
+    QCOMPARE(files.size(), paths.size());
+    int compared = 0;
+    for (int index = 0; index < paths.size(); ++index) {
+        const QByteArray path = paths.at(index).toUtf8();
+        const QJsonObject found = files.at(index).toObject();
+        QProcess tool;
+        tool.start(QStringLiteral(CORVELPRO_PROGRAM), {"info", "--json", paths.at(index)});
+        QVERIFY2(tool.waitForFinished(TestSupport::patience) && tool.exitStatus() == QProcess::NormalExit, path);
+        const QJsonObject said = QJsonDocument::fromJson(tool.readAllStandardOutput()).object();
+        QVERIFY2(said["listed"].toBool() == (found["verdict"] == "valid"), path);
+        if (!said["listed"].toBool())
+            continue;
+        const QJsonObject record{
+            {"Checksum", said["checksum"]}, {"comment", said["comment"]}, {"projectName", said["name"]}};
+        QVERIFY2(found["record"] == record, path);
+        QCOMPARE(said["entries"].toInt(), found["entries"].toArray().size());
+
+        // The tool sorts the entries by their use, and leaves out folders.
+        QStringList saidNames;
+        for (const char *use : {"pictures", "presets", "leftOver"}) {
+            for (const QJsonValue &entry : said[QLatin1String(use)].toArray())
+                saidNames.append(entry["entry"].toString());
+        }
+        const QString description = said["description"]["entry"].toString();
+        if (!description.isEmpty())
+            saidNames.append(description);
+        QStringList foundNames;
+        for (const QJsonValue &entry : found["entries"].toArray())
+            foundNames.append(entry["name"].toString());
+        for (QStringList *names : {&saidNames, &foundNames}) {
+            names->erase(
+                std::remove_if(names->begin(), names->end(), [](const QString &name) { return name.endsWith('/'); }),
+                names->end());
+            names->sort();
+        }
+        QVERIFY2(saidNames == foundNames, path);
+        ++compared;
+    }
+    QVERIFY(compared > 200);
 }
 
 TEST_MAIN_CORE(TstPackageFormat)
