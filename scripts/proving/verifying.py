@@ -159,7 +159,7 @@ def prove(tool, reader, folder, seed, quick, large):
     proof.damages("zeroed blocks in the content of entries", zeroed_blocks(bases, rng, 100 // share))
     proof.damages("truncations", truncations(bases, rng, 100 // share))
     proof.damages("bit flips in headers, descriptors, directory, end record",
-                  flips(bases, rng, 3000 // share, header_offsets), 0.95)
+                  flips(bases, rng, 600 if quick else 3000, header_offsets), 0.95)
     proof.good("good packages called sound", good_packages(tool, folder, seed, 500 // share))
     for program in packages.OTHER_PROGRAMS:
         proof.good(f"packages by {program} called sound", packages_by(program, folder, seed, 40 // share))
