@@ -1,6 +1,7 @@
 #include "parser.h"
 
 #include "command.h"
+#include "generaltexts.h"
 
 #include <CLI/CLI.hpp>
 
@@ -72,7 +73,8 @@ void addOption(CLI::App &app, const Command &command, const Option &option, std:
 
 Request parse(int count, const char *const *values)
 {
-    CLI::App app{"Looks at and handles project files (.corvelpro) without the control application.", "corvelpro"};
+    using namespace GeneralTexts;
+    CLI::App app{purpose, "corvelpro"};
     app.set_version_flag("--version", "corvelpro " CORVELPRO_VERSION);
     app.require_subcommand(1);
 
@@ -86,8 +88,8 @@ Request parse(int count, const char *const *values)
             addPositional(sub, command, positional, targets);
         for (const Option &option : command.options)
             addOption(sub, command, option, targets);
-        CLI::Option *json = sub.add_flag("--json", isJson, "Print the result as one JSON document");
-        sub.add_flag("--quiet", isQuiet, "Print no result, only end with the exit code")->excludes(json);
+        CLI::Option *json = sub.add_flag(jsonOption.name, isJson, jsonOption.help);
+        sub.add_flag(quietOption.name, isQuiet, quietOption.help)->excludes(json);
     }
 
     Request request;

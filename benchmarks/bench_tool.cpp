@@ -1,0 +1,139 @@
+// The command-line tool against the programs that one would use without it, each as a process of its own. Both ways run
+// in turn on the same files.
+//
+//     bench_tool [--quick] [--rows FILE] [verify] [list] [diff]      all where none is named
+
+#include "benchmark.h"
+#include "packagesamples.h"
+
+#include "projectlist.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTextCodec>
+
+using namespace Benchmark;
+using namespace ProjectFileCfg::Internal;
+
+namespace {
+
+const QString tool = QStringLiteral(CORVELPRO_PROGRAM);
+
+/// Runs the program without its output; that it ends with `code` is required.
+std::function<void()> running(const QString &program, const QStringList &arguments, int code = 0)
+{
+    return [=] {
+        QProcess process;
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setStandardErrorFile(QProcess::nullDevice());
+        process.start(program, arguments);
+        require(process.waitForFinished(-1) && process.exitStatus() == QProcess::NormalExit &&
+                    process.exitCode() == code,
+                program + " failed");
+    };
+}
+
+/// Reads the files as fast as the system can.
+std::function<void()> reading(const QStringList &files)
+{
+    return running("cat", files);
+}
+
+/// The most memory that the program takes, in MiB. Measured by a small process: what this one has would count too.
+double peakMemory(const QStringList &arguments)
+{
+    QProcess process;
+    process.start("python3", QStringList{"-c",
+                                         "import resource, subprocess, sys\n"
+                                         "subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL)\n"
+                                         "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)",
+                                         tool} +
+                                 arguments);
+    require(process.waitForFinished(-1) && process.exitCode() == 0, "the measuring process failed");
+    return process.readAllStandardOutput().trimmed().toDouble() / 1024;
+}
+
+/// Pictures that a decoder accepts, of that size together.
+void makePictures(const QString &device, qint64 size)
+{
+    constexpr int each = 1800 * 1000;
+    writeFile(device + "/192.168.0.10.json", "{}");
+    int number = 0;
+    for (qint64 left = size; left > 0; left -= each, ++number) {
+        const QString name = number < 256 ? QStringLiteral("/BKG/BKG_%1.png") : QStringLiteral("/LOGO/LOGO_%1.png");
+        writeFile(device + name.arg(number % 256), picture(each, quint32(number)));
+    }
+}
+
+void verify(Report &report, const QString &folder)
+{
+    const qint64 size = (report.isQuick() ? 92 : 920) * 1000LL * 1000;
+    makePictures(folder + "/device", size);
+    EngineerPacketInfo info = packageAt(folder + "/large.corvelpro");
+    require(ZipPackageHandle::compressEngineerPacket(folder + "/device", info), "packing failed");
+    QDir(folder + "/device").removeRecursively();
+    const QString file = info.strFilePath;
+    const QString what = "corvelpro verify, " + megabytes(QFileInfo(file).size());
+    const auto ours = running(tool, {"verify", "--quiet", file});
+    reading({file})();
+    report.faster(what, "unzip -t", inTurn(report.pairs(), running("unzip", {"-tqq", file}), ours), 1);
+    report.related(what, "7z t", inTurn(report.pairs(), running("7z", {"t", "-tzip", file}), ours));
+    report.within(what, "two readings of the file", inTurn(report.pairs(), reading({file, file}), ours), 1);
+    report.atMost("  its memory above the start", peakMemory({"verify", "--quiet", file}) - peakMemory({"--version"}),
+                  "MiB", 64);
+}
+
+void list(Report &report, const QString &folder)
+{
+    for (int number = 0; number < 2; ++number)
+        writeFile(folder + QStringLiteral("/small/BKG/BKG_%1.png").arg(number), picture(600000, quint32(number)));
+    EngineerPacketInfo small = packageAt(folder + "/small.zip");
+    require(ZipPackageHandle::compressEngineerPacket(folder + "/small", small), "packing failed");
+    const QString packages = linkedPackages(folder + "/thousand", small.strFilePath, 1000);
+    const auto scan = [&] {
+        ProjectList projects;
+        projects.scanProjectFiles(packages, projects.beginScan());
+        require(projects.listProjects.size() == 1000, "another list");
+    };
+    report.within("corvelpro list, 1,000 packages of 1.2 MB", "the panel's scan",
+                  inTurn(report.pairs() + 2, scan, running(tool, {"list", packages})), 1.2);
+}
+
+void diff(Report &report, const QString &folder)
+{
+    makeDevice(folder + "/device");
+    EngineerPacketInfo a = packageAt(folder + "/a.corvelpro");
+    EngineerPacketInfo b = packageAt(folder + "/b.corvelpro");
+    require(ZipPackageHandle::compressEngineerPacket(folder + "/device", a), "packing failed");
+    writeFile(folder + "/device/192.168.0.10.json", "{\"slots\":[]}");
+    require(ZipPackageHandle::compressEngineerPacket(folder + "/device", b), "packing failed");
+    const QStringList both{a.strFilePath, b.strFilePath};
+    const QString what = "corvelpro diff, two packages of " + megabytes(QFileInfo(a.strFilePath).size());
+    const auto ours = running(tool, QStringList{"diff", "--quiet"} + both, 1);
+    reading(both)();
+    report.within(what, "reading both", inTurn(report.pairs(), reading(both), ours), 3);
+    // cmp ends at the first difference, so it gets two equal files.
+    const QString copy = folder + "/copy.corvelpro";
+    require(QFile::copy(a.strFilePath, copy), "cannot copy");
+    report.related(what, "cmp of a file and its copy",
+                   inTurn(report.pairs(), running("cmp", {a.strFilePath, copy}), ours));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    Report report(application.arguments());
+    const QVector<QPair<QString, void (*)(Report &, const QString &)>> benchmarks{
+        {"verify", verify}, {"list", list}, {"diff", diff}};
+    for (const auto &benchmark : benchmarks) {
+        if (report.isWanted(benchmark.first)) {
+            const QTemporaryDir folder;
+            benchmark.second(report, folder.path());
+        }
+    }
+    return report.allMet() ? 0 : 1;
+}
