@@ -94,6 +94,7 @@ private slots:
     void good_packages_are_sound();
     void packages_by_other_programs_are_sound();
     void every_damaged_content_is_found();
+    void bits_that_nothing_unpacks_count_too();
     void nearly_every_damaged_header_is_found();
     void truncation_is_found_at_every_place();
     void each_kind_of_damage_is_named();
@@ -211,6 +212,26 @@ void TstVerify::every_damaged_content_is_found()
         return damaged == package ? withFlippedBit(package, at, 0) : damaged;
     });
     QCOMPARE(zeroed, 20);
+}
+
+void TstVerify::bits_that_nothing_unpacks_count_too()
+{
+    // Packed into stored blocks, whose headers have spare bits, as the last byte of every stream has.
+    QByteArray noise(600000, '\0');
+    QRandomGenerator random(3);
+    for (char &byte : noise)
+        byte = char(random.bounded(256));
+    PackageBuilder builder = small().file("text", "some text").file("noise", noise);
+    const QByteArray package = sealed(builder.file("both", QByteArray(300000, 'x') + noise + "some text"));
+    QCOMPARE(verify({write("good", package)}, yes).first()["verdict"].toString(), QString("sound"));
+    QVector<QPair<int, int>> bits;
+    for (const Layout::Range &content : layoutOf(package).contents) {
+        for (int bit = 0; bit < 8; ++bit)
+            bits << qMakePair(content.begin, bit) << qMakePair(content.begin + content.size - 1, bit);
+    }
+    const int found =
+        foundOf(bits.size(), [&](int i) { return withFlippedBit(package, bits.at(i).first, bits.at(i).second); });
+    QCOMPARE(found, bits.size());
 }
 
 void TstVerify::nearly_every_damaged_header_is_found()

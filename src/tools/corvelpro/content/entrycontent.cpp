@@ -54,6 +54,51 @@ private:
     uLong m_crc = 0;
 };
 
+/// The bits of a deflate stream that nothing reads, so that no CRC covers them: behind the header of a stored block,
+/// and behind the last block. Every writer leaves zeros there.
+class SpareBits
+{
+public:
+    /// `unread` bits of the byte that ends a block are not part of it. `isLast`: no block follows.
+    void atBlockEnd(uchar byte, int unread, bool isLast)
+    {
+        m_bits = byte >> (8 - unread);
+        m_count = unread;
+        m_needsNext = !isLast && unread < headerBits;
+        if (isLast)
+            m_isClear = m_isClear && m_bits == 0;
+        else if (!m_needsNext)
+            checkHeader();
+    }
+
+    /// The byte after that one, or the first one of all.
+    void follow(uchar byte)
+    {
+        if (!m_needsNext)
+            return;
+        m_bits |= byte << m_count;
+        m_needsNext = false;
+        checkHeader();
+    }
+
+    bool isClear() const { return m_isClear; }
+
+private:
+    static constexpr int headerBits = 3;
+
+    void checkHeader()
+    {
+        const bool isStored = (m_bits & 6) == 0;
+        m_isClear = m_isClear && !(isStored && m_bits >> headerBits != 0);
+    }
+
+    /// The next block's first bits, as far as they are known.
+    int m_bits = 0;
+    int m_count = 0;
+    bool m_needsNext = true;
+    bool m_isClear = true;
+};
+
 /// Unpacks portion by portion.
 class Inflater
 {
@@ -68,6 +113,8 @@ public:
         m_stream.next_in = begin;
         m_stream.avail_in = uInt(portion.size());
         for (bool isMore = true; isMore && m_isReady && !m_isAtEnd;) {
+            if (m_stream.avail_in > 0)
+                m_spareBits.follow(*m_stream.next_in);
             m_stream.next_out = reinterpret_cast<Bytef *>(m_unpacked.data());
             m_stream.avail_out = uInt(m_unpacked.size());
             const int state = inflate(&m_stream, Z_BLOCK);
@@ -75,30 +122,31 @@ public:
             m_isReady = m_isAtEnd || state == Z_OK || state == Z_BUF_ERROR;
             if (m_isReady && !content.take(m_unpacked.constData(), m_unpacked.size() - qint64(m_stream.avail_out)))
                 return false;
-            const bool isLastBlockOver = state == Z_OK && (m_stream.data_type & lastBlockOver) == lastBlockOver;
-            if (isLastBlockOver && m_stream.next_in > begin)
-                m_isPaddingClear = m_stream.next_in[-1] >> (8 - (m_stream.data_type & unusedBits)) == 0;
+            const bool isBlockOver = state == Z_OK && (m_stream.data_type & blockOver);
+            const bool isLastBlockOver = isBlockOver && (m_stream.data_type & lastBlock);
+            if (isBlockOver && m_stream.next_in > begin)
+                m_spareBits.atBlockEnd(m_stream.next_in[-1], m_stream.data_type & unusedBits, isLastBlockOver);
             isMore = state == Z_OK && (m_stream.avail_in > 0 || m_stream.avail_out == 0 || isLastBlockOver);
         }
         return m_isReady && m_stream.avail_in == 0;
     }
 
-    /// True if the stream has ended, with the unused bits of its last byte zero, as every writer leaves them: nothing
-    /// else covers these.
-    bool isWhole() const { return m_isAtEnd && m_isPaddingClear; }
+    /// True if the stream has ended, and its spare bits are zero.
+    bool isWhole() const { return m_isAtEnd && m_spareBits.isClear(); }
 
 private:
     Q_DISABLE_COPY(Inflater)
 
-    /// In z_stream::data_type: the last block, just ended; how many bits of the last byte are unused.
-    static constexpr int lastBlockOver = 64 + 128;
+    /// In z_stream::data_type: in the last block; a block has just ended; how many bits of its last byte are unused.
+    static constexpr int lastBlock = 64;
+    static constexpr int blockOver = 128;
     static constexpr int unusedBits = 7;
 
     z_stream m_stream{};
     QByteArray m_unpacked{int(blockSize), Qt::Uninitialized};
     bool m_isReady = false;
     bool m_isAtEnd = false;
-    bool m_isPaddingClear = true;
+    SpareBits m_spareBits;
 };
 
 } // namespace
