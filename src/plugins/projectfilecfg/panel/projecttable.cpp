@@ -12,6 +12,7 @@
 #include <QLocale>
 #include <QSet>
 #include <QTableWidget>
+#include <QToolButton>
 
 namespace ProjectFileCfg {
 namespace Internal {
