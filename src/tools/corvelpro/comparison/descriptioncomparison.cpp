@@ -1,8 +1,8 @@
 #include "descriptioncomparison.h"
 
-#include "contentscan.h"
-#include "packagelimits.h"
+#include "parseddescription.h"
 
+#include <QBuffer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,14 +16,14 @@ using namespace ProjectFileCfg::Internal;
 
 namespace {
 
-/// A null document if it is not JSON, or needs more memory than a description may.
+/// The document as an apply reads it; null if it is not JSON, or needs more memory than a description may.
 QJsonDocument parsed(const QByteArray &content)
 {
-    DescriptionScan scan;
-    scan.feed(content.constData(), content.size());
-    const bool isWithinLimits =
-        content.size() <= PackageLimits::maxParsedDescriptionSize && scan.parts() <= PackageLimits::maxDescriptionParts;
-    return isWithinLimits ? QJsonDocument::fromJson(content) : QJsonDocument();
+    QBuffer buffer;
+    buffer.setData(content);
+    buffer.open(QIODevice::ReadOnly);
+    QJsonParseError error;
+    return parseDescription(buffer, error);
 }
 
 QJsonValue rootOf(const QJsonDocument &document)
