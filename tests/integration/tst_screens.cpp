@@ -14,6 +14,7 @@
 #include <support/testmain.h>
 #include <support/testsite.h>
 
+#include <QAction>
 #include <QDir>
 #include <QDockWidget>
 #include <QPlainTextEdit>

@@ -18,7 +18,6 @@ using Corvelpro::Interrupt;
 using PackageTesting::contents;
 using PackageTesting::noise;
 using ProjectFileCfg::Internal::ReplacingFile;
-using TestSupport::PackageBuilder;
 
 namespace {
 

@@ -17,7 +17,7 @@ namespace Widgets {
 class HOST_WIDGETS_EXPORT FramelessMessageBox : public FramelessDialog
 {
     Q_OBJECT
-    Q_PROPERTY(QString text READ text WRITE setText)
+    Q_PROPERTY(QString text READ text WRITE setText) // As QMessageBox has it. clazy:exclude=qproperty-without-notify
 
 public:
     enum Kind { Information, Warning, Question };

@@ -87,8 +87,7 @@ QString FileDialogs::selectTarget(QWidget *parent, const QString &documents, con
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     dialog->setDefaultSuffix(PackageLayout::packageExtension);
-    const QString target =
-        withExtension(otherThan(documents, chosenFiles(dialog, targetTitle, projectFileFilter).value(0)));
+    QString target = withExtension(otherThan(documents, chosenFiles(dialog, targetTitle, projectFileFilter).value(0)));
     if (target.isEmpty() || !QFile::exists(target))
         return target;
     const auto message = [name = QFileInfo(target).baseName()] {

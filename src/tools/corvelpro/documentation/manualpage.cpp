@@ -43,7 +43,7 @@ QByteArray italic(const QByteArray &text)
 
 QByteArray usageOf(const Positional &positional)
 {
-    const QByteArray name = italic(positional.name);
+    QByteArray name = italic(positional.name);
     switch (positional.count) {
     case Positional::Count::Optional:
         return '[' + name + ']';
