@@ -6,6 +6,7 @@
 #include <data/hostilepackages.h>
 #include <support/answerbook.h>
 #include <support/customsite.h>
+#include <support/leaksoflibrary.h>
 #include <support/paneltesting.h>
 #include <support/signalrecorder.h>
 #include <support/testmain.h>
@@ -23,10 +24,6 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
-
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/lsan_interface.h>
-#endif
 
 using namespace ProjectFileCfg::Internal;
 using namespace TestSupport;
@@ -203,31 +200,6 @@ class LibraryNoise
     const ExpectMessage m_expected{QtWarningMsg,
                                    QRegularExpression(QStringLiteral("^libpng |^QFile::at: Cannot set file position")),
                                    ExpectMessage::AnyNumber};
-};
-
-/// During its lifetime leaks of this thread are not reported.
-class LeaksOfLibrary
-{
-public:
-    explicit LeaksOfLibrary(bool areExpected)
-        : m_areExpected(areExpected)
-    {
-#if defined(__SANITIZE_ADDRESS__)
-        if (m_areExpected)
-            __lsan_disable();
-#endif
-    }
-    ~LeaksOfLibrary()
-    {
-#if defined(__SANITIZE_ADDRESS__)
-        if (m_areExpected)
-            __lsan_enable();
-#endif
-    }
-    Q_DISABLE_COPY(LeaksOfLibrary)
-
-private:
-    [[maybe_unused]] const bool m_areExpected;
 };
 
 } // namespace
@@ -485,7 +457,7 @@ void TstHostilePackages::operation_ends_as_the_table_says()
         QDir(m_site->devicePath(onlineIp)).entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
 
     const QString came = [&] {
-        const LeaksOfLibrary leaks(m_packages.at(package).libraryLeaks);
+        const TestSupport::LeaksOfLibrary leaks(m_packages.at(package).libraryLeaks);
         return operate(operation);
     }();
 
@@ -538,7 +510,7 @@ void TstHostilePackages::online_device_gets_everything_or_stays_unchanged()
         {QStringLiteral("12"), QStringLiteral("Protocol version mismatch")},
         {QStringLiteral("15"), QStringLiteral("Incorrect gallery file.")}};
     const LibraryNoise noise;
-    const LeaksOfLibrary leaks(m_packages.at(package).libraryLeaks);
+    const TestSupport::LeaksOfLibrary leaks(m_packages.at(package).libraryLeaks);
     setUp(m_packages.at(package));
     const std::shared_ptr<Simulation::Hardware> hardware = (*m_site)->hardware(onlineIp);
     hardware->setState(richDevice(onlineIp));

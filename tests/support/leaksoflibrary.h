@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QtGlobal>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+namespace TestSupport {
+
+/// During its lifetime leaks of this thread are not reported, if they are expected: those of a library.
+class LeaksOfLibrary
+{
+public:
+    explicit LeaksOfLibrary(bool areExpected)
+        : m_areExpected(areExpected)
+    {
+#if defined(__SANITIZE_ADDRESS__)
+        if (m_areExpected)
+            __lsan_disable();
+#endif
+    }
+    ~LeaksOfLibrary()
+    {
+#if defined(__SANITIZE_ADDRESS__)
+        if (m_areExpected)
+            __lsan_enable();
+#endif
+    }
+    Q_DISABLE_COPY(LeaksOfLibrary)
+
+private:
+    [[maybe_unused]] const bool m_areExpected;
+};
+
+} // namespace TestSupport
