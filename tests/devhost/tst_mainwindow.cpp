@@ -84,7 +84,7 @@ private slots:
     void the_window_opens_no_larger_than_its_screen();
     void a_low_window_opens_without_docks();
     void a_closed_dock_is_brought_back_by_keys();
-    void what_needs_more_room_is_scrolled_to();
+    void focused_widget_is_scrolled_into_view();
     void tab_follows_the_eye_and_is_never_trapped();
     void the_buttons_of_the_window_are_named_data();
     void the_buttons_of_the_window_are_named();
@@ -314,7 +314,7 @@ void TstMainWindow::a_closed_dock_is_brought_back_by_keys()
     QTRY_VERIFY(logDock()->isVisible());
 }
 
-void TstMainWindow::what_needs_more_room_is_scrolled_to()
+void TstMainWindow::focused_widget_is_scrolled_into_view()
 {
     auto *area = m_window->findChild<QScrollArea *>(QStringLiteral("CenterScrollArea"));
     QVERIFY(area);
@@ -331,9 +331,19 @@ void TstMainWindow::what_needs_more_room_is_scrolled_to()
     for (int tabs = 0; tabs < 20 && m_window->focusWidget() != lowest; ++tabs)
         QTest::keyClick(m_window->focusWidget() ? m_window->focusWidget() : m_window.data(), Qt::Key_Tab);
     QCOMPARE(m_window->focusWidget(), lowest);
-    area->ensureWidgetVisible(lowest);
-    const QRect place(lowest->mapTo(area->viewport(), QPoint(0, 0)), lowest->size());
-    QVERIFY(area->viewport()->rect().contains(place));
+    const auto isWholeInView = [area](const QWidget *widget) {
+        return area->viewport()->rect().contains(QRect(widget->mapTo(area->viewport(), QPoint()), widget->size()));
+    };
+    QVERIFY(isWholeInView(lowest));
+
+    // Also from outside the page, where the area itself does not follow.
+    auto *highest = new QPushButton(QStringLiteral("highest"), page);
+    highest->show();
+    QVERIFY(!isWholeInView(highest));
+    for (int tabs = 0; tabs < 20 && m_window->focusWidget() != highest; ++tabs)
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
+    QCOMPARE(m_window->focusWidget(), highest);
+    QVERIFY(isWholeInView(highest));
 }
 
 void TstMainWindow::tab_follows_the_eye_and_is_never_trapped()

@@ -37,6 +37,15 @@ const QSize comfortableSize(1440, 900);
 /// In a lower window the docks would leave too little room for the central area.
 constexpr int heightForDocks = 700;
 
+/// Brings the widget into view in each area that it is in. An area does so by itself only if it moves the focus.
+void scrollTo(QWidget *widget)
+{
+    for (QWidget *parent = widget->parentWidget(); parent; parent = parent->parentWidget()) {
+        if (auto *area = qobject_cast<QScrollArea *>(parent))
+            area->ensureWidgetVisible(widget);
+    }
+}
+
 } // namespace
 
 MainWindow *MainWindow::instance()
@@ -229,6 +238,7 @@ bool MainWindow::focusNextPrevChild(bool next)
     const int count = order.size();
     const int target = position < 0 ? (next ? 0 : count - 1) : (position + (next ? 1 : count - 1)) % count;
     order.at(target)->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    scrollTo(order.at(target));
     return true;
 }
 
