@@ -10,9 +10,8 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QtConcurrentMap>
-
-#include <algorithm>
+#include <QFuture>
+#include <QtConcurrentRun>
 
 namespace Corvelpro {
 
@@ -55,10 +54,16 @@ ProjectRow rowOf(const QFileInfo &package)
 
 QVector<ProjectRow> projectRows(const QString &directory)
 {
-    QVector<ProjectRow> rows =
-        QtConcurrent::blockingMapped<QVector<ProjectRow>>(ProjectListing::packagesIn(directory), rowOf);
-    rows.erase(std::remove_if(rows.begin(), rows.end(), [](const ProjectRow &row) { return row.file.isEmpty(); }),
-               rows.end());
+    const QFileInfoList packages = ProjectListing::packagesIn(directory);
+    QVector<QFuture<ProjectRow>> futures;
+    for (const QFileInfo &package : packages)
+        futures.append(QtConcurrent::run(rowOf, package));
+    QVector<ProjectRow> rows;
+    for (const QFuture<ProjectRow> &future : qAsConst(futures)) {
+        const ProjectRow row = future.result();
+        if (!row.file.isEmpty())
+            rows.append(row);
+    }
     return rows;
 }
 
