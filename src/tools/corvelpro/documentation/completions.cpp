@@ -105,7 +105,7 @@ QByteArray zshAction(Kind kind)
     }
 }
 
-/// A text within a specification of zsh's _arguments and _describe.
+/// A text within an argument of zsh's _arguments and _describe.
 QByteArray zshText(QByteArray text)
 {
     for (const char special : {'\\', '[', ']', ':'})
@@ -113,7 +113,7 @@ QByteArray zshText(QByteArray text)
     return text;
 }
 
-QByteArray zshSpecification(const Option &option)
+QByteArray zshOption(const Option &option)
 {
     QByteArray text = (option.isRepeatable ? "*" : "") + QByteArray(option.name) + '[' + zshText(option.help) + ']';
     if (option.value)
@@ -205,7 +205,7 @@ QByteArray zshCompletions()
     script += "    )\n"
               "    _arguments -C";
     for (const Option &option : generalOptions())
-        script += " \\\n        '(- *)'" + zshSpecification(option);
+        script += " \\\n        '(- *)'" + zshOption(option);
     script += " \\\n        '1:command:->command' \\\n        '*::argument:->argument'\n"
               "    case $state in\n"
               "        command) _describe command commands ;;\n"
@@ -214,7 +214,7 @@ QByteArray zshCompletions()
     for (const Command &command : commandTable()) {
         script += QByteArray("                ") + command.name + ")\n                    _arguments";
         for (const Option &option : optionsOf(command))
-            script += " \\\n                        " + zshSpecification(option);
+            script += " \\\n                        " + zshOption(option);
         for (const Positional &positional : command.positionals)
             script += " \\\n                        " +
                       quoted((positional.count == Positional::Count::OneOrMore  ? "*:"
