@@ -3,28 +3,17 @@
 #include "zippackagehandle.h"
 
 #include <support/customsite.h>
+#include <unit/packagetesting.h>
 
 #include <QDataStream>
-#include <QDir>
-#include <QFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
 /// Packages as a save makes them, written by the product.
 namespace ToolTesting {
 
-inline bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).absolutePath()) && file.open(QIODevice::WriteOnly) &&
-           file.write(bytes) == bytes.size() && file.flush();
-}
-
-inline QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+using PackageTesting::readFile;
+using PackageTesting::writeFile;
 
 inline QByteArray presetOf(const QByteArray &detail)
 {

@@ -15,6 +15,7 @@ class TstPackageLayout : public QObject
 private slots:
     void entries_carry_their_number_without_padding();
     void extensions_ignore_case_but_folders_do_not();
+    void only_the_package_extension_is_taken_off();
     void formed_entry_name_yields_its_number();
     void path_has_one_normal_form_data();
     void path_has_one_normal_form();
@@ -45,6 +46,15 @@ void TstPackageLayout::extensions_ignore_case_but_folders_do_not()
     QVERIFY(isInGallery("BKG/x") && isInGallery("LOGO/x") && !isInGallery("bkg/x") && !isInGallery("Preset/x"));
     QVERIFY(isGalleryPicture("BKG/x.Png") && !isGalleryPicture("BKG/x.txt") && !isGalleryPicture("x.png"));
     QVERIFY(isFolder("BKG/") && !isFolder("BKG"));
+}
+
+void TstPackageLayout::only_the_package_extension_is_taken_off()
+{
+    using namespace PackageLayout;
+    QCOMPARE(withoutPackageExtension("show 1.5.corvelpro"), QString("show 1.5"));
+    QCOMPARE(withoutPackageExtension("show.CORVELPRO"), QString("show"));
+    QCOMPARE(withoutPackageExtension("show.corvelpro.zip"), QString("show.corvelpro.zip"));
+    QCOMPARE(withoutPackageExtension(".corvelpro"), QString());
 }
 
 void TstPackageLayout::formed_entry_name_yields_its_number()

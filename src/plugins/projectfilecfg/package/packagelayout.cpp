@@ -211,6 +211,11 @@ bool hasPackageExtension(const QString &path)
     return path.endsWith(packageExtension, Qt::CaseInsensitive);
 }
 
+QString withoutPackageExtension(const QString &path)
+{
+    return hasPackageExtension(path) ? path.left(path.size() - packageExtension.size()) : path;
+}
+
 } // namespace PackageLayout
 } // namespace Internal
 } // namespace ProjectFileCfg

@@ -23,6 +23,8 @@ constexpr QLatin1String literal(const char (&text)[sizeWithEnd])
 constexpr QLatin1String packageExtension = literal(".corvelpro");
 /// True if `path` ends in the package extension, in any case.
 bool hasPackageExtension(const QString &path);
+/// `path` without that extension, if it has it. Unlike QFileInfo::baseName(), keeps all other dots.
+QString withoutPackageExtension(const QString &path);
 
 /// Folders of a device's directory. Without separators.
 constexpr QLatin1String backgroundFolder = literal("BKG");

@@ -32,13 +32,25 @@ ExitCode finish(Output &output, const Outcome &outcome, const QString &line, QJs
     return outcome.code;
 }
 
-Outcome wantPlainFile(const QString &path)
+QString whyNoPlainFile(const QString &path)
 {
     const QFileInfo file(path);
     if (file.isFile())
-        return {};
-    return Outcome::failed(QStringLiteral("%1: %2").arg(path, file.exists() ? QStringLiteral("not a plain file")
-                                                                            : QStringLiteral("no such file")));
+        return QString();
+    return file.exists() ? QStringLiteral("not a plain file") : QStringLiteral("no such file");
+}
+
+Outcome wantPlainFile(const QString &path)
+{
+    const QString reason = whyNoPlainFile(path);
+    return reason.isEmpty() ? Outcome() : Outcome::failed(QStringLiteral("%1: %2").arg(path, reason));
+}
+
+Outcome wantFreeName(const QString &path)
+{
+    const QFileInfo existing(path);
+    return existing.exists() || existing.isSymLink() ? Outcome::refused(QStringLiteral("%1: already exists").arg(path))
+                                                     : Outcome();
 }
 
 } // namespace Corvelpro

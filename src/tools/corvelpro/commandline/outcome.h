@@ -30,7 +30,11 @@ struct Outcome
 /// Prints `line` if the operation was done, its reason otherwise, and adds "result" and "reason" to `json`.
 ExitCode finish(Output &output, const Outcome &outcome, const QString &line, QJsonObject json);
 
-/// Refuses what is not a plain file or a link to one; says why.
+/// Why there is no plain file, nor a link to one, at `path`; empty if there is.
+QString whyNoPlainFile(const QString &path);
+/// Fails if there is none.
 Outcome wantPlainFile(const QString &path);
+/// Refuses a path that something has already, a broken link included.
+Outcome wantFreeName(const QString &path);
 
 } // namespace Corvelpro

@@ -1,11 +1,11 @@
 #include "check.h"
 
 #include "commandline/arguments.h"
+#include "commandline/outcome.h"
 #include "commandline/output.h"
 
 #include "zippackagehandle.h"
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -38,14 +38,11 @@ struct Verdict
 
 Verdict verdictOn(const QString &file)
 {
-    Verdict verdict{file, ExitCode::Yes, {}};
-    // QFileInfo follows links, as the panel does.
-    if (!QFileInfo(file).isFile()) {
+    Verdict verdict{file, ExitCode::Yes, whyNoPlainFile(file)};
+    if (!verdict.reason.isEmpty())
         verdict.code = ExitCode::Unknown;
-        verdict.reason = QFileInfo::exists(file) ? QStringLiteral("not a plain file") : QStringLiteral("no such file");
-    } else if (!ZipPackageHandle::isValidEngineerPacket(file, &verdict.reason)) {
+    else if (!ZipPackageHandle::isValidEngineerPacket(file, &verdict.reason))
         verdict.code = ExitCode::No;
-    }
     return verdict;
 }
 

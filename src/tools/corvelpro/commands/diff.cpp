@@ -1,6 +1,8 @@
 #include "diff.h"
 
 #include "commandline/arguments.h"
+#include "commandline/jsontext.h"
+#include "commandline/outcome.h"
 #include "commandline/output.h"
 #include "commandline/progress.h"
 #include "comparison/comparison.h"
@@ -9,9 +11,7 @@
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QVariant>
 
 #include <algorithm>
 #include <optional>
@@ -49,17 +49,6 @@ std::optional<QVector<DescriptionPath>> ignoredPaths(const QStringList &texts, O
         paths.append(*path);
     }
     return paths;
-}
-
-QString jsonText(const QJsonValue &value)
-{
-    // A document writes 9007199254740993 as 9007199254740992.
-    const QVariant number = value.toVariant();
-    if (number.type() == QVariant::LongLong)
-        return number.toString();
-    // Only arrays and objects can be the root of a document.
-    const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(text.mid(1, text.size() - 2));
 }
 
 /// On one line that can be read.
@@ -282,8 +271,9 @@ ExitCode runDiff(const Arguments &arguments, Output &output)
     const auto ignored = ignoredPaths(arguments.values(QStringLiteral("--ignore")), output);
     if (!ignored)
         return ExitCode::Unknown;
-    if (QFileInfo::exists(sheetPath)) {
-        output.message(QStringLiteral("%1: already exists").arg(sheetPath));
+    const Outcome sheetName = sheetPath.isEmpty() ? Outcome() : wantFreeName(sheetPath);
+    if (!sheetName.isDone()) {
+        output.message(sheetName.reason);
         return ExitCode::Unknown;
     }
     const auto before = openSide(a, output);

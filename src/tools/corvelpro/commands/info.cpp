@@ -3,12 +3,13 @@
 #include "commandline/arguments.h"
 #include "commandline/columns.h"
 #include "commandline/counted.h"
+#include "commandline/jsontext.h"
 #include "commandline/output.h"
 #include "content/packagesummary.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
+#include <QJsonObject>
 
 namespace Corvelpro {
 
@@ -23,13 +24,6 @@ QString pixels(const QSize &size)
 {
     return size.isEmpty() ? QStringLiteral("no picture")
                           : QStringLiteral("%1 x %2").arg(size.width()).arg(size.height());
-}
-
-/// A member of a JSON object as JSON writes it.
-QString valueOf(const QJsonValue &value)
-{
-    const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(text.mid(1, text.size() - 2));
 }
 
 void printTable(const QString &title, const QVector<QStringList> &rows, Output &output)
@@ -55,7 +49,7 @@ void print(const PackageSummary &package, Output &output)
                                                     : QStringLiteral(" (%1)").arg(package.descriptionProblem())));
     const QJsonObject &members = package.members();
     for (auto member = members.begin(); member != members.end(); ++member)
-        output.line(QStringLiteral("  %1: %2").arg(member.key(), valueOf(*member)));
+        output.line(QStringLiteral("  %1: %2").arg(member.key(), jsonText(*member)));
     QVector<QStringList> pictures;
     for (const PackageSummary::Picture &picture : package.pictures())
         pictures.append({printable(picture.entry), pixels(picture.size), bytes(picture.bytes)});

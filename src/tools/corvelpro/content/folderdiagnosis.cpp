@@ -23,7 +23,7 @@ namespace {
 /// A project name for which there is a file, whatever the panel shows, is refused for any other project.
 QString blockedName(const QFileInfo &entry)
 {
-    const QString name = entry.fileName().chopped(packageExtension.size());
+    const QString name = PackageLayout::withoutPackageExtension(entry.fileName());
     return QFile::exists(entry.dir().filePath(name + packageExtension)) ? name : QString();
 }
 
@@ -82,7 +82,7 @@ Complaint aboutOther(const QFileInfo &file)
 void lookAtListed(const QFileInfo &package, QHash<QString, QString> &listed, QVector<Complaint> &complaints)
 {
     const QString name = ProjectListing::nameOf(package);
-    const QString whole = package.fileName().chopped(packageExtension.size());
+    const QString whole = PackageLayout::withoutPackageExtension(package.fileName());
     QString &earlier = listed[name.toCaseFolded()];
     const QString rename = QStringLiteral("rename it to a name without a dot that no other has");
     if (!earlier.isEmpty())

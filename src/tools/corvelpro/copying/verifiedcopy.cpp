@@ -10,8 +10,6 @@
 #include "streamcopy.h"
 #include "zippackagehandle.h"
 
-#include <QFileInfo>
-
 #include <limits>
 
 namespace Corvelpro {
@@ -33,9 +31,9 @@ VerifiedCopy::VerifiedCopy(const QString &source, const QString &target, const s
 Outcome VerifiedCopy::run()
 {
     QString reason;
-    const QFileInfo existing(m_target);
-    if (existing.exists() || existing.isSymLink())
-        return Outcome::refused(QStringLiteral("%1: already exists").arg(m_target));
+    Outcome name = wantFreeName(m_target);
+    if (!name.isDone())
+        return name;
     if (!ZipPackageHandle::isValidEngineerPacket(m_source, &reason))
         return Outcome::refused(QStringLiteral("not a valid project file: %1").arg(reason));
 

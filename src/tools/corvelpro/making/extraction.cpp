@@ -33,8 +33,9 @@ Outcome Extraction::run()
         return Outcome::failed(QStringLiteral("the new directory has no name"));
     NewDirectory target(m_directory);
     m_directory = target.path();
-    if (!target.isFree())
-        return Outcome::refused(QStringLiteral("%1: already exists").arg(m_directory));
+    Outcome name = wantFreeName(m_directory);
+    if (!name.isDone())
+        return name;
 
     PackageReader reader(m_package);
     QString reason;

@@ -32,12 +32,6 @@ NewDirectory::~NewDirectory()
         QDir(m_hiddenPath).removeRecursively();
 }
 
-bool NewDirectory::isFree() const
-{
-    const QFileInfo existing(m_path);
-    return !existing.exists() && !existing.isSymLink();
-}
-
 bool NewDirectory::create(QString *reason)
 {
     m_isCreated = QDir().mkdir(m_hiddenPath);

@@ -17,8 +17,6 @@ public:
 
     /// The final path, absolute.
     QString path() const { return m_path; }
-    /// True if nothing has that path, not even a broken link.
-    bool isFree() const;
     /// Creates the hidden directory; the folder around it must exist.
     bool create(QString *reason);
     /// Where to write until commit().

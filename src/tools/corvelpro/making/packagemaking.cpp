@@ -17,17 +17,6 @@ using namespace ProjectFileCfg::Internal;
 
 namespace {
 
-bool isTaken(const QString &path)
-{
-    const QFileInfo existing(path);
-    return existing.exists() || existing.isSymLink();
-}
-
-Outcome alreadyExists(const QString &path)
-{
-    return Outcome::refused(QStringLiteral("%1: already exists").arg(path));
-}
-
 Outcome wantProperties(const EngineerPacketInfo &record)
 {
     QString reason;
@@ -48,14 +37,15 @@ Outcome create(const QString &directory, EngineerPacketInfo &record)
     if (!QFileInfo(directory).isDir())
         return Outcome::failed(QStringLiteral("%1: not a directory").arg(directory));
     if (record.strProjectName.isEmpty())
-        record.strProjectName = ProjectProperties::nameOf(path);
+        record.strProjectName = PackageLayout::withoutPackageExtension(QFileInfo(path).fileName());
     Outcome properties = wantProperties(record);
     if (!properties.isDone())
         return properties;
-    if (isTaken(path))
-        return alreadyExists(path);
-
+    // Taken before the check: a file that comes later is another one than this, and stays.
     const FileSystem::FileIdentity nothing(ReplacingFile::resolvedTarget(path));
+    Outcome name = wantFreeName(path);
+    if (!name.isDone())
+        return name;
     QString reason;
     return ZipPackageHandle::compressEngineerPacket(directory, record, {{}, nothing}, &reason)
                ? Outcome()
@@ -79,8 +69,9 @@ Outcome edit(EngineerPacketInfo &record, const std::optional<QString> &name, con
         name ? QDir::cleanPath(QFileInfo(path).path() + QLatin1Char('/') + *name + PackageLayout::packageExtension)
              : path;
     const bool isRenamed = QFileInfo(renamed).fileName() != QFileInfo(path).fileName();
-    if (isRenamed && isTaken(renamed))
-        return alreadyExists(renamed);
+    Outcome free = isRenamed ? wantFreeName(renamed) : Outcome();
+    if (!free.isDone())
+        return free;
     if (!ZipPackageHandle::setEngineerInfo(record, &reason))
         return Outcome::failed(reason);
     if (isRenamed && !FileSystem::renameDurably(path, renamed, &reason))

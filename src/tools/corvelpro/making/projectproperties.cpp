@@ -1,9 +1,7 @@
 #include "projectproperties.h"
 
-#include "packagelayout.h"
 #include "reason.h"
 
-#include <QFileInfo>
 #include <QString>
 
 #include <algorithm>
@@ -49,13 +47,6 @@ bool isComment(const QString &comment, QString *reason)
            failBecause(reason, QStringLiteral("the comment has %1 characters, the limit is %2")
                                    .arg(comment.size())
                                    .arg(maxCommentLength));
-}
-
-QString nameOf(const QString &path)
-{
-    const QString name = QFileInfo(path).fileName();
-    return PackageLayout::hasPackageExtension(name) ? name.left(name.size() - PackageLayout::packageExtension.size())
-                                                    : name;
 }
 
 } // namespace ProjectProperties

@@ -15,9 +15,6 @@ bool isName(const QString &name, QString *reason);
 /// At most 100 UTF-16 units of any text.
 bool isComment(const QString &comment, QString *reason);
 
-/// The name that goes with the package at `path`: the file's name without ".corvelpro".
-QString nameOf(const QString &path);
-
 } // namespace ProjectProperties
 
 } // namespace Corvelpro

@@ -1,0 +1,11 @@
+#pragma once
+
+class QJsonValue;
+class QString;
+
+namespace Corvelpro {
+
+/// Any JSON value as JSON writes it, on one line.
+QString jsonText(const QJsonValue &value);
+
+} // namespace Corvelpro
