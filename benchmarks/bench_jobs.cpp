@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // Saving and applying against the same steps done one after another, on a simulated device.
 //
 //     bench_jobs [--quick] [--rows FILE] [saving] [applying] [checking]

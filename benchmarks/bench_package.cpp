@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // The package handle against the plain way: the steps of each work with the libraries' own calls, one after another.
 // Both ways run in turn on the same data; their results are compared before a time counts.
 //

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // The longest freeze of the window while the panel saves and applies a device with large pictures and many presets,
 // copies a 1 GB package out and in, and scans 1,000 packages. Runs the development host with the built plugin, driven
 // as by an operator. What the panel does before a job starts, and filling the table, happens in one event on the

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // The panel's table of project files against one that rebuilds every row, both shown with the host's style sheet.
 // Measured is how long the user-interface thread is blocked.
 //

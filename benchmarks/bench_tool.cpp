@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // The command-line tool against the programs that one would use without it, each as a process of its own. Both ways run
 // in turn on the same files.
 //

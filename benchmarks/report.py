@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Makes the table, results.json and chart.svg from the benchmarks' rows.
 
     report.py FOLDER ROWS ...    exits with 1 when a limit was missed; files of rows that are not there are passed over

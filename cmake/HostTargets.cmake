@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 # Functions that define the targets of the development host and its tests.
 
 # add_host_library(<Name> SOURCES ... [PUBLIC <targets>] [PRIVATE <targets>])

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 # Debian packages, one for each part that somebody may want alone; ./package builds and tries them.
 #
 #   component  package                     contents

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 # What every target of this repository shares: language level, warnings, hidden symbols, output folders.
 
 set(CMAKE_CXX_STANDARD 17)

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // From a device description to the device compared and applied by the load job.
 #include "fuzzing.h"
 

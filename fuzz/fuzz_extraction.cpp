@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // Extracts every entry of an archive into a folder; nothing may be written outside it.
 //
 // The first byte selects the kind of input: 0 for the archive itself, anything else for the names of its entries, one a

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // How a scan, and the check before an import or an apply, treat one file.
 #include "fuzzing.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // Writes the seeds of the fuzzers: makeseeds FOLDER. All of them come from the recipe of the hostile packages.
 #include <zippackagehandle.h>
 

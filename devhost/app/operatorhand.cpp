@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include "operatorhand.h"
 
 #include <widgets/framelessmessagebox.h>

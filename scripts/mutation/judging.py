@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Builds the copy of the tree, records which test function reaches which mistake, and runs the tests on each."""
 import collections
 import hashlib

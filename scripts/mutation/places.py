@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Finds the places for mistakes in the product's sources. Texts are read as latin-1, so that offsets match the
 compiler's; labels are decoded."""
 import bisect

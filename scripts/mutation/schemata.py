@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Puts every mistake of a file behind a switch, so that all of them stand in one build:
 
     a == b            becomes    (mutation_on(7)?(a != b):(a == b))

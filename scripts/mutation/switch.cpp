@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // Linked into every program of the copy that scripts/mutate builds: selects the mistake made in this process and
 // records which test reaches which. Environment: MUTATION_MADE, the number of the mistake; MUTATION_TRACE, a
 // zero-filled file for MUTATION_TESTS records of MUTATION_COUNT bytes, each after a name of 256. The first record

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """What `corvelpro diff` reports of known edits, and that it reports nothing where nothing counts."""
 import os
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Generated devices, and the packages made of them: as the plugin writes them, or as another zip program might."""
 import hashlib
 import json

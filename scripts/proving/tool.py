@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Runs the command-line tool, and keeps the table of what was made and found."""
 import json
 import subprocess

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """What `corvelpro verify` finds in damaged packages, and that it finds nothing in good ones."""
 from pathlib import Path
 

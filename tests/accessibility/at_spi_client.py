@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Saves, edits, applies and deletes a project in the development host as a screen reader's user does: knows nothing but
 the names, roles and texts that the program tells AT-SPI, and does nothing but the actions that it offers there. Only the
 entry of a selector, which offers none, is chosen with keys.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include "ingredients.h"
 
 // Packages whose defect is in the archive: its records, headers, sizes and methods.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <simulation/journal.h>
 #include <widgets/framelessdialog.h>
 #include <widgets/framelessmessagebox.h>

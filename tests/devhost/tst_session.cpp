@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <imagestorager/imagestorager.h>
 #include <model/deviceeditor.h>
 #include <model/objectbrige.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <simulation/faults.h>
 #include <simulation/hardware.h>
 #include <simulation/journal.h>

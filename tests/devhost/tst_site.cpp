@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <simulation/picturegenerator.h>
 #include <simulation/session/session.h>
 #include <simulation/site.h>

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Tests scripts/check-house-rules, whose path is the argument, with sources of a few lines."""
 import os
 import subprocess
@@ -8,17 +10,21 @@ import unittest
 CHECKER = os.path.abspath(sys.argv.pop())
 
 
-def findings(source, path="src/plugins/a.cpp"):
-    """The findings in `source`, each without the file's name."""
+TERMS = "// SPDX-FileCopyrightText: Velmora\n// SPDX-License-Identifier: LicenseRef-Commercial-Usage\n\n"
+
+
+def findings(source, path="src/plugins/a.cpp", terms=TERMS):
+    """The findings in `source` behind `terms`, each without the file's name; lines count from the source's first."""
     with tempfile.TemporaryDirectory() as folder:
         os.makedirs(os.path.join(folder, os.path.dirname(path)))
         with open(os.path.join(folder, path), "w", encoding="utf-8") as file:
-            file.write(source)
+            file.write(terms + source)
         run = subprocess.run([sys.executable, "-B", CHECKER, path], cwd=folder, text=True, stdout=subprocess.PIPE,
                              check=False)
     lines = run.stdout.splitlines()
     assert run.returncode == (1 if lines else 0), run
-    return [line.split(":", 1)[1] for line in lines]
+    numbered = (line.split(":", 2)[1:] for line in lines)
+    return [f"{int(number) - terms.count(chr(10))}:{message}" for number, message in numbered]
 
 
 def record(*members):
@@ -40,6 +46,11 @@ class HouseRules(unittest.TestCase):
             name = member.split(";")[0].split(" =")[0].split("{")[0].replace("*const ", "").split()[-1].lstrip("*")
             self.check(record(member), f"3: the prefix of \"{name}\" is \"{prefix}\"")
         self.check(record("QString name;"), path="tests/a.cpp")
+
+    def test_a_source_begins_with_its_terms(self):
+        finding = "1: a source begins with its two SPDX lines and an empty one"
+        self.assertEqual(findings("int i;\n", terms=""), [finding])
+        self.assertEqual(findings(TERMS.replace("Velmora", "Nobody") + "int i;\n", terms=""), [finding])
 
     def test_locals_are_no_members(self):
         self.check("void f()\n{\n    QString name;\n    bool isOpen = false;\n}\n")

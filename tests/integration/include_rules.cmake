@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 # Product and development host meet only in the host's public headers: the product includes its own files, the host's
 # public headers, Qt, QuaZip and the standard library; the development host includes nothing of the product.
 cmake_minimum_required(VERSION 3.18)

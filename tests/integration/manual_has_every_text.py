@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Compares the operator's manual with the product's texts. Spans in `back quotes` on a page quote the
 screen exactly, with an ellipsis for each value that the product fills in:
 

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Compiles, with the compile command of each folder of the product, a source that includes one header of a folder above
 it, and expects the compiler to refuse it. A header that the folder may use must compile, so that a broken command does
 not look like a refusal.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 # Compares the metadata embedded in PLUGIN, read by QTPLUGININFO, with the file EXPECTED. Qt's own entries vary with the
 # Qt version: they must exist, and are otherwise ignored.
 cmake_minimum_required(VERSION 3.19)

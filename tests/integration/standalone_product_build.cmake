@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 # Installs the host and its SDK of HOST_BUILD into WORK, builds the folder PRODUCT against that installation only, installs
 # the plugin beside the host, and expects it to find all its libraries by itself.
 cmake_minimum_required(VERSION 3.18)

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <support/applyfixture.h>
 #include <support/journalmatchers.h>
 #include <support/openfiles.h>

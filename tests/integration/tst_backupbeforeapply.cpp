@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <support/applyfixture.h>
 #include <support/testmain.h>
 #include <zippackagehandle.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <support/freespace.h>
 #include <support/heldfile.h>
 #include <support/panelfixture.h>

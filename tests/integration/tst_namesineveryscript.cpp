@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <support/panelfixture.h>
 #include <support/paneltexts.h>
 #include <support/testmain.h>

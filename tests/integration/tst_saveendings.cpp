@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <operationresultcodes.h>
 #include <support/gate.h>
 #include <support/journalmatchers.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <core/modemanager.h>
 #include <extensionsystem/objectpool.h>
 #include <extensionsystem/pluginmanager.h>

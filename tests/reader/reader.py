@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: Velmora
+# SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Reads packages as docs/package-format.md describes them, without the plugin's code: reader.py check|info FILE...
 
 Prints JSON; info also lists the entries. Exit code 1: one of the files is no package.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // Real races between the user-interface thread, a QThread and pool tasks, among properly ordered accesses.
 // ThreadSanitizer must report both, despite the annotations for Qt.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 // Tells ThreadSanitizer how Qt synchronises threads.
 //
 // Debian's Qt is not instrumented, so its atomics and futexes are invisible: data handed over through a queued signal,

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include "devicedescription.h"
 #include "loadtesting.h"
 #include "packagecopy.h"

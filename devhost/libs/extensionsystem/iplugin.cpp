@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <extensionsystem/iplugin.h>
 
 #include <extensionsystem/objectpool.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include <widgets/onscreen.h>
 
 #ifdef HOST_HAS_X11

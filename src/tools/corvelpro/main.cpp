@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
 #include "commandline/command.h"
 #include "commandline/output.h"
 #include "commandline/parser.h"
