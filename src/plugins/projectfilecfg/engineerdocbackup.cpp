@@ -16,10 +16,9 @@
 #include "stagingdirectory.h"
 #include "zippackagehandle.h"
 
-#include <imagestorager/imagestorager.h>
-#include <model/device.h>
-#include <modelcontrol/materialcontrol.h>
-#include <modelcontrol/presetcontrol.h>
+#include <host/devicecontrol.h>
+#include <host/devices.h>
+#include <host/images.h>
 
 #include <QDebug>
 

@@ -28,8 +28,8 @@
 #include "setconnected.h"
 #include "waiting.h"
 
-#include <model/objectbrige.h>
-#include <widgets/waitingdialog.h>
+#include <host/devices.h>
+#include <host/dialogs.h>
 
 #include <QComboBox>
 #include <QDebug>

@@ -7,7 +7,7 @@
 #include "projectpaths.h"
 #include "translatedbox.h"
 
-#include <widgets/fixedbitlineeditex.h>
+#include <host/dialogs.h>
 
 #include <QEvent>
 #include <QFile>

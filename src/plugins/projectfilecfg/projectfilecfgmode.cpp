@@ -3,7 +3,7 @@
 
 #include "projectfilecfgmode.h"
 
-#include <utils/icon.h>
+#include <host/theme.h>
 
 using Corvel::Utils::Icon;
 

@@ -7,10 +7,9 @@
 #include "localecodec.h"
 #include "projectfilecfgmode.h"
 
-#include <core/icore.h>
-#include <core/modemanager.h>
-#include <model/objectbrige.h>
-#include <settingcfg/settingcfgmodemanager.h>
+#include <host/core.h>
+#include <host/devices.h>
+#include <host/modes.h>
 
 #include <QDebug>
 #include <QTimer>

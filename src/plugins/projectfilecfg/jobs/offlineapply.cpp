@@ -13,7 +13,7 @@
 #include "stagingdirectory.h"
 #include "thumbnail.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 #include <QDebug>
 #include <QFile>

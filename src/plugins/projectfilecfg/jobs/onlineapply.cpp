@@ -5,7 +5,7 @@
 
 #include "reason.h"
 
-#include <core/icore.h>
+#include <host/core.h>
 
 #include <QDebug>
 #include <QFile>

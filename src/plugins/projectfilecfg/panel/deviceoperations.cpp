@@ -7,10 +7,8 @@
 #include "hostcalls.h"
 #include "waiting.h"
 
-#include <model/devicelist.h>
-#include <model/objectbrige.h>
-#include <modelcontrol/devicecontroler.h>
-#include <modelcontrol/operationadapter.h>
+#include <host/devicecontrol.h>
+#include <host/devices.h>
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 
 #include "waiting.h"
 
-#include <widgets/waitingdialog.h>
+#include <host/dialogs.h>
 
 using Corvel::Widgets::WaitingDialog;
 

@@ -1,0 +1,10 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
+#pragma once
+
+// Dialogs, message boxes, the waiting dialog, and the line edit for names.
+#include <widgets/fixedbitlineeditex.h>
+#include <widgets/framelessdialog.h>
+#include <widgets/framelessmessagebox.h>
+#include <widgets/waitingdialog.h>
