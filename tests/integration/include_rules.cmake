@@ -72,7 +72,8 @@ foreach(source IN LISTS aliasing_headers)
         if(line MATCHES "^(#pragma once|#include <${host_libraries}/[a-z]+\\.h>|} *)$"
            OR line MATCHES "^(class|struct) ${name}@$" OR line MATCHES "^namespace ${name} {$"
            OR line MATCHES "^(namespace|using) ${name} = ${qualified_name}@$" OR line MATCHES "^using ${qualified_name}@$"
-           OR line MATCHES "^constexpr auto ${name} = static_cast<${qualified_name}>\\([0-9]+\\)@$" OR line STREQUAL "")
+           OR line MATCHES "^constexpr auto ${name} = static_cast<${qualified_name}>\\([0-9]+\\)@$"
+           OR line MATCHES "^constexpr int ${name} = [0-9]+@$" OR line STREQUAL "")
             continue()
         endif()
         list(APPEND violations "${source}: no include, alias, declaration or number: ${line}")

@@ -174,7 +174,7 @@ bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
             continue;
 
         emit signal_operatoerChanged(tr("Saving the gallery [%1]...").arg(tr("BKG:") + background->getName()));
-        const std::map<Materail::ParameterType, std::any> request{{Materail::Picture, QImage()}};
+        const std::map<Materail::ParameterType, std::any> request{{HostNumbers::picture, QImage()}};
         if (!ModelControl::MaterialControl(background).queryMaterailData(request)) {
             if (stopIfCanceled())
                 return false;

@@ -79,7 +79,7 @@ HX::ExtensionSystem::IPlugin::ShutdownFlag ProjectFileCfgPlugin::aboutToShutdown
         m_pMode = nullptr;
     }
     removeObject(this);
-    return SynchronousShutdown;
+    return Internal::HostNumbers::synchronousShutdown;
 }
 
 bool ProjectFileCfgPlugin::installTranslator(const QString &language)

@@ -5,3 +5,13 @@
 
 // Language, paths, and the operation that runs on a device.
 #include <core/icore.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace HostNumbers {
+constexpr auto operatorLoad = static_cast<Core::ICore::OperatorDeviceType>(0);
+constexpr auto operatorBackup = static_cast<Core::ICore::OperatorDeviceType>(1);
+constexpr auto operatorNone = static_cast<Core::ICore::OperatorDeviceType>(2);
+} // namespace HostNumbers
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -8,3 +8,11 @@
 #include <modelcontrol/materialcontrol.h>
 #include <modelcontrol/operationadapter.h>
 #include <modelcontrol/presetcontrol.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace HostNumbers {
+constexpr auto noError = static_cast<ControlEnum::enum_ErrorCode>(0);
+} // namespace HostNumbers
+} // namespace Internal
+} // namespace ProjectFileCfg

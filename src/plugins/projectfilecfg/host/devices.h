@@ -9,3 +9,17 @@
 #include <model/devicelist.h>
 #include <model/objectbrige.h>
 #include <model/serailizer.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace HostNumbers {
+// What updateDeviceInfo changes: a reset, and how much it wipes.
+constexpr auto deviceReset = static_cast<Model::Device::ParameterType>(10);
+constexpr auto resetFactory = static_cast<Model::Device::DevicResetOrder>(3);
+// Kinds of pictures, and what queryMaterailData fetches of one.
+constexpr int background = 0;
+constexpr int logo = 1;
+constexpr auto picture = static_cast<Model::Materail::ParameterType>(2);
+} // namespace HostNumbers
+} // namespace Internal
+} // namespace ProjectFileCfg

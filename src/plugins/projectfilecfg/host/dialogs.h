@@ -8,3 +8,11 @@
 #include <widgets/framelessdialog.h>
 #include <widgets/framelessmessagebox.h>
 #include <widgets/waitingdialog.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace HostNumbers {
+constexpr int tooltipLevelNormal = 0;
+} // namespace HostNumbers
+} // namespace Internal
+} // namespace ProjectFileCfg

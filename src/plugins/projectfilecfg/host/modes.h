@@ -8,3 +8,14 @@
 #include <settingcfg/isettingcfgmode.h>
 #include <settingcfg/settingcfgmodemanager.h>
 #include <widgets/icenterwidget.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace HostNumbers {
+// The states of a button that has an icon for each.
+constexpr int buttonNormal = 0;
+constexpr int buttonPressed = 1;
+constexpr int buttonHover = 2;
+} // namespace HostNumbers
+} // namespace Internal
+} // namespace ProjectFileCfg

@@ -6,3 +6,11 @@
 // The base class of plugins, and the ids of modes and widgets.
 #include <core/icorvelplugin.h>
 #include <utils/id.h>
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace HostNumbers {
+constexpr auto synchronousShutdown = static_cast<HX::ExtensionSystem::IPlugin::ShutdownFlag>(0);
+} // namespace HostNumbers
+} // namespace Internal
+} // namespace ProjectFileCfg
