@@ -9,6 +9,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
+// What runs on a device: a load, a save, or nothing.
 constexpr auto operatorLoad = static_cast<Core::ICore::OperatorDeviceType>(0);
 constexpr auto operatorBackup = static_cast<Core::ICore::OperatorDeviceType>(1);
 constexpr auto operatorNone = static_cast<Core::ICore::OperatorDeviceType>(2);

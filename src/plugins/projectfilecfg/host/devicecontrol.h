@@ -12,6 +12,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
+// What updateOnlineDevice returns on success.
 constexpr auto noError = static_cast<ControlEnum::enum_ErrorCode>(0);
 } // namespace HostNumbers
 } // namespace Internal

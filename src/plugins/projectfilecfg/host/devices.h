@@ -13,12 +13,13 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
-// What updateDeviceInfo changes: a reset, and how much it wipes.
+// What updateDeviceInfo is to do: a reset, of everything.
 constexpr auto deviceReset = static_cast<Model::Device::ParameterType>(10);
 constexpr auto resetFactory = static_cast<Model::Device::DevicResetOrder>(3);
-// Kinds of pictures, and what queryMaterailData fetches of one.
+// Kinds of pictures, as getType() returns them and createMaterailFromImage takes them.
 constexpr int background = 0;
 constexpr int logo = 1;
+// What queryMaterailData is to fetch: the picture, where a QImage is given for it.
 constexpr auto picture = static_cast<Model::Materail::ParameterType>(2);
 } // namespace HostNumbers
 } // namespace Internal

@@ -12,6 +12,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
+// How showWaitingDialog shows its text.
 constexpr int tooltipLevelNormal = 0;
 } // namespace HostNumbers
 } // namespace Internal

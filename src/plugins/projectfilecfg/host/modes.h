@@ -12,7 +12,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
-// The states of a button that has an icon for each.
+// The states of the sub-mode's button, each with an icon.
 constexpr int buttonNormal = 0;
 constexpr int buttonPressed = 1;
 constexpr int buttonHover = 2;

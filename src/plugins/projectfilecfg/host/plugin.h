@@ -10,6 +10,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
+// The plugin is ready to be deleted when aboutToShutdown returns.
 constexpr auto synchronousShutdown = static_cast<HX::ExtensionSystem::IPlugin::ShutdownFlag>(0);
 } // namespace HostNumbers
 } // namespace Internal
