@@ -50,7 +50,7 @@ namespace Internal {
 // ---- Construction
 
 EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
-    : ICenterWidget("ProjectFileCfg.Central", parent)
+    : Corvel::Widgets::ICenterWidget("ProjectFileCfg.Central", parent)
     , m_pProjects(std::make_shared<ProjectList>())
     , m_listProjectInfo(m_pProjects->listProjects)
     , m_strDefaultPath(ProjectPaths::projectFilesPath())

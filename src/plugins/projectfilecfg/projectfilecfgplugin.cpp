@@ -84,7 +84,7 @@ HX::ExtensionSystem::IPlugin::ShutdownFlag ProjectFileCfgPlugin::aboutToShutdown
 
 bool ProjectFileCfgPlugin::installTranslator(const QString &language)
 {
-    return IPlugin::installTranslator(ICore::trPath(), QStringLiteral("projectfilecfg"), language);
+    return HX::ExtensionSystem::IPlugin::installTranslator(ICore::trPath(), QStringLiteral("projectfilecfg"), language);
 }
 
 void ProjectFileCfgPlugin::createConnects()
