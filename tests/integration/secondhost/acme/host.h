@@ -50,7 +50,7 @@ private:
 
 struct Application
 {
-    enum OperatorDeviceType { Loading, Saving, Idle };
+    enum OperatorDeviceType { Idle, Loading, Saving };
     static OperatorDeviceType s_running;
     static QString s_folder;
     static QString s_translations;
