@@ -28,8 +28,8 @@
 #include "setconnected.h"
 #include "waiting.h"
 
-#include <model/objectbrige.h>
-#include <widgets/waitingdialog.h>
+#include <host/devices.h>
+#include <host/dialogs.h>
 
 #include <QComboBox>
 #include <QDebug>
@@ -42,7 +42,6 @@
 #include <QToolButton>
 #include <QtConcurrentRun>
 
-using Core::ICore;
 using Corvel::Widgets::WaitingDialog;
 
 namespace ProjectFileCfg {
@@ -51,7 +50,7 @@ namespace Internal {
 // ---- Construction
 
 EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
-    : ICenterWidget("ProjectFileCfg.Central", parent)
+    : Corvel::Widgets::ICenterWidget("ProjectFileCfg.Central", parent)
     , m_pProjects(std::make_shared<ProjectList>())
     , m_listProjectInfo(m_pProjects->listProjects)
     , m_strDefaultPath(ProjectPaths::projectFilesPath())
@@ -79,7 +78,7 @@ EngineerDocOperWidget::~EngineerDocOperWidget()
     // After this, nobody can tell the host that the operation is over, or hide the modal waiting dialog.
     const bool copying = ProjectCopies::isAwaited(m_pSaveasWatcher) || ProjectCopies::isAwaited(m_pImportWatcher);
     if (m_nOperatorType != OperatorNone)
-        RunningJob::announce(ICore::OperatorNone);
+        RunningJob::announce(HostNumbers::operatorNone);
     if (m_nOperatorType != OperatorNone || copying)
         Waiting::hide();
 
@@ -214,7 +213,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     if (!device)
         return false;
     DeviceOperations::freeChannel(device);
-    RunningJob::announce(ICore::OperatorBackup);
+    RunningJob::announce(HostNumbers::operatorBackup);
     m_nOperatorType = OperatorBackup;
 
     m_pDocBackup = new EngineerDocBackup(nullptr, QString());
@@ -258,7 +257,7 @@ void EngineerDocOperWidget::slot_backupFinished()
 {
     connectCancel(false);
     Waiting::hide();
-    RunningJob::announce(ICore::OperatorNone);
+    RunningJob::announce(HostNumbers::operatorNone);
     m_nOperatorType = OperatorNone;
     slot_projectFilesChanged();
 
@@ -335,7 +334,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     m_nOperatorType = OperatorLoad;
     // "save" is no mistake, although a load starts: operators and translations know this text.
     Waiting::show([] { return tr("Start save project file"); });
-    RunningJob::announce(ICore::OperatorLoad);
+    RunningJob::announce(HostNumbers::operatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
         connectCancel(true);
         connect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
@@ -352,7 +351,7 @@ void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 
 void EngineerDocOperWidget::slot_loadFinished()
 {
-    RunningJob::announce(ICore::OperatorNone);
+    RunningJob::announce(HostNumbers::operatorNone);
     connectCancel(false);
     if (m_pDocLoad)
         disconnect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,

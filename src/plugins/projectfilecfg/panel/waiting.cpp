@@ -3,7 +3,7 @@
 
 #include "waiting.h"
 
-#include <widgets/waitingdialog.h>
+#include <host/dialogs.h>
 
 using Corvel::Widgets::WaitingDialog;
 
@@ -24,7 +24,7 @@ void Waiting::show(const TranslatedText &text)
 
 void Waiting::showProgress(const QString &text)
 {
-    WaitingDialog::instance()->showWaitingDialog(text, WaitingDialog::LevelNormal);
+    WaitingDialog::instance()->showWaitingDialog(text, HostNumbers::tooltipLevelNormal);
 }
 
 void Waiting::offerCancel()
