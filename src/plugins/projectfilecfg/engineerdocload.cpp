@@ -61,7 +61,8 @@ bool EngineerDocLoad::guarded(const std::function<bool()> &work)
     if (!runGuarded("Import project file failed, exception", [&] { isDone = work(); }))
         return fail(LoadImportFailed);
     if (!isDone && !m_strReason.isEmpty())
-        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:" << m_strReason;
+        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:"
+                           << (m_bCancel ? m_strReason + QStringLiteral("; Cancel was pressed before") : m_strReason);
     return isDone;
 }
 
