@@ -101,6 +101,14 @@ bool EngineerDocLoad::checkDevice()
     });
 }
 
+bool EngineerDocLoad::confirmOnline(bool online)
+{
+    return check([this, online] {
+        return m_bCheckedOnline == online ||
+               fail(LoadImportFailed, QStringLiteral("the device went offline or came online before it was checked"));
+    });
+}
+
 QString EngineerDocLoad::noDevice() const
 {
     return QStringLiteral("there is no device %1").arg(m_strDeviceIp);

@@ -193,6 +193,19 @@ void EngineerDocOperWidget::slot_changeDevice(const QString &)
     m_pDeviceSelector->changeDevice(m_strDeviceIP);
 }
 
+// The panel selects the active device each time it is shown, also when its window is restored while a box is open or a
+// save runs. The operator decided for the device that was selected before.
+bool EngineerDocOperWidget::selectAgain(const QString &address)
+{
+    if (m_strDeviceIP != address && DeviceOperations::activate(address))
+        initDevice();
+    if (m_strDeviceIP == address)
+        return true;
+    qWarning().noquote()
+        << QStringLiteral("Not begun for %1: it has gone, and %2 is selected now").arg(address, m_strDeviceIP);
+    return false;
+}
+
 // ---- Saving
 
 void EngineerDocOperWidget::slot_saveProject()
@@ -203,7 +216,9 @@ void EngineerDocOperWidget::slot_saveProject()
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (device && device->getDeviceOnlineFlag() && !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
         return;
-    if (const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath))
+    const QString selected = m_strDeviceIP;
+    const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath);
+    if (answer && selectAgain(selected))
         startBackup(answer->strName, answer->strComment);
 }
 
@@ -241,15 +256,15 @@ void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInf
 
 void EngineerDocOperWidget::slot_cancelOperator()
 {
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    // Of the job's device: another one may be selected by now.
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        if (device)
+        if (findDeviceByAddress(m_pDocLoad->deviceIp()))
             DeviceOperations::cancelLoad();
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        if (device)
+        if (const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_pDocBackup->deviceIp()))
             DeviceOperations::cancelSave(device);
     }
 }
@@ -264,7 +279,8 @@ void EngineerDocOperWidget::slot_backupFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     if (RunningJob::isApplyDue(m_pDocBackup, m_strApplyAfterBackup)) {
-        startLoad(m_strApplyAfterBackup);
+        if (selectAgain(m_pDocBackup->deviceIp()))
+            startLoad(m_strApplyAfterBackup);
         if (guard)
             m_strApplyAfterBackup.clear();
     } else {
@@ -308,8 +324,9 @@ void EngineerDocOperWidget::slot_applyOtherProject()
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
 {
+    const QString selected = m_strDeviceIP;
     const QMessageBox::StandardButton answer = MessageBoxes::askForBackup(this);
-    if (answer == QMessageBox::Cancel)
+    if (answer == QMessageBox::Cancel || !selectAgain(selected))
         return;
     if (answer != QMessageBox::Yes)
         startLoad(path);

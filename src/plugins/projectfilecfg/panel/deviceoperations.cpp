@@ -12,6 +12,8 @@
 #include <modelcontrol/devicecontroler.h>
 #include <modelcontrol/operationadapter.h>
 
+#include <QDebug>
+
 #include <algorithm>
 
 using Model::object_brige;
@@ -90,11 +92,16 @@ bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
     return synchronised;
 }
 
-bool DeviceOperations::restoreFactory()
+bool DeviceOperations::restoreFactory(const QString &address)
 {
     const std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
     if (!device)
         return false;
+    if (device->getIPAddress() != address) {
+        qWarning().noquote() << QStringLiteral("Not reset: %1 is to be, but %2 is the active device")
+                                    .arg(address, device->getIPAddress());
+        return false;
+    }
     const std::map<Model::Device::ParameterType, std::any> parameters{
         {Model::Device::DeviceReset, Model::Device::ResetFactory}};
     if (device->getDeviceOnlineFlag())

@@ -34,8 +34,9 @@ public:
     static bool syncDeviceData(const QString &address);
     /// The same for the active device.
     static bool syncActiveDeviceData();
-    /// Resets the active device to its factory settings. False if there is none.
-    static bool restoreFactory();
+    /// Resets the active device to its factory settings. False if there is none, or if it is not the one at that
+    /// address: the host may have activated another since, and that one would lose everything.
+    static bool restoreFactory(const QString &address);
 
     /// MiB that a project of the device at that address needs, by estimate; 0 if there is none. Lets the
     /// host's exceptions through.
