@@ -3,7 +3,6 @@
 
 #include "engineerdocoperwidget.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "deviceselector.h"
 #include "encodedpictures.h"
@@ -259,12 +258,12 @@ void EngineerDocOperWidget::slot_cancelOperator()
     // Of the job's device: another one may be selected by now.
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        if (findDeviceByAddress(m_pDocLoad->deviceIp()))
+        if (DeviceOperations::find(m_pDocLoad->deviceIp()))
             DeviceOperations::cancelLoad();
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        if (const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_pDocBackup->deviceIp()))
+        if (const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_pDocBackup->deviceIp()))
             DeviceOperations::cancelSave(device);
     }
 }
@@ -379,12 +378,12 @@ void EngineerDocOperWidget::slot_loadFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     const int code = m_pDocLoad ? m_pDocLoad->resultCode() : int(LoadSuccess);
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
     DeviceOperations::freeChannel(device);
     // The host may have activated another device since the load began, and so changed the selection.
     if (m_pDocLoad && m_pDocLoad->deviceIp() != m_strDeviceIP)
-        DeviceOperations::freeChannel(findDeviceByAddress(m_pDocLoad->deviceIp()));
+        DeviceOperations::freeChannel(DeviceOperations::find(m_pDocLoad->deviceIp()));
     MessageBoxes::showLoadResult(this, code);
     if (!guard || !device)
         return;

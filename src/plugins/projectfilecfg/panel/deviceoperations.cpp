@@ -39,12 +39,19 @@ void setChannelExclusive(const std::shared_ptr<Model::Device> &device, bool excl
 
 } // namespace
 
+std::shared_ptr<Model::Device> DeviceOperations::find(const QString &address)
+{
+    std::shared_ptr<Model::Device> device;
+    callHost("getDeviceByIPAddr", [&] { device = findDeviceByAddress(address); });
+    return device;
+}
+
 std::shared_ptr<Model::Device> DeviceOperations::activate(const QString &address)
 {
     std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
     if (!device || device->getIPAddress() == address)
         return device;
-    device = findDeviceByAddress(address);
+    device = find(address);
     return device && makeActive(device) ? device : nullptr;
 }
 
@@ -66,7 +73,7 @@ void DeviceOperations::activateFirstScreen(const Model::Device &device)
 
 bool DeviceOperations::syncDeviceData(const QString &address)
 {
-    return sync(findDeviceByAddress(address));
+    return sync(find(address));
 }
 
 bool DeviceOperations::syncActiveDeviceData()

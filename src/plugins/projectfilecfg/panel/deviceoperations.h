@@ -22,6 +22,8 @@ class DeviceOperations
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
+    /// Null if there is none, or if the host throws.
+    static std::shared_ptr<Model::Device> find(const QString &address);
     /// Makes the device with that address the active one, unless it is already. Null if that failed, if there is no
     /// such device, or if no device was active.
     static std::shared_ptr<Model::Device> activate(const QString &address);

@@ -3,7 +3,6 @@
 
 #include "runningjob.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
@@ -67,7 +66,7 @@ void endAfterPanel(const EngineerDocLoad &load)
     QObject::connect(&load, &QObject::destroyed, qApp, [address = load.deviceIp(), number = s_announcedJobs] {
         if (number == s_announcedJobs)
             announce(ICore::OperatorNone);
-        DeviceOperations::freeChannel(findDeviceByAddress(address));
+        DeviceOperations::freeChannel(DeviceOperations::find(address));
     });
 }
 
