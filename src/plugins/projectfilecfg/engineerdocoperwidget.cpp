@@ -244,7 +244,11 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     connect(m_pDocBackup, &EngineerDocBackup::signal_operatoerChanged, this,
             &EngineerDocOperWidget::slot_backupOperatorChanged);
     m_pDocBackup->start(QThread::InheritPriority);
-    return true;
+    if (RunningJob::hasStarted(*m_pDocBackup))
+        return true;
+    m_pDocBackup->failToStart();
+    slot_backupFinished();
+    return false;
 }
 
 void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInfo)
@@ -358,7 +362,11 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
                 &EngineerDocOperWidget::slot_operatorChanged);
         connect(m_pDocLoad, &QThread::finished, this, &EngineerDocOperWidget::slot_loadFinished);
     });
-    return true;
+    if (RunningJob::hasStarted(*m_pDocLoad))
+        return true;
+    m_pDocLoad->failToStart();
+    slot_loadFinished();
+    return false;
 }
 
 void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)

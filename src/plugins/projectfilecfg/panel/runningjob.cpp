@@ -51,6 +51,11 @@ bool isApplyDue(const EngineerDocBackup *backup, const QString &next)
     return false;
 }
 
+bool hasStarted(const QThread &job)
+{
+    return job.isRunning() || job.isFinished();
+}
+
 void startThenConnect(QThread &job, const std::function<void()> &connectAll)
 {
     const auto connected = std::make_shared<QSemaphore>();
