@@ -311,8 +311,9 @@ void EngineerDocOperWidget::slot_applyOtherProject()
 {
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP))
         return;
+    const QString selected = m_strDeviceIP;
     const QStringList files = FileDialogs::selectProjectFiles(this, false);
-    if (files.isEmpty())
+    if (files.isEmpty() || !selectAgain(selected))
         return;
     EngineerPacketInfo info;
     info.strFilePath = files.first();
