@@ -98,6 +98,7 @@ private slots:
     void an_apply_that_wrote_the_configuration_is_told();
     void an_apply_that_wrote_nothing_claims_nothing();
     void the_message_of_an_operation_is_told_instead();
+    void a_message_goes_with_its_language();
     void waiting_hides_the_last_result();
     void the_message_after_waiting_is_the_next_result();
 
@@ -566,6 +567,20 @@ void TstMainWindow::the_message_of_an_operation_is_told_instead()
                  [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
     box();
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
+}
+
+void TstMainWindow::a_message_goes_with_its_language()
+{
+    TestSupport::AnswerBook book;
+    const QString text = QStringLiteral("User cancels current operation");
+    book.expectInformation(QStringLiteral("Remind"), text);
+    runOperation(
+        ICore::OperatorBackup, [] {},
+        [&] { HX::Widgets::FramelessMessageBox::information(m_window.data(), QStringLiteral("Remind"), text); });
+    QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), QString::fromUtf8("就绪"));
 }
 
 TEST_MAIN(TstMainWindow)

@@ -247,6 +247,10 @@ void TstFailureLog::a_failing_apply_logs_one_line_data()
                            << "did not take MVR or the slots";
     QTest::newRow("picture") << QString(createMaterailFromImage) << onlineIp << int(LoadApplyGalleryFailed)
                              << "did not take the picture BKG/BKG_1.png";
+    // A device that is told to stop may refuse what it was doing: whoever reads the line must not look for a fault.
+    QTest::newRow("picture after a cancel")
+        << QString(createMaterailFromImage) << onlineIp << int(LoadApplyGalleryFailed)
+        << "did not take the picture BKG/BKG_1.png; Cancel was pressed before";
     QTest::newRow("configuration") << QString(copyModelToDevice) << onlineIp << int(LoadImportFailed)
                                    << "did not take the configuration";
     QTest::newRow("multi-viewer") << QString(copyMVRItemDataToDevice) << onlineIp << int(LoadImportFailed)
@@ -269,6 +273,8 @@ void TstFailureLog::a_failing_apply_logs_one_line()
     job.setPackagePath(path);
     QVERIFY(job.checkPackageFile() && job.checkDevice());
     WarningGuard::clear();
+    if (cause.contains("Cancel"))
+        Faults::instance()->arm(operation, Fault::run([&job] { job.cancel(); }));
     Faults::instance()->arm(operation, Fault::fail());
     const ExpectMessage ofTheHost(QtWarningMsg, QRegularExpression("^set slot data failed"), ExpectMessage::AnyNumber);
     run(job);

@@ -3,7 +3,6 @@
 
 #include "engineerdocoperwidget.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "deviceselector.h"
 #include "encodedpictures.h"
@@ -192,6 +191,19 @@ void EngineerDocOperWidget::slot_changeDevice(const QString &)
     m_pDeviceSelector->changeDevice(m_strDeviceIP);
 }
 
+// The panel selects the active device each time it is shown, also when its window is restored while a box is open or a
+// save runs. The operator decided for the device that was selected before.
+bool EngineerDocOperWidget::selectAgain(const QString &address)
+{
+    if (m_strDeviceIP != address && DeviceOperations::activate(address))
+        initDevice();
+    if (m_strDeviceIP == address)
+        return true;
+    qWarning().noquote()
+        << QStringLiteral("Not begun for %1: it has gone, and %2 is selected now").arg(address, m_strDeviceIP);
+    return false;
+}
+
 // ---- Saving
 
 void EngineerDocOperWidget::slot_saveProject()
@@ -202,7 +214,9 @@ void EngineerDocOperWidget::slot_saveProject()
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (device && device->getDeviceOnlineFlag() && !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
         return;
-    if (const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath))
+    const QString selected = m_strDeviceIP;
+    const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath);
+    if (answer && selectAgain(selected))
         startBackup(answer->strName, answer->strComment);
 }
 
@@ -212,6 +226,8 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (!device)
         return false;
+    // Settled now: another program may save under the name while the host frees the channel.
+    const auto replaceable = EngineerDocBackup::fileAt(m_strDefaultPath, name);
     DeviceOperations::freeChannel(device);
     RunningJob::announce(HostNumbers::operatorBackup);
     m_nOperatorType = OperatorBackup;
@@ -220,6 +236,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     m_pDocBackup->setProjectPath(m_strDefaultPath);
     m_pDocBackup->setDeviceIp(m_strDeviceIP);
     m_pDocBackup->setProjectInfo(name, comment);
+    m_pDocBackup->setReplaceable(replaceable);
     m_pDocBackup->setEncodedPictures(m_pEncodedPictures);
 
     Waiting::offerCancel();
@@ -229,7 +246,11 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     connect(m_pDocBackup, &EngineerDocBackup::signal_operatoerChanged, this,
             &EngineerDocOperWidget::slot_backupOperatorChanged);
     m_pDocBackup->start(QThread::InheritPriority);
-    return true;
+    if (RunningJob::hasStarted(*m_pDocBackup))
+        return true;
+    m_pDocBackup->failToStart();
+    slot_backupFinished();
+    return false;
 }
 
 void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInfo)
@@ -240,15 +261,15 @@ void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInf
 
 void EngineerDocOperWidget::slot_cancelOperator()
 {
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    // Of the job's device: another one may be selected by now.
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        if (device)
+        if (DeviceOperations::find(m_pDocLoad->deviceIp()))
             DeviceOperations::cancelLoad();
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        if (device)
+        if (const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_pDocBackup->deviceIp()))
             DeviceOperations::cancelSave(device);
     }
 }
@@ -263,7 +284,8 @@ void EngineerDocOperWidget::slot_backupFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     if (RunningJob::isApplyDue(m_pDocBackup, m_strApplyAfterBackup)) {
-        startLoad(m_strApplyAfterBackup);
+        if (selectAgain(m_pDocBackup->deviceIp()))
+            startLoad(m_strApplyAfterBackup);
         if (guard)
             m_strApplyAfterBackup.clear();
     } else {
@@ -291,8 +313,9 @@ void EngineerDocOperWidget::slot_applyOtherProject()
 {
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP))
         return;
+    const QString selected = m_strDeviceIP;
     const QStringList files = FileDialogs::selectProjectFiles(this, false);
-    if (files.isEmpty())
+    if (files.isEmpty() || !selectAgain(selected))
         return;
     EngineerPacketInfo info;
     info.strFilePath = files.first();
@@ -307,8 +330,9 @@ void EngineerDocOperWidget::slot_applyOtherProject()
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
 {
+    const QString selected = m_strDeviceIP;
     const QMessageBox::StandardButton answer = MessageBoxes::askForBackup(this);
-    if (answer == QMessageBox::Cancel)
+    if (answer == QMessageBox::Cancel || !selectAgain(selected))
         return;
     if (answer != QMessageBox::Yes)
         startLoad(path);
@@ -341,7 +365,11 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
                 &EngineerDocOperWidget::slot_operatorChanged);
         connect(m_pDocLoad, &QThread::finished, this, &EngineerDocOperWidget::slot_loadFinished);
     });
-    return true;
+    if (RunningJob::hasStarted(*m_pDocLoad))
+        return true;
+    m_pDocLoad->failToStart();
+    slot_loadFinished();
+    return false;
 }
 
 void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
@@ -361,12 +389,12 @@ void EngineerDocOperWidget::slot_loadFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     const int code = m_pDocLoad ? m_pDocLoad->resultCode() : int(LoadSuccess);
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
     DeviceOperations::freeChannel(device);
     // The host may have activated another device since the load began, and so changed the selection.
     if (m_pDocLoad && m_pDocLoad->deviceIp() != m_strDeviceIP)
-        DeviceOperations::freeChannel(findDeviceByAddress(m_pDocLoad->deviceIp()));
+        DeviceOperations::freeChannel(DeviceOperations::find(m_pDocLoad->deviceIp()));
     MessageBoxes::showLoadResult(this, code);
     if (!guard || !device)
         return;

@@ -86,6 +86,9 @@ private:
     void updateButtonState();
 
     void initDevice();
+    /// After a dialog or a save: selects the device at that address again if another was selected meanwhile. False,
+    /// with a line in the log, if it has gone.
+    bool selectAgain(const QString &address);
     bool startBackup(const QString &name, const QString &comment);
     void askBackupBeforeApply(const QString &path);
     bool startLoad(const QString &path);

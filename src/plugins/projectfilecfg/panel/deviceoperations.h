@@ -20,6 +20,8 @@ class DeviceOperations
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
+    /// Null if there is none, or if the host throws.
+    static std::shared_ptr<Model::Device> find(const QString &address);
     /// Makes the device with that address the active one, unless it is already. Null if that failed, if there is no
     /// such device, or if no device was active.
     static std::shared_ptr<Model::Device> activate(const QString &address);
@@ -32,8 +34,9 @@ public:
     static bool syncDeviceData(const QString &address);
     /// The same for the active device.
     static bool syncActiveDeviceData();
-    /// Resets the active device to its factory settings. False if there is none.
-    static bool restoreFactory();
+    /// Resets the active device to its factory settings. False if there is none, or if it is not the one at that
+    /// address: the host may have activated another since, and that one would lose everything.
+    static bool restoreFactory(const QString &address);
 
     /// MiB that a project of the device at that address needs, by estimate; 0 if there is none. Lets the
     /// host's exceptions through.

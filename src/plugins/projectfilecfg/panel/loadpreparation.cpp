@@ -22,7 +22,7 @@ bool LoadPreparation::sync(const EngineerDocLoad &load)
 
 bool LoadPreparation::reset(QWidget *panel, EngineerDocLoad &load)
 {
-    const bool restored = DeviceOperations::restoreFactory();
+    const bool restored = DeviceOperations::restoreFactory(load.deviceIp());
     if (restored && sync(load))
         return true;
     load.releasePackage();
@@ -35,7 +35,7 @@ bool LoadPreparation::prepare(QWidget *panel, EngineerDocLoad &load, bool online
 {
     if (online && !sync(load))
         return false;
-    if (!load.checkPackageFile() || !load.checkDevice()) {
+    if (!load.checkPackageFile() || !load.checkDevice() || !load.confirmOnline(online)) {
         MessageBoxes::showLoadResult(panel, load.resultCode());
         return false;
     }

@@ -20,7 +20,8 @@ class LoadPreparation
 
 public:
     /// Has `load` check the package and the device. For an `online` device also: refreshes the host's model of it
-    /// before, and after all checks resets the active device to its factory settings and refreshes the model again.
+    /// before, and after all checks resets the active device, if it is that one, to its factory settings and refreshes
+    /// the model again.
     ///
     /// False, with a box or a line in the log, if there is to be no run; the panel may have gone then.
     static bool prepare(QWidget *panel, EngineerDocLoad &load, bool online);

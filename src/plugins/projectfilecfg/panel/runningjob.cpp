@@ -3,7 +3,6 @@
 
 #include "runningjob.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
@@ -52,6 +51,11 @@ bool isApplyDue(const EngineerDocBackup *backup, const QString &next)
     return false;
 }
 
+bool hasStarted(const QThread &job)
+{
+    return job.isRunning() || job.isFinished();
+}
+
 void startThenConnect(QThread &job, const std::function<void()> &connectAll)
 {
     const auto connected = std::make_shared<QSemaphore>();
@@ -67,7 +71,7 @@ void endAfterPanel(const EngineerDocLoad &load)
     QObject::connect(&load, &QObject::destroyed, qApp, [address = load.deviceIp(), number = s_announcedJobs] {
         if (number == s_announcedJobs)
             announce(HostNumbers::operatorNone);
-        DeviceOperations::freeChannel(findDeviceByAddress(address));
+        DeviceOperations::freeChannel(DeviceOperations::find(address));
     });
 }
 

@@ -26,6 +26,9 @@ void announce(Core::ICore::OperatorDeviceType type);
 /// and a line in the log says so.
 bool isApplyDue(const EngineerDocBackup *backup, const QString &next);
 
+/// After QThread::start(): false if the system has no thread for the job, which then never finishes.
+bool hasStarted(const QThread &job);
+
 /// Starts the thread of `job`, calls `connectAll`, and only then lets the thread begin its work. Otherwise the end of a
 /// job that fails at once would be reported to nobody.
 void startThenConnect(QThread &job, const std::function<void()> &connectAll);
