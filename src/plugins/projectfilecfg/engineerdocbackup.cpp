@@ -102,7 +102,7 @@ void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileI
     info.strFilePath = packagePath;
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
-    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_hashStaged, previous}, &reason))
+    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_staged, previous}, &reason))
         fail(reason);
     else if (ZipPackageHandle::isValidEngineerPacket(packagePath, &reason))
         m_strSavedPackagePath = packagePath;
@@ -157,7 +157,7 @@ bool EngineerDocBackup::exportPictures()
         return fail(reason);
     const QHash<QString, qint64> written = writer.written();
     for (auto picture = written.begin(); picture != written.end(); ++picture)
-        m_hashStaged.insert(directory().pictureEntry(picture.key()), picture.value());
+        m_staged.insert(directory().pictureEntry(picture.key()), picture.value());
     return true;
 }
 
@@ -242,7 +242,7 @@ bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &deta
     PresetFile file(path);
     switch (file.write(detail)) {
     case PresetFile::Outcome::Written:
-        m_hashStaged.insert(entry, file.size());
+        m_staged.insert(entry, file.size());
         return true;
     case PresetFile::Outcome::FolderGone:
         return fail(QStringLiteral("%1 was removed").arg(directory().presetPath()));

@@ -98,7 +98,7 @@ private:
     QString m_strSavedPackagePath;
     std::shared_ptr<EncodedPictures> m_pEncodedPictures;
     /// Sizes of the files that this run staged, by entry name.
-    QHash<QString, qint64> m_hashStaged;
+    QHash<QString, qint64> m_staged;
 };
 
 } // namespace Internal

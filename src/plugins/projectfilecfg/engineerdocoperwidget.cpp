@@ -18,6 +18,7 @@
 #include "prechecks.h"
 #include "pressedbutton.h"
 #include "projectcopies.h"
+#include "projectdeletion.h"
 #include "projectediting.h"
 #include "projectpaths.h"
 #include "projectrowwidget.h"
@@ -29,21 +30,16 @@
 #include "waiting.h"
 
 #include <model/objectbrige.h>
-#include <widgets/waitingdialog.h>
 
 #include <QComboBox>
-#include <QDebug>
-#include <QFile>
 #include <QFileSystemWatcher>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QToolButton>
-#include <QtConcurrentRun>
 
 using Core::ICore;
-using Corvel::Widgets::WaitingDialog;
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -146,12 +142,6 @@ void EngineerDocOperWidget::connectFileWatcher(bool bConnect)
                  &EngineerDocOperWidget::slot_projectFilesChanged);
 }
 
-void EngineerDocOperWidget::connectCancel(bool bConnect)
-{
-    setConnected(bConnect, WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, this,
-                 &EngineerDocOperWidget::slot_cancelOperator);
-}
-
 void EngineerDocOperWidget::connectRow(const ProjectRowWidget &row)
 {
     connect(row.editButton(), &QAbstractButton::clicked, this, &EngineerDocOperWidget::slot_editProjectInfo);
@@ -198,10 +188,7 @@ void EngineerDocOperWidget::slot_changeDevice(const QString &)
 void EngineerDocOperWidget::slot_saveProject()
 {
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP) || !DeviceOperations::activate(m_strDeviceIP) ||
-        !m_pDeviceSelector->showCurrent())
-        return;
-    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
-    if (device && device->getDeviceOnlineFlag() && !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
+        !m_pDeviceSelector->showCurrent() || !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
         return;
     if (const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath))
         startBackup(answer->strName, answer->strComment);
@@ -225,7 +212,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
 
     Waiting::offerCancel();
     Waiting::show([] { return tr("Please wait while the project file is exported"); });
-    connectCancel(true);
+    Waiting::connectCancel(true, this, &EngineerDocOperWidget::slot_cancelOperator);
     connect(m_pDocBackup, &QThread::finished, this, &EngineerDocOperWidget::slot_backupFinished);
     connect(m_pDocBackup, &EngineerDocBackup::signal_operatoerChanged, this,
             &EngineerDocOperWidget::slot_backupOperatorChanged);
@@ -244,19 +231,17 @@ void EngineerDocOperWidget::slot_cancelOperator()
     const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        if (device)
-            DeviceOperations::cancelLoad();
+        DeviceOperations::cancelLoad(device);
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        if (device)
-            DeviceOperations::cancelSave(device);
+        DeviceOperations::cancelSave(device);
     }
 }
 
 void EngineerDocOperWidget::slot_backupFinished()
 {
-    connectCancel(false);
+    Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     Waiting::hide();
     RunningJob::announce(ICore::OperatorNone);
     m_nOperatorType = OperatorNone;
@@ -293,17 +278,8 @@ void EngineerDocOperWidget::slot_applyOtherProject()
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP))
         return;
     const QStringList files = FileDialogs::selectProjectFiles(this, false);
-    if (files.isEmpty())
-        return;
-    EngineerPacketInfo info;
-    info.strFilePath = files.first();
-    QString reason;
-    if (ZipPackageHandle::getZipFileEngineerInfo(info, &reason)) {
-        askBackupBeforeApply(info.strFilePath);
-        return;
-    }
-    qDebug().noquote() << "Not applied:" << reason;
-    MessageBoxes::remind(this, [] { return tr("The file does not exist or the file format is incorrect."); });
+    if (!files.isEmpty() && PreChecks::isPackage(this, files.first()))
+        askBackupBeforeApply(files.first());
 }
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
@@ -326,18 +302,15 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     m_pDocLoad = new EngineerDocLoad(nullptr);
     m_pDocLoad->setDeviceIp(m_strDeviceIP);
     m_pDocLoad->setPackagePath(path);
-    const bool online = device->getDeviceOnlineFlag();
-    if (!LoadPreparation::prepare(this, *m_pDocLoad, online))
+    if (!LoadPreparation::prepare(this, *m_pDocLoad, device))
         return false;
 
-    if (online)
-        DeviceOperations::reserveChannel(device);
     m_nOperatorType = OperatorLoad;
     // "save" is no mistake, although a load starts: operators and translations know this text.
     Waiting::show([] { return tr("Start save project file"); });
     RunningJob::announce(ICore::OperatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
-        connectCancel(true);
+        Waiting::connectCancel(true, this, &EngineerDocOperWidget::slot_cancelOperator);
         connect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
                 &EngineerDocOperWidget::slot_operatorChanged);
         connect(m_pDocLoad, &QThread::finished, this, &EngineerDocOperWidget::slot_loadFinished);
@@ -353,7 +326,7 @@ void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 void EngineerDocOperWidget::slot_loadFinished()
 {
     RunningJob::announce(ICore::OperatorNone);
-    connectCancel(false);
+    Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     if (m_pDocLoad)
         disconnect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
                    &EngineerDocOperWidget::slot_operatorChanged);
@@ -365,9 +338,7 @@ void EngineerDocOperWidget::slot_loadFinished()
     const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
     DeviceOperations::freeChannel(device);
-    // The host may have activated another device since the load began, and so changed the selection.
-    if (m_pDocLoad && m_pDocLoad->deviceIp() != m_strDeviceIP)
-        DeviceOperations::freeChannel(findDeviceByAddress(m_pDocLoad->deviceIp()));
+    RunningJob::freeChannelOfLoad(m_pDocLoad, m_strDeviceIP);
     MessageBoxes::showLoadResult(this, code);
     if (!guard || !device)
         return;
@@ -404,9 +375,9 @@ void EngineerDocOperWidget::startSaveas(const QStringList &files, const QString 
 {
     Waiting::show([] { return tr("save as project file,please wait..."); });
     release(m_pSaveasWatcher, this);
-    const auto failure = std::make_shared<TranslatedText>();
-    m_saveasFuture = QtConcurrent::run(&ProjectCopies::saveAsConcurrent, files, destination, bDestIsDir, failure);
-    m_pSaveasWatcher = ProjectCopies::watch(m_saveasFuture, this, [this, failure] { onSaveasFinished(*failure); });
+    m_pSaveasWatcher = ProjectCopies::startSaveAs(files, destination, bDestIsDir, this,
+                                                  [this](const auto &failure) { onSaveasFinished(failure); });
+    m_saveasFuture = m_pSaveasWatcher->future();
 }
 
 void EngineerDocOperWidget::onSaveasFinished(const TranslatedText &failure)
@@ -433,9 +404,9 @@ void EngineerDocOperWidget::startImport(const QStringList &files)
     else if (m_pImportWatcher)
         m_pImportWatcher->setParent(this);
     connectFileWatcher(false);
-    const auto failure = std::make_shared<TranslatedText>();
-    m_importFuture = QtConcurrent::run(&ProjectCopies::importProjectFiles, files, m_strDefaultPath, failure);
-    m_pImportWatcher = ProjectCopies::watch(m_importFuture, this, [this, failure] { onImportFinished(*failure); });
+    m_pImportWatcher = ProjectCopies::startImport(files, m_strDefaultPath, this,
+                                                  [this](const auto &failure) { onImportFinished(failure); });
+    m_importFuture = m_pImportWatcher->future();
 }
 
 void EngineerDocOperWidget::onImportFinished(const TranslatedText &failure)
@@ -479,18 +450,12 @@ void EngineerDocOperWidget::slot_editProjectInfo()
 void EngineerDocOperWidget::slot_deleteProject()
 {
     const PressedButton pressed(sender());
-    if (!pressed || !MessageBoxes::confirm(this, [] { return tr("Confirm to delete the selected project file?"); }))
+    if (!pressed || !ProjectDeletion::isConfirmed(this, pressed.filePath()))
         return;
-    if (!QFile::exists(pressed.filePath())) {
-        qCritical() << "File not exist . path:" << pressed.filePath();
-        return;
-    }
     connectFileWatcher(false);
-    if (!QFile::remove(pressed.filePath())) {
-        // The directory stays unwatched until the next import or deletion.
-        MessageBoxes::warn(this, [] { return tr("Delete project file failed!"); });
+    // After a failure the directory stays unwatched until the next import or deletion.
+    if (!ProjectDeletion::remove(this, pressed.filePath()))
         return;
-    }
     connectFileWatcher(true);
     if (m_pProjects->remove(pressed.filePath()))
         slot_projectFilesChanged();
@@ -500,7 +465,7 @@ void EngineerDocOperWidget::slot_deleteProject()
 
 void EngineerDocOperWidget::slot_deleteAllProject()
 {
-    if (!MessageBoxes::confirm(this, [] { return tr("Confirm to delete all project file?"); }))
+    if (!ProjectDeletion::isConfirmedForAll(this))
         return;
     connectFileWatcher(false);
     if (m_pProjects->clear())

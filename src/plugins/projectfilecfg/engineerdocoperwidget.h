@@ -79,7 +79,6 @@ private:
     void initConnects(bool bConnect);
     void connectSelector(bool bConnect);
     void connectFileWatcher(bool bConnect);
-    void connectCancel(bool bConnect);
     void connectRow(const ProjectRowWidget &row);
 
     void updateProjectTable();

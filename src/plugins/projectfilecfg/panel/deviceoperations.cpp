@@ -130,12 +130,14 @@ void DeviceOperations::freeChannel(const std::shared_ptr<Model::Device> &device)
 void DeviceOperations::cancelSave(const std::shared_ptr<Model::Device> &device)
 {
     // {4, 10} is the command of the transfer that the device is to abandon.
-    callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
+    if (device)
+        callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
 }
 
-void DeviceOperations::cancelLoad()
+void DeviceOperations::cancelLoad(const std::shared_ptr<Model::Device> &device)
 {
-    callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
+    if (device)
+        callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
 }
 
 } // namespace Internal

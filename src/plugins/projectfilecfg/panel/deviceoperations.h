@@ -46,10 +46,10 @@ public:
     /// Does nothing for an offline device, or for null.
     static void freeChannel(const std::shared_ptr<Model::Device> &device);
 
-    /// Interrupts what the host does for a save of the device.
+    /// Interrupts what the host does for a save of the device. Does nothing for null.
     static void cancelSave(const std::shared_ptr<Model::Device> &device);
-    /// Interrupts what the host does for a load.
-    static void cancelLoad();
+    /// The same for a load.
+    static void cancelLoad(const std::shared_ptr<Model::Device> &device);
 
 private:
     static bool sync(const std::shared_ptr<Model::Device> &device);

@@ -7,6 +7,10 @@
 #include "diskspace.h"
 #include "hostcalls.h"
 #include "messageboxes.h"
+#include "zippackagehandle.h"
+
+#include <model/devicelist.h>
+#include <model/objectbrige.h>
 
 #include <QDebug>
 #include <QFile>
@@ -30,8 +34,23 @@ bool PreChecks::isFileThere(QWidget *panel, const QString &path)
     return false;
 }
 
+bool PreChecks::isPackage(QWidget *panel, const QString &path)
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path;
+    QString reason;
+    if (ZipPackageHandle::getZipFileEngineerInfo(info, &reason))
+        return true;
+    qDebug().noquote() << "Not applied:" << reason;
+    MessageBoxes::remind(panel, [] { return tr("The file does not exist or the file format is incorrect."); });
+    return false;
+}
+
 bool PreChecks::isRoomForProject(QWidget *panel, const QString &address, const QString &directory)
 {
+    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
+    if (!device || !device->getDeviceOnlineFlag())
+        return true;
     unsigned long long size = 0;
     if (!DeviceOperations::syncActiveDeviceData() ||
         !callHost("the estimate of the size", [&] { size = DeviceOperations::estimateProjectSize(address); })) {

@@ -22,9 +22,12 @@ public:
     /// True if `address`, that of the selected device, is not empty.
     static bool isDeviceSelected(QWidget *panel, const QString &address);
     static bool isFileThere(QWidget *panel, const QString &path);
+    /// True if the file at `path` is a valid package. Otherwise also logs the reason.
+    static bool isPackage(QWidget *panel, const QString &path);
 
     /// Refreshes the host's model of the active device. True if that device answers, and if a project of the device at
-    /// `address` is estimated to be smaller than the free space in the project-files directory.
+    /// `address` is estimated to be smaller than the free space in the project-files directory. Always true, and
+    /// without a call to the host, if the active device is offline.
     static bool isRoomForProject(QWidget *panel, const QString &address, const QString &directory);
     /// True if the files are smaller than the free space in the project-files directory.
     static bool isRoomForImport(QWidget *panel, const QStringList &files, const QString &directory);

@@ -8,6 +8,7 @@
 
 #include <QDebug>
 #include <QFileInfo>
+#include <QtConcurrentRun>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -67,6 +68,22 @@ QString ProjectCopies::report(const std::shared_ptr<TranslatedText> &failure, co
 {
     *failure = text;
     return text();
+}
+
+QFutureWatcher<QString> *ProjectCopies::startSaveAs(const QStringList &files, const QString &destination,
+                                                    bool bDestIsDir, QObject *panel, const Finished &finished)
+{
+    const auto failure = std::make_shared<TranslatedText>();
+    return watch(QtConcurrent::run(&ProjectCopies::saveAsConcurrent, files, destination, bDestIsDir, failure), panel,
+                 [finished, failure] { finished(*failure); });
+}
+
+QFutureWatcher<QString> *ProjectCopies::startImport(const QStringList &files, const QString &dirPath, QObject *panel,
+                                                    const Finished &finished)
+{
+    const auto failure = std::make_shared<TranslatedText>();
+    return watch(QtConcurrent::run(&ProjectCopies::importProjectFiles, files, dirPath, failure), panel,
+                 [finished, failure] { finished(*failure); });
 }
 
 QFutureWatcher<QString> *ProjectCopies::watch(const QFuture<QString> &work, QObject *panel,

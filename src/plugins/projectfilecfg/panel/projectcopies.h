@@ -36,16 +36,25 @@ public:
     static QString importProjectFiles(const QStringList &files, const QString &dirPath,
                                       const std::shared_ptr<TranslatedText> &failure);
 
-    // Its end. User-interface thread.
+    // Its start and end. User-interface thread.
 
-    /// Calls `finished` in the event loop when the work is over, unless `panel` has gone.
-    static QFutureWatcher<QString> *watch(const QFuture<QString> &work, QObject *panel,
-                                          const std::function<void()> &finished);
+    /// Gets what composes the failure's text, which is not callable after a success.
+    using Finished = std::function<void(const TranslatedText &failure)>;
+
+    /// Starts saveAsConcurrent() in the global thread pool. Calls `finished` in the event loop when it has returned,
+    /// unless `panel` has gone. The caller owns the watcher.
+    static QFutureWatcher<QString> *startSaveAs(const QStringList &files, const QString &destination, bool bDestIsDir,
+                                                QObject *panel, const Finished &finished);
+    /// The same for importProjectFiles().
+    static QFutureWatcher<QString> *startImport(const QStringList &files, const QString &dirPath, QObject *panel,
+                                                const Finished &finished);
     /// False if nobody waits for that work any more; `watcher` may be null. The future cannot tell: it is finished
     /// before the panel is notified.
     static bool isAwaited(const QFutureWatcher<QString> *watcher);
 
 private:
+    static QFutureWatcher<QString> *watch(const QFuture<QString> &work, QObject *panel,
+                                          const std::function<void()> &finished);
     static QString report(const std::shared_ptr<TranslatedText> &failure, const TranslatedText &text);
 };
 

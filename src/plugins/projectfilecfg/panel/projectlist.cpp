@@ -75,8 +75,8 @@ bool ProjectList::clear()
 
 bool ProjectList::supersedeScans()
 {
-    const bool scansRunning = m_lastApplied != m_nLastStarted;
-    m_lastApplied = ++m_nLastStarted;
+    const bool scansRunning = m_nLastApplied != m_nLastStarted;
+    m_nLastApplied = ++m_nLastStarted;
     return scansRunning;
 }
 
@@ -134,8 +134,8 @@ void ProjectList::replace(const QList<EngineerPacketInfo> &found, quint64 scanNu
 {
     if (!lockForScan())
         return;
-    if (scanNumber >= m_lastApplied) {
-        m_lastApplied = scanNumber;
+    if (scanNumber >= m_nLastApplied) {
+        m_nLastApplied = scanNumber;
         listProjects = found;
     }
     mutex.unlock();

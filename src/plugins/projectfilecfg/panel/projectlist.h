@@ -89,7 +89,7 @@ private:
     void logOnce(const QString &path, const QString &reason);
 
     std::atomic<quint64> m_nLastStarted{0};
-    quint64 m_lastApplied = 0; // guarded by mutex
+    quint64 m_nLastApplied = 0; // guarded by mutex
     /// Guards the next three; never locked for long.
     QMutex m_holdMutex;
     int m_nHolds = 0;

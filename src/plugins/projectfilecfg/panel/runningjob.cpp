@@ -71,6 +71,12 @@ void endAfterPanel(const EngineerDocLoad &load)
     });
 }
 
+void freeChannelOfLoad(const EngineerDocLoad *load, const QString &selectedAddress)
+{
+    if (load && load->deviceIp() != selectedAddress)
+        DeviceOperations::freeChannel(findDeviceByAddress(load->deviceIp()));
+}
+
 } // namespace RunningJob
 } // namespace Internal
 } // namespace ProjectFileCfg

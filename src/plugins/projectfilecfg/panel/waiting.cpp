@@ -3,8 +3,6 @@
 
 #include "waiting.h"
 
-#include <widgets/waitingdialog.h>
-
 using Corvel::Widgets::WaitingDialog;
 
 namespace ProjectFileCfg {

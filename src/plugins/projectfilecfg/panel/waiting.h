@@ -3,7 +3,10 @@
 
 #pragma once
 
+#include "setconnected.h"
 #include "translatedtext.h"
+
+#include <widgets/waitingdialog.h>
 
 #include <QCoreApplication>
 
@@ -23,6 +26,13 @@ public:
     static void showProgress(const QString &text);
     /// Shows the dialog's cancel button, with its translated text.
     static void offerCancel();
+    /// Makes or removes the connection of a click on that button with `slot`.
+    template<typename Receiver>
+    static void connectCancel(bool bConnect, Receiver *receiver, void (Receiver::*slot)())
+    {
+        using Corvel::Widgets::WaitingDialog;
+        setConnected(bConnect, WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, receiver, slot);
+    }
     static void hide();
 
     /// Shows its text again, and that of its button, in the current language. In place of progress it shows the text
