@@ -118,8 +118,8 @@ bool EngineerDocBackup::fail(const QString &reason, BackupResultCode code)
 }
 
 // Each step looks the device up again, four times in a save of an online device: in between, the host may remove it or
-// replace it by another one with the same address. So keep no device from step to step. A step that finds none ends the
-// save.
+// replace it by another one with the same address. So do not keep a device from one step to the next. A step that finds
+// none ends the save.
 std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
 {
     std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIp);

@@ -27,7 +27,7 @@ namespace FileSystem {
 class FileIdentity;
 }
 
-/// The job that saves one device's configuration into a project file, on a thread of its own.
+/// The job that saves one device's configuration into a project file, on its own thread.
 ///
 /// It has the host write the device models, stages pictures and presets in the device's configuration directory, packs
 /// that directory and sets a BackupResultCode. Use one object for one run.
@@ -43,16 +43,16 @@ public:
     void setDeviceIp(const QString &ip) { m_strDeviceIp = ip; }
     /// Before start(): `name` becomes the package's base name; the record contains it and `comment`.
     void setProjectInfo(const QString &name, const QString &comment);
-    /// Before start(): the package's directory, with a trailing separator. It is created if it is missing, but not a
-    /// sub-folder that a separator in the name leads to. The package replaces only the file that was there when the run
-    /// began: if there is another one by then, that one stays and the run ends with BackupEncryptFailed.
+    /// Before start(): the package's directory, with a trailing separator. It is created if it is missing, but a
+    /// sub-folder that a separator in the name leads to is not. The package replaces only the file that was there when
+    /// the run began: if another file is there by then, that file stays and the run ends with BackupEncryptFailed.
     void setProjectPath(const QString &directory) { m_strProjectPath = directory; }
 
     /// Before start(): the cache of encoded pictures. By default the job uses an empty one.
     void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures) { m_pEncodedPictures = pictures; }
 
-    /// Asks the job to end before the next picture or preset. Any thread. A request before the thread has started is
-    /// lost; one while the last pictures are being encoded is in time; one while the package is being written is not.
+    /// Asks the job to end before the next picture or preset. Any thread. A request is lost before the thread has
+    /// started, in time while the last pictures are being encoded, and too late while the package is being written.
     void cancel() { m_bCancel = true; }
 
     /// The BackupResultCode of the run; valid once QThread::finished was emitted.
@@ -63,7 +63,7 @@ public:
     int resultCode() const { return m_nResultCode; }
 
     /// The path of the saved package, which the run has read back and found valid; valid like the result code. Empty if
-    /// there is no package, even with BackupSuccess. Check it before any work that depends on the save.
+    /// there is no package, even with BackupSuccess. Check it before doing anything that relies on the save.
     QString savedPackagePath() const { return m_strSavedPackagePath; }
 
 signals:

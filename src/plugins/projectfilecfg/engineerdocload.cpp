@@ -78,7 +78,7 @@ bool EngineerDocLoad::checkPackageFile()
     return check([this] {
         if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
             return fail(LoadFileContentError, QStringLiteral("there is no such file"));
-        // The file first, so that only a package is copied. The result that counts is that of the copy.
+        // The file first, so that nothing but a package is copied. Then the copy, since that is what is applied.
         return ZipPackageHandle::checkPacketChecksum(m_strPackagePath, &m_strReason) && openPackage() &&
                ZipPackageHandle::checkPacketChecksum(*m_pPackage, &m_strReason);
     });
@@ -128,7 +128,7 @@ std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString 
     QString error;
     std::shared_ptr<Model::Device> device = readDeviceDescription(path, error);
     if (!device && !error.isEmpty()) {
-        // Not shown, since callers report a code of their own; it is here for the debugger.
+        // Not shown, since callers report their own code; kept for the debugger.
         const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error);
         Q_UNUSED(reason)
     }
@@ -139,7 +139,7 @@ void EngineerDocLoad::run()
 {
     m_bCancel = false;
     guarded([this] { return apply(); });
-    // The panel keeps the job for its result code; the copy must not take up the disk as long.
+    // The panel keeps the job for its result code; the copy must not take up disk space that long.
     releasePackage();
 }
 

@@ -124,7 +124,7 @@ void EngineerDocOperWidget::initConnects(bool bConnect)
     wire(m_pAllSaveasBtn, &EngineerDocOperWidget::slot_saveasProject);
     wire(m_pAllDeleteBtn, &EngineerDocOperWidget::slot_deleteAllProject);
 
-    // retranslateUi() may have connected it already, and a second connection would call the slot twice.
+    // retranslateUi() may have connected it already, and with a second connection the slot would be called twice.
     connectSelector(false);
     connectSelector(bConnect);
     connectFileWatcher(bConnect);
@@ -306,7 +306,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
         return false;
 
     m_nOperatorType = OperatorLoad;
-    // "save" is no mistake, although a load starts: operators and translations know this text.
+    // Keep "save" although a load starts: operators and translations know this text.
     Waiting::show([] { return tr("Start save project file"); });
     RunningJob::announce(ICore::OperatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
@@ -432,7 +432,7 @@ void EngineerDocOperWidget::slot_editProjectInfo()
     const QPointer<EngineerDocOperWidget> guard(this);
     const std::shared_ptr<ProjectList> projects = m_pProjects;
     {
-        // Keeps scans from replacing the entry under the dialog. The panel may be deleted meanwhile.
+        // Keeps scans from replacing the entry while the dialog is open. The panel may be deleted meanwhile.
         const ProjectList::Hold hold(*projects);
         const std::optional<EngineerPacketInfo> edited =
             ProjectEditing::edit(this, *projects, pressed.filePath(), m_strDefaultPath);

@@ -29,7 +29,7 @@ public:
     /// refreshes the host's model of it before the checks; and after them resets the device to its factory settings,
     /// refreshes the model again and reserves the channel.
     ///
-    /// False, with a box or a line in the log, if the job must not run; the panel may have gone then.
+    /// False, after a message box or a line in the log, if the job must not run; the panel may have been deleted then.
     static bool prepare(QWidget *panel, EngineerDocLoad &load, const std::shared_ptr<Model::Device> &device);
 
 private:

@@ -46,8 +46,8 @@ QString ProjectCopies::importProjectFiles(const QStringList &files, const QStrin
     QStringList failed;
     for (const QString &file : files) {
         const QFileInfo source(file);
-        // Never true, since `dirPath` ends in a separator: copying a file of the directory onto itself fails, and is
-        // reported.
+        // Never true, since `dirPath` ends in a separator: a file of the directory itself is not skipped; copying it
+        // fails, which is reported.
         if (source.path() == dirPath)
             continue;
         QString reason;

@@ -17,13 +17,13 @@ class ProjectDeletion
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
-    /// True if the operator agrees to delete the package at `path`, the panel is still there, and so is the file. Logs,
-    /// but does not show, that the file is missing.
+    /// True if the operator agrees to delete the package at `path`, and the panel and the file still exist. A missing
+    /// file is logged, but not shown.
     static bool isConfirmed(QWidget *panel, const QString &path);
-    /// True if the operator agrees to delete all packages, and the panel is still there.
+    /// True if the operator agrees to delete all packages, and the panel still exists.
     static bool isConfirmedForAll(QWidget *panel);
 
-    /// Removes the file. False, after a box, if that failed; the panel may have gone then.
+    /// Removes the file. False, after a message box, if that fails; the panel may have been deleted then.
     static bool remove(QWidget *panel, const QString &path);
 };
 

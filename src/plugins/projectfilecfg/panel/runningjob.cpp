@@ -25,7 +25,7 @@ namespace RunningJob {
 
 namespace {
 
-/// Jobs announced so far in this process: tells whether a job that ends late is still the latest.
+/// Number of jobs announced so far in this process, to find out whether a job that ends late is still the latest.
 int s_announcedJobs = 0;
 
 bool hasSavedPackage(const EngineerDocBackup &backup)
