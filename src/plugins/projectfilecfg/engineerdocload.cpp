@@ -185,11 +185,11 @@ bool EngineerDocLoad::applyOnline(const std::shared_ptr<Model::Device> &target)
 {
     OnlineApply online(*m_pPackage, m_pPackageDevice, target);
     if (!online.sendSlots())
-        return fail(LoadImportFailed, QStringLiteral("the device did not take MVR or the slots"));
+        return fail(LoadImportFailed, QStringLiteral("the device did not accept MVR or the slots"));
     const bool isSent = onlineSend(online);
     // Even after a failed send. If this fails too, its code replaces the first one.
     if (!online.sendMvrItems())
-        return fail(LoadImportFailed, QStringLiteral("the device did not take the MVR items"));
+        return fail(LoadImportFailed, QStringLiteral("the device did not accept the MVR items"));
     return isSent && !stopIfCanceled();
 }
 
@@ -199,7 +199,7 @@ bool EngineerDocLoad::onlineSend(OnlineApply &online)
         return false;
     emit signal_operatoerChanged(tr("Send Config to Device"));
     return online.sendConfiguration() ||
-           fail(LoadImportFailed, QStringLiteral("the device did not take the configuration"));
+           fail(LoadImportFailed, QStringLiteral("the device did not accept the configuration"));
 }
 
 bool EngineerDocLoad::sendSourceToOnlineDevice(OnlineApply &online)

@@ -14,7 +14,7 @@ class Output;
 enum class ExitCode {
     /// Yes: valid, equal, done.
     Yes = 0,
-    /// No: not valid, different, not done.
+    /// No: not valid, different, refused.
     No = 1,
     /// No answer: wrong usage, a file that cannot be read, no room for the result.
     Unknown = 2
