@@ -98,6 +98,7 @@ private slots:
     void apply_with_written_configuration_is_reported();
     void apply_without_written_configuration_reports_nothing();
     void operation_message_replaces_the_result();
+    void message_is_cleared_by_a_language_change();
     void waiting_hides_the_last_result();
     void the_message_after_waiting_is_the_next_result();
 
@@ -566,6 +567,20 @@ void TstMainWindow::operation_message_replaces_the_result()
                  [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
     box();
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
+}
+
+void TstMainWindow::message_is_cleared_by_a_language_change()
+{
+    TestSupport::AnswerBook book;
+    const QString text = QStringLiteral("User cancels current operation");
+    book.expectInformation(QStringLiteral("Remind"), text);
+    runOperation(
+        ICore::OperatorBackup, [] {},
+        [&] { HX::Widgets::FramelessMessageBox::information(m_window.data(), QStringLiteral("Remind"), text); });
+    QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), QString::fromUtf8("就绪"));
 }
 
 TEST_MAIN(TstMainWindow)

@@ -57,6 +57,7 @@ PackageBuilder onlyDescription(const QByteArray &description)
 
 using MakePackage = std::function<PackageBuilder()>;
 Q_DECLARE_METATYPE(MakePackage)
+Q_DECLARE_METATYPE(QMessageBox::StandardButton)
 
 /// How applying a project ends: results, a cancel, exceptions of the host, a deleted panel.
 class TstApplyEndings : public QObject, protected Applying
@@ -87,6 +88,8 @@ private slots:
     // Exceptions of the host
     void host_exceptions_end_in_a_message_data();
     void host_exceptions_end_in_a_message();
+    void a_lookup_that_throws_finds_no_device_data();
+    void a_lookup_that_throws_finds_no_device();
 
     // Closing
     void deleting_the_panel_midway_ends_the_load();
@@ -388,6 +391,53 @@ void TstApplyEndings::host_exceptions_end_in_a_message()
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Closing
+
+void TstApplyEndings::a_lookup_that_throws_finds_no_device_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<bool>("isCancelled");
+    QTest::newRow("apply") << QMessageBox::No << false;
+    QTest::newRow("cancelled apply") << QMessageBox::No << true;
+    QTest::newRow("apply after a backup") << QMessageBox::Yes << false;
+    QTest::newRow("cancelled backup") << QMessageBox::Yes << true;
+}
+
+void TstApplyEndings::a_lookup_that_throws_finds_no_device()
+{
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(bool, isCancelled);
+    list(packageOf(richDevice(sourceIp)));
+    WaitingDialog::instance()->setCanelVisible(true);
+    const ExpectMessage critical(QtCriticalMsg, QRegularExpression(QStringLiteral("out of luck$")),
+                                 ExpectMessage::AnyNumber);
+    const ExpectMessage warned(QtWarningMsg, QRegularExpression(QStringLiteral("^(Import project|Not begun)")),
+                               ExpectMessage::AnyNumber);
+    m_book->answerOthers([answer](QDialog *dialog) {
+        auto *box = qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog);
+        click(box->kind() == HX::Widgets::FramelessMessageBox::Question ? box->button(answer)
+                                                                        : box->button(QMessageBox::Ok));
+    });
+    // Each lookup in turn, until none is left.
+    bool hasThrown = true;
+    for (int call = 1; hasThrown; ++call) {
+        QVERIFY(call < 50);
+        hasThrown = false;
+        Faults::instance()->clear();
+        Journal::instance()->clear();
+        if (isCancelled)
+            Faults::instance()->arm(answer == QMessageBox::Yes ? serailize : canMVEEnable, cancelling());
+        Faults::instance()->arm(getDeviceByIPAddr, Fault::run(
+                                                       [&hasThrown] {
+                                                           hasThrown = true;
+                                                           throw std::runtime_error("out of luck");
+                                                       },
+                                                       call));
+        clickApply();
+        QTRY_VERIFY(Journal::instance()->count(setOperatorType) == 0 || hasJobEnded());
+        settle();
+        QVERIFY(!WaitingDialog::instance()->isVisible());
+    }
+}
 
 void TstApplyEndings::deleting_the_panel_midway_ends_the_load()
 {

@@ -57,6 +57,7 @@ private slots:
     void a_refused_apply_leaves_one_line();
     void a_failing_apply_logs_one_line_data();
     void a_failing_apply_logs_one_line();
+    void a_failure_after_cancel_tells_of_both();
     void a_check_that_no_longer_holds_is_logged_data();
     void a_check_that_no_longer_holds_is_logged();
     void success_and_cancelling_leave_no_line();
@@ -274,6 +275,26 @@ void TstFailureLog::a_failing_apply_logs_one_line()
     run(job);
     QCOMPARE(job.resultCode(), code);
     QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());
+}
+
+// A device that is told to stop may refuse what it was doing: whoever reads the line must not look for a fault.
+void TstFailureLog::a_failure_after_cancel_tells_of_both()
+{
+    const CustomSite site({{plainDevice(onlineIp), true}});
+    const QString path = m_packages.filePath("show.corvelpro");
+    QVERIFY(packageOf(richDevice(sourceIp)).record("show", "x").write(path));
+    EngineerDocLoad job(nullptr);
+    job.setDeviceIp(onlineIp);
+    job.setPackagePath(path);
+    QVERIFY(job.checkPackageFile() && job.checkDevice());
+    WarningGuard::clear();
+    Faults::instance()->arm(createMaterailFromImage, Fault::run([&job] { job.cancel(); }));
+    Faults::instance()->arm(createMaterailFromImage, Fault::fail());
+    run(job);
+    QCOMPARE(job.resultCode(), int(LoadApplyGalleryFailed));
+    QCOMPARE(wrongIn(failures().filter("Apply of"), path,
+                     "failed: the device did not take the picture BKG/BKG_1.png; Cancel was pressed before"),
+             QString());
 }
 
 void TstFailureLog::a_check_that_no_longer_holds_is_logged_data()

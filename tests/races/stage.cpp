@@ -277,7 +277,7 @@ void Points::pass()
 Stage::Stage()
 {
     for (const char *pattern :
-         {"^Import project file failed, as sync device from hardware failed\\.$",
+         {"^Import project file failed, as sync device from hardware failed\\.$", "^Not reset: ", "^Not begun for ",
           "^enable\\(disable\\) MVR failed: ", "^set slot data failed\\.$", "^File rename failed\\.$"})
         m_expected.push_back(std::make_unique<ExpectMessage>(
             QtWarningMsg, QRegularExpression(QString::fromLatin1(pattern)), ExpectMessage::AnyNumber));

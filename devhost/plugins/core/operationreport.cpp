@@ -133,6 +133,12 @@ void OperationReport::settle()
     emit changed();
 }
 
+void OperationReport::forgetMessage()
+{
+    if (m_outcome == Message)
+        m_outcome = None;
+}
+
 QString OperationReport::text() const
 {
     if (!m_waiting.isEmpty())

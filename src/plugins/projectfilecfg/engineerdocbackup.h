@@ -41,6 +41,7 @@ public:
 
     /// Before start(): the address of the device to save.
     void setDeviceIp(const QString &ip) { m_strDeviceIp = ip; }
+    QString deviceIp() const { return m_strDeviceIp; }
     /// Before start(): `name` becomes the package's base name; the record contains it and `comment`.
     void setProjectInfo(const QString &name, const QString &comment);
     /// Before start(): the package's directory, with a trailing separator. It is created if it is missing, but a

@@ -61,7 +61,8 @@ bool EngineerDocLoad::guarded(const std::function<bool()> &work)
     if (!runGuarded("Import project file failed, exception", [&] { isDone = work(); }))
         return fail(LoadImportFailed);
     if (!isDone && !m_strReason.isEmpty())
-        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:" << m_strReason;
+        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:"
+                           << (m_bCancel ? m_strReason + QStringLiteral("; Cancel was pressed before") : m_strReason);
     return isDone;
 }
 
@@ -97,6 +98,14 @@ bool EngineerDocLoad::checkDevice()
             return false;
         ReadinessCheck readiness(*m_pPackage, *m_pPackageDevice, ICore::ExtractJsonPath());
         return passes(m_bCheckedOnline ? readiness.run(&reason) : readiness.runOffline(&reason), reason);
+    });
+}
+
+bool EngineerDocLoad::confirmOnline(bool online)
+{
+    return check([this, online] {
+        return m_bCheckedOnline == online ||
+               fail(LoadImportFailed, QStringLiteral("the device went offline or came online before it was checked"));
     });
 }
 

@@ -54,6 +54,9 @@ public:
     /// too many pixels in total. For an online device, also only if every picture has a place there and can be
     /// extracted, read to its end and decoded (see ReadinessCheck).
     bool checkDevice();
+    /// After it: true if it found the device online or offline, as the caller did before. A device that dropped out or
+    /// came meanwhile would be reset without having been checked for that, or changed without a reset.
+    bool confirmOnline(bool online);
 
     /// Releases the copy of the package and its disk space. Call it if there will be no run, not during a run.
     void releasePackage();

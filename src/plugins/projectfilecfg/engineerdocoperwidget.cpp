@@ -3,7 +3,6 @@
 
 #include "engineerdocoperwidget.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "deviceselector.h"
 #include "encodedpictures.h"
@@ -183,6 +182,13 @@ void EngineerDocOperWidget::slot_changeDevice(const QString &)
     m_pDeviceSelector->changeDevice(m_strDeviceIP);
 }
 
+bool EngineerDocOperWidget::selectAgain(const QString &address)
+{
+    if (m_strDeviceIP != address && DeviceOperations::activate(address))
+        initDevice();
+    return PreChecks::isStillSelected(address, m_strDeviceIP);
+}
+
 // ---- Saving
 
 void EngineerDocOperWidget::slot_saveProject()
@@ -190,7 +196,9 @@ void EngineerDocOperWidget::slot_saveProject()
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP) || !DeviceOperations::activate(m_strDeviceIP) ||
         !m_pDeviceSelector->showCurrent() || !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
         return;
-    if (const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath))
+    const QString selected = m_strDeviceIP;
+    const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath);
+    if (answer && selectAgain(selected))
         startBackup(answer->strName, answer->strComment);
 }
 
@@ -228,14 +236,14 @@ void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInf
 
 void EngineerDocOperWidget::slot_cancelOperator()
 {
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    // The job's device, since another one may be selected by now.
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        DeviceOperations::cancelLoad(device);
+        DeviceOperations::cancelLoad(DeviceOperations::find(m_pDocLoad->deviceIp()));
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        DeviceOperations::cancelSave(device);
+        DeviceOperations::cancelSave(DeviceOperations::find(m_pDocBackup->deviceIp()));
     }
 }
 
@@ -249,7 +257,8 @@ void EngineerDocOperWidget::slot_backupFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     if (RunningJob::isApplyDue(m_pDocBackup, m_strApplyAfterBackup)) {
-        startLoad(m_strApplyAfterBackup);
+        if (selectAgain(m_pDocBackup->deviceIp()))
+            startLoad(m_strApplyAfterBackup);
         if (guard)
             m_strApplyAfterBackup.clear();
     } else {
@@ -284,8 +293,9 @@ void EngineerDocOperWidget::slot_applyOtherProject()
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
 {
+    const QString selected = m_strDeviceIP;
     const QMessageBox::StandardButton answer = MessageBoxes::askForBackup(this);
-    if (answer == QMessageBox::Cancel)
+    if (answer == QMessageBox::Cancel || !selectAgain(selected))
         return;
     if (answer != QMessageBox::Yes)
         startLoad(path);
@@ -335,7 +345,7 @@ void EngineerDocOperWidget::slot_loadFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     const int code = m_pDocLoad ? m_pDocLoad->resultCode() : int(LoadSuccess);
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
     DeviceOperations::freeChannel(device);
     RunningJob::freeChannelOfLoad(m_pDocLoad, m_strDeviceIP);

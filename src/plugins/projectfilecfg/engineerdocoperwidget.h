@@ -84,6 +84,10 @@ private:
     void updateButtonState();
 
     void initDevice();
+    /// Call after a dialog or a save, with the device for which the operator has decided. Selects it again if another
+    /// one was selected meanwhile: the panel selects the active device whenever it is shown, even if its window is
+    /// restored behind a box. False, after logging it, if the device no longer exists.
+    bool selectAgain(const QString &address);
     bool startBackup(const QString &name, const QString &comment);
     void askBackupBeforeApply(const QString &path);
     bool startLoad(const QString &path);

@@ -12,6 +12,8 @@
 #include <modelcontrol/devicecontroler.h>
 #include <modelcontrol/operationadapter.h>
 
+#include <QDebug>
+
 #include <algorithm>
 
 using Model::object_brige;
@@ -37,12 +39,19 @@ void setChannelExclusive(const std::shared_ptr<Model::Device> &device, bool excl
 
 } // namespace
 
+std::shared_ptr<Model::Device> DeviceOperations::find(const QString &address)
+{
+    std::shared_ptr<Model::Device> device;
+    callHost("getDeviceByIPAddr", [&] { device = findDeviceByAddress(address); });
+    return device;
+}
+
 std::shared_ptr<Model::Device> DeviceOperations::activate(const QString &address)
 {
     std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
     if (!device || device->getIPAddress() == address)
         return device;
-    device = findDeviceByAddress(address);
+    device = find(address);
     return device && makeActive(device) ? device : nullptr;
 }
 
@@ -64,7 +73,7 @@ void DeviceOperations::activateFirstScreen(const Model::Device &device)
 
 bool DeviceOperations::syncDeviceData(const QString &address)
 {
-    return sync(findDeviceByAddress(address));
+    return sync(find(address));
 }
 
 bool DeviceOperations::syncActiveDeviceData()
@@ -90,11 +99,16 @@ bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
     return synchronised;
 }
 
-bool DeviceOperations::restoreFactory()
+bool DeviceOperations::restoreFactory(const QString &address)
 {
     const std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
     if (!device)
         return false;
+    if (device->getIPAddress() != address) {
+        qWarning().noquote() << QStringLiteral("Not reset: %1 is to be, but %2 is the active device")
+                                    .arg(address, device->getIPAddress());
+        return false;
+    }
     const std::map<Model::Device::ParameterType, std::any> parameters{
         {Model::Device::DeviceReset, Model::Device::ResetFactory}};
     if (device->getDeviceOnlineFlag())

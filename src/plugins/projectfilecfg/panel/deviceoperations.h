@@ -22,6 +22,8 @@ class DeviceOperations
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
+    /// The host's device with that address. Null if there is none, or if the host throws.
+    static std::shared_ptr<Model::Device> find(const QString &address);
     /// Makes the device with that address the active one, unless it already is, and returns it. Null if that fails, if
     /// there is no such device, or if no device is active.
     static std::shared_ptr<Model::Device> activate(const QString &address);
@@ -34,8 +36,9 @@ public:
     static bool syncDeviceData(const QString &address);
     /// The same for the active device.
     static bool syncActiveDeviceData();
-    /// Resets the active device to its factory settings. False if there is none, or if the reset fails.
-    static bool restoreFactory();
+    /// Resets the active device to its factory settings. False if there is none, if the reset fails, or if it is not
+    /// the device with that address: the host may have activated another one, which would lose everything.
+    static bool restoreFactory(const QString &address);
 
     /// The estimated size, in MiB, of a project of the device with that address; 0 if there is none. Does not catch the
     /// host's exceptions.

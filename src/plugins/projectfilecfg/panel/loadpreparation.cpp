@@ -24,7 +24,7 @@ bool LoadPreparation::sync(const EngineerDocLoad &load)
 
 bool LoadPreparation::reset(QWidget *panel, EngineerDocLoad &load, const std::shared_ptr<Model::Device> &device)
 {
-    const bool restored = DeviceOperations::restoreFactory();
+    const bool restored = DeviceOperations::restoreFactory(load.deviceIp());
     if (restored && sync(load)) {
         DeviceOperations::reserveChannel(device);
         return true;
@@ -40,7 +40,7 @@ bool LoadPreparation::prepare(QWidget *panel, EngineerDocLoad &load, const std::
     const bool online = device->getDeviceOnlineFlag();
     if (online && !sync(load))
         return false;
-    if (!load.checkPackageFile() || !load.checkDevice()) {
+    if (!load.checkPackageFile() || !load.checkDevice() || !load.confirmOnline(online)) {
         MessageBoxes::showLoadResult(panel, load.resultCode());
         return false;
     }

@@ -25,9 +25,9 @@ class LoadPreparation
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
-    /// Has `load` check the package and `device`, which is the active device and the load's. If the device is online,
-    /// refreshes the host's model of it before the checks; and after them resets the device to its factory settings,
-    /// refreshes the model again and reserves the channel.
+    /// Has `load` check the package and `device`, which is the load's. If the device is online, refreshes the host's
+    /// model of it before the checks; and after them resets the device to its factory settings, unless another one is
+    /// active by then, refreshes the model again and reserves the channel.
     ///
     /// False, after a message box or a line in the log, if the job must not run; the panel may have been deleted then.
     static bool prepare(QWidget *panel, EngineerDocLoad &load, const std::shared_ptr<Model::Device> &device);

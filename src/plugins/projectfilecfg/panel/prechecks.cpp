@@ -26,6 +26,15 @@ bool PreChecks::isDeviceSelected(QWidget *panel, const QString &address)
     return false;
 }
 
+bool PreChecks::isStillSelected(const QString &address, const QString &selectedAddress)
+{
+    if (address == selectedAddress)
+        return true;
+    qWarning().noquote()
+        << QStringLiteral("Not begun for %1: it has gone, and %2 is selected now").arg(address, selectedAddress);
+    return false;
+}
+
 bool PreChecks::isFileThere(QWidget *panel, const QString &path)
 {
     if (QFile::exists(path))

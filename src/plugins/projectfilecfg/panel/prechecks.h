@@ -21,6 +21,8 @@ class PreChecks
 public:
     /// True if `address`, that of the selected device, is not empty.
     static bool isDeviceSelected(QWidget *panel, const QString &address);
+    /// True if the device with `address` is the selected one. Otherwise only logs.
+    static bool isStillSelected(const QString &address, const QString &selectedAddress);
     static bool isFileThere(QWidget *panel, const QString &path);
     /// True if the file at `path` is a valid package. Otherwise also logs the reason.
     static bool isPackage(QWidget *panel, const QString &path);

@@ -3,7 +3,6 @@
 
 #include "runningjob.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
@@ -67,14 +66,14 @@ void endAfterPanel(const EngineerDocLoad &load)
     QObject::connect(&load, &QObject::destroyed, qApp, [address = load.deviceIp(), number = s_announcedJobs] {
         if (number == s_announcedJobs)
             announce(ICore::OperatorNone);
-        DeviceOperations::freeChannel(findDeviceByAddress(address));
+        DeviceOperations::freeChannel(DeviceOperations::find(address));
     });
 }
 
 void freeChannelOfLoad(const EngineerDocLoad *load, const QString &selectedAddress)
 {
     if (load && load->deviceIp() != selectedAddress)
-        DeviceOperations::freeChannel(findDeviceByAddress(load->deviceIp()));
+        DeviceOperations::freeChannel(DeviceOperations::find(load->deviceIp()));
 }
 
 } // namespace RunningJob
