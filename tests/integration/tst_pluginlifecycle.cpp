@@ -58,6 +58,8 @@ private slots:
     void cleanup();
 
     void the_metadata_orders_it_after_its_dependencies();
+    void without_its_dependencies_it_is_refused();
+    void a_dependency_of_another_version_is_named();
     void the_entry_point_gives_the_one_object();
     void the_entry_point_replaces_a_deleted_plugin();
     void instance_returns_the_existing_object();
@@ -101,6 +103,8 @@ private:
     static ICenterWidget *panel();
     static SettingCfgModeManager *subModes() { return SettingCfgModeManager::instance(); }
     void makeActive(const QString &ip) { object_brige::instance()->setActiveDevice((*m_site)->device(ip)); }
+    /// What the plugin manager reports of the plugin in a directory with nothing but it and these fixtures.
+    static QStringList errorsBeside(const QStringList &fixtures);
     /// Opens the sub-mode in the settings area and lets the plugin react.
     static void showSubMode(const char *id);
     /// The journal's calls on the panel or the sub-mode.
@@ -154,6 +158,24 @@ ICenterWidget *TstPluginLifecycle::panel()
     return nullptr;
 }
 
+QStringList TstPluginLifecycle::errorsBeside(const QStringList &fixtures)
+{
+    const QTemporaryDir directory;
+    const QString library = QStringLiteral("/libprojectfilecfg.so");
+    QStringList missing;
+    if (!QFile::link(QStringLiteral(HOST_PLUGIN_DIRECTORY) + library, directory.path() + library))
+        missing << library;
+    for (const QString &fixture : fixtures) {
+        const QString name = QStringLiteral("/lib%1.so").arg(fixture);
+        if (!QFile::link(QStringLiteral(FIXTURE_DIRECTORY) + name, directory.path() + name))
+            missing << name;
+    }
+    PluginManager manager;
+    manager.setPluginDirectory(directory.path());
+    manager.loadPlugins();
+    return missing + manager.errors();
+}
+
 void TstPluginLifecycle::showSubMode(const char *id)
 {
     ModeManager::activateMode("SettingCfg");
@@ -187,6 +209,19 @@ void TstPluginLifecycle::the_metadata_orders_it_after_its_dependencies()
     QCOMPARE(order, QStringList({"core", "navigationbar", "settingcfg", "projectfilecfg"}));
     QCOMPARE(plugin()->objectName(), QString("ProjectFileCfgPlugin"));
     QCOMPARE(plugin()->metaObject()->className(), "ProjectFileCfg::ProjectFileCfgPlugin");
+}
+
+void TstPluginLifecycle::without_its_dependencies_it_is_refused()
+{
+    QCOMPARE(errorsBeside({}), QStringList{"Plugin \"projectfilecfg\" needs plugin \"core\" in version 2.0.0, which is "
+                                           "missing"});
+}
+
+void TstPluginLifecycle::a_dependency_of_another_version_is_named()
+{
+    QCOMPARE(errorsBeside({"core"}),
+             QStringList{"Plugin \"projectfilecfg\" needs plugin \"core\" in version 2.0.0, but "
+                         "versions 3.0.0 to 3.0.0 are there"});
 }
 
 void TstPluginLifecycle::the_entry_point_gives_the_one_object()

@@ -16,10 +16,9 @@
 #include "stagingdirectory.h"
 #include "zippackagehandle.h"
 
-#include <imagestorager/imagestorager.h>
-#include <model/device.h>
-#include <modelcontrol/materialcontrol.h>
-#include <modelcontrol/presetcontrol.h>
+#include <host/devicecontrol.h>
+#include <host/devices.h>
+#include <host/images.h>
 
 #include <QDebug>
 
@@ -175,7 +174,7 @@ bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
             continue;
 
         emit signal_operatoerChanged(tr("Saving the gallery [%1]...").arg(tr("BKG:") + background->getName()));
-        const std::map<Materail::ParameterType, std::any> request{{Materail::Picture, QImage()}};
+        const std::map<Materail::ParameterType, std::any> request{{HostNumbers::picture, QImage()}};
         if (!ModelControl::MaterialControl(background).queryMaterailData(request)) {
             if (stopIfCanceled())
                 return false;

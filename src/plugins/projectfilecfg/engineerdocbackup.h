@@ -5,16 +5,14 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QHash>
 #include <QString>
 #include <QThread>
 
 #include <atomic>
 #include <memory>
-
-namespace Model {
-class Device;
-}
 
 namespace ProjectFileCfg {
 namespace Internal {

@@ -15,7 +15,7 @@
 #include "readinesscheck.h"
 #include "zippackagehandle.h"
 
-#include <core/icore.h>
+#include <host/core.h>
 
 #include <QDebug>
 #include <QFile>

@@ -5,16 +5,14 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QString>
 #include <QThread>
 
 #include <atomic>
 #include <functional>
 #include <memory>
-
-namespace Model {
-class Device;
-} // namespace Model
 
 namespace ProjectFileCfg {
 namespace Internal {

@@ -28,7 +28,7 @@
 #include "setconnected.h"
 #include "waiting.h"
 
-#include <model/objectbrige.h>
+#include <host/devices.h>
 
 #include <QComboBox>
 #include <QFileSystemWatcher>
@@ -38,15 +38,13 @@
 #include <QTableWidget>
 #include <QToolButton>
 
-using Core::ICore;
-
 namespace ProjectFileCfg {
 namespace Internal {
 
 // ---- Construction
 
 EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
-    : ICenterWidget("ProjectFileCfg.Central", parent)
+    : Corvel::Widgets::ICenterWidget("ProjectFileCfg.Central", parent)
     , m_pProjects(std::make_shared<ProjectList>())
     , m_listProjectInfo(m_pProjects->listProjects)
     , m_strDefaultPath(ProjectPaths::projectFilesPath())
@@ -74,7 +72,7 @@ EngineerDocOperWidget::~EngineerDocOperWidget()
     // After this, nobody can tell the host that the operation is over, or hide the modal waiting dialog.
     const bool copying = ProjectCopies::isAwaited(m_pSaveasWatcher) || ProjectCopies::isAwaited(m_pImportWatcher);
     if (m_nOperatorType != OperatorNone)
-        RunningJob::announce(ICore::OperatorNone);
+        RunningJob::announce(HostNumbers::operatorNone);
     if (m_nOperatorType != OperatorNone || copying)
         Waiting::hide();
 
@@ -209,7 +207,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     if (!device)
         return false;
     DeviceOperations::freeChannel(device);
-    RunningJob::announce(ICore::OperatorBackup);
+    RunningJob::announce(HostNumbers::operatorBackup);
     m_nOperatorType = OperatorBackup;
 
     m_pDocBackup = new EngineerDocBackup(nullptr, QString());
@@ -251,7 +249,7 @@ void EngineerDocOperWidget::slot_backupFinished()
 {
     Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     Waiting::hide();
-    RunningJob::announce(ICore::OperatorNone);
+    RunningJob::announce(HostNumbers::operatorNone);
     m_nOperatorType = OperatorNone;
     slot_projectFilesChanged();
 
@@ -318,7 +316,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     m_nOperatorType = OperatorLoad;
     // Keep "save" although a load starts: operators and translations know this text.
     Waiting::show([] { return tr("Start save project file"); });
-    RunningJob::announce(ICore::OperatorLoad);
+    RunningJob::announce(HostNumbers::operatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
         Waiting::connectCancel(true, this, &EngineerDocOperWidget::slot_cancelOperator);
         connect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
@@ -335,7 +333,7 @@ void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 
 void EngineerDocOperWidget::slot_loadFinished()
 {
-    RunningJob::announce(ICore::OperatorNone);
+    RunningJob::announce(HostNumbers::operatorNone);
     Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     if (m_pDocLoad)
         disconnect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,

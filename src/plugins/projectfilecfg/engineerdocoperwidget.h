@@ -7,7 +7,7 @@
 #include "projectlist.h"
 #include "translatedtext.h"
 
-#include <widgets/icenterwidget.h>
+#include <host/modes.h>
 
 #include <QFuture>
 

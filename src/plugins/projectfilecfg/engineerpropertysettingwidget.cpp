@@ -7,7 +7,7 @@
 #include "projectpaths.h"
 #include "translatedbox.h"
 
-#include <widgets/fixedbitlineeditex.h>
+#include <host/dialogs.h>
 
 #include <QEvent>
 #include <QFile>
@@ -179,7 +179,7 @@ void EngineerPropertySettingWidget::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange)
         retranslateUi();
-    FramelessDialog::changeEvent(event);
+    HX::Widgets::FramelessDialog::changeEvent(event);
 }
 
 void EngineerPropertySettingWidget::initConnects()

@@ -3,17 +3,11 @@
 
 #pragma once
 
-#include <widgets/framelessdialog.h>
+#include <host/dialogs.h>
 
 class QLabel;
 class QPushButton;
 class QTextEdit;
-
-namespace Corvel {
-namespace Widgets {
-class FixedBitLineEditEx;
-}
-} // namespace Corvel
 
 /// The dialog for a project's name and comment.
 ///

@@ -5,8 +5,7 @@
 
 #include "projectfilecfg_global.h"
 
-#include <core/icorvelplugin.h>
-#include <utils/id.h>
+#include <host/plugin.h>
 
 namespace ProjectFileCfg {
 

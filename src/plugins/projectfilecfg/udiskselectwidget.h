@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <widgets/framelessdialog.h>
+#include <host/dialogs.h>
 
 #include <QMap>
 #include <QString>

@@ -5,7 +5,7 @@
 
 #include "reason.h"
 
-#include <model/deviceconfigmanager.h>
+#include <host/devices.h>
 
 #include <algorithm>
 #include <memory>

@@ -5,11 +5,9 @@
 
 #include "operationresultcodes.h"
 
-class QString;
+#include <host/fwd.h>
 
-namespace Model {
-class Device;
-} // namespace Model
+class QString;
 
 namespace ProjectFileCfg {
 namespace Internal {

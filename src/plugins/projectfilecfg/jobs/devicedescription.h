@@ -5,15 +5,13 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QString>
 
 #include <memory>
 
 class QIODevice;
-
-namespace Model {
-class Device;
-} // namespace Model
 
 namespace ProjectFileCfg {
 namespace Internal {

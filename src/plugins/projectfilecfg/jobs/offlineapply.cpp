@@ -13,7 +13,7 @@
 #include "stagingdirectory.h"
 #include "thumbnail.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 #include <QDebug>
 #include <QFile>
@@ -81,9 +81,9 @@ namespace {
 
 QString picturePath(const QString &folder, const Materail &materail)
 {
-    if (materail.getType() == Materail::Background)
+    if (materail.getType() == HostNumbers::background)
         return folder + PackageLayout::backgroundEntry(materail.getKeyNo());
-    if (materail.getType() == Materail::Logo)
+    if (materail.getType() == HostNumbers::logo)
         return folder + PackageLayout::logoEntry(materail.getKeyNo());
     return QString();
 }

@@ -5,11 +5,9 @@
 
 #include "operationresultcodes.h"
 
-#include <QString>
+#include <host/fwd.h>
 
-namespace Model {
-class Device;
-} // namespace Model
+#include <QString>
 
 namespace ProjectFileCfg {
 namespace Internal {

@@ -5,7 +5,7 @@
 
 #include "picturereadahead.h"
 
-#include <modelcontrol/devicecontroler.h>
+#include <host/devicecontrol.h>
 
 #include <memory>
 

@@ -10,7 +10,7 @@
 #include "picturereader.h"
 #include "reason.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 #include <QBuffer>
 #include <QDebug>

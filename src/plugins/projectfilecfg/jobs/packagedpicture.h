@@ -5,17 +5,14 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QSize>
 #include <QString>
 
 #include <memory>
 
 class QIODevice;
-
-namespace Model {
-class Device;
-class Materail;
-} // namespace Model
 
 namespace ProjectFileCfg {
 namespace Internal {

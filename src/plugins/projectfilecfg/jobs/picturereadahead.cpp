@@ -8,7 +8,7 @@
 #include "picturereader.h"
 #include "reason.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 namespace ProjectFileCfg {
 namespace Internal {

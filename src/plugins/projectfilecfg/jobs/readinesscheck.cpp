@@ -10,7 +10,7 @@
 #include "picturedecoder.h"
 #include "reason.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 #include <QFile>
 #include <QThread>

@@ -5,13 +5,11 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QPair>
 #include <QQueue>
 #include <QString>
-
-namespace Model {
-class Device;
-} // namespace Model
 
 namespace ProjectFileCfg {
 namespace Internal {

@@ -5,8 +5,8 @@
 
 #include "packagelayout.h"
 
-#include <core/icore.h>
-#include <model/device.h>
+#include <host/core.h>
+#include <host/devices.h>
 
 #include <QDir>
 #include <QFile>

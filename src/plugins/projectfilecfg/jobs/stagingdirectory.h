@@ -3,11 +3,9 @@
 
 #pragma once
 
-#include <QString>
+#include <host/fwd.h>
 
-namespace Model {
-class Device;
-} // namespace Model
+#include <QString>
 
 namespace ProjectFileCfg {
 namespace Internal {

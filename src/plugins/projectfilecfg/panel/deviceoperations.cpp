@@ -7,10 +7,8 @@
 #include "hostcalls.h"
 #include "waiting.h"
 
-#include <model/devicelist.h>
-#include <model/objectbrige.h>
-#include <modelcontrol/devicecontroler.h>
-#include <modelcontrol/operationadapter.h>
+#include <host/devicecontrol.h>
+#include <host/devices.h>
 
 #include <QDebug>
 
@@ -92,7 +90,7 @@ bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
     callHost("updateOnlineDevice", [&] {
         synchronised =
             OperationAdapter::instance()->updateOnlineDevice(device->getIPAddress(), device->getSN(),
-                                                             ControlStruct::defaultCallBack) == ControlEnum::ErrorNone;
+                                                             ControlStruct::defaultCallBack) == HostNumbers::noError;
     });
     if (online)
         Waiting::hide();
@@ -110,7 +108,7 @@ bool DeviceOperations::restoreFactory(const QString &address)
         return false;
     }
     const std::map<Model::Device::ParameterType, std::any> parameters{
-        {Model::Device::DeviceReset, Model::Device::ResetFactory}};
+        {HostNumbers::deviceReset, HostNumbers::resetFactory}};
     if (device->getDeviceOnlineFlag())
         Waiting::show([] { return tr("Restore factory,please wait..."); });
     bool restored = false;
@@ -125,7 +123,7 @@ unsigned long long DeviceOperations::estimateProjectSize(const QString &address)
     if (!device)
         return 0;
     const DeviceControler controler(device);
-    const unsigned long long logos = controler.calLogoMaterailCapacity({}, Model::Materail::Logo, true);
+    const unsigned long long logos = controler.calLogoMaterailCapacity({}, HostNumbers::logo, true);
     // Rounds down on purpose: the margin of 10 MiB covers the last, partial MiB.
     return ((logos + controler.usedCapacity()) >> 20) + 10;
 }

@@ -5,8 +5,7 @@
 
 #include "plaintooltip.h"
 
-#include <model/devicelist.h>
-#include <model/objectbrige.h>
+#include <host/devices.h>
 
 #include <QComboBox>
 #include <QDebug>

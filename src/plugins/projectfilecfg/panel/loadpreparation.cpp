@@ -7,7 +7,7 @@
 #include "engineerdocload.h"
 #include "messageboxes.h"
 
-#include <model/devicelist.h>
+#include <host/devices.h>
 
 #include <QDebug>
 

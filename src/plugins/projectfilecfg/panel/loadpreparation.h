@@ -3,15 +3,13 @@
 
 #pragma once
 
+#include <host/fwd.h>
+
 #include <QCoreApplication>
 
 #include <memory>
 
 class QWidget;
-
-namespace Model {
-class Device;
-}
 
 namespace ProjectFileCfg {
 namespace Internal {

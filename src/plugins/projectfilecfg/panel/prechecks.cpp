@@ -9,8 +9,7 @@
 #include "messageboxes.h"
 #include "zippackagehandle.h"
 
-#include <model/devicelist.h>
-#include <model/objectbrige.h>
+#include <host/devices.h>
 
 #include <QDebug>
 #include <QFile>

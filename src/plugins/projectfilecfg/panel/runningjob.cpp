@@ -36,7 +36,7 @@ bool hasSavedPackage(const EngineerDocBackup &backup)
 
 void announce(ICore::OperatorDeviceType type)
 {
-    if (type != ICore::OperatorNone)
+    if (type != HostNumbers::operatorNone)
         ++s_announcedJobs;
     callHost("setOperatorType", [type] { ICore::setOperatorType(type, QString()); });
 }
@@ -65,7 +65,7 @@ void endAfterPanel(const EngineerDocLoad &load)
 {
     QObject::connect(&load, &QObject::destroyed, qApp, [address = load.deviceIp(), number = s_announcedJobs] {
         if (number == s_announcedJobs)
-            announce(ICore::OperatorNone);
+            announce(HostNumbers::operatorNone);
         DeviceOperations::freeChannel(DeviceOperations::find(address));
     });
 }

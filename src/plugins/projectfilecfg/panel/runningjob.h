@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <core/icore.h>
+#include <host/core.h>
 
 #include <functional>
 

@@ -3,7 +3,7 @@
 
 #include "translatedbox.h"
 
-#include <widgets/framelessmessagebox.h>
+#include <host/dialogs.h>
 
 #include <QVariant>
 

@@ -22,7 +22,7 @@ void Waiting::show(const TranslatedText &text)
 
 void Waiting::showProgress(const QString &text)
 {
-    WaitingDialog::instance()->showWaitingDialog(text, WaitingDialog::LevelNormal);
+    WaitingDialog::instance()->showWaitingDialog(text, HostNumbers::tooltipLevelNormal);
 }
 
 void Waiting::offerCancel()

@@ -6,7 +6,7 @@
 #include "setconnected.h"
 #include "translatedtext.h"
 
-#include <widgets/waitingdialog.h>
+#include <host/dialogs.h>
 
 #include <QCoreApplication>
 

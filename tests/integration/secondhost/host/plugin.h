@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
+#pragma once
+
+#include <acme/host.h>
+
+namespace Core {
+using ICorvelPlugin = Acme::PluginBase;
+} // namespace Core
+
+namespace HX {
+namespace ExtensionSystem {
+using IPlugin = Acme::PluginBase;
+} // namespace ExtensionSystem
+namespace Utils {
+using Id = Acme::Key;
+} // namespace Utils
+} // namespace HX
+
+namespace ProjectFileCfg {
+namespace Internal {
+namespace HostNumbers {
+constexpr auto synchronousShutdown = static_cast<HX::ExtensionSystem::IPlugin::ShutdownFlag>(0);
+} // namespace HostNumbers
+} // namespace Internal
+} // namespace ProjectFileCfg
