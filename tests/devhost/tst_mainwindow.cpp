@@ -9,6 +9,7 @@
 #include <core/mainwindow.h>
 #include <core/modemanager.h>
 #include <simulation/journal.h>
+#include <simulation/operations.h>
 #include <widgets/framelessmessagebox.h>
 #include <widgets/titlebar.h>
 #include <widgets/waitingdialog.h>
@@ -499,21 +500,21 @@ void TstMainWindow::save_without_a_package_reports_nothing()
 void TstMainWindow::apply_with_written_configuration_is_reported()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
 }
 
 void TstMainWindow::apply_without_written_configuration_reports_nothing()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("DeviceControler.enableMVR")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::enableMVR); });
     QCOMPARE(status(), QStringLiteral("Ended without writing the configuration of \"\""));
 }
 
 void TstMainWindow::waiting_hides_the_last_result()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     const QString result = QStringLiteral("Applied to \"\"");
     QCOMPARE(status(), result);
     // An import, of which the host is told nothing else. Nothing runs the event loop before a blocking call.
@@ -529,7 +530,7 @@ void TstMainWindow::waiting_hides_the_last_result()
 void TstMainWindow::the_message_after_waiting_is_the_next_result()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     TestSupport::AnswerBook book;
     const QString text = QStringLiteral("Import as success");
     book.expectInformation(QStringLiteral("Remind"), text);
@@ -552,19 +553,18 @@ void TstMainWindow::operation_message_replaces_the_result()
         HX::Widgets::FramelessMessageBox::information(m_window.data(), QStringLiteral("Remind"), text);
     };
     runOperation(
-        ICore::OperatorLoad,
-        [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); }, box);
+        ICore::OperatorLoad, [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); },
+        box);
     QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
     // A question, and a box that opens later, do not belong to the operation.
     book.expectQuestion(QStringLiteral("Remind"), text, QMessageBox::No);
     runOperation(
-        ICore::OperatorLoad,
-        [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); },
+        ICore::OperatorLoad, [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); },
         [&] { HX::Widgets::FramelessMessageBox::question(m_window.data(), QStringLiteral("Remind"), text); });
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
     book.expectInformation(QStringLiteral("Remind"), text);
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     box();
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
 }
