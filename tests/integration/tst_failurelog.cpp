@@ -57,7 +57,7 @@ private slots:
     void a_refused_apply_leaves_one_line();
     void a_failing_apply_logs_one_line_data();
     void a_failing_apply_logs_one_line();
-    void a_failure_after_cancel_tells_of_both();
+    void failure_after_cancel_reports_both();
     void a_check_that_no_longer_holds_is_logged_data();
     void a_check_that_no_longer_holds_is_logged();
     void success_and_cancelling_leave_no_line();
@@ -278,7 +278,7 @@ void TstFailureLog::a_failing_apply_logs_one_line()
 }
 
 // A device that is told to stop may refuse what it was doing: whoever reads the line must not look for a fault.
-void TstFailureLog::a_failure_after_cancel_tells_of_both()
+void TstFailureLog::failure_after_cancel_reports_both()
 {
     const CustomSite site({{plainDevice(onlineIp), true}});
     const QString path = m_packages.filePath("show.corvelpro");
@@ -293,7 +293,7 @@ void TstFailureLog::a_failure_after_cancel_tells_of_both()
     run(job);
     QCOMPARE(job.resultCode(), int(LoadApplyGalleryFailed));
     QCOMPARE(wrongIn(failures().filter("Apply of"), path,
-                     "failed: the device did not take the picture BKG/BKG_1.png; Cancel was pressed before"),
+                     "failed: the device did not accept the picture BKG/BKG_1.png; Cancel was pressed before"),
              QString());
 }
 

@@ -77,7 +77,7 @@ private slots:
     void without_an_active_device_a_save_ends_silently();
     void a_removed_device_ends_the_save_silently();
     void losing_the_device_behind_the_dialog_starts_nothing();
-    void another_active_device_behind_the_dialog_is_not_saved();
+    void device_activated_behind_the_dialog_is_not_saved();
     void a_failed_synchronisation_is_reported();
     void a_missing_project_folder_has_free_space();
     void needing_all_the_free_space_is_refused();
@@ -466,7 +466,7 @@ void TstSavingFlow::losing_the_device_behind_the_dialog_starts_nothing()
     QVERIFY(!WaitingDialog::instance()->isVisible());
 }
 
-void TstSavingFlow::another_active_device_behind_the_dialog_is_not_saved()
+void TstSavingFlow::device_activated_behind_the_dialog_is_not_saved()
 {
     const QString selected = m_panel->selectedAddress();
     QVERIFY(selected != m_site->touringRack);
