@@ -17,6 +17,9 @@
 #include <QTranslator>
 
 #include <atomic>
+#include <cerrno>
+#include <dlfcn.h>
+#include <pthread.h>
 #include <stdexcept>
 #include <utility>
 
@@ -55,6 +58,22 @@ PackageBuilder onlyDescription(const QByteArray &description)
 
 } // namespace
 
+// The sanitizers have a hook of their own there.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define CAN_REFUSE_THREADS
+namespace {
+/// The system refuses so many threads.
+std::atomic<int> s_refusedThreads{0};
+} // namespace
+
+extern "C" Q_DECL_EXPORT int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*begin)(void *),
+                                            void *argument) noexcept
+{
+    static const auto function = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return s_refusedThreads-- > 0 ? EAGAIN : (s_refusedThreads = 0, function(thread, attributes, begin, argument));
+}
+#endif
+
 using MakePackage = std::function<PackageBuilder()>;
 Q_DECLARE_METATYPE(MakePackage)
 Q_DECLARE_METATYPE(QMessageBox::StandardButton)
@@ -90,6 +109,10 @@ private slots:
     void host_exceptions_end_in_a_message();
     void a_lookup_that_throws_finds_no_device_data();
     void a_lookup_that_throws_finds_no_device();
+
+    // No thread to be had
+    void without_a_thread_the_job_ends_data();
+    void without_a_thread_the_job_ends();
 
     // Closing
     void deleting_the_panel_midway_ends_the_load();
@@ -437,6 +460,46 @@ void TstApplyEndings::a_lookup_that_throws_finds_no_device()
         settle();
         QVERIFY(!WaitingDialog::instance()->isVisible());
     }
+}
+
+void TstApplyEndings::without_a_thread_the_job_ends_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<QString>("box");
+    QTest::newRow("apply") << QMessageBox::No << QStringLiteral("Project file import failed");
+    QTest::newRow("backup") << QMessageBox::Yes << QStringLiteral("Failed to encrypt file");
+}
+
+void TstApplyEndings::without_a_thread_the_job_ends()
+{
+#ifdef CAN_REFUSE_THREADS
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(QString, box);
+    list(packageOf(richDevice(sourceIp)));
+    // No other thread begins between this call and the start of the job.
+    Faults::instance()->arm(setOperatorType, Fault::run([] { s_refusedThreads = 1; }));
+    {
+        const ExpectMessage told(QtCriticalMsg, QRegularExpression(QStringLiteral("^QThread::start: Thread creation")),
+                                 1);
+        expectQuestion(answer);
+        m_book->expectBox(answer == QMessageBox::Yes ? HX::Widgets::FramelessMessageBox::Information
+                                                     : HX::Widgets::FramelessMessageBox::Warning,
+                          QStringLiteral("Remind"), box, QMessageBox::Ok);
+        clickApply();
+        VERIFY_BOOK();
+    }
+    QVERIFY(hasJobEnded());
+    QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
+    settle();
+
+    // The next one works.
+    Journal::instance()->clear();
+    apply(answer);
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+#else
+    QSKIP("A sanitizer has a hook of its own there");
+#endif
 }
 
 void TstApplyEndings::deleting_the_panel_midway_ends_the_load()

@@ -56,6 +56,7 @@ private slots:
 
     // Apply Others
     void apply_others_applies_a_package_from_anywhere();
+    void apply_others_applies_to_the_device_selected_before();
     void apply_others_chooses_one_file();
     void cancelling_the_chooser_does_nothing();
     void apply_others_refuses_invalid_packages_data();
@@ -295,6 +296,27 @@ void TstApplyFlow::apply_others_applies_a_package_from_anywhere()
     COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
     QVERIFY(QFile::exists(path));
     QCOMPARE(m_panel->table()->rowCount(), 0);
+}
+
+void TstApplyFlow::apply_others_applies_to_the_device_selected_before()
+{
+    const HardwareState active = hardware(targetIp);
+    const HardwareState source = richDevice(sourceIp);
+    const QString package = elsewhere(packageOf(source), QStringLiteral("elsewhere.corvelpro"));
+    selectDevice(secondIp);
+    m_book->expectDialog(QStringLiteral("QFileDialog"), [&](QDialog *dialog) {
+        // As when the window is restored: selects the active device.
+        (*m_panel)->hide();
+        (*m_panel)->show();
+        QCOMPARE(m_panel->selectedAddress(), targetIp);
+        typePaths(qobject_cast<QFileDialog *>(dialog), {package});
+    });
+    expectQuestion(QMessageBox::No);
+    click(m_panel->applyOthers());
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    COMPARE_STATES(hardware(targetIp), active);
+    COMPARE_STATES(hardware(secondIp).configuration(), source.configuration());
 }
 
 void TstApplyFlow::apply_others_chooses_one_file()

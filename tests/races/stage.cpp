@@ -320,12 +320,23 @@ void Stage::closePanel()
     m_panel.reset();
 }
 
+namespace {
+
+/// Larger than what a reader of an archive keeps in memory, its end: else no change of the file would reach it.
+PackageBuilder largePackageOf(const Simulation::HardwareState &state, quint16 versionNeeded = 20)
+{
+    PackageBuilder package = packageOf(state, versionNeeded);
+    return package.file("large.bin", QByteArray(128 * 1024, 'x'), PackageBuilder::Stored);
+}
+
+} // namespace
+
 void Stage::addPackage(const QString &name, const Simulation::HardwareState &state)
 {
     const QString aside = elsewhere(QStringLiteral("aside.zip"));
     // The checksum of a small package covers little more than this number: without it all packages would have the same
     // one.
-    if (!packageOf(state, ++m_added % 2 == 0 ? 20 : 10).record(name, name).write(aside))
+    if (!largePackageOf(state, ++m_added % 2 == 0 ? 20 : 10).record(name, name).write(aside))
         qFatal("No package can be written");
     const QString path = projectFile(name);
     if (::rename(QFile::encodeName(aside).constData(), QFile::encodeName(path).constData()) != 0)
@@ -337,7 +348,7 @@ void Stage::addPackage(const QString &name, const Simulation::HardwareState &sta
 QString Stage::packageElsewhere(const QString &fileName, const Simulation::HardwareState &state)
 {
     const QString path = elsewhere(fileName);
-    if (!packageOf(state).record(fileName, fileName).write(path))
+    if (!largePackageOf(state).record(fileName, fileName).write(path))
         qFatal("No package can be written");
     return path;
 }
@@ -553,7 +564,8 @@ void Stage::disturb(Disturbance disturbance, const QString &ip, const QString &p
             m_disturbedPackages.insert(package);
             m_damaged.insert(package);
             m_damagedWhileListed.insert(package);
-            QFile::resize(projectFile(package), QFileInfo(projectFile(package)).size() / 2);
+            // Before the first picture.
+            QFile::resize(projectFile(package), 100);
         }
         break;
     case PackageAdded: {

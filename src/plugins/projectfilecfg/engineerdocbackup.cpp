@@ -60,6 +60,11 @@ void EngineerDocBackup::run()
         m_nResultCode = BackupEncryptFailed;
 }
 
+void EngineerDocBackup::failToStart()
+{
+    fail(QStringLiteral("the system has no thread for it"));
+}
+
 void EngineerDocBackup::save()
 {
     const QString packagePath = m_strProjectPath + m_strProjectName + PackageLayout::packageExtension;

@@ -54,6 +54,9 @@ public:
     /// started, in time while the last pictures are being encoded, and too late while the package is being written.
     void cancel() { m_bCancel = true; }
 
+    /// Instead of a run, for which the system has no thread: ends with BackupEncryptFailed.
+    void failToStart();
+
     /// The BackupResultCode of the run; valid once QThread::finished was emitted.
     ///
     /// A run that was cancelled between the last picture and the first preset, or whose preset file could not be

@@ -42,6 +42,11 @@ void EngineerDocLoad::releasePackage()
     m_pPackage.reset();
 }
 
+void EngineerDocLoad::failToStart()
+{
+    check([this] { return fail(LoadImportFailed, QStringLiteral("the system has no thread for it")); });
+}
+
 bool EngineerDocLoad::fail(LoadResultCode code, const QString &reason)
 {
     m_nResultCode = code;

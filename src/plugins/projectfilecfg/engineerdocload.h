@@ -58,6 +58,8 @@ public:
 
     /// Releases the copy of the package and its disk space. Call it if there will be no run, not during a run.
     void releasePackage();
+    /// Instead of a run, for which the system has no thread: ends with LoadImportFailed.
+    void failToStart();
 
     /// Asks the job to end before the next picture, or to report the cancellation once the transfer is over. Any
     /// thread; a request before the thread has started is lost.

@@ -223,7 +223,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     connect(m_pDocBackup, &EngineerDocBackup::signal_operatoerChanged, this,
             &EngineerDocOperWidget::slot_backupOperatorChanged);
     m_pDocBackup->start(QThread::InheritPriority);
-    return true;
+    return RunningJob::hasStarted(*m_pDocBackup, [this] { slot_backupFinished(); });
 }
 
 void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInfo)
@@ -284,8 +284,9 @@ void EngineerDocOperWidget::slot_applyOtherProject()
 {
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP))
         return;
+    const QString selected = m_strDeviceIP;
     const QStringList files = FileDialogs::selectProjectFiles(this, false);
-    if (!files.isEmpty() && PreChecks::isPackage(this, files.first()))
+    if (!files.isEmpty() && selectAgain(selected) && PreChecks::isPackage(this, files.first()))
         askBackupBeforeApply(files.first());
 }
 
@@ -323,7 +324,7 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
                 &EngineerDocOperWidget::slot_operatorChanged);
         connect(m_pDocLoad, &QThread::finished, this, &EngineerDocOperWidget::slot_loadFinished);
     });
-    return true;
+    return RunningJob::hasStarted(*m_pDocLoad, [this] { slot_loadFinished(); });
 }
 
 void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)

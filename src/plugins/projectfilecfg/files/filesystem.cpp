@@ -347,17 +347,22 @@ bool renameToFreeName(const QString &from, const QString &to, QString *reason)
     return _wrename(from.toStdWString().c_str(), to.toStdWString().c_str()) == 0 ||
            cannotRename(reason, from, to, systemError());
 #else
+    // A file system that ignores case finds the file itself at a name that differs in case only.
+    const auto isOwnName = [&] { return to.compare(from, Qt::CaseInsensitive) == 0 && FileIdentity(from).isAt(to); };
 #ifdef RENAME_NOREPLACE
     const QByteArray source = QFile::encodeName(from);
     const QByteArray target = QFile::encodeName(to);
     if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
         return true;
+    const int cause = errno;
+    const QString error = systemError();
     // Not every file system and kernel supports it.
-    if (errno != EINVAL && errno != ENOSYS)
-        return cannotRename(reason, from, to, systemError());
+    const bool isSupported = cause != EINVAL && cause != ENOSYS;
+    if (isSupported && !(cause == EEXIST && isOwnName()))
+        return cannotRename(reason, from, to, error);
 #endif
     const QFileInfo existing(to);
-    if (existing.exists() || existing.isSymLink())
+    if ((existing.exists() || existing.isSymLink()) && !isOwnName())
         return cannotRename(reason, from, to, QStringLiteral("it already exists"));
     return replace(from, to, reason);
 #endif

@@ -76,7 +76,8 @@ private:
 /// Renames within a volume, replacing a file at `to`. Not flushed.
 bool replace(const QString &from, const QString &to, QString *reason = nullptr);
 
-/// The same, but fails if anything is at `to`. Not flushed.
+/// The same, but fails if another file is at `to`: anything but the file itself under a name that differs in case only.
+/// Not flushed.
 bool renameToFreeName(const QString &from, const QString &to, QString *reason = nullptr);
 
 /// Renames within a volume, replacing `expected` and nothing else: false if there is another file or a folder at `to`.

@@ -26,6 +26,18 @@ void announce(Core::ICore::OperatorDeviceType type);
 /// so the answer is false, and logged.
 bool isApplyDue(const EngineerDocBackup *backup, const QString &next);
 
+/// Call after the thread of `job` was started. True if it runs. If the system has no thread for the job, which then
+/// never finishes, has the job fail, calls `end` in place of the signal, and returns false.
+template<typename Job>
+bool hasStarted(Job &job, const std::function<void()> &end)
+{
+    if (job.isRunning() || job.isFinished())
+        return true;
+    job.failToStart();
+    end();
+    return false;
+}
+
 /// Starts the thread of `job`, calls `connectAll`, and only then lets the thread begin its work. Otherwise nobody would
 /// be told of the end of a job that fails at once.
 void startThenConnect(QThread &job, const std::function<void()> &connectAll);
