@@ -49,12 +49,12 @@ void SavesADevice::initTestCase()
 {
     const QStringList arguments = QCoreApplication::arguments();
     m_loader.setFileName(arguments.at(1));
-    Application::translations = arguments.at(2);
-    Application::folder = arguments.at(3);
-    QVERIFY(QDir().mkpath(Application::folder + "/devices/10.0.0.1/BKG"));
+    Application::s_translations = arguments.at(2);
+    Application::s_folder = arguments.at(3);
+    QVERIFY(QDir().mkpath(Application::s_folder + "/devices/10.0.0.1/BKG"));
     QImage picture(16, 9, QImage::Format_RGB32);
     picture.fill(Qt::darkCyan);
-    QVERIFY(picture.save(Application::folder + "/devices/10.0.0.1/BKG/BKG_3.png"));
+    QVERIFY(picture.save(Application::s_folder + "/devices/10.0.0.1/BKG/BKG_3.png"));
 }
 
 void SavesADevice::the_plugin_names_what_it_needs()
@@ -78,12 +78,12 @@ void SavesADevice::its_sub_mode_opens_the_panel()
 
     SubModes::instance()->activateMode("ProjectFileCfg");
     QTRY_VERIFY(panel() && panel()->isVisible());
-    QCOMPARE(Pages::shown, QVector<Key>{"ProjectFileCfg.Central"});
+    QCOMPARE(Pages::s_shown, QVector<Key>{"ProjectFileCfg.Central"});
 }
 
 void SavesADevice::an_offline_device_is_saved()
 {
-    const QString package = Application::folder + "/Documents/Velmora/Tarvo/ProjectFiles/Project1.corvelpro";
+    const QString package = Application::s_folder + "/Documents/Velmora/Tarvo/ProjectFiles/Project1.corvelpro";
     QTimer clicker;
     connect(&clicker, &QTimer::timeout, this, [] {
         QWidget *dialog = QApplication::activeModalWidget();
@@ -94,8 +94,8 @@ void SavesADevice::an_offline_device_is_saved()
     QVERIFY(button(panel(), "Save Project"));
     button(panel(), "Save Project")->click();
     clicker.stop();
-    QCOMPARE(Application::running, Application::Saving);
-    QTRY_COMPARE(Application::running, Application::Idle);
+    QCOMPARE(Application::s_running, Application::Saving);
+    QTRY_COMPARE(Application::s_running, Application::Idle);
     QVERIFY(QFile::exists(package));
 }
 

@@ -16,10 +16,10 @@
 
 namespace Acme {
 
-Application::OperatorDeviceType Application::running = Idle;
-QString Application::folder;
-QString Application::translations;
-QVector<Key> Pages::shown;
+Application::OperatorDeviceType Application::s_running = Idle;
+QString Application::s_folder;
+QString Application::s_translations;
+QVector<Key> Pages::s_shown;
 
 QList<QObject *> &PluginBase::pool()
 {

@@ -50,15 +50,15 @@ private:
 
 struct Application
 {
-    enum OperatorDeviceType { Loading, Saving, Idle };
-    static OperatorDeviceType running;
-    static QString folder;
-    static QString translations;
+    enum OperatorDeviceType { Idle, Loading, Saving };
+    static OperatorDeviceType s_running;
+    static QString s_folder;
+    static QString s_translations;
     static QString overrideLanguage() { return QStringLiteral("en"); }
-    static QString trPath() { return translations; }
-    static QString deviceConfigFilePath() { return folder + "/devices"; }
-    static QString ExtractJsonPath() { return folder + "/extracted"; }
-    static void setOperatorType(OperatorDeviceType type, const QString &) { running = type; }
+    static QString trPath() { return s_translations; }
+    static QString deviceConfigFilePath() { return s_folder + "/devices"; }
+    static QString ExtractJsonPath() { return s_folder + "/extracted"; } // NOLINT(readability-identifier-naming)
+    static void setOperatorType(OperatorDeviceType type, const QString &) { s_running = type; }
 };
 
 struct Mode : QObject
@@ -103,12 +103,12 @@ private:
 
 struct Pages
 {
-    static QVector<Key> shown;
+    static QVector<Key> s_shown;
     static Pages *instance() { return nullptr; }
     static Key currentMode() { return "SettingCfg"; }
-    static bool existCenterWidget(const Key &id) { return shown.contains(id); }
-    static void addCenterWidget(const Key &id) { shown.append(id); }
-    static void removeCenterWidget(const Key &id) { shown.removeAll(id); }
+    static bool existCenterWidget(const Key &id) { return s_shown.contains(id); }
+    static void addCenterWidget(const Key &id) { s_shown.append(id); }
+    static void removeCenterWidget(const Key &id) { s_shown.removeAll(id); }
     static void setActivateCenterWidget(const Key &) {}
 };
 
@@ -184,7 +184,7 @@ struct Scene
 
 struct Still
 {
-    enum ParameterType { Everything };
+    enum ParameterType { Pixels = 2 };
     int getType() const { return 0; }
     quint8 getKeyNo() const { return 3; }
     QString getName() const { return QStringLiteral("Stage"); }
@@ -195,8 +195,8 @@ struct Still
 
 struct Unit : QObject
 {
-    enum ParameterType { AnyParameter };
-    enum DevicResetOrder { AnyReset };
+    enum ParameterType { Reset = 10 };
+    enum DevicResetOrder { AllOfIt = 3 };
     explicit Unit(quint16 id, QObject *parent = nullptr)
         : QObject(parent)
         , m_id(id)

@@ -9,12 +9,8 @@ namespace Core {
 using ICore = Acme::Application;
 } // namespace Core
 
-namespace ProjectFileCfg {
-namespace Internal {
-namespace HostNumbers {
-constexpr auto operatorLoad = static_cast<Core::ICore::OperatorDeviceType>(0);
-constexpr auto operatorBackup = static_cast<Core::ICore::OperatorDeviceType>(1);
-constexpr auto operatorNone = static_cast<Core::ICore::OperatorDeviceType>(2);
-} // namespace HostNumbers
-} // namespace Internal
-} // namespace ProjectFileCfg
+namespace ProjectFileCfg::Internal::HostNumbers {
+constexpr auto operatorLoad = Acme::Application::Loading;
+constexpr auto operatorBackup = Acme::Application::Saving;
+constexpr auto operatorNone = Acme::Application::Idle;
+} // namespace ProjectFileCfg::Internal::HostNumbers

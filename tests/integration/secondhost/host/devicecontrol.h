@@ -22,10 +22,6 @@ constexpr auto defaultCallBack = &ignoreProgress;
 
 using OperationAdapter = Acme::Link;
 
-namespace ProjectFileCfg {
-namespace Internal {
-namespace HostNumbers {
-constexpr auto noError = static_cast<ControlEnum::enum_ErrorCode>(0);
-} // namespace HostNumbers
-} // namespace Internal
-} // namespace ProjectFileCfg
+namespace ProjectFileCfg::Internal::HostNumbers {
+constexpr auto noError = Acme::Done;
+} // namespace ProjectFileCfg::Internal::HostNumbers

@@ -23,14 +23,10 @@ using object_brige = Acme::Units;
 using Serailizer = Acme::Disk;
 } // namespace Model
 
-namespace ProjectFileCfg {
-namespace Internal {
-namespace HostNumbers {
-constexpr auto deviceReset = static_cast<Model::Device::ParameterType>(10);
-constexpr auto resetFactory = static_cast<Model::Device::DevicResetOrder>(3);
+namespace ProjectFileCfg::Internal::HostNumbers {
+constexpr auto deviceReset = Acme::Unit::Reset;
+constexpr auto resetFactory = Acme::Unit::AllOfIt;
 constexpr int background = 0;
 constexpr int logo = 1;
-constexpr auto picture = static_cast<Model::Materail::ParameterType>(2);
-} // namespace HostNumbers
-} // namespace Internal
-} // namespace ProjectFileCfg
+constexpr auto picture = Acme::Still::Pixels;
+} // namespace ProjectFileCfg::Internal::HostNumbers

@@ -7,24 +7,16 @@
 
 #include <QMessageBox>
 
-namespace Corvel {
-namespace Widgets {
+namespace Corvel::Widgets {
 using FixedBitLineEditEx = Acme::NameEdit;
 using WaitingDialog = Acme::Busy;
-} // namespace Widgets
-} // namespace Corvel
+} // namespace Corvel::Widgets
 
-namespace HX {
-namespace Widgets {
+namespace HX::Widgets {
 using FramelessDialog = Acme::Dialog;
 using FramelessMessageBox = QMessageBox;
-} // namespace Widgets
-} // namespace HX
+} // namespace HX::Widgets
 
-namespace ProjectFileCfg {
-namespace Internal {
-namespace HostNumbers {
+namespace ProjectFileCfg::Internal::HostNumbers {
 constexpr int tooltipLevelNormal = 0;
-} // namespace HostNumbers
-} // namespace Internal
-} // namespace ProjectFileCfg
+} // namespace ProjectFileCfg::Internal::HostNumbers

@@ -18,18 +18,12 @@ using ISettingCfgMode = Acme::Mode;
 using SettingCfgModeManager = Acme::SubModes;
 } // namespace SettingCfg
 
-namespace Corvel {
-namespace Widgets {
+namespace Corvel::Widgets {
 using ICenterWidget = Acme::Page;
-} // namespace Widgets
-} // namespace Corvel
+} // namespace Corvel::Widgets
 
-namespace ProjectFileCfg {
-namespace Internal {
-namespace HostNumbers {
+namespace ProjectFileCfg::Internal::HostNumbers {
 constexpr int buttonNormal = 0;
 constexpr int buttonPressed = 1;
 constexpr int buttonHover = 2;
-} // namespace HostNumbers
-} // namespace Internal
-} // namespace ProjectFileCfg
+} // namespace ProjectFileCfg::Internal::HostNumbers

@@ -18,10 +18,6 @@ using Id = Acme::Key;
 } // namespace Utils
 } // namespace HX
 
-namespace ProjectFileCfg {
-namespace Internal {
-namespace HostNumbers {
-constexpr auto synchronousShutdown = static_cast<HX::ExtensionSystem::IPlugin::ShutdownFlag>(0);
-} // namespace HostNumbers
-} // namespace Internal
-} // namespace ProjectFileCfg
+namespace ProjectFileCfg::Internal::HostNumbers {
+constexpr auto synchronousShutdown = Acme::PluginBase::AtOnce;
+} // namespace ProjectFileCfg::Internal::HostNumbers

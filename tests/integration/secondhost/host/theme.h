@@ -5,8 +5,6 @@
 
 #include <acme/host.h>
 
-namespace Corvel {
-namespace Utils {
+namespace Corvel::Utils {
 using Icon = Acme::Theme;
-} // namespace Utils
-} // namespace Corvel
+} // namespace Corvel::Utils
