@@ -3,8 +3,8 @@
 
 #pragma once
 
-// Declarations for the product's headers, which need no definitions. If a class has another namespace in the host, declare
-// it there and add an alias here.
+// Declarations for the product's headers, which need no definitions. If a class has another namespace in the host,
+// declare it there and add an alias here.
 
 namespace Model {
 class Device;

@@ -10,7 +10,8 @@ namespace Corvelpro {
 /// Texts about the whole tool, for its help, its manual page and its completions.
 namespace GeneralTexts {
 
-constexpr const char *purpose = "Inspects, verifies and copies project files (.corvelpro) without the control application.";
+constexpr const char *purpose =
+    "Inspects, verifies and copies project files (.corvelpro) without the control application.";
 
 /// The options of every command.
 constexpr Option jsonOption{"--json", nullptr, "Print the result as one JSON document"};
