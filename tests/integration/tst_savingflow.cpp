@@ -78,6 +78,7 @@ private slots:
     void a_removed_device_ends_the_save_silently();
     void losing_the_device_behind_the_dialog_starts_nothing();
     void device_activated_behind_the_dialog_is_not_saved();
+    void package_created_before_the_job_is_kept();
     void a_failed_synchronisation_is_reported();
     void a_missing_project_folder_has_free_space();
     void needing_all_the_free_space_is_refused();
@@ -484,6 +485,26 @@ void TstSavingFlow::device_activated_behind_the_dialog_is_not_saved()
     QVERIFY(ZipPackageHandle::getFileList(projectFile(QStringLiteral("Show")))
                 .contains(selected + QStringLiteral(".json")));
     QCOMPARE(m_panel->selectedAddress(), selected);
+}
+
+void TstSavingFlow::package_created_before_the_job_is_kept()
+{
+    // Another program saves under the name between OK and the start of the job, while the device is asked for its
+    // channel.
+    Faults::instance()->arm(setChannelExclusive, Fault::run([] {
+                                QVERIFY(writePackage(projectFile(QStringLiteral("Show")), QStringLiteral("theirs")));
+                            }));
+    m_book->expectDialog(propertyDialog, [](QDialog *dialog) {
+        answerProperties(dialog, QStringLiteral("Show"), QStringLiteral("ours"));
+    });
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("Failed to encrypt file"));
+    QVERIFY(click(m_panel->saveProject()));
+    waitForAnswers();
+    settle();
+    EngineerPacketInfo info;
+    info.strFilePath = projectFile(QStringLiteral("Show"));
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strComment, QStringLiteral("theirs"));
 }
 
 void TstSavingFlow::a_failed_synchronisation_is_reported()

@@ -52,6 +52,12 @@ void EngineerDocBackup::setProjectInfo(const QString &name, const QString &comme
     m_strComment = comment;
 }
 
+std::shared_ptr<const FileSystem::FileIdentity> EngineerDocBackup::fileAt(const QString &directory, const QString &name)
+{
+    const QString path = directory + name + PackageLayout::packageExtension;
+    return std::make_shared<const FileSystem::FileIdentity>(ReplacingFile::resolvedTarget(path));
+}
+
 void EngineerDocBackup::run()
 {
     m_bCancel = false;
@@ -67,8 +73,8 @@ void EngineerDocBackup::failToStart()
 
 void EngineerDocBackup::save()
 {
-    const QString packagePath = m_strProjectPath + m_strProjectName + PackageLayout::packageExtension;
-    const FileSystem::FileIdentity previous(ReplacingFile::resolvedTarget(packagePath));
+    const std::shared_ptr<const FileSystem::FileIdentity> replaceable =
+        m_pReplaceable ? m_pReplaceable : fileAt(m_strProjectPath, m_strProjectName);
 
     if (!writeDeviceDescriptions()) {
         m_nResultCode = BackupSaveJsonFailed;
@@ -91,10 +97,10 @@ void EngineerDocBackup::save()
 
     if (m_bCancel || !LoadPreset())
         return;
-    pack(packagePath, previous);
+    pack(*replaceable);
 }
 
-void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileIdentity &previous)
+void EngineerDocBackup::pack(const FileSystem::FileIdentity &replaceable)
 {
     // Creates this folder only: a separator in the project's name may be a typing error.
     QString reason;
@@ -103,13 +109,13 @@ void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileI
         return;
     }
     EngineerPacketInfo info;
-    info.strFilePath = packagePath;
+    info.strFilePath = m_strProjectPath + m_strProjectName + PackageLayout::packageExtension;
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
-    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_staged, previous}, &reason))
+    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_staged, replaceable}, &reason))
         fail(reason);
-    else if (ZipPackageHandle::isValidEngineerPacket(packagePath, &reason))
-        m_strSavedPackagePath = packagePath;
+    else if (ZipPackageHandle::isValidEngineerPacket(info.strFilePath, &reason))
+        m_strSavedPackagePath = info.strFilePath;
     else
         qDebug().noquote() << "The package was changed or removed right after the save:" << reason;
 }

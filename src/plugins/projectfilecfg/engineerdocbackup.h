@@ -43,9 +43,14 @@ public:
     /// Before start(): `name` becomes the package's base name; the record contains it and `comment`.
     void setProjectInfo(const QString &name, const QString &comment);
     /// Before start(): the package's directory, with a trailing separator. It is created if it is missing, but a
-    /// sub-folder that a separator in the name leads to is not. The package replaces only the file that was there when
-    /// the run began: if another file is there by then, that file stays and the run ends with BackupEncryptFailed.
+    /// sub-folder that a separator in the name leads to is not.
     void setProjectPath(const QString &directory) { m_strProjectPath = directory; }
+
+    /// The file that a package of that name in the directory would replace now; it may be none. Any thread.
+    static std::shared_ptr<const FileSystem::FileIdentity> fileAt(const QString &directory, const QString &name);
+    /// Before start(): the only file that the package replaces. If another one is there by then, that one stays and the
+    /// run ends with BackupEncryptFailed. By default it is the one that is there when the run begins.
+    void setReplaceable(const std::shared_ptr<const FileSystem::FileIdentity> &file) { m_pReplaceable = file; }
 
     /// Before start(): the cache of encoded pictures. By default the job uses an empty one.
     void setEncodedPictures(const std::shared_ptr<EncodedPictures> &pictures) { m_pEncodedPictures = pictures; }
@@ -77,7 +82,7 @@ protected:
 
 private:
     void save();
-    void pack(const QString &packagePath, const FileSystem::FileIdentity &previous);
+    void pack(const FileSystem::FileIdentity &replaceable);
     /// Sets the code, logs the reason and returns false.
     bool fail(const QString &reason, BackupResultCode code = BackupEncryptFailed);
     std::shared_ptr<Model::Device> findDevice();
@@ -95,6 +100,7 @@ private:
     QString m_strProjectName;
     QString m_strComment;
     QString m_strProjectPath;
+    std::shared_ptr<const FileSystem::FileIdentity> m_pReplaceable;
     std::atomic<bool> m_bCancel{false};
     std::atomic<int> m_nResultCode{BackupSuccess};
     QString m_strSavedPackagePath;

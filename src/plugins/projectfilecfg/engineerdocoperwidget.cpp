@@ -206,6 +206,8 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (!device)
         return false;
+    // Settled now: another program may save under the name while the host frees the channel.
+    const auto replaceable = EngineerDocBackup::fileAt(m_strDefaultPath, name);
     DeviceOperations::freeChannel(device);
     RunningJob::announce(HostNumbers::operatorBackup);
     m_nOperatorType = OperatorBackup;
@@ -214,6 +216,7 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     m_pDocBackup->setProjectPath(m_strDefaultPath);
     m_pDocBackup->setDeviceIp(m_strDeviceIP);
     m_pDocBackup->setProjectInfo(name, comment);
+    m_pDocBackup->setReplaceable(replaceable);
     m_pDocBackup->setEncodedPictures(m_pEncodedPictures);
 
     Waiting::offerCancel();
