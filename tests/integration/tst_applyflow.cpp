@@ -79,9 +79,9 @@ private slots:
 
     // A site that changes meanwhile
     void another_device_is_never_reset();
-    void a_device_that_drops_out_during_the_check_is_not_reset();
-    void a_device_that_appears_during_the_check_stays_unchanged();
-    void a_device_that_goes_behind_the_question_ends_the_apply();
+    void device_lost_during_the_check_is_not_reset();
+    void device_appearing_during_the_check_stays_unchanged();
+    void losing_the_device_behind_the_question_ends_applying();
 
 private:
     /// Acts once, when the load's check looks the device up; `lastCall` is the panel's last call of the host before it.
@@ -607,7 +607,7 @@ void TstApplyFlow::beforeTheCheck(const QString &lastCall, const std::function<v
                                                        call));
 }
 
-void TstApplyFlow::a_device_that_drops_out_during_the_check_is_not_reset()
+void TstApplyFlow::device_lost_during_the_check_is_not_reset()
 {
     const HardwareState before = hardware(targetIp);
     list(packageOf(richDevice(sourceIp)));
@@ -621,7 +621,7 @@ void TstApplyFlow::a_device_that_drops_out_during_the_check_is_not_reset()
     COMPARE_STATES(hardware(targetIp), before);
 }
 
-void TstApplyFlow::a_device_that_appears_during_the_check_stays_unchanged()
+void TstApplyFlow::device_appearing_during_the_check_stays_unchanged()
 {
     list(packageOf(richDevice(sourceIp)));
     selectDevice(offlineIp);
@@ -638,7 +638,7 @@ void TstApplyFlow::a_device_that_appears_during_the_check_stays_unchanged()
     COMPARE_STATES(hardware(offlineIp), before);
 }
 
-void TstApplyFlow::a_device_that_goes_behind_the_question_ends_the_apply()
+void TstApplyFlow::losing_the_device_behind_the_question_ends_applying()
 {
     const HardwareState second = hardware(secondIp);
     list(packageOf(plainDevice(sourceIp)));

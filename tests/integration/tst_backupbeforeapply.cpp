@@ -42,7 +42,7 @@ private slots:
     void without_an_active_device_nothing_waits();
     void a_late_cancel_of_the_backup_prevents_applying();
     void cancelling_after_a_backup_cancels_once();
-    void a_cancel_reaches_the_device_that_is_backed_up();
+    void cancel_reaches_the_backed_up_device();
     void restoring_the_window_changes_no_target_data();
     void restoring_the_window_changes_no_target();
 };
@@ -273,7 +273,7 @@ void TstBackupBeforeApply::cancelling_after_a_backup_cancels_once()
     QCOMPARE(Journal::instance()->count(cancelCurrentTask), 1);
 }
 
-void TstBackupBeforeApply::a_cancel_reaches_the_device_that_is_backed_up()
+void TstBackupBeforeApply::cancel_reaches_the_backed_up_device()
 {
     list(packageOf(plainDevice(sourceIp)));
     selectDevice(secondIp);

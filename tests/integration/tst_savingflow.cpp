@@ -77,8 +77,8 @@ private slots:
     void without_an_active_device_a_save_ends_silently();
     void a_removed_device_ends_the_save_silently();
     void losing_the_device_behind_the_dialog_starts_nothing();
-    void another_active_device_behind_the_dialog_is_not_saved();
-    void a_package_that_appears_before_the_job_is_kept();
+    void device_activated_behind_the_dialog_is_not_saved();
+    void package_created_before_the_job_is_kept();
     void a_failed_synchronisation_is_reported();
     void a_missing_project_folder_has_free_space();
     void needing_all_the_free_space_is_refused();
@@ -467,7 +467,7 @@ void TstSavingFlow::losing_the_device_behind_the_dialog_starts_nothing()
     QVERIFY(!WaitingDialog::instance()->isVisible());
 }
 
-void TstSavingFlow::another_active_device_behind_the_dialog_is_not_saved()
+void TstSavingFlow::device_activated_behind_the_dialog_is_not_saved()
 {
     const QString selected = m_panel->selectedAddress();
     QVERIFY(selected != m_site->touringRack);
@@ -487,7 +487,7 @@ void TstSavingFlow::another_active_device_behind_the_dialog_is_not_saved()
     QCOMPARE(m_panel->selectedAddress(), selected);
 }
 
-void TstSavingFlow::a_package_that_appears_before_the_job_is_kept()
+void TstSavingFlow::package_created_before_the_job_is_kept()
 {
     // Another program saves under the name between OK and the start of the job, while the device is asked for its
     // channel.

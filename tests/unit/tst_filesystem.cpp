@@ -177,7 +177,7 @@ private slots:
     void content_then_name_is_flushed_before_success_data();
     void content_then_name_is_flushed_before_success();
     void reproducible_files_are_not_flushed();
-    void the_disk_begins_with_the_first_8_MiB();
+    void writing_to_disk_begins_after_8_mib();
     void unflushed_content_replaces_nothing();
     void unwritten_content_replaces_nothing();
     void missing_folder_is_flushed_before_its_file();
@@ -293,7 +293,7 @@ void TstFileSystem::reproducible_files_are_not_flushed()
     QCOMPARE(readFile(path("target")), QByteArray("new"));
 }
 
-void TstFileSystem::the_disk_begins_with_the_first_8_MiB()
+void TstFileSystem::writing_to_disk_begins_after_8_mib()
 {
     for (const auto durability : {ReplacingFile::Durability::FlushedToDisk, ReplacingFile::Durability::NotFlushed}) {
         const bool isFlushed = durability == ReplacingFile::Durability::FlushedToDisk;

@@ -112,7 +112,7 @@ void EngineerDocBackup::pack(const FileSystem::FileIdentity &replaceable)
     info.strFilePath = m_strProjectPath + m_strProjectName + PackageLayout::packageExtension;
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
-    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_hashStaged, replaceable}, &reason))
+    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_staged, replaceable}, &reason))
         fail(reason);
     else if (ZipPackageHandle::isValidEngineerPacket(info.strFilePath, &reason))
         m_strSavedPackagePath = info.strFilePath;
@@ -128,8 +128,8 @@ bool EngineerDocBackup::fail(const QString &reason, BackupResultCode code)
 }
 
 // Each step looks the device up again, four times in a save of an online device: in between, the host may remove it or
-// replace it by another one with the same address. So keep no device from step to step. A step that finds none ends the
-// save.
+// replace it by another one with the same address. So do not keep a device from one step to the next. A step that finds
+// none ends the save.
 std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
 {
     std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIp);
@@ -167,7 +167,7 @@ bool EngineerDocBackup::exportPictures()
         return fail(reason);
     const QHash<QString, qint64> written = writer.written();
     for (auto picture = written.begin(); picture != written.end(); ++picture)
-        m_hashStaged.insert(directory().pictureEntry(picture.key()), picture.value());
+        m_staged.insert(directory().pictureEntry(picture.key()), picture.value());
     return true;
 }
 
@@ -252,7 +252,7 @@ bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &deta
     PresetFile file(path);
     switch (file.write(detail)) {
     case PresetFile::Outcome::Written:
-        m_hashStaged.insert(entry, file.size());
+        m_staged.insert(entry, file.size());
         return true;
     case PresetFile::Outcome::FolderGone:
         return fail(QStringLiteral("%1 was removed").arg(directory().presetPath()));

@@ -17,6 +17,7 @@
 #include "prechecks.h"
 #include "pressedbutton.h"
 #include "projectcopies.h"
+#include "projectdeletion.h"
 #include "projectediting.h"
 #include "projectpaths.h"
 #include "projectrowwidget.h"
@@ -28,20 +29,14 @@
 #include "waiting.h"
 
 #include <host/devices.h>
-#include <host/dialogs.h>
 
 #include <QComboBox>
-#include <QDebug>
-#include <QFile>
 #include <QFileSystemWatcher>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QToolButton>
-#include <QtConcurrentRun>
-
-using Corvel::Widgets::WaitingDialog;
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -126,7 +121,7 @@ void EngineerDocOperWidget::initConnects(bool bConnect)
     wire(m_pAllSaveasBtn, &EngineerDocOperWidget::slot_saveasProject);
     wire(m_pAllDeleteBtn, &EngineerDocOperWidget::slot_deleteAllProject);
 
-    // retranslateUi() may have connected it already, and a second connection would call the slot twice.
+    // retranslateUi() may have connected it already, and with a second connection the slot would be called twice.
     connectSelector(false);
     connectSelector(bConnect);
     connectFileWatcher(bConnect);
@@ -142,12 +137,6 @@ void EngineerDocOperWidget::connectFileWatcher(bool bConnect)
 {
     setConnected(bConnect, m_pFileWatcher, &QFileSystemWatcher::directoryChanged, this,
                  &EngineerDocOperWidget::slot_projectFilesChanged);
-}
-
-void EngineerDocOperWidget::connectCancel(bool bConnect)
-{
-    setConnected(bConnect, WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, this,
-                 &EngineerDocOperWidget::slot_cancelOperator);
 }
 
 void EngineerDocOperWidget::connectRow(const ProjectRowWidget &row)
@@ -191,17 +180,11 @@ void EngineerDocOperWidget::slot_changeDevice(const QString &)
     m_pDeviceSelector->changeDevice(m_strDeviceIP);
 }
 
-// The panel selects the active device each time it is shown, also when its window is restored while a box is open or a
-// save runs. The operator decided for the device that was selected before.
 bool EngineerDocOperWidget::selectAgain(const QString &address)
 {
     if (m_strDeviceIP != address && DeviceOperations::activate(address))
         initDevice();
-    if (m_strDeviceIP == address)
-        return true;
-    qWarning().noquote()
-        << QStringLiteral("Not begun for %1: it has gone, and %2 is selected now").arg(address, m_strDeviceIP);
-    return false;
+    return PreChecks::isStillSelected(address, m_strDeviceIP);
 }
 
 // ---- Saving
@@ -209,10 +192,7 @@ bool EngineerDocOperWidget::selectAgain(const QString &address)
 void EngineerDocOperWidget::slot_saveProject()
 {
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP) || !DeviceOperations::activate(m_strDeviceIP) ||
-        !m_pDeviceSelector->showCurrent())
-        return;
-    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
-    if (device && device->getDeviceOnlineFlag() && !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
+        !m_pDeviceSelector->showCurrent() || !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
         return;
     const QString selected = m_strDeviceIP;
     const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath);
@@ -241,16 +221,12 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
 
     Waiting::offerCancel();
     Waiting::show([] { return tr("Please wait while the project file is exported"); });
-    connectCancel(true);
+    Waiting::connectCancel(true, this, &EngineerDocOperWidget::slot_cancelOperator);
     connect(m_pDocBackup, &QThread::finished, this, &EngineerDocOperWidget::slot_backupFinished);
     connect(m_pDocBackup, &EngineerDocBackup::signal_operatoerChanged, this,
             &EngineerDocOperWidget::slot_backupOperatorChanged);
     m_pDocBackup->start(QThread::InheritPriority);
-    if (RunningJob::hasStarted(*m_pDocBackup))
-        return true;
-    m_pDocBackup->failToStart();
-    slot_backupFinished();
-    return false;
+    return RunningJob::hasStarted(*m_pDocBackup, [this] { slot_backupFinished(); });
 }
 
 void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInfo)
@@ -261,22 +237,20 @@ void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInf
 
 void EngineerDocOperWidget::slot_cancelOperator()
 {
-    // Of the job's device: another one may be selected by now.
+    // The job's device, since another one may be selected by now.
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        if (DeviceOperations::find(m_pDocLoad->deviceIp()))
-            DeviceOperations::cancelLoad();
+        DeviceOperations::cancelLoad(DeviceOperations::find(m_pDocLoad->deviceIp()));
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        if (const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_pDocBackup->deviceIp()))
-            DeviceOperations::cancelSave(device);
+        DeviceOperations::cancelSave(DeviceOperations::find(m_pDocBackup->deviceIp()));
     }
 }
 
 void EngineerDocOperWidget::slot_backupFinished()
 {
-    connectCancel(false);
+    Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     Waiting::hide();
     RunningJob::announce(HostNumbers::operatorNone);
     m_nOperatorType = OperatorNone;
@@ -315,17 +289,8 @@ void EngineerDocOperWidget::slot_applyOtherProject()
         return;
     const QString selected = m_strDeviceIP;
     const QStringList files = FileDialogs::selectProjectFiles(this, false);
-    if (files.isEmpty() || !selectAgain(selected))
-        return;
-    EngineerPacketInfo info;
-    info.strFilePath = files.first();
-    QString reason;
-    if (ZipPackageHandle::getZipFileEngineerInfo(info, &reason)) {
-        askBackupBeforeApply(info.strFilePath);
-        return;
-    }
-    qDebug().noquote() << "Not applied:" << reason;
-    MessageBoxes::remind(this, [] { return tr("The file does not exist or the file format is incorrect."); });
+    if (!files.isEmpty() && selectAgain(selected) && PreChecks::isPackage(this, files.first()))
+        askBackupBeforeApply(files.first());
 }
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
@@ -349,27 +314,20 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     m_pDocLoad = new EngineerDocLoad(nullptr);
     m_pDocLoad->setDeviceIp(m_strDeviceIP);
     m_pDocLoad->setPackagePath(path);
-    const bool online = device->getDeviceOnlineFlag();
-    if (!LoadPreparation::prepare(this, *m_pDocLoad, online))
+    if (!LoadPreparation::prepare(this, *m_pDocLoad, device))
         return false;
 
-    if (online)
-        DeviceOperations::reserveChannel(device);
     m_nOperatorType = OperatorLoad;
-    // "save" is no mistake, although a load starts: operators and translations know this text.
+    // Keep "save" although a load starts: operators and translations know this text.
     Waiting::show([] { return tr("Start save project file"); });
     RunningJob::announce(HostNumbers::operatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
-        connectCancel(true);
+        Waiting::connectCancel(true, this, &EngineerDocOperWidget::slot_cancelOperator);
         connect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
                 &EngineerDocOperWidget::slot_operatorChanged);
         connect(m_pDocLoad, &QThread::finished, this, &EngineerDocOperWidget::slot_loadFinished);
     });
-    if (RunningJob::hasStarted(*m_pDocLoad))
-        return true;
-    m_pDocLoad->failToStart();
-    slot_loadFinished();
-    return false;
+    return RunningJob::hasStarted(*m_pDocLoad, [this] { slot_loadFinished(); });
 }
 
 void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
@@ -380,7 +338,7 @@ void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 void EngineerDocOperWidget::slot_loadFinished()
 {
     RunningJob::announce(HostNumbers::operatorNone);
-    connectCancel(false);
+    Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     if (m_pDocLoad)
         disconnect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
                    &EngineerDocOperWidget::slot_operatorChanged);
@@ -392,9 +350,7 @@ void EngineerDocOperWidget::slot_loadFinished()
     const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
     DeviceOperations::freeChannel(device);
-    // The host may have activated another device since the load began, and so changed the selection.
-    if (m_pDocLoad && m_pDocLoad->deviceIp() != m_strDeviceIP)
-        DeviceOperations::freeChannel(DeviceOperations::find(m_pDocLoad->deviceIp()));
+    RunningJob::freeChannelOfLoad(m_pDocLoad, m_strDeviceIP);
     MessageBoxes::showLoadResult(this, code);
     if (!guard || !device)
         return;
@@ -431,9 +387,9 @@ void EngineerDocOperWidget::startSaveas(const QStringList &files, const QString 
 {
     Waiting::show([] { return tr("save as project file,please wait..."); });
     release(m_pSaveasWatcher, this);
-    const auto failure = std::make_shared<TranslatedText>();
-    m_saveasFuture = QtConcurrent::run(&ProjectCopies::saveAsConcurrent, files, destination, bDestIsDir, failure);
-    m_pSaveasWatcher = ProjectCopies::watch(m_saveasFuture, this, [this, failure] { onSaveasFinished(*failure); });
+    m_pSaveasWatcher = ProjectCopies::startSaveAs(files, destination, bDestIsDir, this,
+                                                  [this](const auto &failure) { onSaveasFinished(failure); });
+    m_saveasFuture = m_pSaveasWatcher->future();
 }
 
 void EngineerDocOperWidget::onSaveasFinished(const TranslatedText &failure)
@@ -460,9 +416,9 @@ void EngineerDocOperWidget::startImport(const QStringList &files)
     else if (m_pImportWatcher)
         m_pImportWatcher->setParent(this);
     connectFileWatcher(false);
-    const auto failure = std::make_shared<TranslatedText>();
-    m_importFuture = QtConcurrent::run(&ProjectCopies::importProjectFiles, files, m_strDefaultPath, failure);
-    m_pImportWatcher = ProjectCopies::watch(m_importFuture, this, [this, failure] { onImportFinished(*failure); });
+    m_pImportWatcher = ProjectCopies::startImport(files, m_strDefaultPath, this,
+                                                  [this](const auto &failure) { onImportFinished(failure); });
+    m_importFuture = m_pImportWatcher->future();
 }
 
 void EngineerDocOperWidget::onImportFinished(const TranslatedText &failure)
@@ -488,7 +444,7 @@ void EngineerDocOperWidget::slot_editProjectInfo()
     const QPointer<EngineerDocOperWidget> guard(this);
     const std::shared_ptr<ProjectList> projects = m_pProjects;
     {
-        // Keeps scans from replacing the entry under the dialog. The panel may be deleted meanwhile.
+        // Keeps scans from replacing the entry while the dialog is open. The panel may be deleted meanwhile.
         const ProjectList::Hold hold(*projects);
         const std::optional<EngineerPacketInfo> edited =
             ProjectEditing::edit(this, *projects, pressed.filePath(), m_strDefaultPath);
@@ -506,18 +462,12 @@ void EngineerDocOperWidget::slot_editProjectInfo()
 void EngineerDocOperWidget::slot_deleteProject()
 {
     const PressedButton pressed(sender());
-    if (!pressed || !MessageBoxes::confirm(this, [] { return tr("Confirm to delete the selected project file?"); }))
+    if (!pressed || !ProjectDeletion::isConfirmed(this, pressed.filePath()))
         return;
-    if (!QFile::exists(pressed.filePath())) {
-        qCritical() << "File not exist . path:" << pressed.filePath();
-        return;
-    }
     connectFileWatcher(false);
-    if (!QFile::remove(pressed.filePath())) {
-        // The directory stays unwatched until the next import or deletion.
-        MessageBoxes::warn(this, [] { return tr("Delete project file failed!"); });
+    // After a failure the directory stays unwatched until the next import or deletion.
+    if (!ProjectDeletion::remove(this, pressed.filePath()))
         return;
-    }
     connectFileWatcher(true);
     if (m_pProjects->remove(pressed.filePath()))
         slot_projectFilesChanged();
@@ -527,7 +477,7 @@ void EngineerDocOperWidget::slot_deleteProject()
 
 void EngineerDocOperWidget::slot_deleteAllProject()
 {
-    if (!MessageBoxes::confirm(this, [] { return tr("Confirm to delete all project file?"); }))
+    if (!ProjectDeletion::isConfirmedForAll(this))
         return;
     connectFileWatcher(false);
     if (m_pProjects->clear())

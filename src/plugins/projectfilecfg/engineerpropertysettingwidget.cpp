@@ -34,7 +34,7 @@ bool splitsSurrogatePair(const QString &text, int position)
            text.at(position - 1).isHighSurrogate();
 }
 
-/// Removes the excess from just before the caret, where it was typed or pasted. If there is too little text before the
+/// Removes the excess just before the caret, where it was typed or pasted. If there is too little text before the
 /// caret, as after setComment(), keeps the first 100 characters. Never splits a surrogate pair.
 QString cutToLimit(const QString &typed, int *caret)
 {

@@ -49,7 +49,7 @@ ProjectFileCfgPlugin *ProjectFileCfgPlugin::instance()
 
 bool ProjectFileCfgPlugin::initialize(const QStringList &, QString *)
 {
-    // Before any file is named: names are UTF-8, in packages and on disk, whatever the locale.
+    // Before the first file name is used: names are UTF-8, in packages and on disk, whatever the locale.
     Internal::useUtf8LocaleCodec();
 
     if (!installTranslator(ICore::overrideLanguage()))

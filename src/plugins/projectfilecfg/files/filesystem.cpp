@@ -88,7 +88,7 @@ int openToChange(const QString &path, QString *reason)
 
 bool lock(int handle)
 {
-    // One byte far beyond any package's end: on Windows others cannot even read a locked byte.
+    // One byte far beyond the end of any package: on Windows, other processes cannot even read a locked byte.
     constexpr long one = 1;
     constexpr qint64 farBehind = qint64(1) << 40;
     return _lseeki64(handle, farBehind, SEEK_SET) == farBehind && _locking(handle, _LK_NBRLCK, one) == 0;
@@ -104,7 +104,7 @@ void unlock(int) {}
 
 bool isOpenFile(const QString &path, int)
 {
-    // Windows neither removes nor renames a file while it is open like this.
+    // Windows does not remove or rename a file that is open like this.
     return QFileInfo(path).isFile();
 }
 

@@ -3,13 +3,13 @@
 
 #pragma once
 
-// Language, paths, and the operation that runs on a device.
+// Language, paths, and the running operation on a device.
 #include <core/icore.h>
 
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
-// What runs on a device: a load, a save, or nothing.
+// The running operation on a device: a load, a save, or none.
 constexpr auto operatorLoad = static_cast<Core::ICore::OperatorDeviceType>(0);
 constexpr auto operatorBackup = static_cast<Core::ICore::OperatorDeviceType>(1);
 constexpr auto operatorNone = static_cast<Core::ICore::OperatorDeviceType>(2);

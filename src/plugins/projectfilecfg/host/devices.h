@@ -3,7 +3,7 @@
 
 #pragma once
 
-// Devices as the host knows them, their list, what is known of each model, and writing them to disk.
+// The host's models of devices, their list, the descriptions of device types, and writing devices to disk.
 #include <model/device.h>
 #include <model/deviceconfigmanager.h>
 #include <model/devicelist.h>
@@ -13,13 +13,13 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
-// What updateDeviceInfo is to do: a reset, of everything.
+// Key and value with which updateDeviceInfo resets everything.
 constexpr auto deviceReset = static_cast<Model::Device::ParameterType>(10);
 constexpr auto resetFactory = static_cast<Model::Device::DevicResetOrder>(3);
 // Kinds of pictures, as getType() returns them and createMaterailFromImage takes them.
 constexpr int background = 0;
 constexpr int logo = 1;
-// What queryMaterailData is to fetch: the picture, where a QImage is given for it.
+// Key with which queryMaterailData fetches the picture; the value is a QImage.
 constexpr auto picture = static_cast<Model::Materail::ParameterType>(2);
 } // namespace HostNumbers
 } // namespace Internal

@@ -12,7 +12,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 namespace HostNumbers {
-// How showWaitingDialog shows its text.
+// The level that showWaitingDialog takes.
 constexpr int tooltipLevelNormal = 0;
 } // namespace HostNumbers
 } // namespace Internal

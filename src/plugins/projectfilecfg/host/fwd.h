@@ -3,8 +3,8 @@
 
 #pragma once
 
-// Names for the product's headers, which need no definitions. Where a class has another namespace in the host, it is
-// declared there, and here stands an alias.
+// Declarations for the product's headers, which need no definitions. If a class has another namespace in the host,
+// declare it there and add an alias here.
 
 namespace Model {
 class Device;

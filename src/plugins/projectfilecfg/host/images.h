@@ -3,5 +3,5 @@
 
 #pragma once
 
-// The store of pictures that were fetched from devices.
+// The store of pictures fetched from devices.
 #include <imagestorager/imagestorager.h>

@@ -34,7 +34,7 @@ QString offlineFolder(const QString &ip)
 
 namespace {
 
-/// The same text for both callers: people search logs for it.
+/// The same text for both callers, since people search logs for it.
 LoadResultCode extractionFailed(const QString &path)
 {
     qDebug() << "Extract json file failed:" << path;

@@ -51,7 +51,7 @@ LoadResultCode OnlineApply::sendPicture(const Labels &labels, QString *reason)
                            (isLogo ? labels.strLogo : labels.strBackground) + picture.packaged.materail()->getName());
     if (!m_targetControler.createMaterailFromImage(picture.image, isLogo ? HostNumbers::logo : HostNumbers::background,
                                                    QString(), 0, QSize(0, 0), picture.packaged.name())) {
-        failBecause(reason, QStringLiteral("the device did not take the picture %1").arg(picture.packaged.entry()));
+        failBecause(reason, QStringLiteral("the device did not accept the picture %1").arg(picture.packaged.entry()));
         return LoadApplyGalleryFailed;
     }
     if (!picture.strExtractedPath.isEmpty() && !QFile::remove(picture.strExtractedPath))

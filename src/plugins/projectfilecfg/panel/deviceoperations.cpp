@@ -124,7 +124,7 @@ unsigned long long DeviceOperations::estimateProjectSize(const QString &address)
         return 0;
     const DeviceControler controler(device);
     const unsigned long long logos = controler.calLogoMaterailCapacity({}, HostNumbers::logo, true);
-    // An estimate in MiB: the last, partial one is covered by the margin of 10 MiB.
+    // Rounds down on purpose: the margin of 10 MiB covers the last, partial MiB.
     return ((logos + controler.usedCapacity()) >> 20) + 10;
 }
 
@@ -141,13 +141,15 @@ void DeviceOperations::freeChannel(const std::shared_ptr<Model::Device> &device)
 
 void DeviceOperations::cancelSave(const std::shared_ptr<Model::Device> &device)
 {
-    // {4, 10} is the command of the transfer that the device is to abandon.
-    callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
+    // {4, 10} is the command of the transfer that the device is to abort.
+    if (device)
+        callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
 }
 
-void DeviceOperations::cancelLoad()
+void DeviceOperations::cancelLoad(const std::shared_ptr<Model::Device> &device)
 {
-    callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
+    if (device)
+        callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
 }
 
 } // namespace Internal

@@ -24,7 +24,7 @@ namespace RunningJob {
 
 namespace {
 
-/// Jobs announced so far in this process: tells whether a job that ends late is still the latest.
+/// Number of jobs announced so far in this process, to find out whether a job that ends late is still the latest.
 int s_announcedJobs = 0;
 
 bool hasSavedPackage(const EngineerDocBackup &backup)
@@ -51,11 +51,6 @@ bool isApplyDue(const EngineerDocBackup *backup, const QString &next)
     return false;
 }
 
-bool hasStarted(const QThread &job)
-{
-    return job.isRunning() || job.isFinished();
-}
-
 void startThenConnect(QThread &job, const std::function<void()> &connectAll)
 {
     const auto connected = std::make_shared<QSemaphore>();
@@ -73,6 +68,12 @@ void endAfterPanel(const EngineerDocLoad &load)
             announce(HostNumbers::operatorNone);
         DeviceOperations::freeChannel(DeviceOperations::find(address));
     });
+}
+
+void freeChannelOfLoad(const EngineerDocLoad *load, const QString &selectedAddress)
+{
+    if (load && load->deviceIp() != selectedAddress)
+        DeviceOperations::freeChannel(DeviceOperations::find(load->deviceIp()));
 }
 
 } // namespace RunningJob

@@ -3,8 +3,6 @@
 
 #include "waiting.h"
 
-#include <host/dialogs.h>
-
 using Corvel::Widgets::WaitingDialog;
 
 namespace ProjectFileCfg {
