@@ -596,19 +596,25 @@ void Stage::disturb(Disturbance disturbance, const QString &ip, const QString &p
     }
 }
 
-/// Toggles the case of the letters in the comment.
+/// Toggles the case of the first letter in the comment, if it has one that is a single byte.
 void Stage::editInPlace(const QString &package)
 {
     QFile file(projectFile(package));
     if (m_damaged.contains(package) || !file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
         return;
-    m_disturbedPackages.insert(package);
     const QByteArray before = "\"comment\": \"";
     const QByteArray bytes = file.readAll();
-    const int at = bytes.lastIndexOf(before) + before.size();
-    const char letter = bytes.at(at);
-    const char other = char(letter ^ 0x20);
-    if (at < before.size() || !file.seek(at) || file.write(&other, 1) != 1)
+    const int begin = bytes.lastIndexOf(before) + before.size();
+    if (begin < before.size())
+        qFatal("There is no comment");
+    const char *const end = std::find(bytes.begin() + begin, bytes.end(), '"');
+    const char *const letter = std::find_if(bytes.begin() + begin, end,
+                                            [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
+    if (letter == end)
+        return;
+    m_disturbedPackages.insert(package);
+    const char other = char(*letter ^ 0x20);
+    if (!file.seek(letter - bytes.begin()) || file.write(&other, 1) != 1)
         qFatal("The comment cannot be changed");
 }
 
