@@ -130,6 +130,11 @@ bool PackageReader::isListable(QString *reason) const
                               failBecause(reason, QStringLiteral("%1: its directory is damaged").arg(m_pFile->path())));
 }
 
+QFile &PackageReader::file() const
+{
+    return m_pFile->file();
+}
+
 QStringList PackageReader::entries() const
 {
     QStringList counting;
@@ -286,6 +291,25 @@ bool PackageReader::goTo(const Entry &entry)
     unz64_file_pos position = entry.position;
     return (m_pZip->hasCurrentFile() || m_pZip->goToFirstFile()) &&
            unzGoToFilePos64(m_pZip->getUnzFile(), &position) == UNZ_OK;
+}
+
+std::optional<PackageReader::PackedContent> PackageReader::packedContent(const QString &entryName)
+{
+    unzFile zip = m_pZip->getUnzFile();
+    unz_file_info64 info;
+    constexpr int raw = 1;
+    int method = 0;
+    int level = 0;
+    const Entry *entry = findReadable(entryName, nullptr);
+    // Opening it is what checks its local header, and what finds its content.
+    if (!entry || !goTo(*entry) ||
+        unzGetCurrentFileInfo64(zip, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
+        unzOpenCurrentFile2(zip, &method, &level, raw) != UNZ_OK)
+        return std::nullopt;
+    const PackedContent content{qint64(unzGetCurrentFileZStreamPos64(zip)), quint16(method), quint32(info.crc),
+                                qint64(info.compressed_size), qint64(info.uncompressed_size)};
+    unzCloseCurrentFile(zip);
+    return content;
 }
 
 namespace {

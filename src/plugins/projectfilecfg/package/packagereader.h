@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 class QFile;
 class QIODevice;
@@ -52,6 +53,22 @@ public:
 
     /// The size of `entryName` as the archive states it; -1 if there is no such entry.
     qint64 entrySize(const QString &entryName) const;
+
+    /// The file itself, to read other parts of it; not open if the package could not be opened. Leave its position
+    /// anywhere.
+    QFile &file() const;
+
+    /// Where an entry's packed content lies in file(), and what the archive's directory says about it.
+    struct PackedContent
+    {
+        qint64 nOffset = 0;
+        quint16 nMethod = 0;
+        quint32 nCrc = 0;
+        qint64 nPackedSize = 0;
+        qint64 nSize = 0;
+    };
+    /// None if read() fails before the first byte of the content, but for its limit.
+    std::optional<PackedContent> packedContent(const QString &entryName);
 
     /// The archive's comment; empty if there is none.
     QString archiveComment() const;
