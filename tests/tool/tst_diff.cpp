@@ -7,6 +7,8 @@
 #include "comparison/entrysource.h"
 #include "zippackagehandle.h"
 
+#include <data/ziparchive.h>
+
 #include <QBuffer>
 #include <QImage>
 #include <QJsonArray>
@@ -20,7 +22,11 @@ using namespace Corvelpro;
 using namespace ToolTesting;
 using ProjectFileCfg::Internal::EngineerPacketInfo;
 using ProjectFileCfg::Internal::ZipPackageHandle;
+using TestData::ZipArchive;
 using TestSupport::PackageBuilder;
+
+Q_DECLARE_METATYPE(TestSupport::PackageBuilder::Method)
+Q_DECLARE_METATYPE(std::function<void(TestData::ZipArchive &)>)
 
 namespace {
 
@@ -306,6 +312,9 @@ private slots:
     void repack_by_another_program_is_equal();
     void two_saves_of_one_directory_are_equal();
     void same_pixels_encoded_otherwise_are_equal();
+    void contents_above_a_block_are_equal();
+    void spare_bits_of_packed_content_do_not_count();
+    void progress_adds_up_to_the_total();
 
     // Differences
     void known_edits_are_reported_exactly();
@@ -331,6 +340,8 @@ private slots:
     void damage_is_never_equal_data();
     void damage_is_never_equal();
     void damage_is_named_on_its_side();
+    void one_damaged_side_is_never_equal_data();
+    void one_damaged_side_is_never_equal();
     void what_is_no_package_is_one_line();
 
 private:
@@ -426,6 +437,54 @@ void TstDiff::same_pixels_encoded_otherwise_are_equal()
     QCOMPARE(outcome.code, yes);
     QCOMPARE(outcome.json()["result"].toString(), QString("equal"));
     QVERIFY(outcome.json()["notes"].toArray().contains("BKG/BKG_1.png is encoded differently, with the same pixels"));
+}
+
+void TstDiff::contents_above_a_block_are_equal()
+{
+    Files files = sampleFiles();
+    QByteArray &large = files["large.bin"];
+    QRandomGenerator random(1);
+    for (int i = 0; i < 3 * 1024 * 1024; ++i)
+        large.append(char(random.bounded(256)));
+    for (const PackageBuilder::Method method : {PackageBuilder::Stored, PackageBuilder::Deflated}) {
+        const auto package = [&](const char last) {
+            return packed(sampleFiles()).file("large.bin", large.chopped(1) + last, method).record("a", "");
+        };
+        QVERIFY(package('a').write(m_a));
+        QVERIFY(package('a').write(m_b));
+        QCOMPARE(compared(m_a, m_b), QStringList());
+        QVERIFY(package('b').write(m_b));
+        QCOMPARE(compared(m_a, m_b),
+                 QStringList{Line::bytes("large.bin", large.size(), large.size(), large.size() - 1, 1)});
+    }
+}
+
+void TstDiff::spare_bits_of_packed_content_do_not_count()
+{
+    // "{}" deflated leaves bits of its last byte unused.
+    ZipArchive archive(packed(sampleFiles()).file("a", "{}", PackageBuilder::Deflated).record("a", "").build());
+    QVERIFY(writeFile(m_a, archive.bytes));
+    const int last = archive.lastContent() + int(archive.get32(archive.lastCentral() + 20)) - 1;
+    archive.bytes[last] = char(archive.bytes.at(last) ^ 0x80);
+    QVERIFY(writeFile(m_b, archive.bytes));
+    QCOMPARE(compared(m_a, m_b), QStringList());
+    QCOMPARE(compared(m_b, m_b), QStringList());
+}
+
+void TstDiff::progress_adds_up_to_the_total()
+{
+    Files files = sampleFiles();
+    files["BKG/BKG_1.png"] = pngOf(pictureOf({16, 9}, 9));
+    QVERIFY(writePackage(m_b, files));
+    const auto before = EntrySource::open(m_a, nullptr);
+    const auto after = EntrySource::open(m_b, nullptr);
+    qint64 passed = 0;
+    Comparison::Options options;
+    options.progress = [&passed](qint64 bytes) { passed += bytes; };
+    Comparison comparison(*before, *after, options);
+    comparison.run();
+    QVERIFY(passed > 0);
+    QCOMPARE(passed, comparison.totalSize());
 }
 
 void TstDiff::known_edits_are_reported_exactly()
@@ -734,6 +793,36 @@ void TstDiff::damage_is_named_on_its_side()
     QCOMPARE(outcome.code, unknown);
     QCOMPARE(outcome.messages, ("corvelpro: " + m_b + ": cannot read Preset/9.RPst: its CRC is wrong\n").toUtf8());
     QVERIFY2(!outcome.out.contains("equal"), outcome.out);
+}
+
+void TstDiff::one_damaged_side_is_never_equal_data()
+{
+    QTest::addColumn<PackageBuilder::Method>("method");
+    QTest::addColumn<std::function<void(ZipArchive &)>>("damage");
+    const auto row = [](const char *name, const std::function<void(ZipArchive &)> &damage) {
+        QTest::newRow(qPrintable(QString(name) + ", stored")) << PackageBuilder::Stored << damage;
+        QTest::newRow(qPrintable(QString(name) + ", deflated")) << PackageBuilder::Deflated << damage;
+    };
+    const auto increment = [](ZipArchive &archive, int at) { archive.set32(at, archive.get32(at) + 1); };
+    row("CRC", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 16); });
+    row("packed size", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 20); });
+    row("size", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 24); });
+    row("local header", [=](ZipArchive &archive) { increment(archive, archive.lastLocal()); });
+    row("first byte", [=](ZipArchive &archive) { increment(archive, archive.lastContent()); });
+    row("type", [](ZipArchive &archive) { archive.set16(archive.lastCentral() + 40, 0120777); });
+}
+
+void TstDiff::one_damaged_side_is_never_equal()
+{
+    QFETCH(PackageBuilder::Method, method);
+    QFETCH(std::function<void(ZipArchive &)>, damage);
+    const QByteArray content = QByteArray("a preset").repeated(100);
+    ZipArchive archive(packed(sampleFiles()).file("Preset/9.RPst", content, method).record("a", "").build());
+    QVERIFY(writeFile(m_a, archive.bytes));
+    damage(archive);
+    QVERIFY(writeFile(m_b, archive.bytes));
+    QCOMPARE(compared(m_a, m_b), QStringList{"unreadable Preset/9.RPst of B"});
+    QCOMPARE(compared(m_b, m_a), QStringList{"unreadable Preset/9.RPst of A"});
 }
 
 void TstDiff::what_is_no_package_is_one_line()

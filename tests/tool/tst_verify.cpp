@@ -4,6 +4,7 @@
 #include "goodpackage.h"
 #include "toolrunner.h"
 
+#include "content/scratch.h"
 #include "content/verification.h"
 
 #include <data/hostilepackages.h>
@@ -110,6 +111,8 @@ private slots:
     void lines_name_file_entry_and_offset();
     void findings_beyond_the_thousandth_are_counted();
     void verdict_is_about_the_file_that_was_opened();
+    void an_archive_in_the_comment_is_found();
+    void large_content_goes_to_a_nameless_file();
     void libraries_print_no_lines_of_their_own();
     void what_is_no_plain_file_is_unknown();
     void progress_is_shown_on_a_terminal();
@@ -495,6 +498,32 @@ void TstVerify::verdict_is_about_the_file_that_was_opened()
     QCOMPARE(verification.findings().damageCount(), 0);
     QCOMPARE(verification.entries(), 2);
     QCOMPARE(verification.pictures(), 1);
+}
+
+void TstVerify::an_archive_in_the_comment_is_found()
+{
+    // The control application takes the inner one, whose end is the last in the file. The names are the same.
+    const QByteArray inner = sealed(PackageBuilder()
+                                        .file("1.json", "{\"name\": \"other\"}")
+                                        .file("BKG/BKG_1.png", PngMaker::blank(5, 5), PackageBuilder::Stored));
+    const QString path = write("nested", small().archiveComment(inner + ' ').build());
+    QVERIFY(ProjectFileCfg::Internal::ZipPackageHandle::isValidEngineerPacket(path));
+    const QJsonObject result = verify({path}, no).first();
+    QVERIFY2(has(result["findings"].toArray(), "", "another end record"), QJsonDocument(result).toJson());
+}
+
+void TstVerify::large_content_goes_to_a_nameless_file()
+{
+    constexpr int most = 1000;
+    for (const int size : {0, most, most + 1}) {
+        const auto scratch = Corvelpro::openScratch(size, most, nullptr);
+        const auto *file = qobject_cast<QFile *>(scratch.get());
+        QCOMPARE(file != nullptr, size > most);
+        QVERIFY(!file || !QFileInfo::exists(file->fileName()));
+        const QByteArray content(size, 'a');
+        QVERIFY(scratch->write(content) == size && scratch->seek(0));
+        QCOMPARE(scratch->readAll(), content);
+    }
 }
 
 void TstVerify::libraries_print_no_lines_of_their_own()

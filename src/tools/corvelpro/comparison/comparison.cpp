@@ -11,8 +11,12 @@
 #include "picturereader.h"
 
 #include <QIODevice>
+#include <QThread>
 
 #include <algorithm>
+#include <atomic>
+#include <utility>
+#include <vector>
 
 namespace Corvelpro {
 
@@ -102,11 +106,12 @@ void Comparison::run()
 {
     noteRecords();
     compareFolders();
-    std::future<Content> next = beginReading(0);
-    for (int pair = 0; pair < m_pairs.size(); ++pair) {
+    const QVector<Pair> pairs = pairsToRead();
+    std::future<Content> next = beginReading(pairs, 0);
+    for (int i = 0; i < pairs.size(); ++i) {
         const Content before = next.get();
-        next = beginReading(pair + 1);
-        compareFiles(m_pairs.at(pair), before);
+        next = beginReading(pairs, i + 1);
+        compareFiles(pairs.at(i), before);
     }
     std::sort(m_differences.begin(), m_differences.end(),
               [](const EntryDifference &one, const EntryDifference &other) { return one.name < other.name; });
@@ -155,15 +160,53 @@ Comparison::Content Comparison::contentOf(EntrySource &side, const QString &file
     return content;
 }
 
+/// Without those whose packed bytes are equal, so that nothing more is to be found out: most, usually. Looks at several
+/// at once.
+QVector<Comparison::Pair> Comparison::pairsToRead()
+{
+    using Packed = std::optional<PackedFile>;
+    std::vector<std::pair<Packed, Packed>> packed;
+    for (const Pair &pair : qAsConst(m_pairs))
+        packed.emplace_back(m_before.packed(pair.before), m_after.packed(pair.after));
+
+    // Not bool: the elements are written by different threads.
+    std::vector<char> isEqual(packed.size(), 0);
+    std::atomic<std::size_t> next{0};
+    std::atomic<qint64> passed{0};
+    const auto work = [&](bool isMainThread) {
+        for (std::size_t i = next++; i < packed.size(); i = next++) {
+            const auto &[before, after] = packed.at(i);
+            isEqual[i] = before && after && areSoundAndEqual(*before, *after) ? 1 : 0;
+            passed += isEqual[i] ? 2 * qint64(before->header.size) : 0;
+            if (isMainThread)
+                m_options.progress(passed.exchange(0));
+        }
+    };
+    std::vector<std::future<void>> helpers;
+    for (int thread = 1; thread < QThread::idealThreadCount(); ++thread)
+        helpers.push_back(std::async(work, false));
+    work(true);
+    for (const std::future<void> &helper : helpers)
+        helper.wait();
+    m_options.progress(passed);
+
+    QVector<Pair> left;
+    for (std::size_t i = 0; i < packed.size(); ++i) {
+        if (!isEqual[i])
+            left.append(m_pairs.at(int(i)));
+    }
+    return left;
+}
+
 /// Reads the file of the first side while the second side's file of the pair before it is read and compared: each side
 /// is read by one thread at a time.
-std::future<Comparison::Content> Comparison::beginReading(int pair)
+std::future<Comparison::Content> Comparison::beginReading(const QVector<Pair> &pairs, int index)
 {
     // Below that, a thread of its own takes longer.
     constexpr qint64 worthAThread = 256 * 1024;
-    if (pair >= m_pairs.size())
+    if (index >= pairs.size())
         return {};
-    const QString file = m_pairs.at(pair).before;
+    const QString file = pairs.at(index).before;
     return std::async(m_before.size(file) < worthAThread ? std::launch::deferred : std::launch::async,
                       [this, file] { return contentOf(m_before, file); });
 }
