@@ -106,10 +106,13 @@ void verify(Report &report, const QString &folder)
     report.related(what, "7z t", inTurn(report.pairs(), running("7z", {"t", "-tzip", file}), ours));
     report.within(what + ", in memory", "two readings of it", inTurn(report.pairs(), reading({file, file}), ours), 1);
     const Pair fromDisk = inTurnFromDisk(report.pairs(), file, reading({file}), ours);
-    if (fromDisk.ours.milliseconds.isEmpty())
+    if (fromDisk.ours.milliseconds.isEmpty()) {
         std::printf("%s from the disk: not measured, %s is on none\n", qPrintable(what), qPrintable(file));
-    else
+    } else {
         report.within(what + ", from the disk", "one reading of it", fromDisk, 2);
+        report.told("  two readings take longer from a disk below",
+                    2 * double(QFileInfo(file).size()) / 1e3 / fromDisk.ours.median(), "MB/s");
+    }
     report.atMost("  its memory above the start", peakMemory({"verify", "--quiet", file}) - peakMemory({"--version"}),
                   "MiB", 64);
 }

@@ -808,6 +808,10 @@ void TstDiff::one_damaged_side_is_never_equal_data()
     row("packed size", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 20); });
     row("size", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 24); });
     row("local header", [=](ZipArchive &archive) { increment(archive, archive.lastLocal()); });
+    row("method", [](ZipArchive &archive) {
+        const quint16 other = archive.get16(archive.lastCentral() + 10) == 0 ? 8 : 0;
+        archive.set16(archive.lastCentral() + 10, other).set16(archive.lastLocal() + 8, other);
+    });
     row("first byte", [=](ZipArchive &archive) { increment(archive, archive.lastContent()); });
     row("type", [](ZipArchive &archive) { archive.set16(archive.lastCentral() + 40, 0120777); });
 }

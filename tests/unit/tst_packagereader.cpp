@@ -334,10 +334,8 @@ void TstPackageReader::reading_refuses_what_extracting_refuses()
 void TstPackageReader::packed_content_lies_where_the_archive_says()
 {
     const QByteArray packed = "packed ";
-    const TestData::ZipArchive archive(PackageBuilder()
-                                           .file("a.txt", packed.repeated(100))
-                                           .file("b.txt", "stored", PackageBuilder::Stored)
-                                           .build());
+    const TestData::ZipArchive archive(
+        PackageBuilder().file("a.txt", packed.repeated(100)).file("b.txt", "stored", PackageBuilder::Stored).build());
     // Bytes in front count as well.
     const QByteArray front = "front";
     QVERIFY(writeFile(m_package, front + archive.bytes));

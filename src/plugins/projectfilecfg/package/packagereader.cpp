@@ -302,8 +302,7 @@ std::optional<PackageReader::PackedContent> PackageReader::packedContent(const Q
     int level = 0;
     const Entry *entry = findReadable(entryName, nullptr);
     // Opening it is what checks its local header, and what finds its content.
-    if (!entry || !goTo(*entry) ||
-        unzGetCurrentFileInfo64(zip, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
+    if (!entry || !goTo(*entry) || unzGetCurrentFileInfo64(zip, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
         unzOpenCurrentFile2(zip, &method, &level, raw) != UNZ_OK)
         return std::nullopt;
     const PackedContent content{qint64(unzGetCurrentFileZStreamPos64(zip)), quint16(method), quint32(info.crc),

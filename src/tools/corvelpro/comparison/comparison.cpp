@@ -7,15 +7,15 @@
 #include "entrysource.h"
 #include "picturesheet.h"
 
+#include "content/oneachcore.h"
+
 #include "packagelayout.h"
 #include "picturereader.h"
 
 #include <QIODevice>
-#include <QThread>
 
 #include <algorithm>
 #include <atomic>
-#include <utility>
 #include <vector>
 
 namespace Corvelpro {
@@ -160,40 +160,30 @@ Comparison::Content Comparison::contentOf(EntrySource &side, const QString &file
     return content;
 }
 
-/// Without those whose packed bytes are equal, so that nothing more is to be found out: most, usually. Looks at several
-/// at once.
+/// Without those whose packed bytes are equal, so that nothing more is to be found out: most, usually.
 QVector<Comparison::Pair> Comparison::pairsToRead()
 {
-    using Packed = std::optional<PackedFile>;
-    std::vector<std::pair<Packed, Packed>> packed;
-    for (const Pair &pair : qAsConst(m_pairs))
-        packed.emplace_back(m_before.packed(pair.before), m_after.packed(pair.after));
-
-    // Not bool: the elements are written by different threads.
-    std::vector<char> isEqual(packed.size(), 0);
-    std::atomic<std::size_t> next{0};
-    std::atomic<qint64> passed{0};
-    const auto work = [&](bool isMainThread) {
-        for (std::size_t i = next++; i < packed.size(); i = next++) {
-            const auto &[before, after] = packed.at(i);
-            isEqual[i] = before && after && areSoundAndEqual(*before, *after) ? 1 : 0;
-            passed += isEqual[i] ? 2 * qint64(before->header.size) : 0;
-            if (isMainThread)
-                m_options.progress(passed.exchange(0));
-        }
+    struct PackedPair
+    {
+        std::optional<PackedFile> before;
+        std::optional<PackedFile> after;
+        bool isEqual = false;
     };
-    std::vector<std::future<void>> helpers;
-    for (int thread = 1; thread < QThread::idealThreadCount(); ++thread)
-        helpers.push_back(std::async(work, false));
-    work(true);
-    for (const std::future<void> &helper : helpers)
-        helper.wait();
-    m_options.progress(passed);
+    std::vector<PackedPair> packed;
+    for (const Pair &pair : qAsConst(m_pairs))
+        packed.push_back({m_before.packed(pair.before), m_after.packed(pair.after)});
+    std::atomic<qint64> passed{0};
+    const auto compare = [&](int number) {
+        PackedPair &pair = packed[std::size_t(number)];
+        pair.isEqual = pair.before && pair.after && areSoundAndEqual(*pair.before, *pair.after);
+        passed += pair.isEqual ? 2 * qint64(pair.before->header.size) : 0;
+    };
+    onEachCore(m_pairs.size(), compare, [&] { m_options.progress(passed.exchange(0)); });
 
     QVector<Pair> left;
-    for (std::size_t i = 0; i < packed.size(); ++i) {
-        if (!isEqual[i])
-            left.append(m_pairs.at(int(i)));
+    for (int i = 0; i < m_pairs.size(); ++i) {
+        if (!packed[std::size_t(i)].isEqual)
+            left.append(m_pairs.at(i));
     }
     return left;
 }

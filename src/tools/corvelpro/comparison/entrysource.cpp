@@ -48,8 +48,8 @@ public:
     std::optional<PackedFile> packed(const QString &file) override
     {
         const std::optional<PackageReader::PackedContent> content = m_reader.packedContent(nameThere(file));
-        const bool isPlain = content && (content->nMethod == EntryHeader::stored ||
-                                         content->nMethod == EntryHeader::deflated);
+        const bool isPlain =
+            content && (content->nMethod == EntryHeader::stored || content->nMethod == EntryHeader::deflated);
         if (!isPlain || content->nSize > PackageLimits::maxEntrySize ||
             content->nPackedSize > PackageLimits::maxArchiveSize)
             return std::nullopt;

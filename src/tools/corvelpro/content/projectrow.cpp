@@ -4,14 +4,16 @@
 #include "projectrow.h"
 
 #include "entrykind.h"
+#include "oneachcore.h"
 
 #include "packagereader.h"
 #include "projectlisting.h"
 #include "zippackagehandle.h"
 
 #include <QFileInfo>
-#include <QFuture>
-#include <QtConcurrentRun>
+
+#include <algorithm>
+#include <vector>
 
 namespace Corvelpro {
 
@@ -45,15 +47,11 @@ ProjectRow rowOf(const QFileInfo &file)
 QVector<ProjectRow> projectRows(const QString &directory)
 {
     const QFileInfoList packages = ProjectListing::packagesIn(directory);
-    QVector<QFuture<ProjectRow>> futures;
-    for (const QFileInfo &package : packages)
-        futures.append(QtConcurrent::run(rowOf, package));
+    std::vector<ProjectRow> found(std::size_t(packages.size()));
+    onEachCore(packages.size(), [&](int number) { found[std::size_t(number)] = rowOf(packages.at(number)); });
     QVector<ProjectRow> rows;
-    for (const QFuture<ProjectRow> &future : qAsConst(futures)) {
-        const ProjectRow row = future.result();
-        if (!row.file.isEmpty())
-            rows.append(row);
-    }
+    std::copy_if(found.begin(), found.end(), std::back_inserter(rows),
+                 [](const ProjectRow &row) { return !row.file.isEmpty(); });
     return rows;
 }
 
