@@ -804,9 +804,16 @@ void TstDiff::one_damaged_side_is_never_equal_data()
         QTest::newRow(qPrintable(QString(name) + ", deflated")) << PackageBuilder::Deflated << damage;
     };
     const auto increment = [](ZipArchive &archive, int at) { archive.set32(at, archive.get32(at) + 1); };
-    row("CRC", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 16); });
-    row("packed size", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 20); });
-    row("size", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 24); });
+    const auto inBothHeaders = [=](int inDirectory) {
+        return [=](ZipArchive &archive) {
+            increment(archive, archive.lastCentral() + inDirectory);
+            increment(archive, archive.lastLocal() + inDirectory - 2);
+        };
+    };
+    row("CRC in the directory", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 16); });
+    row("CRC", inBothHeaders(16));
+    row("packed size in the directory", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 20); });
+    row("size", inBothHeaders(24));
     row("local header", [=](ZipArchive &archive) { increment(archive, archive.lastLocal()); });
     row("method", [](ZipArchive &archive) {
         const quint16 other = archive.get16(archive.lastCentral() + 10) == 0 ? 8 : 0;
