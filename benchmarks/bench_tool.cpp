@@ -79,26 +79,27 @@ double peakMemory(const QStringList &arguments)
     return process.readAllStandardOutput().trimmed().toDouble() / 1024;
 }
 
-/// Pictures that a decoder accepts, of that size together.
-void makePictures(const QString &device, qint64 size)
+/// A package of pictures with `size` bytes of pixels together, which are noise in the bits of `noise`.
+QString packageOfPictures(const QString &folder, qint64 size, quint32 noise)
 {
+    const QString device = folder + "/device";
     constexpr int each = 1800 * 1000;
     writeFile(device + "/192.168.0.10.json", "{}");
     int number = 0;
     for (qint64 left = size; left > 0; left -= each, ++number) {
         const QString name = number < 256 ? QStringLiteral("/BKG/BKG_%1.png") : QStringLiteral("/LOGO/LOGO_%1.png");
-        writeFile(device + name.arg(number % 256), picture(each, quint32(number)));
+        writeFile(device + name.arg(number % 256), picture(each, quint32(number), noise));
     }
+    EngineerPacketInfo info = packageAt(folder + QStringLiteral("/%1.corvelpro").arg(noise));
+    require(ZipPackageHandle::compressEngineerPacket(device, info), "packing failed");
+    QDir(device).removeRecursively();
+    return info.strFilePath;
 }
 
 void verify(Report &report, const QString &folder)
 {
     const qint64 size = (report.isQuick() ? 92 : 920) * 1000LL * 1000;
-    makePictures(folder + "/device", size);
-    EngineerPacketInfo info = packageAt(folder + "/large.corvelpro");
-    require(ZipPackageHandle::compressEngineerPacket(folder + "/device", info), "packing failed");
-    QDir(folder + "/device").removeRecursively();
-    const QString file = info.strFilePath;
+    const QString file = packageOfPictures(folder, size, 0xFF);
     const QString what = "corvelpro verify, " + megabytes(QFileInfo(file).size());
     const auto ours = running(tool, {"verify", "--quiet", file});
     reading({file})();
@@ -115,6 +116,14 @@ void verify(Report &report, const QString &folder)
     }
     report.atMost("  its memory above the start", peakMemory({"verify", "--quiet", file}) - peakMemory({"--version"}),
                   "MiB", 64);
+
+    // Three random bits of eight.
+    const QString soft = packageOfPictures(folder, size / 4, 7);
+    report.related(
+        QStringLiteral("corvelpro verify, %1 of pictures packed to %2")
+            .arg(megabytes(size / 4), megabytes(QFileInfo(soft).size())),
+        "unzip -t",
+        inTurn(report.pairs(), running("unzip", {"-tqq", soft}), running(tool, {"verify", "--quiet", soft})));
 }
 
 void list(Report &report, const QString &folder)

@@ -5,6 +5,7 @@
 
 #include "comparison/comparison.h"
 #include "comparison/entrysource.h"
+#include "content/oneachcore.h"
 #include "zippackagehandle.h"
 
 #include <data/ziparchive.h>
@@ -330,6 +331,9 @@ private slots:
     void ignored_path_covers_data();
     void ignored_path_covers();
     void what_is_no_path_is_wrong_usage();
+
+    // The cores
+    void work_on_each_core_is_done_once();
 
     // The sheet
     void sheet_shows_each_changed_picture();
@@ -692,6 +696,23 @@ void TstDiff::what_is_no_path_is_wrong_usage()
     const Outcome outcome = runTool({"diff", m_a, m_a, "--ignore", "a..b"});
     QCOMPARE(outcome.code, unknown);
     QCOMPARE(outcome.messages.count('\n'), 1);
+}
+
+void TstDiff::work_on_each_core_is_done_once()
+{
+    for (const int count : {0, 1, 2, 1000}) {
+        std::vector<int> done(std::size_t(count), 0);
+        int passed = 0;
+        bool isElsewhere = false;
+        onEachCore(
+            count, [&done](int number) { ++done[std::size_t(number)]; },
+            [&, caller = QThread::currentThread()] {
+                ++passed;
+                isElsewhere = isElsewhere || QThread::currentThread() != caller;
+            });
+        QCOMPARE(std::count(done.begin(), done.end(), 1), count);
+        QVERIFY(passed > 0 && !isElsewhere);
+    }
 }
 
 void TstDiff::sheet_shows_each_changed_picture()
