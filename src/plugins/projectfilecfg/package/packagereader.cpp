@@ -67,6 +67,9 @@ struct PackageReader::Entry
 {
     unz64_file_pos position{};
     qint64 nSize = 0;
+    qint64 nPackedSize = 0;
+    quint32 nCrc = 0;
+    quint16 nMethod = 0;
     bool bOrdinary = false;
 };
 
@@ -218,6 +221,9 @@ bool PackageReader::readCurrentHeader() const
     name.truncate(int(info.size_filename));
     name.squeeze();
     entry.nSize = qint64(info.uncompressed_size);
+    entry.nPackedSize = qint64(info.compressed_size);
+    entry.nCrc = quint32(info.crc);
+    entry.nMethod = quint16(info.compression_method);
     entry.bOrdinary = isOrdinary(info, name.endsWith('/'));
     m_pDirectory->listRawNames.append(name);
     m_pDirectory->all.push_back(entry);
@@ -295,20 +301,13 @@ bool PackageReader::goTo(const Entry &entry)
 
 std::optional<PackageReader::PackedContent> PackageReader::packedContent(const QString &entryName)
 {
-    unzFile zip = m_pZip->getUnzFile();
-    unz_file_info64 info;
-    constexpr int raw = 1;
-    int method = 0;
-    int level = 0;
     const Entry *entry = findReadable(entryName, nullptr);
     // Opening it is what checks its local header, and what finds its content.
-    if (!entry || !goTo(*entry) || unzGetCurrentFileInfo64(zip, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
-        unzOpenCurrentFile2(zip, &method, &level, raw) != UNZ_OK)
+    if (!entry || !goTo(*entry) || unzOpenCurrentFile(m_pZip->getUnzFile()) != UNZ_OK)
         return std::nullopt;
-    const PackedContent content{qint64(unzGetCurrentFileZStreamPos64(zip)), quint16(method), quint32(info.crc),
-                                qint64(info.compressed_size), qint64(info.uncompressed_size)};
-    unzCloseCurrentFile(zip);
-    return content;
+    const auto offset = qint64(unzGetCurrentFileZStreamPos64(m_pZip->getUnzFile()));
+    unzCloseCurrentFile(m_pZip->getUnzFile());
+    return PackedContent{offset, entry->nMethod, entry->nCrc, entry->nPackedSize, entry->nSize};
 }
 
 namespace {
