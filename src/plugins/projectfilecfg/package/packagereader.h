@@ -61,11 +61,11 @@ public:
     /// Where an entry's packed content lies in file(), and what the archive's directory says about it.
     struct PackedContent
     {
-        qint64 nOffset = 0;
-        quint16 nMethod = 0;
-        quint32 nCrc = 0;
-        qint64 nPackedSize = 0;
-        qint64 nSize = 0;
+        qint64 nOffset;
+        quint16 nMethod;
+        quint32 nCrc;
+        qint64 nPackedSize;
+        qint64 nSize;
     };
     /// None if read() fails before the first byte of the content, but for its limit.
     std::optional<PackedContent> packedContent(const QString &entryName);
