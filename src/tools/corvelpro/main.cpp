@@ -28,8 +28,7 @@ int main(int count, char **values)
     // that decoded them.
     constexpr int largePicture = 16 * 1024 * 1024;
     mallopt(M_MMAP_THRESHOLD, largePicture);
-    // Those of smaller ones stay: giving memory back after each picture and getting it again takes longer than
-    // decoding.
+    // Those of smaller ones stay: giving memory back after each picture and getting it again takes as long as decoding.
     constexpr int smallPictures = 64 * 1024 * 1024;
     mallopt(M_TRIM_THRESHOLD, smallPictures);
     // Without it the library looks four times for each file's date whether the time zone has changed.
