@@ -3,6 +3,7 @@
 
 #include "output.h"
 
+#include "messagestream.h"
 #include "progress.h"
 
 #include <QJsonDocument>
@@ -57,7 +58,7 @@ void Output::message(const QString &text)
     if (m_progress)
         m_progress->hide();
     const QByteArray line = "corvelpro: " + printable(text).toUtf8() + '\n';
-    std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
+    std::fwrite(line.constData(), 1, size_t(line.size()), messageStream());
 }
 
 bool Output::flush()

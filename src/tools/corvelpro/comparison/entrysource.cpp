@@ -4,6 +4,7 @@
 #include "entrysource.h"
 
 #include "packagelayout.h"
+#include "packagelimits.h"
 #include "packagereader.h"
 #include "packagewriter.h"
 #include "plainfile.h"
@@ -42,6 +43,22 @@ public:
     bool read(const QString &file, QIODevice &destination, QString *reason) override
     {
         return m_reader.read(nameThere(file), destination, size(file), reason);
+    }
+
+    std::optional<PackedFile> packed(const QString &file) override
+    {
+        const std::optional<PackageReader::PackedContent> content = m_reader.packedContent(nameThere(file));
+        const bool isPlain =
+            content && (content->nMethod == EntryHeader::stored || content->nMethod == EntryHeader::deflated);
+        if (!isPlain || content->nSize > PackageLimits::maxEntrySize ||
+            content->nPackedSize > PackageLimits::maxArchiveSize)
+            return std::nullopt;
+        PackedFile packed{m_reader.file().handle(), content->nOffset, {}};
+        packed.header.method = content->nMethod;
+        packed.header.crc = content->nCrc;
+        packed.header.packedSize = quint32(content->nPackedSize);
+        packed.header.size = quint32(content->nSize);
+        return packed;
     }
 
     std::optional<Record> record() const override
@@ -88,6 +105,8 @@ public:
                             (copied == size(file) || failBecause(&cause, QStringLiteral("it became shorter")));
         return isRead || failBecause(reason, QStringLiteral("cannot read %1: %2").arg(file, cause));
     }
+
+    std::optional<PackedFile> packed(const QString &) override { return std::nullopt; }
 
     std::optional<Record> record() const override { return std::nullopt; }
 

@@ -4,7 +4,7 @@
 #include "packagesummary.h"
 
 #include "entrykind.h"
-#include "shortreason.h"
+#include "writeonlydevice.h"
 
 #include "contentscan.h"
 #include "packagelayout.h"
@@ -25,15 +25,12 @@ using namespace ProjectFileCfg::Internal;
 namespace {
 
 /// Takes the first bytes of an entry, enough for a picture's header, and refuses the rest, which ends the reading.
-class HeadDevice : public QIODevice
+class HeadDevice : public WriteOnlyDevice
 {
 public:
-    HeadDevice() { open(QIODevice::WriteOnly | QIODevice::Unbuffered); }
-
     const QByteArray &head() const { return m_head; }
 
 protected:
-    qint64 readData(char *, qint64) override { return -1; }
     qint64 writeData(const char *data, qint64 size) override
     {
         constexpr int enough = 64;
@@ -63,9 +60,7 @@ bool PackageSummary::read(const QString &path, QString *reason)
     if (!package.isOpen(reason))
         return false;
     m_record.strFilePath = path;
-    QString problem;
-    if (!ZipPackageHandle::getZipFileEngineerInfo(m_record, &problem))
-        m_problem = withoutPath(problem, path);
+    ZipPackageHandle::getZipFileEngineerInfo(package, m_record, &m_problem);
     const QStringList all = package.fileList();
     const QStringList counting = package.entries();
     m_entries = all.size();
