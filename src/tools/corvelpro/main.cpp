@@ -1,9 +1,7 @@
 // SPDX-FileCopyrightText: Velmora
 // SPDX-License-Identifier: LicenseRef-Commercial-Usage
 
-#include "commandline/command.h"
-#include "commandline/output.h"
-#include "commandline/parser.h"
+#include "commandline/program.h"
 
 #include "localecodec.h"
 
@@ -11,8 +9,6 @@
 #include <QLoggingCategory>
 
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -36,18 +32,5 @@ int main(int count, char **values)
 #endif
     const QCoreApplication application(count, values);
 
-    const Corvelpro::Request request = Corvelpro::parse(count, values);
-    if (!request.command) {
-        const QByteArray text = request.text.toUtf8();
-        std::fwrite(text.constData(), 1, size_t(text.size()), request.isUsageError ? stderr : stdout);
-        return int(request.isUsageError ? Corvelpro::ExitCode::Unknown : Corvelpro::ExitCode::Yes);
-    }
-
-    Corvelpro::Output output(request.form);
-    Corvelpro::ExitCode code = request.command->run(request.arguments, output);
-    if (!output.flush()) {
-        output.message(QStringLiteral("the result could not be written"));
-        code = Corvelpro::ExitCode::Unknown;
-    }
-    return int(code);
+    return Corvelpro::runProgram(count, values);
 }

@@ -62,15 +62,14 @@ void Output::message(const QString &text)
 
 bool Output::flush()
 {
-    m_isBroken = std::fflush(stdout) != 0 || m_isBroken;
-    return !m_isBroken;
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
 void Output::write(const QByteArray &text)
 {
     if (m_progress)
         m_progress->hide();
-    m_isBroken = std::fwrite(text.constData(), 1, size_t(text.size()), stdout) != size_t(text.size()) || m_isBroken;
+    std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
 }
 
 QString printable(const QString &text)
