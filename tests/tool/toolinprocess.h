@@ -12,42 +12,45 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <sys/mman.h>
+#include <unistd.h>
 #include <vector>
 
 namespace ToolTesting {
 
-/// Takes what is printed to a stream of the C library while it lives.
+/// Takes what this process writes to a standard stream while it lives.
 class CapturedStream
 {
 public:
-    explicit CapturedStream(FILE *&stream)
+    CapturedStream(FILE *stream, int handle)
         : m_stream(stream)
-        , m_original(stream)
+        , m_handle(handle)
     {
-        std::fflush(m_original);
-        m_stream = open_memstream(&m_bytes, &m_size);
-        if (!m_stream)
+        std::fflush(m_stream);
+        if (!m_file.open(memfd_create("captured", MFD_CLOEXEC), QIODevice::ReadOnly, QFileDevice::AutoCloseHandle) ||
+            dup2(m_file.handle(), m_handle) < 0)
             std::abort();
     }
     ~CapturedStream()
     {
-        std::fclose(m_stream);
-        m_stream = m_original;
-        std::free(m_bytes);
+        std::fflush(m_stream);
+        dup2(m_original, m_handle);
+        close(m_original);
     }
     Q_DISABLE_COPY(CapturedStream)
 
-    QByteArray bytes() const
+    QByteArray bytes()
     {
         std::fflush(m_stream);
-        return QByteArray(m_bytes, int(m_size));
+        m_file.seek(0);
+        return m_file.readAll();
     }
 
 private:
-    FILE *&m_stream;
-    FILE *const m_original;
-    char *m_bytes = nullptr;
-    std::size_t m_size = 0;
+    FILE *const m_stream;
+    const int m_handle;
+    const int m_original = dup(m_handle);
+    QFile m_file;
 };
 
 /// Runs the tool in this process: hooks and limits of the test hold for it, and no process has to start.
@@ -59,8 +62,8 @@ inline Outcome runInProcess(const QStringList &arguments)
     std::vector<const char *> values;
     for (const QByteArray &word : words)
         values.push_back(word.constData());
-    const CapturedStream out(stdout);
-    const CapturedStream messages(stderr);
+    CapturedStream out(stdout, STDOUT_FILENO);
+    CapturedStream messages(stderr, STDERR_FILENO);
     Outcome outcome;
     outcome.code = Corvelpro::runProgram(int(values.size()), values.data());
     outcome.out = out.bytes();
