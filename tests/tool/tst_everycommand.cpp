@@ -17,6 +17,7 @@ using Corvelpro::Command;
 using Corvelpro::commandTable;
 using Corvelpro::Option;
 using Corvelpro::Positional;
+using PackageTesting::OrdinaryUser;
 
 namespace {
 
@@ -54,15 +55,15 @@ private:
 };
 
 /// What can be at a path that is meant for something else.
-enum Thing { Nothing, File, Folder, Pipe, Socket, Device };
+enum Thing { Nothing, File, Folder, Pipe, Socket, Device, BrokenLink };
 
 struct NamedThing
 {
     Thing thing;
     const char *name;
 };
-constexpr NamedThing things[] = {{Nothing, "nothing"}, {File, "file"},     {Folder, "folder"},
-                                 {Pipe, "pipe"},       {Socket, "socket"}, {Device, "device"}};
+constexpr NamedThing things[] = {{Nothing, "nothing"}, {File, "file"},     {Folder, "folder"},         {Pipe, "pipe"},
+                                 {Socket, "socket"},   {Device, "device"}, {BrokenLink, "broken link"}};
 
 bool makeSocket(const QByteArray &path)
 {
@@ -94,6 +95,8 @@ bool make(Thing thing, const QString &path)
         return makeSocket(name);
     case Device:
         return QFile::link("/dev/null", path);
+    case BrokenLink:
+        return QFile::link("gone", path);
     }
     return false;
 }
@@ -116,7 +119,6 @@ class TstEveryCommand : public QObject
     Q_OBJECT
 
 private slots:
-    void version_is_one_line();
     void help_has_all_arguments_data() { addCommands(); }
     void help_has_all_arguments();
     void result_is_lines_or_one_document_data() { addCommands(); }
@@ -129,6 +131,8 @@ private slots:
     void unwritable_result_is_an_error();
     void wrong_things_are_told_in_one_line_data();
     void wrong_things_are_told_in_one_line();
+    void unreadable_things_are_told_in_one_line_data() { addCommands(); }
+    void unreadable_things_are_told_in_one_line();
     void options_replace_nothing_data();
     void options_replace_nothing();
 
@@ -148,14 +152,6 @@ const Command &TstEveryCommand::command() const
 {
     const int row = *static_cast<int *>(QTest::qData("row", QMetaType::Int));
     return commandTable().at(row);
-}
-
-void TstEveryCommand::version_is_one_line()
-{
-    const Outcome outcome = runTool({"--version"});
-    QCOMPARE(outcome.code, yes);
-    QVERIFY2(QRegularExpression("^corvelpro \\d+\\.\\d+\\.\\d+\n$").match(outcome.out).hasMatch(), outcome.out);
-    QCOMPARE(outcome.messages, QByteArray());
 }
 
 void TstEveryCommand::help_has_all_arguments()
@@ -275,6 +271,25 @@ void TstEveryCommand::wrong_things_are_told_in_one_line()
     QCOMPARE(stateOf(wrong), state);
     QCOMPARE(namesIn(place.root()), names);
     QCOMPARE(namesIn(place.path("stick")), QStringList());
+}
+
+void TstEveryCommand::unreadable_things_are_told_in_one_line()
+{
+    for (int position = 0; position < command().positionals.size(); ++position) {
+        const Workplace place;
+        const QStringList words = place.words(command());
+        const QString path = words.at(1 + position);
+        QVERIFY(chmod(QFile::encodeName(place.root()).constData(), 0777) == 0);
+        if (!QFileInfo::exists(path))
+            continue;
+        QVERIFY(chmod(QFile::encodeName(path).constData(), 0) == 0);
+        const OrdinaryUser user;
+        const Outcome outcome = runInProcess(words);
+        QCOMPARE(outcome.code, unknown);
+        QCOMPARE(outcome.out, QByteArray());
+        QCOMPARE(outcome.messages.count('\n'), 1);
+        QVERIFY2(outcome.messages.contains(QFile::encodeName(path)), outcome.messages);
+    }
 }
 
 void TstEveryCommand::options_replace_nothing_data()

@@ -25,10 +25,11 @@ public:
                           {"BKG/BKG_1.png", TestData::PngMaker::blank(40, 30)},
                           {"Preset/", {}},
                           {"Preset/1.RPst", QByteArray("\0\0\0\3abc", 7)}};
-        const bool isWritten = QDir().mkpath(path("folder")) && QDir().mkpath(path("stick")) &&
-                               writePackage(path("show.corvelpro"), files, "old") &&
-                               writePackage(path("folder/show.corvelpro"), files, "old") &&
-                               writeDirectory(path("device"), files);
+        // The same under another name, for what compares two.
+        const bool isWritten =
+            QDir().mkpath(path("folder")) && QDir().mkpath(path("stick")) &&
+            writePackage(path("show.corvelpro"), files, "old") && writePackage(path("same.corvelpro"), files, "old") &&
+            writePackage(path("folder/show.corvelpro"), files, "old") && writeDirectory(path("device"), files);
         if (!isWritten)
             qFatal("No workplace");
     }
@@ -51,8 +52,10 @@ public:
             return path("stick");
         if (name == "DIR")
             return path("folder");
-        if (name == "FILE" || name == "A" || name == "B")
+        if (name == "FILE" || name == "A")
             return path("show.corvelpro");
+        if (name == "B")
+            return path("same.corvelpro");
         return path("new.png");
     }
 
