@@ -4,6 +4,8 @@
 #include "toolinprocess.h"
 #include "workplace.h"
 
+#include "commandline/jsontext.h"
+
 #include <support/testmain.h>
 
 #include <QJsonArray>
@@ -68,6 +70,7 @@ private slots:
     void init();
     void printed_keys_are_those_documented_data();
     void printed_keys_are_those_documented();
+    void documents_are_indented_as_usual();
 
 private:
     QScopedPointer<Workplace> m_place;
@@ -135,6 +138,17 @@ void TstJsonKeys::printed_keys_are_those_documented()
         collect(runInProcess(QStringList{command.name, "--json"} + words).json(), QString(), printed);
     QVERIFY(!printed.isEmpty());
     QCOMPARE(sorted(printed), sorted(documentedKeys(command.name)));
+}
+
+void TstJsonKeys::documents_are_indented_as_usual()
+{
+    const QJsonObject object{
+        {"empty", QJsonObject()},
+        {"none", QJsonArray()},
+        {"a \"b\"\n", QJsonArray{1, 0.5, "演出", QJsonValue(), true, QJsonArray{QJsonObject{{"x", -1}}}}}};
+    QCOMPARE(Corvelpro::jsonDocument(object), QJsonDocument(object).toJson());
+    QCOMPARE(Corvelpro::jsonText(object).toUtf8(), QJsonDocument(object).toJson(QJsonDocument::Compact));
+    QCOMPARE(Corvelpro::jsonDocument({}), QJsonDocument(QJsonObject()).toJson());
 }
 
 TEST_MAIN_CORE(TstJsonKeys)

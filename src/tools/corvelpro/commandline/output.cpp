@@ -3,9 +3,9 @@
 
 #include "output.h"
 
+#include "jsontext.h"
 #include "progress.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -49,7 +49,7 @@ void Output::line(const QString &text)
 void Output::json(const QJsonObject &result)
 {
     if (m_form == Form::Json)
-        write(QJsonDocument(result).toJson());
+        write(jsonDocument(result));
 }
 
 void Output::message(const QString &text)
