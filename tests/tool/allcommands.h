@@ -5,30 +5,28 @@
 
 #include "toolinprocess.h"
 
+#include "commandline/command.h"
 #include "packagereader.h"
 
 #include <data/hostilepackages.h>
 
+#include <QByteArrayList>
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <functional>
 
 namespace ToolTesting {
 
-/// Sends one package after the other through every command that reads, copies, extracts, edits or packs, in a folder
-/// of its own. Only its "out" may change, and "edited" by an edit.
+/// Sends one package after the other through every command, in a folder of its own. Only its "out" may change, and
+/// "edited" by an edit.
 class AllCommands
 {
 public:
-    using Runner = std::function<Outcome(const QStringList &words)>;
-
     /// `root` is empty, and stays the current directory's parent.
-    explicit AllCommands(const QString &root, const Runner &runner = runInProcess)
+    explicit AllCommands(const QString &root)
         : m_root(root)
-        , m_runner(runner)
     {
         for (const char *folder : {"in", "out", "edited", "victim", "current"})
             require(QDir(m_root).mkdir(QLatin1String(folder)), "a folder can be made");
@@ -57,6 +55,7 @@ public:
         extractAll();
         copy();
         edit();
+        runOthers();
         require(namesIn("out").filter(".part").isEmpty(), "nothing unfinished is left");
         return m_complaint;
     }
@@ -104,7 +103,7 @@ private:
         m_command = words.join(' ').toUtf8();
         if (m_isJson)
             words.insert(1, "--json");
-        const Outcome outcome = m_runner(words);
+        const Outcome outcome = runInProcess(words);
         require(outcome.code >= yes && outcome.code <= unknown, "the exit code is 0, 1 or 2");
         require(outcome.code != unknown || !outcome.messages.isEmpty(), "a failure has a message");
         require(isPrintable(outcome.messages) && (m_isJson || isPrintable(outcome.out)),
@@ -184,8 +183,24 @@ private:
         require(!isEdited || run({"check", path("edited/b.corvelpro")}) == yes, "what was edited is valid");
     }
 
+    /// Commands that came later, with what their arguments are called.
+    void runOthers()
+    {
+        const QByteArrayList known{"list", "info",    "check",  "verify", "doctor",
+                                   "diff", "extract", "create", "edit",   "copy"};
+        for (const Corvelpro::Command &command : Corvelpro::commandTable()) {
+            if (known.contains(command.name))
+                continue;
+            Words words{command.name};
+            for (const Corvelpro::Positional &positional : command.positionals) {
+                const QByteArray name = positional.name;
+                words.append(path(name == "FILE" ? "in/a.corvelpro" : name == "DIR" ? "in" : "out/new.png"));
+            }
+            run(words);
+        }
+    }
+
     const QString m_root;
-    const Runner m_runner;
     QByteArray m_package;
     bool m_isJson = false;
     QByteArray m_command;
