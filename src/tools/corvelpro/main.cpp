@@ -1,25 +1,43 @@
 // SPDX-FileCopyrightText: Velmora
 // SPDX-License-Identifier: LicenseRef-Commercial-Usage
 
-#include "commandline/command.h"
 #include "commandline/messagestream.h"
-#include "commandline/output.h"
-#include "commandline/parser.h"
+#include "commandline/program.h"
 
 #include "localecodec.h"
 
 #include <QCoreApplication>
 
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
 
+namespace {
+
+/// A standard stream that the caller has closed would become the next file that is opened, and what is printed would go
+/// there. What stands in for it refuses to be written to, so that a result that nobody gets is noticed.
+void occupyStandardStreams()
+{
+#ifdef Q_OS_UNIX
+    int handle = STDIN_FILENO;
+    while (handle >= 0 && handle <= STDERR_FILENO)
+        handle = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (handle > STDERR_FILENO)
+        ::close(handle);
+#endif
+}
+
+} // namespace
+
 int main(int count, char **values)
 {
+    occupyStandardStreams();
     // The names in a package are UTF-8, whatever the terminal's locale is.
     ProjectFileCfg::Internal::useUtf8LocaleCodec();
     Corvelpro::silenceLibraries();
@@ -41,19 +59,5 @@ int main(int count, char **values)
 #endif
     const QCoreApplication application(count, values);
 
-    const Corvelpro::Request request = Corvelpro::parse(count, values);
-    if (!request.command) {
-        const QByteArray text = request.text.toUtf8();
-        std::fwrite(text.constData(), 1, size_t(text.size()),
-                    request.isUsageError ? Corvelpro::messageStream() : stdout);
-        return int(request.isUsageError ? Corvelpro::ExitCode::Unknown : Corvelpro::ExitCode::Yes);
-    }
-
-    Corvelpro::Output output(request.form);
-    Corvelpro::ExitCode code = request.command->run(request.arguments, output);
-    if (!output.flush()) {
-        output.message(QStringLiteral("the result could not be written"));
-        code = Corvelpro::ExitCode::Unknown;
-    }
-    return int(code);
+    return Corvelpro::runProgram(count, values);
 }

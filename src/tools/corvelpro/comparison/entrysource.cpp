@@ -136,6 +136,9 @@ EntrySource::~EntrySource() = default;
 void EntrySource::add(const QString &entryName)
 {
     const QString name = PackageLayout::plainName(entryName);
+    // The directory itself, which both sides have.
+    if (name == QLatin1String("./"))
+        return;
     // An unsafe name cannot be read. It may have thousands of levels, which would need a gigabyte here.
     const bool isSafe = PackageLayout::isSafeName(name);
     for (int end = name.indexOf(QLatin1Char('/')); isSafe && end >= 0; end = name.indexOf(QLatin1Char('/'), end + 1))

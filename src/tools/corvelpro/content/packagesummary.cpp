@@ -95,10 +95,12 @@ void PackageSummary::readDescription(PackageReader &package)
         m_descriptionProblem = error.error == QJsonParseError::NoError
                                    ? QStringLiteral("it is too large, or no JSON object")
                                    : QStringLiteral("it is not JSON: %1").arg(error.errorString());
-    const QJsonObject object = document.object();
-    for (auto member = object.begin(); member != object.end(); ++member) {
-        if (!member->isArray() && !member->isObject())
-            m_members.insert(member.key(), *member);
+    // Removed, not collected: QJsonObject::insert() rounds integers above 2^53.
+    m_members = document.object();
+    for (const QString &name : m_members.keys()) {
+        const QJsonValue value = m_members.value(name);
+        if (value.isArray() || value.isObject())
+            m_members.remove(name);
     }
 }
 
