@@ -17,7 +17,8 @@ function(_describe component package summary description)
     set(CPACK_COMPONENT_${upper}_DESCRIPTION "${summary}\n${description}" PARENT_SCOPE)
     set(folder "${CMAKE_INSTALL_DATADIR}/doc/${package}")
     install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" RENAME copyright DESTINATION "${folder}" COMPONENT ${component})
-    install(FILES "${PROJECT_BINARY_DIR}/changelog.gz" DESTINATION "${folder}" COMPONENT ${component})
+    install(FILES "${PROJECT_BINARY_DIR}/changelog.gz" "${PROJECT_SOURCE_DIR}/THIRD-PARTY.md"
+        DESTINATION "${folder}" COMPONENT ${component})
 endfunction()
 
 # Debian's own tools want the changes of a package beside its licence.
@@ -42,7 +43,7 @@ _describe(doc projectfilecfg-doc "plugin that keeps device configurations in pro
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/projectfilecfg-doc"
     COMPONENT doc)
-install(FILES README.md THIRD-PARTY.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/projectfilecfg-doc"
+install(FILES README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/projectfilecfg-doc"
     COMPONENT doc)
 
 set(CPACK_GENERATOR DEB)

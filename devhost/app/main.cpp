@@ -59,7 +59,7 @@ int main(int argc, char *argv[])
 {
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("devhost"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("2.0.0"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(DEVHOST_VERSION));
 
     Program::Options options = Program::defaultOptions();
     QCommandLineParser parser;

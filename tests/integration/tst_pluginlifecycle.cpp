@@ -201,7 +201,7 @@ void TstPluginLifecycle::the_metadata_orders_it_after_its_dependencies()
     start();
     const PluginSpec *spec = m_manager->plugin("projectfilecfg");
     QCOMPARE(spec->state(), PluginSpec::Running);
-    QCOMPARE(spec->version(), QString("2.0.0"));
+    QCOMPARE(spec->version(), QString(PLUGIN_VERSION));
     QVERIFY(spec->isRequired());
     QStringList order;
     for (const PluginSpec *one : m_manager->loadOrder())

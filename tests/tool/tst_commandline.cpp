@@ -35,7 +35,7 @@ void TstCommandLine::version_is_printed()
 {
     const Outcome outcome = runTool({"--version"});
     QCOMPARE(outcome.code, yes);
-    QCOMPARE(outcome.out, QByteArray("corvelpro 2.0.0\n"));
+    QCOMPARE(outcome.out, QByteArray("corvelpro " CORVELPRO_VERSION "\n"));
 }
 
 void TstCommandLine::wrong_usage_is_explained_on_stderr_data()

@@ -20,6 +20,7 @@ namespace Internal {
 class PictureReadAhead
 {
 public:
+    /// A picture of the package, and whether it can be sent.
     struct Picture
     {
         PackagedPicture packaged;

@@ -19,6 +19,7 @@ class NewProject
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
+    /// What the operator accepted.
     struct Properties
     {
         QString strName;

@@ -21,6 +21,7 @@ class PanelLayout
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
+    /// The widgets to lay out, all there; the panel owns them.
     struct Widgets
     {
         QLabel *pDeviceLabel;
