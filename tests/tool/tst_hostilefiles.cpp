@@ -8,16 +8,19 @@
 #include "copying/verifiedcopy.h"
 #include "making/extraction.h"
 #include "making/packagemaking.h"
+#include "making/projectthumbnail.h"
 #include "zippackagehandle.h"
 
 #include <data/hostilepackages.h>
 
+#include <QImage>
 #include <QTemporaryDir>
 
 using namespace ToolTesting;
 using Corvelpro::Comparison;
 using Corvelpro::EntrySource;
 using Corvelpro::Extraction;
+using Corvelpro::ProjectThumbnail;
 using Corvelpro::VerifiedCopy;
 using ProjectFileCfg::Internal::EngineerPacketInfo;
 using ProjectFileCfg::Internal::ZipPackageHandle;
@@ -34,6 +37,7 @@ private slots:
 private:
     void compareWithItself();
     void extract();
+    void drawThumbnail();
     void copyAndEdit();
 
     QScopedPointer<QTemporaryDir> m_dir;
@@ -50,8 +54,8 @@ void TstHostileFiles::packages_do_no_harm()
         if (package.libraryLeaks)
             continue;
         QVERIFY(writeFile(m_package, package.bytes()));
-        for (const auto step :
-             {&TstHostileFiles::compareWithItself, &TstHostileFiles::extract, &TstHostileFiles::copyAndEdit}) {
+        for (const auto step : {&TstHostileFiles::compareWithItself, &TstHostileFiles::extract,
+                                &TstHostileFiles::drawThumbnail, &TstHostileFiles::copyAndEdit}) {
             (this->*step)();
             if (QTest::currentTestFailed())
                 QFAIL(package.name);
@@ -82,6 +86,20 @@ void TstHostileFiles::extract()
     const bool isExtracted = Extraction(m_package, target, QString()).run().isDone();
     QCOMPARE(QFileInfo::exists(target), isExtracted);
     QVERIFY(!isExtracted || QDir(target).removeRecursively());
+}
+
+void TstHostileFiles::drawThumbnail()
+{
+    const int side = 64;
+    const QString target = m_dir->filePath("a.png");
+    ProjectThumbnail thumbnail(m_package, target);
+    const bool isDone = thumbnail.draw(side).isDone();
+    QCOMPARE(QFile::exists(target), isDone);
+    if (isDone) {
+        const QSize size = QImage(target).size();
+        QVERIFY(!size.isEmpty() && size.width() <= side && size.height() <= side);
+        QVERIFY(QFile::remove(target));
+    }
 }
 
 void TstHostileFiles::copyAndEdit()

@@ -26,6 +26,10 @@ public:
     /// names no path.
     QSize size(QString *reason = nullptr) const;
 
+    /// Has read() reduce a larger picture to these bounds, in its proportions, while it decodes: of most PNG files only
+    /// the reduced picture is ever in memory.
+    void fitInto(const QSize &bounds);
+
     /// The picture as QImage::Format_ARGB32. Null if it cannot be read completely, or if that would take more memory
     /// than PackageLimits::maxPictureMemory.
     QImage read(QString *reason = nullptr);
