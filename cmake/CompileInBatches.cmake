@@ -11,7 +11,8 @@ function(compile_in_batches)
         get_target_property(folder ${target} SOURCE_DIR)
         list(FILTER sources INCLUDE REGEX "^[^$]*\\.cpp$")
         list(TRANSFORM sources PREPEND "${folder}/")
-        execute_process(COMMAND "${PYTHON3}" -B "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../scripts/lint-sources" --batches ${sources}
+        execute_process(
+            COMMAND "${PYTHON3}" -B "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../scripts/lint-sources" --batches ${sources}
             OUTPUT_VARIABLE batches OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE result)
         if(NOT result EQUAL 0)
             message(FATAL_ERROR "scripts/lint-sources --batches failed for ${target}")
