@@ -45,7 +45,8 @@ void append(QByteArray &text, const QJsonValue &value, int indent)
     text += value.isArray() ? '[' : '{';
     if (isIndented)
         text += '\n';
-    for (const QJsonValue &element : value.toArray()) {
+    const QJsonArray array = value.toArray();
+    for (const QJsonValue &element : array) {
         begin();
         append(text, element, inner);
     }
