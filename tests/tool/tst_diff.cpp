@@ -312,7 +312,7 @@ private slots:
     void directory_can_be_either_side();
     void changes_are_printed_line_by_line();
     void undecodable_pictures_are_compared_by_bytes();
-    void descriptions_that_are_no_json_are_compared_by_bytes();
+    void non_json_descriptions_are_compared_by_bytes();
     void numbers_are_compared_exactly();
     void many_changed_members_are_counted();
 
@@ -513,7 +513,7 @@ void TstDiff::undecodable_pictures_are_compared_by_bytes()
     QCOMPARE(compared(m_a, m_b), QStringList{Line::bytes("BKG/BKG_1.png", size, size / 2, size / 2, 0)});
 }
 
-void TstDiff::descriptions_that_are_no_json_are_compared_by_bytes()
+void TstDiff::non_json_descriptions_are_compared_by_bytes()
 {
     Files files = sampleFiles();
     const QByteArray old = files[descriptionName];

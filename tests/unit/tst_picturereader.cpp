@@ -27,7 +27,7 @@ private slots:
     void pixels_above_the_limit_are_not_read();
     void texts_are_counted_data();
     void texts_are_counted();
-    void a_file_above_256_MiB_is_not_read();
+    void file_above_256_mib_is_not_read();
     void non_png_has_no_size_data();
     void non_png_has_no_size();
     void a_missing_picture_has_no_size();
@@ -134,7 +134,7 @@ void TstPictureReader::texts_are_counted()
     QCOMPARE(PictureReader(write(png + chunks)).size(), QSize(16, 9));
 }
 
-void TstPictureReader::a_file_above_256_MiB_is_not_read()
+void TstPictureReader::file_above_256_mib_is_not_read()
 {
     const QString path = write(PngMaker::blank(16, 9));
     const qint64 most = 256 * MiB;

@@ -103,7 +103,7 @@ QString recordOf(const EngineerPacketInfo &info)
     return QString::fromUtf8(QJsonDocument(record).toJson());
 }
 
-/// Appends the record to the archive in `package`, which has no comment yet, and sets its checksum in `info`.
+/// Appends the record to the archive in `package`, which has no comment yet. Sets the checksum in `info`.
 bool writeRecord(ReplacingFile &package, EngineerPacketInfo &info, QString *reason)
 {
     const auto cannotWrite = [&info, reason](const QString &cause) {
@@ -168,7 +168,7 @@ bool editArchiveComment(
     if (!package.open(reason))
         return false;
     const ArchiveComment old(package.file());
-    // The zip library must see the very comment that is to be replaced.
+    // The zip library must find the same comment as ArchiveComment.
     const PackageReader reader(packetPath);
     if (!reader.isOpen(reason))
         return false;
@@ -249,7 +249,7 @@ bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath, QString *r
     return checkPacketChecksum(PackageReader(packetPath), &cause) || failWith(reason, packetPath, cause);
 }
 
-// Compares the value as the record has it, without throughUtf8(): stricter than isValidEngineerPacket().
+// Compares the unconverted value, without throughUtf8(): stricter than isValidEngineerPacket().
 bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package, QString *reason)
 {
     if (!package.isOpen(reason))
@@ -293,7 +293,8 @@ bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info, QString *reason
 {
     EngineerPacketInfo edited = info;
     const auto record = [&edited](QFile &package, const ArchiveComment &old) -> std::optional<QByteArray> {
-        // A record has the same length with any checksum, and its length is all of it that the checksum can cover.
+        // The length of the record does not depend on the checksum, and of the record, the checksum can cover only the
+        // length.
         edited.strChecksum = QString(checksumDigits, QLatin1Char('0'));
         const QByteArray end = old.endRecordWith(recordOf(edited).toUtf8());
         bool isComplete = false;

@@ -25,8 +25,8 @@ PictureScan PictureReader::scanOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? scanOf(file) : PictureScan();
 }
 
-// No auto-detection in either: PictureScan knows the limits of PNG only, and a decoder of another format would bypass
-// them.
+// No auto-detection in either reader: PictureScan checks PNG files only, and a decoder of another format would bypass
+// its limits.
 PictureReader::PictureReader(const QString &path)
     : m_reader(path, "png")
     , m_scan(scanOf(path))

@@ -13,20 +13,20 @@ namespace Corvelpro {
 
 class Output;
 
-/// How an operation that makes or changes a file ended.
+/// The outcome of an operation that creates or changes a file.
 struct Outcome
 {
     ExitCode code = ExitCode::Yes;
-    /// Why it was not done, with the path that it is about; empty if it was done.
+    /// Why it was not done, with the path; empty if it was done.
     QString reason;
 
     bool isDone() const { return code == ExitCode::Yes; }
     /// "done", "refused" or "failed".
     QString word() const;
 
-    /// Nothing was done, since a rule of the tool is against it.
+    /// Nothing was done, because a rule of the tool forbids it.
     static Outcome refused(const QString &reason) { return {ExitCode::No, reason}; }
-    /// Reading or writing failed, or the command line makes no sense.
+    /// Reading or writing failed, or the command line is wrong.
     static Outcome failed(const QString &reason) { return {ExitCode::Unknown, reason}; }
 };
 
@@ -37,7 +37,7 @@ ExitCode finish(Output &output, const Outcome &outcome, const QString &line, QJs
 QString whyNoPlainFile(const QString &path);
 /// Fails if there is none.
 Outcome wantPlainFile(const QString &path);
-/// Refuses a path that something has already, a broken link included.
+/// Refuses a path at which anything exists, even a broken link.
 Outcome wantFreeName(const QString &path);
 
 } // namespace Corvelpro

@@ -19,9 +19,10 @@ class PackageReader;
 
 namespace Corvelpro {
 
-/// Reads a package to its last byte and looks for everything that damages can have left. Only reads. Main thread.
+/// Reads a package to its last byte and looks for every trace of damage. Only reads. Main thread.
 ///
-/// What no number in a package covers cannot be found: a change in the record's name and comment, in an entry's rights.
+/// Cannot find changes that no checksum in the package covers: in the record's name and comment, or in an entry's
+/// permissions.
 class Verification
 {
 public:

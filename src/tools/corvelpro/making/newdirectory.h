@@ -7,8 +7,8 @@
 
 namespace Corvelpro {
 
-/// A directory that appears under its name only when it is complete. Until then it is a hidden one beside it, with a
-/// name like that of an unfinished file (see ReplacingFile); only a killed process leaves that behind.
+/// A directory that gets its name only when it is complete. Until then it is hidden, in the same folder, with a name
+/// like that of a fragment (see ReplacingFile); only a killed process leaves that behind.
 ///
 /// A `reason` is set on failure.
 class NewDirectory
