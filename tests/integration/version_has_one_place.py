@@ -19,6 +19,9 @@ OTHER_VERSIONS = (
     # The plugins that depend on the product, and those on which it depends, ask for these.
     (r"(src/plugins/projectfilecfg/projectfilecfg\.json\.in|tests/integration/plugin_metadata\.json)",
      r'"CompatVersion": |"Name": "(core|navigationbar|settingcfg)", "Version": '),
+    (r"docs/integrating\.md", r'`core` |`CompatVersion`|needs plugin "core"|find_package\(Host '),
+    (r"src/plugins/projectfilecfg/host/host\.cmake", r"find_package\(Host "),
+    (r"tests/integration/tst_pluginlifecycle\.cpp", r'needs plugin \\"core\\"'),
     # The host that the development host stands in for has a version of its own, as have the tests' plugins.
     (r"devhost/plugins/\w+/\w+\.json", r'"(Compat)?Version": '),
     (r"tests/devhost/fixtures/.*", r'\\"(Compat)?Version\\": '),
