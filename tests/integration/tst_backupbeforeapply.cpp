@@ -42,7 +42,6 @@ private slots:
     void without_an_active_device_nothing_waits();
     void a_late_cancel_of_the_backup_prevents_applying();
     void cancelling_after_a_backup_cancels_once();
-    void cancel_reaches_the_backed_up_device();
     void restoring_the_window_changes_no_target_data();
     void restoring_the_window_changes_no_target();
 };
@@ -271,25 +270,6 @@ void TstBackupBeforeApply::cancelling_after_a_backup_cancels_once()
     waitForEndOfLoad();
     VERIFY_BOOK();
     QCOMPARE(Journal::instance()->count(cancelCurrentTask), 1);
-}
-
-void TstBackupBeforeApply::cancel_reaches_the_backed_up_device()
-{
-    list(packageOf(plainDevice(sourceIp)));
-    selectDevice(secondIp);
-    Faults::instance()->arm(serailize, Fault::run([this] {
-                                onMainThread([this] {
-                                    // Selects the active device.
-                                    (*m_panel)->hide();
-                                    (*m_panel)->show();
-                                });
-                            }));
-    Faults::instance()->arm(serailize, cancelling());
-    apply(QMessageBox::Yes);
-    QTRY_VERIFY(hasJobEnded());
-    settle();
-    VERIFY_BOOK();
-    QCOMPARE(journalArguments(cancelOperator, "ip"), QVariantList{secondIp});
 }
 
 void TstBackupBeforeApply::restoring_the_window_changes_no_target_data()

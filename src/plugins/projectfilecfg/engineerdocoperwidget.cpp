@@ -237,14 +237,13 @@ void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInf
 
 void EngineerDocOperWidget::slot_cancelOperator()
 {
-    // The job's device, since another one may be selected by now.
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        DeviceOperations::cancelLoad(DeviceOperations::find(m_pDocLoad->deviceIp()));
+        DeviceOperations::cancelLoad(DeviceOperations::find(m_strDeviceIP));
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        DeviceOperations::cancelSave(DeviceOperations::find(m_pDocBackup->deviceIp()));
+        DeviceOperations::cancelSave(DeviceOperations::find(m_strDeviceIP));
     }
 }
 
