@@ -85,4 +85,5 @@ function(use_qt_headers)
     endforeach()
 endfunction()
 
+include(CompileInBatches)
 include(HostTargets)

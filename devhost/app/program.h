@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QSize>
+#include <QStringList>
 
 #include <memory>
 
@@ -34,6 +35,8 @@ public:
         QSize windowSize;
         /// In pixels; 0 for that of the desktop.
         int textSize = 0;
+        /// Project files to open; absolute paths.
+        QStringList files;
     };
 
     /// The defaults for a start without arguments; directories are relative to the program's location.
@@ -54,6 +57,7 @@ public:
     HX::ExtensionSystem::PluginManager &plugins() { return *m_plugins; }
 
 private:
+    bool hasProjectFiles();
     bool makeDirectories();
     bool startSession();
     bool startPlugins();

@@ -5,7 +5,24 @@
 
 #include "ingredients.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 namespace TestData {
+
+namespace {
+
+Bytes contentOf(const QString &path)
+{
+    return [path] {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("%s: %s", qPrintable(path), qPrintable(file.errorString()));
+        return file.readAll();
+    };
+}
+
+} // namespace
 
 QVector<HostilePackage> hostilePackages()
 {
@@ -24,6 +41,11 @@ QVector<HostilePackage> hostilePackages()
     corpus.addAliases();
     corpus.addLargeNumbers();
     corpus.addOtherWriters();
+    const QString folder = qEnvironmentVariable(writtenPackages);
+    if (QFileInfo::exists(folder)) {
+        for (HostilePackage &package : corpus.packages)
+            package.bytes = contentOf(folder + QLatin1Char('/') + QString::fromLatin1(package.name));
+    }
     return corpus.packages;
 }
 

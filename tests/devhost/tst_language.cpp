@@ -136,8 +136,8 @@ void TstLanguage::selecting_the_current_language_changes_nothing()
 
 void TstLanguage::plugin_without_texts_is_reported_by_name()
 {
-    TestSupport::ExpectMessage host(QtWarningMsg, QRegularExpression(QStringLiteral("no texts of the host in \"fr\"")),
-                                    1);
+    TestSupport::ExpectMessage host(
+        QtWarningMsg, QRegularExpression(QStringLiteral("no texts of the host in \"fr\".*devhost_fr.qm")), 1);
     TestSupport::ExpectMessage warning(QtWarningMsg,
                                        QRegularExpression(QStringLiteral("\"Mute\" has no texts in \"fr\"")), 1);
     Plugin plugin;

@@ -20,9 +20,11 @@ file(GLOB_RECURSE stray "${WORK}/host/*projectfilecfg*" "${WORK}/host/*_p.h")
 if(stray)
     message(FATAL_ERROR "These are no part of the host or its SDK: ${stray}")
 endif()
-# Whether it compiles does not depend on debug information, which takes long to write.
+# Whether it compiles depends neither on debug information nor on the number of sources compiled at a time. That each
+# includes what it needs is for sources_include_what_they_name.
 run("${CMAKE_COMMAND}" -S "${PRODUCT}" -B "${WORK}/build" -G "${GENERATOR}" -D CMAKE_BUILD_TYPE=Debug
-    -D "CMAKE_CXX_FLAGS_DEBUG=-O0" -D "CMAKE_CXX_COMPILER=${COMPILER}" -D "CMAKE_PREFIX_PATH=${WORK}/host")
+    -D "CMAKE_CXX_FLAGS_DEBUG=-O0" -D "CMAKE_CXX_COMPILER=${COMPILER}" -D "CMAKE_PREFIX_PATH=${WORK}/host"
+    -D "CMAKE_PROJECT_projectfilecfg_INCLUDE=${CMAKE_CURRENT_LIST_DIR}/standalone_batches.cmake")
 run("${CMAKE_COMMAND}" --build "${WORK}/build")
 run("${CMAKE_COMMAND}" --install "${WORK}/build" --prefix "${WORK}/host")
 file(GLOB_RECURSE plugin "${WORK}/host/*/libprojectfilecfg.so")

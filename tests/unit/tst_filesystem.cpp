@@ -168,6 +168,7 @@ private slots:
     void a_file_is_known_without_a_handle();
     void an_identity_gives_its_handle_back();
     void readers_wait_for_a_writer_only();
+    void folder_has_one_lock();
     void the_time_is_kept_to_the_nanosecond();
     void content_is_shared_where_the_file_system_does();
     void folder_created_by_others_counts_as_created();
@@ -720,6 +721,18 @@ void TstFileSystem::readers_wait_for_a_writer_only()
     QVERIFY(FileSystem::lock(one.handle()));
     // A file system without locks has nobody to wait for.
     QVERIFY(FileSystem::lock(-1) && FileSystem::lockToRead(-1));
+}
+
+void TstFileSystem::folder_has_one_lock()
+{
+    const QTemporaryDir dir;
+    {
+        const FileSystem::Folder first(dir.path());
+        const FileSystem::Folder second(dir.path());
+        QVERIFY(first.lock());
+        QVERIFY(!second.lock());
+    }
+    QVERIFY(FileSystem::Folder(dir.path()).lock());
 }
 
 void TstFileSystem::the_time_is_kept_to_the_nanosecond()

@@ -63,15 +63,6 @@ bool failWith(QString *reason, const QString &path, const QString &cause)
     return failBecause(reason, cause.contains(path) ? cause : QStringLiteral("%1: %2").arg(path, cause));
 }
 
-bool hasOwnRecord(const PackageReader &package, EngineerPacketInfo &info, QString *reason)
-{
-    if (!package.isOpen(reason))
-        return false;
-    if (!ZipPackageHandle::parseEngineerInfo(info, package.archiveComment()))
-        return hasNoRecord(reason);
-    return hasChecksum(package, info.strChecksum, reason);
-}
-
 /// An empty object if the text is not a JSON object, or has fewer keys than a record.
 QJsonObject recordIn(const QString &recordJson)
 {
@@ -221,7 +212,17 @@ bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info, QString 
         return failBecause(reason, QStringLiteral("%1 does not exist").arg(info.strFilePath));
     }
     QString cause;
-    return hasOwnRecord(PackageReader(info.strFilePath), info, &cause) || failWith(reason, info.strFilePath, cause);
+    return getZipFileEngineerInfo(PackageReader(info.strFilePath), info, &cause) ||
+           failWith(reason, info.strFilePath, cause);
+}
+
+bool ZipPackageHandle::getZipFileEngineerInfo(const PackageReader &package, EngineerPacketInfo &info, QString *reason)
+{
+    if (!package.isOpen(reason))
+        return false;
+    if (!parseEngineerInfo(info, package.archiveComment()))
+        return hasNoRecord(reason);
+    return hasChecksum(package, info.strChecksum, reason);
 }
 
 bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath)
@@ -235,7 +236,7 @@ bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath, QString 
         return failBecause(reason, QStringLiteral("%1 does not exist").arg(packetPath));
     EngineerPacketInfo info;
     QString cause;
-    return hasOwnRecord(PackageReader(packetPath), info, &cause) || failWith(reason, packetPath, cause);
+    return getZipFileEngineerInfo(PackageReader(packetPath), info, &cause) || failWith(reason, packetPath, cause);
 }
 
 bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath)

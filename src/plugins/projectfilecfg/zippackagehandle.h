@@ -68,6 +68,9 @@ public:
     /// if there is no file.
     static bool getZipFileEngineerInfo(EngineerPacketInfo &info);
     static bool getZipFileEngineerInfo(EngineerPacketInfo &info, QString *reason);
+    /// The same for an open package, whatever `info.strFilePath` is.
+    static bool getZipFileEngineerInfo(const PackageReader &package, EngineerPacketInfo &info,
+                                       QString *reason = nullptr);
 
     /// True if the file has a record whose checksum is the package's.
     static bool isValidEngineerPacket(const QString &packetPath);

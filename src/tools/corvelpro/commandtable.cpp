@@ -11,6 +11,7 @@
 #include "commands/extract.h"
 #include "commands/info.h"
 #include "commands/list.h"
+#include "commands/thumbnail.h"
 #include "commands/verify.h"
 
 namespace Corvelpro {
@@ -101,6 +102,13 @@ const QVector<Command> &commandTable()
          {{"FILE", "A project file", Count::OneOrMore}, {"DIR", "The directory to copy to", Count::One}},
          {},
          runCopy},
+        {"thumbnail",
+         "Draw the first background of a project file as a small picture",
+         "Writes a PNG of the background with the lowest number, in its proportions and never larger than it is. This "
+         "is how file managers show project files. Replaces an existing file only if that is a PNG, or empty.",
+         {{"FILE", "A project file", Count::One}, {"OUT.png", "The picture to write", Count::One}},
+         {{"--size", "N", "Its largest width and height in pixels, up to 1024; by default 256", false}},
+         runThumbnail},
     };
     return table;
 }

@@ -57,6 +57,10 @@ bool Folder::flush(QString *) const
 {
     return true;
 }
+bool Folder::lock() const
+{
+    return true;
+}
 
 bool flush(int handle)
 {
@@ -146,6 +150,11 @@ bool Folder::flush(QString *reason) const
 {
     return FileSystem::flush(m_nHandle) || errno == EINVAL || errno == ENOTSUP ||
            failBecause(reason, QStringLiteral("cannot flush the folder %1: %2").arg(m_strPath, systemError()));
+}
+
+bool Folder::lock() const
+{
+    return FileSystem::lock(m_nHandle);
 }
 
 bool flush(int handle)

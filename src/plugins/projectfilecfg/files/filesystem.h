@@ -23,6 +23,9 @@ public:
     bool isOpen() const;
     /// Also true on platforms and file systems that cannot flush a folder.
     bool flush(QString *reason = nullptr) const;
+    /// Locks it exclusively while this object lives, also against a kill of the process. False if it is locked already.
+    /// Seen on this computer only. Also true on platforms and file systems without such locks.
+    bool lock() const;
 
 private:
     Q_DISABLE_COPY(Folder)

@@ -164,14 +164,18 @@ bool ReplacingFile::isFragment(const QString &fileName)
     return pattern.match(fileName).hasMatch();
 }
 
+bool ReplacingFile::isStale(const QFileInfo &fragment)
+{
+    return fragment.lastModified() < QDateTime::currentDateTime().addDays(-1);
+}
+
 void ReplacingFile::removeStaleFragments(const QString &folderPath)
 {
-    const QDateTime yesterday = QDateTime::currentDateTime().addDays(-1);
     const QFileInfoList candidates =
         QDir(folderPath)
             .entryInfoList({QStringLiteral(".*.part")}, QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
     for (const QFileInfo &candidate : candidates) {
-        if (isFragment(candidate.fileName()) && candidate.lastModified() < yesterday)
+        if (isFragment(candidate.fileName()) && isStale(candidate))
             QFile::remove(candidate.filePath());
     }
 }

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+class QFileInfo;
+
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -68,9 +70,11 @@ public:
     /// True for names of fragments.
     static bool isFragment(const QString &fileName);
 
-    /// Removes the fragments in the folder that were last written more than a day ago. Younger ones may belong to
-    /// another instance of the program; the clock of a network share, or the local time on a stick, differs by less
-    /// than a day. If a fragment in use is removed nevertheless, its commit() fails.
+    /// True if it was last written more than a day ago. A younger one may belong to another instance of the program; the
+    /// clock of a network share, or the local time on a stick, differs by less than a day.
+    static bool isStale(const QFileInfo &fragment);
+
+    /// Removes the stale fragments in the folder. If a fragment in use is removed nevertheless, its commit() fails.
     static void removeStaleFragments(const QString &folderPath);
 
 private:

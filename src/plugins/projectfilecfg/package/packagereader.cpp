@@ -67,6 +67,9 @@ struct PackageReader::Entry
 {
     unz64_file_pos position{};
     qint64 nSize = 0;
+    qint64 nPackedSize = 0;
+    quint32 nCrc = 0;
+    quint16 nMethod = 0;
     bool bOrdinary = false;
 };
 
@@ -128,6 +131,11 @@ bool PackageReader::isListable(QString *reason) const
 {
     return isOpen(reason) && (directory().bSound ||
                               failBecause(reason, QStringLiteral("%1: its directory is damaged").arg(m_pFile->path())));
+}
+
+QFile &PackageReader::file() const
+{
+    return m_pFile->file();
 }
 
 QStringList PackageReader::entries() const
@@ -213,6 +221,9 @@ bool PackageReader::readCurrentHeader() const
     name.truncate(int(info.size_filename));
     name.squeeze();
     entry.nSize = qint64(info.uncompressed_size);
+    entry.nPackedSize = qint64(info.compressed_size);
+    entry.nCrc = quint32(info.crc);
+    entry.nMethod = quint16(info.compression_method);
     entry.bOrdinary = isOrdinary(info, name.endsWith('/'));
     m_pDirectory->listRawNames.append(name);
     m_pDirectory->all.push_back(entry);
@@ -286,6 +297,17 @@ bool PackageReader::goTo(const Entry &entry)
     unz64_file_pos position = entry.position;
     return (m_pZip->hasCurrentFile() || m_pZip->goToFirstFile()) &&
            unzGoToFilePos64(m_pZip->getUnzFile(), &position) == UNZ_OK;
+}
+
+std::optional<PackageReader::PackedContent> PackageReader::packedContent(const QString &entryName)
+{
+    const Entry *entry = findReadable(entryName, nullptr);
+    // Opening it is what checks its local header, and what finds its content.
+    if (!entry || !goTo(*entry) || unzOpenCurrentFile(m_pZip->getUnzFile()) != UNZ_OK)
+        return std::nullopt;
+    const auto offset = qint64(unzGetCurrentFileZStreamPos64(m_pZip->getUnzFile()));
+    unzCloseCurrentFile(m_pZip->getUnzFile());
+    return PackedContent{offset, entry->nMethod, entry->nCrc, entry->nPackedSize, entry->nSize};
 }
 
 namespace {

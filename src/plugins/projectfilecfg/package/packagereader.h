@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 class QFile;
 class QIODevice;
@@ -52,6 +53,22 @@ public:
 
     /// The size of `entryName` as stated in the archive; -1 if there is no such entry.
     qint64 entrySize(const QString &entryName) const;
+
+    /// The file itself, to read other parts of it; not open if the package could not be opened. Leave its position
+    /// anywhere.
+    QFile &file() const;
+
+    /// Where an entry's packed content lies in file(), and what the archive's directory says about it.
+    struct PackedContent
+    {
+        qint64 nOffset;
+        quint16 nMethod;
+        quint32 nCrc;
+        qint64 nPackedSize;
+        qint64 nSize;
+    };
+    /// None if read() fails before the first byte of the content, but for its limit.
+    std::optional<PackedContent> packedContent(const QString &entryName);
 
     /// The archive's comment; empty if there is none.
     QString archiveComment() const;

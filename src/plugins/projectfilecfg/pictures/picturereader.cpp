@@ -55,6 +55,13 @@ QSize PictureReader::size(QString *reason) const
     return QSize();
 }
 
+void PictureReader::fitInto(const QSize &bounds)
+{
+    const QSize stated = size();
+    if (!stated.isEmpty())
+        m_reader.setScaledSize(stated.boundedTo(stated.scaled(bounds, Qt::KeepAspectRatio).expandedTo(QSize(1, 1))));
+}
+
 QImage PictureReader::read(QString *reason)
 {
     const QSize stated = size(reason);

@@ -33,9 +33,9 @@ struct Outcome
 /// Prints `line` if the operation was done, its reason otherwise, and adds "result" and "reason" to `json`.
 ExitCode finish(Output &output, const Outcome &outcome, const QString &line, QJsonObject json);
 
-/// Why there is no plain file, nor a link to one, at `path`; empty if there is.
-QString whyNoPlainFile(const QString &path);
-/// Fails if there is none.
+/// Why no plain file can be opened at `path`, nor through a link there; empty if one can.
+QString whyUnreadable(const QString &path);
+/// Fails if none can.
 Outcome wantPlainFile(const QString &path);
 /// Refuses a path at which anything exists, even a broken link.
 Outcome wantFreeName(const QString &path);

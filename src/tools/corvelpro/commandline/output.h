@@ -49,7 +49,6 @@ private:
     const Form m_form;
     /// The bar to hide while something is printed; null if there is none.
     Progress *m_progress = nullptr;
-    bool m_isBroken = false;
 };
 
 /// `text` with its control characters as "\n", "\t" or "\u001b", and each backslash doubled if there are any.

@@ -102,7 +102,8 @@ private:
     void noteRecords();
     void compareFolders();
     static Content contentOf(EntrySource &side, const QString &file);
-    std::future<Content> beginReading(int pair);
+    QVector<Pair> pairsToRead();
+    std::future<Content> beginReading(const QVector<Pair> &pairs, int index);
     void compareFiles(const Pair &pair, const Content &before);
     bool isEqualOtherwise(QIODevice &before, QIODevice &after, EntryDifference &difference);
     bool compareDescriptions(QIODevice &before, QIODevice &after, EntryDifference &difference) const;

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
+#include "hostilepackages.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+/// Writes each hostile package into a folder, from which hostilePackages() then reads it.
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 2) {
+        QTextStream(stderr) << "writepackages FOLDER\n";
+        return 2;
+    }
+    qunsetenv(TestData::writtenPackages);
+    const QDir folder(arguments.at(1));
+    bool isWritten = folder.mkpath(QStringLiteral("."));
+    for (const TestData::HostilePackage &package : TestData::hostilePackages()) {
+        const QByteArray bytes = package.bytes();
+        QFile file(folder.filePath(QString::fromLatin1(package.name)));
+        isWritten = isWritten && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    }
+    if (!isWritten)
+        QTextStream(stderr) << "The packages could not be written\n";
+    return isWritten ? 0 : 1;
+}
