@@ -29,7 +29,7 @@ def items(section):
 
 
 def page(version, text):
-    """From "devhost 2.0.0" and the help: a line on usage, the purpose, and lists under "Options:" and "Arguments:"."""
+    """From "devhost X.Y.Z" and the help: a line on usage, the purpose, and lists under "Options:" and "Arguments:"."""
     usage, purpose, rest = re.match(r"Usage: \S*?(devhost[^\n]*)\n(.*?)\n\n(.*)", text, re.DOTALL).groups()
     purpose = " ".join(purpose.split())
     lines = [".TH DEVHOST 1 %s \"%s\" \"User Commands\"" % (DATE, version),

@@ -37,17 +37,13 @@ class MissingNeeds(unittest.TestCase):
         return self.message("-S", f"{ROOT}/src/plugins/projectfilecfg", "-B", str(self.folder / "build"), "-G", "Ninja",
                             f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_MAKE_PROGRAM={NINJA}", *options)
 
-    def package(self, name, version):
-        """The option that leads to a package of another version than any that would do."""
-        folder = self.folder / name
-        folder.mkdir()
-        (folder / f"{name}Config.cmake").touch()
-        (folder / f"{name}ConfigVersion.cmake").write_text(
-            f"set(PACKAGE_VERSION {version})\nset(PACKAGE_VERSION_COMPATIBLE FALSE)\n", encoding="utf-8")
-        return f"-D{name}_DIR={folder}"
-
     def test_a_qt_that_is_too_old(self):
-        message = self.configure(*NOTHING_FOUND, self.package("Qt5", "5.6.3"))
+        folder = self.folder / "Qt5"
+        folder.mkdir()
+        (folder / "Qt5Config.cmake").touch()
+        (folder / "Qt5ConfigVersion.cmake").write_text(
+            "set(PACKAGE_VERSION 5.6.3)\nset(PACKAGE_VERSION_COMPATIBLE FALSE)\n", encoding="utf-8")
+        message = self.configure(*NOTHING_FOUND, f"-DQt5_DIR={folder}")
         self.assertIn('"Qt5" that is compatible with requested version "5.9"', message)
         self.assertIn("version: 5.6.3", message)
 

@@ -70,8 +70,8 @@ public:
     /// True for names of fragments.
     static bool isFragment(const QString &fileName);
 
-    /// True if it was last written more than a day ago. A younger one may belong to another instance of the program; the
-    /// clock of a network share, or the local time on a stick, differs by less than a day.
+    /// True if it was last written more than a day ago. A younger one may belong to another instance of the program;
+    /// the clock of a network share, or the local time on a stick, differs by less than a day.
     static bool isStale(const QFileInfo &fragment);
 
     /// Removes the stale fragments in the folder. If a fragment in use is removed nevertheless, its commit() fails.
