@@ -42,8 +42,9 @@ inline QByteArray chunkOfPng(const char *type, const QByteArray &data)
            bigEndian(quint32(crc32(0, reinterpret_cast<const Bytef *>(body.constData()), uInt(body.size()))));
 }
 
-/// A PNG of about `size` bytes as a camera delivers it: the pixels are noise, so deflating it again gains nothing.
-inline QByteArray picture(int size, quint32 seed)
+/// A PNG of about `size` bytes of pixels, which are noise in the bits of `noise`. In all of them: as a camera delivers
+/// it, so that deflating it again gains nothing.
+inline QByteArray picture(int size, quint32 seed, quint32 noise = 0xFF)
 {
     const int width = 640;
     const int height = std::max(1, size / (width * 3));
@@ -53,7 +54,7 @@ inline QByteArray picture(int size, quint32 seed)
     for (int y = 0; y < height; ++y) {
         rows.append('\0');
         for (int x = 0; x < width * 3; ++x)
-            rows.append(char(random.generate()));
+            rows.append(char(random.generate() & noise));
     }
     uLongf packedSize = compressBound(uLong(rows.size()));
     QByteArray packed(int(packedSize), Qt::Uninitialized);

@@ -3,12 +3,12 @@
 
 # Functions that define the targets of the development host and its tests.
 
-# add_host_library(<Name> SOURCES ... [PUBLIC <targets>] [PRIVATE <targets>])
+# add_host_library(<Name> SOURCES ... [PRIVATE_HEADERS <headers>] [PUBLIC <targets>] [PRIVATE <targets>])
 # Makes the shared library Host<Name>, known to the product as Host::<Name>. Its headers are included
-# as <name in lower case/header.h>.
+# as <name in lower case/header.h>. Private headers, and those that end in "_p.h", are not installed.
 function(add_host_library name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
-    _add_host_shared(${name} "${CMAKE_CURRENT_SOURCE_DIR}/..")
+    cmake_parse_arguments(ARG "" "" "SOURCES;PRIVATE_HEADERS;PUBLIC;PRIVATE" ${ARGN})
+    _add_host_shared(${name} "${CMAKE_CURRENT_SOURCE_DIR}/.." ${ARG_PRIVATE_HEADERS})
     target_sources(Host${name} PRIVATE ${ARG_SOURCES})
     target_link_libraries(Host${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
     set_target_properties(Host${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -16,11 +16,11 @@ function(add_host_library name)
         LIBRARY DESTINATION "${HOST_INSTALL_LIBDIR}" COMPONENT devhost)
 endfunction()
 
-# add_host_plugin(<Name> SOURCES ... [PUBLIC <targets>] [PRIVATE <targets>])
+# add_host_plugin(<Name> SOURCES ... [PRIVATE_HEADERS <headers>] [PUBLIC <targets>] [PRIVATE <targets>])
 # The same for a plugin of the host: a library that the plugin manager loads and that other plugins link.
 function(add_host_plugin name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
-    _add_host_shared(${name} "${CMAKE_CURRENT_SOURCE_DIR}/..")
+    cmake_parse_arguments(ARG "" "" "SOURCES;PRIVATE_HEADERS;PUBLIC;PRIVATE" ${ARGN})
+    _add_host_shared(${name} "${CMAKE_CURRENT_SOURCE_DIR}/.." ${ARG_PRIVATE_HEADERS})
     string(TOLOWER ${name} lower_name)
     target_sources(Host${name} PRIVATE ${ARG_SOURCES})
     target_link_libraries(Host${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
@@ -45,8 +45,13 @@ function(_add_host_shared name include_root)
     target_compile_definitions(Host${name} PRIVATE HOST_${upper_name}_LIBRARY)
     target_include_directories(Host${name} PUBLIC
         "$<BUILD_INTERFACE:${include_root}>" "$<INSTALL_INTERFACE:${HOST_INSTALL_INCLUDEDIR}>")
-    install(DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/" DESTINATION "${HOST_INSTALL_INCLUDEDIR}/${folder}"
-        COMPONENT sdk FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
+    file(GLOB_RECURSE headers RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}" "*.h")
+    list(FILTER headers EXCLUDE REGEX "_p\\.h$")
+    list(REMOVE_ITEM headers ${ARGN} "")
+    foreach(header IN LISTS headers)
+        get_filename_component(header_folder "${folder}/${header}" DIRECTORY)
+        install(FILES "${header}" DESTINATION "${HOST_INSTALL_INCLUDEDIR}/${header_folder}" COMPONENT sdk)
+    endforeach()
 endfunction()
 
 # add_host_test(<tst_name> SOURCES ... [LIBS <targets>] [LABELS <labels>] [X11_RUNNER <command>])

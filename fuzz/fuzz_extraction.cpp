@@ -6,17 +6,15 @@
 // The first byte selects the kind of input: 0 for the archive itself, anything else for the names of its entries, one a
 // line, in an otherwise valid archive. A name that ends in "@" is a link.
 #include "fuzzing.h"
+#include "fuzzpackages.h"
 
 #include <packagereader.h>
-
-#include <support/packagebuilder.h>
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
 
 using namespace ProjectFileCfg::Internal;
-using TestSupport::PackageBuilder;
 
 namespace {
 
@@ -71,20 +69,6 @@ private:
     QStringList m_before;
 };
 
-QByteArray archiveWith(const QByteArray &names)
-{
-    PackageBuilder package;
-    for (const QByteArray &name : names.split('\n')) {
-        if (name.endsWith('@'))
-            package.symbolicLink(name.chopped(1), "../victim");
-        else if (name.endsWith('/'))
-            package.folder(name);
-        else
-            package.file(name.left(0xffff), "content", PackageBuilder::Stored);
-    }
-    return package.build();
-}
-
 } // namespace
 
 int LLVMFuzzerInitialize(int *, char ***)
@@ -100,7 +84,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     if (size == 0)
         return 0;
     const QByteArray input = QByteArray::fromRawData(reinterpret_cast<const char *>(data + 1), int(size - 1));
-    const QByteArray archive = data[0] == 0 ? input : archiveWith(input);
+    const QByteArray archive = data[0] == 0 ? input : Fuzzing::archiveOfNames(input);
     file.setContent(archive.constData(), std::size_t(archive.size()));
 
     PackageReader package(file.path());

@@ -59,7 +59,7 @@ int main(int argc, char *argv[])
 {
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("devhost"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("2.0.0"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(DEVHOST_VERSION));
 
     Program::Options options = Program::defaultOptions();
     QCommandLineParser parser;
@@ -92,6 +92,8 @@ int main(int argc, char *argv[])
                                                  "leaves pictures there, and ends. Uses no documents of yours."),
                                   QStringLiteral("directory"));
     parser.addOptions({site, language, plugins, work, open, pace, size, textSize, tour});
+    parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Project files to import."),
+                                 QStringLiteral("[files...]"));
     parser.process(*application);
     const QString tourDirectory = parser.isSet(tour) ? QDir::current().absoluteFilePath(parser.value(tour)) : QString();
     if (!tourDirectory.isEmpty()) {
@@ -113,11 +115,17 @@ int main(int argc, char *argv[])
         options.workDirectory = parser.value(work);
     }
 
+    const QStringList files = parser.positionalArguments();
+    for (const QString &file : files)
+        options.files.append(QDir::current().absoluteFilePath(file));
+
     Core::LogRelay::install();
     Program program(options);
     if (!program.start()) {
         qCritical().noquote() << program.error();
-        HX::Widgets::FramelessMessageBox::warning(nullptr, QStringLiteral("Tarvo"), program.error());
+        // Nobody would close it in a tour.
+        if (tourDirectory.isEmpty())
+            HX::Widgets::FramelessMessageBox::warning(nullptr, QStringLiteral("Tarvo"), program.error());
         return 1;
     }
     return tourDirectory.isEmpty() ? QApplication::exec()

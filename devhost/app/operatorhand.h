@@ -14,8 +14,7 @@ class QAbstractButton;
 class QDialog;
 class QWidget;
 
-/// Drives the window like an operator: presses buttons, answers dialogs, waits and takes screenshots; or presses keys,
-/// as an operator without a mouse.
+/// Drives the window like an operator: presses buttons or keys, answers dialogs, waits and takes screenshots.
 ///
 /// Throws a TourFailure on anything unexpected. User-interface thread.
 class OperatorHand : public QObject
@@ -26,7 +25,8 @@ public:
     /// Pictures go into `pictureDirectory`, which must exist.
     OperatorHand(QWidget *window, const QString &pictureDirectory);
 
-    /// How to treat the next modal dialog, in the order of the calls. The waiting dialog does not count.
+    /// Handles the next modal dialog with `act`; several calls are used in their order. The waiting dialog does not
+    /// count.
     void onNextDialog(const std::function<void(QDialog *)> &act);
     /// Expects a message box with that text and presses the button with that text.
     void onNextBox(const QString &text, const QString &button);
@@ -37,14 +37,14 @@ public:
     void press(QWidget *parent, const QString &text);
     static void press(QAbstractButton *button);
 
-    /// Presses a key in the window that is in front.
+    /// Presses a key in the topmost window.
     void pressKey(Qt::Key key);
-    /// Types into what has the focus there.
+    /// Types into the focused widget of that window.
     void type(const QString &text);
-    /// Presses Tab until what is called `name` has the focus: by its label if it has one, else by its accessible name.
-    /// Each widget on the way must be visible.
+    /// Presses Tab until the widget called `name` (by its label if it has one, else by its accessible name) has the
+    /// focus. Each widget on the way must be visible.
     void tabTo(const QString &name);
-    /// How many keys were pressed since the last call.
+    /// The number of keys pressed since the last call.
     int takeKeyCount();
 
     /// Runs the event loop until `condition` holds.

@@ -3,6 +3,7 @@
 
 #include "program.h"
 
+#include "fileopening.h"
 #include "sitedock.h"
 
 #include <core/mainwindow.h>
@@ -47,7 +48,15 @@ Program::~Program() = default;
 
 bool Program::start()
 {
-    return makeDirectories() && startSession() && startPlugins();
+    return hasProjectFiles() && makeDirectories() && startSession() && startPlugins();
+}
+
+bool Program::hasProjectFiles()
+{
+    const QString other = FileOpening::otherThanProjectFile(m_options.files);
+    if (!other.isEmpty())
+        m_error = tr("%1 is not a project file.").arg(QDir::toNativeSeparators(other));
+    return other.isEmpty();
 }
 
 bool Program::makeDirectories()
@@ -97,6 +106,7 @@ bool Program::startPlugins()
 
     auto *siteDock = new SiteDock(*m_session);
     window->addDock(siteDock, siteDock->windowTitle());
+    FileOpening::open(m_options.files);
     Core::ModeManager::activateMode("SettingCfg");
     SettingCfg::SettingCfgModeManager::instance()->activateMode(HX::Utils::Id(m_options.firstSubMode));
     if (!m_options.windowSize.isEmpty())

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QSize>
+#include <QStringList>
 
 #include <memory>
 
@@ -24,16 +25,18 @@ public:
         QString language;
         QString pluginDirectory;
         QString translationDirectory;
-        /// Holds the devices' configuration directories and what is extracted from packages.
+        /// Contains the devices' configuration directories and the extraction folder.
         QString workDirectory;
-        /// The sub-mode of the settings area that is open at first; one that does not exist is ignored.
+        /// The initial sub-mode of the settings area; ignored if it does not exist.
         QString firstSubMode;
         /// Multiplies the durations in the site's file by this factor.
         double durationFactor = 1;
-        /// The window's size; empty for a comfortable one that fits the screen.
+        /// The window's size; if empty, a comfortable one that fits the screen.
         QSize windowSize;
-        /// In pixels; 0 for the desktop's.
+        /// In pixels; 0 for that of the desktop.
         int textSize = 0;
+        /// Project files to open; absolute paths.
+        QStringList files;
     };
 
     /// The defaults for a start without arguments; directories are relative to the program's location.
@@ -44,7 +47,7 @@ public:
     Program(const Program &) = delete;
     Program &operator=(const Program &) = delete;
 
-    /// Brings up the site, loads the plugins and shows the window. Returns false if the program cannot be used; error()
+    /// Starts the site, loads the plugins and shows the window. Returns false if the program cannot be used; error()
     /// has the reason.
     bool start();
     QString error() const { return m_error; }
@@ -54,6 +57,7 @@ public:
     HX::ExtensionSystem::PluginManager &plugins() { return *m_plugins; }
 
 private:
+    bool hasProjectFiles();
     bool makeDirectories();
     bool startSession();
     bool startPlugins();

@@ -34,7 +34,7 @@ protected:
 
 private:
     void retranslate();
-    /// Shows what changed at the site; the hardware sends no notifications.
+    /// Shows changes of the site. Must be called, since the hardware sends no notifications.
     void refresh();
     void refreshDevices();
     void refreshPictures();

@@ -21,14 +21,14 @@ struct HOST_SIMULATION_EXPORT Fault
         Late,       ///< the operation answers `delayMs` later than it would
         Disconnect, ///< the device drops off the network, so that the operation and all later ones fail
         Cancel,     ///< the operation ends as if it had been cancelled
-        Run,        ///< `action` runs on the calling thread, then the operation goes on
-        Throw       ///< the operation throws a std::runtime_error, as if the host had a mistake
+        Run,        ///< `action` runs on the calling thread, then the operation continues
+        Throw       ///< the operation throws a std::runtime_error, as if the host had a bug
     };
-    /// Value of `call`: the fault strikes at every call until the faults are cleared.
+    /// Value of `call`: the fault is triggered by every call until the faults are cleared.
     static constexpr int everyCall = 0;
 
     Kind kind = Kind::Fail;
-    /// The call at which the fault strikes, counted from 1 after arming; then it is spent.
+    /// The call that triggers the fault, counted from 1 after arming. The fault is then removed.
     int call = 1;
     int delayMs = 0;
     std::function<void()> action;
@@ -47,14 +47,14 @@ class HOST_SIMULATION_EXPORT Faults
 public:
     static Faults *instance();
 
-    /// Arms a fault; an operation may have several. A name missing from Operations::all() logs a warning, since the
-    /// fault would never strike.
+    /// Arms a fault; an operation may have several. A name missing in Operations::all() logs a warning, since the fault
+    /// would never be triggered.
     void arm(const QString &operation, const Fault &fault);
     void clear();
-    /// The number of armed faults: those that have not struck yet and those that strike at every call.
+    /// The number of armed faults: those that were not triggered yet, and those for every call.
     int armedCount() const;
 
-    /// Counts a call of the operation and returns the faults that strike at it, in the order of arming. For
+    /// Counts a call of the operation and returns the faults that it triggers, in the order of arming. For
     /// beginOperation().
     QVector<Fault> strike(const QString &operation);
 

@@ -64,7 +64,7 @@ struct HOST_SIMULATION_EXPORT PresetState
     QByteArray bytes;
 };
 
-/// The complete state of a device. Values compare whole, pixel by pixel and byte by byte.
+/// The complete state of a device. Comparison covers every pixel and byte.
 struct HOST_SIMULATION_EXPORT HardwareState
 {
     Identity identity;
@@ -84,12 +84,12 @@ struct HOST_SIMULATION_EXPORT HardwareState
     /// Bytes for pictures and presets; 0 is unlimited.
     quint64 capacity = 0;
 
-    /// A copy without the parts unique to a device (identity, protocol number, capacity, positions of cards): equal for
-    /// two devices when one's saved configuration was applied to the other.
+    /// A copy without the parts unique to a device (identity, protocol number, capacity, positions of cards). It is
+    /// equal for two devices if the saved configuration of one was applied to the other.
     HardwareState configuration() const;
     /// The state after a factory reset: identity, protocol number, capacity and cards only.
     HardwareState afterFactoryReset() const;
-    /// Everything, with sizes and digests in place of pixels and preset bytes. For people and messages.
+    /// Everything, with sizes and digests in place of pixels and preset bytes. For messages.
     QJsonObject toJson() const;
     /// One line for each differing part; empty if there is none.
     QStringList differencesTo(const HardwareState &other) const;
@@ -117,7 +117,7 @@ public:
     /// Changes the state atomically for readers. Pictures are converted to the formats that PictureState names.
     void change(const std::function<void(HardwareState &)> &change);
 
-    /// False once the device was unplugged or its connection dropped.
+    /// False after the device was unplugged or its connection was dropped.
     bool isReachable() const { return m_reachable; }
     void setReachable(bool reachable) { m_reachable = reachable; }
 
@@ -128,7 +128,7 @@ public:
     /// Bytes occupied by logos, and by everything else.
     quint64 logoBytes() const;
     quint64 otherBytes() const;
-    /// Makes these counters report fixed values, whatever the device holds.
+    /// Makes these counters report fixed values, whatever is on the device.
     void fixCounters(quint64 logoBytes, quint64 otherBytes);
     void releaseCounters();
 

@@ -37,7 +37,7 @@ public:
     static Journal *instance();
 
     void record(const QString &operation, const QVariantMap &arguments = QVariantMap());
-    /// Notes that an operation completed, for the host's window to show.
+    /// Records that an operation completed, so that the host's window can show it.
     void recordSuccess(const QString &operation);
 
     QVector<JournalEntry> entries() const;
@@ -51,7 +51,7 @@ public:
 signals:
     /// Emitted from the thread that made the call.
     void recorded(const Simulation::JournalEntry &entry);
-    /// Likewise for recordSuccess().
+    /// The same for recordSuccess().
     void succeeded(const QString &operation);
 
 private:

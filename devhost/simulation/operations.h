@@ -8,11 +8,11 @@
 #include <QLatin1String>
 #include <QStringList>
 
-/// The host's operations as journal, faults and durations name them: "Class.operation". Code uses these constants, so
-/// that a misspelt name does not compile; site files have the texts.
+/// The names of the host's operations in journal, faults and durations: "Class.operation". Code uses these constants,
+/// so that a misspelt name does not compile; site files contain the names themselves.
 namespace Simulation::Operations {
 
-/// The name with its length, which QLatin1String(const char *) counts at run time where the compiler is clang.
+/// The name with its length, which QLatin1String(const char *) counts at run time if the compiler is clang.
 template<int sizeWithEnd>
 constexpr QLatin1String operation(const char (&name)[sizeWithEnd])
 {
@@ -44,10 +44,10 @@ constexpr QLatin1String clearScreenList = operation("object_brige.clearScreenLis
 constexpr QLatin1String setActiveDevice = operation("object_brige.setActiveDevice");
 constexpr QLatin1String setActivedScreen = operation("object_brige.setActivedScreen");
 
-/// All of the above: faults can be armed for these, and a site can say how long they take.
+/// All of the above: faults can be armed for these, and a site can set their durations.
 HOST_SIMULATION_EXPORT QStringList all();
 
-// The host's window; these are recorded and nothing else.
+// Of the host's window. These are only recorded.
 constexpr QLatin1String informationBox = operation("FramelessMessageBox.information");
 constexpr QLatin1String questionBox = operation("FramelessMessageBox.question");
 constexpr QLatin1String warningBox = operation("FramelessMessageBox.warning");

@@ -21,7 +21,7 @@ struct HOST_SIMULATION_EXPORT ModelDescription
     int exchangePos = 8;
 };
 
-/// How a picture is made.
+/// How a picture is drawn.
 struct HOST_SIMULATION_EXPORT PictureRecipe
 {
     quint8 keyNo = 0;
@@ -43,23 +43,23 @@ struct HOST_SIMULATION_EXPORT SiteDevice
     bool online = true;
 };
 
-/// A site as its file describes it: models, devices and how fast they are.
+/// A site as described in its file: models, devices and how fast they are.
 struct HOST_SIMULATION_EXPORT Site
 {
     QString name;
     QVector<ModelDescription> models;
     QVector<SiteDevice> devices;
-    /// The address of the device that is active at first; empty when none is.
+    /// The address of the initially active device; empty if there is none.
     QString activeDevice;
     Pace pace;
 
-    /// Reads a site; nothing when it is wrong, and then `error` says where and why.
+    /// Reads a site. Returns nothing if the file is wrong; `error` then says where and why.
     static std::optional<Site> fromFile(const QString &path, QString &error);
     static std::optional<Site> fromJson(const QByteArray &json, QString &error);
 
-    /// Makes everything take `factor` times as long; 0 makes nothing wait.
+    /// Multiplies all durations by `factor`; with 0, nothing waits.
     void scaleDurations(double factor);
-    /// The hardware of every device in order, pictures drawn: about 10 ms for a million pixels.
+    /// The hardware of every device, in order. Draws the pictures, which takes about 10 ms for a million pixels.
     QVector<HardwareState> buildHardware() const;
 };
 

@@ -132,14 +132,14 @@ private slots:
     void closing_a_box_answers_its_escape_button_data();
     void closing_a_box_answers_its_escape_button();
     void a_pressed_button_is_the_answer();
-    void return_answers_like_escape_unless_told_otherwise();
+    void return_answers_like_escape_by_default();
     void a_box_survives_the_deletion_of_its_parent();
     void a_box_is_in_the_journal();
-    void markup_in_a_message_stays_what_it_is();
-    void a_box_tells_assistive_technology_its_text();
+    void message_markup_is_shown_verbatim();
+    void box_text_is_its_accessible_description();
     void keys_reach_the_buttons_of_a_box();
     void a_box_makes_room_for_another_text();
-    void a_box_with_a_thousand_names_fits_the_screen();
+    void box_with_many_names_fits_the_screen();
 
     void waiting_dialog_is_painted_without_blocking();
     void the_waiting_dialog_blocks_the_other_windows();
@@ -149,12 +149,12 @@ private slots:
     void tab_reaches_cancel_and_space_presses_it();
     void a_key_does_not_press_cancel();
     void cancel_is_acknowledged_before_it_is_obeyed();
-    void progress_does_not_hide_that_it_stops();
+    void progress_does_not_replace_the_stopping_text();
     void the_next_operation_can_be_cancelled_again();
-    void cancel_that_nobody_obeys_cannot_be_pressed();
+    void unconnected_cancel_is_disabled();
     void each_waiting_text_is_announced();
-    void the_cancel_button_tells();
-    void a_long_text_makes_the_waiting_dialog_higher();
+    void clicked_cancel_button_emits_the_signal();
+    void long_text_makes_the_waiting_dialog_taller();
     void waiting_dialog_survives_its_parents_deletion();
 };
 
@@ -292,7 +292,7 @@ void TstDialogs::a_pressed_button_is_the_answer()
     }
 }
 
-void TstDialogs::return_answers_like_escape_unless_told_otherwise()
+void TstDialogs::return_answers_like_escape_by_default()
 {
     const QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No;
     const QString text = QStringLiteral("x");
@@ -323,7 +323,7 @@ void TstDialogs::a_box_is_in_the_journal()
     QCOMPARE(entries.first().arguments.value(QStringLiteral("buttons")).toInt(), int(QMessageBox::Ok));
 }
 
-void TstDialogs::markup_in_a_message_stays_what_it_is()
+void TstDialogs::message_markup_is_shown_verbatim()
 {
     const QString text = QStringLiteral("<b>name</b>");
     QString shown;
@@ -336,7 +336,7 @@ void TstDialogs::markup_in_a_message_stays_what_it_is()
     QCOMPARE(shown, text);
 }
 
-void TstDialogs::a_box_tells_assistive_technology_its_text()
+void TstDialogs::box_text_is_its_accessible_description()
 {
     // Long enough to require a break, without blanks to break at.
     const QString text = QStringLiteral("Not written: /media/") + QString(60, QLatin1Char('x'));
@@ -381,7 +381,7 @@ void TstDialogs::a_box_makes_room_for_another_text()
     FramelessMessageBox::warning(nullptr, QStringLiteral("Remind"), QStringLiteral("short"));
 }
 
-void TstDialogs::a_box_with_a_thousand_names_fits_the_screen()
+void TstDialogs::box_with_many_names_fits_the_screen()
 {
     QStringList names;
     for (int number = 1; number <= 1000; ++number)
@@ -549,7 +549,7 @@ void TstDialogs::cancel_is_acknowledged_before_it_is_obeyed()
     dialog->hideWaitingDialog();
 }
 
-void TstDialogs::progress_does_not_hide_that_it_stops()
+void TstDialogs::progress_does_not_replace_the_stopping_text()
 {
     WaitingDialog *dialog = WaitingDialog::instance();
     QSignalSpy cancelled(dialog, &WaitingDialog::signal_canelLoad);
@@ -585,7 +585,7 @@ void TstDialogs::the_next_operation_can_be_cancelled_again()
     }
 }
 
-void TstDialogs::cancel_that_nobody_obeys_cannot_be_pressed()
+void TstDialogs::unconnected_cancel_is_disabled()
 {
     WaitingDialog *dialog = WaitingDialog::instance();
     dialog->setCanelVisible(true);
@@ -625,7 +625,7 @@ void TstDialogs::each_waiting_text_is_announced()
     dialog->hideWaitingDialog();
 }
 
-void TstDialogs::the_cancel_button_tells()
+void TstDialogs::clicked_cancel_button_emits_the_signal()
 {
     WaitingDialog *dialog = WaitingDialog::instance();
     auto *button = dialog->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel"));
@@ -647,7 +647,7 @@ void TstDialogs::the_cancel_button_tells()
     dialog->hideWaitingDialog();
 }
 
-void TstDialogs::a_long_text_makes_the_waiting_dialog_higher()
+void TstDialogs::long_text_makes_the_waiting_dialog_taller()
 {
     WaitingDialog *dialog = WaitingDialog::instance();
     auto *label = dialog->findChild<QLabel *>(QStringLiteral("WaitingDialogText"));

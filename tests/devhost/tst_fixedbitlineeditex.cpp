@@ -30,7 +30,7 @@ private slots:
     void text_beyond_the_limit_is_cut_between_characters();
     void typing_into_a_full_field_drops_the_input();
     void pasting_keeps_what_fits();
-    void nobody_sees_a_text_beyond_the_limit();
+    void signals_never_carry_overlong_text();
     void a_smaller_limit_cuts_at_once();
 
     void characters_illegal_in_file_names_are_dropped_data();
@@ -38,7 +38,7 @@ private slots:
     void each_character_is_accepted_or_dropped_alone();
     void deleting_never_leaves_a_leading_dot();
     void cursor_stays_among_the_kept_characters();
-    void undo_brings_back_nothing_that_was_left_out();
+    void undo_never_restores_dropped_text();
     void leaving_the_field_trims_its_text_data();
     void leaving_the_field_trims_its_text();
     void blank_can_be_typed_between_words();
@@ -110,7 +110,7 @@ void TstFixedBitLineEditEx::pasting_keeps_what_fits()
     QCOMPARE(edit.cursorPosition(), grin.repeated(2).size());
 }
 
-void TstFixedBitLineEditEx::nobody_sees_a_text_beyond_the_limit()
+void TstFixedBitLineEditEx::signals_never_carry_overlong_text()
 {
     FixedBitLineEditEx edit;
     QSignalSpy changed(&edit, &QLineEdit::textChanged);
@@ -229,7 +229,7 @@ void TstFixedBitLineEditEx::cursor_stays_among_the_kept_characters()
     QCOMPARE(edit.cursorPosition(), 5);
 }
 
-void TstFixedBitLineEditEx::undo_brings_back_nothing_that_was_left_out()
+void TstFixedBitLineEditEx::undo_never_restores_dropped_text()
 {
     FixedBitLineEditEx edit;
     QTest::keyClicks(&edit, QStringLiteral("a?b/.c"));

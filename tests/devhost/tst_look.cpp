@@ -65,15 +65,15 @@ class TstLook : public QObject
 private slots:
     void init() { setTextSize(0); }
 
-    void the_focus_can_be_seen_data();
-    void the_focus_can_be_seen();
+    void focus_is_visible_data();
+    void focus_is_visible();
     void the_text_has_the_size_that_was_set();
     void texts_of_other_sizes_grow_with_it();
     void emoji_have_a_font();
     void buttons_fit_their_text_plus_25_pixels();
 };
 
-void TstLook::the_focus_can_be_seen_data()
+void TstLook::focus_is_visible_data()
 {
     using Make = std::function<QWidget *()>;
     QTest::addColumn<Make>("make");
@@ -136,7 +136,7 @@ void TstLook::the_focus_can_be_seen_data()
     row("list", [] { return new QListWidget; });
 }
 
-void TstLook::the_focus_can_be_seen()
+void TstLook::focus_is_visible()
 {
     QFETCH(std::function<QWidget *()>, make);
     QWidget window;

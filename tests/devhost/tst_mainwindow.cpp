@@ -9,6 +9,7 @@
 #include <core/mainwindow.h>
 #include <core/modemanager.h>
 #include <simulation/journal.h>
+#include <simulation/operations.h>
 #include <widgets/framelessmessagebox.h>
 #include <widgets/titlebar.h>
 #include <widgets/waitingdialog.h>
@@ -73,31 +74,32 @@ private slots:
     void init();
     void cleanup();
 
-    void the_window_is_known_while_it_lives();
+    void window_is_known_during_its_lifetime();
     void texts_follow_the_language();
     void status_bar_names_the_running_operation();
-    void progress_is_shown_where_the_operator_looks();
+    void progress_is_shown_in_the_waiting_dialog();
     void log_takes_messages_from_any_thread();
     void a_dock_is_named_after_its_widget();
-    void only_the_current_mode_has_the_side();
-    void what_a_mode_shows_outlives_the_window();
-    void the_title_bar_works_the_window();
+    void only_the_current_modes_side_widget_shows();
+    void side_widget_outlives_the_window();
+    void title_bar_controls_the_window();
     void elided_label_shows_plain_text_in_its_tooltip();
 
     void the_window_opens_no_larger_than_its_screen();
     void a_low_window_opens_without_docks();
     void a_closed_dock_is_brought_back_by_keys();
     void focused_widget_is_scrolled_into_view();
-    void tab_follows_the_eye_and_is_never_trapped();
+    void tab_follows_visual_order_and_never_traps();
     void the_buttons_of_the_window_are_named_data();
     void the_buttons_of_the_window_are_named();
     void close_buttons_name_their_dock();
 
-    void a_save_that_left_a_package_is_told();
-    void a_save_that_left_nothing_claims_nothing();
-    void an_apply_that_wrote_the_configuration_is_told();
-    void an_apply_that_wrote_nothing_claims_nothing();
-    void the_message_of_an_operation_is_told_instead();
+    void save_with_a_package_is_reported();
+    void save_without_a_package_reports_nothing();
+    void apply_with_written_configuration_is_reported();
+    void apply_without_written_configuration_reports_nothing();
+    void operation_message_replaces_the_result();
+    void message_is_cleared_by_a_language_change();
     void waiting_hides_the_last_result();
     void the_message_after_waiting_is_the_next_result();
 
@@ -140,7 +142,7 @@ void TstMainWindow::fromAnotherThread(const std::function<void()> &work)
     QCoreApplication::processEvents();
 }
 
-void TstMainWindow::the_window_is_known_while_it_lives()
+void TstMainWindow::window_is_known_during_its_lifetime()
 {
     QCOMPARE(MainWindow::instance(), m_window.data());
     m_window.reset();
@@ -177,7 +179,7 @@ void TstMainWindow::status_bar_names_the_running_operation()
     QCOMPARE(status(), QStringLiteral("Ready"));
 }
 
-void TstMainWindow::progress_is_shown_where_the_operator_looks()
+void TstMainWindow::progress_is_shown_in_the_waiting_dialog()
 {
     WaitingDialog *waiting = WaitingDialog::instance();
     fromAnotherThread([] { ICore::setOperatorType(ICore::OperatorLoad, QStringLiteral("BKG:Opening")); });
@@ -221,7 +223,7 @@ void TstMainWindow::a_dock_is_named_after_its_widget()
     QVERIFY(!guard);
 }
 
-void TstMainWindow::only_the_current_mode_has_the_side()
+void TstMainWindow::only_the_current_modes_side_widget_shows()
 {
     Mode first("First"), second("Second");
     QCOMPARE(ModeManager::currentMode(), HX::Utils::Id("First"));
@@ -235,7 +237,7 @@ void TstMainWindow::only_the_current_mode_has_the_side()
     QVERIFY(!second.side->isVisible());
 }
 
-void TstMainWindow::what_a_mode_shows_outlives_the_window()
+void TstMainWindow::side_widget_outlives_the_window()
 {
     const Mode mode("First");
     QVERIFY(mode.side->isVisible());
@@ -243,7 +245,7 @@ void TstMainWindow::what_a_mode_shows_outlives_the_window()
     QVERIFY(mode.side);
 }
 
-void TstMainWindow::the_title_bar_works_the_window()
+void TstMainWindow::title_bar_controls_the_window()
 {
     auto *bar = m_window->findChild<TitleBar *>();
     QTest::mouseDClick(bar, Qt::LeftButton);
@@ -349,7 +351,7 @@ void TstMainWindow::focused_widget_is_scrolled_into_view()
     QVERIFY(isWholeInView(highest));
 }
 
-void TstMainWindow::tab_follows_the_eye_and_is_never_trapped()
+void TstMainWindow::tab_follows_visual_order_and_never_traps()
 {
     // Created in an order other than the visual one.
     m_window->resize(1440, 900);
@@ -461,7 +463,7 @@ void TstMainWindow::runOperation(ICore::OperatorDeviceType type, const std::func
     QCoreApplication::processEvents();
 }
 
-void TstMainWindow::a_save_that_left_a_package_is_told()
+void TstMainWindow::save_with_a_package_is_reported()
 {
     const auto write = [](const QString &name, const char *content) {
         QFile file(QStringLiteral("%1/%2.corvelpro").arg(projectFiles(), name));
@@ -485,7 +487,7 @@ void TstMainWindow::a_save_that_left_a_package_is_told()
     QCOMPARE(status(), QStringLiteral("Project files written: A, B"));
 }
 
-void TstMainWindow::a_save_that_left_nothing_claims_nothing()
+void TstMainWindow::save_without_a_package_reports_nothing()
 {
     projectFiles();
     runOperation(ICore::OperatorBackup, [] {});
@@ -495,24 +497,24 @@ void TstMainWindow::a_save_that_left_nothing_claims_nothing()
     QCOMPARE(status(), QStringLiteral("Reading from the device"));
 }
 
-void TstMainWindow::an_apply_that_wrote_the_configuration_is_told()
+void TstMainWindow::apply_with_written_configuration_is_reported()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
 }
 
-void TstMainWindow::an_apply_that_wrote_nothing_claims_nothing()
+void TstMainWindow::apply_without_written_configuration_reports_nothing()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("DeviceControler.enableMVR")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::enableMVR); });
     QCOMPARE(status(), QStringLiteral("Ended without writing the configuration of \"\""));
 }
 
 void TstMainWindow::waiting_hides_the_last_result()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     const QString result = QStringLiteral("Applied to \"\"");
     QCOMPARE(status(), result);
     // An import, of which the host is told nothing else. Nothing runs the event loop before a blocking call.
@@ -528,7 +530,7 @@ void TstMainWindow::waiting_hides_the_last_result()
 void TstMainWindow::the_message_after_waiting_is_the_next_result()
 {
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     TestSupport::AnswerBook book;
     const QString text = QStringLiteral("Import as success");
     book.expectInformation(QStringLiteral("Remind"), text);
@@ -542,7 +544,7 @@ void TstMainWindow::the_message_after_waiting_is_the_next_result()
     QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
 }
 
-void TstMainWindow::the_message_of_an_operation_is_told_instead()
+void TstMainWindow::operation_message_replaces_the_result()
 {
     TestSupport::AnswerBook book;
     const QString text = QStringLiteral("User cancels current operation");
@@ -551,21 +553,34 @@ void TstMainWindow::the_message_of_an_operation_is_told_instead()
         HX::Widgets::FramelessMessageBox::information(m_window.data(), QStringLiteral("Remind"), text);
     };
     runOperation(
-        ICore::OperatorLoad,
-        [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); }, box);
+        ICore::OperatorLoad, [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); },
+        box);
     QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
     // A question, and a box that opens later, do not belong to the operation.
     book.expectQuestion(QStringLiteral("Remind"), text, QMessageBox::No);
     runOperation(
-        ICore::OperatorLoad,
-        [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); },
+        ICore::OperatorLoad, [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); },
         [&] { HX::Widgets::FramelessMessageBox::question(m_window.data(), QStringLiteral("Remind"), text); });
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
     book.expectInformation(QStringLiteral("Remind"), text);
     runOperation(ICore::OperatorLoad,
-                 [] { Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize")); });
+                 [] { Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize); });
     box();
     QCOMPARE(status(), QStringLiteral("Applied to \"\""));
+}
+
+void TstMainWindow::message_is_cleared_by_a_language_change()
+{
+    TestSupport::AnswerBook book;
+    const QString text = QStringLiteral("User cancels current operation");
+    book.expectInformation(QStringLiteral("Remind"), text);
+    runOperation(
+        ICore::OperatorBackup, [] {},
+        [&] { HX::Widgets::FramelessMessageBox::information(m_window.data(), QStringLiteral("Remind"), text); });
+    QCOMPARE(status(), QStringLiteral("Ended with the message: ") + text);
+    Core::switchLanguage(QStringLiteral("zh_CN"));
+    QCoreApplication::processEvents();
+    QCOMPARE(status(), QString::fromUtf8("就绪"));
 }
 
 TEST_MAIN(TstMainWindow)

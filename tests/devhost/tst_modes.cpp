@@ -46,7 +46,7 @@ class TstModes : public QObject
     Q_OBJECT
 
 private slots:
-    void sub_modes_stand_by_priority_and_once();
+    void sub_modes_are_sorted_and_unique();
     void the_manager_keeps_which_sub_mode_is_visible();
     void unknown_or_disabled_sub_mode_is_not_shown();
     void removing_the_current_sub_mode_shows_the_first();
@@ -57,7 +57,7 @@ private slots:
     void removing_the_active_central_widget_leaves_none_active();
 };
 
-void TstModes::sub_modes_stand_by_priority_and_once()
+void TstModes::sub_modes_are_sorted_and_unique()
 {
     NavigationBarModeManager manager;
     Mode late("Late", 9), early("Early", 1), alsoLate("AlsoLate", 9);

@@ -106,9 +106,9 @@ class TstOnScreen : public QObject
 private slots:
     void cleanup();
 
-    void each_text_is_on_the_screen_at_return_data();
-    void each_text_is_on_the_screen_at_return();
-    void hiding_at_once_is_no_x_error();
+    void each_text_is_visible_on_return_data();
+    void each_text_is_visible_on_return();
+    void hiding_at_once_causes_no_x_error();
     void the_text_is_as_large_as_the_desktops();
 };
 
@@ -117,14 +117,14 @@ void TstOnScreen::cleanup()
     WaitingDialog::instance()->hideWaitingDialog();
 }
 
-void TstOnScreen::each_text_is_on_the_screen_at_return_data()
+void TstOnScreen::each_text_is_visible_on_return_data()
 {
     QTest::addColumn<bool>("managed");
     QTest::newRow("without a window manager") << false;
     QTest::newRow("with a slow window manager") << true;
 }
 
-void TstOnScreen::each_text_is_on_the_screen_at_return()
+void TstOnScreen::each_text_is_visible_on_return()
 {
     QFETCH(bool, managed);
     const std::unique_ptr<SlowWindowManager> manager(managed ? new SlowWindowManager : nullptr);
@@ -141,7 +141,7 @@ void TstOnScreen::each_text_is_on_the_screen_at_return()
     QCOMPARE(onScreen(label), painted(const_cast<QLabel *>(label)));
 }
 
-void TstOnScreen::hiding_at_once_is_no_x_error()
+void TstOnScreen::hiding_at_once_causes_no_x_error()
 {
     // The warning guard fails this test on any warning, such as an X error.
     WaitingDialog *dialog = WaitingDialog::instance();

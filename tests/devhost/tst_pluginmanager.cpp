@@ -25,11 +25,11 @@ private slots:
     void a_missing_dependency_is_named_with_its_version();
     void plugin_provides_versions_from_compatible_to_current_data();
     void plugin_provides_versions_from_compatible_to_current();
-    void a_circle_is_refused_and_shown();
+    void circular_dependency_is_refused_and_shown();
     void a_plugin_that_needs_itself_is_refused();
     void broken_metadata_is_refused_data();
     void broken_metadata_is_refused();
-    void a_file_that_is_no_plugin_is_refused();
+    void non_plugin_file_is_refused();
     void a_plugin_of_another_program_is_refused();
     void the_second_plugin_of_a_name_is_refused();
     void failed_initialization_stops_only_dependents();
@@ -182,7 +182,7 @@ void TstPluginManager::plugin_provides_versions_from_compatible_to_current()
     QCOMPARE(spec->errorString(), provided ? QString() : error.arg(name, needed));
 }
 
-void TstPluginManager::a_circle_is_refused_and_shown()
+void TstPluginManager::circular_dependency_is_refused_and_shown()
 {
     have({QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("outside"), QStringLiteral("zeta")});
     PluginManager manager;
@@ -245,7 +245,7 @@ void TstPluginManager::broken_metadata_is_refused()
     QCOMPARE(calls(QStringLiteral("constructed")), QStringList({QStringLiteral("zeta.constructed")}));
 }
 
-void TstPluginManager::a_file_that_is_no_plugin_is_refused()
+void TstPluginManager::non_plugin_file_is_refused()
 {
     QFile file(m_directory->filePath(QStringLiteral("libtext.so")));
     QVERIFY(file.open(QIODevice::WriteOnly));

@@ -145,6 +145,10 @@ Verdict judge(Kind kind, bool changes, bool needsRoom)
     case Plan::Kill:
         verdict.isKilled = true;
         break;
+    case Plan::Interrupt:
+        if (first)
+            std::raise(SIGINT);
+        break;
     }
     return verdict;
 }

@@ -51,7 +51,9 @@ struct Plan
         Gone,
         /// Kills the process before the n-th call that changes or flushes something. A write counts twice: half of it
         /// is written first, then all but its last byte.
-        Kill
+        Kill,
+        /// Ctrl-C before the n-th call; the call itself succeeds.
+        Interrupt
     };
 
     Effect effect = FailOnce;

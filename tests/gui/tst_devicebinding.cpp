@@ -120,7 +120,7 @@ private slots:
     void tool_tips_show_markup_as_it_is_data();
     void tool_tips_show_markup_as_it_is();
     void the_active_device_is_selected();
-    void the_active_device_wins_over_the_selection();
+    void active_device_overrides_the_selection();
     void without_an_active_device_the_address_decides();
     void a_selection_no_longer_listed_binds_no_device();
     void an_unsupported_active_device_is_bound_but_unlisted();
@@ -128,7 +128,7 @@ private slots:
     void refilling_is_not_a_selection();
     void refilling_cuts_every_connection_but_destroyed();
     void without_a_device_list_the_selector_stays_empty();
-    void devices_that_are_null_are_passed_over();
+    void null_devices_are_skipped();
 
     void choosing_a_device_binds_it();
     void an_entry_without_marks_changes_nothing();
@@ -259,7 +259,7 @@ void TstDeviceBinding::the_active_device_is_selected()
     QCOMPARE(boundAddress(panel, site), foyer);
 }
 
-void TstDeviceBinding::the_active_device_wins_over_the_selection()
+void TstDeviceBinding::active_device_overrides_the_selection()
 {
     const TestSite site;
     const Panel panel;
@@ -419,7 +419,7 @@ void TstDeviceBinding::without_a_device_list_the_selector_stays_empty()
     QCOMPARE(panel->deviceCombo()->currentText(), QStringLiteral("x"));
 }
 
-void TstDeviceBinding::devices_that_are_null_are_passed_over()
+void TstDeviceBinding::null_devices_are_skipped()
 {
     const TestSite site;
     Model::DeviceList::instance()->addDevice(nullptr);

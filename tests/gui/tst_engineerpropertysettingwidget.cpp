@@ -120,17 +120,17 @@ class TstEngineerPropertySettingWidget : public QObject
 private slots:
     void init();
 
-    void slots_stand_in_their_fixed_order();
+    void slots_are_in_their_fixed_order();
     void texts_are_those_of_the_dialog();
     void texts_follow_the_language();
     void size_and_margins_are_fixed();
-    void rows_stand_in_their_order();
+    void rows_are_in_their_order();
     void properties_mark_what_the_style_sheet_selects();
     void labels_share_one_column();
     void the_dialog_has_one_pair_of_buttons();
 
     void constructor_leaves_the_fields_empty();
-    void the_counter_is_there_before_any_comment();
+    void counter_is_shown_without_a_comment();
     void setters_fill_the_fields();
     void counter_follows_the_comment();
 
@@ -161,7 +161,7 @@ private slots:
     void the_name_is_trimmed_when_it_is_read();
     void cancel_escape_and_close_reject_data();
     void cancel_escape_and_close_reject();
-    void cancel_is_not_hindered_by_a_taken_name();
+    void cancel_ignores_a_taken_name();
     void name_of_another_project_is_refused();
     void unchanged_name_is_accepted_although_its_file_exists_data();
     void unchanged_name_is_accepted_although_its_file_exists();
@@ -175,7 +175,7 @@ void TstEngineerPropertySettingWidget::init()
     QVERIFY(QDir().mkpath(projectFilesPath()));
 }
 
-void TstEngineerPropertySettingWidget::slots_stand_in_their_fixed_order()
+void TstEngineerPropertySettingWidget::slots_are_in_their_fixed_order()
 {
     const QMetaObject &meta = EngineerPropertySettingWidget::staticMetaObject;
     QCOMPARE(meta.className(), "EngineerPropertySettingWidget");
@@ -236,7 +236,7 @@ void TstEngineerPropertySettingWidget::size_and_margins_are_fixed()
     QCOMPARE(shown.commentEdit()->sizePolicy(), QSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding));
 }
 
-void TstEngineerPropertySettingWidget::rows_stand_in_their_order()
+void TstEngineerPropertySettingWidget::rows_are_in_their_order()
 {
     const ShownDialog shown;
     QCOMPARE(shown.mainLayout()->count(), 6);
@@ -319,7 +319,7 @@ void TstEngineerPropertySettingWidget::constructor_leaves_the_fields_empty()
     QCOMPARE(dialog.getProjectName(), QString());
 }
 
-void TstEngineerPropertySettingWidget::the_counter_is_there_before_any_comment()
+void TstEngineerPropertySettingWidget::counter_is_shown_without_a_comment()
 {
     const EngineerPropertySettingWidget dialog(nullptr, QString(), QString());
     QStringList texts;
@@ -684,7 +684,7 @@ void TstEngineerPropertySettingWidget::cancel_escape_and_close_reject()
     QVERIFY2(book.isSatisfied(), qPrintable(book.report()));
 }
 
-void TstEngineerPropertySettingWidget::cancel_is_not_hindered_by_a_taken_name()
+void TstEngineerPropertySettingWidget::cancel_ignores_a_taken_name()
 {
     QVERIFY(makeProjectFile(QStringLiteral("Project3")));
     ShownDialog shown(QStringLiteral("Project2"));

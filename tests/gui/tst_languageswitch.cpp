@@ -89,10 +89,10 @@ private slots:
     void the_waiting_dialog_follows_during_a_save();
     void the_waiting_dialog_follows_during_an_apply();
     void the_waiting_dialog_follows_during_copies();
-    void progress_after_a_switch_is_in_the_new_language_data();
-    void progress_after_a_switch_is_in_the_new_language();
-    void a_switch_after_the_work_shows_no_waiting_dialog();
-    void the_panel_may_be_deleted_behind_a_box_that_followed();
+    void later_progress_is_in_the_new_language_data();
+    void later_progress_is_in_the_new_language();
+    void late_language_switch_shows_no_waiting_dialog();
+    void panel_may_be_deleted_behind_a_translated_box();
 
 private:
     /// Expects a box, switches the language while it is open, and closes it.
@@ -399,14 +399,14 @@ void TstLanguageSwitch::the_waiting_dialog_follows_during_copies()
     waitForAnswers();
 }
 
-void TstLanguageSwitch::progress_after_a_switch_is_in_the_new_language_data()
+void TstLanguageSwitch::later_progress_is_in_the_new_language_data()
 {
     QTest::addColumn<QString>("operation");
     QTest::newRow("save") << QString(queryMaterailData);
     QTest::newRow("apply") << QString(createMaterailFromImage);
 }
 
-void TstLanguageSwitch::progress_after_a_switch_is_in_the_new_language()
+void TstLanguageSwitch::later_progress_is_in_the_new_language()
 {
     QFETCH(QString, operation);
     const bool isSave = operation == queryMaterailData;
@@ -433,7 +433,7 @@ void TstLanguageSwitch::progress_after_a_switch_is_in_the_new_language()
                  qPrintable(text));
 }
 
-void TstLanguageSwitch::a_switch_after_the_work_shows_no_waiting_dialog()
+void TstLanguageSwitch::late_language_switch_shows_no_waiting_dialog()
 {
     QVERIFY(pressSave(QStringLiteral("Evening show")));
     QTRY_VERIFY(hasJobEnded());
@@ -445,7 +445,7 @@ void TstLanguageSwitch::a_switch_after_the_work_shows_no_waiting_dialog()
     QVERIFY(waitingTexts().isEmpty());
 }
 
-void TstLanguageSwitch::the_panel_may_be_deleted_behind_a_box_that_followed()
+void TstLanguageSwitch::panel_may_be_deleted_behind_a_translated_box()
 {
     list(QStringLiteral("show"));
     m_book->expectDialog(messageBox, [this](QDialog *) {

@@ -68,7 +68,7 @@ private slots:
     void every_control_has_a_name_of_its_own();
     void list_of_disks_is_named_by_its_title();
     void tool_tip_shows_what_does_not_fit();
-    void tool_tip_without_a_comment_begins_with_the_path();
+    void tool_tip_without_comment_begins_with_the_path();
     void tool_tip_shows_markup_as_it_is();
 
 private:
@@ -196,7 +196,7 @@ void TstPanelAccessibility::tool_tip_shows_what_does_not_fit()
     QCOMPARE(toolTipAt(0), name + QLatin1Char('\n') + QDir::toNativeSeparators(file.filePath()));
 }
 
-void TstPanelAccessibility::tool_tip_without_a_comment_begins_with_the_path()
+void TstPanelAccessibility::tool_tip_without_comment_begins_with_the_path()
 {
     const QString name = QStringLiteral("Evening show");
     list(name, QString());

@@ -131,13 +131,13 @@ class TstPanelConstruction : public QObject
 private slots:
     void init();
 
-    void slots_stand_in_their_fixed_order();
+    void slots_are_in_their_fixed_order();
     void the_host_knows_the_panel_by_its_id();
     void panel_is_marked_for_the_style_sheet();
-    void rows_of_the_layout_stand_in_their_order();
+    void layout_rows_are_in_their_order();
     void device_selector_has_a_fixed_size();
-    void table_is_set_up_for_looking_only();
-    void separator_is_a_line_of_its_own_style();
+    void table_is_read_only();
+    void separator_is_a_styled_line();
     void texts_are_those_of_the_panel();
     void command_buttons_share_one_width();
     void short_texts_give_buttons_of_125_by_30();
@@ -154,7 +154,7 @@ private slots:
     void row_shows_file_and_comment();
     void file_names_lose_every_extension_in_small_letters_data();
     void file_names_lose_every_extension_in_small_letters();
-    void row_buttons_stand_in_their_order();
+    void row_buttons_are_in_their_order();
     void row_buttons_know_their_file();
     void commands_on_all_files_need_a_file();
 
@@ -172,7 +172,7 @@ void TstPanelConstruction::init()
     QVERIFY(clearProjectFilesDirectory());
 }
 
-void TstPanelConstruction::slots_stand_in_their_fixed_order()
+void TstPanelConstruction::slots_are_in_their_fixed_order()
 {
     const QMetaObject &meta = EngineerDocOperWidget::staticMetaObject;
     QCOMPARE(meta.className(), "ProjectFileCfg::Internal::EngineerDocOperWidget");
@@ -207,7 +207,7 @@ void TstPanelConstruction::panel_is_marked_for_the_style_sheet()
     QCOMPARE(panel->styleSheet(), QString());
 }
 
-void TstPanelConstruction::rows_of_the_layout_stand_in_their_order()
+void TstPanelConstruction::layout_rows_are_in_their_order()
 {
     const TestSite site;
     const Panel panel;
@@ -271,7 +271,7 @@ void TstPanelConstruction::device_selector_has_a_fixed_size()
     QCOMPARE(panel.deviceCombo()->itemDelegate()->parent(), panel.widget.get());
 }
 
-void TstPanelConstruction::table_is_set_up_for_looking_only()
+void TstPanelConstruction::table_is_read_only()
 {
     const TestSite site;
     Panel panel;
@@ -303,7 +303,7 @@ void TstPanelConstruction::table_is_set_up_for_looking_only()
     QCOMPARE(table->columnWidth(2), 340);
 }
 
-void TstPanelConstruction::separator_is_a_line_of_its_own_style()
+void TstPanelConstruction::separator_is_a_styled_line()
 {
     const TestSite site;
     const Panel panel;
@@ -565,7 +565,7 @@ void TstPanelConstruction::file_names_lose_every_extension_in_small_letters()
     QCOMPARE(panel.names(), QStringList(shown));
 }
 
-void TstPanelConstruction::row_buttons_stand_in_their_order()
+void TstPanelConstruction::row_buttons_are_in_their_order()
 {
     const TestSite site;
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));

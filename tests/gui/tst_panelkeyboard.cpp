@@ -78,13 +78,13 @@ private slots:
     void wheel_over_closed_selector_keeps_the_device();
     void wheel_over_closed_selector_scrolls_its_surroundings();
     void wheel_scrolls_the_open_list();
-    void tab_visits_everything_in_the_order_of_the_eye();
-    void backtab_visits_the_same_the_other_way_round();
-    void tab_passes_over_commands_that_are_grey();
-    void tab_order_follows_rows_that_come_and_go();
+    void tab_visits_everything_in_visual_order();
+    void backtab_visits_the_same_in_reverse();
+    void tab_skips_disabled_commands();
+    void tab_order_follows_added_and_removed_rows();
     void focused_row_scrolls_into_view();
-    void focus_of_a_deleted_row_goes_to_the_next();
-    void focus_of_a_first_row_that_goes_stays_in_the_table();
+    void focus_moves_from_deleted_row_to_the_next();
+    void focus_of_removed_first_row_stays_in_table();
     void focus_stays_with_its_project();
     void space_presses_the_focused_button();
     void arrows_go_from_row_to_row();
@@ -149,13 +149,13 @@ void TstPanelKeyboard::wheel_scrolls_the_open_list()
     selector->hidePopup();
 }
 
-void TstPanelKeyboard::tab_visits_everything_in_the_order_of_the_eye()
+void TstPanelKeyboard::tab_visits_everything_in_visual_order()
 {
     listThree();
     QCOMPARE(tabStops(*m_panel), stopsWith(three()));
 }
 
-void TstPanelKeyboard::backtab_visits_the_same_the_other_way_round()
+void TstPanelKeyboard::backtab_visits_the_same_in_reverse()
 {
     listThree();
     QStringList reversed = stopsWith(three());
@@ -163,13 +163,13 @@ void TstPanelKeyboard::backtab_visits_the_same_the_other_way_round()
     QCOMPARE(tabStops(*m_panel, Qt::ShiftModifier), reversed);
 }
 
-void TstPanelKeyboard::tab_passes_over_commands_that_are_grey()
+void TstPanelKeyboard::tab_skips_disabled_commands()
 {
     QCOMPARE(tabStops(*m_panel), QStringList({QStringLiteral("Save Project"), QStringLiteral("Import Project"),
                                               QStringLiteral("Apply Others")}));
 }
 
-void TstPanelKeyboard::tab_order_follows_rows_that_come_and_go()
+void TstPanelKeyboard::tab_order_follows_added_and_removed_rows()
 {
     listThree();
     QVERIFY(writePackage(projectFile(QStringLiteral("Between")), QString(), 15));
@@ -216,7 +216,7 @@ void TstPanelKeyboard::focused_row_scrolls_into_view()
     }
 }
 
-void TstPanelKeyboard::focus_of_a_deleted_row_goes_to_the_next()
+void TstPanelKeyboard::focus_moves_from_deleted_row_to_the_next()
 {
     listThree();
     m_panel->rowButtons(1).at(3)->setFocus(Qt::TabFocusReason);
@@ -231,7 +231,7 @@ void TstPanelKeyboard::focus_of_a_deleted_row_goes_to_the_next()
     QCOMPARE(tabStops(*m_panel), stopsWith({QStringLiteral("New"), QStringLiteral("Old")}));
 }
 
-void TstPanelKeyboard::focus_of_a_first_row_that_goes_stays_in_the_table()
+void TstPanelKeyboard::focus_of_removed_first_row_stays_in_table()
 {
     listThree();
     m_panel->rowButtons(0).at(2)->setFocus(Qt::TabFocusReason);

@@ -119,7 +119,7 @@ private slots:
     void initTestCase();
     void init();
 
-    void scale_is_the_one_that_was_asked_for();
+    void requested_scale_is_used();
     void empty_panel_shows_its_texts_whole_data() { languages(); }
     void empty_panel_shows_its_texts_whole();
     void full_panel_shows_its_texts_whole_data() { languages(); }
@@ -162,7 +162,7 @@ void TstPanelLook::languages()
     QTest::newRow("pseudo") << QStringLiteral("pseudo");
 }
 
-void TstPanelLook::scale_is_the_one_that_was_asked_for()
+void TstPanelLook::requested_scale_is_used()
 {
     const QWidget window;
     const QString asked = qEnvironmentVariable("QT_SCALE_FACTOR", QStringLiteral("1"));

@@ -86,7 +86,7 @@ private slots:
     void the_panel_may_be_deleted_during_a_scan();
     void a_package_is_listed_once_completely_written();
     void a_file_at_rest_is_not_reread();
-    void a_closed_panel_looks_at_nothing_again();
+    void closed_panel_scans_no_more();
 };
 
 void TstProjectListing::init()
@@ -414,7 +414,7 @@ void TstProjectListing::a_file_at_rest_is_not_reread()
     QVERIFY(!timer->isActive());
 }
 
-void TstProjectListing::a_closed_panel_looks_at_nothing_again()
+void TstProjectListing::closed_panel_scans_no_more()
 {
     const TestSite site;
     QPointer<QTimer> timer;

@@ -67,17 +67,17 @@ private slots:
 
     void buttons_are_children_of_their_cell();
     void pressing_a_button_returns_before_its_dialog_opens();
-    void way_up_from_a_button_leads_through_its_cell();
-    void each_child_knows_its_place();
-    void cells_tell_their_headers();
+    void parent_of_a_button_is_its_cell();
+    void each_child_has_its_index();
+    void cells_have_their_headers();
     void cells_are_plain_text();
-    void child_at_a_point_is_what_is_there();
+    void child_at_a_point_is_found();
     void rows_out_of_sight_are_off_screen();
     void nothing_in_the_table_can_be_selected();
-    void tree_follows_rows_that_come_and_go();
+    void tree_follows_added_and_removed_rows();
     void tree_follows_the_language();
     void a_removed_row_is_no_longer_valid();
-    void a_panel_built_for_a_reader_is_the_same();
+    void panel_built_for_a_screen_reader_is_equal();
     void nothing_outlives_the_panel();
 
 private:
@@ -169,7 +169,7 @@ void TstTableAccessibility::pressing_a_button_returns_before_its_dialog_opens()
     QVERIFY(cell(0, 2)->child(1)->actionInterface()->actionNames().isEmpty());
 }
 
-void TstTableAccessibility::way_up_from_a_button_leads_through_its_cell()
+void TstTableAccessibility::parent_of_a_button_is_its_cell()
 {
     list(QStringLiteral("Evening show"));
     QStringList way;
@@ -179,7 +179,7 @@ void TstTableAccessibility::way_up_from_a_button_leads_through_its_cell()
     QCOMPARE(table()->parent(), interfaceOf(m_panel->widget.get()));
 }
 
-void TstTableAccessibility::each_child_knows_its_place()
+void TstTableAccessibility::each_child_has_its_index()
 {
     listThree();
     const QList<QAccessibleInterface *> children = childrenOf(table());
@@ -203,7 +203,7 @@ void TstTableAccessibility::each_child_knows_its_place()
     QVERIFY(!cell(-1, 0));
 }
 
-void TstTableAccessibility::cells_tell_their_headers()
+void TstTableAccessibility::cells_have_their_headers()
 {
     listThree();
     const QStringList headers{QStringLiteral("Project file"), QStringLiteral("Comment"), QStringLiteral("Operations")};
@@ -255,7 +255,7 @@ void TstTableAccessibility::cells_are_plain_text()
     QVERIFY(cell(0, 0)->state().invisible);
 }
 
-void TstTableAccessibility::child_at_a_point_is_what_is_there()
+void TstTableAccessibility::child_at_a_point_is_found()
 {
     listThree();
     for (int column = 0; column < 3; ++column) {
@@ -305,7 +305,7 @@ void TstTableAccessibility::nothing_in_the_table_can_be_selected()
     QVERIFY(!cell(0, 0)->tableCellInterface()->isSelected());
 }
 
-void TstTableAccessibility::tree_follows_rows_that_come_and_go()
+void TstTableAccessibility::tree_follows_added_and_removed_rows()
 {
     listThree();
     compareTree();
@@ -367,7 +367,7 @@ void TstTableAccessibility::a_removed_row_is_no_longer_valid()
     compareTree();
 }
 
-void TstTableAccessibility::a_panel_built_for_a_reader_is_the_same()
+void TstTableAccessibility::panel_built_for_a_screen_reader_is_equal()
 {
     // While a screen reader runs, Qt makes interfaces already in the widgets' constructors.
     QPlatformAccessibility *const accessibility = QGuiApplicationPrivate::platformIntegration()->accessibility();

@@ -108,16 +108,16 @@ private slots:
     void initTestCase();
     void init() { WarningGuard::clear(); }
 
-    void slots_stand_in_their_fixed_order();
+    void slots_are_in_their_fixed_order();
     void size_and_properties_are_fixed();
     void the_title_follows_the_language();
     void disks_are_listed_by_mount_path();
     void only_mounted_usb_disks_are_listed_data();
     void only_mounted_usb_disks_are_listed();
-    void the_machine_s_own_volumes_are_looked_at();
+    void volumes_of_the_machine_are_scanned();
     void without_the_folder_of_mounts_nothing_is_listed();
     void the_list_is_shown_by_the_dialog();
-    void the_choice_follows_the_button_it_is_told();
+    void choice_follows_the_button_passed_in();
     void disks_exclude_each_other();
     void nothing_is_chosen_at_first();
     void ok_keeps_the_disk_that_was_clicked_last();
@@ -131,7 +131,7 @@ void TstUDiskSelectWidget::initTestCase()
         QSKIP("Without /mnt/ no disk is ever listed");
 }
 
-void TstUDiskSelectWidget::slots_stand_in_their_fixed_order()
+void TstUDiskSelectWidget::slots_are_in_their_fixed_order()
 {
     const QMetaObject &meta = UDiskSelectWidget::staticMetaObject;
     QCOMPARE(meta.className(), "UDiskSelectWidget");
@@ -230,7 +230,7 @@ void TstUDiskSelectWidget::only_mounted_usb_disks_are_listed()
     QCOMPARE(dialog.diskCount(), expected.count());
 }
 
-void TstUDiskSelectWidget::the_machine_s_own_volumes_are_looked_at()
+void TstUDiskSelectWidget::volumes_of_the_machine_are_scanned()
 {
     int expected = 0;
     for (const QStorageInfo &volume : QStorageInfo::mountedVolumes()) {
@@ -262,7 +262,7 @@ void TstUDiskSelectWidget::the_list_is_shown_by_the_dialog()
     QVERIFY(diskList(dialog)->testAttribute(Qt::WA_WState_ExplicitShowHide));
 }
 
-void TstUDiskSelectWidget::the_choice_follows_the_button_it_is_told()
+void TstUDiskSelectWidget::choice_follows_the_button_passed_in()
 {
     UDiskSelectWidget dialog(nullptr, twoDisks);
     const auto choose = [&dialog](QAbstractButton *button) {

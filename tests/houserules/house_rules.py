@@ -45,6 +45,7 @@ class HouseRules(unittest.TestCase):
                                ("std::unique_ptr<QFile> m_file;", "p"), ("QVector<Entry> m_entries;", "list")):
             name = member.split(";")[0].split(" =")[0].split("{")[0].replace("*const ", "").split()[-1].lstrip("*")
             self.check(record(member), f"3: the prefix of \"{name}\" is \"{prefix}\"")
+        self.check(record("quint64 m_last = 0; // guarded"), "3: the prefix of \"m_last\" is \"n\"")
         self.check(record("QString name;"), path="tests/a.cpp")
 
     def test_a_source_begins_with_its_terms(self):

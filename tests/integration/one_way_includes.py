@@ -2,8 +2,8 @@
 # SPDX-FileCopyrightText: Velmora
 # SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """Preprocesses, with the compile command of each folder of the product, a source that includes one header of a folder above
-it, and expects that the header is not found. One that the folder may use must be, so that a broken command does not look
-like a refusal.
+it, or of the host where it may not know it, and expects that the header is not found. A header that the folder may use must
+be found, so that a broken command does not look like a refusal.
 
     one_way_includes.py COMPILE_COMMANDS PRODUCT_FOLDER
 """
@@ -21,8 +21,8 @@ MAY_USE = {
     "files": [],
     "package": ["files"],
     "pictures": ["files", "package"],
-    "jobs": ["files", "package", "pictures"],
-    "panel": ["files", "package", "pictures", "jobs"],
+    "jobs": ["files", "package", "pictures", "host"],
+    "panel": ["files", "package", "pictures", "jobs", "host"],
 }
 
 
@@ -43,7 +43,7 @@ def command_of(folder, commands, product):
 def is_found(arguments, directory, header, work):
     source = work / ("%s_%s.cpp" % (os.getpid(), header.replace("/", "_")))
     source = source.with_name(source.stem + "_%x.cpp" % abs(hash((tuple(arguments), header))))
-    source.write_text('#include "%s"\n' % header)
+    source.write_text("#include <%s>\n" % header)
     return subprocess.run(arguments + [str(source)], cwd=directory, stdout=subprocess.DEVNULL,
                           stderr=subprocess.DEVNULL).returncode == 0
 
@@ -52,6 +52,7 @@ def main():
     commands = json.loads(pathlib.Path(sys.argv[1]).read_text())
     product = pathlib.Path(sys.argv[2]).resolve()
     headers = {folder: sorted(p.name for p in (product / folder).glob("*.h")) for folder in MAY_USE}
+    headers["host"] = sorted("host/" + p.name for p in (product / "host").glob("*.h"))
     failures, checked = [], 0
     with tempfile.TemporaryDirectory() as work, \
             concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
@@ -59,7 +60,7 @@ def main():
         tasks = []
         for folder, used in MAY_USE.items():
             arguments, directory = command_of(folder, commands, product)
-            for other in MAY_USE:
+            for other in headers:
                 allowed = other == folder or other in used
                 # One header proves that an allowed folder is reachable; of a forbidden one, each header counts.
                 for header in headers[other][:1] if allowed else headers[other]:

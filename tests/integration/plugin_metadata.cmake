@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: Velmora
 # SPDX-License-Identifier: LicenseRef-Commercial-Usage
 
-# Compares the metadata embedded in PLUGIN, read by QTPLUGININFO, with the file EXPECTED. Qt's own entries vary with the
+# Compares the metadata embedded in PLUGIN, read by QTPLUGININFO, with the file EXPECTED and the VERSION. Qt's own entries vary with the
 # Qt version: they must exist, and are otherwise ignored.
 cmake_minimum_required(VERSION 3.19)
 
@@ -19,6 +19,7 @@ foreach(entry archreq debug version)
 endforeach()
 
 file(READ "${EXPECTED}" expected)
+string(CONFIGURE "${expected}" expected @ONLY)
 string(JSON equal EQUAL "${actual}" "${expected}")
 if(NOT equal)
     message(FATAL_ERROR "Metadata of ${PLUGIN}:\n${actual}\nExpected:\n${expected}")

@@ -17,6 +17,9 @@
 #include <QTranslator>
 
 #include <atomic>
+#include <cerrno>
+#include <dlfcn.h>
+#include <pthread.h>
 #include <stdexcept>
 #include <utility>
 
@@ -55,8 +58,25 @@ PackageBuilder onlyDescription(const QByteArray &description)
 
 } // namespace
 
+// The sanitizers have a hook of their own there.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define CAN_REFUSE_THREADS
+namespace {
+/// The system refuses so many threads.
+std::atomic<int> s_refusedThreads{0};
+} // namespace
+
+extern "C" Q_DECL_EXPORT int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*begin)(void *),
+                                            void *argument) noexcept
+{
+    static const auto function = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return s_refusedThreads-- > 0 ? EAGAIN : (s_refusedThreads = 0, function(thread, attributes, begin, argument));
+}
+#endif
+
 using MakePackage = std::function<PackageBuilder()>;
 Q_DECLARE_METATYPE(MakePackage)
+Q_DECLARE_METATYPE(QMessageBox::StandardButton)
 
 /// How applying a project ends: results, a cancel, exceptions of the host, a deleted panel.
 class TstApplyEndings : public QObject, protected Applying
@@ -87,6 +107,12 @@ private slots:
     // Exceptions of the host
     void host_exceptions_end_in_a_message_data();
     void host_exceptions_end_in_a_message();
+    void a_lookup_that_throws_finds_no_device_data();
+    void a_lookup_that_throws_finds_no_device();
+
+    // No thread to be had
+    void without_a_thread_the_job_ends_data();
+    void without_a_thread_the_job_ends();
 
     // Closing
     void deleting_the_panel_midway_ends_the_load();
@@ -388,6 +414,93 @@ void TstApplyEndings::host_exceptions_end_in_a_message()
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Closing
+
+void TstApplyEndings::a_lookup_that_throws_finds_no_device_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<bool>("isCancelled");
+    QTest::newRow("apply") << QMessageBox::No << false;
+    QTest::newRow("cancelled apply") << QMessageBox::No << true;
+    QTest::newRow("apply after a backup") << QMessageBox::Yes << false;
+    QTest::newRow("cancelled backup") << QMessageBox::Yes << true;
+}
+
+void TstApplyEndings::a_lookup_that_throws_finds_no_device()
+{
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(bool, isCancelled);
+    list(packageOf(richDevice(sourceIp)));
+    WaitingDialog::instance()->setCanelVisible(true);
+    const ExpectMessage critical(QtCriticalMsg, QRegularExpression(QStringLiteral("out of luck$")),
+                                 ExpectMessage::AnyNumber);
+    const ExpectMessage warned(QtWarningMsg, QRegularExpression(QStringLiteral("^(Import project|Not begun)")),
+                               ExpectMessage::AnyNumber);
+    m_book->answerOthers([answer](QDialog *dialog) {
+        auto *box = qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog);
+        click(box->kind() == HX::Widgets::FramelessMessageBox::Question ? box->button(answer)
+                                                                        : box->button(QMessageBox::Ok));
+    });
+    // Each lookup in turn, until none is left.
+    bool hasThrown = true;
+    for (int call = 1; hasThrown; ++call) {
+        QVERIFY(call < 50);
+        hasThrown = false;
+        Faults::instance()->clear();
+        Journal::instance()->clear();
+        if (isCancelled)
+            Faults::instance()->arm(answer == QMessageBox::Yes ? serailize : canMVEEnable, cancelling());
+        Faults::instance()->arm(getDeviceByIPAddr, Fault::run(
+                                                       [&hasThrown] {
+                                                           hasThrown = true;
+                                                           throw std::runtime_error("out of luck");
+                                                       },
+                                                       call));
+        clickApply();
+        QTRY_VERIFY(Journal::instance()->count(setOperatorType) == 0 || hasJobEnded());
+        settle();
+        QVERIFY(!WaitingDialog::instance()->isVisible());
+    }
+}
+
+void TstApplyEndings::without_a_thread_the_job_ends_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<QString>("box");
+    QTest::newRow("apply") << QMessageBox::No << QStringLiteral("Project file import failed");
+    QTest::newRow("backup") << QMessageBox::Yes << QStringLiteral("Failed to encrypt file");
+}
+
+void TstApplyEndings::without_a_thread_the_job_ends()
+{
+#ifdef CAN_REFUSE_THREADS
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(QString, box);
+    list(packageOf(richDevice(sourceIp)));
+    // No other thread begins between this call and the start of the job.
+    Faults::instance()->arm(setOperatorType, Fault::run([] { s_refusedThreads = 1; }));
+    {
+        const ExpectMessage told(QtCriticalMsg, QRegularExpression(QStringLiteral("^QThread::start: Thread creation")),
+                                 1);
+        expectQuestion(answer);
+        m_book->expectBox(answer == QMessageBox::Yes ? HX::Widgets::FramelessMessageBox::Information
+                                                     : HX::Widgets::FramelessMessageBox::Warning,
+                          QStringLiteral("Remind"), box, QMessageBox::Ok);
+        clickApply();
+        VERIFY_BOOK();
+    }
+    QVERIFY(hasJobEnded());
+    QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
+    settle();
+
+    // The next one works.
+    Journal::instance()->clear();
+    apply(answer);
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+#else
+    QSKIP("A sanitizer has a hook of its own there");
+#endif
+}
 
 void TstApplyEndings::deleting_the_panel_midway_ends_the_load()
 {

@@ -56,6 +56,7 @@ private slots:
 
     // Apply Others
     void apply_others_applies_a_package_from_anywhere();
+    void apply_others_applies_to_the_device_selected_before();
     void apply_others_chooses_one_file();
     void cancelling_the_chooser_does_nothing();
     void apply_others_refuses_invalid_packages_data();
@@ -75,6 +76,16 @@ private slots:
     void a_failed_reset_is_reported();
     void a_device_lost_before_the_reset_is_reported();
     void a_removed_device_is_not_reset();
+
+    // A site that changes meanwhile
+    void another_device_is_never_reset();
+    void device_lost_during_the_check_is_not_reset();
+    void device_appearing_during_the_check_stays_unchanged();
+    void losing_the_device_behind_the_question_ends_applying();
+
+private:
+    /// Acts once, when the load's check looks the device up; `lastCall` is the panel's last call of the host before it.
+    static void beforeTheCheck(const QString &lastCall, const std::function<void()> &act);
 };
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -285,6 +296,27 @@ void TstApplyFlow::apply_others_applies_a_package_from_anywhere()
     COMPARE_STATES(hardware(targetIp).configuration(), source.configuration());
     QVERIFY(QFile::exists(path));
     QCOMPARE(m_panel->table()->rowCount(), 0);
+}
+
+void TstApplyFlow::apply_others_applies_to_the_device_selected_before()
+{
+    const HardwareState active = hardware(targetIp);
+    const HardwareState source = richDevice(sourceIp);
+    const QString package = elsewhere(packageOf(source), QStringLiteral("elsewhere.corvelpro"));
+    selectDevice(secondIp);
+    m_book->expectDialog(QStringLiteral("QFileDialog"), [&](QDialog *dialog) {
+        // As when the window is restored: selects the active device.
+        (*m_panel)->hide();
+        (*m_panel)->show();
+        QCOMPARE(m_panel->selectedAddress(), targetIp);
+        typePaths(qobject_cast<QFileDialog *>(dialog), {package});
+    });
+    expectQuestion(QMessageBox::No);
+    click(m_panel->applyOthers());
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    COMPARE_STATES(hardware(targetIp), active);
+    COMPARE_STATES(hardware(secondIp).configuration(), source.configuration());
 }
 
 void TstApplyFlow::apply_others_chooses_one_file()
@@ -532,6 +564,100 @@ void TstApplyFlow::a_removed_device_is_not_reset()
     VERIFY_BOOK();
     settle();
     VERIFY_JOURNAL({questionBox});
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// A site that changes meanwhile
+
+void TstApplyFlow::another_device_is_never_reset()
+{
+    const HardwareState first = hardware(targetIp);
+    const HardwareState second = hardware(secondIp);
+    list(packageOf(plainDevice(sourceIp)));
+    Faults::instance()->arm(updateOnlineDevice, Fault::run([this] {
+                                Model::object_brige::instance()->setActiveDevice((*m_site)->device(secondIp));
+                            }));
+    const ExpectMessage told(
+        QtWarningMsg, QStringLiteral("Not reset: %1 is to be, but %2 is the active device").arg(targetIp, secondIp), 1);
+    expectQuestion(QMessageBox::No);
+    m_book->expectWarning(QStringLiteral("Warning"), QStringLiteral(" Restore factory failed "));
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
+    COMPARE_STATES(hardware(targetIp), first);
+    COMPARE_STATES(hardware(secondIp), second);
+}
+
+void TstApplyFlow::beforeTheCheck(const QString &lastCall, const std::function<void()> &act)
+{
+    const auto isDone = std::make_shared<bool>(false);
+    constexpr int lookups = 20;
+    for (int call = 1; call <= lookups; ++call)
+        Faults::instance()->arm(getDeviceByIPAddr, Fault::run(
+                                                       [=] {
+                                                           if (*isDone ||
+                                                               mainThreadOperations().value(0) != questionBox ||
+                                                               mainThreadOperations().last() != lastCall)
+                                                               return;
+                                                           *isDone = true;
+                                                           act();
+                                                       },
+                                                       call));
+}
+
+void TstApplyFlow::device_lost_during_the_check_is_not_reset()
+{
+    const HardwareState before = hardware(targetIp);
+    list(packageOf(richDevice(sourceIp)));
+    beforeTheCheck(hideWaitingDialog, [this] { (*m_site)->unplug(targetIp); });
+    Faults::instance()->arm(deviceFromJson, Fault::run([this] { (*m_site)->plug(targetIp); }));
+    applyAndExpect(QStringLiteral("Project file import failed"));
+    VERIFY_BOOK();
+    settle();
+    QVERIFY((*m_site)->device(targetIp)->getDeviceOnlineFlag());
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
+    COMPARE_STATES(hardware(targetIp), before);
+}
+
+void TstApplyFlow::device_appearing_during_the_check_stays_unchanged()
+{
+    list(packageOf(richDevice(sourceIp)));
+    selectDevice(offlineIp);
+    HardwareState before;
+    beforeTheCheck(setActiveDevice, [&] {
+        (*m_site)->plug(offlineIp);
+        before = hardware(offlineIp);
+    });
+    applyAndExpect(QStringLiteral("Project file import failed"));
+    VERIFY_BOOK();
+    settle();
+    QVERIFY((*m_site)->device(offlineIp)->getDeviceOnlineFlag());
+    QCOMPARE(Journal::instance()->count(copySlotDataToDevice), 0);
+    COMPARE_STATES(hardware(offlineIp), before);
+}
+
+void TstApplyFlow::losing_the_device_behind_the_question_ends_applying()
+{
+    const HardwareState second = hardware(secondIp);
+    list(packageOf(plainDevice(sourceIp)));
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [&](QDialog *dialog) {
+        Model::DeviceList::instance()->removeDevice(targetIp);
+        Model::object_brige::instance()->setActiveDevice((*m_site)->device(secondIp));
+        (*m_panel)->hide();
+        (*m_panel)->show();
+        click(qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog)->button(QMessageBox::No));
+    });
+    const ExpectMessage told(
+        QtWarningMsg, QStringLiteral("Not begun for %1: it has gone, and %2 is selected now").arg(targetIp, secondIp),
+        1);
+    clickApply();
+    VERIFY_BOOK();
+    settle();
+    QCOMPARE(m_panel->selectedAddress(), secondIp);
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
+    COMPARE_STATES(hardware(secondIp), second);
 }
 
 TEST_MAIN(TstApplyFlow)

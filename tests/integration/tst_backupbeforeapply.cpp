@@ -20,6 +20,8 @@ using Simulation::Faults;
 using Simulation::HardwareState;
 using Simulation::Journal;
 
+Q_DECLARE_METATYPE(QMessageBox::StandardButton)
+
 /// Applying a project after backing up the device's current configuration: "Yes" to the question.
 class TstBackupBeforeApply : public QObject, protected Applying
 {
@@ -40,6 +42,9 @@ private slots:
     void without_an_active_device_nothing_waits();
     void a_late_cancel_of_the_backup_prevents_applying();
     void cancelling_after_a_backup_cancels_once();
+    void cancel_reaches_the_backed_up_device();
+    void restoring_the_window_changes_no_target_data();
+    void restoring_the_window_changes_no_target();
 };
 
 void TstBackupBeforeApply::yes_saves_a_project_before_applying()
@@ -266,6 +271,67 @@ void TstBackupBeforeApply::cancelling_after_a_backup_cancels_once()
     waitForEndOfLoad();
     VERIFY_BOOK();
     QCOMPARE(Journal::instance()->count(cancelCurrentTask), 1);
+}
+
+void TstBackupBeforeApply::cancel_reaches_the_backed_up_device()
+{
+    list(packageOf(plainDevice(sourceIp)));
+    selectDevice(secondIp);
+    Faults::instance()->arm(serailize, Fault::run([this] {
+                                onMainThread([this] {
+                                    // Selects the active device.
+                                    (*m_panel)->hide();
+                                    (*m_panel)->show();
+                                });
+                            }));
+    Faults::instance()->arm(serailize, cancelling());
+    apply(QMessageBox::Yes);
+    QTRY_VERIFY(hasJobEnded());
+    settle();
+    VERIFY_BOOK();
+    QCOMPARE(journalArguments(cancelOperator, "ip"), QVariantList{secondIp});
+}
+
+void TstBackupBeforeApply::restoring_the_window_changes_no_target_data()
+{
+    QTest::addColumn<bool>("isDuringBackup");
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::newRow("behind the question, then no backup") << false << QMessageBox::No;
+    QTest::newRow("behind the question, then a backup") << false << QMessageBox::Yes;
+    QTest::newRow("during the backup") << true << QMessageBox::Yes;
+}
+
+void TstBackupBeforeApply::restoring_the_window_changes_no_target()
+{
+    QFETCH(bool, isDuringBackup);
+    QFETCH(QMessageBox::StandardButton, answer);
+    const HardwareState active = hardware(targetIp);
+    const HardwareState source = richDevice(sourceIp);
+    list(packageOf(source));
+    // Selecting a device does not make it active; showing the panel selects the active one.
+    selectDevice(secondIp);
+    const auto restore = [this] {
+        (*m_panel)->hide();
+        (*m_panel)->show();
+        QCOMPARE(m_panel->selectedAddress(), targetIp);
+    };
+    if (isDuringBackup)
+        Faults::instance()->arm(serailize, Fault::run([&] { onMainThread(restore); }));
+    m_book->expectDialog(QStringLiteral("HX::Widgets::FramelessMessageBox"), [&](QDialog *dialog) {
+        if (!isDuringBackup)
+            restore();
+        click(qobject_cast<HX::Widgets::FramelessMessageBox *>(dialog)->button(answer));
+    });
+    clickApply();
+    waitForEndOfLoad();
+    VERIFY_BOOK();
+    QCOMPARE(Faults::instance()->armedCount(), 0);
+    COMPARE_STATES(hardware(targetIp), active);
+    COMPARE_STATES(hardware(secondIp).configuration(), source.configuration());
+    QCOMPARE(m_panel->selectedAddress(), secondIp);
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 1);
+    QCOMPARE(ZipPackageHandle::isValidEngineerPacket(projectFile(QStringLiteral("Project1"))),
+             answer == QMessageBox::Yes);
 }
 
 TEST_MAIN(TstBackupBeforeApply)

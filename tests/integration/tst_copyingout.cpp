@@ -39,9 +39,9 @@ private slots:
     void save_as_suggests_the_documents_folder();
     void cancelling_the_save_dialog_copies_nothing();
     void save_as_refuses_an_existing_file();
-    void save_as_adds_the_extension_to_a_bare_name();
-    void save_as_adds_the_extension_to_every_other_name_data();
-    void save_as_adds_the_extension_to_every_other_name();
+    void save_as_adds_extension_to_a_bare_name();
+    void save_as_adds_extension_to_other_names_data();
+    void save_as_adds_extension_to_other_names();
     void save_as_with_a_bare_name_overwrites_nothing_data();
     void save_as_with_a_bare_name_overwrites_nothing();
     void save_as_reports_a_missing_package();
@@ -125,7 +125,7 @@ void TstCopyingOut::save_as_refuses_an_existing_file()
     QVERIFY(waitingTexts().isEmpty());
 }
 
-void TstCopyingOut::save_as_adds_the_extension_to_a_bare_name()
+void TstCopyingOut::save_as_adds_extension_to_a_bare_name()
 {
     list(QStringLiteral("show"));
     m_book->expectFileDialog(saveTitle, {elsewhere(QString::fromUtf8("晚场 show"))});
@@ -137,7 +137,7 @@ void TstCopyingOut::save_as_adds_the_extension_to_a_bare_name()
     QVERIFY(!QFile::exists(elsewhere(QString::fromUtf8("晚场 show"))));
 }
 
-void TstCopyingOut::save_as_adds_the_extension_to_every_other_name_data()
+void TstCopyingOut::save_as_adds_extension_to_other_names_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("written");
@@ -153,7 +153,7 @@ void TstCopyingOut::save_as_adds_the_extension_to_every_other_name_data()
     row("acorvelpro", "acorvelpro.corvelpro");
 }
 
-void TstCopyingOut::save_as_adds_the_extension_to_every_other_name()
+void TstCopyingOut::save_as_adds_extension_to_other_names()
 {
     QFETCH(QString, typed);
     QFETCH(QString, written);

@@ -135,7 +135,7 @@ void TstDeleting::a_failed_delete_stops_watching_the_directory()
     clickRow(QStringLiteral("show"), QStringLiteral("Delete"));
     VERIFY_BOOK();
     QVERIFY(row(QStringLiteral("show")));
-    QVERIFY(!isFollowingTheDirectory());
+    QVERIFY(isIgnoringTheDirectory());
 
     // The panel's own operations watch it again.
     m_book->expectQuestion(remind, deleteQuestion, QMessageBox::Yes);

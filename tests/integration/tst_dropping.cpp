@@ -100,19 +100,19 @@ private slots:
     void cleanup() { tearDown(); }
 
     void dropped_packages_are_imported_in_their_order();
-    void every_part_of_the_table_takes_a_drop_data();
-    void every_part_of_the_table_takes_a_drop();
+    void every_part_of_the_table_accepts_drops_data();
+    void every_part_of_the_table_accepts_drops();
     void a_drop_is_a_copy_for_its_source();
-    void what_is_no_package_file_is_refused_data();
-    void what_is_no_package_file_is_refused();
+    void non_package_file_is_refused_data();
+    void non_package_file_is_refused();
     void one_other_file_refuses_the_whole_drop();
-    void the_rest_of_the_panel_takes_nothing();
+    void rest_of_the_panel_refuses_drops();
     void a_dropped_file_that_is_gone_is_reported();
     void a_dropped_package_from_the_list_is_reported();
     void a_drop_needs_more_space_than_its_files();
-    void nothing_is_taken_while_a_dialog_blocks_the_panel();
-    void two_drops_at_once_never_import_side_by_side();
-    void the_source_of_a_drop_never_waits_for_a_box();
+    void drops_are_refused_while_a_dialog_is_open();
+    void simultaneous_drops_are_not_imported_concurrently();
+    void drop_source_never_waits_for_a_box();
     void a_thousand_files_are_imported_at_once();
     void the_panel_may_be_deleted_after_a_drop();
 
@@ -150,14 +150,14 @@ void TstDropping::dropped_packages_are_imported_in_their_order()
     QVERIFY(QFile::exists(files.at(2)));
 }
 
-void TstDropping::every_part_of_the_table_takes_a_drop_data()
+void TstDropping::every_part_of_the_table_accepts_drops_data()
 {
     QTest::addColumn<QString>("part");
     for (const char *part : {"empty area", "row", "row's button", "header"})
         QTest::newRow(part) << QString::fromLatin1(part);
 }
 
-void TstDropping::every_part_of_the_table_takes_a_drop()
+void TstDropping::every_part_of_the_table_accepts_drops()
 {
     QFETCH(QString, part);
     list(QStringLiteral("listed"));
@@ -190,7 +190,7 @@ void TstDropping::a_drop_is_a_copy_for_its_source()
     QVERIFY(m_panel->names().isEmpty());
 }
 
-void TstDropping::what_is_no_package_file_is_refused_data()
+void TstDropping::non_package_file_is_refused_data()
 {
     QTest::addColumn<QList<QUrl>>("urls");
     QTest::newRow("nothing") << QList<QUrl>();
@@ -203,7 +203,7 @@ void TstDropping::what_is_no_package_file_is_refused_data()
     QTest::newRow("a folder named like a package") << QList<QUrl>{QUrl(QStringLiteral("folder.corvelpro"))};
 }
 
-void TstDropping::what_is_no_package_file_is_refused()
+void TstDropping::non_package_file_is_refused()
 {
     QFETCH(QList<QUrl>, urls);
     if (urls.value(0).isRelative() && !urls.value(0).isEmpty()) {
@@ -231,7 +231,7 @@ void TstDropping::one_other_file_refuses_the_whole_drop()
     QCOMPARE(contents(projectFilesPath()), QStringList{QStringLiteral("good.CORVELPRO")});
 }
 
-void TstDropping::the_rest_of_the_panel_takes_nothing()
+void TstDropping::rest_of_the_panel_refuses_drops()
 {
     Dragged dragged({package(QStringLiteral("a.corvelpro"))});
     for (QWidget *widget :
@@ -275,7 +275,7 @@ void TstDropping::a_drop_needs_more_space_than_its_files()
     QVERIFY(waitingTexts().isEmpty());
 }
 
-void TstDropping::nothing_is_taken_while_a_dialog_blocks_the_panel()
+void TstDropping::drops_are_refused_while_a_dialog_is_open()
 {
     Dragged dragged({package(QStringLiteral("second.corvelpro"))});
     const Pointer pointer(table(), dragged);
@@ -308,7 +308,7 @@ void TstDropping::nothing_is_taken_while_a_dialog_blocks_the_panel()
     QCOMPARE(waitingTexts(), QStringList{importWaiting});
 }
 
-void TstDropping::two_drops_at_once_never_import_side_by_side()
+void TstDropping::simultaneous_drops_are_not_imported_concurrently()
 {
     Dragged first({package(QStringLiteral("first.corvelpro"))});
     Dragged second({package(QStringLiteral("second.corvelpro"))});
@@ -322,7 +322,7 @@ void TstDropping::two_drops_at_once_never_import_side_by_side()
     QCOMPARE(contents(projectFilesPath()), QStringList{QStringLiteral("first.corvelpro")});
 }
 
-void TstDropping::the_source_of_a_drop_never_waits_for_a_box()
+void TstDropping::drop_source_never_waits_for_a_box()
 {
     // Until the drop returns, the program from which it comes may stand still.
     const QString file = elsewhere(QStringLiteral("large.corvelpro"));

@@ -58,24 +58,26 @@ private slots:
     void cleanup();
 
     void the_metadata_orders_it_after_its_dependencies();
+    void without_its_dependencies_it_is_refused();
+    void a_dependency_of_another_version_is_named();
     void the_entry_point_gives_the_one_object();
     void the_entry_point_replaces_a_deleted_plugin();
-    void the_class_knows_its_living_object();
+    void instance_returns_the_existing_object();
     void the_sub_mode_is_registered_for_every_device();
     void only_the_plugin_is_in_the_pool_yet();
-    void coming_up_goes_in_this_order();
-    void delayed_work_is_said_to_be_done();
+    void startup_runs_in_this_order();
+    void delayed_initialization_reports_completion();
     void file_names_are_utf8_from_the_start();
     void a_missing_translation_is_one_warning();
     void texts_come_from_the_translation_directory();
 
-    void never_shown_it_touches_no_center_widget();
+    void unshown_sub_mode_touches_no_center_widget();
     void the_panel_is_created_after_the_mode_change();
     void the_first_activation_enters_the_panel_twice();
     void the_panel_is_pooled_before_it_is_entered();
     void later_activations_enter_the_same_panel_once();
     void showing_it_again_registers_nothing_twice();
-    void another_mode_takes_the_panel_out();
+    void another_mode_removes_the_panel();
 
     void no_active_device_changes_nothing();
     void a_supporting_device_registers_nothing_twice();
@@ -87,8 +89,8 @@ private slots:
     void another_device_without_support_removes_nothing_twice();
 
     void shutting_down_before_the_panel_exists();
-    void shutting_down_takes_everything_out();
-    void shutting_down_goes_in_this_order();
+    void shutdown_removes_everything();
+    void shutdown_runs_in_this_order();
     void a_device_change_after_shutdown_makes_a_mode();
     void shutting_down_while_the_panel_is_shown();
     void shutting_down_during_a_backup();
@@ -101,6 +103,8 @@ private:
     static ICenterWidget *panel();
     static SettingCfgModeManager *subModes() { return SettingCfgModeManager::instance(); }
     void makeActive(const QString &ip) { object_brige::instance()->setActiveDevice((*m_site)->device(ip)); }
+    /// What the plugin manager reports of the plugin in a directory with nothing but it and these fixtures.
+    static QStringList errorsBeside(const QStringList &fixtures);
     /// Opens the sub-mode in the settings area and lets the plugin react.
     static void showSubMode(const char *id);
     /// The journal's calls on the panel or the sub-mode.
@@ -154,6 +158,24 @@ ICenterWidget *TstPluginLifecycle::panel()
     return nullptr;
 }
 
+QStringList TstPluginLifecycle::errorsBeside(const QStringList &fixtures)
+{
+    const QTemporaryDir directory;
+    const QString library = QStringLiteral("/libprojectfilecfg.so");
+    QStringList missing;
+    if (!QFile::link(QStringLiteral(HOST_PLUGIN_DIRECTORY) + library, directory.path() + library))
+        missing << library;
+    for (const QString &fixture : fixtures) {
+        const QString name = QStringLiteral("/lib%1.so").arg(fixture);
+        if (!QFile::link(QStringLiteral(FIXTURE_DIRECTORY) + name, directory.path() + name))
+            missing << name;
+    }
+    PluginManager manager;
+    manager.setPluginDirectory(directory.path());
+    manager.loadPlugins();
+    return missing + manager.errors();
+}
+
 void TstPluginLifecycle::showSubMode(const char *id)
 {
     ModeManager::activateMode("SettingCfg");
@@ -179,7 +201,7 @@ void TstPluginLifecycle::the_metadata_orders_it_after_its_dependencies()
     start();
     const PluginSpec *spec = m_manager->plugin("projectfilecfg");
     QCOMPARE(spec->state(), PluginSpec::Running);
-    QCOMPARE(spec->version(), QString("2.0.0"));
+    QCOMPARE(spec->version(), QString(PLUGIN_VERSION));
     QVERIFY(spec->isRequired());
     QStringList order;
     for (const PluginSpec *one : m_manager->loadOrder())
@@ -187,6 +209,19 @@ void TstPluginLifecycle::the_metadata_orders_it_after_its_dependencies()
     QCOMPARE(order, QStringList({"core", "navigationbar", "settingcfg", "projectfilecfg"}));
     QCOMPARE(plugin()->objectName(), QString("ProjectFileCfgPlugin"));
     QCOMPARE(plugin()->metaObject()->className(), "ProjectFileCfg::ProjectFileCfgPlugin");
+}
+
+void TstPluginLifecycle::without_its_dependencies_it_is_refused()
+{
+    QCOMPARE(errorsBeside({}), QStringList{"Plugin \"projectfilecfg\" needs plugin \"core\" in version 2.0.0, which is "
+                                           "missing"});
+}
+
+void TstPluginLifecycle::a_dependency_of_another_version_is_named()
+{
+    QCOMPARE(errorsBeside({"core"}),
+             QStringList{"Plugin \"projectfilecfg\" needs plugin \"core\" in version 2.0.0, but "
+                         "versions 3.0.0 to 3.0.0 are there"});
 }
 
 void TstPluginLifecycle::the_entry_point_gives_the_one_object()
@@ -216,7 +251,7 @@ void TstPluginLifecycle::the_entry_point_replaces_a_deleted_plugin()
     QVERIFY(second->inherits("ProjectFileCfg::ProjectFileCfgPlugin"));
 }
 
-void TstPluginLifecycle::the_class_knows_its_living_object()
+void TstPluginLifecycle::instance_returns_the_existing_object()
 {
     start();
     using Instance = QObject *(*)();
@@ -246,7 +281,7 @@ void TstPluginLifecycle::only_the_plugin_is_in_the_pool_yet()
     QVERIFY(!panel());
 }
 
-void TstPluginLifecycle::coming_up_goes_in_this_order()
+void TstPluginLifecycle::startup_runs_in_this_order()
 {
     Core::HostSettings settings = Core::hostSettings();
     settings.trPath = m_site->path("nowhere");
@@ -280,7 +315,7 @@ void TstPluginLifecycle::coming_up_goes_in_this_order()
     QCOMPARE(calls(panelId), QStringList());
 }
 
-void TstPluginLifecycle::delayed_work_is_said_to_be_done()
+void TstPluginLifecycle::delayed_initialization_reports_completion()
 {
     start();
     Journal::instance()->clear();
@@ -324,7 +359,7 @@ void TstPluginLifecycle::texts_come_from_the_translation_directory()
 // ---------------------------------------------------------------------------------------------------------------------
 // Following the mode
 
-void TstPluginLifecycle::never_shown_it_touches_no_center_widget()
+void TstPluginLifecycle::unshown_sub_mode_touches_no_center_widget()
 {
     start();
     showSubMode("General");
@@ -396,7 +431,7 @@ void TstPluginLifecycle::showing_it_again_registers_nothing_twice()
     QCOMPARE(calls(panelId), QStringList({existCenterWidget, setActivateCenterWidget, raiseWindow, enterWindow}));
 }
 
-void TstPluginLifecycle::another_mode_takes_the_panel_out()
+void TstPluginLifecycle::another_mode_removes_the_panel()
 {
     start();
     showSubMode(subMode);
@@ -531,7 +566,7 @@ void TstPluginLifecycle::shutting_down_before_the_panel_exists()
     QVERIFY(!ObjectPool::instance()->objects().contains(plugin()));
 }
 
-void TstPluginLifecycle::shutting_down_takes_everything_out()
+void TstPluginLifecycle::shutdown_removes_everything()
 {
     start();
     showSubMode(subMode);
@@ -549,7 +584,7 @@ void TstPluginLifecycle::shutting_down_takes_everything_out()
     QCOMPARE(ObjectPool::instance()->objects(), QList<QObject *>());
 }
 
-void TstPluginLifecycle::shutting_down_goes_in_this_order()
+void TstPluginLifecycle::shutdown_runs_in_this_order()
 {
     start();
     showSubMode(subMode);

@@ -77,6 +77,8 @@ private slots:
     void without_an_active_device_a_save_ends_silently();
     void a_removed_device_ends_the_save_silently();
     void losing_the_device_behind_the_dialog_starts_nothing();
+    void device_activated_behind_the_dialog_is_not_saved();
+    void package_created_before_the_job_is_kept();
     void a_failed_synchronisation_is_reported();
     void a_missing_project_folder_has_free_space();
     void needing_all_the_free_space_is_refused();
@@ -463,6 +465,46 @@ void TstSavingFlow::losing_the_device_behind_the_dialog_starts_nothing()
     VERIFY_BOOK();
     QCOMPARE(Journal::instance()->count(setOperatorType), 0);
     QVERIFY(!WaitingDialog::instance()->isVisible());
+}
+
+void TstSavingFlow::device_activated_behind_the_dialog_is_not_saved()
+{
+    const QString selected = m_panel->selectedAddress();
+    QVERIFY(selected != m_site->touringRack);
+    m_book->expectDialog(propertyDialog, [&](QDialog *dialog) {
+        object_brige::instance()->setActiveDevice((*m_site)->device(m_site->touringRack));
+        (*m_panel)->hide();
+        (*m_panel)->show();
+        QCOMPARE(m_panel->selectedAddress(), m_site->touringRack);
+        answerProperties(dialog, QStringLiteral("Show"), QString());
+    });
+    QVERIFY(click(m_panel->saveProject()));
+    QTRY_VERIFY(hasJobEnded());
+    settle();
+    VERIFY_BOOK();
+    QVERIFY(ZipPackageHandle::getFileList(projectFile(QStringLiteral("Show")))
+                .contains(selected + QStringLiteral(".json")));
+    QCOMPARE(m_panel->selectedAddress(), selected);
+}
+
+void TstSavingFlow::package_created_before_the_job_is_kept()
+{
+    // Another program saves under the name between OK and the start of the job, while the device is asked for its
+    // channel.
+    Faults::instance()->arm(setChannelExclusive, Fault::run([] {
+                                QVERIFY(writePackage(projectFile(QStringLiteral("Show")), QStringLiteral("theirs")));
+                            }));
+    m_book->expectDialog(propertyDialog, [](QDialog *dialog) {
+        answerProperties(dialog, QStringLiteral("Show"), QStringLiteral("ours"));
+    });
+    m_book->expectInformation(QStringLiteral("Remind"), QStringLiteral("Failed to encrypt file"));
+    QVERIFY(click(m_panel->saveProject()));
+    waitForAnswers();
+    settle();
+    EngineerPacketInfo info;
+    info.strFilePath = projectFile(QStringLiteral("Show"));
+    QVERIFY(ZipPackageHandle::getZipFileEngineerInfo(info));
+    QCOMPARE(info.strComment, QStringLiteral("theirs"));
 }
 
 void TstSavingFlow::a_failed_synchronisation_is_reported()

@@ -277,7 +277,7 @@ void Points::pass()
 Stage::Stage()
 {
     for (const char *pattern :
-         {"^Import project file failed, as sync device from hardware failed\\.$",
+         {"^Import project file failed, as sync device from hardware failed\\.$", "^Not reset: ", "^Not begun for ",
           "^enable\\(disable\\) MVR failed: ", "^set slot data failed\\.$", "^File rename failed\\.$"})
         m_expected.push_back(std::make_unique<ExpectMessage>(
             QtWarningMsg, QRegularExpression(QString::fromLatin1(pattern)), ExpectMessage::AnyNumber));
@@ -320,12 +320,23 @@ void Stage::closePanel()
     m_panel.reset();
 }
 
+namespace {
+
+/// Larger than what a reader of an archive keeps in memory, its end: else no change of the file would reach it.
+PackageBuilder largePackageOf(const Simulation::HardwareState &state, quint16 versionNeeded = 20)
+{
+    PackageBuilder package = packageOf(state, versionNeeded);
+    return package.file("large.bin", QByteArray(128 * 1024, 'x'), PackageBuilder::Stored);
+}
+
+} // namespace
+
 void Stage::addPackage(const QString &name, const Simulation::HardwareState &state)
 {
     const QString aside = elsewhere(QStringLiteral("aside.zip"));
     // The checksum of a small package covers little more than this number: without it all packages would have the same
     // one.
-    if (!packageOf(state, ++m_added % 2 == 0 ? 20 : 10).record(name, name).write(aside))
+    if (!largePackageOf(state, ++m_added % 2 == 0 ? 20 : 10).record(name, name).write(aside))
         qFatal("No package can be written");
     const QString path = projectFile(name);
     if (::rename(QFile::encodeName(aside).constData(), QFile::encodeName(path).constData()) != 0)
@@ -337,7 +348,7 @@ void Stage::addPackage(const QString &name, const Simulation::HardwareState &sta
 QString Stage::packageElsewhere(const QString &fileName, const Simulation::HardwareState &state)
 {
     const QString path = elsewhere(fileName);
-    if (!packageOf(state).record(fileName, fileName).write(path))
+    if (!largePackageOf(state).record(fileName, fileName).write(path))
         qFatal("No package can be written");
     return path;
 }
@@ -553,7 +564,8 @@ void Stage::disturb(Disturbance disturbance, const QString &ip, const QString &p
             m_disturbedPackages.insert(package);
             m_damaged.insert(package);
             m_damagedWhileListed.insert(package);
-            QFile::resize(projectFile(package), QFileInfo(projectFile(package)).size() / 2);
+            // Before the first picture.
+            QFile::resize(projectFile(package), 100);
         }
         break;
     case PackageAdded: {
@@ -584,19 +596,25 @@ void Stage::disturb(Disturbance disturbance, const QString &ip, const QString &p
     }
 }
 
-/// Toggles the case of the letters in the comment.
+/// Toggles the case of the first letter in the comment, if it has one that is a single byte.
 void Stage::editInPlace(const QString &package)
 {
     QFile file(projectFile(package));
     if (m_damaged.contains(package) || !file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
         return;
-    m_disturbedPackages.insert(package);
     const QByteArray before = "\"comment\": \"";
     const QByteArray bytes = file.readAll();
-    const int at = bytes.lastIndexOf(before) + before.size();
-    const char letter = bytes.at(at);
-    const char other = char(letter ^ 0x20);
-    if (at < before.size() || !file.seek(at) || file.write(&other, 1) != 1)
+    const int begin = bytes.lastIndexOf(before) + before.size();
+    if (begin < before.size())
+        qFatal("There is no comment");
+    const char *const end = std::find(bytes.begin() + begin, bytes.end(), '"');
+    const char *const letter = std::find_if(bytes.begin() + begin, end,
+                                            [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
+    if (letter == end)
+        return;
+    m_disturbedPackages.insert(package);
+    const char other = char(*letter ^ 0x20);
+    if (!file.seek(letter - bytes.begin()) || file.write(&other, 1) != 1)
         qFatal("The comment cannot be changed");
 }
 

@@ -69,6 +69,11 @@ bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbanc
     stage.select(ip);
     stage.brokenTruths({packageName, QStringLiteral("other")});
     const HardwareState before = stage.site()->hardware(ip)->state();
+    QMap<QString, HardwareState> others;
+    for (const QString &other : {richIp, plainIp, offlineIp, foreignIp}) {
+        if (other != ip)
+            others.insert(other, stage.site()->hardware(other)->state());
+    }
 
     Answers answers;
     answers.name = savedName;
@@ -117,6 +122,10 @@ bool TstDisturbances::disturb(Operation operation, const QString &ip, Disturbanc
     const bool isOpen = stage.hasPanel() && disturbance != PanelReopened;
     broken += stage.brokenTruthsAfterClosing(touched);
 
+    for (auto other = others.begin(); other != others.end(); ++other) {
+        if (stage.site()->hardware(other.key())->state() != *other)
+            broken.append(QStringLiteral("another device was changed: ") + other.key());
+    }
     // A save leaves all or nothing.
     if (operation == Save && QFile::exists(projectFile(savedName))) {
         for (const char *entry :

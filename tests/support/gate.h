@@ -13,7 +13,7 @@
 
 namespace TestSupport {
 
-/// Holds a thread until the test lets it go on, at the latest in its destructor, so that a failing test blocks no one.
+/// Blocks a thread until the test releases it, at the latest in the destructor, so that a failing test never hangs.
 class Gate
 {
 public:

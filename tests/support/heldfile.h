@@ -10,8 +10,8 @@
 namespace TestSupport {
 
 /// Blocks the first thread that opens a file for reading, before the file is opened, until it is released; later ones
-/// pass. Stops work of other threads halfway. Released at the latest in the destructor, so that a failing test blocks
-/// no one.
+/// pass. Use it to stop work of other threads halfway. Released at the latest in the destructor, so that a failing test
+/// never hangs.
 class HeldFile
 {
 public:
@@ -20,7 +20,7 @@ public:
     ~HeldFile();
     Q_DISABLE_COPY(HeldFile)
 
-    /// Returns once a thread waits. False if none arrives within a minute.
+    /// Returns when a thread is blocked; false if none arrives within a minute.
     bool waitForReader();
     void release();
 

@@ -36,7 +36,7 @@
 #include <memory>
 
 /// Shared by the panel's tests: project files, a site, the panel's visible parts, and ways to wait for scans and to
-/// hold them.
+/// block them.
 namespace PanelTesting {
 
 using ProjectFileCfg::Internal::EngineerDocOperWidget;
@@ -184,7 +184,7 @@ inline void answerProperties(QDialog *dialog, const QString &name, const QString
     TestSupport::click(dialog, QStringLiteral("OK"));
 }
 
-/// The panel and its parts, found like the user finds them.
+/// The panel and its parts, found as a user finds them.
 class Panel
 {
 public:

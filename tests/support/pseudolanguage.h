@@ -8,8 +8,8 @@
 
 namespace TestSupport {
 
-/// A language in which every text is its English original with accents, longer by half, and in brackets: what has none
-/// was not translated, and what has no room would be clipped in a language with longer words.
+/// A language in which every text is its English original with accents, half as long again, and in brackets. A text
+/// without brackets was not translated; one that does not fit would be clipped in a language with longer words.
 ///
 ///     "Save as %1"  "⟦Šåvé åš %1 Šåvé ⟧"
 ///
@@ -24,7 +24,7 @@ public:
 
     /// `text` in this language.
     static QString of(const QString &text);
-    /// What is left of a text without the parts that are in this language.
+    /// The rest of a text without the parts in this language.
     static QString untranslatedIn(QString text);
 
 private:

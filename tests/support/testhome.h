@@ -9,7 +9,7 @@
 namespace TestSupport {
 
 /// A private home for one test program: Documents, configuration and data are in a temporary folder, so that a test
-/// never sees or touches its user's project files.
+/// never sees or changes the user's own project files.
 ///
 /// Construct it before the application object: Qt reads the environment once. The test mode of QStandardPaths does not
 /// redirect Documents, so it does not help. Also sets the locale to C.UTF-8 and the platform to offscreen, unless

@@ -10,8 +10,9 @@
 #include <QGuiApplication>
 #include <QtTest>
 
-// Qt Test gives up on an event after five seconds, and looks for it every 50 milliseconds. On a loaded machine one step
-// of a save or an apply can take longer than that under a sanitizer; on an idle one thousands of steps take much less.
+// Qt Test waits five seconds for an event, and polls every 50 milliseconds. On a loaded machine with a sanitizer, one
+// step of a save or an apply can take longer than five seconds; on an idle one, a step takes far less than 50
+// milliseconds.
 #undef QTRY_VERIFY
 #undef QTRY_VERIFY2
 #undef QTRY_COMPARE

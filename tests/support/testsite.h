@@ -72,7 +72,7 @@ public:
     const QString touringRack = QStringLiteral("192.168.1.30");
     const QString boothSwitcher = QStringLiteral("192.168.1.40");
 
-    /// Tests may modify it before the site comes up.
+    /// Tests may modify it before the site starts.
     explicit TestSite(const std::function<void(Simulation::Site &)> &change = {})
         : SimulatedSite(builtIn(change))
     {}

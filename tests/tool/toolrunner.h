@@ -3,25 +3,15 @@
 
 #pragma once
 
+#include "tooloutcome.h"
+
 #include <support/testmain.h>
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 #include <QStringList>
 
 /// Runs the built tool and keeps what it printed.
 namespace ToolTesting {
-
-struct Outcome
-{
-    /// -1 if it did not start, crashed or hung.
-    int code = -1;
-    QByteArray out;
-    QByteArray messages;
-
-    QJsonObject json() const { return QJsonDocument::fromJson(out).object(); }
-};
 
 inline Outcome runTool(const QStringList &arguments)
 {
@@ -36,10 +26,5 @@ inline Outcome runTool(const QStringList &arguments)
     process.waitForFinished();
     return outcome;
 }
-
-/// The exit codes, as scripts rely on them.
-constexpr int yes = 0;
-constexpr int no = 1;
-constexpr int unknown = 2;
 
 } // namespace ToolTesting

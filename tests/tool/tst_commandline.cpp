@@ -9,7 +9,7 @@
 
 using namespace ToolTesting;
 
-/// What all commands share: usage, forms of output, exit codes.
+/// What the tool does without a command, and how it reads and prints names; see also tst_everycommand.
 class TstCommandLine : public QObject
 {
     Q_OBJECT
@@ -19,9 +19,6 @@ private slots:
     void version_is_printed();
     void wrong_usage_is_explained_on_stderr_data();
     void wrong_usage_is_explained_on_stderr();
-    void quiet_prints_no_result();
-    void json_and_quiet_exclude_each_other();
-    void unwritable_result_is_an_error();
     void control_characters_are_escaped();
     void file_names_may_be_chinese();
 };
@@ -38,7 +35,7 @@ void TstCommandLine::version_is_printed()
 {
     const Outcome outcome = runTool({"--version"});
     QCOMPARE(outcome.code, yes);
-    QCOMPARE(outcome.out, QByteArray("corvelpro 2.0.0\n"));
+    QCOMPARE(outcome.out, QByteArray("corvelpro " CORVELPRO_VERSION "\n"));
 }
 
 void TstCommandLine::wrong_usage_is_explained_on_stderr_data()
@@ -57,36 +54,6 @@ void TstCommandLine::wrong_usage_is_explained_on_stderr()
     QCOMPARE(outcome.code, unknown);
     QCOMPARE(outcome.out, QByteArray());
     QVERIFY(!outcome.messages.isEmpty());
-}
-
-void TstCommandLine::quiet_prints_no_result()
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("a.corvelpro");
-    QVERIFY(TestSupport::PackageBuilder().file("a.json", "{}").record("a", "").write(path));
-    const Outcome outcome = runTool({"check", "--quiet", path});
-    QCOMPARE(outcome.code, yes);
-    QCOMPARE(outcome.out + outcome.messages, QByteArray());
-}
-
-void TstCommandLine::json_and_quiet_exclude_each_other()
-{
-    QCOMPARE(runTool({"check", "--quiet", "--json", "x.corvelpro"}).code, unknown);
-}
-
-void TstCommandLine::unwritable_result_is_an_error()
-{
-    if (!QFile::exists("/dev/full"))
-        QSKIP("no device that is always full");
-    QTemporaryDir dir;
-    const QString path = dir.filePath("a.corvelpro");
-    QVERIFY(TestSupport::PackageBuilder().file("a.json", "{}").record("a", "").write(path));
-    QProcess process;
-    process.setStandardOutputFile("/dev/full");
-    process.start(CORVELPRO_PROGRAM, {"check", path});
-    QVERIFY(process.waitForFinished(TestSupport::patience));
-    QCOMPARE(process.exitCode(), unknown);
-    QCOMPARE(process.readAllStandardError(), QByteArray("corvelpro: the result could not be written\n"));
 }
 
 void TstCommandLine::control_characters_are_escaped()

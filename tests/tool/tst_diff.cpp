@@ -5,7 +5,10 @@
 
 #include "comparison/comparison.h"
 #include "comparison/entrysource.h"
+#include "content/oneachcore.h"
 #include "zippackagehandle.h"
+
+#include <data/ziparchive.h>
 
 #include <QBuffer>
 #include <QImage>
@@ -20,7 +23,11 @@ using namespace Corvelpro;
 using namespace ToolTesting;
 using ProjectFileCfg::Internal::EngineerPacketInfo;
 using ProjectFileCfg::Internal::ZipPackageHandle;
+using TestData::ZipArchive;
 using TestSupport::PackageBuilder;
+
+Q_DECLARE_METATYPE(TestSupport::PackageBuilder::Method)
+Q_DECLARE_METATYPE(std::function<void(TestData::ZipArchive &)>)
 
 namespace {
 
@@ -306,13 +313,16 @@ private slots:
     void repack_by_another_program_is_equal();
     void two_saves_of_one_directory_are_equal();
     void same_pixels_encoded_otherwise_are_equal();
+    void contents_above_a_block_are_equal();
+    void spare_bits_of_packed_content_do_not_count();
+    void progress_adds_up_to_the_total();
 
     // Differences
     void known_edits_are_reported_exactly();
     void directory_can_be_either_side();
     void changes_are_printed_line_by_line();
     void undecodable_pictures_are_compared_by_bytes();
-    void descriptions_that_are_no_json_are_compared_by_bytes();
+    void non_json_descriptions_are_compared_by_bytes();
     void numbers_are_compared_exactly();
     void many_changed_members_are_counted();
 
@@ -321,6 +331,9 @@ private slots:
     void ignored_path_covers_data();
     void ignored_path_covers();
     void what_is_no_path_is_wrong_usage();
+
+    // The cores
+    void work_on_each_core_is_done_once();
 
     // The sheet
     void sheet_shows_each_changed_picture();
@@ -331,6 +344,8 @@ private slots:
     void damage_is_never_equal_data();
     void damage_is_never_equal();
     void damage_is_named_on_its_side();
+    void one_damaged_side_is_never_equal_data();
+    void one_damaged_side_is_never_equal();
     void what_is_no_package_is_one_line();
 
 private:
@@ -428,6 +443,54 @@ void TstDiff::same_pixels_encoded_otherwise_are_equal()
     QVERIFY(outcome.json()["notes"].toArray().contains("BKG/BKG_1.png is encoded differently, with the same pixels"));
 }
 
+void TstDiff::contents_above_a_block_are_equal()
+{
+    Files files = sampleFiles();
+    QByteArray &large = files["large.bin"];
+    QRandomGenerator random(1);
+    for (int i = 0; i < 3 * 1024 * 1024; ++i)
+        large.append(char(random.bounded(256)));
+    for (const PackageBuilder::Method method : {PackageBuilder::Stored, PackageBuilder::Deflated}) {
+        const auto package = [&](const char last) {
+            return packed(sampleFiles()).file("large.bin", large.chopped(1) + last, method).record("a", "");
+        };
+        QVERIFY(package('a').write(m_a));
+        QVERIFY(package('a').write(m_b));
+        QCOMPARE(compared(m_a, m_b), QStringList());
+        QVERIFY(package('b').write(m_b));
+        QCOMPARE(compared(m_a, m_b),
+                 QStringList{Line::bytes("large.bin", large.size(), large.size(), large.size() - 1, 1)});
+    }
+}
+
+void TstDiff::spare_bits_of_packed_content_do_not_count()
+{
+    // "{}" deflated leaves bits of its last byte unused.
+    ZipArchive archive(packed(sampleFiles()).file("a", "{}", PackageBuilder::Deflated).record("a", "").build());
+    QVERIFY(writeFile(m_a, archive.bytes));
+    const int last = archive.lastContent() + int(archive.get32(archive.lastCentral() + 20)) - 1;
+    archive.bytes[last] = char(archive.bytes.at(last) ^ 0x80);
+    QVERIFY(writeFile(m_b, archive.bytes));
+    QCOMPARE(compared(m_a, m_b), QStringList());
+    QCOMPARE(compared(m_b, m_b), QStringList());
+}
+
+void TstDiff::progress_adds_up_to_the_total()
+{
+    Files files = sampleFiles();
+    files["BKG/BKG_1.png"] = pngOf(pictureOf({16, 9}, 9));
+    QVERIFY(writePackage(m_b, files));
+    const auto before = EntrySource::open(m_a, nullptr);
+    const auto after = EntrySource::open(m_b, nullptr);
+    qint64 passed = 0;
+    Comparison::Options options;
+    options.progress = [&passed](qint64 bytes) { passed += bytes; };
+    Comparison comparison(*before, *after, options);
+    comparison.run();
+    QVERIFY(passed > 0);
+    QCOMPARE(passed, comparison.totalSize());
+}
+
 void TstDiff::known_edits_are_reported_exactly()
 {
     for (quint32 seed = 1; seed <= 200; ++seed) {
@@ -513,7 +576,7 @@ void TstDiff::undecodable_pictures_are_compared_by_bytes()
     QCOMPARE(compared(m_a, m_b), QStringList{Line::bytes("BKG/BKG_1.png", size, size / 2, size / 2, 0)});
 }
 
-void TstDiff::descriptions_that_are_no_json_are_compared_by_bytes()
+void TstDiff::non_json_descriptions_are_compared_by_bytes()
 {
     Files files = sampleFiles();
     const QByteArray old = files[descriptionName];
@@ -635,6 +698,23 @@ void TstDiff::what_is_no_path_is_wrong_usage()
     QCOMPARE(outcome.messages.count('\n'), 1);
 }
 
+void TstDiff::work_on_each_core_is_done_once()
+{
+    for (const int count : {0, 1, 2, 1000}) {
+        std::vector<int> done(std::size_t(count), 0);
+        int passed = 0;
+        bool isElsewhere = false;
+        onEachCore(
+            count, [&done](int number) { ++done[std::size_t(number)]; },
+            [&, caller = QThread::currentThread()] {
+                ++passed;
+                isElsewhere = isElsewhere || QThread::currentThread() != caller;
+            });
+        QCOMPARE(std::count(done.begin(), done.end(), 1), count);
+        QVERIFY(passed > 0 && !isElsewhere);
+    }
+}
+
 void TstDiff::sheet_shows_each_changed_picture()
 {
     Files files = sampleFiles();
@@ -734,6 +814,47 @@ void TstDiff::damage_is_named_on_its_side()
     QCOMPARE(outcome.code, unknown);
     QCOMPARE(outcome.messages, ("corvelpro: " + m_b + ": cannot read Preset/9.RPst: its CRC is wrong\n").toUtf8());
     QVERIFY2(!outcome.out.contains("equal"), outcome.out);
+}
+
+void TstDiff::one_damaged_side_is_never_equal_data()
+{
+    QTest::addColumn<PackageBuilder::Method>("method");
+    QTest::addColumn<std::function<void(ZipArchive &)>>("damage");
+    const auto row = [](const char *name, const std::function<void(ZipArchive &)> &damage) {
+        QTest::newRow(qPrintable(QString(name) + ", stored")) << PackageBuilder::Stored << damage;
+        QTest::newRow(qPrintable(QString(name) + ", deflated")) << PackageBuilder::Deflated << damage;
+    };
+    const auto increment = [](ZipArchive &archive, int at) { archive.set32(at, archive.get32(at) + 1); };
+    const auto inBothHeaders = [=](int inDirectory) {
+        return [=](ZipArchive &archive) {
+            increment(archive, archive.lastCentral() + inDirectory);
+            increment(archive, archive.lastLocal() + inDirectory - 2);
+        };
+    };
+    row("CRC in the directory", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 16); });
+    row("CRC", inBothHeaders(16));
+    row("packed size in the directory", [=](ZipArchive &archive) { increment(archive, archive.lastCentral() + 20); });
+    row("size", inBothHeaders(24));
+    row("local header", [=](ZipArchive &archive) { increment(archive, archive.lastLocal()); });
+    row("method", [](ZipArchive &archive) {
+        const quint16 other = archive.get16(archive.lastCentral() + 10) == 0 ? 8 : 0;
+        archive.set16(archive.lastCentral() + 10, other).set16(archive.lastLocal() + 8, other);
+    });
+    row("first byte", [=](ZipArchive &archive) { increment(archive, archive.lastContent()); });
+    row("type", [](ZipArchive &archive) { archive.set16(archive.lastCentral() + 40, 0120777); });
+}
+
+void TstDiff::one_damaged_side_is_never_equal()
+{
+    QFETCH(PackageBuilder::Method, method);
+    QFETCH(std::function<void(ZipArchive &)>, damage);
+    const QByteArray content = QByteArray("a preset").repeated(100);
+    ZipArchive archive(packed(sampleFiles()).file("Preset/9.RPst", content, method).record("a", "").build());
+    QVERIFY(writeFile(m_a, archive.bytes));
+    damage(archive);
+    QVERIFY(writeFile(m_b, archive.bytes));
+    QCOMPARE(compared(m_a, m_b), QStringList{"unreadable Preset/9.RPst of B"});
+    QCOMPARE(compared(m_b, m_a), QStringList{"unreadable Preset/9.RPst of A"});
 }
 
 void TstDiff::what_is_no_package_is_one_line()

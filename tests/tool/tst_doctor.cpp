@@ -4,18 +4,20 @@
 #include "goodpackage.h"
 #include "toolrunner.h"
 
+#include "filesystem.h"
 #include "undorecord.h"
 
 #include <support/packagebuilder.h>
 
-#include <QDateTime>
 #include <QJsonArray>
 
 #include <sys/stat.h>
 
 using namespace ToolTesting;
+using PackageTesting::makeOld;
 using ProjectFileCfg::Internal::UndoRecord;
 using TestSupport::PackageBuilder;
+namespace FileSystem = ProjectFileCfg::Internal::FileSystem;
 
 class TstDoctor : public QObject
 {
@@ -27,6 +29,7 @@ private slots:
     void each_odd_file_is_explained();
     void two_rows_of_one_name_are_explained();
     void lines_say_why_and_what_to_do();
+    void interrupted_extractions_are_explained();
     void nothing_in_the_folder_changes();
 
 private:
@@ -86,9 +89,7 @@ void TstDoctor::each_odd_file_is_explained()
     QCOMPARE(::mkfifo(QFile::encodeName(m_dir->filePath("pipe.corvelpro")).constData(), 0600), 0);
     QVERIFY(writeFile(m_dir->filePath(fragment), "part"));
     QVERIFY(writeFile(m_dir->filePath(oldFragment), "part"));
-    QFile file(m_dir->filePath(oldFragment));
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
+    QVERIFY(makeOld(m_dir->filePath(oldFragment)));
 
     const QMap<QString, QJsonObject> files = diagnose();
     struct Expected
@@ -141,15 +142,37 @@ void TstDoctor::lines_say_why_and_what_to_do()
     QVERIFY(lines.at(2).startsWith("  to do: copy it here again"));
 }
 
+void TstDoctor::interrupted_extractions_are_explained()
+{
+    const QString young = ".00000000-0000-0000-0000-000000000000.part";
+    const QString old = ".00000000-0000-0000-0000-000000000001.part";
+    const QString used = ".00000000-0000-0000-0000-000000000002.part";
+    for (const QString &name : {young, old, used})
+        QVERIFY(QDir(m_dir->path()).mkpath(name + "/BKG"));
+    QVERIFY(makeOld(m_dir->filePath(old)) && makeOld(m_dir->filePath(used)));
+    const FileSystem::Folder folder(m_dir->filePath(used));
+    QVERIFY(folder.lock());
+
+    const QMap<QString, QJsonObject> files = diagnose();
+    QCOMPARE(files.keys(), QStringList({young, old, used}));
+    QCOMPARE(files[young]["reason"].toString(), QString("an extraction was interrupted here, less than a day ago"));
+    QCOMPARE(files[old]["reason"].toString(), QString("an extraction was interrupted here"));
+    QCOMPARE(files[used]["reason"].toString(), QString("an extraction is running here"));
+    QVERIFY(files[young]["advice"].toString().startsWith("delete the folder, unless another computer"));
+    QVERIFY(files[old]["advice"].toString().startsWith("delete the folder; "));
+    QVERIFY(files[used]["advice"].toString().startsWith("nothing: "));
+}
+
 void TstDoctor::nothing_in_the_folder_changes()
 {
     const QString fragment = m_dir->filePath(".00000000-0000-0000-0000-000000000001.part");
+    const QString folder = m_dir->filePath(".00000000-0000-0000-0000-000000000002.part");
     QVERIFY(writeFile(fragment, "part"));
-    QFile file(fragment);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(-2), QFileDevice::FileModificationTime));
-    QCOMPARE(diagnose().size(), 1);
+    QVERIFY(writeFile(folder + "/1.json", "{}"));
+    QVERIFY(makeOld(fragment) && makeOld(folder));
+    QCOMPARE(diagnose().size(), 2);
     QVERIFY(QFileInfo::exists(fragment));
+    QVERIFY(QFileInfo::exists(folder + "/1.json"));
 }
 
 TEST_MAIN_CORE(TstDoctor)

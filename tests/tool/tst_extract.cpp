@@ -6,6 +6,7 @@
 
 #include "commandline/interrupt.h"
 #include "making/extraction.h"
+#include "making/newdirectory.h"
 #include "replacingfile.h"
 
 #include <support/systemcalls.h>
@@ -18,7 +19,9 @@
 using namespace ToolTesting;
 using Corvelpro::Extraction;
 using Corvelpro::Interrupt;
+using Corvelpro::NewDirectory;
 using PackageTesting::contents;
+using PackageTesting::makeOld;
 using PackageTesting::noise;
 using ProjectFileCfg::Internal::ReplacingFile;
 
@@ -55,6 +58,8 @@ private slots:
     void missing_folder_is_not_made();
     void interrupt_leaves_nothing();
     void kill_at_each_step_leaves_no_directory();
+    void killed_extraction_is_removed_after_a_day();
+    void running_extraction_is_never_removed();
     void what_is_no_package_is_one_line();
 
 private:
@@ -210,6 +215,43 @@ void TstExtract::kill_at_each_step_leaves_no_directory()
     QCOMPARE(end, 0);
     QVERIFY2(step > 10, qPrintable(QString::number(step)));
     QCOMPARE(contents(path("out")).size(), 8);
+}
+
+void TstExtract::killed_extraction_is_removed_after_a_day()
+{
+    const int end = inChild([&] {
+        NewDirectory directory(path("killed"));
+        if (directory.create(nullptr) && writeFile(directory.hiddenPath() + "/BKG/BKG_1.png", "half"))
+            std::raise(SIGKILL);
+        return 0;
+    });
+    QCOMPARE(end, -SIGKILL);
+    const QStringList left = namesIn(m_dir->path()).filter(".part");
+    QCOMPARE(left.size(), 1);
+    // Named like it, but not made by an extraction; and a link that leads elsewhere.
+    const QString link = ".00000000-0000-0000-0000-000000000000.part";
+    QVERIFY(QDir().mkpath(path(".notes.part")) && QDir().mkpath(path("elsewhere")));
+    QVERIFY(QFile::link("elsewhere", path(link)));
+    QVERIFY(makeOld(path(".notes.part")) && makeOld(path(link)) && makeOld(path("elsewhere")));
+
+    QCOMPARE(runTool({"extract", m_package, path("today")}).code, yes);
+    QVERIFY(QFileInfo(path(left.first())).isDir());
+    QVERIFY(makeOld(path(left.first())));
+    QCOMPARE(runTool({"extract", m_package, path("tomorrow")}).code, yes);
+    QCOMPARE(namesIn(m_dir->path()),
+             QStringList({link, ".notes.part", "a.corvelpro", "elsewhere", "today", "tomorrow"}));
+}
+
+void TstExtract::running_extraction_is_never_removed()
+{
+    QString reason;
+    NewDirectory slow(path("slow"));
+    QVERIFY2(slow.create(&reason), qPrintable(reason));
+    QVERIFY(writeFile(slow.hiddenPath() + "/1.json", "{}"));
+    QVERIFY(makeOld(slow.hiddenPath()));
+    QCOMPARE(runTool({"extract", m_package, path("quick")}).code, yes);
+    QVERIFY2(slow.commit(&reason), qPrintable(reason));
+    QCOMPARE(contents(path("slow")), QStringList{"1.json"});
 }
 
 void TstExtract::what_is_no_package_is_one_line()

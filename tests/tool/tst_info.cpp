@@ -22,6 +22,7 @@ private slots:
     void init();
     void json_has_record_and_contents();
     void text_has_a_line_for_each_entry();
+    void whole_numbers_are_exact();
     void unlisted_file_is_shown_with_its_reason();
     void what_is_no_archive_is_unknown();
     void hostile_packages_end_in_time();
@@ -82,6 +83,26 @@ void TstInfo::text_has_a_line_for_each_entry()
           "  none: null", "pictures: 2", "  BKG/BKG_2.png  no picture  10 bytes", "presets: 1", "left over: 3"})
         QVERIFY2(out.split('\n').contains(line), line + ('\n' + out.toUtf8()));
     QVERIFY2(out.contains("  BKG/BKG_1.png  40 x 30     "), qPrintable(out));
+}
+
+void TstInfo::whole_numbers_are_exact()
+{
+    // 2^53 + 1, which no double holds, the largest one, and one that is a double only.
+    QVERIFY(PackageBuilder()
+                .file("1.json",
+                      R"({"a": 9007199254740993, "b": -9223372036854775808, "c": 18446744073709551616, "d": 0.5})")
+                .record("numbers", "")
+                .write(m_path));
+    const QByteArrayList lines = runTool({"info", m_path}).out.split('\n');
+    const QByteArray document = runTool({"info", "--json", m_path}).out;
+    for (const QByteArray &number :
+         {QByteArray("9007199254740993"), QByteArray("-9223372036854775808"), QByteArray("0.5")}) {
+        QVERIFY2(std::any_of(lines.begin(), lines.end(),
+                             [&](const QByteArray &line) { return line.endsWith(": " + number); }),
+                 lines.join('\n'));
+        QVERIFY2(document.contains("\": " + number), document);
+    }
+    QVERIFY2(document.contains("\"c\": 1844674407370955"), document);
 }
 
 void TstInfo::unlisted_file_is_shown_with_its_reason()

@@ -6,6 +6,7 @@
 
 #include "projectpaths.h"
 
+#include <data/ziparchive.h>
 #include <support/packagebuilder.h>
 
 #include <QDateTime>
@@ -23,6 +24,7 @@ private slots:
     void projects_are_listed_newest_first();
     void a_line_has_the_columns_of_a_project();
     void pictures_and_presets_are_counted_by_their_folders();
+    void damaged_directory_has_no_pictures();
     void default_is_the_folder_of_project_files();
     void missing_default_folder_has_no_projects();
     void listing_changes_nothing_in_the_folder();
@@ -100,6 +102,17 @@ void TstList::pictures_and_presets_are_counted_by_their_folders()
         runTool({"list", "--json", m_dir->path()}).json()["projects"].toArray().first().toObject();
     QCOMPARE(project["pictures"].toInt(), 2);
     QCOMPARE(project["presets"].toInt(), 1);
+}
+
+void TstList::damaged_directory_has_no_pictures()
+{
+    TestData::ZipArchive archive(
+        PackageBuilder().file("BKG/BKG_1.png", "").file("1.json", "{}").record("a", "").build());
+    archive.set16(archive.lastCentral(), 0);
+    QVERIFY(writeFile(m_dir->filePath("a.corvelpro"), archive.bytes));
+    const QJsonArray projects = runTool({"list", "--json", m_dir->path()}).json()["projects"].toArray();
+    QCOMPARE(projects.size(), 1);
+    QCOMPARE(projects.first().toObject()["pictures"].toInt(), 0);
 }
 
 void TstList::default_is_the_folder_of_project_files()

@@ -4,12 +4,17 @@
 #include "goodpackage.h"
 #include "toolrunner.h"
 
+#include "content/scratch.h"
+#include "content/verification.h"
+
 #include <data/hostilepackages.h>
 #include <data/pngmaker.h>
 #include <data/ziparchive.h>
 #include <support/packagebuilder.h>
+#include <support/systemcalls.h>
 
 #include <QJsonArray>
+#include <QScopeGuard>
 #include <QStandardPaths>
 
 #include <fcntl.h>
@@ -105,6 +110,10 @@ private slots:
     void undecided_parts_are_named();
     void lines_name_file_entry_and_offset();
     void findings_beyond_the_thousandth_are_counted();
+    void verdict_is_about_the_file_that_was_opened();
+    void an_archive_in_the_comment_is_found();
+    void large_content_goes_to_a_nameless_file();
+    void libraries_print_no_lines_of_their_own();
     void what_is_no_plain_file_is_unknown();
     void progress_is_shown_on_a_terminal();
 
@@ -462,6 +471,73 @@ void TstVerify::findings_beyond_the_thousandth_are_counted()
     QCOMPARE(lines.size(), 1000 + 3);
     QCOMPARE(lines.at(1000), (bad + ": and 3 more").toUtf8());
     QVERIFY(lines.at(1001).startsWith((bad + ": 1003 findings (").toUtf8()));
+}
+
+void TstVerify::verdict_is_about_the_file_that_was_opened()
+{
+    const QString path = write("good", sealed(small()));
+    const QString other = write("other", sealed(small().file("a", "abc").claimCrc(1)));
+    int opened = 0;
+    bool isReplaced = false;
+    const auto replace = [&] {
+        if (!isReplaced)
+            isReplaced = std::rename(QFile::encodeName(other).constData(), QFile::encodeName(path).constData()) == 0;
+        return isReplaced;
+    };
+    // As early as it can be seen: before the file is opened by its name once more, or at the first bytes of an entry.
+    const auto reset = qScopeGuard([] { TestSupport::systemCalls().onOpen = nullptr; });
+    TestSupport::systemCalls().onOpen = [&](const QByteArray &name, int) {
+        if (name == QFile::encodeName(path) && ++opened == 2)
+            replace();
+        return 0;
+    };
+    Corvelpro::Verification verification(path);
+    QString reason;
+    QVERIFY2(verification.run([&](qint64) { replace(); }, &reason), qPrintable(reason));
+    QVERIFY(isReplaced);
+    QCOMPARE(verification.findings().damageCount(), 0);
+    QCOMPARE(verification.entries(), 2);
+    QCOMPARE(verification.pictures(), 1);
+}
+
+void TstVerify::an_archive_in_the_comment_is_found()
+{
+    // The control application takes the inner one, whose end is the last in the file. The names are the same.
+    const QByteArray inner = sealed(PackageBuilder()
+                                        .file("1.json", "{\"name\": \"other\"}")
+                                        .file("BKG/BKG_1.png", PngMaker::blank(5, 5), PackageBuilder::Stored));
+    const QString path = write("nested", small().archiveComment(inner + ' ').build());
+    QVERIFY(ProjectFileCfg::Internal::ZipPackageHandle::isValidEngineerPacket(path));
+    const QJsonObject result = verify({path}, no).first();
+    QVERIFY2(has(result["findings"].toArray(), "", "another end record"), QJsonDocument(result).toJson());
+}
+
+void TstVerify::large_content_goes_to_a_nameless_file()
+{
+    constexpr int most = 1000;
+    for (const int size : {0, most, most + 1}) {
+        const auto scratch = Corvelpro::openScratch(size, most, nullptr);
+        const auto *file = qobject_cast<QFile *>(scratch.get());
+        QCOMPARE(file != nullptr, size > most);
+        QVERIFY(!file || !QFileInfo::exists(file->fileName()));
+        const QByteArray content(size, 'a');
+        QVERIFY(scratch->write(content) == size && scratch->seek(0));
+        QCOMPARE(scratch->readAll(), content);
+    }
+}
+
+void TstVerify::libraries_print_no_lines_of_their_own()
+{
+    QByteArray png = PngMaker::blank(4, 4);
+    const int pixels = png.indexOf("IDAT") + 4;
+    png[pixels + 4] = char(png.at(pixels + 4) ^ 1);
+    const QString bad = write("bad", sealed(small().file("BKG/BKG_2.png", png)));
+    const Outcome outcome = runTool({"verify", bad, m_dir->filePath("gone")});
+    QCOMPARE(outcome.code, unknown);
+    QVERIFY2(outcome.out.contains("cannot decode BKG/BKG_2.png"), outcome.out);
+    // The one line is the tool's.
+    QCOMPARE(outcome.messages.count('\n'), 1);
+    QVERIFY2(outcome.messages.startsWith("corvelpro: cannot open"), outcome.messages);
 }
 
 void TstVerify::what_is_no_plain_file_is_unknown()

@@ -195,6 +195,17 @@ void TstEngineerDocLoad::a_description_that_climbs_out_is_refused()
 // ---------------------------------------------------------------------------------------------------------------------
 // Changes between check and run
 
+namespace {
+
+/// A package that a reader does not keep in memory as a whole: it keeps the end of the archive.
+PackageBuilder largePackageOf(const HardwareState &state)
+{
+    PackageBuilder package = packageOf(state);
+    return package.file("large.bin", noise(256 * 1024), PackageBuilder::Stored);
+}
+
+} // namespace
+
 void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked_data()
 {
     QTest::addColumn<QString>("ip");
@@ -204,7 +215,7 @@ void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked_data()
         // The same pictures by number and size, and a description of the same length: nothing else differs.
         HardwareState state = richDevice(QStringLiteral("10.0.0.78"));
         state.settings.insert(QStringLiteral("brightness"), 13);
-        PackageBuilder package = packageOf(state);
+        PackageBuilder package = largePackageOf(state);
         return package.record(QStringLiteral("show"), QStringLiteral("for tests")).build();
     };
     const auto replace = [](const QString &path) {
@@ -248,7 +259,7 @@ void TstEngineerDocLoad::a_package_is_applied_as_it_was_checked()
     QFETCH(bool, isRunning);
     QFETCH(PackageChange, change);
     const HardwareState packed = richDevice(QStringLiteral("10.0.0.77"));
-    const QString path = write(packageOf(packed));
+    const QString path = write(largePackageOf(packed));
     const std::unique_ptr<EngineerDocLoad> job = checkedJob(path, ip);
     if (isRunning)
         Faults::instance()->arm(ip == onlineIp ? createMaterailFromImage : serailize,

@@ -168,6 +168,7 @@ private slots:
     void a_file_is_known_without_a_handle();
     void an_identity_gives_its_handle_back();
     void readers_wait_for_a_writer_only();
+    void folder_has_one_lock();
     void the_time_is_kept_to_the_nanosecond();
     void content_is_shared_where_the_file_system_does();
     void folder_created_by_others_counts_as_created();
@@ -177,7 +178,7 @@ private slots:
     void content_then_name_is_flushed_before_success_data();
     void content_then_name_is_flushed_before_success();
     void reproducible_files_are_not_flushed();
-    void the_disk_begins_with_the_first_8_MiB();
+    void writing_to_disk_begins_after_8_mib();
     void unflushed_content_replaces_nothing();
     void unwritten_content_replaces_nothing();
     void missing_folder_is_flushed_before_its_file();
@@ -186,6 +187,8 @@ private slots:
     void unflushed_name_is_reported();
     void copying_works_without_exclusive_rename_data();
     void copying_works_without_exclusive_rename();
+    void letter_case_alone_is_renamed_where_case_is_ignored_data();
+    void letter_case_alone_is_renamed_where_case_is_ignored();
     void refused_system_call_is_not_retried_differently();
     void only_what_is_expected_is_replaced_data();
     void only_what_is_expected_is_replaced();
@@ -291,7 +294,7 @@ void TstFileSystem::reproducible_files_are_not_flushed()
     QCOMPARE(readFile(path("target")), QByteArray("new"));
 }
 
-void TstFileSystem::the_disk_begins_with_the_first_8_MiB()
+void TstFileSystem::writing_to_disk_begins_after_8_mib()
 {
     for (const auto durability : {ReplacingFile::Durability::FlushedToDisk, ReplacingFile::Durability::NotFlushed}) {
         const bool isFlushed = durability == ReplacingFile::Durability::FlushedToDisk;
@@ -416,6 +419,31 @@ void TstFileSystem::copying_works_without_exclusive_rename()
     QVERIFY(!FileSystem::renameToFreeName(path("from"), path("another")));
 }
 
+void TstFileSystem::letter_case_alone_is_renamed_where_case_is_ignored_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("with the system's help") << 0;
+    QTest::newRow("not known to the file system") << EINVAL;
+}
+
+// A file system that ignores case finds the file itself under the new name; here a second name of it stands for that.
+void TstFileSystem::letter_case_alone_is_renamed_where_case_is_ignored()
+{
+    QFETCH(int, error);
+    s_system.renameToFreeName = error;
+    QVERIFY(writeFile(path("show"), "the show") && writeFile(path("SHOW"), "another one"));
+    for (const char *name : {"Show", "other"})
+        QCOMPARE(::link(QFile::encodeName(path("show")).constData(), QFile::encodeName(path(name)).constData()), 0);
+    s_system.steps.clear();
+    QVERIFY(FileSystem::renameToFreeName(path("show"), path("Show")));
+    QCOMPARE(s_system.steps.last(), QStringLiteral("rename"));
+    s_system.steps.clear();
+    QVERIFY(!FileSystem::renameToFreeName(path("show"), path("SHOW")));
+    QVERIFY(!FileSystem::renameToFreeName(path("show"), path("other")));
+    QVERIFY(!s_system.steps.contains("rename"));
+    QCOMPARE(readFile(path("SHOW")), QByteArray("another one"));
+}
+
 void TstFileSystem::refused_system_call_is_not_retried_differently()
 {
     s_system.renameToFreeName = EACCES;
@@ -450,7 +478,10 @@ void TstFileSystem::only_what_is_expected_is_replaced()
     QVERIFY(!QFile::exists(path("from")) || readFile(path("from")) == "came meanwhile");
 
     QVERIFY(writeFile(path("from"), "newer"));
+    s_system.steps.clear();
     QVERIFY(!FileSystem::replaceSame(path("from"), path("target"), same));
+    // Not even for a moment: a crash then would leave the other file under a hidden name.
+    QCOMPARE(s_system.steps, QStringList());
     QCOMPARE(readFile(path("target")), QByteArray("new"));
     QCOMPARE(readFile(path("from")), QByteArray("newer"));
 
@@ -690,6 +721,18 @@ void TstFileSystem::readers_wait_for_a_writer_only()
     QVERIFY(FileSystem::lock(one.handle()));
     // A file system without locks has nobody to wait for.
     QVERIFY(FileSystem::lock(-1) && FileSystem::lockToRead(-1));
+}
+
+void TstFileSystem::folder_has_one_lock()
+{
+    const QTemporaryDir dir;
+    {
+        const FileSystem::Folder first(dir.path());
+        const FileSystem::Folder second(dir.path());
+        QVERIFY(first.lock());
+        QVERIFY(!second.lock());
+    }
+    QVERIFY(FileSystem::Folder(dir.path()).lock());
 }
 
 void TstFileSystem::the_time_is_kept_to_the_nanosecond()

@@ -79,10 +79,10 @@ private slots:
     void special_files_are_not_opened();
     void a_link_is_followed_and_stays();
     void a_full_disk_leaves_the_old_tail();
-    void a_tail_that_is_not_flushed_is_taken_back();
+    void unflushed_tail_is_rolled_back();
     void changing_a_removed_file_fails();
     void second_writer_is_refused();
-    void a_lock_held_for_a_moment_is_waited_for();
+    void edit_waits_for_a_briefly_held_lock();
     void a_tail_of_128_kib_can_be_replaced();
 
     void a_record_is_read_as_it_was_written();
@@ -96,8 +96,8 @@ private slots:
     void crash_leaves_the_old_or_new_tail();
     void next_edit_finishes_an_interrupted_one();
     void what_cannot_be_undone_keeps_its_record();
-    void a_record_that_stays_refuses_the_edit();
-    void a_record_that_cannot_be_read_refuses_the_edit();
+    void unremovable_record_prevents_the_edit();
+    void unreadable_record_prevents_the_edit();
     void scan_finishes_interrupted_edits();
     void scan_finishes_interrupted_edit_behind_a_link();
     void a_renamed_file_is_found();
@@ -217,7 +217,7 @@ void TstInPlaceFile::a_full_disk_leaves_the_old_tail()
     }
 }
 
-void TstInPlaceFile::a_tail_that_is_not_flushed_is_taken_back()
+void TstInPlaceFile::unflushed_tail_is_rolled_back()
 {
     QVERIFY(writeFile(path("file"), head + before));
     InPlaceFile file(path("file"));
@@ -260,7 +260,7 @@ void TstInPlaceFile::second_writer_is_refused()
     QVERIFY(third.open());
 }
 
-void TstInPlaceFile::a_lock_held_for_a_moment_is_waited_for()
+void TstInPlaceFile::edit_waits_for_a_briefly_held_lock()
 {
     QVERIFY(writeFile(path("file"), head + before));
     auto first = std::make_unique<InPlaceFile>(path("file"));
@@ -446,7 +446,7 @@ void TstInPlaceFile::what_cannot_be_undone_keeps_its_record()
     QVERIFY(readFile(path("file")) == head + before);
 }
 
-void TstInPlaceFile::a_record_that_stays_refuses_the_edit()
+void TstInPlaceFile::unremovable_record_prevents_the_edit()
 {
     leaveCut("file", after.left(10) + before.mid(10));
     QCOMPARE(run("chmod", {"a+rwX", path("file"), UndoRecord::pathFor(path("file"))}).exitCode, 0);
@@ -465,7 +465,7 @@ void TstInPlaceFile::a_record_that_stays_refuses_the_edit()
     QVERIFY(readFile(path("file")) == head + before);
 }
 
-void TstInPlaceFile::a_record_that_cannot_be_read_refuses_the_edit()
+void TstInPlaceFile::unreadable_record_prevents_the_edit()
 {
     QVERIFY(writeFile(path("file"), head + before));
     const QString recordPath = UndoRecord::pathFor(path("file"));

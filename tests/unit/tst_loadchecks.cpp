@@ -64,8 +64,8 @@ private slots:
     void an_offline_target_skips_cards_and_protocol();
 
     // Reading a description
-    void reading_a_description_data();
-    void reading_a_description();
+    void only_json_documents_are_descriptions_data();
+    void only_json_documents_are_descriptions();
     void a_missing_description_has_no_error();
     void an_unreadable_description_logs_its_path();
     void invalid_utf8_becomes_replacement_characters();
@@ -405,7 +405,7 @@ void TstLoadChecks::an_offline_target_skips_cards_and_protocol()
 // ---------------------------------------------------------------------------------------------------------------------
 // Reading a description
 
-void TstLoadChecks::reading_a_description_data()
+void TstLoadChecks::only_json_documents_are_descriptions_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<bool>("isDevice");
@@ -421,7 +421,7 @@ void TstLoadChecks::reading_a_description_data()
     QTest::newRow("cut off") << QByteArray("{\"modelId\": 16") << false;
 }
 
-void TstLoadChecks::reading_a_description()
+void TstLoadChecks::only_json_documents_are_descriptions()
 {
     QFETCH(QByteArray, content);
     QFETCH(bool, isDevice);

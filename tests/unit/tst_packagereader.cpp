@@ -69,6 +69,8 @@ private slots:
     void missing_entry_reads_as_null();
     void reading_an_entry_gives_what_extracting_it_writes();
     void reading_refuses_what_extracting_refuses();
+    void packed_content_lies_where_the_archive_says();
+    void packed_content_needs_a_readable_entry();
     void a_name_longer_than_256_bytes_is_extracted();
     void first_of_two_equal_entry_names_counts();
     void first_of_two_aliased_entries_counts();
@@ -327,6 +329,54 @@ void TstPackageReader::reading_refuses_what_extracting_refuses()
         QCOMPARE(reader.read(name, MiB), QByteArray());
     QCOMPARE(reader.read("good.txt", MiB), QByteArray("good"));
     QCOMPARE(PackageReader(m_out).read("good.txt", MiB), QByteArray());
+}
+
+void TstPackageReader::packed_content_lies_where_the_archive_says()
+{
+    const QByteArray packed = "packed ";
+    const TestData::ZipArchive archive(
+        PackageBuilder().file("a.txt", packed.repeated(100)).file("b.txt", "stored", PackageBuilder::Stored).build());
+    // Bytes in front count as well.
+    const QByteArray front = "front";
+    QVERIFY(writeFile(m_package, front + archive.bytes));
+    PackageReader reader(m_package);
+    const auto stored = reader.packedContent("b.txt");
+    QVERIFY(stored.has_value());
+    QCOMPARE(stored->nOffset, qint64(front.size() + archive.lastContent()));
+    QCOMPARE(int(stored->nMethod), int(PackageBuilder::Stored));
+    QCOMPARE(stored->nCrc, PackageBuilder::crc32("stored"));
+    QCOMPARE(stored->nPackedSize, 6);
+    QCOMPARE(stored->nSize, 6);
+    QVERIFY(reader.file().seek(stored->nOffset));
+    QCOMPARE(reader.file().read(6), QByteArray("stored"));
+    const auto deflated = reader.packedContent("a.txt");
+    QVERIFY(deflated.has_value());
+    QCOMPARE(int(deflated->nMethod), int(PackageBuilder::Deflated));
+    QCOMPARE(deflated->nPackedSize, qint64(archive.get32(archive.central(0) + 20)));
+    QCOMPARE(deflated->nSize, 700);
+    // The position of the file does not matter.
+    QCOMPARE(reader.read("a.txt", MiB), packed.repeated(100));
+}
+
+void TstPackageReader::packed_content_needs_a_readable_entry()
+{
+    TestData::ZipArchive archive(PackageBuilder()
+                                     .file("../up.txt", "bad")
+                                     .symbolicLink("link.txt", "bad")
+                                     .file("hidden.txt", "bad")
+                                     .claimFlags(1)
+                                     .file("good.txt", "good")
+                                     .file("headless.txt", "bad")
+                                     .build());
+    archive.set16(archive.lastLocal(), 0);
+    QVERIFY(writeFile(m_package, archive.bytes));
+    PackageReader reader(m_package);
+    QCOMPARE(reader.fileList().size(), 5);
+    for (const char *name : {"../up.txt", "link.txt", "hidden.txt", "headless.txt", "missing.txt"})
+        QVERIFY2(!reader.packedContent(name), name);
+    QVERIFY(reader.packedContent("good.txt").has_value());
+    QVERIFY(!PackageReader(m_out).packedContent("good.txt"));
+    QVERIFY(!PackageReader(m_out).file().isOpen());
 }
 
 void TstPackageReader::a_name_longer_than_256_bytes_is_extracted()

@@ -52,7 +52,7 @@ private slots:
     void waiting_for_a_writer_is_bounded();
     void the_package_can_be_edited_after_the_copy();
     void a_copy_without_room_is_dropped();
-    void a_file_that_takes_the_copy_s_name_stays();
+    void another_file_with_the_copys_name_is_kept();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
@@ -143,7 +143,7 @@ void TstPackageSnapshot::a_copy_without_room_is_dropped()
     QVERIFY(!snapshot.release());
 }
 
-void TstPackageSnapshot::a_file_that_takes_the_copy_s_name_stays()
+void TstPackageSnapshot::another_file_with_the_copys_name_is_kept()
 {
     QVERIFY(writeFile(path("show.corvelpro"), "package"));
     PackageSnapshot snapshot;

@@ -52,19 +52,19 @@ private slots:
     void inner_folder_link_is_packed_as_folder();
     void incomplete_packing_is_refused_data();
     void incomplete_packing_is_refused();
-    void what_a_reader_just_takes_is_not_refused();
+    void tree_at_the_readers_limits_is_packed();
     void unreadable_files_are_refused_data();
     void unreadable_files_are_refused();
     void more_than_65534_entries_are_refused();
     void pictures_above_4_gib_together_are_refused_early();
     void contents_above_4_gib_are_refused();
     void descriptions_above_64_mib_together_are_refused();
-    void more_descriptions_than_a_reader_takes_are_refused();
-    void more_pixels_than_a_load_takes_are_refused();
-    void pictures_of_2_to_the_32_pixels_are_packed();
+    void excess_descriptions_are_refused();
+    void excess_pixels_are_refused();
+    void pictures_at_the_pixel_limit_are_packed();
     void a_description_of_a_million_parts_is_packed();
     void a_description_that_grows_too_large_is_refused();
-    void what_a_killed_process_left_is_not_packed();
+    void leftovers_of_killed_processes_are_not_packed();
     void overlong_names_are_refused();
     void a_full_disk_makes_writing_fail();
     void missing_source_fails_the_write();
@@ -367,7 +367,7 @@ void TstPackageWriter::incomplete_packing_is_refused_data()
     QTest::newRow("files above 4 GiB") << QStringList{"truncate", "-s", "1G", "%1/1", "%1/2", "%1/3", "%1/4"};
 }
 
-void TstPackageWriter::what_a_reader_just_takes_is_not_refused()
+void TstPackageWriter::tree_at_the_readers_limits_is_packed()
 {
     QCOMPARE(run("truncate", {"-s", "16777216", m_dir + "/device.json"}).exitCode, 0);
     QCOMPARE(run("truncate", {"-s", "50331648", m_dir + "/other.json"}).exitCode, 0);
@@ -484,7 +484,7 @@ void TstPackageWriter::descriptions_above_64_mib_together_are_refused()
     QCOMPARE(refusal(), QString(" has 67108865 bytes of descriptions, the limit is 67108864"));
 }
 
-void TstPackageWriter::more_descriptions_than_a_reader_takes_are_refused()
+void TstPackageWriter::excess_descriptions_are_refused()
 {
     for (int number = 0; number < 1000; ++number)
         QVERIFY(writeFile(m_dir + QStringLiteral("/%1.json").arg(number), "{}"));
@@ -494,7 +494,7 @@ void TstPackageWriter::more_descriptions_than_a_reader_takes_are_refused()
     QCOMPARE(refusal(), QString(" has 1001 descriptions, the limit is 1000"));
 }
 
-void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
+void TstPackageWriter::excess_pixels_are_refused()
 {
     // Only their headers: 50,331,648 pixels each.
     const QByteArray png = PngMaker::signature() + PngMaker::header(8192, 6144);
@@ -512,7 +512,7 @@ void TstPackageWriter::more_pixels_than_a_load_takes_are_refused()
     QVERIFY(!pack());
 }
 
-void TstPackageWriter::pictures_of_2_to_the_32_pixels_are_packed()
+void TstPackageWriter::pictures_at_the_pixel_limit_are_packed()
 {
     for (int number = 0; number < 128; ++number)
         QVERIFY(writeFile(m_dir + QStringLiteral("/BKG/%1.png").arg(number),
@@ -545,7 +545,7 @@ void TstPackageWriter::a_description_that_grows_too_large_is_refused()
     QCOMPARE(reason, "cannot pack " + m_dir + "/a.json: there are more than 16777216 bytes");
 }
 
-void TstPackageWriter::what_a_killed_process_left_is_not_packed()
+void TstPackageWriter::leftovers_of_killed_processes_are_not_packed()
 {
     const QString id = "01234567-89ab-cdef-0123-456789abcdef";
     for (const QString &name : {QString("a.txt"), '.' + id + ".part", '.' + id + ".undo", id + ".part", id + ".undo"})

@@ -23,11 +23,14 @@ private slots:
     void a_picture_is_read_as_it_was_saved_data();
     void a_picture_is_read_as_it_was_saved();
     void a_picture_of_8k_is_read();
+    void a_reduced_picture_keeps_its_proportions_data();
+    void a_reduced_picture_keeps_its_proportions();
+    void a_reduced_picture_must_be_whole();
     void pixels_above_the_limit_are_not_read_data();
     void pixels_above_the_limit_are_not_read();
     void texts_are_counted_data();
     void texts_are_counted();
-    void a_file_above_256_MiB_is_not_read();
+    void file_above_256_mib_is_not_read();
     void non_png_has_no_size_data();
     void non_png_has_no_size();
     void a_missing_picture_has_no_size();
@@ -71,6 +74,44 @@ void TstPictureReader::a_picture_of_8k_is_read()
     PictureReader reader(write(PngMaker::blank(7680, 4320)));
     QCOMPARE(reader.size(), QSize(7680, 4320));
     QCOMPARE(reader.read().size(), QSize(7680, 4320));
+}
+
+void TstPictureReader::a_reduced_picture_keeps_its_proportions_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QSize>("bounds");
+    QTest::addColumn<QSize>("expected");
+    QTest::newRow("wide") << QSize(160, 90) << QSize(80, 80) << QSize(80, 45);
+    QTest::newRow("high") << QSize(90, 160) << QSize(80, 80) << QSize(45, 80);
+    QTest::newRow("smaller than the bounds") << QSize(16, 9) << QSize(80, 80) << QSize(16, 9);
+    QTest::newRow("a thin line") << QSize(900, 1) << QSize(80, 80) << QSize(80, 1);
+}
+
+void TstPictureReader::a_reduced_picture_keeps_its_proportions()
+{
+    QFETCH(QSize, size);
+    QFETCH(QSize, bounds);
+    QFETCH(QSize, expected);
+    QImage image(size, QImage::Format_ARGB32);
+    image.fill(Qt::green);
+    for (const QImage::Format format : {QImage::Format_ARGB32, QImage::Format_Grayscale8, QImage::Format_RGBA64}) {
+        PictureReader reader(write(pngOf(image.convertToFormat(format))));
+        reader.fitInto(bounds);
+        QCOMPARE(reader.size(), size);
+        const QImage read = reader.read();
+        QCOMPARE(read.size(), expected);
+        QCOMPARE(read.format(), QImage::Format_ARGB32);
+    }
+}
+
+void TstPictureReader::a_reduced_picture_must_be_whole()
+{
+    const QByteArray png = pngOf(noisePicture({160, 90}, 1));
+    PictureReader reader(write(png.left(png.size() - 100)));
+    reader.fitInto({80, 80});
+    QString reason;
+    QVERIFY(reader.read(&reason).isNull());
+    QVERIFY(!reason.isEmpty());
 }
 
 void TstPictureReader::pixels_above_the_limit_are_not_read_data()
@@ -134,7 +175,7 @@ void TstPictureReader::texts_are_counted()
     QCOMPARE(PictureReader(write(png + chunks)).size(), QSize(16, 9));
 }
 
-void TstPictureReader::a_file_above_256_MiB_is_not_read()
+void TstPictureReader::file_above_256_mib_is_not_read()
 {
     const QString path = write(PngMaker::blank(16, 9));
     const qint64 most = 256 * MiB;

@@ -104,14 +104,14 @@ private slots:
     void the_last_65577_bytes_are_read_once();
     void a_failing_seek_is_a_failed_read();
     void an_open_package_can_be_edited();
-    void a_torn_end_is_not_taken();
+    void torn_end_is_read_again();
     void unopened_file_has_no_size();
     void nothing_can_be_written();
     void unreadable_file_is_not_opened();
     void a_scan_opens_each_package_once();
     void packing_opens_the_archive_once_to_verify_it();
-    void what_does_not_read_back_is_no_package_data();
-    void what_does_not_read_back_is_no_package();
+    void package_that_reads_back_differently_is_refused_data();
+    void package_that_reads_back_differently_is_refused();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -223,7 +223,7 @@ void TstReadCacheDevice::an_open_package_can_be_edited()
     QVERIFY(FileSystem::lock(editor.handle()));
 }
 
-void TstReadCacheDevice::a_torn_end_is_not_taken()
+void TstReadCacheDevice::torn_end_is_read_again()
 {
     const QByteArray whole = PackageBuilder().file("a.json", "{}").record("show", "a comment").build();
     QVERIFY(writeFile(path("bytes"), whole.chopped(1)));
@@ -311,7 +311,7 @@ void TstReadCacheDevice::packing_opens_the_archive_once_to_verify_it()
     QVERIFY(s_opened.begin().key().endsWith(".part"));
 }
 
-void TstReadCacheDevice::what_does_not_read_back_is_no_package_data()
+void TstReadCacheDevice::package_that_reads_back_differently_is_refused_data()
 {
     QTest::addColumn<Damage>("damage");
     QTest::addColumn<QString>("cause");
@@ -327,7 +327,7 @@ void TstReadCacheDevice::what_does_not_read_back_is_no_package_data()
                                   << "its record says";
 }
 
-void TstReadCacheDevice::what_does_not_read_back_is_no_package()
+void TstReadCacheDevice::package_that_reads_back_differently_is_refused()
 {
     QFETCH(Damage, damage);
     QFETCH(QString, cause);

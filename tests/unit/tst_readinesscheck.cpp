@@ -27,8 +27,8 @@ class TstReadinessCheck : public QObject
 private slots:
     void init();
 
-    void pictures_of_2_to_the_32_pixels_fit_data();
-    void pictures_of_2_to_the_32_pixels_fit();
+    void pictures_at_the_pixel_limit_pass_data();
+    void pictures_at_the_pixel_limit_pass();
     void as_many_pictures_as_cores_and_two_wait();
     void pixels_of_256_mib_wait_data();
     void pixels_of_256_mib_wait();
@@ -91,7 +91,7 @@ LoadResultCode TstReadinessCheck::run(const QSize &background, const QSize &logo
     return offline ? check.runOffline(&m_reason) : check.run(&m_reason);
 }
 
-void TstReadinessCheck::pictures_of_2_to_the_32_pixels_fit_data()
+void TstReadinessCheck::pictures_at_the_pixel_limit_pass_data()
 {
     QTest::addColumn<QSize>("background");
     QTest::addColumn<int>("count");
@@ -103,7 +103,7 @@ void TstReadinessCheck::pictures_of_2_to_the_32_pixels_fit_data()
     QTest::newRow("larger ones are refused at their turn") << QSize(8192, 6145) << 86 << 0 << true;
 }
 
-void TstReadinessCheck::pictures_of_2_to_the_32_pixels_fit()
+void TstReadinessCheck::pictures_at_the_pixel_limit_pass()
 {
     QFETCH(QSize, background);
     QFETCH(int, count);

@@ -48,7 +48,7 @@ private slots:
     void a_failed_save_says_why_data();
     void a_failed_save_says_why();
     void a_save_without_room_says_so();
-    void a_save_with_too_long_a_record_says_so();
+    void save_with_overlong_record_says_so();
     void an_invalid_package_says_why_data();
     void an_invalid_package_says_why();
     void a_failed_edit_says_why_data();
@@ -56,17 +56,17 @@ private slots:
     void an_edit_of_a_locked_package_says_so();
     void a_failed_copy_says_why_data();
     void a_failed_copy_says_why();
-    void a_source_that_cannot_be_read_is_a_reason();
+    void unreadable_source_is_a_reason();
     void an_entry_that_is_not_extracted_says_why_data();
     void an_entry_that_is_not_extracted_says_why();
     void a_missing_description_is_a_reason();
     void a_package_that_is_not_copied_says_why();
     void a_picture_that_is_not_read_says_why_data();
     void a_picture_that_is_not_read_says_why();
-    void success_leaves_the_reason_alone();
+    void success_does_not_change_the_reason();
     void a_missing_package_is_a_reason();
     void nothing_is_logged_below_the_jobs();
-    void a_scan_logs_once_why_it_skips_a_file();
+    void scan_logs_each_skipped_file_once();
 
 private:
     QString path(const QString &name) const { return m_temp->filePath(name); }
@@ -187,7 +187,7 @@ void TstReasons::a_save_without_room_says_so()
              QString());
 }
 
-void TstReasons::a_save_with_too_long_a_record_says_so()
+void TstReasons::save_with_overlong_record_says_so()
 {
     QVERIFY(makeDeviceTree(path("device")));
     EngineerPacketInfo info;
@@ -354,7 +354,7 @@ void TstReasons::a_failed_copy_says_why()
     QCOMPARE(missingIn(reason, path(where), cause), QString());
 }
 
-void TstReasons::a_source_that_cannot_be_read_is_a_reason()
+void TstReasons::unreadable_source_is_a_reason()
 {
     // A plain file whose first byte cannot be read.
     QString reason;
@@ -499,7 +499,7 @@ void TstReasons::a_picture_that_is_not_read_says_why()
     QVERIFY2(reason.endsWith(cause), qPrintable(reason));
 }
 
-void TstReasons::success_leaves_the_reason_alone()
+void TstReasons::success_does_not_change_the_reason()
 {
     QVERIFY(makeDeviceTree(path("device")));
     QVERIFY(QDir().mkpath(path("projects")));
@@ -545,7 +545,7 @@ void TstReasons::nothing_is_logged_below_the_jobs()
     QCOMPARE(WarningGuard::texts(QtDebugMsg), QStringList());
 }
 
-void TstReasons::a_scan_logs_once_why_it_skips_a_file()
+void TstReasons::scan_logs_each_skipped_file_once()
 {
     const QString broken = path("broken.corvelpro");
     QVERIFY(writeFile(broken, "text"));

@@ -39,9 +39,9 @@ class TstRelease : public QObject
 
 private slots:
     void nothing_is_released_without_an_object();
-    void a_released_object_goes_and_tells_nothing();
-    void a_job_that_does_not_run_goes_at_once();
-    void a_running_job_goes_when_it_has_finished();
+    void released_object_is_deleted_and_disconnected();
+    void idle_job_is_deleted_at_once();
+    void running_job_is_deleted_after_it_finished();
     void an_abandoned_job_is_cancelled();
 
 private:
@@ -64,7 +64,7 @@ void TstRelease::nothing_is_released_without_an_object()
     QVERIFY(!object && !job);
 }
 
-void TstRelease::a_released_object_goes_and_tells_nothing()
+void TstRelease::released_object_is_deleted_and_disconnected()
 {
     QObject panel;
     int told = 0;
@@ -78,7 +78,7 @@ void TstRelease::a_released_object_goes_and_tells_nothing()
     QVERIFY(isGone(kept));
 }
 
-void TstRelease::a_job_that_does_not_run_goes_at_once()
+void TstRelease::idle_job_is_deleted_at_once()
 {
     QObject panel;
     auto *job = new Job;
@@ -88,7 +88,7 @@ void TstRelease::a_job_that_does_not_run_goes_at_once()
     QVERIFY(isGone(kept));
 }
 
-void TstRelease::a_running_job_goes_when_it_has_finished()
+void TstRelease::running_job_is_deleted_after_it_finished()
 {
     QObject panel;
     int told = 0;

@@ -22,15 +22,15 @@ class TstUndoRecord : public QObject
 private slots:
     void init();
 
-    void the_form_on_the_disk_never_changes();
-    void only_its_own_form_is_read_data();
-    void only_its_own_form_is_read();
+    void stored_format_never_changes();
+    void only_this_format_is_read_data();
+    void only_this_format_is_read();
     void the_longest_record_has_256_kib();
-    void no_record_leads_out_of_the_folder_data();
-    void no_record_leads_out_of_the_folder();
-    void what_is_no_file_is_unreadable();
-    void writing_fails_where_nothing_can_be_written();
-    void the_name_is_derived_from_that_of_the_file();
+    void record_never_leads_out_of_its_folder_data();
+    void record_never_leads_out_of_its_folder();
+    void non_file_is_unreadable();
+    void writing_to_an_unwritable_folder_fails();
+    void record_name_is_derived_from_the_file_name();
     void a_record_is_stale_after_a_day();
 
     void the_mark_covers_4_kib_before_the_change_data();
@@ -88,14 +88,14 @@ UndoRecord::Reading TstUndoRecord::readingOf(const QByteArray &bytes) const
     return UndoRecord().read(path("record"));
 }
 
-void TstUndoRecord::the_form_on_the_disk_never_changes()
+void TstUndoRecord::stored_format_never_changes()
 {
     // The next version must finish what this one was killed in.
     QVERIFY(sample().write(path("record")));
     QCOMPARE(readFile(path("record")).toHex(), withDigest(contentOfSample()).toHex());
 }
 
-void TstUndoRecord::only_its_own_form_is_read_data()
+void TstUndoRecord::only_this_format_is_read_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<bool>("isWhole");
@@ -107,7 +107,7 @@ void TstUndoRecord::only_its_own_form_is_read_data()
     QTest::newRow("nothing") << QByteArray() << false;
 }
 
-void TstUndoRecord::only_its_own_form_is_read()
+void TstUndoRecord::only_this_format_is_read()
 {
     QFETCH(QByteArray, content);
     QFETCH(bool, isWhole);
@@ -131,7 +131,7 @@ void TstUndoRecord::the_longest_record_has_256_kib()
     QCOMPARE(UndoRecord().read(path("record")), UndoRecord::Reading::Broken);
 }
 
-void TstUndoRecord::no_record_leads_out_of_the_folder_data()
+void TstUndoRecord::record_never_leads_out_of_its_folder_data()
 {
     QTest::addColumn<QString>("fileName");
     QTest::addColumn<qint64>("offset");
@@ -142,7 +142,7 @@ void TstUndoRecord::no_record_leads_out_of_the_folder_data()
     QTest::newRow("in front of the file") << "file" << qint64(-1) << false;
 }
 
-void TstUndoRecord::no_record_leads_out_of_the_folder()
+void TstUndoRecord::record_never_leads_out_of_its_folder()
 {
     QFETCH(QString, fileName);
     QFETCH(qint64, offset);
@@ -154,13 +154,13 @@ void TstUndoRecord::no_record_leads_out_of_the_folder()
     QCOMPARE(UndoRecord().read(path("record")), isWhole ? UndoRecord::Reading::Whole : UndoRecord::Reading::Broken);
 }
 
-void TstUndoRecord::what_is_no_file_is_unreadable()
+void TstUndoRecord::non_file_is_unreadable()
 {
     QCOMPARE(UndoRecord().read(path("missing")), UndoRecord::Reading::Unreadable);
     QCOMPARE(UndoRecord().read(m_temp->path()), UndoRecord::Reading::Unreadable);
 }
 
-void TstUndoRecord::writing_fails_where_nothing_can_be_written()
+void TstUndoRecord::writing_to_an_unwritable_folder_fails()
 {
     QVERIFY(!sample().write(path("missing/record")));
     QVERIFY(QDir().mkdir(path("folder")));
@@ -169,7 +169,7 @@ void TstUndoRecord::writing_fails_where_nothing_can_be_written()
     QVERIFY(!sample().write(path("record")));
 }
 
-void TstUndoRecord::the_name_is_derived_from_that_of_the_file()
+void TstUndoRecord::record_name_is_derived_from_the_file_name()
 {
     QCOMPARE(UndoRecord::pathFor("/projects/show.corvelpro"),
              QString("/projects/.ff4ee175-6959-55ad-a7fb-a2df0494c0a2.undo"));

@@ -92,10 +92,10 @@ private slots:
     void an_unopenable_file_has_no_checksum();
 
     // What hosts call
-    void compressDir_answers_as_it_always_did();
-    void extractDir_answers_as_it_always_did();
-    void extractDir_writes_nothing_outside();
-    void writeTextChecksum_makes_a_digest_the_comment();
+    void compress_dir_keeps_its_results();
+    void extract_dir_keeps_its_results();
+    void extract_dir_writes_nothing_outside();
+    void write_text_checksum_stores_a_digest_as_comment();
 };
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -497,7 +497,7 @@ void TstZipPackageHandle::an_unopenable_file_has_no_checksum()
 // ---------------------------------------------------------------------------------------------------------------------
 // What hosts call
 
-void TstZipPackageHandle::compressDir_answers_as_it_always_did()
+void TstZipPackageHandle::compress_dir_keeps_its_results()
 {
     ZipPackageHandle handle;
     QCOMPARE(handle.compressDir(m_temp->path() + "/missing", m_package, true), 2);
@@ -511,7 +511,7 @@ void TstZipPackageHandle::compressDir_answers_as_it_always_did()
     QCOMPARE(handle.compressDir(m_device, m_device, true), 1);
 }
 
-void TstZipPackageHandle::extractDir_answers_as_it_always_did()
+void TstZipPackageHandle::extract_dir_keeps_its_results()
 {
     ZipPackageHandle handle;
     const QString out = m_temp->path() + "/out";
@@ -526,7 +526,7 @@ void TstZipPackageHandle::extractDir_answers_as_it_always_did()
     QCOMPARE(handle.extractDir(m_package, out, true), 3);
 }
 
-void TstZipPackageHandle::extractDir_writes_nothing_outside()
+void TstZipPackageHandle::extract_dir_writes_nothing_outside()
 {
     QVERIFY(PackageBuilder().file("good.txt", "x").file("../bad.txt", "x").write(m_package));
     QCOMPARE(ZipPackageHandle().extractDir(m_package, m_temp->path() + "/out", true), 3);
@@ -534,7 +534,7 @@ void TstZipPackageHandle::extractDir_writes_nothing_outside()
     QVERIFY(!QFileInfo::exists(m_temp->path() + "/out/good.txt"));
 }
 
-void TstZipPackageHandle::writeTextChecksum_makes_a_digest_the_comment()
+void TstZipPackageHandle::write_text_checksum_stores_a_digest_as_comment()
 {
     const QByteArray bytes = PackageBuilder().file("a.txt", "plain text", PackageBuilder::Stored).build();
     QVERIFY(writeFile(m_package, bytes));

@@ -248,6 +248,10 @@
 <context>
     <name>Program</name>
     <message>
+        <source>%1 is not a project file.</source>
+        <translation>%1 不是项目文件。</translation>
+    </message>
+    <message>
         <source>The folder %1 cannot be created.</source>
         <translation>无法创建文件夹 %1。</translation>
     </message>

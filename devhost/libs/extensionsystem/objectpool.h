@@ -24,10 +24,10 @@ public:
     /// Removes `object`; unknown objects are ignored.
     void removeObject(QObject *object);
 
-    /// In the order of their addition.
+    /// In the order in which they were added.
     QList<QObject *> objects() const { return m_objects; }
 
-    /// The objects of type T in the order of their addition.
+    /// The objects of type T, in the same order.
     template<typename T>
     QList<T *> objectsOfType() const
     {

@@ -28,7 +28,7 @@ class HOST_EXTENSIONSYSTEM_EXPORT PluginManager : public QObject
 
 public:
     explicit PluginManager(QObject *parent = nullptr);
-    /// Shuts down if that has not happened.
+    /// Shuts down, unless that was done.
     ~PluginManager() override;
 
     /// Reads the metadata of every library in `directory`, loading none, and resolves the dependencies.
@@ -36,7 +36,7 @@ public:
 
     /// All libraries found, sorted by file name.
     QVector<const PluginSpec *> plugins() const;
-    /// The plugin of that name, null when there is none.
+    /// The plugin of that name; null if there is none.
     const PluginSpec *plugin(const QString &name) const;
     /// The plugins that can be loaded, each after its dependencies.
     QVector<const PluginSpec *> loadOrder() const;

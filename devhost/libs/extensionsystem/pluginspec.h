@@ -39,7 +39,7 @@ public:
     QString fileName() const;
     /// The name in the metadata; the file's base name until that is read.
     QString name() const;
-    /// Numbers separated by dots, as all versions here.
+    /// Numbers separated by dots, like all versions here.
     QString version() const { return m_version; }
     QString compatVersion() const { return m_compatVersion; }
     /// Whether the application requires this plugin.
@@ -47,12 +47,12 @@ public:
     QVector<PluginDependency> dependencies() const { return m_dependencies; }
     QJsonObject metaData() const { return m_metaData; }
 
-    /// True when this plugin satisfies the dependency: its name, and CompatVersion <= version <= Version.
+    /// True if this plugin satisfies the dependency: its name, and CompatVersion <= version <= Version.
     bool provides(const PluginDependency &dependency) const;
 
     State state() const { return m_state; }
     bool hasError() const { return !m_errorString.isEmpty(); }
-    /// Why the plugin cannot be used, for people; empty if it can.
+    /// Readable text: why the plugin cannot be used. Empty if it can.
     QString errorString() const { return m_errorString; }
     /// The plugin object from Loaded to Running, else null.
     IPlugin *plugin() const { return m_plugin; }

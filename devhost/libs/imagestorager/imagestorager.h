@@ -32,7 +32,7 @@ class HOST_IMAGESTORAGER_EXPORT ImageStorager
 public:
     static ImageStorager *instance();
 
-    /// The picture in that format; a null picture if the store does not hold the key.
+    /// The picture in that format; a null picture if the key is not in the store.
     StoredImage load(const QString &imageKey, QImage::Format format) const;
 
     void store(const QString &imageKey, const QImage &image);

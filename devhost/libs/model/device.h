@@ -60,7 +60,7 @@ struct HOST_MODEL_EXPORT Preset
     quint16 getNumber() const { return number; }
 };
 
-/// Stands for the host's model of one device: what the application knows, as opposed to what the hardware holds.
+/// Stands for the host's model of one device: what the application knows, as opposed to the state of the hardware.
 ///
 /// Every operation may be called from any thread; lists are copies.
 class HOST_MODEL_EXPORT Device : public QObject
@@ -76,7 +76,7 @@ public:
     explicit Device(quint16 id, QObject *parent = nullptr);
     ~Device() override;
 
-    /// One line for people: type, name and address.
+    /// One readable line: type, name and address.
     QString getDeviceInfo() const;
     QString getTypeString() const;
     QString getName() const;
@@ -111,8 +111,8 @@ public:
     void clearMaterial();
     void clearPreset();
 
-    /// Reads the format of toJson() into everything but the online flag. Missing keys and keys of another type leave
-    /// empty values; list entries that are not objects are skipped.
+    /// Reads the format of toJson(). Sets everything except the online flag. Missing keys and keys of another type
+    /// leave empty values; list entries that are not objects are skipped.
     void fromJson(const QJsonObject &object);
     QJsonObject toJson() const;
 

@@ -16,12 +16,12 @@ class HOST_MODEL_EXPORT DeviceConfigManager
 public:
     static DeviceConfigManager *instance();
 
-    /// The description of that model, null when there is none. It lives as long as the program.
+    /// The description of that model; null if there is none. It lives as long as the program.
     const s_DeviceConfig *findDeviceConfigByID(int modelId) const;
 
-    /// Adds a description; it replaces an earlier one of the same model.
+    /// Adds a description, replacing an earlier one of the same model.
     void addDeviceConfig(const s_DeviceConfig &config);
-    /// Forgets all models; references already handed out stay valid.
+    /// Forgets all models; references to them stay valid.
     void clear();
 
 private:

@@ -24,7 +24,7 @@ public:
     static DeviceList *instance();
 
     std::vector<std::shared_ptr<Device>> getDevices() const;
-    /// The device with that address (case-sensitive), null when there is none.
+    /// The device with that address (case-sensitive); null if there is none.
     std::shared_ptr<Device> getDeviceByIPAddr(const QString &ip) const;
 
     void addDevice(const std::shared_ptr<Device> &device);

@@ -17,7 +17,7 @@ class HOST_MODEL_EXPORT object_brige : public QObject
 public:
     static object_brige *instance();
 
-    /// The active device, null when there is none.
+    /// The active device; null if there is none.
     std::shared_ptr<Device> activeDevice() const;
     void setActiveDevice(const std::weak_ptr<Device> &device);
 

@@ -8,6 +8,7 @@
 
 #include <simulation/journal.h>
 #include <simulation/operation.h>
+#include <simulation/operations.h>
 
 #include <QDir>
 #include <QJsonDocument>
@@ -48,7 +49,7 @@ bool Serailizer::serailize()
     for (const std::shared_ptr<Device> &device : list->getDevices())
         written = writeDevice(*device, m_configPath) && written;
     if (written)
-        Simulation::Journal::instance()->recordSuccess(QStringLiteral("Serailizer.serailize"));
+        Simulation::Journal::instance()->recordSuccess(Simulation::Operations::serailize);
     return written;
 }
 

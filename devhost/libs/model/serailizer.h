@@ -16,7 +16,7 @@ public:
     /// `configPath` is the directory below which each device has its configuration directory.
     explicit Serailizer(const QString &configPath);
 
-    /// Writes each known device as `configPath`/IP/IP.json. Returns false when one could not be written.
+    /// Writes each known device as `configPath`/IP/IP.json. Returns false if one could not be written.
     bool serailize();
 
 private:

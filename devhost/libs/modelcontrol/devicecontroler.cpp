@@ -8,6 +8,7 @@
 #include <model/devicelist.h>
 #include <simulation/journal.h>
 #include <simulation/network.h>
+#include <simulation/operations.h>
 
 #include <QCoreApplication>
 
@@ -220,7 +221,7 @@ bool DeviceControler::copyModelToDevice()
         return false;
     const Model::DeviceData data = Model::DeviceEditor(*m_device).data();
     hardware->change([&data](Simulation::HardwareState &state) { HardwareAccess::writeConfiguration(data, state); });
-    Simulation::Journal::instance()->recordSuccess(QStringLiteral("DeviceControler.copyModelToDevice"));
+    Simulation::Journal::instance()->recordSuccess(Simulation::Operations::copyModelToDevice);
     return true;
 }
 

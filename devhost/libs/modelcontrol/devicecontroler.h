@@ -35,12 +35,12 @@ public:
     bool updateDeviceInfo(const std::map<Model::Device::ParameterType, std::any> &parameters);
     /// Reserves the channel to the hardware for one task, or releases it.
     void setChannelExclusive(bool exclusive);
-    /// Asks the hardware to abandon the operation identified by those bytes.
+    /// Asks the hardware to abort the operation identified by those bytes.
     void cancelOperator(const std::vector<unsigned char> &command);
     /// Asks the running task to end early; that task then fails.
     static void cancelCurrentTask();
 
-    /// True when the device can switch its multi-viewer (the host's spelling).
+    /// True if the device can switch its multi-viewer on and off (the host's spelling).
     bool canMVEEnable() const;
     bool enableMVR(bool enable, QString &errorText);
     /// Sends the slot settings of `source` to this device.

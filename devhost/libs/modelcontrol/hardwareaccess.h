@@ -14,7 +14,7 @@ namespace ModelControl {
 namespace HardwareAccess {
 
 /// Begins an operation on the device at that address and adds the address to the arguments. Returns the hardware if the
-/// operation can go on, null if it fails; an unreachable device becomes offline in the host's list. `outcome`, if
+/// operation can continue, null if it fails; an unreachable device becomes offline in the host's list. `outcome`, if
 /// given, receives the reason.
 std::shared_ptr<Simulation::Hardware> begin(const QString &operation, const QString &ip, QVariantMap arguments,
                                             quint64 bytes = 0, Simulation::Outcome *outcome = nullptr);

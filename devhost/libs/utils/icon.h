@@ -19,7 +19,7 @@ public:
     /// overrides the current theme unless empty. User-interface thread only.
     static QIcon fromTheme(const QString &name, const QString &theme);
 
-    /// Combines the icons of a checkable button's three states: a flat tool button shows the right one.
+    /// Combines the icons for the three states of a checkable, flat tool button.
     static QIcon fromStates(const QIcon &normal, const QIcon &hover, const QIcon &pressed);
 };
 

@@ -14,10 +14,10 @@ namespace Widgets {
 ///
 /// Whatever the source of the text, it never contains characters that file names cannot have on Windows (< > : " / \\ |
 /// ? * and control characters), half a surrogate pair, or a dot preceded only by blanks: these are dropped. Text beyond
-/// the limit (64 bytes by default) is cut at whole characters: the text just typed or pasted goes first, so an edit in
-/// the middle never pushes out the end. Leaving the field or pressing Return trims blanks at both ends.
+/// the limit (64 bytes by default) is cut at whole characters, beginning with the text just typed or pasted, so an edit
+/// in the middle never pushes out the end. Leaving the field or pressing Return trims blanks at both ends.
 ///
-/// Names reserved by Windows (CON, NUL) pass, since longer names begin with them; the file system refuses them.
+/// Names reserved by Windows (CON, NUL) are accepted, since longer names begin with them; the file system refuses them.
 class HOST_WIDGETS_EXPORT FixedBitLineEditEx : public QLineEdit
 {
     Q_OBJECT

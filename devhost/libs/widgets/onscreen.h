@@ -16,8 +16,8 @@ namespace Widgets {
 /// manager maps a window with a delay, and anything painted before is lost.
 void waitUntilOnScreen(const QWindow *window);
 
-/// Filters the map event of `widget` if it was hidden again by the time the event arrives: Qt would give it the focus,
-/// which is an X error. Installed for the widget's lifetime.
+/// Filters the map event of `widget` if that is hidden again when the event arrives: Qt would give it the focus, which
+/// is an X error. Installed for the widget's lifetime.
 void ignoreLateMapping(QWidget *widget);
 
 } // namespace Widgets

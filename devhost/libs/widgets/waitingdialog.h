@@ -12,10 +12,10 @@ namespace Widgets {
 
 /// Stands for the host's one waiting dialog: modal, with a spinner, a text and an optional cancel button.
 ///
-/// It never runs a nested event loop: the caller goes on at once. Tab reaches Cancel, Space and Escape press it; after
-/// that the dialog says that it is stopping and ignores other texts until it is hidden. The button is enabled while
-/// something is connected to signal_canelLoad. Each text is announced to assistive technology. User-interface thread
-/// only.
+/// It never runs a nested event loop: the caller continues at once. Tab reaches Cancel, Space and Escape press it;
+/// after that the dialog says that it is stopping and ignores other texts until it is hidden. The button is enabled
+/// while something is connected to signal_canelLoad. Each text is announced to assistive technology. User-interface
+/// thread only.
 class HOST_WIDGETS_EXPORT WaitingDialog : public QDialog
 {
     Q_OBJECT
@@ -26,8 +26,8 @@ public:
     /// The one dialog. `parent` and `level` only take effect in the call that creates it.
     static WaitingDialog *instance(QWidget *parent = nullptr, int level = LevelNormal);
 
-    /// Shows the dialog, or changes its text. The text is on the screen before this returns, because callers go on with
-    /// work that blocks the event loop.
+    /// Shows the dialog, or changes its text. The text is on the screen before this returns, since callers continue
+    /// with work that blocks the event loop.
     void showWaitingDialog(const QString &text, int level);
     /// Hides the dialog and resets the cancel state for the next operation.
     void hideWaitingDialog();

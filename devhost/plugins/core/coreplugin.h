@@ -14,7 +14,7 @@ class DevicesMode;
 class DevicesWidget;
 class MainWindow;
 
-/// Brings up the host's texts, look and window, with the Devices mode in it. The program shows the window.
+/// Sets up the host's texts, look and window, with the Devices mode. The program shows the window.
 class CorePlugin : public ICorvelPlugin
 {
     Q_OBJECT

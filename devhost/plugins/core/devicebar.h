@@ -23,7 +23,7 @@ class DeviceBar : public QWidget
 public:
     explicit DeviceBar(QWidget *parent = nullptr);
 
-    /// Shows the devices as they are now.
+    /// Updates the cards.
     void refresh();
 
 protected:

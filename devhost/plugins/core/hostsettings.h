@@ -9,14 +9,15 @@
 
 namespace Core {
 
-/// What the development host decides at start-up and ICore reports to plugins. Directories have no trailing separator.
+/// Settings that the development host chooses at startup, and that ICore reports to plugins. Directories have no
+/// trailing separator.
 struct HOST_CORE_EXPORT HostSettings
 {
     QString language = QStringLiteral("en");
     QString trPath;
     QString deviceConfigFilePath;
     QString extractJsonPath;
-    /// Height of the text in pixels; 0 for the desktop's. Between 11 and 20, see applyLook().
+    /// Height of the text in pixels; 0 for that of the desktop. Between 11 and 20, see applyLook().
     int textPixelSize = 0;
 };
 

@@ -23,7 +23,7 @@ public:
 
     /// The language of the user interface, for example "en" or "zh_CN".
     static QString overrideLanguage();
-    /// The directory that holds the translation files, without a trailing separator.
+    /// The directory of the translation files, without a trailing separator.
     static QString trPath();
     /// The directory below which each device has its configuration directory, named after its IP
     /// address; without a trailing separator. Any thread.

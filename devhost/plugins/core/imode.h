@@ -14,8 +14,8 @@ class QWidget;
 
 namespace Core {
 
-/// Stands for the interface common to all modes. User-interface thread only. The virtual functions stand in the order
-/// of the host's vtable.
+/// Stands for the interface common to all modes. User-interface thread only. The virtual functions are in the order of
+/// the host's vtable.
 class HOST_CORE_EXPORT IMode : public QObject
 {
     Q_OBJECT

@@ -52,9 +52,9 @@ void installHostTexts()
     replaceTexts(
         qtTexts,
         QStringLiteral("%1/qtbase_%2.qm").arg(QLibraryInfo::location(QLibraryInfo::TranslationsPath), language));
-    const bool found = replaceTexts(hostTexts, QStringLiteral("%1/devhost_%2.qm").arg(ICore::trPath(), language));
-    if (!found && language != sourceLanguage)
-        qWarning() << "There are no texts of the host in" << language;
+    const QString file = QStringLiteral("%1/devhost_%2.qm").arg(ICore::trPath(), language);
+    if (!replaceTexts(hostTexts, file) && language != sourceLanguage)
+        qWarning() << "There are no texts of the host in" << language << "since it cannot read" << file;
 }
 
 void switchLanguage(const QString &code)

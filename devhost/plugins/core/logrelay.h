@@ -9,7 +9,7 @@
 
 namespace Core {
 
-/// Forwards Qt's log messages, from any thread, to the log view and on to the previous handler.
+/// Forwards Qt's log messages, from any thread, to the log view and to the previous handler.
 class HOST_CORE_EXPORT LogRelay : public QObject
 {
     Q_OBJECT

@@ -7,9 +7,9 @@
 
 namespace Core {
 
-/// Applies the dark look: style, palette, font and style sheet. Settings or desktop decide the text size, up to 20
-/// pixels, since plugins give their buttons and fields fixed heights; use the display's scale factor for more.
-/// User-interface thread only.
+/// Applies the dark look: style, palette, font and style sheet. The text size is that of the settings or of the
+/// desktop, up to 20 pixels, since plugins give their buttons and fields fixed heights; for larger text use the
+/// display's scale factor. User-interface thread only.
 HOST_CORE_EXPORT void applyLook();
 
 } // namespace Core

@@ -251,6 +251,7 @@ void MainWindow::retranslateUi()
     m_logDock->setWindowTitle(tr("Log"));
     m_logDock->widget()->setAccessibleName(tr("Log"));
     retranslateTitleBar();
+    m_report->forgetMessage();
     showStatus();
 }
 

@@ -39,9 +39,9 @@ OperationReport::OperationReport(QObject *parent)
     connect(
         Simulation::Journal::instance(), &Simulation::Journal::succeeded, this,
         [this](const QString &operation) {
-            if (operation == QLatin1String("DeviceControler.copyModelToDevice"))
+            if (operation == Simulation::Operations::copyModelToDevice)
                 m_sentToDevice = true;
-            else if (operation == QLatin1String("Serailizer.serailize"))
+            else if (operation == Simulation::Operations::serailize)
                 m_storedOffline = true;
         },
         Qt::DirectConnection);
@@ -131,6 +131,12 @@ void OperationReport::settle()
 {
     m_ending = false;
     emit changed();
+}
+
+void OperationReport::forgetMessage()
+{
+    if (m_outcome == Message)
+        m_outcome = None;
 }
 
 QString OperationReport::text() const

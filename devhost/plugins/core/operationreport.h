@@ -32,6 +32,9 @@ public:
     /// waiting dialog is shown, its text.
     QString text() const;
 
+    /// A message cannot be translated afterwards; call this when the language changes.
+    void forgetMessage();
+
 signals:
     void changed();
 

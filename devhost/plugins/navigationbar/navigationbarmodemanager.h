@@ -14,7 +14,7 @@ namespace NavigationBar {
 class INavigationBarMode;
 
 /// Stands for the manager of one navigation bar's modes. It owns no mode. User-interface thread only. The virtual
-/// functions stand in the order of the host's vtable.
+/// functions are in the order of the host's vtable.
 class HOST_NAVIGATIONBAR_EXPORT NavigationBarModeManager : public QObject
 {
     Q_OBJECT

@@ -13,12 +13,12 @@ namespace Simulation {
 /// (the same devices with tiny pictures, without durations).
 QString builtInSite(const QString &name);
 
-/// A site that is up: its devices are on the network and in the host's list, the journal is empty and no
-/// fault is armed. Online devices have a model as after a first synchronisation. Offline ones are known
-/// from their configuration directory, which is written anew with all their pictures; their hardware
-/// exists, but cannot be reached until it is plugged in.
+/// A running site: its devices are on the network and in the host's list, the journal is empty and no fault is armed.
+/// The models of online devices are as after a first synchronisation. Offline devices are known from their
+/// configuration directory, which is rewritten with all their pictures; their hardware exists, but is unreachable until
+/// it is plugged in.
 ///
-/// There is one session at a time. Its end takes everything down again. User-interface thread.
+/// There is one session at a time. Its destructor undoes everything. User-interface thread.
 class Session
 {
 public:
@@ -29,19 +29,19 @@ public:
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    /// Why the configuration of an offline device could not be written; empty when all went well.
+    /// Why the configuration of an offline device could not be written; empty if there was no error.
     QString error() const { return m_error; }
 
     const Site &site() const { return m_site; }
     /// The addresses of all devices in the site's order.
     QStringList addresses() const;
-    /// Null when the site has no such device.
+    /// Null if the site has no such device.
     std::shared_ptr<Hardware> hardware(const QString &ip) const;
     std::shared_ptr<Model::Device> device(const QString &ip) const;
 
-    /// Connects the device: it is online and its model is what it holds.
+    /// Connects the device: it becomes online, and its model is updated from the hardware.
     void plug(const QString &ip);
-    /// Disconnects the device; its model stays as it is.
+    /// Disconnects the device; its model does not change.
     void unplug(const QString &ip);
 
 private:

@@ -16,10 +16,9 @@
 #include "stagingdirectory.h"
 #include "zippackagehandle.h"
 
-#include <imagestorager/imagestorager.h>
-#include <model/device.h>
-#include <modelcontrol/materialcontrol.h>
-#include <modelcontrol/presetcontrol.h>
+#include <host/devicecontrol.h>
+#include <host/devices.h>
+#include <host/images.h>
 
 #include <QDebug>
 
@@ -53,6 +52,12 @@ void EngineerDocBackup::setProjectInfo(const QString &name, const QString &comme
     m_strComment = comment;
 }
 
+std::shared_ptr<const FileSystem::FileIdentity> EngineerDocBackup::fileAt(const QString &directory, const QString &name)
+{
+    const QString path = directory + name + PackageLayout::packageExtension;
+    return std::make_shared<const FileSystem::FileIdentity>(ReplacingFile::resolvedTarget(path));
+}
+
 void EngineerDocBackup::run()
 {
     m_bCancel = false;
@@ -61,10 +66,15 @@ void EngineerDocBackup::run()
         m_nResultCode = BackupEncryptFailed;
 }
 
+void EngineerDocBackup::failToStart()
+{
+    fail(QStringLiteral("the system has no thread for it"));
+}
+
 void EngineerDocBackup::save()
 {
-    const QString packagePath = m_strProjectPath + m_strProjectName + PackageLayout::packageExtension;
-    const FileSystem::FileIdentity previous(ReplacingFile::resolvedTarget(packagePath));
+    const std::shared_ptr<const FileSystem::FileIdentity> replaceable =
+        m_pReplaceable ? m_pReplaceable : fileAt(m_strProjectPath, m_strProjectName);
 
     if (!writeDeviceDescriptions()) {
         m_nResultCode = BackupSaveJsonFailed;
@@ -87,10 +97,10 @@ void EngineerDocBackup::save()
 
     if (m_bCancel || !LoadPreset())
         return;
-    pack(packagePath, previous);
+    pack(*replaceable);
 }
 
-void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileIdentity &previous)
+void EngineerDocBackup::pack(const FileSystem::FileIdentity &replaceable)
 {
     // Creates this folder only: a separator in the project's name may be a typing error.
     QString reason;
@@ -99,13 +109,13 @@ void EngineerDocBackup::pack(const QString &packagePath, const FileSystem::FileI
         return;
     }
     EngineerPacketInfo info;
-    info.strFilePath = packagePath;
+    info.strFilePath = m_strProjectPath + m_strProjectName + PackageLayout::packageExtension;
     info.strProjectName = m_strProjectName;
     info.strComment = m_strComment;
-    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_hashStaged, previous}, &reason))
+    if (!ZipPackageHandle::compressEngineerPacket(directory().path(), info, {m_staged, replaceable}, &reason))
         fail(reason);
-    else if (ZipPackageHandle::isValidEngineerPacket(packagePath, &reason))
-        m_strSavedPackagePath = packagePath;
+    else if (ZipPackageHandle::isValidEngineerPacket(info.strFilePath, &reason))
+        m_strSavedPackagePath = info.strFilePath;
     else
         qDebug().noquote() << "The package was changed or removed right after the save:" << reason;
 }
@@ -118,8 +128,8 @@ bool EngineerDocBackup::fail(const QString &reason, BackupResultCode code)
 }
 
 // Each step looks the device up again, four times in a save of an online device: in between, the host may remove it or
-// replace it by another one with the same address. So keep no device from step to step. A step that finds none ends the
-// save.
+// replace it by another one with the same address. So do not keep a device from one step to the next. A step that finds
+// none ends the save.
 std::shared_ptr<Model::Device> EngineerDocBackup::findDevice()
 {
     std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIp);
@@ -157,7 +167,7 @@ bool EngineerDocBackup::exportPictures()
         return fail(reason);
     const QHash<QString, qint64> written = writer.written();
     for (auto picture = written.begin(); picture != written.end(); ++picture)
-        m_hashStaged.insert(directory().pictureEntry(picture.key()), picture.value());
+        m_staged.insert(directory().pictureEntry(picture.key()), picture.value());
     return true;
 }
 
@@ -175,7 +185,7 @@ bool EngineerDocBackup::exportBackgrounds(PictureWriter &writer)
             continue;
 
         emit signal_operatoerChanged(tr("Saving the gallery [%1]...").arg(tr("BKG:") + background->getName()));
-        const std::map<Materail::ParameterType, std::any> request{{Materail::Picture, QImage()}};
+        const std::map<Materail::ParameterType, std::any> request{{HostNumbers::picture, QImage()}};
         if (!ModelControl::MaterialControl(background).queryMaterailData(request)) {
             if (stopIfCanceled())
                 return false;
@@ -242,7 +252,7 @@ bool EngineerDocBackup::writePreset(const QString &entry, const QByteArray &deta
     PresetFile file(path);
     switch (file.write(detail)) {
     case PresetFile::Outcome::Written:
-        m_hashStaged.insert(entry, file.size());
+        m_staged.insert(entry, file.size());
         return true;
     case PresetFile::Outcome::FolderGone:
         return fail(QStringLiteral("%1 was removed").arg(directory().presetPath()));

@@ -15,7 +15,7 @@
 #include "readinesscheck.h"
 #include "zippackagehandle.h"
 
-#include <core/icore.h>
+#include <host/core.h>
 
 #include <QDebug>
 #include <QFile>
@@ -42,6 +42,11 @@ void EngineerDocLoad::releasePackage()
     m_pPackage.reset();
 }
 
+void EngineerDocLoad::failToStart()
+{
+    check([this] { return fail(LoadImportFailed, QStringLiteral("the system has no thread for it")); });
+}
+
 bool EngineerDocLoad::fail(LoadResultCode code, const QString &reason)
 {
     m_nResultCode = code;
@@ -61,7 +66,8 @@ bool EngineerDocLoad::guarded(const std::function<bool()> &work)
     if (!runGuarded("Import project file failed, exception", [&] { isDone = work(); }))
         return fail(LoadImportFailed);
     if (!isDone && !m_strReason.isEmpty())
-        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:" << m_strReason;
+        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:"
+                           << (m_bCancel ? m_strReason + QStringLiteral("; Cancel was pressed before") : m_strReason);
     return isDone;
 }
 
@@ -78,7 +84,7 @@ bool EngineerDocLoad::checkPackageFile()
     return check([this] {
         if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
             return fail(LoadFileContentError, QStringLiteral("there is no such file"));
-        // The file first, so that only a package is copied. The result that counts is that of the copy.
+        // The file first, so that nothing but a package is copied. Then the copy, since that is what is applied.
         return ZipPackageHandle::checkPacketChecksum(m_strPackagePath, &m_strReason) && openPackage() &&
                ZipPackageHandle::checkPacketChecksum(*m_pPackage, &m_strReason);
     });
@@ -97,6 +103,14 @@ bool EngineerDocLoad::checkDevice()
             return false;
         ReadinessCheck readiness(*m_pPackage, *m_pPackageDevice, ICore::ExtractJsonPath());
         return passes(m_bCheckedOnline ? readiness.run(&reason) : readiness.runOffline(&reason), reason);
+    });
+}
+
+bool EngineerDocLoad::confirmOnline(bool online)
+{
+    return check([this, online] {
+        return m_bCheckedOnline == online ||
+               fail(LoadImportFailed, QStringLiteral("the device went offline or came online before it was checked"));
     });
 }
 
@@ -128,7 +142,7 @@ std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString 
     QString error;
     std::shared_ptr<Model::Device> device = readDeviceDescription(path, error);
     if (!device && !error.isEmpty()) {
-        // Not shown, since callers report a code of their own; it is here for the debugger.
+        // Not shown, since callers report their own code; kept for the debugger.
         const QString reason = tr("read device infomation [%1] failed,reason:%2").arg(path, error);
         Q_UNUSED(reason)
     }
@@ -139,7 +153,7 @@ void EngineerDocLoad::run()
 {
     m_bCancel = false;
     guarded([this] { return apply(); });
-    // The panel keeps the job for its result code; the copy must not take up the disk as long.
+    // The panel keeps the job for its result code; the copy must not take up disk space that long.
     releasePackage();
 }
 
@@ -185,11 +199,11 @@ bool EngineerDocLoad::applyOnline(const std::shared_ptr<Model::Device> &target)
 {
     OnlineApply online(*m_pPackage, m_pPackageDevice, target);
     if (!online.sendSlots())
-        return fail(LoadImportFailed, QStringLiteral("the device did not take MVR or the slots"));
+        return fail(LoadImportFailed, QStringLiteral("the device did not accept MVR or the slots"));
     const bool isSent = onlineSend(online);
     // Even after a failed send. If this fails too, its code replaces the first one.
     if (!online.sendMvrItems())
-        return fail(LoadImportFailed, QStringLiteral("the device did not take the MVR items"));
+        return fail(LoadImportFailed, QStringLiteral("the device did not accept the MVR items"));
     return isSent && !stopIfCanceled();
 }
 
@@ -199,7 +213,7 @@ bool EngineerDocLoad::onlineSend(OnlineApply &online)
         return false;
     emit signal_operatoerChanged(tr("Send Config to Device"));
     return online.sendConfiguration() ||
-           fail(LoadImportFailed, QStringLiteral("the device did not take the configuration"));
+           fail(LoadImportFailed, QStringLiteral("the device did not accept the configuration"));
 }
 
 bool EngineerDocLoad::sendSourceToOnlineDevice(OnlineApply &online)

@@ -5,16 +5,14 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QString>
 #include <QThread>
 
 #include <atomic>
 #include <functional>
 #include <memory>
-
-namespace Model {
-class Device;
-} // namespace Model
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -24,15 +22,15 @@ class PackageReader;
 
 /// The job that applies a project file to one device, online or offline.
 ///
-/// The two checks run on the caller's thread, before start(); the changes to the device run on a thread of its own.
-/// Every failure sets a LoadResultCode, an exception from the host LoadImportFailed. Use one object for one run.
+/// The two checks run on the caller's thread, before start(); the job changes the device on its own thread. Every
+/// failure sets a LoadResultCode, an exception from the host LoadImportFailed. Use one object for one run.
 ///
-/// The package is copied before the first check (see PackageSnapshot), and the copy kept until the end of the run: what
-/// was checked is applied, whatever happens to the file. Descriptions and pictures are also extracted to the host's
-/// extraction folder, where others expect them, but never applied from there.
+/// The package is copied before the first check (see PackageSnapshot), and the copy is kept until the end of the run,
+/// so that what was checked is what is applied. Descriptions and pictures are also extracted to the host's extraction
+/// folder, where other software expects them, but never applied from there.
 ///
-/// The caller resets an online device between checkDevice() and the run. So the check refuses, with the same code,
-/// everything for which the run would refuse the package; afterwards a failed extraction does not end the run: the
+/// The caller resets an online device between checkDevice() and the run. So the check fails, with the same code, for
+/// everything that would make the run refuse the package. During the run, a failed extraction is no reason to stop: the
 /// device gets the picture as long as its content can be read.
 class EngineerDocLoad : public QThread
 {
@@ -54,11 +52,16 @@ public:
     /// too many pixels in total. For an online device, also only if every picture has a place there and can be
     /// extracted, read to its end and decoded (see ReadinessCheck).
     bool checkDevice();
+    /// After it: true if it found the device online or offline, as the caller did before. A device that dropped out or
+    /// came meanwhile would be reset without having been checked for that, or changed without a reset.
+    bool confirmOnline(bool online);
 
-    /// Releases the copy of the package and its disk space, if there will be no run. Not during the run.
+    /// Releases the copy of the package and its disk space. Call it if there will be no run, not during a run.
     void releasePackage();
+    /// Instead of a run, for which the system has no thread: ends with LoadImportFailed.
+    void failToStart();
 
-    /// Requests the job to end before the next picture, or to report the cancellation once the transfer is over. Any
+    /// Asks the job to end before the next picture, or to report the cancellation once the transfer is over. Any
     /// thread; a request before the thread has started is lost.
     void cancel() { m_bCancel = true; }
 
@@ -81,12 +84,12 @@ protected:
     void run() override;
 
 private:
-    /// Runs work that calls the host; an exception is logged and fails with LoadImportFailed.
+    /// Runs work that calls the host; after an exception, which is logged, fails with LoadImportFailed.
     bool guarded(const std::function<bool()> &work);
     /// The same for a check. One that fails releases the package, since no run will follow.
     bool check(const std::function<bool()> &work);
     QString noDevice() const;
-    /// False, without a code, if the package has gone.
+    /// False, without a code, if the package no longer exists.
     bool openPackage();
     bool readDescription();
     bool apply();

@@ -3,7 +3,6 @@
 
 #include "engineerdocoperwidget.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "deviceselector.h"
 #include "encodedpictures.h"
@@ -18,6 +17,7 @@
 #include "prechecks.h"
 #include "pressedbutton.h"
 #include "projectcopies.h"
+#include "projectdeletion.h"
 #include "projectediting.h"
 #include "projectpaths.h"
 #include "projectrowwidget.h"
@@ -28,22 +28,15 @@
 #include "setconnected.h"
 #include "waiting.h"
 
-#include <model/objectbrige.h>
-#include <widgets/waitingdialog.h>
+#include <host/devices.h>
 
 #include <QComboBox>
-#include <QDebug>
-#include <QFile>
 #include <QFileSystemWatcher>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QToolButton>
-#include <QtConcurrentRun>
-
-using Core::ICore;
-using Corvel::Widgets::WaitingDialog;
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -51,7 +44,7 @@ namespace Internal {
 // ---- Construction
 
 EngineerDocOperWidget::EngineerDocOperWidget(QWidget *parent)
-    : ICenterWidget("ProjectFileCfg.Central", parent)
+    : Corvel::Widgets::ICenterWidget("ProjectFileCfg.Central", parent)
     , m_pProjects(std::make_shared<ProjectList>())
     , m_listProjectInfo(m_pProjects->listProjects)
     , m_strDefaultPath(ProjectPaths::projectFilesPath())
@@ -79,7 +72,7 @@ EngineerDocOperWidget::~EngineerDocOperWidget()
     // After this, nobody can tell the host that the operation is over, or hide the modal waiting dialog.
     const bool copying = ProjectCopies::isAwaited(m_pSaveasWatcher) || ProjectCopies::isAwaited(m_pImportWatcher);
     if (m_nOperatorType != OperatorNone)
-        RunningJob::announce(ICore::OperatorNone);
+        RunningJob::announce(HostNumbers::operatorNone);
     if (m_nOperatorType != OperatorNone || copying)
         Waiting::hide();
 
@@ -128,7 +121,7 @@ void EngineerDocOperWidget::initConnects(bool bConnect)
     wire(m_pAllSaveasBtn, &EngineerDocOperWidget::slot_saveasProject);
     wire(m_pAllDeleteBtn, &EngineerDocOperWidget::slot_deleteAllProject);
 
-    // retranslateUi() may have connected it already, and a second connection would call the slot twice.
+    // retranslateUi() may have connected it already, and with a second connection the slot would be called twice.
     connectSelector(false);
     connectSelector(bConnect);
     connectFileWatcher(bConnect);
@@ -144,12 +137,6 @@ void EngineerDocOperWidget::connectFileWatcher(bool bConnect)
 {
     setConnected(bConnect, m_pFileWatcher, &QFileSystemWatcher::directoryChanged, this,
                  &EngineerDocOperWidget::slot_projectFilesChanged);
-}
-
-void EngineerDocOperWidget::connectCancel(bool bConnect)
-{
-    setConnected(bConnect, WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, this,
-                 &EngineerDocOperWidget::slot_cancelOperator);
 }
 
 void EngineerDocOperWidget::connectRow(const ProjectRowWidget &row)
@@ -193,17 +180,23 @@ void EngineerDocOperWidget::slot_changeDevice(const QString &)
     m_pDeviceSelector->changeDevice(m_strDeviceIP);
 }
 
+bool EngineerDocOperWidget::selectAgain(const QString &address)
+{
+    if (m_strDeviceIP != address && DeviceOperations::activate(address))
+        initDevice();
+    return PreChecks::isStillSelected(address, m_strDeviceIP);
+}
+
 // ---- Saving
 
 void EngineerDocOperWidget::slot_saveProject()
 {
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP) || !DeviceOperations::activate(m_strDeviceIP) ||
-        !m_pDeviceSelector->showCurrent())
+        !m_pDeviceSelector->showCurrent() || !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
         return;
-    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
-    if (device && device->getDeviceOnlineFlag() && !PreChecks::isRoomForProject(this, m_strDeviceIP, m_strDefaultPath))
-        return;
-    if (const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath))
+    const QString selected = m_strDeviceIP;
+    const std::optional<NewProject::Properties> answer = NewProject::ask(this, m_strDefaultPath);
+    if (answer && selectAgain(selected))
         startBackup(answer->strName, answer->strComment);
 }
 
@@ -213,24 +206,27 @@ bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comm
     const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
     if (!device)
         return false;
+    // Settled now: another program may save under the name while the host frees the channel.
+    const auto replaceable = EngineerDocBackup::fileAt(m_strDefaultPath, name);
     DeviceOperations::freeChannel(device);
-    RunningJob::announce(ICore::OperatorBackup);
+    RunningJob::announce(HostNumbers::operatorBackup);
     m_nOperatorType = OperatorBackup;
 
     m_pDocBackup = new EngineerDocBackup(nullptr, QString());
     m_pDocBackup->setProjectPath(m_strDefaultPath);
     m_pDocBackup->setDeviceIp(m_strDeviceIP);
     m_pDocBackup->setProjectInfo(name, comment);
+    m_pDocBackup->setReplaceable(replaceable);
     m_pDocBackup->setEncodedPictures(m_pEncodedPictures);
 
     Waiting::offerCancel();
     Waiting::show([] { return tr("Please wait while the project file is exported"); });
-    connectCancel(true);
+    Waiting::connectCancel(true, this, &EngineerDocOperWidget::slot_cancelOperator);
     connect(m_pDocBackup, &QThread::finished, this, &EngineerDocOperWidget::slot_backupFinished);
     connect(m_pDocBackup, &EngineerDocBackup::signal_operatoerChanged, this,
             &EngineerDocOperWidget::slot_backupOperatorChanged);
     m_pDocBackup->start(QThread::InheritPriority);
-    return true;
+    return RunningJob::hasStarted(*m_pDocBackup, [this] { slot_backupFinished(); });
 }
 
 void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInfo)
@@ -241,30 +237,29 @@ void EngineerDocOperWidget::slot_backupOperatorChanged(const QString &strOperInf
 
 void EngineerDocOperWidget::slot_cancelOperator()
 {
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    // The job's device, since another one may be selected by now.
     if (m_nOperatorType == OperatorLoad && m_pDocLoad) {
         m_pDocLoad->cancel();
-        if (device)
-            DeviceOperations::cancelLoad();
+        DeviceOperations::cancelLoad(DeviceOperations::find(m_pDocLoad->deviceIp()));
     } else if (m_nOperatorType == OperatorBackup && m_pDocBackup) {
         m_pDocBackup->cancel();
         m_strApplyAfterBackup.clear();
-        if (device)
-            DeviceOperations::cancelSave(device);
+        DeviceOperations::cancelSave(DeviceOperations::find(m_pDocBackup->deviceIp()));
     }
 }
 
 void EngineerDocOperWidget::slot_backupFinished()
 {
-    connectCancel(false);
+    Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     Waiting::hide();
-    RunningJob::announce(ICore::OperatorNone);
+    RunningJob::announce(HostNumbers::operatorNone);
     m_nOperatorType = OperatorNone;
     slot_projectFilesChanged();
 
     const QPointer<EngineerDocOperWidget> guard(this);
     if (RunningJob::isApplyDue(m_pDocBackup, m_strApplyAfterBackup)) {
-        startLoad(m_strApplyAfterBackup);
+        if (selectAgain(m_pDocBackup->deviceIp()))
+            startLoad(m_strApplyAfterBackup);
         if (guard)
             m_strApplyAfterBackup.clear();
     } else {
@@ -292,24 +287,17 @@ void EngineerDocOperWidget::slot_applyOtherProject()
 {
     if (!PreChecks::isDeviceSelected(this, m_strDeviceIP))
         return;
+    const QString selected = m_strDeviceIP;
     const QStringList files = FileDialogs::selectProjectFiles(this, false);
-    if (files.isEmpty())
-        return;
-    EngineerPacketInfo info;
-    info.strFilePath = files.first();
-    QString reason;
-    if (ZipPackageHandle::getZipFileEngineerInfo(info, &reason)) {
-        askBackupBeforeApply(info.strFilePath);
-        return;
-    }
-    qDebug().noquote() << "Not applied:" << reason;
-    MessageBoxes::remind(this, [] { return tr("The file does not exist or the file format is incorrect."); });
+    if (!files.isEmpty() && selectAgain(selected) && PreChecks::isPackage(this, files.first()))
+        askBackupBeforeApply(files.first());
 }
 
 void EngineerDocOperWidget::askBackupBeforeApply(const QString &path)
 {
+    const QString selected = m_strDeviceIP;
     const QMessageBox::StandardButton answer = MessageBoxes::askForBackup(this);
-    if (answer == QMessageBox::Cancel)
+    if (answer == QMessageBox::Cancel || !selectAgain(selected))
         return;
     if (answer != QMessageBox::Yes)
         startLoad(path);
@@ -326,23 +314,20 @@ bool EngineerDocOperWidget::startLoad(const QString &path)
     m_pDocLoad = new EngineerDocLoad(nullptr);
     m_pDocLoad->setDeviceIp(m_strDeviceIP);
     m_pDocLoad->setPackagePath(path);
-    const bool online = device->getDeviceOnlineFlag();
-    if (!LoadPreparation::prepare(this, *m_pDocLoad, online))
+    if (!LoadPreparation::prepare(this, *m_pDocLoad, device))
         return false;
 
-    if (online)
-        DeviceOperations::reserveChannel(device);
     m_nOperatorType = OperatorLoad;
-    // "save" is no mistake, although a load starts: operators and translations know this text.
+    // Keep "save" although a load starts: operators and translations know this text.
     Waiting::show([] { return tr("Start save project file"); });
-    RunningJob::announce(ICore::OperatorLoad);
+    RunningJob::announce(HostNumbers::operatorLoad);
     RunningJob::startThenConnect(*m_pDocLoad, [this] {
-        connectCancel(true);
+        Waiting::connectCancel(true, this, &EngineerDocOperWidget::slot_cancelOperator);
         connect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
                 &EngineerDocOperWidget::slot_operatorChanged);
         connect(m_pDocLoad, &QThread::finished, this, &EngineerDocOperWidget::slot_loadFinished);
     });
-    return true;
+    return RunningJob::hasStarted(*m_pDocLoad, [this] { slot_loadFinished(); });
 }
 
 void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
@@ -352,8 +337,8 @@ void EngineerDocOperWidget::slot_operatorChanged(const QString &strOperType)
 
 void EngineerDocOperWidget::slot_loadFinished()
 {
-    RunningJob::announce(ICore::OperatorNone);
-    connectCancel(false);
+    RunningJob::announce(HostNumbers::operatorNone);
+    Waiting::connectCancel(false, this, &EngineerDocOperWidget::slot_cancelOperator);
     if (m_pDocLoad)
         disconnect(m_pDocLoad, &EngineerDocLoad::signal_operatoerChanged, this,
                    &EngineerDocOperWidget::slot_operatorChanged);
@@ -362,12 +347,10 @@ void EngineerDocOperWidget::slot_loadFinished()
 
     const QPointer<EngineerDocOperWidget> guard(this);
     const int code = m_pDocLoad ? m_pDocLoad->resultCode() : int(LoadSuccess);
-    const std::shared_ptr<Model::Device> device = findDeviceByAddress(m_strDeviceIP);
+    const std::shared_ptr<Model::Device> device = DeviceOperations::find(m_strDeviceIP);
     const bool online = device && device->getDeviceOnlineFlag();
     DeviceOperations::freeChannel(device);
-    // The host may have activated another device since the load began, and so changed the selection.
-    if (m_pDocLoad && m_pDocLoad->deviceIp() != m_strDeviceIP)
-        DeviceOperations::freeChannel(findDeviceByAddress(m_pDocLoad->deviceIp()));
+    RunningJob::freeChannelOfLoad(m_pDocLoad, m_strDeviceIP);
     MessageBoxes::showLoadResult(this, code);
     if (!guard || !device)
         return;
@@ -404,9 +387,9 @@ void EngineerDocOperWidget::startSaveas(const QStringList &files, const QString 
 {
     Waiting::show([] { return tr("save as project file,please wait..."); });
     release(m_pSaveasWatcher, this);
-    const auto failure = std::make_shared<TranslatedText>();
-    m_saveasFuture = QtConcurrent::run(&ProjectCopies::saveAsConcurrent, files, destination, bDestIsDir, failure);
-    m_pSaveasWatcher = ProjectCopies::watch(m_saveasFuture, this, [this, failure] { onSaveasFinished(*failure); });
+    m_pSaveasWatcher = ProjectCopies::startSaveAs(files, destination, bDestIsDir, this,
+                                                  [this](const auto &failure) { onSaveasFinished(failure); });
+    m_saveasFuture = m_pSaveasWatcher->future();
 }
 
 void EngineerDocOperWidget::onSaveasFinished(const TranslatedText &failure)
@@ -433,9 +416,9 @@ void EngineerDocOperWidget::startImport(const QStringList &files)
     else if (m_pImportWatcher)
         m_pImportWatcher->setParent(this);
     connectFileWatcher(false);
-    const auto failure = std::make_shared<TranslatedText>();
-    m_importFuture = QtConcurrent::run(&ProjectCopies::importProjectFiles, files, m_strDefaultPath, failure);
-    m_pImportWatcher = ProjectCopies::watch(m_importFuture, this, [this, failure] { onImportFinished(*failure); });
+    m_pImportWatcher = ProjectCopies::startImport(files, m_strDefaultPath, this,
+                                                  [this](const auto &failure) { onImportFinished(failure); });
+    m_importFuture = m_pImportWatcher->future();
 }
 
 void EngineerDocOperWidget::onImportFinished(const TranslatedText &failure)
@@ -461,7 +444,7 @@ void EngineerDocOperWidget::slot_editProjectInfo()
     const QPointer<EngineerDocOperWidget> guard(this);
     const std::shared_ptr<ProjectList> projects = m_pProjects;
     {
-        // Keeps scans from replacing the entry under the dialog. The panel may be deleted meanwhile.
+        // Keeps scans from replacing the entry while the dialog is open. The panel may be deleted meanwhile.
         const ProjectList::Hold hold(*projects);
         const std::optional<EngineerPacketInfo> edited =
             ProjectEditing::edit(this, *projects, pressed.filePath(), m_strDefaultPath);
@@ -479,18 +462,12 @@ void EngineerDocOperWidget::slot_editProjectInfo()
 void EngineerDocOperWidget::slot_deleteProject()
 {
     const PressedButton pressed(sender());
-    if (!pressed || !MessageBoxes::confirm(this, [] { return tr("Confirm to delete the selected project file?"); }))
+    if (!pressed || !ProjectDeletion::isConfirmed(this, pressed.filePath()))
         return;
-    if (!QFile::exists(pressed.filePath())) {
-        qCritical() << "File not exist . path:" << pressed.filePath();
-        return;
-    }
     connectFileWatcher(false);
-    if (!QFile::remove(pressed.filePath())) {
-        // The directory stays unwatched until the next import or deletion.
-        MessageBoxes::warn(this, [] { return tr("Delete project file failed!"); });
+    // After a failure the directory stays unwatched until the next import or deletion.
+    if (!ProjectDeletion::remove(this, pressed.filePath()))
         return;
-    }
     connectFileWatcher(true);
     if (m_pProjects->remove(pressed.filePath()))
         slot_projectFilesChanged();
@@ -500,7 +477,7 @@ void EngineerDocOperWidget::slot_deleteProject()
 
 void EngineerDocOperWidget::slot_deleteAllProject()
 {
-    if (!MessageBoxes::confirm(this, [] { return tr("Confirm to delete all project file?"); }))
+    if (!ProjectDeletion::isConfirmedForAll(this))
         return;
     connectFileWatcher(false);
     if (m_pProjects->clear())

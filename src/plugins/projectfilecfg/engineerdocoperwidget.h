@@ -7,7 +7,7 @@
 #include "projectlist.h"
 #include "translatedtext.h"
 
-#include <widgets/icenterwidget.h>
+#include <host/modes.h>
 
 #include <QFuture>
 
@@ -35,10 +35,9 @@ class ProjectTable;
 
 /// The panel of the "Project File" mode: a device selector, the table of project files and every operation on them.
 ///
-/// User-interface thread. Saving and applying run in jobs with a thread of their own; scanning, copying out and
-/// importing run in the global thread pool. The panel never waits for any of them and may be deleted while they run: it
-/// then cancels the job, which is deleted when its thread has finished, and pool work uses only data that it owns or
-/// shares.
+/// User-interface thread. Saves and applies are jobs with their own threads; scans, copies and imports run in the
+/// global thread pool. The panel never waits for any of them and may be deleted while they run: it then cancels the
+/// job, which is deleted when its thread has finished; work in the pool uses only data that it owns or shares.
 class EngineerDocOperWidget : public Corvel::Widgets::ICenterWidget
 {
     Q_OBJECT
@@ -79,13 +78,16 @@ private:
     void initConnects(bool bConnect);
     void connectSelector(bool bConnect);
     void connectFileWatcher(bool bConnect);
-    void connectCancel(bool bConnect);
     void connectRow(const ProjectRowWidget &row);
 
     void updateProjectTable();
     void updateButtonState();
 
     void initDevice();
+    /// Call after a dialog or a save, with the device for which the operator has decided. Selects it again if another
+    /// one was selected meanwhile: the panel selects the active device whenever it is shown, even if its window is
+    /// restored behind a box. False, after logging it, if the device no longer exists.
+    bool selectAgain(const QString &address);
     bool startBackup(const QString &name, const QString &comment);
     void askBackupBeforeApply(const QString &path);
     bool startLoad(const QString &path);
@@ -103,7 +105,8 @@ private:
     QPushButton *m_pAllSaveasBtn = nullptr;
     QPushButton *m_pAllDeleteBtn = nullptr;
     QTableWidget *m_pProjectTable = nullptr;
-    /// Shared with running scans. m_listProjectInfo and m_mutex refer to its members, which only its operations touch.
+    /// Shared with running scans. m_listProjectInfo and m_mutex refer to its members; only ProjectList's own operations
+    /// use them.
     const std::shared_ptr<ProjectList> m_pProjects;
     QList<EngineerPacketInfo> &m_listProjectInfo;
     QFileSystemWatcher *m_pFileWatcher = nullptr;

@@ -7,7 +7,7 @@
 #include "projectpaths.h"
 #include "translatedbox.h"
 
-#include <widgets/fixedbitlineeditex.h>
+#include <host/dialogs.h>
 
 #include <QEvent>
 #include <QFile>
@@ -34,7 +34,7 @@ bool splitsSurrogatePair(const QString &text, int position)
            text.at(position - 1).isHighSurrogate();
 }
 
-/// Removes the excess from just before the caret, where it was typed or pasted. If there is too little text before the
+/// Removes the excess just before the caret, where it was typed or pasted. If there is too little text before the
 /// caret, as after setComment(), keeps the first 100 characters. Never splits a surrogate pair.
 QString cutToLimit(const QString &typed, int *caret)
 {
@@ -179,7 +179,7 @@ void EngineerPropertySettingWidget::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange)
         retranslateUi();
-    FramelessDialog::changeEvent(event);
+    HX::Widgets::FramelessDialog::changeEvent(event);
 }
 
 void EngineerPropertySettingWidget::initConnects()

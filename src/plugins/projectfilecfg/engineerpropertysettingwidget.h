@@ -3,22 +3,16 @@
 
 #pragma once
 
-#include <widgets/framelessdialog.h>
+#include <host/dialogs.h>
 
 class QLabel;
 class QPushButton;
 class QTextEdit;
 
-namespace Corvel {
-namespace Widgets {
-class FixedBitLineEditEx;
-}
-} // namespace Corvel
-
 /// The dialog for a project's name and comment.
 ///
 /// It limits the comment to 100 characters and refuses the name of another project. It writes nothing: read the name
-/// and the comment after exec() returned QDialog::Accepted. Its texts follow a change of the language, what was typed
+/// and the comment after exec() returned QDialog::Accepted. Its texts follow a change of the language; typed text
 /// stays.
 class EngineerPropertySettingWidget : public HX::Widgets::FramelessDialog
 {
@@ -29,7 +23,7 @@ public:
     EngineerPropertySettingWidget(QWidget *parent, const QString &name, const QString &comment);
     ~EngineerPropertySettingWidget() override;
 
-    /// Shows `name`, selected so that typing replaces it, and stores it as the name that the project may keep.
+    /// Shows `name`, selected so that typing replaces it, and stores it as the one existing name that is accepted.
     void setProjectName(const QString &name);
     /// Shows `comment`, cut to 100 characters.
     void setComment(const QString &comment);

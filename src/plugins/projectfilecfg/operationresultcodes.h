@@ -10,7 +10,7 @@ namespace Internal {
 enum BackupResultCode : int {
     BackupSuccess = 0,
     BackupExportBkgFailed = 1,
-    /// Reserved: a logo that cannot be written does not end a save.
+    /// Reserved: a save continues without a logo that cannot be written.
     BackupExportLogoFailed = 2,
     BackupOfflineResourceIncomplete = 3,
     BackupUserCanceled = 4,

@@ -3,7 +3,7 @@
 
 #include "projectfilecfgmode.h"
 
-#include <utils/icon.h>
+#include <host/theme.h>
 
 using Corvel::Utils::Icon;
 
@@ -19,10 +19,10 @@ ProjectFileCfgMode::ProjectFileCfgMode(QObject *parent)
     setIcon(Icon::fromTheme(QStringLiteral("project_normal"), QString()));
     setEnabled(true);
     setVisible(false);
-    addStateIcon(Normal, Icon::fromTheme(QStringLiteral("project_normal"), QString()));
-    addStateIcon(Hover, Icon::fromTheme(QStringLiteral("project_hover_normal"), QString()));
+    addStateIcon(HostNumbers::buttonNormal, Icon::fromTheme(QStringLiteral("project_normal"), QString()));
+    addStateIcon(HostNumbers::buttonHover, Icon::fromTheme(QStringLiteral("project_hover_normal"), QString()));
     // Spelt so in the host's theme.
-    addStateIcon(Pressed, Icon::fromTheme(QStringLiteral("projecte_pressed_normal"), QString()));
+    addStateIcon(HostNumbers::buttonPressed, Icon::fromTheme(QStringLiteral("projecte_pressed_normal"), QString()));
     ProjectFileCfgMode::retranslateUi();
 }
 

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <settingcfg/isettingcfgmode.h>
+#include <host/modes.h>
 
 namespace ProjectFileCfg {
 namespace Internal {

@@ -7,10 +7,9 @@
 #include "localecodec.h"
 #include "projectfilecfgmode.h"
 
-#include <core/icore.h>
-#include <core/modemanager.h>
-#include <model/objectbrige.h>
-#include <settingcfg/settingcfgmodemanager.h>
+#include <host/core.h>
+#include <host/devices.h>
+#include <host/modes.h>
 
 #include <QDebug>
 #include <QTimer>
@@ -50,7 +49,7 @@ ProjectFileCfgPlugin *ProjectFileCfgPlugin::instance()
 
 bool ProjectFileCfgPlugin::initialize(const QStringList &, QString *)
 {
-    // Before any file is named: names are UTF-8, in packages and on disk, whatever the locale.
+    // Before the first file name is used: names are UTF-8, in packages and on disk, whatever the locale.
     Internal::useUtf8LocaleCodec();
 
     if (!installTranslator(ICore::overrideLanguage()))
@@ -80,12 +79,12 @@ HX::ExtensionSystem::IPlugin::ShutdownFlag ProjectFileCfgPlugin::aboutToShutdown
         m_pMode = nullptr;
     }
     removeObject(this);
-    return SynchronousShutdown;
+    return Internal::HostNumbers::synchronousShutdown;
 }
 
 bool ProjectFileCfgPlugin::installTranslator(const QString &language)
 {
-    return IPlugin::installTranslator(ICore::trPath(), QStringLiteral("projectfilecfg"), language);
+    return HX::ExtensionSystem::IPlugin::installTranslator(ICore::trPath(), QStringLiteral("projectfilecfg"), language);
 }
 
 void ProjectFileCfgPlugin::createConnects()

@@ -5,8 +5,7 @@
 
 #include "projectfilecfg_global.h"
 
-#include <core/icorvelplugin.h>
-#include <utils/id.h>
+#include <host/plugin.h>
 
 namespace ProjectFileCfg {
 
@@ -15,8 +14,8 @@ class EngineerDocOperWidget;
 class ProjectFileCfgMode;
 } // namespace Internal
 
-/// The plugin object. It registers the "Project File" sub-mode in the host's settings area, adds or withdraws it when
-/// the active device changes, depending on whether the new one supports project files, and creates the panel when the
+/// The plugin object. It registers the "Project File" sub-mode in the host's settings area, adds or removes it when the
+/// active device changes, depending on whether the new one supports project files, and creates the panel when the
 /// sub-mode is first shown.
 ///
 /// User-interface thread only.
@@ -36,7 +35,7 @@ public:
     bool initialize(const QStringList &arguments, QString *errorString) override;
     void extensionsInitialized() override;
     bool delayedInitialize() override;
-    /// Takes the sub-mode and the panel out of the host and deletes them.
+    /// Removes the sub-mode and the panel from the host and deletes them.
     ShutdownFlag aboutToShutdown() override;
 
     // Not every host's base class declares this function, so it cannot be marked override.

@@ -105,7 +105,7 @@ void UDiskSelectWidget::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange)
         retranslateUi();
-    FramelessDialog::changeEvent(event);
+    HX::Widgets::FramelessDialog::changeEvent(event);
 }
 
 void UDiskSelectWidget::scanDisks(const QVector<Volume> &volumes)

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <widgets/framelessdialog.h>
+#include <host/dialogs.h>
 
 #include <QMap>
 #include <QString>
@@ -24,16 +24,16 @@ public:
     /// A mounted volume.
     struct Volume
     {
-        /// The device node, "/dev/sdb1", or a tag that names the volume, "LABEL=STICK".
+        /// The device node ("/dev/sdb1"), or a tag that names the volume ("LABEL=STICK").
         QString strDevice;
         QString strMountPath;
-        /// The volume's own label; unused where the device is a tag.
+        /// The volume's own label; ignored if the device is a tag.
         QString strLabel;
     };
 
     /// Offers the USB flash disks that are mounted now; later ones do not appear while the dialog is open.
     explicit UDiskSelectWidget(QWidget *parent);
-    /// The same for a given list of mounted volumes.
+    /// The same, but with the given mounted volumes.
     UDiskSelectWidget(QWidget *parent, const QVector<Volume> &volumes);
     ~UDiskSelectWidget() override;
 

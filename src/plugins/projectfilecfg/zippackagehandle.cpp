@@ -63,15 +63,6 @@ bool failWith(QString *reason, const QString &path, const QString &cause)
     return failBecause(reason, cause.contains(path) ? cause : QStringLiteral("%1: %2").arg(path, cause));
 }
 
-bool hasOwnRecord(const PackageReader &package, EngineerPacketInfo &info, QString *reason)
-{
-    if (!package.isOpen(reason))
-        return false;
-    if (!ZipPackageHandle::parseEngineerInfo(info, package.archiveComment()))
-        return hasNoRecord(reason);
-    return hasChecksum(package, info.strChecksum, reason);
-}
-
 /// An empty object if the text is not a JSON object, or has fewer keys than a record.
 QJsonObject recordIn(const QString &recordJson)
 {
@@ -103,7 +94,7 @@ QString recordOf(const EngineerPacketInfo &info)
     return QString::fromUtf8(QJsonDocument(record).toJson());
 }
 
-/// Appends the record to the archive in `package`, which has no comment yet, and sets its checksum in `info`.
+/// Appends the record to the archive in `package`, which has no comment yet. Sets the checksum in `info`.
 bool writeRecord(ReplacingFile &package, EngineerPacketInfo &info, QString *reason)
 {
     const auto cannotWrite = [&info, reason](const QString &cause) {
@@ -168,7 +159,7 @@ bool editArchiveComment(
     if (!package.open(reason))
         return false;
     const ArchiveComment old(package.file());
-    // The zip library must see the very comment that is to be replaced.
+    // The zip library must find the same comment as ArchiveComment.
     const PackageReader reader(packetPath);
     if (!reader.isOpen(reason))
         return false;
@@ -221,7 +212,17 @@ bool ZipPackageHandle::getZipFileEngineerInfo(EngineerPacketInfo &info, QString 
         return failBecause(reason, QStringLiteral("%1 does not exist").arg(info.strFilePath));
     }
     QString cause;
-    return hasOwnRecord(PackageReader(info.strFilePath), info, &cause) || failWith(reason, info.strFilePath, cause);
+    return getZipFileEngineerInfo(PackageReader(info.strFilePath), info, &cause) ||
+           failWith(reason, info.strFilePath, cause);
+}
+
+bool ZipPackageHandle::getZipFileEngineerInfo(const PackageReader &package, EngineerPacketInfo &info, QString *reason)
+{
+    if (!package.isOpen(reason))
+        return false;
+    if (!parseEngineerInfo(info, package.archiveComment()))
+        return hasNoRecord(reason);
+    return hasChecksum(package, info.strChecksum, reason);
 }
 
 bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath)
@@ -235,7 +236,7 @@ bool ZipPackageHandle::isValidEngineerPacket(const QString &packetPath, QString 
         return failBecause(reason, QStringLiteral("%1 does not exist").arg(packetPath));
     EngineerPacketInfo info;
     QString cause;
-    return hasOwnRecord(PackageReader(packetPath), info, &cause) || failWith(reason, packetPath, cause);
+    return getZipFileEngineerInfo(PackageReader(packetPath), info, &cause) || failWith(reason, packetPath, cause);
 }
 
 bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath)
@@ -249,7 +250,7 @@ bool ZipPackageHandle::checkPacketChecksum(const QString &packetPath, QString *r
     return checkPacketChecksum(PackageReader(packetPath), &cause) || failWith(reason, packetPath, cause);
 }
 
-// Compares the value as the record has it, without throughUtf8(): stricter than isValidEngineerPacket().
+// Compares the unconverted value, without throughUtf8(): stricter than isValidEngineerPacket().
 bool ZipPackageHandle::checkPacketChecksum(const PackageReader &package, QString *reason)
 {
     if (!package.isOpen(reason))
@@ -293,7 +294,8 @@ bool ZipPackageHandle::setEngineerInfo(EngineerPacketInfo &info, QString *reason
 {
     EngineerPacketInfo edited = info;
     const auto record = [&edited](QFile &package, const ArchiveComment &old) -> std::optional<QByteArray> {
-        // A record has the same length with any checksum, and its length is all of it that the checksum can cover.
+        // The length of the record does not depend on the checksum, and of the record, the checksum can cover only the
+        // length.
         edited.strChecksum = QString(checksumDigits, QLatin1Char('0'));
         const QByteArray end = old.endRecordWith(recordOf(edited).toUtf8());
         bool isComplete = false;

@@ -11,6 +11,7 @@
 #include "commands/extract.h"
 #include "commands/info.h"
 #include "commands/list.h"
+#include "commands/thumbnail.h"
 #include "commands/verify.h"
 
 namespace Corvelpro {
@@ -23,16 +24,15 @@ const QVector<Command> &commandTable()
         {"list",
          "List the projects of a folder as the control application does",
          "Prints for each project, newest first, its name, the time of its last change, its size, how many pictures "
-         "and "
-         "presets it contains, and its comment. What is missing here \"corvelpro doctor\" explains. Changes nothing: "
-         "the control application also tidies the folder when it looks into it.",
+         "and presets it contains, and its comment. \"corvelpro doctor\" explains which files are missing. Changes "
+         "nothing, unlike the control application, which also tidies the folder.",
          {directory},
          {},
          runList},
         {"info",
-         "Show what a file says about itself and contains",
-         "Prints the record, the plain members at the top of the device description, the pictures with their size, the "
-         "presets, and the entries that no load to an online device uses.",
+         "Show the record and the content of a project file",
+         "Prints the record, the simple members at the top level of the device description, the pictures with their "
+         "size, the presets, and the entries that no apply to an online device uses.",
          {{"FILE", "A project file", Count::One}},
          {},
          runInfo},
@@ -46,18 +46,17 @@ const QVector<Command> &commandTable()
         {"verify",
          "Read the files to their last byte and look for damage",
          "Compares each entry's content with its length and CRC, its two headers with each other, the end of the "
-         "archive "
-         "with the end of the file; looks for bytes that belong to nothing and names that no load accepts; decodes "
-         "each picture; reads the description and the lengths of the presets.\n\n"
-         "No number in a package covers the name and the comment in its record: a change there is not found. Whether a "
-         "package fits a device only the control application can tell.",
+         "archive with the end of the file; looks for bytes that belong to nothing and names that no apply accepts; "
+         "decodes each picture; reads the description and the lengths of the presets.\n\nNo checksum covers the name "
+         "and the comment in the record, so changes there are not found. Only the control application can tell whether "
+         "a package fits a device.",
          {{"FILE", "A project file", Count::OneOrMore}},
          {},
          runVerify},
         {"doctor",
          "Explain which files of a folder are not listed, and what to do",
-         "Prints each file that the control application leaves out, that it lists under another name than its own, or "
-         "that an interrupted operation has left, and which project name it blocks. Changes nothing.",
+         "Prints each file that the control application does not list, or lists under another name, or that an "
+         "interrupted operation has left behind, and the project name that it blocks. Changes nothing.",
          {directory},
          {},
          runDoctor},
@@ -65,46 +64,51 @@ const QVector<Command> &commandTable()
          "Compare two project files, or one with a device's directory",
          "Compares what a device would get: the description by its members, pictures by their pixels, presets and all "
          "other files by bytes. Times, order, compression, and the name and the comment of the project do not count. "
-         "Exit code 0: equal; 1: different; 2: something could not be read, so that nothing can be said.\n\n"
-         "A PATH leads through the description: network.mac, slots[2].type, slots[*].serial, [\"a.b\"]. A spare is "
-         "equal "
-         "to the main unit if nothing but its address, its MAC and its id has to be ignored.\n\n"
-         "The sheet shows each changed picture in a row: A, B, and where they differ. It replaces no file.",
+         "Exit code 0: equal; 1: different; 2: something could not be read, so there is no answer.\n\nA PATH leads "
+         "through the description: network.mac, slots[2].type, slots[*].serial, [\"a.b\"]. A spare is equal to the "
+         "main unit if nothing but its address, its MAC and its id has to be ignored.\n\nThe sheet shows each changed "
+         "picture in a row: A, B, and where they differ. It replaces no file.",
          {{"A", "A project file or a device's directory", Count::One}, {"B", "The same, to compare with", Count::One}},
-         {{"--ignore", "PATH", "Leave out this member of the description, with all below it", true},
+         {{"--ignore", "PATH", "Ignore this member of the description and everything below it", true},
           {"--sheet", "FILE.png", "Draw the changed pictures and their differences", false}},
          runDiff},
         {"extract",
-         "Write what a project file holds into a new directory",
+         "Extract a project file into a new directory",
          "All entries or none: the directory gets its name when it is complete, and must not exist before. Names that "
          "lead out of it, links and damaged entries are refused.",
-         {{"FILE", "A project file", Count::One}, {"DIR", "The directory to make", Count::One}},
+         {{"FILE", "A project file", Count::One}, {"DIR", "The directory to create", Count::One}},
          {{"--entry", "NAME", "Extract only this file, to DIR/NAME", false}},
          runExtract},
         {"create",
          "Pack a device's directory into a new project file",
          "Packs, verifies and flushes it as the control application does when it saves. Replaces no file.",
-         {{"DIR", "A device's directory", Count::One}, {"FILE", "The project file to make", Count::One}},
+         {{"DIR", "A device's directory", Count::One}, {"FILE", "The project file to create", Count::One}},
          {{"--name", "NAME", "The project's name; otherwise that of the file", false},
           {"--comment", "TEXT", "Its comment, at most 100 characters", false}},
          runCreate},
         {"edit",
          "Change the name or the comment of a project file",
-         "Does what the control application does: changes the file in place and verifies it. With a new name the file "
-         "is "
-         "renamed too, in its directory. Replaces no file.",
+         "Changes the file in place and verifies it, as the control application does. A new name also renames the "
+         "file, within its directory. Replaces no file.",
          {{"FILE", "A project file", Count::One}},
          {{"--name", "NAME", "The project's new name, and its file's", false},
           {"--comment", "TEXT", "Its new comment, at most 100 characters", false}},
          runEdit},
         {"copy",
-         "Copy project files, and prove each copy by reading it back",
-         "Each copy is written aside, flushed to the disk, read back past the system's memory where that is possible, "
-         "compared with what was read of the original, and only then given its name. Replaces no file, and copies none "
-         "that \"corvelpro check\" finds not valid.",
+         "Copy project files, and verify each copy by reading it back",
+         "Each copy is written to a hidden file, flushed to disk, read back from the disk if that is possible, "
+         "compared with the data read from the original, and only then renamed. Replaces no file, and copies none that "
+         "\"corvelpro check\" finds not valid.",
          {{"FILE", "A project file", Count::OneOrMore}, {"DIR", "The directory to copy to", Count::One}},
          {},
          runCopy},
+        {"thumbnail",
+         "Draw the first background of a project file as a small picture",
+         "Writes a PNG of the background with the lowest number, in its proportions and never larger than it is. This "
+         "is how file managers show project files. Replaces an existing file only if that is a PNG, or empty.",
+         {{"FILE", "A project file", Count::One}, {"OUT.png", "The picture to write", Count::One}},
+         {{"--size", "N", "Its largest width and height in pixels, up to 1024; by default 256", false}},
+         runThumbnail},
     };
     return table;
 }

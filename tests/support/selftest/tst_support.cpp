@@ -44,7 +44,7 @@ private slots:
     void escape_leaves_the_file_dialog_without_a_choice();
     void signals_of_a_worker_are_recorded_in_order();
     void archives_are_readable_by_an_independent_unpacker();
-    void first_difference_of_two_sequences_is_told();
+    void first_difference_of_two_sequences_is_reported();
     void pseudo_language_is_longer_and_keeps_values();
     void untranslated_texts_are_found_everywhere();
     void clipped_texts_are_found();
@@ -244,7 +244,7 @@ void TstSupport::archives_are_readable_by_an_independent_unpacker()
             .toHex());
 }
 
-void TstSupport::first_difference_of_two_sequences_is_told()
+void TstSupport::first_difference_of_two_sequences_is_reported()
 {
     const QStringList expected{QStringLiteral("a"), QStringLiteral("b")};
     QCOMPARE(sequenceDifference(expected, expected), QString());

@@ -57,6 +57,10 @@ bool Folder::flush(QString *) const
 {
     return true;
 }
+bool Folder::lock() const
+{
+    return true;
+}
 
 bool flush(int handle)
 {
@@ -88,7 +92,7 @@ int openToChange(const QString &path, QString *reason)
 
 bool lock(int handle)
 {
-    // One byte far beyond any package's end: on Windows others cannot even read a locked byte.
+    // One byte far beyond the end of any package: on Windows, other processes cannot even read a locked byte.
     constexpr long one = 1;
     constexpr qint64 farBehind = qint64(1) << 40;
     return _lseeki64(handle, farBehind, SEEK_SET) == farBehind && _locking(handle, _LK_NBRLCK, one) == 0;
@@ -104,7 +108,7 @@ void unlock(int) {}
 
 bool isOpenFile(const QString &path, int)
 {
-    // Windows neither removes nor renames a file while it is open like this.
+    // Windows does not remove or rename a file that is open like this.
     return QFileInfo(path).isFile();
 }
 
@@ -146,6 +150,11 @@ bool Folder::flush(QString *reason) const
 {
     return FileSystem::flush(m_nHandle) || errno == EINVAL || errno == ENOTSUP ||
            failBecause(reason, QStringLiteral("cannot flush the folder %1: %2").arg(m_strPath, systemError()));
+}
+
+bool Folder::lock() const
+{
+    return FileSystem::lock(m_nHandle);
 }
 
 bool flush(int handle)
@@ -347,17 +356,22 @@ bool renameToFreeName(const QString &from, const QString &to, QString *reason)
     return _wrename(from.toStdWString().c_str(), to.toStdWString().c_str()) == 0 ||
            cannotRename(reason, from, to, systemError());
 #else
+    // A file system that ignores case finds the file itself at a name that differs in case only.
+    const auto isOwnName = [&] { return to.compare(from, Qt::CaseInsensitive) == 0 && FileIdentity(from).isAt(to); };
 #ifdef RENAME_NOREPLACE
     const QByteArray source = QFile::encodeName(from);
     const QByteArray target = QFile::encodeName(to);
     if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0)
         return true;
+    const int cause = errno;
+    const QString error = systemError();
     // Not every file system and kernel supports it.
-    if (errno != EINVAL && errno != ENOSYS)
-        return cannotRename(reason, from, to, systemError());
+    const bool isSupported = cause != EINVAL && cause != ENOSYS;
+    if (isSupported && !(cause == EEXIST && isOwnName()))
+        return cannotRename(reason, from, to, error);
 #endif
     const QFileInfo existing(to);
-    if (existing.exists() || existing.isSymLink())
+    if ((existing.exists() || existing.isSymLink()) && !isOwnName())
         return cannotRename(reason, from, to, QStringLiteral("it already exists"));
     return replace(from, to, reason);
 #endif

@@ -38,9 +38,10 @@ InPlaceFile::~InPlaceFile() = default;
 
 bool InPlaceFile::open(QString *reason)
 {
-    // Milliseconds. Recovery, or an edit by another program, takes a few; only a hung program holds the lock longer.
+    // In milliseconds. Recovery, or an edit by another program, takes a few; only a hung program holds the lock longer.
     constexpr int second = 1000;
-    // The file may have been replaced while this waited for the lock; the undo record is then that of the new file.
+    // The file may have been replaced while this process waited for the lock; the undo record then belongs to the new
+    // file.
     return openPlainFile(reason) && lock(second, reason) && isStillInPlace(reason) &&
            settle(UndoRecord::pathFor(m_strPath), reason);
 }
@@ -74,8 +75,8 @@ QByteArray InPlaceFile::tailFrom(qint64 offset)
     return m_file.seek(offset) ? m_file.read(maxTailSize) : QByteArray();
 }
 
-/// Replaces the file's last bytes by `tail` and flushes them. Reading back decides on success, whatever the single
-/// calls return.
+/// Replaces the file's last bytes with `tail` and flushes them. Success is decided by reading them back, whatever the
+/// single calls return.
 bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString *reason)
 {
     QString error = QStringLiteral("the bytes read back differ");
@@ -87,7 +88,7 @@ bool InPlaceFile::put(const UndoRecord &record, const QByteArray &tail, QString 
         if (m_file.size() > size)
             m_file.resize(size);
     }
-    // Failure is no error: the time only determines the row's position in the table.
+    // A failure does not matter: the time only determines the row's position in the table.
     FileSystem::setModified(m_file.handle(), record.nModified);
     const bool isFlushed = FileSystem::flush(m_file.handle());
     if (!isFlushed)
@@ -131,7 +132,7 @@ bool InPlaceFile::settle(const QString &recordPath, QString *reason)
     if (reading == UndoRecord::Reading::Whole && record.fits(m_file)) {
         const QByteArray tail = tailFrom(record.nOffset);
         const bool isOurs = tail == record.before || tail == record.after || record.isTorn(tail);
-        // Also if the bytes are right: the process may have been killed before it flushed them.
+        // Even if the bytes are right: the process may have been killed before it flushed them.
         if (isOurs && !put(record, tail == record.after ? tail : record.before, reason))
             return false;
     }
@@ -141,7 +142,7 @@ bool InPlaceFile::settle(const QString &recordPath, QString *reason)
            failBecause(reason, QStringLiteral("cannot remove the undo record %1: %2").arg(recordPath, systemError()));
 }
 
-/// True if the record is for the file, even if it is locked and so left alone.
+/// True if the record belongs to the file, even if the file is locked and so left alone.
 bool InPlaceFile::settleRecord(const QString &recordPath, const QString &filePath, const UndoRecord &record)
 {
     QFile reader(filePath);
@@ -175,7 +176,8 @@ void InPlaceFile::recover(const QString &folderPath)
         const UndoRecord::Reading reading =
             UndoRecord::isUndoRecord(name) ? record.read(recordPath) : UndoRecord::Reading::Unreadable;
         const bool isWithoutFile = reading == UndoRecord::Reading::Whole && !settleInFolder(recordPath, folder, record);
-        // A broken record does not say whose it is, so no lock tells whether a process is still writing it.
+        // A broken record does not tell its file, so there is no lock to find out whether a process is still writing
+        // it.
         if (isWithoutFile || (reading == UndoRecord::Reading::Broken && UndoRecord::isStale(recordPath)))
             QFile::remove(recordPath);
     }

@@ -16,8 +16,8 @@ struct UndoRecord;
 /// modification time. After a kill, a full disk or a power failure, recover() or the next open() restores the old bytes
 /// or keeps the new ones.
 ///
-/// An undo record beside the file makes that possible. If none can be made, because there is no room or the folder is
-/// read-only, the bytes are written without it.
+/// An undo record beside the file makes that possible. If none can be created, because there is no room or the folder
+/// is read-only, the bytes are written without one.
 class InPlaceFile
 {
 public:
@@ -26,21 +26,21 @@ public:
     /// Closes and unlocks the file.
     ~InPlaceFile();
 
-    /// Opens and locks the file for reading and writing, and applies an undo record that a crash has left. Never
-    /// creates a file. Fails if there is none, if it is not a plain one or is read-only, or if another process keeps it
-    /// locked for a second.
+    /// Opens and locks the file for reading and writing, and applies an undo record that a crash has left behind. Never
+    /// creates a file. Fails if the file does not exist, is not a plain one or is read-only, or if another process
+    /// keeps it locked for a second.
     bool open(QString *reason = nullptr);
 
     QFile &file() { return m_file; }
 
-    /// Replaces all bytes from `offset` on, at most 64 KiB, by `tail`, with one write. True if they were flushed and
-    /// read back, and the file is still at its path. Otherwise the file is restored; if even that fails, the undo
+    /// Replaces all bytes from `offset` on, at most 64 KiB, with `tail`, in a single write. True if they were flushed
+    /// and read back, and the file is still at its path. Otherwise the file is restored; if even that fails, the undo
     /// record stays for the next recover() or open().
     bool replaceTail(qint64 offset, const QByteArray &tail, QString *reason = nullptr);
 
-    /// Applies the undo records in the folder, except those of files that another process has locked: the last bytes of
-    /// each file become the old ones again, unless they are the complete new ones. Finds a file that was renamed within
-    /// the folder; removes a record whose file has gone or was changed by another program.
+    /// Applies the undo records in the folder, except those of files that another process has locked: restores the old
+    /// last bytes of each file, unless the new ones are complete. Finds a file that was renamed within the folder;
+    /// removes a record whose file no longer exists or was changed by another program.
     static void recover(const QString &folderPath);
     /// The same for the file at `path`, which may be a link to another folder.
     static void recoverFile(const QString &path);

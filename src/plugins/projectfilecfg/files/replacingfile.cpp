@@ -72,7 +72,7 @@ ReplacingFile::~ReplacingFile()
 
 bool ReplacingFile::create(MissingFolders folders, QString *reason)
 {
-    // Without a check: the folder nearly always exists, and a package has thousands of entries.
+    // Without checking first: the folder nearly always exists, and a package has thousands of entries.
     if (openFragment(reason))
         return true;
     if (folders == MissingFolders::NotMade)
@@ -105,8 +105,8 @@ bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
     if (!FileSystem::shareContent(source.handle(), m_fragment.handle()) &&
         !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied, nullptr, &error))
         return failBecause(reason, QStringLiteral("cannot copy %1 to %2: %3").arg(sourcePath, m_strTargetPath, error));
-    // QFile::permissions() adds what the current user may do, which is not stored in a file. Failure is no error: a
-    // stick's file system has no permissions.
+    // QFile::permissions() adds flags for the current user, which are not stored in the file. A failure does not
+    // matter: a stick's file system may have no permissions.
     constexpr QFile::Permissions thisUser = QFile::ReadUser | QFile::WriteUser | QFile::ExeUser;
     m_fragment.setPermissions(source.permissions() & ~thisUser);
     return (m_fragment.flush() && m_fragment.seek(0)) || cannotWrite(reason);
@@ -164,21 +164,25 @@ bool ReplacingFile::isFragment(const QString &fileName)
     return pattern.match(fileName).hasMatch();
 }
 
+bool ReplacingFile::isStale(const QFileInfo &fragment)
+{
+    return fragment.lastModified() < QDateTime::currentDateTime().addDays(-1);
+}
+
 void ReplacingFile::removeStaleFragments(const QString &folderPath)
 {
-    const QDateTime yesterday = QDateTime::currentDateTime().addDays(-1);
     const QFileInfoList candidates =
         QDir(folderPath)
             .entryInfoList({QStringLiteral(".*.part")}, QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
     for (const QFileInfo &candidate : candidates) {
-        if (isFragment(candidate.fileName()) && candidate.lastModified() < yesterday)
+        if (isFragment(candidate.fileName()) && isStale(candidate))
             QFile::remove(candidate.filePath());
     }
 }
 
 bool copyToFreeName(const QString &sourcePath, const QString &targetPath, QString *reason)
 {
-    // commit() checks again; this one saves the copying.
+    // commit() checks again; checking here saves a useless copy.
     if (QFileInfo::exists(targetPath))
         return failBecause(reason, QStringLiteral("cannot copy %1: %2 already exists").arg(sourcePath, targetPath));
     ReplacingFile copy(targetPath, ReplacingFile::Durability::FlushedToDisk);

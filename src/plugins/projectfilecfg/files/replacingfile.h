@@ -7,6 +7,8 @@
 
 #include <functional>
 
+class QFileInfo;
+
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -15,18 +17,18 @@ class FileIdentity;
 }
 
 /// A temporary file that replaces the target only when it is complete: the target stays unchanged until commit(), and
-/// for good if that is not called or fails. Not a QSaveFile: QuaZip reads back and seeks in what it writes, and the
-/// content is verified before it replaces anything.
+/// if that is never called or fails. Not a QSaveFile: QuaZip reads back and seeks in what it writes, and the content is
+/// verified before it replaces anything.
 ///
-/// The temporary file is the fragment: a hidden file `.<id>.part` beside the target. No listing shows it, no package
-/// includes it. Only a killed process leaves one behind.
+/// The temporary file is called the fragment: a hidden file `.<id>.part` beside the target, which no listing shows and
+/// no package includes. Only a killed process leaves one behind.
 class ReplacingFile
 {
 public:
     enum class Durability {
-        /// The result of commit() holds also after a power failure.
+        /// After commit(), the result survives a power failure.
         FlushedToDisk,
-        /// Complete as long as the system runs: for files that can be recreated.
+        /// Complete unless the system crashes: for files that can be recreated.
         NotFlushed
     };
     enum class ExistingTarget {
@@ -45,7 +47,7 @@ public:
     /// Removes the fragment unless it was committed.
     ~ReplacingFile();
 
-    /// Creates an empty fragment, by default with its folders, and opens it for reading and writing. With
+    /// Creates an empty fragment, by default with missing folders, and opens it for reading and writing. With
     /// Durability::FlushedToDisk, also removes stale fragments from the folder.
     bool create(MissingFolders folders = MissingFolders::Made, QString *reason = nullptr);
 
@@ -57,26 +59,29 @@ public:
     QFile &file() { return m_fragment; }
     QString path() const { return m_fragment.fileName(); }
 
-    /// Flushes and closes the fragment and renames it to the target's name. Only a failure of the last step, flushing
-    /// the renaming, leaves the new target in place.
+    /// Flushes and closes the fragment and renames it to the target's name. Of all failures, only one in the last step,
+    /// flushing the folder, leaves the new target in place.
     bool commit(ExistingTarget existing = ExistingTarget::Replaced, QString *reason = nullptr);
 
-    /// The same, but replaces only `previous` (see FileSystem::replaceSame()): if another file is at the target by
-    /// now, fails and leaves it there.
+    /// The same, but replaces only `previous` (see FileSystem::replaceSame()): fails if another file is at the target
+    /// by then, and leaves that file there.
     bool commitInPlaceOf(const FileSystem::FileIdentity &previous, QString *reason = nullptr);
 
     /// True for names of fragments.
     static bool isFragment(const QString &fileName);
 
-    /// Removes the fragments in the folder that were last written more than a day ago. Younger ones may belong to
-    /// another instance of the program; the clock of a network share, or the local time on a stick, differs by less
-    /// than a day. If a fragment in use is removed all the same, its commit() fails.
+    /// True if it was last written more than a day ago. A younger one may belong to another instance of the program; the
+    /// clock of a network share, or the local time on a stick, differs by less than a day.
+    static bool isStale(const QFileInfo &fragment);
+
+    /// Removes the stale fragments in the folder. If a fragment in use is removed nevertheless, its commit() fails.
     static void removeStaleFragments(const QString &folderPath);
 
 private:
     Q_DISABLE_COPY(ReplacingFile)
 
-    /// Starts writing to the disk while more is written; otherwise the disk is idle until commit() waits for all of it.
+    /// Has the system write to disk while more is being written; otherwise the disk would be idle until commit() waits
+    /// for all of it.
     class Fragment : public QFile
     {
     public:

@@ -14,8 +14,8 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 /// Copies the rest of `source`, in bounded memory. False if reading or writing fails, or if there are more than `limit`
-/// bytes; nothing beyond them is written. `*copied` returns how many bytes were read. `look`, if given, is called with
-/// each portion. `reason` names no path: the caller knows both.
+/// bytes; never writes more than that. `*copied` returns how many bytes were read. `look`, if given, is called with
+/// each portion. `reason` does not contain a path, since the caller knows both.
 bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied,
                 const std::function<void(const char *data, qint64 size)> &look = nullptr, QString *reason = nullptr);
 

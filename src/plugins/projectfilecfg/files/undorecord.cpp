@@ -26,8 +26,8 @@ constexpr quint32 version = 1;
 constexpr int digestSize = 32;
 /// In bytes: two tails with the longest comment, and room for the other fields.
 constexpr qint64 maxRecordSize = 256 * 1024;
-/// The bytes before the offset that identify a file: in a package the end of the central directory, with sizes and CRCs
-/// of its entries.
+/// Number of bytes before the offset that identify a file. In a package they are the end of the central directory, with
+/// sizes and CRCs of entries.
 constexpr qint64 markedSize = 4096;
 
 QByteArray digestOf(const QByteArray &bytes)
@@ -85,7 +85,7 @@ bool UndoRecord::write(const QString &recordPath) const
     stream.setVersion(QDataStream::Qt_5_9);
     stream << magic << version << strFileName << nOffset << mark << before << after << nModified;
     const QByteArray bytes = digestOf(content) + content;
-    // Not a ReplacingFile: flushing the rename would cost as much again, and an incomplete record does no harm.
+    // Not a ReplacingFile: flushing the rename would double the cost, and an incomplete record does no harm.
     const FileSystem::Folder folder(QFileInfo(recordPath).absolutePath());
     QFile record(recordPath);
     return folder.isOpen() && record.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered) &&

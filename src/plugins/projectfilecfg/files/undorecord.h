@@ -11,12 +11,11 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The old and the new last bytes of a file, to finish or undo a change of them that a kill or a power failure has
-/// interrupted. Written and flushed before the file changes.
+/// The old and the new last bytes of a file, to finish or undo a change that a kill or a power failure has interrupted.
+/// Written and flushed before the file changes.
 ///
-/// Stored in a hidden file `.<id>.undo` beside the file; the id is derived from the file's name, so that it is found
-/// without a search. No listing shows it, no package includes it. An incomplete record means that the file is
-/// unchanged.
+/// Stored in a hidden file `.<id>.undo` beside the file; the id is derived from the file's name, so that no search is
+/// needed. No listing shows the record, no package includes it. An incomplete record means that the file is unchanged.
 struct UndoRecord
 {
     QString strFileName;
@@ -32,17 +31,17 @@ struct UndoRecord
     /// The path of the record for the file at `filePath`, which is not a link.
     static QString pathFor(const QString &filePath);
     static bool isUndoRecord(const QString &fileName);
-    /// True if it is a day old, more than clocks differ: no process can still be writing it.
+    /// True if it is a day old, which is more than clocks differ, so that no process can still be writing it.
     static bool isStale(const QString &recordPath);
 
     enum class Reading {
         Whole,
-        /// It does not match its own digest: incomplete, or still being written.
+        /// It does not match its digest: it is incomplete, or still being written.
         Broken,
         Unreadable
     };
     Reading read(const QString &recordPath);
-    /// True if the record is on the disk, with its name.
+    /// True if the record and its name are on the disk.
     bool write(const QString &recordPath) const;
 
     /// The digest that identifies a file whose bytes from `offset` on change; empty if it cannot be read.
@@ -50,9 +49,9 @@ struct UndoRecord
     /// True if the file, open for reading, is the one that the record was written for, or a copy of it.
     bool fits(QFile &file) const;
 
-    /// True for last bytes that only a crash can have left: each is the old or the new one, or zero, as when a file
-    /// grew and its content did not reach the disk. False for the old and the new ones themselves, and for what another
-    /// program has written.
+    /// True if `tail` can only be the result of a crash: each byte is the old one, the new one, or zero (in a file that
+    /// grew, but whose content did not reach the disk). False for the old and the new bytes themselves, and for bytes
+    /// that another program has written.
     bool isTorn(const QByteArray &tail) const;
 };
 

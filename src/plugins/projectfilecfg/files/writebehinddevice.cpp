@@ -15,7 +15,7 @@ WriteBehindDevice::WriteBehindDevice(QFileDevice &file, qint64 blockSize)
     : m_file(file)
     , m_nBlockSize(blockSize)
 {
-    // One thread: blocks are written, and become free, in the order in which they were handed over.
+    // One thread, so that blocks are written, and become free, in the order in which they were handed over.
     m_pool.setMaxThreadCount(1);
     for (Block &block : m_blocks)
         block.bytes.reset(new char[std::size_t(m_nBlockSize)]);
@@ -33,12 +33,13 @@ void WriteBehindDevice::writeToFile(const Block &block)
         m_bFailed = true;
 }
 
-/// Queues the current block for writing and waits until the next one is free, which becomes the current block.
+/// Queues the current block for writing, waits until the next one is free, and makes that the current block.
 void WriteBehindDevice::handOver()
 {
     if (block().nSize == 0)
         return;
-    // A semaphore, not the future: waitForFinished() may run the task on this thread, beside one on the pool's thread.
+    // A semaphore, not the future: waitForFinished() may run a task on this thread, concurrently with one on the pool's
+    // thread.
     QtConcurrent::run(&m_pool, [this, &full = block()] {
         writeToFile(full);
         m_free.release();

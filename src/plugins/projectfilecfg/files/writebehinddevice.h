@@ -16,17 +16,17 @@ class QFileDevice;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// A buffered device that writes to a file on a thread of its own, while its owner produces the next bytes: most of the
-/// time of packing goes to the zip library, and the disk need not wait for it. It gathers the library's small writes,
-/// so that a header, to which the library seeks back when an entry is complete, is often still in memory.
+/// A buffered device that writes to a file on its own thread while its owner produces the next bytes: packing spends
+/// most of its time in the zip library, and the disk need not wait for that. The device collects the library's small
+/// writes in blocks; a header, to which the library seeks back when an entry is complete, is often still in memory.
 ///
 /// Use it only on the thread that created it.
 class WriteBehindDevice : public QIODevice
 {
 public:
     /// Opens itself, for writing only. `file` is open for writing; nothing else may use it from a write until flush()
-    /// returns. `blockSize`, in bytes: large enough that the cost per block is negligible, small enough that a picture
-    /// fills several.
+    /// returns. `blockSize`, in bytes, is large enough to make the cost per block negligible, and small enough that a
+    /// picture fills several blocks.
     explicit WriteBehindDevice(QFileDevice &file, qint64 blockSize = 256 * 1024);
     /// Waits for pending writes. Bytes that were not flushed may be missing in the file.
     ~WriteBehindDevice() override;
@@ -34,13 +34,13 @@ public:
     bool isSequential() const override { return false; }
     qint64 size() const override { return m_nSize; }
 
-    /// Waits until everything is written to the file. False from the first failed write on; the file's errorString()
-    /// says why.
+    /// Waits until everything is written to the file. False after the first failed write; the file's errorString() is
+    /// the reason.
     bool flush();
 
 protected:
     qint64 readData(char *, qint64) override { return -1; }
-    /// Takes all bytes, and waits while no block is free. After a failed write: -1, and nothing changes.
+    /// Accepts all bytes, and waits while no block is free. After a failed write, returns -1 and changes nothing.
     qint64 writeData(const char *data, qint64 size) override;
 
 private:
@@ -58,7 +58,7 @@ private:
     QFileDevice &m_file;
     const qint64 m_nBlockSize;
     std::atomic<bool> m_bFailed{false};
-    /// The current one has room for at least a byte; the others are being written or free.
+    /// The current one has room for at least one byte; the others are free or being written.
     std::array<Block, 4> m_blocks;
     std::size_t m_nCurrent = 0;
     QSemaphore m_free{int(m_blocks.size()) - 1};

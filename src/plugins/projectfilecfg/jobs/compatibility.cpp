@@ -5,7 +5,7 @@
 
 #include "reason.h"
 
-#include <model/deviceconfigmanager.h>
+#include <host/devices.h>
 
 #include <algorithm>
 #include <memory>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr int defaultExchangePos = 8;
 
-/// Slot types of the output card and of the exchange card that may take its place.
+/// Slot types of the output card, and of the exchange card that may replace it.
 constexpr int outputCardType = 3;
 constexpr int exchangeCardType = 5;
 
@@ -50,7 +50,7 @@ bool cardsAgree(const Model::Device &package, const Model::Device &target)
 
 bool isFromNewerProtocol(const Model::Device &package, const Model::Device &target)
 {
-    // Keep the factor: multiplying rounds away a difference in the last bit. Do not round to a whole number: 2.41 is
+    // Keep the factor: the multiplication rounds away a difference in the last bit. Do not round to an integer: 2.41 is
     // newer than 2.4.
     return package.getCommunicationProtocolNumber() * 10 > target.getCommunicationProtocolNumber() * 10;
 }

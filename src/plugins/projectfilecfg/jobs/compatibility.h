@@ -5,18 +5,16 @@
 
 #include "operationresultcodes.h"
 
-class QString;
+#include <host/fwd.h>
 
-namespace Model {
-class Device;
-} // namespace Model
+class QString;
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Compares the device that a package describes with the device that is to get its configuration:
-/// LoadDeviceTypeMismatch if their models differ; for an online device also LoadCardMismatch if a slot holds a
-/// different card, and LoadProtocolVersionMismatch if the package is from a newer protocol. Otherwise LoadSuccess.
+/// Compares the device that a package describes with the target device: LoadDeviceTypeMismatch if their models differ;
+/// for an online device also LoadCardMismatch if a slot contains a different card, and LoadProtocolVersionMismatch if
+/// the package has a newer protocol version. Otherwise LoadSuccess.
 LoadResultCode compareDevices(const Model::Device &package, const Model::Device &target, bool isTargetOnline,
                               QString *reason);
 

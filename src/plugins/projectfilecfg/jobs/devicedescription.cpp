@@ -7,9 +7,8 @@
 #include "parseddescription.h"
 #include "reason.h"
 
-#include <core/icore.h>
-#include <model/device.h>
-#include <model/serailizer.h>
+#include <host/core.h>
+#include <host/devices.h>
 
 #include <QBuffer>
 #include <QDebug>

@@ -5,33 +5,31 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QString>
 
 #include <memory>
 
 class QIODevice;
 
-namespace Model {
-class Device;
-} // namespace Model
-
 namespace ProjectFileCfg {
 namespace Internal {
 
 class PackageReader;
 
-/// Has the host write the descriptions of its devices into their configuration directories. False, with a line in the
-/// log, if it fails.
+/// Has the host write the descriptions of its devices into their configuration directories. False, after logging it, if
+/// that fails.
 bool writeDeviceDescriptions();
 
-/// Creates a device, which is in no list, from a description that the host has written. `device` is open for reading as
-/// text. Null, with the parser's reason in `error`, if it is not a JSON document with content, or exceeds
+/// Creates a device, which is not added to any list, from a description that the host has written. `device` is open for
+/// reading as text. Null, with the parser's reason in `error`, if it is not a JSON document with content, or exceeds
 /// PackageLimits.
 std::shared_ptr<Model::Device> readDeviceDescription(QIODevice &device, QString &error);
 /// The same for a file. `error` is empty if there is no file, or if it cannot be opened, which is logged.
 std::shared_ptr<Model::Device> readDeviceDescription(const QString &path, QString &error);
-/// The same for the description that a load reads. Extracts all descriptions of the package to `folder`, where others
-/// expect them, but reads from the package. LoadJsonFileError if there is none: `device` is unchanged.
+/// The same for the description that an apply reads. Extracts all descriptions of the package to `folder`, where other
+/// software expects them, but reads from the package. LoadJsonFileError if there is none: `device` is unchanged.
 /// LoadGetDeviceFailed if it cannot be extracted or read: `device` is null.
 LoadResultCode readDeviceDescription(PackageReader &package, const QString &folder,
                                      std::shared_ptr<Model::Device> &device, QString *reason);

@@ -3,7 +3,7 @@
 
 #include "devicelookup.h"
 
-#include <model/devicelist.h>
+#include <host/devices.h>
 
 namespace ProjectFileCfg {
 namespace Internal {

@@ -3,13 +3,11 @@
 
 #pragma once
 
+#include <host/fwd.h>
+
 #include <QString>
 
 #include <memory>
-
-namespace Model {
-class Device;
-}
 
 namespace ProjectFileCfg {
 namespace Internal {

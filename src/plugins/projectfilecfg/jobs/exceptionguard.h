@@ -8,8 +8,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Runs `work`, which calls the host, and catches every exception. False if there was one: `failure` and its text are
-/// logged as critical.
+/// Runs `work`, which calls the host, and catches every exception. If there is one, logs `failure` and its text as
+/// critical and returns false.
 bool runGuarded(const char *failure, const std::function<void()> &work);
 
 } // namespace Internal

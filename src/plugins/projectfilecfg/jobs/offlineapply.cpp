@@ -13,7 +13,7 @@
 #include "stagingdirectory.h"
 #include "thumbnail.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 #include <QDebug>
 #include <QFile>
@@ -34,7 +34,7 @@ QString offlineFolder(const QString &ip)
 
 namespace {
 
-/// The same text for both callers: people search logs for it.
+/// The same text for both callers, since people search logs for it.
 LoadResultCode extractionFailed(const QString &path)
 {
     qDebug() << "Extract json file failed:" << path;
@@ -81,9 +81,9 @@ namespace {
 
 QString picturePath(const QString &folder, const Materail &materail)
 {
-    if (materail.getType() == Materail::Background)
+    if (materail.getType() == HostNumbers::background)
         return folder + PackageLayout::backgroundEntry(materail.getKeyNo());
-    if (materail.getType() == Materail::Logo)
+    if (materail.getType() == HostNumbers::logo)
         return folder + PackageLayout::logoEntry(materail.getKeyNo());
     return QString();
 }

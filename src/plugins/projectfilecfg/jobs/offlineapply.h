@@ -5,11 +5,9 @@
 
 #include "operationresultcodes.h"
 
-#include <QString>
+#include <host/fwd.h>
 
-namespace Model {
-class Device;
-} // namespace Model
+#include <QString>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -20,20 +18,20 @@ class PackageReader;
 QString offlineFolder(const QString &ip);
 
 /// Extracts everything but the descriptions of the package at `path` to an offline device's directory and flushes it to
-/// disk, so that the pictures are there before the description that names them. LoadDecompressFailed if an entry cannot
-/// be extracted, with a line in the log, or, before anything is written, if the directory would no longer fit into a
+/// disk, so that the pictures are there before the description that refers to them. LoadDecompressFailed if an entry
+/// cannot be extracted, which is logged, or, before anything is written, if the directory would no longer fit into a
 /// package; otherwise LoadSuccess.
 LoadResultCode extractContent(PackageReader &package, const QString &path, const QString &folder, QString *reason);
 
 /// Extracts the first description of the package at `path` to the directory of the device with that address.
-/// LoadSuccess also if there is none; LoadDecompressFailed, with a line in the log, if it cannot be extracted.
+/// LoadSuccess even if there is none; LoadDecompressFailed, after logging it, if it cannot be extracted.
 LoadResultCode extractDescription(const QString &path, const QString &ip);
 
-/// Replaces the model of an offline device by that of `description`.
+/// Replaces the model of an offline device with that of `description`.
 void replaceModel(Model::Device &target, const Model::Device &description);
 
-/// Makes the thumbnails of an offline device's backgrounds and logos from the pictures in its directory. One without a
-/// readable picture gets an empty one.
+/// Makes the thumbnails of an offline device's backgrounds and logos from the pictures in its directory. If a picture
+/// cannot be read, its thumbnail is empty.
 void refreshThumbnails(const Model::Device &device, const QString &folder);
 
 } // namespace Internal

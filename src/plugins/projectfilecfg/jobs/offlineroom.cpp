@@ -20,7 +20,7 @@ namespace Internal {
 
 namespace {
 
-/// Sizes by the names of the entries that a package would have. Names of folders end in "/"; their size is 0.
+/// The sizes of a future package's entries, by name. Names of folders end in "/"; their size is 0.
 using Contents = QHash<QString, qint64>;
 
 Contents contentsOf(const QString &folder)
@@ -43,7 +43,7 @@ void addEntry(const QString &entry, qint64 size, Contents &contents)
 {
     const QString name = PackageLayout::plainName(entry);
     contents.insert(name, size);
-    // Entries this deep are not extracted, and the names of their folders could exhaust the memory.
+    // Deeper entries are not extracted, and the names of their folders could exhaust the memory.
     if (name.count(QLatin1Char('/')) >= PackageLimits::maxDepth)
         return;
     for (int end = name.indexOf(QLatin1Char('/')); end >= 0; end = name.indexOf(QLatin1Char('/'), end + 1))

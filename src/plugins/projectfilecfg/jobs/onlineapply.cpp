@@ -5,13 +5,13 @@
 
 #include "reason.h"
 
-#include <core/icore.h>
+#include <host/core.h>
+#include <host/devices.h>
 
 #include <QDebug>
 #include <QFile>
 
 using Core::ICore;
-using Model::Materail;
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -47,11 +47,11 @@ LoadResultCode OnlineApply::sendPicture(const Labels &labels, QString *reason)
         return picture.code;
 
     const bool isLogo = picture.packaged.isLogo();
-    ICore::setOperatorType(ICore::OperatorLoad,
+    ICore::setOperatorType(HostNumbers::operatorLoad,
                            (isLogo ? labels.strLogo : labels.strBackground) + picture.packaged.materail()->getName());
-    if (!m_targetControler.createMaterailFromImage(picture.image, isLogo ? Materail::Logo : Materail::Background,
+    if (!m_targetControler.createMaterailFromImage(picture.image, isLogo ? HostNumbers::logo : HostNumbers::background,
                                                    QString(), 0, QSize(0, 0), picture.packaged.name())) {
-        failBecause(reason, QStringLiteral("the device did not take the picture %1").arg(picture.packaged.entry()));
+        failBecause(reason, QStringLiteral("the device did not accept the picture %1").arg(picture.packaged.entry()));
         return LoadApplyGalleryFailed;
     }
     if (!picture.strExtractedPath.isEmpty() && !QFile::remove(picture.strExtractedPath))

@@ -5,7 +5,7 @@
 
 #include "picturereadahead.h"
 
-#include <modelcontrol/devicecontroler.h>
+#include <host/devicecontrol.h>
 
 #include <memory>
 
@@ -17,7 +17,7 @@ namespace Internal {
 class OnlineApply
 {
 public:
-    /// What the progress text of a picture begins with, translated.
+    /// The beginning of a picture's progress text, translated.
     struct Labels
     {
         QString strLogo;
@@ -28,19 +28,19 @@ public:
     OnlineApply(PackageReader &package, const std::shared_ptr<Model::Device> &description,
                 const std::shared_ptr<Model::Device> &target);
 
-    /// Switches MVR as the description says, if the device can switch it, and sends the slots. False, with a line in
-    /// the log, if either fails.
+    /// Switches MVR on or off as described, if the device can do that, and sends the slots. False, after logging it, if
+    /// either fails.
     bool sendSlots();
 
     bool hasPicture() const { return m_pictures.hasNext(); }
-    /// Sends the next picture, and names it to the host as progress. Also extracts it; the file is removed once it is
-    /// sent, so it stays if it is outside the gallery or cannot be sent. LoadSuccess, the code of
+    /// Sends the next picture, and tells the host its name as progress. Also extracts it, and removes the file after
+    /// sending it; the file of a picture that is outside the gallery or cannot be sent stays. LoadSuccess, the code of
     /// PictureReadAhead::Picture, or LoadApplyGalleryFailed.
     LoadResultCode sendPicture(const Labels &labels, QString *reason);
 
     bool sendConfiguration();
 
-    /// Also true, without a call, if the description has MVR switched off.
+    /// Also true, without a call, if MVR is off in the description.
     bool sendMvrItems();
 
 private:

@@ -6,7 +6,7 @@
 #include "packagereader.h"
 #include "packagesnapshot.h"
 
-#include <core/icore.h>
+#include <host/core.h>
 
 #include <QDir>
 #include <QFile>

@@ -15,8 +15,8 @@ namespace Internal {
 class PackageReader;
 
 /// Copies a package to the host's extraction folder, or to the folder of temporary files (see PackageSnapshot), and
-/// opens the copy. LoadDecompressFailed if neither has room. LoadSuccess otherwise, but with a null `package` if there
-/// is none at `path` any more. `reason` is set in both cases.
+/// opens the copy. LoadDecompressFailed if neither has room. Otherwise LoadSuccess, but with a null `package` if there
+/// is no package at `path` any more. `reason` is set in both cases.
 LoadResultCode openPackageCopy(const QString &path, std::unique_ptr<PackageReader> &package, QString *reason);
 
 } // namespace Internal

@@ -10,7 +10,7 @@
 #include "picturereader.h"
 #include "reason.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 #include <QBuffer>
 #include <QDebug>
@@ -20,7 +20,7 @@ namespace Internal {
 
 namespace {
 
-/// Larger files are kept on disk: several pictures are in memory at once, and their pixels besides.
+/// Larger files are kept on disk: several pictures are in memory at once, together with their pixels.
 constexpr qint64 maxSizeInMemory = 32 * 1024 * 1024;
 
 } // namespace
@@ -94,7 +94,7 @@ bool PackagedPicture::takeContent(PackageReader &package, const QString &folder,
         if (m_pContent && package.read(m_strEntry, *m_pContent, size, reason) && m_pContent->seek(0))
             return true;
     }
-    // A full disk is no reason to leave a device without its picture.
+    // A full disk must not leave a device without its picture.
     if (size > PackageLimits::maxPictureFileSize)
         return false;
     const auto buffer = std::make_shared<QBuffer>();

@@ -5,6 +5,8 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QSize>
 #include <QString>
 
@@ -12,18 +14,13 @@
 
 class QIODevice;
 
-namespace Model {
-class Device;
-class Materail;
-} // namespace Model
-
 namespace ProjectFileCfg {
 namespace Internal {
 
 class PackageReader;
 
-/// A picture of a package, as an apply to an online device uses it: its place in the gallery, according to its name,
-/// and its content, read only from the open package.
+/// A picture in a package, as an apply to an online device uses it: its place in the gallery, which its name
+/// determines, and its content, which is read only from the open package.
 class PackagedPicture
 {
 public:
@@ -32,22 +29,22 @@ public:
 
     QString entry() const { return m_strEntry; }
     bool isLogo() const;
-    /// True if it is in one of the two gallery folders. Only these pictures are sent; others are just extracted.
+    /// True if it is in one of the two gallery folders. Only these pictures are sent; others are only extracted.
     bool isOfGallery() const;
     /// The name under which it is sent: "LOGO_7", "BKG_300".
     QString name() const;
     /// The first of the device's pictures of that kind and number; null if there is none, or outside the gallery.
     std::shared_ptr<Model::Materail> materail() const { return m_pMaterail; }
 
-    /// Extracts it to `folder` under the entry's name, where others expect it, and returns the path. Empty, with a line
-    /// in the log, if that fails.
+    /// Extracts it to `folder` under the entry's name, where other software expects it, and returns the path. Empty,
+    /// after logging it, if that fails.
     QString extract(PackageReader &package, const QString &folder, QString *reason = nullptr) const;
 
     /// Reads the content from the package, and checks its header. Above 32 MiB it goes to a nameless file in `folder`,
     /// or to memory if there is no room and it is within PackageLimits::maxPictureFileSize. LoadDecompressFailed if it
     /// cannot be read to its end with the right CRC; LoadImageContentError if its width or height is below 1;
-    /// LoadGalleryFileError if it is in the gallery and has no place there, or its place has another size. Otherwise
-    /// LoadSuccess, and content() is at its beginning.
+    /// LoadGalleryFileError if it is in the gallery and has no material there, or one of another size. Otherwise
+    /// LoadSuccess, with content() at its beginning.
     LoadResultCode open(PackageReader &package, const QString &folder, QString *reason = nullptr);
     std::shared_ptr<QIODevice> content() const { return m_pContent; }
     QSize size() const { return m_size; }

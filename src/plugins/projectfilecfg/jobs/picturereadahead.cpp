@@ -8,14 +8,14 @@
 #include "picturereader.h"
 #include "reason.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
 namespace {
 
-/// Larger pictures are not decoded ahead, since that puts two in memory.
+/// Larger pictures are not decoded ahead, since two would be in memory at once.
 constexpr qint64 maxSizeAhead = 32 * 1024 * 1024;
 constexpr qint64 maxPixelsAhead = 16 * 1024 * 1024;
 

@@ -23,7 +23,7 @@ PresetFile::Outcome PresetFile::write(const QByteArray &detail)
     const auto open = [&file] { return file.open(QIODevice::WriteOnly | QIODevice::Truncate); };
     if (!open()) {
         m_strError = file.errorString();
-        // Another program that saves this device may just be replacing the folder.
+        // Another program that saves this device may be replacing the folder at this moment.
         if (!QFileInfo(m_strPath).dir().exists())
             return Outcome::FolderGone;
         if (!open())

@@ -17,7 +17,7 @@ public:
         Written,
         /// The folder was removed.
         FolderGone,
-        /// Cannot be opened although the folder is there.
+        /// The file cannot be opened, although the folder exists.
         NotOpened,
         /// The file is incomplete: it must not be packed.
         Cut
@@ -28,9 +28,9 @@ public:
     /// Overwrites the file. `detail` is the preset as the host serialised it.
     Outcome write(const QByteArray &detail);
 
-    /// After Outcome::Written: its bytes.
+    /// After Outcome::Written: the file's size in bytes.
     qint64 size() const { return m_nSize; }
-    /// After Outcome::NotOpened: the system's reason; after Outcome::Cut, with the path.
+    /// After Outcome::NotOpened, the system's error; after Outcome::Cut, the reason with the path.
     QString errorString() const { return m_strError; }
 
 private:

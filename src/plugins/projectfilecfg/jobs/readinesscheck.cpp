@@ -10,7 +10,7 @@
 #include "picturedecoder.h"
 #include "reason.h"
 
-#include <model/device.h>
+#include <host/devices.h>
 
 #include <QFile>
 #include <QThread>
@@ -42,7 +42,7 @@ LoadResultCode ReadinessCheck::run(QString *reason)
         if (PackageLayout::isPicture(*entry))
             code = begin(*entry, decoder, reason);
     }
-    // These come before the entry that gave the code, so a failure among them counts first.
+    // These come before the entry with that code in the archive, so a failure among them takes precedence.
     while (!m_begun.isEmpty()) {
         if (!isOldestDecoded(decoder, reason))
             return LoadGalleryFileError;
@@ -55,7 +55,7 @@ LoadResultCode ReadinessCheck::runOffline(QString *reason) const
     return hasTooManyPixels(reason) ? LoadGalleryFileError : LoadSuccess;
 }
 
-// Adds up the sizes of the places that the pictures must fit. A picture of another size is refused at its turn, and so
+// Adds up the sizes of the materials, which the pictures must match. A picture of another size is refused later, and so
 // is one that is too large by itself.
 bool ReadinessCheck::hasTooManyPixels(QString *reason) const
 {

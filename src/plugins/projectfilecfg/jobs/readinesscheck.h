@@ -5,13 +5,11 @@
 
 #include "operationresultcodes.h"
 
+#include <host/fwd.h>
+
 #include <QPair>
 #include <QQueue>
 #include <QString>
-
-namespace Model {
-class Device;
-} // namespace Model
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -20,23 +18,24 @@ class PackagedPicture;
 class PackageReader;
 class PictureDecoder;
 
-/// Puts the pictures of a package through all that an apply to an online device does before it sends them, so that
+/// Does everything with the pictures of a package that an apply to an online device does before it sends them. So
 /// whatever would end the apply is found while the device is still unchanged. Decodes on all cores; at most two
 /// pictures more than there are cores are in memory, and at most 256 MiB of pixels beyond the first.
 class ReadinessCheck
 {
 public:
     /// `device` is the package's device description. Extracts pictures to `folder`, as the apply does, and removes them
-    /// again: this proves that there is room and nothing is in the way.
+    /// again, to make sure that there is room and nothing in the way.
     ReadinessCheck(PackageReader &package, const Model::Device &device, const QString &folder);
 
-    /// LoadSuccess, or the code with which the apply would end, for the first failing picture in the archive's order:
-    /// the codes of PackagedPicture::open(), LoadDecompressFailed also if it cannot be extracted, LoadGalleryFileError
-    /// if it cannot be decoded. LoadGalleryFileError before anything is read if hasTooManyPixels(). Caller's thread.
+    /// LoadSuccess, or the code with which the apply would end, for the first picture in the archive's order that
+    /// fails: a code of PackagedPicture::open(), LoadDecompressFailed if it cannot be extracted, LoadGalleryFileError
+    /// if it cannot be decoded. If hasTooManyPixels(), LoadGalleryFileError before anything is read. Runs on the
+    /// caller's thread.
     LoadResultCode run(QString *reason);
 
-    /// The same for an offline device, which gets its pictures as they are: LoadGalleryFileError if hasTooManyPixels(),
-    /// since decoding them for their thumbnails would take minutes. Otherwise LoadSuccess.
+    /// The same for an offline device, to which the pictures are only copied: LoadGalleryFileError if
+    /// hasTooManyPixels(), since decoding them for the thumbnails would take minutes. Otherwise LoadSuccess.
     LoadResultCode runOffline(QString *reason) const;
 
 private:
@@ -48,7 +47,7 @@ private:
     PackageReader &m_package;
     const Model::Device &m_device;
     const QString m_strFolder;
-    /// Pictures being decoded, with the bytes of their pixels, in the archive's order.
+    /// The pictures being decoded, each with the size of its pixels in bytes, in the archive's order.
     QQueue<QPair<QString, qint64>> m_begun;
     qint64 m_nBegunBytes = 0;
 };

@@ -5,8 +5,8 @@
 
 #include "packagelayout.h"
 
-#include <core/icore.h>
-#include <model/device.h>
+#include <host/core.h>
+#include <host/devices.h>
 
 #include <QDir>
 #include <QFile>
@@ -56,7 +56,7 @@ QString StagingDirectory::presetPath(const QString &entry) const
 
 QString StagingDirectory::picturePath(const QString &entry) const
 {
-    // Keep the doubled separator, which preset paths do not have: logs have always shown these paths.
+    // Keep the double separator, which preset paths do not have: logs have always contained these paths.
     return m_strPath + QDir::separator() + QLatin1Char('/') + entry;
 }
 

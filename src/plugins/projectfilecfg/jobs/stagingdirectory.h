@@ -3,16 +3,14 @@
 
 #pragma once
 
-#include <QString>
+#include <host/fwd.h>
 
-namespace Model {
-class Device;
-} // namespace Model
+#include <QString>
 
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// A device's configuration directory, in which a save stages pictures and presets, and which it packs.
+/// A device's configuration directory: a save stages pictures and presets there, and packs it.
 class StagingDirectory
 {
 public:
@@ -30,7 +28,7 @@ public:
 
     /// Empties the folders of pictures and presets, or creates them.
     void clear() const;
-    /// Removes the folder of presets and creates it anew; false if it cannot be created.
+    /// Removes the folder of presets and creates it again; false if it cannot be created.
     bool renewPresetFolder() const;
 
     /// True if there is a file for each background and logo of the device.
@@ -40,8 +38,8 @@ private:
     QString m_strPath;
 };
 
-/// Clears a staging directory on construction and on destruction: however a save ends, what was staged remains in the
-/// package only.
+/// Clears a staging directory on construction and on destruction, so that staged files remain only in the package,
+/// however the save ends.
 class StagedFiles
 {
 public:

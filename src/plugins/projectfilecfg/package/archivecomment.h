@@ -10,10 +10,11 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Finds the comment of a zip archive, and computes the archive's last bytes with another comment. Only for classic
-/// archives: no 64-bit extension, one disk, nothing behind the comment.
+/// Locates the comment of a zip archive, and computes the archive's last bytes with another comment. Only for classic
+/// archives: no 64-bit extension, one disk, nothing after the comment.
 ///
-/// The archive's *tail* is the comment with the two bytes of its length before it: everything that an edit changes.
+/// The *tail* of the archive is the comment with the two bytes of its length before it: everything that an edit
+/// changes.
 class ArchiveComment
 {
 public:
@@ -32,12 +33,13 @@ public:
     QByteArray endRecordWith(const QByteArray &comment) const;
     static QByteArray tailWith(const QByteArray &comment);
 
-    /// False for a comment that a reader would not find complete: too long, or containing a NUL or an end-of-archive
+    /// False for a comment that a reader would not find completely: too long, or containing a NUL or an end-of-archive
     /// signature.
     static bool isReadable(const QByteArray &comment);
 
-    /// True if the last bytes of a file end with a comment of the stated length. False for an end that was read while
-    /// another process writes it. `end` is at least as long as the longest comment and the end record, if the file is.
+    /// True if `end`, the last bytes of a file, ends with a comment of the stated length. False if it was read while
+    /// another process was writing it. `end` must be at least as long as the end record with the longest comment,
+    /// unless the file is shorter.
     static bool isConsistent(const QByteArray &end);
 
 private:

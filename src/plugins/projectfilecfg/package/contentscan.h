@@ -11,23 +11,26 @@ class QIODevice;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Reads a PNG file's properties from its bytes as they pass by, without decoding it. Packing and reading both use it
-/// to check a picture against PackageLimits. It does not check the order of the chunks; the decoder does.
+/// Determines the properties of a PNG file from its bytes, without decoding it. Packing and reading both use it to
+/// check a picture against PackageLimits. It does not check the order of the chunks; the decoder does.
 class PictureScan
 {
 public:
-    /// The next bytes of the file, in portions of any size.
+    /// Takes the next bytes of the file, in portions of any size.
     void feed(const char *data, qint64 size);
-    /// The whole file, which is seekable and at its beginning, before and after the call. False if it cannot be read.
+    /// Takes the whole file, which must be seekable and at its beginning, and is there again afterwards. False if it
+    /// cannot be read.
     bool feed(QIODevice &file);
 
     bool isPng() const { return m_bPng; }
-    /// Too wide or too high, or with more texts and profiles than a picture needs: the decoder unpacks and keeps all of
-    /// them before the first pixel, so a megabyte can fill gigabytes. Such a picture has no size.
+    /// True if the picture is too wide or too high, or has more texts and profiles than a picture needs: the decoder
+    /// unpacks and keeps all of them before the first pixel, so a megabyte can fill gigabytes. Such a picture has no
+    /// size.
     bool isBeyondLimits() const { return m_bBeyondLimits; }
-    /// Width and height as the file states them, also if they are senseless; empty without a header.
+    /// Width and height as stated in the file, even if they make no sense; empty without a header.
     QSize size() const;
-    /// Pixels, and the bytes that they need while they are read and then as 32 bits; 0 without a header.
+    /// The number of pixels, and the memory in bytes that they need as read and when converted to 32 bits; 0 without a
+    /// header.
     qint64 pixels() const;
     qint64 memory() const;
 
@@ -59,7 +62,7 @@ private:
 class DescriptionScan
 {
 public:
-    /// The next bytes of the document, in portions of any size.
+    /// Takes the next bytes of the document, in portions of any size.
     void feed(const char *data, qint64 size);
 
     qint64 parts() const { return m_nParts; }

@@ -46,7 +46,7 @@ QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end, bool *
     QByteArray buffer(int(largestStep), Qt::Uninitialized);
     QCryptographicHash digest(QCryptographicHash::Md5);
     for (qint64 start = 0; start < length; start += chunkSize) {
-        // Only a chunk that begins inside `end` needs it: any other one ends at a zero byte before the bytes that
+        // Only a chunk that begins inside `end` needs it: in any other chunk there is a zero byte before the bytes that
         // differ.
         QByteArray digits;
         if (start >= endStart) {

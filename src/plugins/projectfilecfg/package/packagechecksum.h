@@ -11,7 +11,7 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The checksum in a package's record. Existing packages determine how it is computed.
+/// The checksum in a package's record. Do not change how it is computed: existing packages rely on it.
 namespace PackageChecksum {
 
 /// Size of a chunk in bytes.

@@ -53,7 +53,7 @@ int characterSize(const QByteArray &bytes, int index)
     const auto lead = uchar(bytes.at(index));
     if (lead < 0x80)
         return 1;
-    // The fast path for nearly every stray byte: a name may have thousands.
+    // A fast path for nearly every stray byte, since a name may have thousands.
     if (index + 1 == bytes.size() || (uchar(bytes.at(index + 1)) & 0xC0) != 0x80)
         return 0;
     const QByteArray candidate = bytes.mid(index, lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4);
@@ -145,7 +145,7 @@ QString galleryFolder(const QString &entryName)
 
 quint16 galleryNumber(const QString &entryName)
 {
-    // Removes the fixed parts wherever they are in the name, as existing packages are read.
+    // Removes the fixed parts wherever they are in the name: that is how existing packages have always been read.
     const QString folder = galleryFolder(entryName);
     return entryName.toUpper()
         .remove(folder + QLatin1Char('/') + folder + QLatin1Char('_'))

@@ -10,12 +10,12 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The names in a device's directory, and so in a package: built and parsed only here. An entry's name is relative to
-/// the directory, with "/" between levels; a folder's name ends in "/".
+/// The names in a device's directory, and so in a package. They are built and parsed only here. An entry's name is
+/// relative to the directory, with "/" between levels; a folder's name ends in "/".
 namespace PackageLayout {
 
-/// A QLatin1String whose length is a constant: not every compiler evaluates strlen() at compile time, for instance not
-/// clang with a sanitizer.
+/// A QLatin1String of constant length: not every compiler evaluates strlen() at compile time (clang with a sanitizer
+/// does not).
 template<int sizeWithEnd>
 constexpr QLatin1String literal(const char (&text)[sizeWithEnd])
 {
@@ -55,23 +55,23 @@ bool isGalleryPicture(const QString &entryName);
 QString galleryFolder(const QString &entryName);
 quint16 galleryNumber(const QString &entryName);
 
-/// False for a name that could lead out of the extraction folder, on any platform, since packages travel: one that is
-/// empty or absolute, contains ".." (between slashes or backslashes), a NUL or a drive letter, or has more than
-/// PackageLimits::maxDepth levels.
+/// False for a name that could lead out of the extraction folder on any platform, not only this one: an empty or
+/// absolute one, one that contains ".." (between slashes or backslashes), a NUL or a drive letter, or one with more
+/// than PackageLimits::maxDepth levels.
 bool isSafeName(const QString &entryName);
 
 /// True for a folder named like the files of packages (".png", ".json", ".RPst") and for a file named like their
-/// folders: it would block every later package that is extracted to the same place.
+/// folders: it would block every package that is extracted to the same folder later.
 bool blocksLaterPackages(const QString &entryName);
 
 /// The normalised path: "BKG/./x" and "BKG//x" become "BKG/x".
 QString plainName(const QString &entryName);
 
-/// Decodes the names of an archive's entries; different names stay different. UTF-8 names stay as they are. In others,
-/// each byte that belongs to no character, and a byte order mark, which file names lose, becomes "%" and two
-/// hexadecimal digits. If a name of the archive contains "%", escapes begin with "%%", and so on, so that an escaped
-/// name never equals another one. Empty if that takes more than 16 percent signs, or more text than
-/// PackageLimits::maxNamesLength.
+/// Decodes the names of an archive's entries; different names stay different. UTF-8 names are unchanged. In others,
+/// each byte that does not belong to a character, and each byte of a byte order mark, which decoding would drop,
+/// becomes "%" and two hexadecimal digits. If a name of the archive contains "%", escapes begin with "%%", and so on,
+/// so that an escaped name never equals another one. Empty if that takes more than 16 percent signs, or if the names
+/// become longer than PackageLimits::maxNamesLength.
 QStringList namesOf(const QByteArrayList &entryNames);
 
 } // namespace PackageLayout

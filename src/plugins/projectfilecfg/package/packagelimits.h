@@ -8,40 +8,40 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The limits of a package. Packing, reading and applying all use them, so that whatever is saved can be applied.
+/// The limits of a package. Packing, reading and applying share them, so that whatever is saved can be applied.
 namespace PackageLimits {
 
 constexpr qint64 mebibyte = 1024 * 1024;
 
-/// Bytes of an archive without its comment, and number of its entries. Above these the format needs its 64-bit
-/// extension, in which QuaZip finds neither the comment nor, beyond maxEntries, the entries.
+/// Bytes of an archive without its comment, and number of its entries. Beyond these the format needs its 64-bit
+/// extension, with which QuaZip does not find the comment, nor, beyond maxEntries, the entries.
 constexpr qint64 maxArchiveSize = 0xFFFFFFFE;
 constexpr int maxPackedEntries = 0xFFFE;
 constexpr int maxEntries = 0xFFFF;
 
-/// Bytes of a comment. Beyond these QuaZip does not find the end of the archive.
+/// Bytes of a comment. With a longer one, QuaZip does not find the end of the archive.
 constexpr int maxArchiveCommentSize = 65513;
 
-/// Bytes of all entries together, unpacked. A package itself is smaller than this, and its pictures are not compressed:
-/// one that claims more was made to fill the disk.
+/// Bytes of all entries together, unpacked. The package itself is smaller than that, and its pictures are not
+/// compressed further: one that claims more was made to fill the disk.
 constexpr qint64 maxContentSize = 4096 * mebibyte;
 
 /// Bytes of all names together, which are kept in memory: 256 for each possible entry.
 constexpr int maxNamesLength = 16 * 1024 * 1024;
 
-/// Levels of a name, including the file's own: extraction creates and checks each folder in turn.
+/// Levels of a name, including the file's own. Extraction creates and checks each folder, one by one.
 constexpr int maxDepth = 64;
 
-/// Bytes of one extracted file: a picture, a preset, or whatever the host keeps there.
+/// Bytes of one extracted file: a picture, a preset, or any other file of the host.
 constexpr qint64 maxEntrySize = 1024 * mebibyte;
 
-/// Descriptions (".json"): bytes of each one and of all together, and their number. The user interface waits while they
-/// are extracted.
+/// Descriptions (".json"): bytes of each one and of all together, and their number. They are extracted on the
+/// user-interface thread.
 constexpr qint64 maxDescriptionSize = 64 * mebibyte;
 constexpr int maxDescriptions = 1000;
 
-/// The first description is parsed: its bytes, and its members, elements and brackets, each of which needs some eighty
-/// bytes of memory then.
+/// The first description, which is parsed: its bytes, and its members, elements and brackets, each of which takes some
+/// eighty bytes of memory when parsed.
 constexpr qint64 maxParsedDescriptionSize = 16 * mebibyte;
 constexpr int maxDescriptionParts = 1024 * 1024;
 
@@ -54,7 +54,7 @@ constexpr int maxPackedPictureTexts = 4;
 /// A picture's width and height in pixels: the maximum of the PNG library.
 constexpr qint64 maxPictureSide = 1000000;
 
-/// Bytes of memory for a picture's pixels as they are read and as they become 32 bits: 50 million pixels of 8 bits per
+/// Bytes of memory for a picture's pixels, as read and when converted to 32 bits: 50 million pixels of 8 bits per
 /// channel.
 constexpr qint64 maxPictureMemory = 192 * mebibyte;
 

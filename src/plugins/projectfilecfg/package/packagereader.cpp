@@ -67,6 +67,9 @@ struct PackageReader::Entry
 {
     unz64_file_pos position{};
     qint64 nSize = 0;
+    qint64 nPackedSize = 0;
+    quint32 nCrc = 0;
+    quint16 nMethod = 0;
     bool bOrdinary = false;
 };
 
@@ -76,8 +79,8 @@ struct PackageReader::Directory
     /// As stored in the archive, and decoded by namesOf().
     QByteArrayList listRawNames;
     QStringList listNames;
-    /// In the same order, and by name: the zip library would search linearly. Of two entries of the same name the first
-    /// counts.
+    /// In the same order, and by name, since the zip library would search linearly. Of two entries with the same name,
+    /// the first is used.
     std::vector<Entry> all;
     QHash<QString, Entry> entries;
     /// Bytes of all names, of all contents, and of all packed contents.
@@ -85,8 +88,8 @@ struct PackageReader::Directory
     quint64 nContentSize = 0;
     quint64 nPackedSize = 0;
 
-    /// False for a zip bomb, made to fill the memory or the disk: beyond PackageLimits, or with more packed content
-    /// than `archiveSize`, as if entries shared it.
+    /// False for a zip bomb, which is made to fill the memory or the disk: one beyond PackageLimits, or with more
+    /// packed content than `archiveSize` (its entries share content).
     bool isCredible(qint64 archiveSize) const
     {
         return listRawNames.size() <= maxEntries && nNamesLength <= maxNamesLength &&
@@ -130,6 +133,11 @@ bool PackageReader::isListable(QString *reason) const
                               failBecause(reason, QStringLiteral("%1: its directory is damaged").arg(m_pFile->path())));
 }
 
+QFile &PackageReader::file() const
+{
+    return m_pFile->file();
+}
+
 QStringList PackageReader::entries() const
 {
     QStringList counting;
@@ -155,8 +163,8 @@ qint64 PackageReader::entrySize(const QString &entryName) const
     return entry == directory().entries.constEnd() ? -1 : entry->nSize;
 }
 
-// Not QuaZip::getComment(): whether a zero byte ends it depends on the first entry there, and is undefined if that one
-// cannot be read.
+// Not QuaZip::getComment(): there, the first entry decides whether a zero byte ends the comment, which is undefined if
+// that entry cannot be read.
 QString PackageReader::archiveComment() const
 {
     unz_global_info64 info;
@@ -168,8 +176,8 @@ QString PackageReader::archiveComment() const
                : QString::fromUtf8(comment.constData());
 }
 
-// Leaves out as many bytes as the comment's text has in UTF-8, not as the archive states: existing packages were
-// checked in this way.
+// Leaves out as many bytes as the comment's text has in UTF-8, not the length stated in the archive: existing packages
+// have always been checked like this.
 QString PackageReader::checksum() const
 {
     return isOpen()
@@ -213,6 +221,9 @@ bool PackageReader::readCurrentHeader() const
     name.truncate(int(info.size_filename));
     name.squeeze();
     entry.nSize = qint64(info.uncompressed_size);
+    entry.nPackedSize = qint64(info.compressed_size);
+    entry.nCrc = quint32(info.crc);
+    entry.nMethod = quint16(info.compression_method);
     entry.bOrdinary = isOrdinary(info, name.endsWith('/'));
     m_pDirectory->listRawNames.append(name);
     m_pDirectory->all.push_back(entry);
@@ -288,6 +299,17 @@ bool PackageReader::goTo(const Entry &entry)
            unzGoToFilePos64(m_pZip->getUnzFile(), &position) == UNZ_OK;
 }
 
+std::optional<PackageReader::PackedContent> PackageReader::packedContent(const QString &entryName)
+{
+    const Entry *entry = findReadable(entryName, nullptr);
+    // Opening it is what checks its local header, and what finds its content.
+    if (!entry || !goTo(*entry) || unzOpenCurrentFile(m_pZip->getUnzFile()) != UNZ_OK)
+        return std::nullopt;
+    const auto offset = qint64(unzGetCurrentFileZStreamPos64(m_pZip->getUnzFile()));
+    unzCloseCurrentFile(m_pZip->getUnzFile());
+    return PackedContent{offset, entry->nMethod, entry->nCrc, entry->nPackedSize, entry->nSize};
+}
+
 namespace {
 
 bool failAsTooLarge(QString *reason, qint64 size, qint64 limit)
@@ -325,7 +347,7 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
         ReplacingFile::removeStaleFragments(folderPath);
         m_tidiedFolders.insert(folderPath);
     }
-    // Not asked for small files: there may be thousands, and on a full disk the write fails soon enough.
+    // Not checked for small files: there may be thousands, and on a full disk the write fails soon enough.
     constexpr qint64 smallSize = 64 * 1024;
     const qint64 room = entry.nSize > smallSize ? freeSpace(folderPath) : smallSize;
     ReplacingFile destination(destPath, ReplacingFile::Durability::NotFlushed);

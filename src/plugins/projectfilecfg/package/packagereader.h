@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 
 class QFile;
 class QIODevice;
@@ -20,7 +21,7 @@ namespace Internal {
 
 class ReadCacheDevice;
 
-/// An open package, to read and extract entries. Not thread-safe.
+/// An open package, to read and extract its entries. Not thread-safe.
 ///
 /// A `reason` is set on failure (see reason.h). It names the entry; only that of isOpen() names the package.
 class PackageReader
@@ -35,12 +36,12 @@ public:
     bool isOpen(QString *reason = nullptr) const;
 
     /// The names of all entries in the archive's order, decoded by PackageLayout::namesOf(). Names of folders end in
-    /// "/". Also empty if the archive's directory is damaged or cannot be true: more packed bytes than the file has, or
+    /// "/". Also empty if the archive's directory is damaged or impossible: more packed bytes than the file has, or
     /// entries, content or names beyond PackageLimits.
     QStringList fileList() const;
 
-    /// False if there is no archive, or if its directory is damaged or cannot be true: then fileList() does not say
-    /// what it holds.
+    /// False if there is no archive, or if its directory is damaged or impossible: then fileList() is empty, whatever
+    /// the archive contains.
     bool isListable(QString *reason = nullptr) const;
 
     /// The entries to extract one after the other: of several that lead to one path, such as "BKG/x", "BKG//x" and
@@ -50,8 +51,24 @@ public:
     /// The largest content in bytes that extractFile() accepts for an entry of that name.
     static qint64 maxSizeOf(const QString &entryName);
 
-    /// The size of `entryName` as the archive states it; -1 if there is no such entry.
+    /// The size of `entryName` as stated in the archive; -1 if there is no such entry.
     qint64 entrySize(const QString &entryName) const;
+
+    /// The file itself, to read other parts of it; not open if the package could not be opened. Leave its position
+    /// anywhere.
+    QFile &file() const;
+
+    /// Where an entry's packed content lies in file(), and what the archive's directory says about it.
+    struct PackedContent
+    {
+        qint64 nOffset;
+        quint16 nMethod;
+        quint32 nCrc;
+        qint64 nPackedSize;
+        qint64 nSize;
+    };
+    /// None if read() fails before the first byte of the content, but for its limit.
+    std::optional<PackedContent> packedContent(const QString &entryName);
 
     /// The archive's comment; empty if there is none.
     QString archiveComment() const;
@@ -100,10 +117,10 @@ private:
     /// Why it is not open.
     QString m_strOpenError;
     mutable std::unique_ptr<Directory> m_pDirectory;
-    /// Folders in which this object has removed stale fragments.
+    /// Folders from which this object has removed stale fragments.
     QSet<QString> m_tidiedFolders;
-    /// The length of the caller's part of a path, and the last folder below it that was checked for links: the entries
-    /// of a folder are consecutive.
+    /// The length of the caller's part of a path, and the last folder below it that was checked for links. Usually the
+    /// entries of a folder are consecutive.
     QPair<int, QString> m_plainFolder;
 };
 

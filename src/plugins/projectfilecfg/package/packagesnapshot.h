@@ -12,11 +12,11 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// A private copy of a package. A job that reads a package more than once works on such a copy, since another program
-/// may not only replace the file, but truncate or overwrite it while it is open.
+/// A private copy of a package. A job that reads a package more than once works on such a copy, since other programs
+/// may replace the file, and even truncate or overwrite it while it is open.
 ///
-/// The copy has no name (see openNamelessFile()), and shares its blocks with the package if the file system can do
-/// that: then nothing is read or written. Otherwise it needs as much space as the package.
+/// The copy has no name (see openNamelessFile()). It shares its blocks with the package if the file system can do that,
+/// without reading or writing anything; otherwise it needs as much space as the package.
 class PackageSnapshot
 {
 public:
@@ -28,11 +28,11 @@ public:
         NoRoom
     };
 
-    /// Copies the package to the first of the existing folders where that is possible. Any thread.
-    /// Waits for an edit by another program to end (FileSystem::ReadLock).
+    /// Copies the package to the first of the existing folders in which that is possible. Any thread. Waits for the end
+    /// of an edit by another program (FileSystem::ReadLock).
     Outcome take(const QString &packetPath, const QStringList &folders, QString *reason = nullptr);
 
-    /// Hands over the copy, open for reading; null if there is none.
+    /// Returns the copy, open for reading, and forgets it; null if there is none.
     std::unique_ptr<QFile> release();
 
 private:

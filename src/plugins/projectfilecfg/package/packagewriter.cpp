@@ -39,8 +39,8 @@ bool isAscii(const QString &name)
     return std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
 }
 
-/// Flags the next entry's name as UTF-8, so that other programs show it right. Not an ASCII name: the flag raises the
-/// header's "version needed to extract", a byte that the checksum covers, and existing packages do not have it.
+/// Flags the next entry's name as UTF-8, so that other programs show it correctly. Not for an ASCII name: the flag
+/// raises the header's "version needed to extract", which the checksum covers, and existing packages do not have it.
 void markEncoding(QuaZip &zip, const QString &name)
 {
     if (isAscii(name))
@@ -49,8 +49,8 @@ void markEncoding(QuaZip &zip, const QString &name)
         zipSetFlags(zip.getZipFile(), ZIP_ENCODING_UTF8);
 }
 
-/// False if a name in the folder is not UTF-8, or the folder cannot be listed. QDir would leave such a name out, or
-/// turn it into that of another file.
+/// False if a name in the folder is not UTF-8, or the folder cannot be listed. QDir would omit such a name, or turn it
+/// into that of another file.
 bool hasOnlyListableNames(const QString &folder)
 {
 #ifndef Q_OS_WIN
@@ -68,7 +68,7 @@ bool hasOnlyListableNames(const QString &folder)
 #endif
 }
 
-/// In bytes. Readers or the load refuse anything larger.
+/// In bytes. A reader or an apply refuses anything larger.
 qint64 maxSizeToPack(const QString &name)
 {
     return isPicture(name) ? PackageLimits::maxPictureFileSize : PackageReader::maxSizeOf(name);
@@ -93,9 +93,10 @@ QByteArray paddingField(int size)
     return QByteArray(header, headerSize) + QByteArray(size - headerSize, '\0');
 }
 
-/// The checksum is computed before the comment is written, and checked afterwards; of the bytes it covers, only the
-/// comment's length, the last two bytes of the end record, differs then. If a chunk contains the whole end record, its
-/// digest ends at a zero byte before the length; if a chunk begins inside the end record, it may not.
+/// True if the checksum does not depend on the comment. It is computed before the comment is written, and checked
+/// afterwards; of the bytes that it covers, only the comment's length differs then, which is in the last two bytes of
+/// the end record. If a chunk contains the whole end record, its digest ends at a zero byte before the length; if a
+/// chunk begins inside the end record, it may not.
 bool checksumOutlivesComment(qint64 archiveSize)
 {
     const qint64 lastChunk = archiveSize % PackageChecksum::chunkSize;
@@ -148,7 +149,7 @@ bool PackageWriter::isWithinLimits(QString *reason)
         if (!isDescription(entry.strName))
             continue;
         descriptionsSize += entry.nSize;
-        // The load parses only the first one.
+        // An apply parses only the first one.
         if (++descriptions == 1) {
             m_strFirstDescription = entry.strName;
             if (isBeyond(QStringLiteral("bytes in the description ") + entry.strName, entry.nSize,
@@ -202,7 +203,7 @@ bool PackageWriter::scanFolder(const QString &path, const QString &prefix, QStri
             ReplacingFile::isFragment(source.fileName()) || UndoRecord::isUndoRecord(source.fileName()))
             continue;
         const QString name = prefix + source.fileName();
-        // Refused now, not only when the package is applied.
+        // Refuse it now, not when the package is applied.
         if (!source.isFile() || !source.isReadable())
             return cannotPack(source.filePath(), "it is not a plain file, or cannot be read");
         if (source.size() > maxSizeToPack(name))
@@ -225,7 +226,7 @@ bool PackageWriter::staysInside(const QFileInfo &source) const
 
 bool PackageWriter::write(QFile &archive, QString *reason)
 {
-    // In bytes, more than an end record has: moves it past the chunk boundary that would cut it.
+    // In bytes, more than the size of an end record: moves it past the chunk boundary that would split it.
     constexpr int paddingSize = 32;
     if (!writeEntries(archive, 0, reason))
         return false;

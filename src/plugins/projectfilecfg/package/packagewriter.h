@@ -27,7 +27,7 @@ class PictureScan;
 class PackageWriter
 {
 public:
-    /// What becomes an entry: its name, the file or folder that it is packed from, and its size in bytes.
+    /// A future entry: its name, the file or folder from which it is packed, and its size in bytes.
     struct Entry
     {
         QString strName;
@@ -40,16 +40,16 @@ public:
     /// `packetPath` is skipped if it is inside the directory.
     PackageWriter(const QString &dirPath, const QString &packetPath);
 
-    /// Lists what is to be packed. False if the tree cannot be packed completely: a folder or file that cannot be read
-    /// or whose name is not UTF-8, a special file, a link that is broken, leads outside or back to an enclosing folder;
-    /// or if the package could not be applied: a name that PackageReader refuses, or more or larger files than
-    /// PackageLimits allows. Other links are packed as their targets.
+    /// Lists the tree. False if it cannot be packed completely: a folder or file that cannot be read or whose name is
+    /// not UTF-8, a special file, a link that is broken, leads outside or back to an enclosing folder; or if the
+    /// package could not be applied: a name that PackageReader refuses, or more or larger files than PackageLimits
+    /// allows. Other links are packed as their targets.
     bool scan(QString *reason = nullptr);
 
-    /// What scan() found, in the archive's order.
+    /// The entries found by scan(), in the archive's order.
     const QVector<Entry> &entries() const { return m_listEntries; }
 
-    /// Replaces the content of `archive` (open for reading and writing) by the archive, without a comment. False if a
+    /// Replaces the content of `archive` (open for reading and writing) with the archive, without a comment. False if a
     /// source cannot be read, a write fails, or a description or picture exceeds PackageLimits; the file is unusable
     /// then.
     bool write(QFile &archive, QString *reason = nullptr);
@@ -70,7 +70,7 @@ private:
     QString m_strPacketPath;
     QString m_strCanonicalDirPath;
     QVector<Entry> m_listEntries;
-    /// The description that a load reads; empty if there is none.
+    /// The description that an apply reads; empty if there is none.
     QString m_strFirstDescription;
     /// Pixels of the backgrounds and logos written so far.
     qint64 m_nPixels = 0;

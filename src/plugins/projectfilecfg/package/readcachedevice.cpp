@@ -57,8 +57,8 @@ bool ReadCacheDevice::readEnd()
     return m_end.size() == expected;
 }
 
-/// Reads the end while nobody edits it; an edit takes less than a millisecond. If the package is locked, two
-/// equal, consistent readings count. After 200 ms it takes whatever it reads.
+/// Reads the end while nobody edits it; an edit takes less than a millisecond. If the package is locked, two equal,
+/// consistent readings are accepted; after 200 ms, any reading is.
 bool ReadCacheDevice::readEndAtRest()
 {
     constexpr int patience = 200;

@@ -10,9 +10,9 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The device through which the zip library reads a package. The library searches for the end of an archive, and for
-/// the marker of a 64-bit one, backwards through the last 64 KiB in small steps, each a read of the file; this class
-/// reads those bytes once, and retries while another process writes them. Not thread-safe.
+/// The device through which the zip library reads a package. The library searches the last 64 KiB backwards for the end
+/// of the archive, and for the marker of a 64-bit one, in small steps, each of which reads from the file. This class
+/// reads those bytes once, and again while another process is writing them. Not thread-safe.
 class ReadCacheDevice : public QIODevice
 {
 public:
@@ -21,15 +21,15 @@ public:
     explicit ReadCacheDevice(std::unique_ptr<QFile> file);
     ~ReadCacheDevice() override;
 
-    /// `mode` must be ReadOnly. False on failure, and at once if it is not a plain file, for instance a pipe;
-    /// errorString() names the path then.
+    /// `mode` must be ReadOnly. False on failure, with the path in errorString(), and at once if it is not a plain
+    /// file, for instance a pipe.
     bool open(OpenMode mode) override;
 
     bool isSequential() const override;
     qint64 size() const override;
     bool seek(qint64 position) override;
 
-    /// Its path, also when it was opened by its handle.
+    /// Its path, even if it was opened by its handle.
     QString path() const { return m_strPath; }
     /// The underlying file, to read other parts of it.
     QFile &file() { return *m_pFile; }

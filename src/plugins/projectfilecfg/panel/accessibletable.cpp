@@ -17,7 +17,7 @@ namespace Internal {
 
 namespace {
 
-/// The place of the headers among rows and columns.
+/// The row, or column, of a header.
 constexpr int header = -1;
 
 QList<QAbstractButton *> buttonsIn(const QWidget *cellWidget)
@@ -25,7 +25,7 @@ QList<QAbstractButton *> buttonsIn(const QWidget *cellWidget)
     return cellWidget->findChildren<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-/// What cells with and without buttons have in common.
+/// Common to cells with and without buttons.
 class Cell : public QAccessibleTableCellInterface
 {
 public:
@@ -44,11 +44,11 @@ protected:
     QTableWidget *const m_pTable;
 };
 
-/// A cell without widget, or a header: of a column in no row, of a row in no column.
+/// A cell without a widget, or a header. The header of a column has no row, that of a row no column.
 class TextCell : public QAccessibleInterface, public Cell
 {
 public:
-    /// `buttons` is in the same row; null for the headers of columns.
+    /// `buttons` is the cell widget in the same row; null for the headers of columns.
     TextCell(QTableWidget *table, const QWidget *buttons, int buttonColumn, int column)
         : Cell(table)
         , m_pButtons(buttons)
@@ -127,7 +127,7 @@ private:
     const int m_nColumn;
 };
 
-/// The text cells of one row, which it deletes. Makes each when it is asked for.
+/// Owns the text cells of one row, and creates each one on demand.
 class TextCells
 {
 public:
@@ -149,12 +149,12 @@ public:
     }
 
 private:
-    /// 0: not made yet. The header is in front.
+    /// 0 if not created yet. The header comes first.
     QVector<QAccessible::Id> m_listIds;
 };
 
-/// One of the buttons. Qt's interface of a tool button returns from a press only when what it has opened is closed, and
-/// a screen reader waits for that.
+/// One of the buttons. With Qt's interface for tool buttons, a press returns only when the dialog that it has opened is
+/// closed, and a screen reader waits for that.
 class RowButton : public QAccessibleWidget
 {
 public:
@@ -304,7 +304,7 @@ public:
     void modelChange(QAccessibleTableModelChangeEvent *) override {}
 
 private:
-    /// The cell or header at that place; null if there is none.
+    /// The cell or header at that row and column; null if there is none.
     QAccessibleInterface *at(int row, int column) const
     {
         if (row >= rowCount() || column >= columnCount())

@@ -9,18 +9,20 @@ class QWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Shows a table with buttons in its cells to assistive technology. Qt's own interface of a table does not know cell
-/// widgets: a screen reader that goes through its cells never meets a button.
+/// Makes a table with buttons in its cells accessible to assistive technology. Qt's own accessible interface for tables
+/// ignores cell widgets, so a screen reader that goes through the cells would never find a button.
 ///
-/// Both replace the interface that Qt may have made while it constructed the widget, and delete theirs with it. An
-/// interface stays with its row when rows above it come and go. User-interface thread.
+/// Both functions replace the interface that Qt may have created while it constructed the widget; the new one is
+/// deleted with the widget. An interface stays with its row when rows above it are inserted or removed. User-interface
+/// thread.
 namespace AccessibleTable {
 
-/// `table`, whose cells cannot be selected. Each cell of `buttonColumn` must have a widget given to describeButtons().
+/// For `table`, whose cells must not be selectable. Each cell of `buttonColumn` must contain a widget that is passed to
+/// describeButtons().
 void describe(QTableWidget *table, int buttonColumn);
 
-/// `buttons` is the cell widget, now or soon, in a row of `table`: it becomes the cell, named by its accessible name,
-/// and its buttons the cell's children.
+/// For `buttons`, which is or will be the cell widget of a row of `table`: it becomes the accessible cell, and its
+/// buttons become the cell's children.
 void describeButtons(QWidget *buttons, QTableWidget *table, int buttonColumn);
 
 } // namespace AccessibleTable

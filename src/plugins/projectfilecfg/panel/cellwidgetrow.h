@@ -8,7 +8,7 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The row of `table` with that widget in `column`; -1 if it is in none.
+/// The row of `table` that has `widget` in `column`; -1 if there is none.
 inline int cellWidgetRow(const QTableWidget *table, const QWidget *widget, int column)
 {
     int row = table->rowCount() - 1;

@@ -7,10 +7,10 @@
 #include "hostcalls.h"
 #include "waiting.h"
 
-#include <model/devicelist.h>
-#include <model/objectbrige.h>
-#include <modelcontrol/devicecontroler.h>
-#include <modelcontrol/operationadapter.h>
+#include <host/devicecontrol.h>
+#include <host/devices.h>
+
+#include <QDebug>
 
 #include <algorithm>
 
@@ -37,12 +37,19 @@ void setChannelExclusive(const std::shared_ptr<Model::Device> &device, bool excl
 
 } // namespace
 
+std::shared_ptr<Model::Device> DeviceOperations::find(const QString &address)
+{
+    std::shared_ptr<Model::Device> device;
+    callHost("getDeviceByIPAddr", [&] { device = findDeviceByAddress(address); });
+    return device;
+}
+
 std::shared_ptr<Model::Device> DeviceOperations::activate(const QString &address)
 {
     std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
     if (!device || device->getIPAddress() == address)
         return device;
-    device = findDeviceByAddress(address);
+    device = find(address);
     return device && makeActive(device) ? device : nullptr;
 }
 
@@ -64,7 +71,7 @@ void DeviceOperations::activateFirstScreen(const Model::Device &device)
 
 bool DeviceOperations::syncDeviceData(const QString &address)
 {
-    return sync(findDeviceByAddress(address));
+    return sync(find(address));
 }
 
 bool DeviceOperations::syncActiveDeviceData()
@@ -83,20 +90,25 @@ bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
     callHost("updateOnlineDevice", [&] {
         synchronised =
             OperationAdapter::instance()->updateOnlineDevice(device->getIPAddress(), device->getSN(),
-                                                             ControlStruct::defaultCallBack) == ControlEnum::ErrorNone;
+                                                             ControlStruct::defaultCallBack) == HostNumbers::noError;
     });
     if (online)
         Waiting::hide();
     return synchronised;
 }
 
-bool DeviceOperations::restoreFactory()
+bool DeviceOperations::restoreFactory(const QString &address)
 {
     const std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
     if (!device)
         return false;
+    if (device->getIPAddress() != address) {
+        qWarning().noquote() << QStringLiteral("Not reset: %1 is to be, but %2 is the active device")
+                                    .arg(address, device->getIPAddress());
+        return false;
+    }
     const std::map<Model::Device::ParameterType, std::any> parameters{
-        {Model::Device::DeviceReset, Model::Device::ResetFactory}};
+        {HostNumbers::deviceReset, HostNumbers::resetFactory}};
     if (device->getDeviceOnlineFlag())
         Waiting::show([] { return tr("Restore factory,please wait..."); });
     bool restored = false;
@@ -111,8 +123,8 @@ unsigned long long DeviceOperations::estimateProjectSize(const QString &address)
     if (!device)
         return 0;
     const DeviceControler controler(device);
-    const unsigned long long logos = controler.calLogoMaterailCapacity({}, Model::Materail::Logo, true);
-    // An estimate in MiB: the last, partial one is covered by the margin of 10 MiB.
+    const unsigned long long logos = controler.calLogoMaterailCapacity({}, HostNumbers::logo, true);
+    // Rounds down on purpose: the margin of 10 MiB covers the last, partial MiB.
     return ((logos + controler.usedCapacity()) >> 20) + 10;
 }
 
@@ -129,13 +141,15 @@ void DeviceOperations::freeChannel(const std::shared_ptr<Model::Device> &device)
 
 void DeviceOperations::cancelSave(const std::shared_ptr<Model::Device> &device)
 {
-    // {4, 10} is the command of the transfer that the device is to abandon.
-    callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
+    // {4, 10} is the command of the transfer that the device is to abort.
+    if (device)
+        callHost("cancelOperator", [&device] { DeviceControler(device).cancelOperator({4, 10}); });
 }
 
-void DeviceOperations::cancelLoad()
+void DeviceOperations::cancelLoad(const std::shared_ptr<Model::Device> &device)
 {
-    callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
+    if (device)
+        callHost("cancelCurrentTask", [] { DeviceControler::cancelCurrentTask(); });
 }
 
 } // namespace Internal

@@ -5,8 +5,7 @@
 
 #include "plaintooltip.h"
 
-#include <model/devicelist.h>
-#include <model/objectbrige.h>
+#include <host/devices.h>
 
 #include <QComboBox>
 #include <QDebug>
@@ -30,7 +29,7 @@ QStringList markOf(const Model::Device &device)
     return {device.getDeviceInfo(), device.getTypeString(), device.getName(), device.getIPAddress()};
 }
 
-/// Leaves destroyed() connected, on which the style sheet's cache of widgets relies.
+/// Does not disconnect destroyed(), on which the style sheet's cache of widgets relies.
 void cutConnections(QWidget *widget)
 {
     const QMetaMethod destroyed = QMetaMethod::fromSignal(&QObject::destroyed);
@@ -42,7 +41,7 @@ void cutConnections(QWidget *widget)
     }
 }
 
-/// Leaves a widget's wheel events to what lies around it.
+/// Passes a widget's wheel events on to its parent.
 class WheelPassedOn : public QObject
 {
 public:
@@ -66,7 +65,7 @@ public:
 DeviceSelector::DeviceSelector(QComboBox *combo)
     : m_pCombo(combo)
 {
-    // The open list is a window of its own and scrolls.
+    // The open list is a separate window, and still scrolls.
     new WheelPassedOn(combo);
 }
 

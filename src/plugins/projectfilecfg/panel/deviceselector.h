@@ -3,39 +3,38 @@
 
 #pragma once
 
+#include <host/fwd.h>
+
 #include <QStringList>
 
 class QComboBox;
 
-namespace Model {
-class Device;
-}
-
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The entries of the device selector, and the mark of four strings that each carries under the role Qt::UserRole + 1:
-/// info text, type, name, IP address. User-interface thread.
+/// The entries of the device selector, each with a mark of four strings under the role Qt::UserRole + 1: info text,
+/// type, name, IP address. User-interface thread.
 class DeviceSelector
 {
 public:
-    /// `combo` must outlive this object. From now on the wheel no longer changes its device: only its open list
-    /// scrolls.
+    /// `combo` must outlive this object. The mouse wheel no longer changes its current entry; it only scrolls the open
+    /// list.
     explicit DeviceSelector(QComboBox *combo);
 
-    /// Offers the host's devices that support project files. Selects the active device; if there is none, the device at
-    /// `address`; if that is not offered either, the entry shown before. `address` becomes that of the selected device,
-    /// also if the active one is not offered, and empty if there is none.
+    /// Lists the host's devices that support project files. Selects the active device; if there is none, the device
+    /// with `address`; if that is not listed either, the entry shown before. `address` becomes that of the active
+    /// device, even if it is not listed; without an active device it stays if its device is listed, and else becomes
+    /// empty.
     ///
-    /// Cuts every connection of the selector's signals but destroyed(), whoever made it. False, with an empty selector
-    /// and a line in the log, if the host has no device list.
+    /// Removes all connections of the selector's signals except destroyed(), including those made by others. False,
+    /// with an empty selector and a line in the log, if the host has no device list.
     bool refill(QString &address);
 
-    /// Makes the info text of the current entry the selector's tool tip. True if the entry's mark is complete; an empty
-    /// one is logged, and changes no tool tip.
+    /// Makes the info text of the current entry the selector's tool tip. True if the entry's mark is complete. An empty
+    /// mark is logged, and the tool tip stays.
     bool showCurrent();
-    /// The same, with `address` becoming that of the current entry: empty, and logged, if its mark is not complete; as
-    /// before if its mark is empty.
+    /// The same, and sets `address` to that of the current entry: clears it, and logs that, if the mark is not
+    /// complete; leaves it unchanged if the mark is empty.
     void changeDevice(QString &address);
 
 private:

@@ -17,8 +17,8 @@ unsigned long long wholeMebibytes(qint64 bytes);
 /// Free space, in MiB, of the volume that holds `path`.
 unsigned long long getDiskAvailableSize(const QString &path);
 
-/// The same for the project-files directory, which is created if it is missing: a path that does not exist has no free
-/// space.
+/// The same for the project-files directory, which is created if it is missing, since a path that does not exist has no
+/// free space.
 unsigned long long availableForProjects(const QString &directory);
 
 /// True if the total size of the files is less than `mebibytes` MiB.

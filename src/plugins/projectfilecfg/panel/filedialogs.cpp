@@ -17,7 +17,7 @@ namespace Internal {
 
 namespace {
 
-/// Setting a filter gives a typed name the filter's extension.
+/// Keeps the typed name, to which QFileDialog::setNameFilter() would add the filter's extension.
 void changeNameFilter(QFileDialog *dialog, const QString &filter)
 {
     auto *name = dialog->findChild<QLineEdit *>();
@@ -27,9 +27,9 @@ void changeNameFilter(QFileDialog *dialog, const QString &filter)
         name->setText(typed);
 }
 
-/// Runs the dialog, whose title and filter follow a change of the language; there is no filter for folders.
+/// Runs the dialog, whose title and filter follow a change of the language. Dialogs for folders have no filter.
 ///
-/// The parent may delete the dialog during exec(). QFileDialog's static functions have theirs on the stack.
+/// Not QFileDialog's static functions: their dialog is on the stack, but the parent may delete it during exec().
 QStringList chosenFiles(const QPointer<QFileDialog> &dialog, const TranslatedText &title,
                         const TranslatedText &filter = nullptr)
 {
@@ -45,7 +45,7 @@ QStringList chosenFiles(const QPointer<QFileDialog> &dialog, const TranslatedTex
     return answer == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
 }
 
-/// The dialog's default suffix is for names without a dot only.
+/// The dialog adds its default suffix only to names without a dot.
 QString withExtension(const QString &path)
 {
     return path.isEmpty() || path.endsWith(PackageLayout::packageExtension, Qt::CaseInsensitive)

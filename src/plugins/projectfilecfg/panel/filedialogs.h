@@ -11,9 +11,10 @@ class QWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Asks for files and folders. User-interface thread; each runs a modal dialog, which follows a change of the language.
+/// Asks for files and folders. User-interface thread. Each function runs a modal dialog, which follows a change of the
+/// language.
 ///
-/// The answer is empty if the operator cancelled, or if `parent` was deleted meanwhile, and the dialog with it.
+/// Returns nothing if the operator cancels, or if `parent`, and so the dialog, is deleted meanwhile.
 class FileDialogs
 {
     // The panel's translation context.
@@ -23,12 +24,12 @@ public:
     /// Existing project files from anywhere; one unless `bMulti`. Begins in the process's current directory.
     static QStringList selectProjectFiles(QWidget *parent, bool bMulti);
 
-    /// The path of a copy of the file at `path`, by default under its name in the folder `documents`. A name that does
-    /// not end in the packages' extension, in capitals or not, gets it. Empty also if the answer is `documents` itself,
-    /// or an existing file, which a box says.
+    /// The path for a copy of the file at `path`; proposes its name in the folder `documents`. Appends the packages'
+    /// extension unless the name ends in it, in any case. Also empty if the answer is `documents` itself, or, after a
+    /// message box, an existing file.
     static QString selectTarget(QWidget *parent, const QString &documents, const QString &path);
 
-    /// The folder for copies, by default `documents`. Empty also if the answer is `documents` itself.
+    /// The folder for copies; proposes `documents`. Also empty if the answer is `documents` itself.
     static QString selectFolder(QWidget *parent, const QString &documents);
 
 private:

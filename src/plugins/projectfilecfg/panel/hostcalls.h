@@ -8,8 +8,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Calls the host from a slot, which an exception must not leave: Qt's event loop would end the process. False if the
-/// host threw; the name of its operation and the exception's text are logged as critical.
+/// Calls the host from a slot. No exception may leave a slot, since Qt's event loop would end the process. False if the
+/// host threw one; the name of its operation and the exception's text are logged as critical.
 bool callHost(const char *operation, const std::function<void()> &call);
 
 } // namespace Internal

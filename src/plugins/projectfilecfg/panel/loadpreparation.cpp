@@ -7,6 +7,8 @@
 #include "engineerdocload.h"
 #include "messageboxes.h"
 
+#include <host/devices.h>
+
 #include <QDebug>
 
 namespace ProjectFileCfg {
@@ -20,26 +22,29 @@ bool LoadPreparation::sync(const EngineerDocLoad &load)
     return false;
 }
 
-bool LoadPreparation::reset(QWidget *panel, EngineerDocLoad &load)
+bool LoadPreparation::reset(QWidget *panel, EngineerDocLoad &load, const std::shared_ptr<Model::Device> &device)
 {
-    const bool restored = DeviceOperations::restoreFactory();
-    if (restored && sync(load))
+    const bool restored = DeviceOperations::restoreFactory(load.deviceIp());
+    if (restored && sync(load)) {
+        DeviceOperations::reserveChannel(device);
         return true;
+    }
     load.releasePackage();
     if (!restored)
         MessageBoxes::warn(panel, [] { return tr(" Restore factory failed "); });
     return false;
 }
 
-bool LoadPreparation::prepare(QWidget *panel, EngineerDocLoad &load, bool online)
+bool LoadPreparation::prepare(QWidget *panel, EngineerDocLoad &load, const std::shared_ptr<Model::Device> &device)
 {
+    const bool online = device->getDeviceOnlineFlag();
     if (online && !sync(load))
         return false;
-    if (!load.checkPackageFile() || !load.checkDevice()) {
+    if (!load.checkPackageFile() || !load.checkDevice() || !load.confirmOnline(online)) {
         MessageBoxes::showLoadResult(panel, load.resultCode());
         return false;
     }
-    return !online || reset(panel, load);
+    return !online || reset(panel, load, device);
 }
 
 } // namespace Internal

@@ -3,7 +3,11 @@
 
 #pragma once
 
+#include <host/fwd.h>
+
 #include <QCoreApplication>
+
+#include <memory>
 
 class QWidget;
 
@@ -12,22 +16,23 @@ namespace Internal {
 
 class EngineerDocLoad;
 
-/// What comes between the operator's decision to apply a package and the run of the job. User-interface thread.
+/// What happens between the operator's decision to apply a package and the start of the job. User-interface thread.
 class LoadPreparation
 {
     // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
-    /// Has `load` check the package and the device. For an `online` device also: refreshes the host's model of it
-    /// before, and after all checks resets the active device to its factory settings and refreshes the model again.
+    /// Has `load` check the package and `device`, which is the load's. If the device is online, refreshes the host's
+    /// model of it before the checks; and after them resets the device to its factory settings, unless another one is
+    /// active by then, refreshes the model again and reserves the channel.
     ///
-    /// False, with a box or a line in the log, if there is to be no run; the panel may have gone then.
-    static bool prepare(QWidget *panel, EngineerDocLoad &load, bool online);
+    /// False, after a message box or a line in the log, if the job must not run; the panel may have been deleted then.
+    static bool prepare(QWidget *panel, EngineerDocLoad &load, const std::shared_ptr<Model::Device> &device);
 
 private:
     static bool sync(const EngineerDocLoad &load);
-    static bool reset(QWidget *panel, EngineerDocLoad &load);
+    static bool reset(QWidget *panel, EngineerDocLoad &load, const std::shared_ptr<Model::Device> &device);
 };
 
 } // namespace Internal

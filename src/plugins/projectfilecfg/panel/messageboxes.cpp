@@ -19,7 +19,7 @@ struct ResultText
     const char *pText;
 };
 
-/// Null if the table does not have the code.
+/// Null if the code is not in the table.
 template<int count>
 const char *textOf(int code, const ResultText (&table)[count])
 {

@@ -11,8 +11,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The panel's message boxes, which follow a change of the language while they are open. User-interface thread; each
-/// runs modally, and the panel may have gone when it returns.
+/// The panel's message boxes, which follow a change of the language while they are open. User-interface thread. Each
+/// function runs a modal box, and the panel may have been deleted when it returns.
 class MessageBoxes
 {
     // The panel's translation context.
@@ -24,17 +24,17 @@ public:
     /// A warning under the title "Remind".
     static void remind(QWidget *panel, const TranslatedText &text);
 
-    /// True if the operator answers Yes and the panel is still there.
+    /// True if the operator answers Yes and the panel still exists.
     static bool confirm(QWidget *panel, const TranslatedText &question);
-    /// Whether to save the device's configuration before another is applied: Yes, No or Cancel; Cancel also if the
-    /// panel has gone.
+    /// Asks whether to save the device's configuration before another one is applied. Yes, No or Cancel; Cancel if the
+    /// panel was deleted.
     static QMessageBox::StandardButton askForBackup(QWidget *panel);
 
-    /// Shows the text of a BackupResultCode; nothing for one that has none, such as success.
+    /// Shows the text of a BackupResultCode, if it has one; success has none.
     static void showBackupResult(QWidget *panel, int code);
-    /// Shows the text of a LoadResultCode; nothing for one that has none, such as success.
+    /// Shows the text of a LoadResultCode, if it has one; success has none.
     static void showLoadResult(QWidget *panel, int code);
-    /// Shows the failure of copying or importing, or its success if there is no `failure`.
+    /// Shows the text of a failed copy or import, or `success` if there is no `failure`.
     static void showCopyResult(QWidget *panel, const TranslatedText &failure, const TranslatedText &success);
 
 private:

@@ -13,11 +13,12 @@ class QTableWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Takes package files that are dragged onto the project table, from a file manager for example. User-interface thread.
+/// Accepts package files that are dragged onto the project table, for example from a file manager. User-interface
+/// thread.
 ///
-/// A drag is refused, which the cursor shows, unless all of it are local files with the packages' extension, in
-/// capitals too, and while a dialog blocks the panel. The source of a drag keeps its files: it is offered a copy, and
-/// refused if it only moves or links.
+/// Refuses a drag, which the cursor shows, while a dialog blocks the panel, and if it contains anything but local files
+/// with the packages' extension, in any case. The files are copied, never moved: a drag that does not allow a copy is
+/// refused.
 class PackageDrop : public QObject
 {
     Q_OBJECT
@@ -28,9 +29,8 @@ public:
     ~PackageDrop() override;
 
 signals:
-    /// The files of a drop, in the order of the drag. Some may have gone since they were dragged onto the table.
-    /// Emitted from the event loop, so that a receiver may open dialogs: the source waits until the drop itself has
-    /// returned.
+    /// The files of a drop, in the order of the drag. Some may no longer exist. Emitted from the event loop, so that a
+    /// receiver may open dialogs: the source of the drag is blocked until the drop event has been handled.
     void signal_dropped(const QStringList &files);
 
 protected:
@@ -42,7 +42,7 @@ private:
     bool answer(QDropEvent *event) const;
     void announce(const QStringList &files);
 
-    /// What is being dragged; empty if that is not welcome.
+    /// The files being dragged; empty if the drag is refused.
     QStringList m_listFiles;
 };
 

@@ -14,13 +14,14 @@ class QWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Where the panel's widgets stand, how large they are, and what the label and the command buttons are called.
+/// The layout and the sizes of the panel's widgets, and the texts of the label and the command buttons.
 class PanelLayout
 {
     // The panel's translation context.
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
+    /// The widgets to lay out, all there; the panel owns them.
     struct Widgets
     {
         QLabel *pDeviceLabel;
@@ -36,7 +37,7 @@ public:
     /// Lays the widgets out in the panel, which becomes their parent and must outlive this object.
     PanelLayout(QWidget *panel, const Widgets &widgets);
 
-    /// Sets the texts, and the widths that follow from them: one for all command buttons.
+    /// Sets the texts, and the widths that depend on them. All command buttons have the same width.
     void retranslate();
 
 private:

@@ -7,6 +7,9 @@
 #include "diskspace.h"
 #include "hostcalls.h"
 #include "messageboxes.h"
+#include "zippackagehandle.h"
+
+#include <host/devices.h>
 
 #include <QDebug>
 #include <QFile>
@@ -22,6 +25,15 @@ bool PreChecks::isDeviceSelected(QWidget *panel, const QString &address)
     return false;
 }
 
+bool PreChecks::isStillSelected(const QString &address, const QString &selectedAddress)
+{
+    if (address == selectedAddress)
+        return true;
+    qWarning().noquote()
+        << QStringLiteral("Not begun for %1: it has gone, and %2 is selected now").arg(address, selectedAddress);
+    return false;
+}
+
 bool PreChecks::isFileThere(QWidget *panel, const QString &path)
 {
     if (QFile::exists(path))
@@ -30,8 +42,23 @@ bool PreChecks::isFileThere(QWidget *panel, const QString &path)
     return false;
 }
 
+bool PreChecks::isPackage(QWidget *panel, const QString &path)
+{
+    EngineerPacketInfo info;
+    info.strFilePath = path;
+    QString reason;
+    if (ZipPackageHandle::getZipFileEngineerInfo(info, &reason))
+        return true;
+    qDebug().noquote() << "Not applied:" << reason;
+    MessageBoxes::remind(panel, [] { return tr("The file does not exist or the file format is incorrect."); });
+    return false;
+}
+
 bool PreChecks::isRoomForProject(QWidget *panel, const QString &address, const QString &directory)
 {
+    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
+    if (!device || !device->getDeviceOnlineFlag())
+        return true;
     unsigned long long size = 0;
     if (!DeviceOperations::syncActiveDeviceData() ||
         !callHost("the estimate of the size", [&] { size = DeviceOperations::estimateProjectSize(address); })) {

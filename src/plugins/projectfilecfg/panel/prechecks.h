@@ -11,8 +11,8 @@ class QWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// What the panel checks before an operation. A check that fails shows a box; the panel may have gone when it returns.
-/// User-interface thread.
+/// Checks before the panel's operations. A check that fails shows a message box; the panel may have been deleted when
+/// it returns. User-interface thread.
 class PreChecks
 {
     // The panel's translation context.
@@ -21,14 +21,19 @@ class PreChecks
 public:
     /// True if `address`, that of the selected device, is not empty.
     static bool isDeviceSelected(QWidget *panel, const QString &address);
+    /// True if the device with `address` is the selected one. Otherwise only logs.
+    static bool isStillSelected(const QString &address, const QString &selectedAddress);
     static bool isFileThere(QWidget *panel, const QString &path);
+    /// True if the file at `path` is a valid package. Otherwise also logs the reason.
+    static bool isPackage(QWidget *panel, const QString &path);
 
-    /// Refreshes the host's model of the active device. True if that device answers, and if a project of the device at
-    /// `address` is estimated to be smaller than the free space in the project-files directory.
+    /// Updates the host's model of the active device. True if that device answers, and the estimated size of a project
+    /// of the device with `address` is less than the free space in the project-files directory. Also true, without an
+    /// update, if the active device is offline.
     static bool isRoomForProject(QWidget *panel, const QString &address, const QString &directory);
-    /// True if the files are smaller than the free space in the project-files directory.
+    /// True if the total size of the files is less than the free space in the project-files directory.
     static bool isRoomForImport(QWidget *panel, const QStringList &files, const QString &directory);
-    /// True if the files are smaller than the free space in the folder.
+    /// True if the total size of the files is less than the free space in the folder.
     static bool isRoomForCopies(QWidget *panel, const QStringList &files, const QString &folder);
 };
 

@@ -11,7 +11,7 @@ namespace Internal {
 
 class ProjectRowWidget;
 
-/// The sender of a click in a row of the project table, and the package whose row it is. It may outlive the button.
+/// The button that was clicked in a row of the project table, and the package of that row. May outlive the button.
 class PressedButton
 {
 public:
@@ -21,7 +21,8 @@ public:
     explicit operator bool() const { return m_bButton; }
     /// The package's path at the time of the click.
     QString filePath() const { return m_strFilePath; }
-    /// After the package was renamed: the new path for the button, and for the others of its row, as far as they exist.
+    /// Call after the package was renamed: sets the new path for the button and the others in its row, if they still
+    /// exist.
     void setFilePath(const QString &path) const;
 
 private:

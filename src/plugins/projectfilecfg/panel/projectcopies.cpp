@@ -8,6 +8,7 @@
 
 #include <QDebug>
 #include <QFileInfo>
+#include <QtConcurrentRun>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -45,8 +46,8 @@ QString ProjectCopies::importProjectFiles(const QStringList &files, const QStrin
     QStringList failed;
     for (const QString &file : files) {
         const QFileInfo source(file);
-        // Never true, since `dirPath` ends in a separator: copying a file of the directory onto itself fails, and is
-        // reported.
+        // Never true, since `dirPath` ends in a separator: a file of the directory itself is not skipped; copying it
+        // fails, which is reported.
         if (source.path() == dirPath)
             continue;
         QString reason;
@@ -67,6 +68,22 @@ QString ProjectCopies::report(const std::shared_ptr<TranslatedText> &failure, co
 {
     *failure = text;
     return text();
+}
+
+QFutureWatcher<QString> *ProjectCopies::startSaveAs(const QStringList &files, const QString &destination,
+                                                    bool bDestIsDir, QObject *panel, const Finished &finished)
+{
+    const auto failure = std::make_shared<TranslatedText>();
+    return watch(QtConcurrent::run(&ProjectCopies::saveAsConcurrent, files, destination, bDestIsDir, failure), panel,
+                 [finished, failure] { finished(*failure); });
+}
+
+QFutureWatcher<QString> *ProjectCopies::startImport(const QStringList &files, const QString &dirPath, QObject *panel,
+                                                    const Finished &finished)
+{
+    const auto failure = std::make_shared<TranslatedText>();
+    return watch(QtConcurrent::run(&ProjectCopies::importProjectFiles, files, dirPath, failure), panel,
+                 [finished, failure] { finished(*failure); });
 }
 
 QFutureWatcher<QString> *ProjectCopies::watch(const QFuture<QString> &work, QObject *panel,

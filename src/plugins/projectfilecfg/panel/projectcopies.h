@@ -22,30 +22,39 @@ class ProjectCopies
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
-    // The work. Any thread: uses only its arguments and the disk. Returns an empty string, or the text that tells the
-    // operator what failed, in the current language; `failure` composes the same text again in the language of its
+    // The work. Any thread: uses only its arguments and the disk. Returns an empty string, or on failure the text for
+    // the operator in the current language; `failure` then composes the same text in the language at the time of its
     // call.
 
-    /// Copies `files` into the folder `destination`, or the one file to the path `destination`. Replaces nothing; the
+    /// Copies `files` into the folder `destination`, or a single file to the path `destination`. Replaces nothing; the
     /// text names all files that could not be copied.
     static QString saveAsConcurrent(const QStringList &files, const QString &destination, bool bDestIsDir,
                                     const std::shared_ptr<TranslatedText> &failure);
 
     /// Copies `files` into `dirPath`. Replaces nothing; the text names all files that could not be copied. The first
-    /// one that is no valid package ends the import, and the text names it alone.
+    /// one that is not a valid package ends the import, and the text names only that one.
     static QString importProjectFiles(const QStringList &files, const QString &dirPath,
                                       const std::shared_ptr<TranslatedText> &failure);
 
-    // Its end. User-interface thread.
+    // Its start and end. User-interface thread.
 
-    /// Calls `finished` in the event loop when the work is over, unless `panel` has gone.
-    static QFutureWatcher<QString> *watch(const QFuture<QString> &work, QObject *panel,
-                                          const std::function<void()> &finished);
-    /// False if nobody waits for that work any more; `watcher` may be null. The future cannot tell: it is finished
+    /// Called with the composer of the failure's text, which is empty after a success.
+    using Finished = std::function<void(const TranslatedText &failure)>;
+
+    /// Starts saveAsConcurrent() in the global thread pool. Calls `finished` from the event loop after it has returned,
+    /// unless `panel` was deleted. The caller owns the watcher.
+    static QFutureWatcher<QString> *startSaveAs(const QStringList &files, const QString &destination, bool bDestIsDir,
+                                                QObject *panel, const Finished &finished);
+    /// The same for importProjectFiles().
+    static QFutureWatcher<QString> *startImport(const QStringList &files, const QString &dirPath, QObject *panel,
+                                                const Finished &finished);
+    /// False if the panel was notified of the end, or if there is no watcher. The future cannot tell: it is finished
     /// before the panel is notified.
     static bool isAwaited(const QFutureWatcher<QString> *watcher);
 
 private:
+    static QFutureWatcher<QString> *watch(const QFuture<QString> &work, QObject *panel,
+                                          const std::function<void()> &finished);
     static QString report(const std::shared_ptr<TranslatedText> &failure, const TranslatedText &text);
 };
 

@@ -37,7 +37,7 @@ std::optional<EngineerPacketInfo> ProjectEditing::edit(QWidget *panel, ProjectLi
     EngineerPacketInfo edited = *entry;
     edited.strProjectName = dialog->getProjectName();
     edited.strComment = dialog->getComment();
-    // A crash before the renaming leaves the new name in the record only; the list shows file names.
+    // After a crash before the rename, only the record has the new name; the list shows file names.
     QString reason;
     if (!ZipPackageHandle::setEngineerInfo(edited, &reason)) {
         qDebug().noquote() << "Edit failed:" << reason;

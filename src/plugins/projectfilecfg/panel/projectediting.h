@@ -23,12 +23,12 @@ class ProjectEditing
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
-    /// Has the operator edit the package at `path`, which `projects` lists, writes the package's record, and renames
-    /// its file into `directory`, which ends in a separator. Returns its new record, which the list does not know yet.
+    /// Lets the operator edit the package at `path` in `projects`, writes its record, and renames the file if the name
+    /// changed, into `directory`, which ends in a separator. Returns the new record, which is not in the list yet.
     ///
-    /// None if nothing was changed, or not all: the package is not listed or its record cannot be written, which is not
-    /// shown; the operator cancelled; the panel has gone; or the file could not be renamed, which a box says, and then
-    /// the file's record has the new name and comment already.
+    /// None if the package is not listed, the operator cancels, the panel is deleted meanwhile, or the record cannot be
+    /// written, which is not shown. Also none, after a message box, if the file cannot be renamed; the file's record
+    /// then already has the new name and comment.
     static std::optional<EngineerPacketInfo> edit(QWidget *panel, ProjectList &projects, const QString &path,
                                                   const QString &directory);
 };

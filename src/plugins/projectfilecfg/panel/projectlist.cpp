@@ -75,8 +75,8 @@ bool ProjectList::clear()
 
 bool ProjectList::supersedeScans()
 {
-    const bool scansRunning = m_lastApplied != m_nLastStarted;
-    m_lastApplied = ++m_nLastStarted;
+    const bool scansRunning = m_nLastApplied != m_nLastStarted;
+    m_nLastApplied = ++m_nLastStarted;
     return scansRunning;
 }
 
@@ -117,10 +117,10 @@ bool ProjectList::takeMissedScan()
     return isDue;
 }
 
-/// True with the mutex locked; false when the list is held.
+/// True after locking the mutex; false if the list is held.
 bool ProjectList::lockForScan()
 {
-    // Without a Hold, the mutex is only ever locked briefly.
+    // Without a Hold, the mutex is never locked for long.
     constexpr int shortWhile = 10;
     while (!mutex.tryLock(shortWhile)) {
         if (isHeldAgainstScan())
@@ -129,13 +129,13 @@ bool ProjectList::lockForScan()
     return true;
 }
 
-/// Does nothing if the list is held, or if a scan that started later has replaced it already.
+/// Does nothing if the list is held, or if a scan that started later has already replaced it.
 void ProjectList::replace(const QList<EngineerPacketInfo> &found, quint64 scanNumber)
 {
     if (!lockForScan())
         return;
-    if (scanNumber >= m_lastApplied) {
-        m_lastApplied = scanNumber;
+    if (scanNumber >= m_nLastApplied) {
+        m_nLastApplied = scanNumber;
         listProjects = found;
     }
     mutex.unlock();
@@ -146,13 +146,13 @@ int ProjectList::nextLook(qint64 changed, qint64 now)
     constexpr qint64 second = 1000;
     constexpr qint64 rest = 10 * second;
     const qint64 age = now - changed;
-    // At rest; or far in the future, so that the clocks differ and the time says nothing.
+    // Unchanged for long enough; or far in the future, so the clocks differ and the time means nothing.
     if (age >= rest || age <= -rest)
         return -1;
     return int(age < second ? second - age : second);
 }
 
-/// An empty reason says that the file is listed; any later one is logged again.
+/// An empty reason means that the file is listed, so that any later one is logged again.
 void ProjectList::logOnce(const QString &path, const QString &reason)
 {
     {
@@ -187,7 +187,7 @@ int ProjectList::scanProjectFiles(const QString &dirPath, quint64 scanNumber)
     int next = -1;
     QList<EngineerPacketInfo> found;
     for (const QFileInfo &entry : ProjectListing::packagesIn(dirPath)) {
-        // The undo record of a link's target is beside the target.
+        // If the target of a link has an undo record, that is beside the target.
         if (entry.isSymLink())
             InPlaceFile::recoverFile(entry.filePath());
         EngineerPacketInfo info = known.value(entry.filePath());

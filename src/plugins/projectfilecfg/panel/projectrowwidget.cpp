@@ -86,7 +86,7 @@ void ProjectRowWidget::setProjectName(const QString &name)
 {
     for (QToolButton *button : buttons()) {
         const QString accessibleName = QStringLiteral("%1, %2").arg(button->text(), name);
-        // Each call notifies screen readers, even if the name stays the same.
+        // Each call notifies screen readers, even if the name does not change.
         if (button->accessibleName() != accessibleName)
             button->setAccessibleName(accessibleName);
     }
@@ -112,7 +112,7 @@ void ProjectRowWidget::focusButton(int index) const
 
 bool ProjectRowWidget::eventFilter(QObject *watched, QEvent *event)
 {
-    // Returning from another window does not scroll the list.
+    // Activating the window must not scroll the list.
     if (event->type() == QEvent::FocusIn && static_cast<QFocusEvent *>(event)->reason() != Qt::ActiveWindowFocusReason)
         emit signal_buttonFocused();
     if (event->type() == QEvent::KeyPress && leadsToAnotherRow(*static_cast<QKeyEvent *>(event))) {

@@ -12,7 +12,7 @@ class QToolButton;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The buttons of one row of the project table. Each has the row's package in its property "FilePath".
+/// The buttons of one row of the project table. The property "FilePath" of each is the path of the row's package.
 class ProjectRowWidget : public QWidget
 {
     Q_OBJECT
@@ -44,13 +44,13 @@ public:
     QString filePath() const { return m_strFilePath; }
     void setFilePath(const QString &path);
     void setTexts(const Texts &texts);
-    /// Names the buttons after their project, for screen readers. Call after setTexts().
+    /// Gives the buttons accessible names with the project's name. Call after setTexts().
     void setProjectName(const QString &name);
 
     /// Puts the buttons after `widget` in the tab order, from left to right.
     void followInTabOrder(QWidget *widget) const;
 
-    /// Index, from the left, of the button that has its window's focus; -1 if none has.
+    /// Index, from the left, of the button that has the focus in its window; -1 if none has.
     int focusedButton() const;
     void focusButton(int index) const;
 
@@ -60,7 +60,7 @@ public:
     QToolButton *deleteButton() const { return m_pDeleteBtn; }
 
 signals:
-    /// One of the buttons got the focus, but not because its window became the active one.
+    /// One of the buttons got the focus, but not because its window became active.
     void signal_buttonFocused();
     /// Qt::Key_Up, Qt::Key_Down, Qt::Key_Home or Qt::Key_End was pressed on one of the buttons.
     void signal_rowLeft(int key);

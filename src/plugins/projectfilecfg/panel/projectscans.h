@@ -20,12 +20,13 @@ class ProjectList;
 class ProjectScans
 {
 public:
-    /// `panel` must outlive this object. Calls `finished` in the event loop after each scan, unless it has gone.
+    /// `panel` must outlive this object. Calls `finished` from the event loop after each scan, unless `panel` was
+    /// deleted.
     ProjectScans(const std::shared_ptr<ProjectList> &projects, const QString &directory, QObject *panel,
                  const std::function<void()> &finished);
 
-    /// Starts one more scan, unless the list is held. Another one follows by itself where a file may yet become a
-    /// package, since the directory's watcher tells of new files, not of those that grow.
+    /// Starts a scan, unless the list is held. Starts another one later if a file may still become a package, since the
+    /// directory's watcher reports new files, but not growing ones.
     void start();
 
 private:

@@ -37,7 +37,7 @@ QString readableSize(qint64 bytes)
                             : QStringLiteral("%1 MiB").arg(QLocale().toString(bytes / mebibyte, 'f', 1));
 }
 
-/// Its tool tip shows the whole text, and what the file is at that moment.
+/// Its tool tip shows the whole text, and the current path, size and time of the file.
 class FileItem : public QTableWidgetItem
 {
 public:
@@ -71,7 +71,7 @@ void scrollToButtons(QTableWidget *table, const QWidget *buttons)
     table->scrollTo(table->model()->index(row, operationsColumn));
 }
 
-/// Where Up, Down, Home and End lead.
+/// Moves the focus for Up, Down, Home and End.
 void leaveRow(const QTableWidget *table, const ProjectRowWidget *buttons, int key)
 {
     const int row = cellWidgetRow(table, buttons, operationsColumn);
@@ -81,8 +81,8 @@ void leaveRow(const QTableWidget *table, const ProjectRowWidget *buttons, int ke
     static_cast<ProjectRowWidget *>(there)->focusButton(buttons->focusedButton());
 }
 
-/// Gives the comment room for its header, and for one that a save proposes, at least; a narrower table scrolls
-/// sideways.
+/// Keeps the column wide enough for its header and for the comment that a save proposes; a narrower table scrolls
+/// horizontally.
 void keepCommentReadable(QTableWidget *table)
 {
     QT_WARNING_PUSH
@@ -92,7 +92,7 @@ void keepCommentReadable(QTableWidget *table)
     QHeaderView *header = table->horizontalHeader();
     const int least = qMax(shortComment, header->sectionSizeHint(commentColumn));
     header->setMinimumSectionSize(least);
-    // A header without room to stretch its section leaves it as it was before.
+    // Without room to stretch the section, a header does not resize it.
     if (header->width() < table->columnWidth(fileColumn) + least + table->columnWidth(operationsColumn))
         table->setColumnWidth(commentColumn, least);
 }
@@ -145,7 +145,7 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
     for (const EngineerPacketInfo &info : projects) {
         while (row < m_pTable->rowCount() && rowWidget(row) && !pending.contains(rowWidget(row)->filePath()))
             m_pTable->removeRow(row);
-        // All further rows are new. Adds them at once, since the view visits all rows for each insertion.
+        // All further rows are new. Adds them together, since the view visits all rows for each insertion.
         if (row == m_pTable->rowCount())
             m_pTable->setRowCount(projects.size());
         else if (rowWidget(row) && rowWidget(row)->filePath() != info.strFilePath)
@@ -164,7 +164,7 @@ void ProjectTable::show(const QList<EngineerPacketInfo> &projects)
         restore(before);
 }
 
-/// The column is wide enough for the texts as they stand in the sources. Gives it as much more as longer ones need.
+/// The column is wide enough for the untranslated texts. Widens it by what longer translations need.
 void ProjectTable::fitOperations(const ProjectRowWidget::Texts &texts)
 {
     if (m_pTable->rowCount() == 0)
@@ -182,13 +182,14 @@ void ProjectTable::fitOperations(const ProjectRowWidget::Texts &texts)
     m_pTable->setColumnWidth(operationsColumn, width);
 }
 
-/// New widgets join the end of the focus chain: moves the rows' buttons to the table's place in it.
+/// New widgets are at the end of the focus chain. Moves the rows' buttons to the table's position in it.
 void ProjectTable::orderTabs()
 {
     QWidget *before = m_pTable->previousInFocusChain();
     while (before != m_pTable && (before->focusPolicy() == Qt::NoFocus || m_pTable->isAncestorOf(before)))
         before = before->previousInFocusChain();
-    // From the last row up: top down, each move would step over the containers of all rows above, which take no focus.
+    // From the last row up: in the other direction, each move would pass the containers of all rows above, which take
+    // no focus.
     for (int row = m_pTable->rowCount() - 1; row >= 0; --row)
         rowWidget(row)->followInTabOrder(before);
 }

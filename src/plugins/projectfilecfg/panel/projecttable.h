@@ -17,7 +17,7 @@ class QTableWidget;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The contents of the project table: one row per package, with its file, its comment and its buttons.
+/// The contents of the project table: one row per package, with file name, comment and buttons.
 class ProjectTable
 {
     // The panel's translation context.
@@ -29,16 +29,16 @@ public:
     /// Sets up `table`, which must outlive this object. Calls `connectRow` once for the buttons of each new row.
     ProjectTable(QTableWidget *table, const ConnectRow &connectRow);
 
-    /// The texts of the header and the table's name. Those of the rows follow with the next show().
+    /// Sets the texts of the header and the table's accessible name. Those of the rows are set by the next show().
     void retranslate();
-    /// Shows the packages in their order. Changes only rows that differ, since creating a row takes far longer than
-    /// comparing it. The focus stays with its package; if that is no longer listed, the first button of the row in its
-    /// place gets it.
+    /// Shows the packages in this order. Changes only rows that differ, since creating a row takes far longer than
+    /// comparing it. The focus stays on its package; if that is no longer listed, the first button of the row in its
+    /// place gets the focus.
     void show(const QList<EngineerPacketInfo> &projects);
     void clear();
 
 private:
-    /// Where the focus is in the table.
+    /// The position of the focus in the table.
     struct Focus
     {
         int nRow = -1;

@@ -8,8 +8,8 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Deletes, in the event loop, an object that nobody else owns, and sets the pointer to null. `panel` gets no more
-/// signals from it. Does nothing if the pointer is null.
+/// Deletes, from the event loop, an object that nobody else owns, and sets the pointer to null. `panel` receives no
+/// more signals from it. Does nothing if the pointer is null.
 template<typename T>
 void release(T *&object, QObject *panel)
 {
@@ -33,7 +33,7 @@ void releaseJob(Job *&job, QObject *panel)
     job = nullptr;
 }
 
-/// The same for a job that may run and is to end early.
+/// The same for a job that may be running and must end early.
 template<typename Job>
 void abandonJob(Job *&job, QObject *panel)
 {

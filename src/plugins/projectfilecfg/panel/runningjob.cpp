@@ -3,7 +3,6 @@
 
 #include "runningjob.h"
 
-#include "devicelookup.h"
 #include "deviceoperations.h"
 #include "engineerdocbackup.h"
 #include "engineerdocload.h"
@@ -25,7 +24,7 @@ namespace RunningJob {
 
 namespace {
 
-/// Jobs announced so far in this process: tells whether a job that ends late is still the latest.
+/// Number of jobs announced so far in this process, to find out whether a job that ends late is still the latest.
 int s_announcedJobs = 0;
 
 bool hasSavedPackage(const EngineerDocBackup &backup)
@@ -37,7 +36,7 @@ bool hasSavedPackage(const EngineerDocBackup &backup)
 
 void announce(ICore::OperatorDeviceType type)
 {
-    if (type != ICore::OperatorNone)
+    if (type != HostNumbers::operatorNone)
         ++s_announcedJobs;
     callHost("setOperatorType", [type] { ICore::setOperatorType(type, QString()); });
 }
@@ -66,9 +65,15 @@ void endAfterPanel(const EngineerDocLoad &load)
 {
     QObject::connect(&load, &QObject::destroyed, qApp, [address = load.deviceIp(), number = s_announcedJobs] {
         if (number == s_announcedJobs)
-            announce(ICore::OperatorNone);
-        DeviceOperations::freeChannel(findDeviceByAddress(address));
+            announce(HostNumbers::operatorNone);
+        DeviceOperations::freeChannel(DeviceOperations::find(address));
     });
+}
+
+void freeChannelOfLoad(const EngineerDocLoad *load, const QString &selectedAddress)
+{
+    if (load && load->deviceIp() != selectedAddress)
+        DeviceOperations::freeChannel(DeviceOperations::find(load->deviceIp()));
 }
 
 } // namespace RunningJob

@@ -3,7 +3,7 @@
 
 #include "translatedbox.h"
 
-#include <widgets/framelessmessagebox.h>
+#include <host/dialogs.h>
 
 #include <QVariant>
 
@@ -19,10 +19,10 @@ QList<FramelessMessageBox *> boxesOf(const QWidget *parent)
     return parent->findChildren<FramelessMessageBox *>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-/// Keeps the texts of the box that its parent opens next in the current language.
+/// Keeps the texts of the next box of `parent` in the current language.
 ///
-/// The host opens a box and returns its answer in one call, so the box is found among the parent's children. A box
-/// writes its text anew when its property "text" is set, like QMessageBox.
+/// The host opens a box and returns its answer in one call, so the box is looked up among the parent's children. Like
+/// QMessageBox, a box updates its text when its property "text" is set.
 class Texts
 {
 public:
@@ -33,7 +33,7 @@ public:
                     continue;
                 box->setWindowTitle(title());
                 box->setProperty("text", text());
-                // One that was opened behind it has texts of its own.
+                // Any further box is another caller's.
                 return;
             }
         })

@@ -11,7 +11,7 @@ namespace ProjectFileCfg {
 namespace Internal {
 
 /// The host's message boxes, whose title and text follow a change of the language while the box is open. User-interface
-/// thread; each runs modally, and `parent` may have gone when it returns.
+/// thread. Each function runs a modal box, and `parent` may have been deleted when it returns.
 namespace TranslatedBox {
 
 void information(QWidget *parent, const TranslatedText &title, const TranslatedText &text);

@@ -12,10 +12,12 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// A text for the operator, composed anew at each call, in the language of that moment. Empty, not callable, for none.
+/// Composes a text for the operator in the language at the time of the call. Empty, and so not callable, if there is
+/// none.
 using TranslatedText = std::function<QString()>;
 
-/// Calls `refresh` whenever the language changes, as long as this object and `widget` live. User-interface thread.
+/// Calls `refresh` whenever the language changes, during the lifetime of this object and of `widget`. User-interface
+/// thread.
 class LanguageFollower : public QObject
 {
 public:

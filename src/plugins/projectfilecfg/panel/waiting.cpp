@@ -3,8 +3,6 @@
 
 #include "waiting.h"
 
-#include <widgets/waitingdialog.h>
-
 using Corvel::Widgets::WaitingDialog;
 
 namespace ProjectFileCfg {
@@ -24,7 +22,7 @@ void Waiting::show(const TranslatedText &text)
 
 void Waiting::showProgress(const QString &text)
 {
-    WaitingDialog::instance()->showWaitingDialog(text, WaitingDialog::LevelNormal);
+    WaitingDialog::instance()->showWaitingDialog(text, HostNumbers::tooltipLevelNormal);
 }
 
 void Waiting::offerCancel()

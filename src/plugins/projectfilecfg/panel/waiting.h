@@ -3,7 +3,10 @@
 
 #pragma once
 
+#include "setconnected.h"
 #include "translatedtext.h"
+
+#include <host/dialogs.h>
 
 #include <QCoreApplication>
 
@@ -17,22 +20,29 @@ class Waiting
     Q_DECLARE_TR_FUNCTIONS(ProjectFileCfg::Internal::EngineerDocOperWidget)
 
 public:
-    /// Shows the dialog, or changes its text. Its cancel button stays as it is.
+    /// Shows the dialog, or changes its text. Does not change the cancel button.
     static void show(const TranslatedText &text);
-    /// Changes its text to a job's progress, which is in the language of the moment when the job reported it.
+    /// Changes the text to a job's progress, which stays in the language in which the job reported it.
     static void showProgress(const QString &text);
     /// Shows the dialog's cancel button, with its translated text.
     static void offerCancel();
+    /// Connects a click on that button to `slot`, or disconnects it.
+    template<typename Receiver>
+    static void connectCancel(bool bConnect, Receiver *receiver, void (Receiver::*slot)())
+    {
+        using Corvel::Widgets::WaitingDialog;
+        setConnected(bConnect, WaitingDialog::instance(), &WaitingDialog::signal_canelLoad, receiver, slot);
+    }
     static void hide();
 
-    /// Shows its text again, and that of its button, in the current language. In place of progress it shows the text
-    /// before, until the job reports the next one.
+    /// Shows the texts of the dialog and its button in the current language. Progress is replaced with the text before
+    /// it, until the job reports the next.
     static void retranslate();
 
 private:
     struct Texts
     {
-        /// None while the dialog is not shown.
+        /// Empty while the dialog is hidden.
         TranslatedText shown;
         bool bCancelNamed = false;
     };

@@ -25,8 +25,8 @@ namespace {
 
 QByteArray digestOf(const QImage &picture, const QByteArray &secret)
 {
-    // One encoded pixel has everything that the encoder adds: resolution, texts, colour table, colour space. Only the
-    // offset is missing, since copying a part drops it.
+    // The file of one pixel contains everything that the encoder adds: resolution, texts, colour table, colour space.
+    // Only the offset is missing, since QImage::copy() drops it.
     const QByteArray additions = EncodedPictures::encodePng(picture.copy(0, 0, 1, 1));
     QByteArray facts;
     QDataStream(&facts, QIODevice::WriteOnly)
@@ -59,7 +59,7 @@ QByteArray EncodedPictures::png(const QImage &picture)
         if (const QByteArray *known = m_pictures.object(digest))
             return *known;
     }
-    // Not under the lock: encoding is slow, and several threads do it at once.
+    // Without the lock: encoding is slow, and several threads do it at once.
     QByteArray bytes = m_encoder(picture);
     const QMutexLocker locker(&m_mutex);
     ++m_nEncoded;

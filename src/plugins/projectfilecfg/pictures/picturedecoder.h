@@ -16,20 +16,20 @@ class QIODevice;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Decodes pictures on threads of its own. Use it only on the thread that created it.
+/// Decodes pictures on its own threads. Use it only on the thread that created it.
 class PictureDecoder
 {
 public:
-    /// `threads`: how many pictures are decoded at once.
+    /// Decodes at most `threads` pictures at once.
     explicit PictureDecoder(int threads);
     /// Waits for the pictures that are being decoded.
     ~PictureDecoder();
 
-    /// Starts decoding the PNG file in `content`; take() returns it by `name`. A file that states another size is not
-    /// decoded. The decoder alone uses `content` from now on.
+    /// Starts decoding the PNG file in `content`; take() returns the picture by `name`. A file whose header states
+    /// another size is not decoded. From now on, only the decoder may use `content`.
     void begin(const QString &name, const std::shared_ptr<QIODevice> &content, const QSize &size);
-    /// Waits for the picture and removes it. Null if it was not started or could not be decoded; `reason` (see
-    /// reason.h) is set in the latter case.
+    /// Waits for the picture, returns it and forgets it. Null if begin() was not called for it, or if it could not be
+    /// decoded, which sets `reason` (see reason.h).
     QImage take(const QString &name, QString *reason = nullptr);
 
 private:

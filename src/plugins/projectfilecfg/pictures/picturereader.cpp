@@ -25,8 +25,8 @@ PictureScan PictureReader::scanOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? scanOf(file) : PictureScan();
 }
 
-// No auto-detection in either: PictureScan knows the limits of PNG only, and a decoder of another format would bypass
-// them.
+// No auto-detection in either reader: PictureScan checks PNG files only, and a decoder of another format would bypass
+// its limits.
 PictureReader::PictureReader(const QString &path)
     : m_reader(path, "png")
     , m_scan(scanOf(path))
@@ -53,6 +53,13 @@ QSize PictureReader::size(QString *reason) const
     else
         failBecause(reason, QStringLiteral("its header is damaged"));
     return QSize();
+}
+
+void PictureReader::fitInto(const QSize &bounds)
+{
+    const QSize stated = size();
+    if (!stated.isEmpty())
+        m_reader.setScaledSize(stated.boundedTo(stated.scaled(bounds, Qt::KeepAspectRatio).expandedTo(QSize(1, 1))));
 }
 
 QImage PictureReader::read(QString *reason)

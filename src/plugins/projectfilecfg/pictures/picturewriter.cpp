@@ -47,7 +47,7 @@ bool PictureWriter::hasRoomFor(qint64 pixelBytes) const
            (m_listPending.size() <= m_pool.maxThreadCount() && m_nPixelBytes + pixelBytes <= m_nBudget);
 }
 
-/// Waits until a pending picture is written, and takes it off the list.
+/// Waits until a pending picture is written, and removes it from the list.
 void PictureWriter::take(int index)
 {
     const Pending pending = m_listPending.takeAt(index);

@@ -18,28 +18,28 @@ namespace Internal {
 
 class EncodedPictures;
 
-/// Writes pictures as PNG files on threads of its own, one per core, while its owner fetches the next ones. Use it only
-/// on the thread that created it.
+/// Writes pictures as PNG files on its own threads, one per core, while its owner fetches the next ones. Use it only on
+/// the thread that created it.
 class PictureWriter
 {
 public:
-    /// Bytes of pixels that may be pending, whatever the number of pictures: two of 8K.
+    /// Bytes of pixels that may be pending, whatever the number of pictures: enough for two 8K pictures.
     static constexpr qint64 defaultBudget = 256LL * 1024 * 1024;
 
-    /// `encoded` encodes the pictures, or returns them from its cache. `budget` in bytes of pixels.
+    /// `encoded` encodes the pictures, or returns them from its cache. `budget` is in bytes of pixels.
     explicit PictureWriter(const std::shared_ptr<EncodedPictures> &encoded, qint64 budget = defaultBudget,
                            int threads = QThread::idealThreadCount());
     /// Waits for the pictures that are being written, and drops those that have not started.
     ~PictureWriter();
 
     /// Queues the picture to be written to `path`. Blocks while threads + 1 pictures are pending or the budget would be
-    /// exceeded. Together with the one that its owner fetches, there are at most threads + 2 in memory, and without
-    /// that one at most `budget` bytes; a picture that is larger than the budget is written alone. Of two pictures for
-    /// one path the later one stays. A picture that cannot be encoded, or whose file cannot be opened, is logged and
-    /// left out. An exception from the encoder is rethrown here or in waitForDone().
+    /// exceeded. So, including the one that the owner is fetching, at most threads + 2 pictures are in memory, and
+    /// without that one at most `budget` bytes; a picture that is larger than the budget is written alone. If two
+    /// pictures have the same path, the later one remains. A picture that cannot be encoded, or whose file cannot be
+    /// opened, is logged and left out. An exception from the encoder is rethrown here or in waitForDone().
     void write(QImage picture, const QString &path);
 
-    /// True if pictures are pending since the last waitForDone().
+    /// True if pictures are pending.
     bool hasPictures() const { return !m_listPending.isEmpty(); }
 
     /// Waits until everything is written. False if a picture's file is incomplete: the staged files must not be packed
@@ -74,7 +74,7 @@ private:
     const std::shared_ptr<EncodedPictures> m_pEncoded;
     const qint64 m_nBudget;
     qint64 m_nPixelBytes = 0;
-    /// Why the first incomplete file is incomplete; empty if there is none.
+    /// The reason of the first incomplete file; empty if there is none.
     QString m_strCutReason;
     QHash<QString, qint64> m_written;
     QThreadPool m_pool;

@@ -8,8 +8,8 @@ class QImage;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// The gallery's thumbnail of a picture: up to 65,536 pixels the picture itself; below 262,144 a tenth of its width and
-/// of its height; from there on at most 262,144 pixels, in the picture's proportions. Null for a null picture.
+/// The gallery's thumbnail of a picture. Up to 65,536 pixels: the picture itself. Below 262,144 pixels: a tenth of its
+/// width and height. Otherwise: at most 262,144 pixels, in the picture's proportions. Null for a null picture.
 QImage thumbnailOf(const QImage &picture);
 
 } // namespace Internal

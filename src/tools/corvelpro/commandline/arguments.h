@@ -9,7 +9,7 @@
 
 namespace Corvelpro {
 
-/// What the user gave to a command: values by the names that the command's table row declares ("FILE", "--ignore").
+/// The arguments of a command: values by the names in the command's table row ("FILE", "--ignore").
 class Arguments
 {
 public:

@@ -8,8 +8,8 @@
 
 namespace Corvelpro {
 
-/// A line for each row, with the columns one below the other on a terminal, where an East Asian character takes two
-/// places. The last column is not padded. Control characters are escaped already, since they take more places then.
+/// One line per row, with aligned columns on a terminal, where an East Asian character is two cells wide. The last
+/// column is not padded. Control characters must already be escaped, since that changes their width.
 QStringList inColumns(const QVector<QStringList> &rows);
 
 } // namespace Corvelpro

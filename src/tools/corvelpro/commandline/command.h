@@ -10,17 +10,17 @@ namespace Corvelpro {
 class Arguments;
 class Output;
 
-/// What the process ends with. A script can rely on it.
+/// The exit code of the process. Scripts rely on it.
 enum class ExitCode {
     /// Yes: valid, equal, done.
     Yes = 0,
-    /// No: not valid, different, not done.
+    /// No: not valid, different, refused.
     No = 1,
-    /// It could not be told: wrong usage, a file that cannot be read, no room for the result.
+    /// No answer: wrong usage, a file that cannot be read, no room for the result.
     Unknown = 2
 };
 
-/// An argument without a name of its own on the command line.
+/// An argument without an option's name on the command line.
 struct Positional
 {
     enum class Count { One, Optional, OneOrMore };
@@ -30,7 +30,7 @@ struct Positional
     Count count = Count::One;
 };
 
-/// "--json" and "--quiet" belong to every command and stand in no row.
+/// "--json" and "--quiet" belong to every command and are in no row.
 struct Option
 {
     const char *name;            ///< "--ignore"
@@ -39,13 +39,14 @@ struct Option
     bool isRepeatable = false;
 };
 
-/// A command as a row of a table: parsing, help, manual page and completions are all made from it. Texts are English.
+/// A command, as a row of a table from which the parser, the help, the manual page and the completions are made. Texts
+/// are English.
 struct Command
 {
     const char *name;
     /// One line without a full stop, for the list of commands.
     const char *summary;
-    /// What else its manual page says: paragraphs separated by an empty line.
+    /// The rest of its manual page: paragraphs separated by an empty line.
     const char *description;
     QVector<Positional> positionals;
     QVector<Option> options;

@@ -5,6 +5,9 @@
 
 #include "output.h"
 
+#include "plainfile.h"
+
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonObject>
 
@@ -35,17 +38,23 @@ ExitCode finish(Output &output, const Outcome &outcome, const QString &line, QJs
     return outcome.code;
 }
 
-QString whyNoPlainFile(const QString &path)
+QString whyUnreadable(const QString &path)
 {
-    const QFileInfo file(path);
-    if (file.isFile())
+    const QFileInfo found(path);
+    if (!found.exists())
+        return QStringLiteral("no such file");
+    if (!found.isFile())
+        return QStringLiteral("not a plain file");
+    QFile file(path);
+    QString reason;
+    if (ProjectFileCfg::Internal::openPlainFile(file, true, &reason))
         return QString();
-    return file.exists() ? QStringLiteral("not a plain file") : QStringLiteral("no such file");
+    return QStringLiteral("it cannot be opened: %1").arg(reason.mid(reason.lastIndexOf(path) + path.size() + 2));
 }
 
 Outcome wantPlainFile(const QString &path)
 {
-    const QString reason = whyNoPlainFile(path);
+    const QString reason = whyUnreadable(path);
     return reason.isEmpty() ? Outcome() : Outcome::failed(QStringLiteral("%1: %2").arg(path, reason));
 }
 

@@ -3,9 +3,10 @@
 
 #include "output.h"
 
+#include "jsontext.h"
+#include "messagestream.h"
 #include "progress.h"
 
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -49,7 +50,7 @@ void Output::line(const QString &text)
 void Output::json(const QJsonObject &result)
 {
     if (m_form == Form::Json)
-        write(QJsonDocument(result).toJson());
+        write(jsonDocument(result));
 }
 
 void Output::message(const QString &text)
@@ -57,20 +58,19 @@ void Output::message(const QString &text)
     if (m_progress)
         m_progress->hide();
     const QByteArray line = "corvelpro: " + printable(text).toUtf8() + '\n';
-    std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
+    std::fwrite(line.constData(), 1, size_t(line.size()), messageStream());
 }
 
 bool Output::flush()
 {
-    m_isBroken = std::fflush(stdout) != 0 || m_isBroken;
-    return !m_isBroken;
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }
 
 void Output::write(const QByteArray &text)
 {
     if (m_progress)
         m_progress->hide();
-    m_isBroken = std::fwrite(text.constData(), 1, size_t(text.size()), stdout) != size_t(text.size()) || m_isBroken;
+    std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
 }
 
 QString printable(const QString &text)

@@ -34,10 +34,10 @@ public:
     /// The whole result, as JSON only. Call it once.
     void json(const QJsonObject &result);
 
-    /// What prevents or disturbs the operation, on stderr in every form: "corvelpro: TEXT".
+    /// An error or warning, on stderr in every form: "corvelpro: TEXT".
     void message(const QString &text);
 
-    /// True if everything printed so far has reached stdout: false if the reader of a pipe has gone, or the disk of a
+    /// True if everything printed so far has reached stdout; false if the reader of a pipe has exited, or the disk of a
     /// redirection is full.
     bool flush();
 
@@ -49,7 +49,6 @@ private:
     const Form m_form;
     /// The bar to hide while something is printed; null if there is none.
     Progress *m_progress = nullptr;
-    bool m_isBroken = false;
 };
 
 /// `text` with its control characters as "\n", "\t" or "\u001b", and each backslash doubled if there are any.

@@ -3,6 +3,7 @@
 
 #include "progress.h"
 
+#include "messagestream.h"
 #include "output.h"
 
 #include <QByteArray>
@@ -31,8 +32,8 @@ bool isTerminal(FILE *stream)
 
 void show(const QByteArray &text)
 {
-    std::fwrite(text.constData(), 1, size_t(text.size()), stderr);
-    std::fflush(stderr);
+    std::fwrite(text.constData(), 1, size_t(text.size()), messageStream());
+    std::fflush(messageStream());
 }
 
 } // namespace
@@ -40,7 +41,7 @@ void show(const QByteArray &text)
 Progress::Progress(Output &output, qint64 total)
     : m_output(output)
     , m_total(total)
-    , m_isShown(total > 0 && output.form() != Output::Form::Quiet && isTerminal(stderr))
+    , m_isShown(total > 0 && output.form() != Output::Form::Quiet && isTerminal(messageStream()))
 {
     m_output.setProgress(this);
 }

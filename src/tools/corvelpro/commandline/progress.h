@@ -9,20 +9,21 @@ namespace Corvelpro {
 
 class Output;
 
-/// A progress bar on stderr while it lives. Shown only if stderr is a terminal and the form is not Output::Form::Quiet.
-/// What `output` prints meanwhile appears above it. Main thread.
+/// A progress bar on stderr during the lifetime of this object. Shown only if stderr is a terminal and the form is not
+/// Output::Form::Quiet. What `output` prints meanwhile appears above it. Main thread.
 class Progress
 {
 public:
-    /// `total`: bytes of the whole operation. There is at most one for an output at a time, and it goes before it.
+    /// `total` is the number of bytes of the whole operation. An output has at most one bar at a time, and must outlive
+    /// it.
     Progress(Output &output, qint64 total);
     /// Removes the bar.
     ~Progress();
 
-    /// That many more bytes are done. More than the total are no harm.
+    /// Reports that many more bytes as done. More than the total do no harm.
     void advance(qint64 bytes);
 
-    /// Takes the bar away until the next advance().
+    /// Hides the bar until the next advance().
     void hide();
 
 private:
@@ -32,7 +33,7 @@ private:
     const qint64 m_total;
     const bool m_isShown;
     qint64 m_done = 0;
-    /// What the bar says; -1 if it is hidden.
+    /// The percentage shown by the bar; -1 if it is hidden.
     int m_percent = -1;
 };
 

@@ -41,7 +41,7 @@ struct Verdict
 
 Verdict verdictOn(const QString &file)
 {
-    Verdict verdict{file, ExitCode::Yes, whyNoPlainFile(file)};
+    Verdict verdict{file, ExitCode::Yes, whyUnreadable(file)};
     if (!verdict.reason.isEmpty())
         verdict.code = ExitCode::Unknown;
     else if (!ZipPackageHandle::isValidEngineerPacket(file, &verdict.reason))

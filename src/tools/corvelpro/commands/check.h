@@ -7,7 +7,7 @@
 
 namespace Corvelpro {
 
-/// Tells whether the panel would list the files: a record whose checksum is the package's, nothing else.
+/// Tells whether the panel would list the files. Only compares the record's checksum with the package.
 ExitCode runCheck(const Arguments &arguments, Output &output);
 
 } // namespace Corvelpro

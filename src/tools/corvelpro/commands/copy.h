@@ -7,7 +7,7 @@
 
 namespace Corvelpro {
 
-/// Copies packages into a directory, and proves each copy by reading it back.
+/// Copies packages into a directory, and verifies each copy by reading it back.
 ExitCode runCopy(const Arguments &arguments, Output &output);
 
 } // namespace Corvelpro

@@ -7,7 +7,7 @@
 
 namespace Corvelpro {
 
-/// Prints which files of a folder the panel leaves out, or misleads about, and what to do.
+/// Prints which files of a folder the panel does not list, or lists under a misleading name, and what to do.
 ExitCode runDoctor(const Arguments &arguments, Output &output);
 
 } // namespace Corvelpro

@@ -7,7 +7,7 @@
 
 namespace Corvelpro {
 
-/// Prints what a package says about itself and contains.
+/// Prints the record and the content of a package.
 ExitCode runInfo(const Arguments &arguments, Output &output);
 
 } // namespace Corvelpro

@@ -33,6 +33,15 @@ QStringList columnsOf(const ProjectRow &row)
             printable(firstLine(row.comment))};
 }
 
+void print(const QVector<ProjectRow> &rows, Output &output)
+{
+    QVector<QStringList> table;
+    for (const ProjectRow &row : rows)
+        table.append(columnsOf(row));
+    for (const QString &line : inColumns(table))
+        output.line(line);
+}
+
 QJsonObject jsonOf(const ProjectRow &row)
 {
     return {
@@ -45,6 +54,14 @@ QJsonObject jsonOf(const ProjectRow &row)
         {QStringLiteral("presets"), row.presets}};
 }
 
+QJsonArray jsonOf(const QVector<ProjectRow> &rows)
+{
+    QJsonArray projects;
+    for (const ProjectRow &row : rows)
+        projects.append(jsonOf(row));
+    return projects;
+}
+
 } // namespace
 
 ExitCode runList(const Arguments &arguments, Output &output)
@@ -52,15 +69,11 @@ ExitCode runList(const Arguments &arguments, Output &output)
     const std::optional<QString> directory = directoryArgument(arguments, output);
     if (!directory)
         return ExitCode::Unknown;
-    QVector<QStringList> table;
-    QJsonArray projects;
-    for (const ProjectRow &row : projectRows(*directory)) {
-        table.append(columnsOf(row));
-        projects.append(jsonOf(row));
-    }
-    for (const QString &line : inColumns(table))
-        output.line(line);
-    output.json({{QStringLiteral("directory"), *directory}, {QStringLiteral("projects"), projects}});
+    const QVector<ProjectRow> rows = projectRows(*directory);
+    if (output.form() == Output::Form::Text)
+        print(rows, output);
+    else if (output.form() == Output::Form::Json)
+        output.json({{QStringLiteral("directory"), *directory}, {QStringLiteral("projects"), jsonOf(rows)}});
     return ExitCode::Yes;
 }
 

@@ -7,7 +7,7 @@
 
 namespace Corvelpro {
 
-/// Prints what the panel lists for a folder.
+/// Prints the projects that the panel lists for a folder.
 ExitCode runList(const Arguments &arguments, Output &output);
 
 } // namespace Corvelpro

@@ -10,9 +10,7 @@ namespace Corvelpro {
 
 ByteComparison::ByteComparison(QIODevice &before)
     : m_before(before)
-{
-    open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-}
+{}
 
 ByteDifference ByteComparison::difference() const
 {

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <QIODevice>
+#include "content/writeonlydevice.h"
 
 namespace Corvelpro {
 
@@ -22,17 +22,16 @@ struct ByteDifference
 };
 
 /// Compares what is written to it with another content, as it comes.
-class ByteComparison : public QIODevice
+class ByteComparison : public WriteOnlyDevice
 {
 public:
-    /// `before`: readable, at its beginning, and not used elsewhere meanwhile. Opens itself, for writing only.
+    /// `before`: readable, at its beginning, and not used elsewhere meanwhile.
     explicit ByteComparison(QIODevice &before);
 
     /// What differs if nothing more is written.
     ByteDifference difference() const;
 
 protected:
-    qint64 readData(char *, qint64) override { return -1; }
     qint64 writeData(const char *data, qint64 size) override;
 
 private:

@@ -7,12 +7,16 @@
 #include "entrysource.h"
 #include "picturesheet.h"
 
+#include "content/oneachcore.h"
+
 #include "packagelayout.h"
 #include "picturereader.h"
 
 #include <QIODevice>
 
 #include <algorithm>
+#include <atomic>
+#include <vector>
 
 namespace Corvelpro {
 
@@ -102,11 +106,12 @@ void Comparison::run()
 {
     noteRecords();
     compareFolders();
-    std::future<Content> next = beginReading(0);
-    for (int pair = 0; pair < m_pairs.size(); ++pair) {
+    const QVector<Pair> pairs = pairsToRead();
+    std::future<Content> next = beginReading(pairs, 0);
+    for (int i = 0; i < pairs.size(); ++i) {
         const Content before = next.get();
-        next = beginReading(pair + 1);
-        compareFiles(m_pairs.at(pair), before);
+        next = beginReading(pairs, i + 1);
+        compareFiles(pairs.at(i), before);
     }
     std::sort(m_differences.begin(), m_differences.end(),
               [](const EntryDifference &one, const EntryDifference &other) { return one.name < other.name; });
@@ -155,15 +160,43 @@ Comparison::Content Comparison::contentOf(EntrySource &side, const QString &file
     return content;
 }
 
+/// Without those whose packed bytes are equal, so that nothing more is to be found out: most, usually.
+QVector<Comparison::Pair> Comparison::pairsToRead()
+{
+    struct PackedPair
+    {
+        std::optional<PackedFile> before;
+        std::optional<PackedFile> after;
+        bool isEqual = false;
+    };
+    std::vector<PackedPair> packed;
+    for (const Pair &pair : qAsConst(m_pairs))
+        packed.push_back({m_before.packed(pair.before), m_after.packed(pair.after)});
+    std::atomic<qint64> passed{0};
+    const auto compare = [&](int number) {
+        PackedPair &pair = packed[std::size_t(number)];
+        pair.isEqual = pair.before && pair.after && areSoundAndEqual(*pair.before, *pair.after);
+        passed += pair.isEqual ? 2 * qint64(pair.before->header.size) : 0;
+    };
+    onEachCore(m_pairs.size(), compare, [&] { m_options.progress(passed.exchange(0)); });
+
+    QVector<Pair> left;
+    for (int i = 0; i < m_pairs.size(); ++i) {
+        if (!packed[std::size_t(i)].isEqual)
+            left.append(m_pairs.at(i));
+    }
+    return left;
+}
+
 /// Reads the file of the first side while the second side's file of the pair before it is read and compared: each side
 /// is read by one thread at a time.
-std::future<Comparison::Content> Comparison::beginReading(int pair)
+std::future<Comparison::Content> Comparison::beginReading(const QVector<Pair> &pairs, int index)
 {
     // Below that, a thread of its own takes longer.
     constexpr qint64 worthAThread = 256 * 1024;
-    if (pair >= m_pairs.size())
+    if (index >= pairs.size())
         return {};
-    const QString file = m_pairs.at(pair).before;
+    const QString file = pairs.at(index).before;
     return std::async(m_before.size(file) < worthAThread ? std::launch::deferred : std::launch::async,
                       [this, file] { return contentOf(m_before, file); });
 }

@@ -47,7 +47,7 @@ struct EntryDifference
     int omittedMembers = 0;
 };
 
-/// An entry of one side that cannot be read, so that nothing can be said about it.
+/// An entry of one side that cannot be read, and so not be compared.
 struct UnreadableEntry
 {
     QString name;
@@ -55,16 +55,16 @@ struct UnreadableEntry
     QString reason;
 };
 
-/// Compares two sides by what a device would get: descriptions by their members, pictures by their pixels, all else by
-/// bytes. Times, order, compression and the info record do not count.
+/// Compares what a device would get from two sides: descriptions by members, pictures by pixels, all other files by
+/// bytes. Times, order, compression and the info record do not matter.
 class Comparison
 {
 public:
     struct Options
     {
-        /// Values of the description that are left out.
+        /// Values of the description to ignore.
         QVector<DescriptionPath> ignored;
-        /// Gets the changed pictures; may be null.
+        /// Receives the changed pictures; may be null.
         PictureSheet *sheet = nullptr;
         /// Called with numbers of bytes that were read since; totalSize() together.
         std::function<void(qint64 bytes)> progress = [](qint64) {};
@@ -74,15 +74,15 @@ public:
 
     /// Bytes of all files to be read.
     qint64 totalSize() const;
-    /// The memory that it needs does not depend on the sizes of the packages.
+    /// The required memory does not depend on the sizes of the packages.
     void run();
 
     /// After run(), sorted by name.
     const QVector<EntryDifference> &differences() const { return m_differences; }
     const QVector<UnreadableEntry> &unreadable() const { return m_unreadable; }
-    /// What differs but does not count, as sentences.
+    /// Differences that do not count, as sentences.
     const QStringList &notes() const { return m_notes; }
-    /// How many files both sides have.
+    /// The number of files that both sides have.
     int commonFiles() const { return m_pairs.size(); }
 
 private:
@@ -102,7 +102,8 @@ private:
     void noteRecords();
     void compareFolders();
     static Content contentOf(EntrySource &side, const QString &file);
-    std::future<Content> beginReading(int pair);
+    QVector<Pair> pairsToRead();
+    std::future<Content> beginReading(const QVector<Pair> &pairs, int index);
     void compareFiles(const Pair &pair, const Content &before);
     bool isEqualOtherwise(QIODevice &before, QIODevice &after, EntryDifference &difference);
     bool compareDescriptions(QIODevice &before, QIODevice &after, EntryDifference &difference) const;

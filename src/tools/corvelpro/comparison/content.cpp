@@ -5,11 +5,9 @@
 
 #include "entrysource.h"
 
-#include "namelessfile.h"
-#include "reason.h"
+#include "content/scratch.h"
 
-#include <QBuffer>
-#include <QDir>
+#include "reason.h"
 
 namespace Corvelpro {
 
@@ -18,15 +16,7 @@ using namespace ProjectFileCfg::Internal;
 std::unique_ptr<QIODevice> contentOf(EntrySource &source, const QString &file, QString *reason)
 {
     constexpr qint64 maxInMemory = 32 * 1024 * 1024;
-    std::unique_ptr<QIODevice> content;
-    if (source.size(file) < maxInMemory) {
-        auto buffer = std::make_unique<QBuffer>();
-        buffer->buffer().reserve(int(source.size(file)));
-        buffer->open(QIODevice::ReadWrite);
-        content = std::move(buffer);
-    } else {
-        content = openNamelessFile(QDir::tempPath(), reason);
-    }
+    std::unique_ptr<QIODevice> content = openScratch(source.size(file), maxInMemory, reason);
     if (!content || !source.read(file, *content, reason))
         return nullptr;
     if (content->seek(0))

@@ -12,7 +12,7 @@ namespace Corvelpro {
 
 class EntrySource;
 
-/// The content of a file, seekable and at its beginning: in memory, or from 32 MiB on in a file without a name in the
+/// The content of a file, seekable and at its beginning: in memory, or above 32 MiB in a file without a name in the
 /// folder for temporary files. Null if it cannot be read or stored.
 std::unique_ptr<QIODevice> contentOf(EntrySource &source, const QString &file, QString *reason);
 

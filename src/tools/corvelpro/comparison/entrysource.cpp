@@ -4,6 +4,7 @@
 #include "entrysource.h"
 
 #include "packagelayout.h"
+#include "packagelimits.h"
 #include "packagereader.h"
 #include "packagewriter.h"
 #include "plainfile.h"
@@ -42,6 +43,22 @@ public:
     bool read(const QString &file, QIODevice &destination, QString *reason) override
     {
         return m_reader.read(nameThere(file), destination, size(file), reason);
+    }
+
+    std::optional<PackedFile> packed(const QString &file) override
+    {
+        const std::optional<PackageReader::PackedContent> content = m_reader.packedContent(nameThere(file));
+        const bool isPlain =
+            content && (content->nMethod == EntryHeader::stored || content->nMethod == EntryHeader::deflated);
+        if (!isPlain || content->nSize > PackageLimits::maxEntrySize ||
+            content->nPackedSize > PackageLimits::maxArchiveSize)
+            return std::nullopt;
+        PackedFile packed{m_reader.file().handle(), content->nOffset, {}};
+        packed.header.method = content->nMethod;
+        packed.header.crc = content->nCrc;
+        packed.header.packedSize = quint32(content->nPackedSize);
+        packed.header.size = quint32(content->nSize);
+        return packed;
     }
 
     std::optional<Record> record() const override
@@ -89,6 +106,8 @@ public:
         return isRead || failBecause(reason, QStringLiteral("cannot read %1: %2").arg(file, cause));
     }
 
+    std::optional<PackedFile> packed(const QString &) override { return std::nullopt; }
+
     std::optional<Record> record() const override { return std::nullopt; }
 
 private:
@@ -117,6 +136,9 @@ EntrySource::~EntrySource() = default;
 void EntrySource::add(const QString &entryName)
 {
     const QString name = PackageLayout::plainName(entryName);
+    // The directory itself, which both sides have.
+    if (name == QLatin1String("./"))
+        return;
     // An unsafe name cannot be read. It may have thousands of levels, which would need a gigabyte here.
     const bool isSafe = PackageLayout::isSafeName(name);
     for (int end = name.indexOf(QLatin1Char('/')); isSafe && end >= 0; end = name.indexOf(QLatin1Char('/'), end + 1))

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "packedfile.h"
+
 #include <QHash>
 #include <QSet>
 #include <QString>
@@ -42,6 +44,8 @@ public:
     /// Writes its content to `destination`, which is open for writing. False if it is damaged or cannot be read, or has
     /// more bytes than size(); part of it may be written then.
     virtual bool read(const QString &file, QIODevice &destination, QString *reason) = 0;
+    /// Where its content is packed. None in a directory, or if read() would fail before the content.
+    virtual std::optional<PackedFile> packed(const QString &file) = 0;
     /// None if it is a directory, or a package without one.
     virtual std::optional<Record> record() const = 0;
 

@@ -8,9 +8,9 @@
 
 namespace Corvelpro {
 
-/// A picture of changed pictures, one below the other: the old one, the new one, and where they differ, the brighter
-/// the more. A pixel there shows the largest difference of those that it stands for, so that none is lost. It has no
-/// texts, which would need a display.
+/// A picture that shows changed pictures, one per row: the old one, the new one, and their difference, which is
+/// brighter where it is larger. Each pixel there shows the largest difference of those scaled down to it, so that none
+/// is lost. There are no texts, since drawing them would need a display.
 class PictureSheet
 {
 public:

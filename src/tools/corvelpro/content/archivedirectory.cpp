@@ -21,11 +21,16 @@ using namespace ProjectFileCfg::Internal::ZipFormat;
 
 namespace {
 
-/// The position of the end record in the last bytes of a file: the last one whose comment ends with the file, otherwise
-/// the last one; -1 if there is none.
+/// Of the last end record in the last bytes of a file, which the zip library takes; -1 if there is none.
+int findLastEnd(const QByteArray &tail)
+{
+    return tail.lastIndexOf(EndRecord::signature(), tail.size() - endRecordSize);
+}
+
+/// Of the last one whose comment ends with the file, otherwise of the last one; -1 if there is none.
 int findEnd(const QByteArray &tail)
 {
-    const int last = tail.lastIndexOf(EndRecord::signature(), tail.size() - endRecordSize);
+    const int last = findLastEnd(tail);
     for (int at = last; at >= 0; at = at > 0 ? tail.lastIndexOf(EndRecord::signature(), at - 1) : -1) {
         EndRecord end;
         end.read(tail.mid(at, endRecordSize));
@@ -66,6 +71,9 @@ bool ArchiveDirectory::readEnd(QFile &file, Findings &findings)
     m_end.read(tail.mid(at, endRecordSize));
     const qint64 endOffset = file.size() - size + at;
     m_commentOffset = endOffset + endRecordSize;
+    if (at != findLastEnd(tail))
+        findings.add({}, file.size() - size + findLastEnd(tail),
+                     QStringLiteral("its comment holds another end record, and a load takes that one"));
     if (m_end.isExtended() || m_end.directorySize > endOffset) {
         findings.add({}, endOffset,
                      m_end.isExtended() ? QStringLiteral("it uses the 64-bit extension, in which no record is found")

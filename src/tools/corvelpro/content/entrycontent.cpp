@@ -5,7 +5,7 @@
 
 #include "reason.h"
 
-#include <QFile>
+#include <QIODevice>
 
 #include <zlib.h>
 
@@ -154,7 +154,7 @@ private:
 
 } // namespace
 
-bool readContent(QFile &file, qint64 offset, const EntryHeader &header, const ContentSink &sink,
+bool readContent(QIODevice &packed, const EntryHeader &header, const ContentSink &sink,
                  const std::function<void(qint64 bytes)> &passed, QString *reason)
 {
     Content content(header, sink);
@@ -163,12 +163,12 @@ bool readContent(QFile &file, qint64 offset, const EntryHeader &header, const Co
     if (header.method == EntryHeader::deflated && header.packedSize > 0)
         inflater.emplace();
     QByteArray block(int(blockSize), Qt::Uninitialized);
-    bool isSound = file.seek(offset);
+    bool isSound = true;
     for (qint64 left = header.packedSize; isSound && left > 0;) {
-        const qint64 count = file.read(block.data(), std::min(left, blockSize));
+        const qint64 count = packed.read(block.data(), std::min(left, blockSize));
         if (count <= 0)
             return failBecause(reason, count == 0 ? QStringLiteral("the file ends before it")
-                                                  : QStringLiteral("it cannot be read: %1").arg(file.errorString()));
+                                                  : QStringLiteral("it cannot be read: %1").arg(packed.errorString()));
         left -= count;
         passed(count);
         isSound = inflater ? inflater->unpack(QByteArray::fromRawData(block.constData(), int(count)), content)

@@ -7,7 +7,7 @@
 
 #include <functional>
 
-class QFile;
+class QIODevice;
 class QString;
 
 namespace Corvelpro {
@@ -15,11 +15,11 @@ namespace Corvelpro {
 /// Called with each portion of an entry's unpacked content.
 using ContentSink = std::function<void(const char *data, qint64 size)>;
 
-/// Reads an entry's content from `file` at `offset`, in bounded memory, and checks it against `header`, whose method is
-/// stored or deflated: its length, packed and unpacked, and its CRC. Faster than PackageReader, and also for an entry
-/// whose name another one has. `passed` is called with the size of each portion of the file. `reason` is set on failure
-/// (see reason.h).
-bool readContent(QFile &file, qint64 offset, const EntryHeader &header, const ContentSink &sink,
+/// Reads an entry's content from `packed`, which is at its beginning, in bounded memory, and checks it against
+/// `header`, whose method is stored or deflated: its length, packed and unpacked, and its CRC. Faster than
+/// PackageReader, and also for an entry whose name another one has. `passed` is called with the size of each packed
+/// portion. `reason` is set on failure (see reason.h).
+bool readContent(QIODevice &packed, const EntryHeader &header, const ContentSink &sink,
                  const std::function<void(qint64 bytes)> &passed, QString *reason);
 
 } // namespace Corvelpro

@@ -3,6 +3,7 @@
 
 #include "folderdiagnosis.h"
 
+#include "making/newdirectory.h"
 #include "shortreason.h"
 
 #include "packagelayout.h"
@@ -11,7 +12,6 @@
 #include "undorecord.h"
 #include "zippackagehandle.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QHash>
 #include <QSet>
@@ -41,13 +41,33 @@ Complaint aboutUnlisted(const QFileInfo &package, const QString &reason)
 
 Complaint aboutFragment(const QFileInfo &file)
 {
-    const bool isOld = file.lastModified() < QDateTime::currentDateTime().addDays(-1);
+    const bool isOld = ReplacingFile::isStale(file);
     return {file.filePath(),
             isOld ? QStringLiteral("a save or a copy was interrupted here, and this is what it had written")
                   : QStringLiteral("a save or a copy is being written, or was interrupted less than a day ago"),
             isOld ? QStringLiteral("nothing: the control application removes it when it looks into the folder")
                   : QStringLiteral("nothing: the control application removes it when it is a day old"),
             {}};
+}
+
+Complaint aboutUnfinishedDirectory(const QFileInfo &folder)
+{
+    if (NewDirectory::isInUse(folder.filePath()))
+        return {folder.filePath(),
+                QStringLiteral("an extraction is running here"),
+                QStringLiteral("nothing: it gives the folder its name, or removes it"),
+                {}};
+    if (ReplacingFile::isStale(folder))
+        return {folder.filePath(),
+                QStringLiteral("an extraction was interrupted here"),
+                QStringLiteral("delete the folder; the next \"corvelpro extract\" to this place does so, too"),
+                {}};
+    return {
+        folder.filePath(),
+        QStringLiteral("an extraction was interrupted here, less than a day ago"),
+        QStringLiteral("delete the folder, unless another computer is extracting here; \"corvelpro extract\" to this "
+                       "place removes it when it is a day old"),
+        {}};
 }
 
 Complaint aboutUndoRecord(const QFileInfo &file)
@@ -116,9 +136,11 @@ QVector<Complaint> diagnoseFolder(const QString &directory)
     const QFileInfoList all = QDir(directory).entryInfoList(
         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
     for (const QFileInfo &file : all) {
-        if (looked.contains(file.fileName()) || file.isDir())
+        const bool isFragment = ReplacingFile::isFragment(file.fileName());
+        if (looked.contains(file.fileName()) || (file.isDir() && (!isFragment || file.isSymLink())))
             continue;
-        complaints.append(ReplacingFile::isFragment(file.fileName())  ? aboutFragment(file)
+        complaints.append(isFragment && file.isDir()                  ? aboutUnfinishedDirectory(file)
+                          : isFragment                                ? aboutFragment(file)
                           : UndoRecord::isUndoRecord(file.fileName()) ? aboutUndoRecord(file)
                                                                       : aboutOther(file));
     }

@@ -8,7 +8,7 @@
 
 namespace Corvelpro {
 
-/// Something in a folder of project files that an operator may wonder about.
+/// A file in a folder of project files that may puzzle an operator.
 struct Complaint
 {
     QString file;
@@ -19,8 +19,8 @@ struct Complaint
     QString blockedName;
 };
 
-/// Which files the panel leaves out, which it shows under a name that misleads, and what an interrupted operation has
-/// left. Only reads.
+/// Finds the files that the panel does not list, those that it lists under a misleading name, and those that an
+/// interrupted operation has left behind. Only reads.
 QVector<Complaint> diagnoseFolder(const QString &directory);
 
 } // namespace Corvelpro

@@ -8,8 +8,8 @@ namespace Corvelpro {
 class ArchiveDirectory;
 class Findings;
 
-/// Finds names that no load accepts, or that do not stay apart everywhere: unsafe ones, and those that several entries
-/// share, exactly, as aliases of one path, or but for their case.
+/// Finds names that no apply accepts, or that are not distinct on every system: unsafe ones, and those shared by
+/// several entries, exactly, as aliases of one path, or except for their case.
 void checkNames(const ArchiveDirectory &directory, Findings &findings);
 
 } // namespace Corvelpro

@@ -4,7 +4,7 @@
 #include "packagesummary.h"
 
 #include "entrykind.h"
-#include "shortreason.h"
+#include "writeonlydevice.h"
 
 #include "contentscan.h"
 #include "packagelayout.h"
@@ -25,15 +25,12 @@ using namespace ProjectFileCfg::Internal;
 namespace {
 
 /// Takes the first bytes of an entry, enough for a picture's header, and refuses the rest, which ends the reading.
-class HeadDevice : public QIODevice
+class HeadDevice : public WriteOnlyDevice
 {
 public:
-    HeadDevice() { open(QIODevice::WriteOnly | QIODevice::Unbuffered); }
-
     const QByteArray &head() const { return m_head; }
 
 protected:
-    qint64 readData(char *, qint64) override { return -1; }
     qint64 writeData(const char *data, qint64 size) override
     {
         constexpr int enough = 64;
@@ -63,9 +60,7 @@ bool PackageSummary::read(const QString &path, QString *reason)
     if (!package.isOpen(reason))
         return false;
     m_record.strFilePath = path;
-    QString problem;
-    if (!ZipPackageHandle::getZipFileEngineerInfo(m_record, &problem))
-        m_problem = withoutPath(problem, path);
+    ZipPackageHandle::getZipFileEngineerInfo(package, m_record, &m_problem);
     const QStringList all = package.fileList();
     const QStringList counting = package.entries();
     m_entries = all.size();
@@ -100,10 +95,12 @@ void PackageSummary::readDescription(PackageReader &package)
         m_descriptionProblem = error.error == QJsonParseError::NoError
                                    ? QStringLiteral("it is too large, or no JSON object")
                                    : QStringLiteral("it is not JSON: %1").arg(error.errorString());
-    const QJsonObject object = document.object();
-    for (auto member = object.begin(); member != object.end(); ++member) {
-        if (!member->isArray() && !member->isObject())
-            m_members.insert(member.key(), *member);
+    // Removed, not collected: QJsonObject::insert() rounds integers above 2^53.
+    m_members = document.object();
+    for (const QString &name : m_members.keys()) {
+        const QJsonValue value = m_members.value(name);
+        if (value.isArray() || value.isObject())
+            m_members.remove(name);
     }
 }
 

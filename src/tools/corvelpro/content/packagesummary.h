@@ -12,8 +12,8 @@
 
 namespace Corvelpro {
 
-/// What a package says about itself and contains, as a load sees it. Reads no picture to its end: whether one is
-/// damaged is up to Verification.
+/// The record and the content of a package, as an apply sees them. Does not read pictures to their end; Verification
+/// finds damaged ones.
 class PackageSummary
 {
 public:
@@ -40,7 +40,7 @@ public:
     bool read(const QString &path, QString *reason);
 
     const ProjectFileCfg::Internal::EngineerPacketInfo &record() const { return m_record; }
-    /// Why the control application does not list it; empty if it does.
+    /// Why the control application does not list the package; empty if it does.
     QString problem() const { return m_problem; }
 
     int entries() const { return m_entries; }

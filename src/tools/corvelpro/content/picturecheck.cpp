@@ -4,15 +4,13 @@
 #include "picturecheck.h"
 
 #include "findings.h"
+#include "scratch.h"
 
 #include "contentscan.h"
-#include "namelessfile.h"
 #include "packagelayout.h"
 #include "packagelimits.h"
 #include "picturereader.h"
 
-#include <QBuffer>
-#include <QDir>
 #include <QThread>
 
 #include <algorithm>
@@ -56,17 +54,11 @@ std::shared_ptr<QIODevice> PictureCheck::placeFor(const ArchiveDirectory::Entry 
                            .arg(PackageLimits::maxPictureFileSize));
         return nullptr;
     }
-    if (entry.header.size > maxContentInMemory) {
-        QString reason;
-        std::shared_ptr<QIODevice> file = openNamelessFile(QDir::tempPath(), &reason);
-        if (!file)
-            m_findings.addUnknown(entry.name, QStringLiteral("whether it can be decoded: %1").arg(reason));
-        return file;
-    }
-    const auto buffer = std::make_shared<QBuffer>();
-    buffer->buffer().reserve(int(entry.header.size));
-    buffer->open(QIODevice::ReadWrite);
-    return buffer;
+    QString reason;
+    std::shared_ptr<QIODevice> place = openScratch(entry.header.size, maxContentInMemory, &reason);
+    if (!place)
+        m_findings.addUnknown(entry.name, QStringLiteral("whether it can be decoded: %1").arg(reason));
+    return place;
 }
 
 void PictureCheck::begin(const ArchiveDirectory::Entry &entry, const std::shared_ptr<QIODevice> &content)

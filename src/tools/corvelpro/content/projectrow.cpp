@@ -3,18 +3,17 @@
 
 #include "projectrow.h"
 
-#include "archivedirectory.h"
 #include "entrykind.h"
-#include "findings.h"
+#include "oneachcore.h"
 
-#include "plainfile.h"
+#include "packagereader.h"
 #include "projectlisting.h"
 #include "zippackagehandle.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QFuture>
-#include <QtConcurrentRun>
+
+#include <algorithm>
+#include <vector>
 
 namespace Corvelpro {
 
@@ -22,34 +21,24 @@ using namespace ProjectFileCfg::Internal;
 
 namespace {
 
-void countEntries(ProjectRow &row)
+/// A row without a file if the panel does not list it.
+ProjectRow rowOf(const QFileInfo &file)
 {
-    QFile file(row.file);
-    if (!openPlainFile(file))
-        return;
-    Findings findings;
-    const ArchiveDirectory directory(file, findings);
-    for (const ArchiveDirectory::Entry &entry : directory.entries()) {
-        const EntryKind kind = kindOf(entry.name);
+    const PackageReader package(file.filePath());
+    EngineerPacketInfo info;
+    if (!ZipPackageHandle::getZipFileEngineerInfo(package, info))
+        return {};
+    ProjectRow row;
+    row.file = file.filePath();
+    row.name = ProjectListing::nameOf(file);
+    row.comment = info.strComment;
+    row.size = file.size();
+    row.modified = file.lastModified();
+    for (const QString &entry : package.fileList()) {
+        const EntryKind kind = kindOf(entry);
         row.pictures += kind == EntryKind::GalleryPicture ? 1 : 0;
         row.presets += kind == EntryKind::Preset ? 1 : 0;
     }
-}
-
-/// A row without a file if the panel does not list it.
-ProjectRow rowOf(const QFileInfo &package)
-{
-    EngineerPacketInfo info;
-    info.strFilePath = package.filePath();
-    if (!ZipPackageHandle::getZipFileEngineerInfo(info, nullptr))
-        return {};
-    ProjectRow row;
-    row.file = info.strFilePath;
-    row.name = ProjectListing::nameOf(package);
-    row.comment = info.strComment;
-    row.size = package.size();
-    row.modified = package.lastModified();
-    countEntries(row);
     return row;
 }
 
@@ -58,15 +47,11 @@ ProjectRow rowOf(const QFileInfo &package)
 QVector<ProjectRow> projectRows(const QString &directory)
 {
     const QFileInfoList packages = ProjectListing::packagesIn(directory);
-    QVector<QFuture<ProjectRow>> futures;
-    for (const QFileInfo &package : packages)
-        futures.append(QtConcurrent::run(rowOf, package));
+    std::vector<ProjectRow> found(std::size_t(packages.size()));
+    onEachCore(packages.size(), [&](int number) { found[std::size_t(number)] = rowOf(packages.at(number)); });
     QVector<ProjectRow> rows;
-    for (const QFuture<ProjectRow> &future : qAsConst(futures)) {
-        const ProjectRow row = future.result();
-        if (!row.file.isEmpty())
-            rows.append(row);
-    }
+    std::copy_if(found.begin(), found.end(), std::back_inserter(rows),
+                 [](const ProjectRow &row) { return !row.file.isEmpty(); });
     return rows;
 }
 

@@ -17,7 +17,7 @@ struct ProjectRow
     QString comment;
     qint64 size = 0;
     QDateTime modified;
-    /// Entries in the galleries and presets in their folder, by the archive's directory.
+    /// Entries in the galleries and presets in their folder, by the archive's directory; none if that is damaged.
     int pictures = 0;
     int presets = 0;
 };

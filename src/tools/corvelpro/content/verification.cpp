@@ -7,12 +7,12 @@
 #include "entrycontent.h"
 #include "headercheck.h"
 #include "namecheck.h"
-#include "shortreason.h"
+#include "writeonlydevice.h"
 
-#include "packagereader.h"
-#include "plainfile.h"
 #include "reason.h"
 #include "zippackagehandle.h"
+
+#include <QFile>
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -27,17 +27,14 @@ using Entry = ArchiveDirectory::Entry;
 namespace {
 
 /// Passes what is written to it on to a sink.
-class SinkDevice : public QIODevice
+class SinkDevice : public WriteOnlyDevice
 {
 public:
     explicit SinkDevice(const ContentSink &sink)
         : m_sink(sink)
-    {
-        open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-    }
+    {}
 
 protected:
-    qint64 readData(char *, qint64) override { return -1; }
     qint64 writeData(const char *data, qint64 size) override
     {
         m_sink(data, size);
@@ -52,30 +49,33 @@ private:
 
 Verification::Verification(const QString &path)
     : m_path(path)
-    , m_file(path)
 {}
 
 bool Verification::run(const std::function<void(qint64 bytes)> &passed, QString *reason)
 {
-    if (!openPlainFile(m_file, false, reason))
-        return false;
-    const ArchiveDirectory directory(m_file, m_findings);
+    PackageReader package(m_path);
+    QFile &file = package.file();
+    if (!file.isOpen())
+        return package.isOpen(reason);
+    m_size = file.size();
+    const ArchiveDirectory directory(file, m_findings);
     m_entries = directory.entries().size();
-    checkRecord(directory);
+    checkRecord(package, directory);
     checkNames(directory, m_findings);
-    checkContents(directory, passed);
-    return m_file.error() == QFileDevice::NoError ||
-           failBecause(reason, QStringLiteral("cannot read %1: %2").arg(m_path, m_file.errorString()));
+    checkContents(package, directory, passed);
+    return file.error() == QFileDevice::NoError ||
+           failBecause(reason, QStringLiteral("cannot read %1: %2").arg(m_path, file.errorString()));
 }
 
-void Verification::checkRecord(const ArchiveDirectory &directory)
+void Verification::checkRecord(const PackageReader &package, const ArchiveDirectory &directory)
 {
     QString reason;
-    if (!ZipPackageHandle::isValidEngineerPacket(m_path, &reason)) {
-        m_findings.add({}, directory.commentOffset(), withoutPath(reason, m_path));
+    EngineerPacketInfo info;
+    if (!ZipPackageHandle::getZipFileEngineerInfo(package, info, &reason)) {
+        m_findings.add({}, directory.commentOffset(), reason);
         return;
     }
-    const QJsonObject record = QJsonDocument::fromJson(ZipPackageHandle::getZipComment(m_path).toUtf8()).object();
+    const QJsonObject record = QJsonDocument::fromJson(package.archiveComment().toUtf8()).object();
     for (const QString &key : {QStringLiteral("Checksum"), QStringLiteral("comment"), QStringLiteral("projectName")}) {
         if (!record.value(key).isString())
             m_findings.add({}, directory.commentOffset(), QStringLiteral("its record has no text \"%1\"").arg(key));
@@ -83,7 +83,7 @@ void Verification::checkRecord(const ArchiveDirectory &directory)
 }
 
 /// The zip library's view must be the one that everything else here is about.
-bool Verification::isListable(const ArchiveDirectory &directory, const PackageReader &package)
+bool Verification::isListable(const PackageReader &package, const ArchiveDirectory &directory)
 {
     const QStringList names = package.fileList();
     const auto &entries = directory.entries();
@@ -99,12 +99,13 @@ bool Verification::isListable(const ArchiveDirectory &directory, const PackageRe
     return false;
 }
 
-void Verification::checkContents(const ArchiveDirectory &directory, const std::function<void(qint64 bytes)> &passed)
+void Verification::checkContents(PackageReader &package, const ArchiveDirectory &directory,
+                                 const std::function<void(qint64 bytes)> &passed)
 {
-    PackageReader package(m_path);
-    if (!isListable(directory, package))
+    if (!isListable(package, directory))
         return;
-    HeaderCheck headers(m_file, directory, m_findings);
+    QFile &file = package.file();
+    HeaderCheck headers(file, directory, m_findings);
     ContentCheck contents(directory, m_findings);
     QSet<QString> names;
     for (const Entry &entry : directory.entries()) {
@@ -118,7 +119,8 @@ void Verification::checkContents(const ArchiveDirectory &directory, const std::f
         }
         contents.check(entry, [&](const ContentSink &sink, QString *reason) {
             if (isPlain)
-                return readContent(m_file, offset, entry.header, sink, passed, reason);
+                return (file.seek(offset) || failBecause(reason, file.errorString())) &&
+                       readContent(file, entry.header, sink, passed, reason);
             SinkDevice device(sink);
             return package.read(entry.name, device, PackageReader::maxSizeOf(entry.name), reason);
         });

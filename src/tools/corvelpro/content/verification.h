@@ -7,21 +7,17 @@
 
 #include "archivedirectory.h"
 
-#include <QFile>
+#include "packagereader.h"
 
 #include <functional>
 
-namespace ProjectFileCfg {
-namespace Internal {
-class PackageReader;
-}
-} // namespace ProjectFileCfg
-
 namespace Corvelpro {
 
-/// Reads a package to its last byte and looks for everything that damages can have left. Only reads. Main thread.
+/// Reads a package to its last byte and looks for every trace of damage. Only reads. Opens the file once: if another file
+/// takes its name meanwhile, the verdict is still about the opened one. Main thread.
 ///
-/// What no number in a package covers cannot be found: a change in the record's name and comment, in an entry's rights.
+/// Cannot find changes that no checksum in the package covers: in the record's name and comment, or in an entry's
+/// permissions.
 class Verification
 {
 public:
@@ -32,20 +28,23 @@ public:
     bool run(const std::function<void(qint64 bytes)> &passed, QString *reason);
 
     const Findings &findings() const { return m_findings; }
-    qint64 size() const { return m_file.size(); }
+    qint64 size() const { return m_size; }
     /// Of the archive's directory, as far as it could be read.
     int entries() const { return m_entries; }
     /// Pictures that could be decoded.
     int pictures() const { return m_pictures; }
 
 private:
-    void checkRecord(const ArchiveDirectory &directory);
-    bool isListable(const ArchiveDirectory &directory, const ProjectFileCfg::Internal::PackageReader &package);
-    void checkContents(const ArchiveDirectory &directory, const std::function<void(qint64 bytes)> &passed);
+    using PackageReader = ProjectFileCfg::Internal::PackageReader;
+
+    void checkRecord(const PackageReader &package, const ArchiveDirectory &directory);
+    bool isListable(const PackageReader &package, const ArchiveDirectory &directory);
+    void checkContents(PackageReader &package, const ArchiveDirectory &directory,
+                       const std::function<void(qint64 bytes)> &passed);
 
     const QString m_path;
-    QFile m_file;
     Findings m_findings;
+    qint64 m_size = 0;
     int m_entries = 0;
     int m_pictures = 0;
 };

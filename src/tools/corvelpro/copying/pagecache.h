@@ -7,9 +7,9 @@
 
 namespace Corvelpro {
 
-/// Has the system forget the content of an open file that was flushed, so that the next reading is one of the disk.
-/// True only if the system confirms that it holds none of it in memory any more: on Linux alone, and only on the usual
-/// file systems of local disks and sticks.
+/// Has the system drop the content of an open, flushed file from its page cache, so that it is read from the disk next
+/// time. True only if the system confirms that nothing of it is in memory any more; only Linux does, for the usual file
+/// systems of local disks and sticks.
 bool dropFromMemory(int handle, qint64 size);
 
 } // namespace Corvelpro

@@ -19,9 +19,9 @@ class ReplacingFile;
 
 namespace Corvelpro {
 
-/// A copy of a project file that gets its name only after it was flushed, read back and found equal to what was read of
-/// the original. Until then it is a hidden file beside it (see ReplacingFile), which only a killed process leaves
-/// behind. Replaces nothing.
+/// A copy of a project file that gets its name only after it was flushed, read back and found equal to the data read
+/// from the original. Until then it is a hidden file in the same folder (see ReplacingFile), which only a killed
+/// process leaves behind. Replaces nothing.
 class VerifiedCopy
 {
 public:

@@ -22,7 +22,7 @@ Kind kindOf(const QByteArray &valueName)
         return Kind::Folder;
     if (valueName == "FILE" || valueName == "A" || valueName == "B")
         return Kind::ProjectFile;
-    return valueName.startsWith("FILE.") ? Kind::File : Kind::Anything;
+    return valueName.endsWith(".png") ? Kind::File : Kind::Anything;
 }
 
 Kind kindOf(const Positional &positional)

@@ -108,7 +108,7 @@ QByteArray manualPage()
     QByteArray page = ".TH CORVELPRO 1 " + QByteArray(date) +
                       " \"corvelpro " CORVELPRO_VERSION "\" \"User Commands\"\n"
                       ".SH NAME\n"
-                      "corvelpro \\- look at and handle project files\n"
+                      "corvelpro \\- inspect and handle project files\n"
                       ".SH SYNOPSIS\n";
     for (const Command &command : commandTable())
         page += usageOf(command) + "\n.br\n";
@@ -124,9 +124,9 @@ QByteArray manualPage()
         page += item(option);
     page += ".SH EXIT STATUS\n"
             ".TP\n0\nYes: valid, equal, done.\n"
-            ".TP\n1\nNo: not valid, different, not done.\n"
-            ".TP\n2\nIt could not be told: wrong usage, a file that cannot be read, no room for\nthe result.\n"
-            ".PP\nOf several files, the highest status counts.\n"
+            ".TP\n1\nNo: not valid, different, refused.\n"
+            ".TP\n2\nNo answer: wrong usage, a file that cannot be read, no room for the result.\n"
+            ".PP\nWith several files, the exit status is the highest of theirs.\n"
             ".SH SEE ALSO\n"
             ".BR unzip (1),\n.BR zip (1)\n";
     return page;

@@ -9,7 +9,7 @@
 
 namespace Corvelpro {
 
-/// Writes a package's entries into a directory of their own, all of them or nothing.
+/// Extracts a package's entries into a new directory, all of them or none.
 class Extraction
 {
 public:

@@ -3,8 +3,8 @@
 
 #include "newdirectory.h"
 
-#include "filesystem.h"
 #include "reason.h"
+#include "replacingfile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -37,9 +37,15 @@ NewDirectory::~NewDirectory()
 
 bool NewDirectory::create(QString *reason)
 {
+    removeStale();
     m_isCreated = QDir().mkdir(m_hiddenPath);
-    return m_isCreated ||
-           failBecause(reason, QStringLiteral("cannot create a directory beside %1: %2").arg(m_path, systemError()));
+    if (!m_isCreated)
+        return failBecause(reason,
+                           QStringLiteral("cannot create a directory beside %1: %2").arg(m_path, systemError()));
+    m_lock = std::make_unique<FileSystem::Folder>(m_hiddenPath, reason);
+    // False only while a doctor tries the lock: the directory is young, so it is safe without one.
+    m_lock->lock();
+    return m_lock->isOpen();
 }
 
 bool NewDirectory::commit(QString *reason)
@@ -48,6 +54,22 @@ bool NewDirectory::commit(QString *reason)
         return false;
     m_isCreated = false;
     return true;
+}
+
+bool NewDirectory::isInUse(const QString &hiddenPath)
+{
+    return !FileSystem::Folder(hiddenPath).lock();
+}
+
+void NewDirectory::removeStale() const
+{
+    const QFileInfoList candidates = QFileInfo(m_path).dir().entryInfoList(
+        {QStringLiteral(".*.part")}, QDir::Dirs | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
+    for (const QFileInfo &candidate : candidates) {
+        if (ReplacingFile::isFragment(candidate.fileName()) && ReplacingFile::isStale(candidate) &&
+            !isInUse(candidate.filePath()))
+            QDir(candidate.filePath()).removeRecursively();
+    }
 }
 
 } // namespace Corvelpro

@@ -7,8 +7,8 @@ class QString;
 
 namespace Corvelpro {
 
-/// What the control application lets an operator type as a project's name and comment. A package with another name
-/// could be listed there, but not edited. `reason` says what is wrong.
+/// The names and comments that an operator can type in the control application. A package with any other name could be
+/// listed there, but not edited. `reason` says what is wrong.
 namespace ProjectProperties {
 
 /// A name is a file's name without its extension, on every platform: 1 to 64 bytes of UTF-8 without blanks at its ends,
