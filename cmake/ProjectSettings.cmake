@@ -64,7 +64,8 @@ endif()
 
 # Parsing Qt's headers dominates the compile time of a source. use_qt_headers(<target>...) precompiles the most used ones,
 # once for all targets, whatever they link: the folders in which a target finds headers stay its own, so that it cannot
-# include those of a module that it does not link. The product also compiles without it: a test builds it alone.
+# include those of a module that it does not link. The product also compiles without it: a test builds it alone,
+# another one checks that each of its sources includes what it names.
 function(use_qt_headers)
     if(NOT TARGET QtHeaders)
         add_library(QtHeaders STATIC "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/qtheaders.cpp")
