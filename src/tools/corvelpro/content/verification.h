@@ -13,8 +13,8 @@
 
 namespace Corvelpro {
 
-/// Reads a package to its last byte and looks for every trace of damage. Only reads. Opens the file once: if another file
-/// takes its name meanwhile, the verdict is still about the opened one. Main thread.
+/// Reads a package to its last byte and looks for every trace of damage. Only reads. Opens the file once: if another
+/// file takes its name meanwhile, the verdict is still about the opened one. Main thread.
 ///
 /// Cannot find changes that no checksum in the package covers: in the record's name and comment, or in an entry's
 /// permissions.
