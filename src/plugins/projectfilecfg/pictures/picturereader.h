@@ -26,8 +26,8 @@ public:
     /// texts and profiles.
     QSize size(QString *reason = nullptr) const;
 
-    /// Makes read() reduce a larger picture to these bounds, in its proportions, while it decodes: of most PNG files only
-    /// the reduced picture is ever in memory.
+    /// Makes read() reduce a larger picture to these bounds, in its proportions, while it decodes: of most PNG files
+    /// only the reduced picture is ever in memory.
     void fitInto(const QSize &bounds);
 
     /// The picture as QImage::Format_ARGB32. Null if it cannot be read completely, or would take more memory than
