@@ -1,9 +1,9 @@
 # SPDX-FileCopyrightText: Velmora
 # SPDX-License-Identifier: LicenseRef-Commercial-Usage
 
-# compile_in_batches(<target>...): up to twelve sources as one, since reading headers is most of the work on each. For
-# builds in which nobody waits for the compilation of one edited source. scripts/lint-sources keeps apart those whose
-# anonymous namespaces could get into each other's way.
+# compile_in_batches(<target>...): compiles up to twelve sources as one, since most of the time goes into reading
+# headers. For builds in which nobody waits for a single edited source. scripts/lint-sources separates sources whose
+# anonymous namespaces would collide.
 function(compile_in_batches)
     find_program(PYTHON3 python3 REQUIRED)
     foreach(target IN LISTS ARGN)

@@ -28,7 +28,7 @@ bool isInProjectFolder(const QString &file)
     return QFileInfo(file).canonicalPath() == QFileInfo(folder).canonicalFilePath();
 }
 
-/// True if one of the page's lists takes them.
+/// True if a list on the page accepts them.
 bool drop(const QStringList &files, const QWidget *page)
 {
     QMimeData data;

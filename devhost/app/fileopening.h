@@ -5,16 +5,16 @@
 
 #include <QStringList>
 
-/// Opens the files that the program was started with, by a double click for example. The host knows nothing of what its
-/// pages do with a file: it gives them to the page as if they had been dragged onto it.
+/// Opens the files that the program was started with, by a double click for example. The host does not know what its
+/// pages do with a file, so it passes them on as if they had been dropped on the page.
 namespace FileOpening {
 
-/// The first of them that is no project file; empty if there is none.
+/// The first that is not a project file; empty if all are.
 QString otherThanProjectFile(const QStringList &files);
 
-/// Gives the files to the first page in the central area that takes them, now or when the operator turns to it. Those
-/// in the folder of project files are left out: the page lists them already. Absolute paths; user-interface thread,
-/// before the first page is shown.
+/// Passes the files to the first page in the central area that accepts them, now or when the operator opens it, except
+/// those in the folder of project files, which the page already lists. Absolute paths; user-interface thread, before
+/// the first page is shown.
 void open(const QStringList &files);
 
 } // namespace FileOpening

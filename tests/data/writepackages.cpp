@@ -8,7 +8,7 @@
 #include <QFile>
 #include <QTextStream>
 
-/// Writes each hostile package into a folder, from which hostilePackages() then reads it.
+/// Writes all hostile packages into a folder, from which hostilePackages() then reads them.
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);

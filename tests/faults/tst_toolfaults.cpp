@@ -56,7 +56,7 @@ private:
     static void addCommands();
     /// Runs the row's command in a process of its own, in a new workplace. The result is that of inChild().
     int run(const Plan &plan);
-    /// What is wrong in the workplace after the command was stopped or failed, or had succeeded.
+    /// What is wrong in the workplace after the command has ended, in whatever way.
     QStringList complaints(bool isDone, bool mayLeaveFragment) const;
     QStringList complaintsAboutEdited(bool isDone) const;
 
@@ -86,7 +86,7 @@ int TstToolFaults::run(const Plan &plan)
             words[i] = m_place->path(words.at(i));
     }
     return inChild([&] {
-        // As in the program: Qt Test catches the one, and fails for the other.
+        // As in the program: Qt Test would catch the one and fail for the other.
         std::signal(SIGINT, SIG_DFL);
         QLoggingCategory::setFilterRules("*=false");
         FaultPoints::arm({m_place->root()}, plan);

@@ -10,7 +10,7 @@ using namespace TestSupport;
 using HX::Widgets::FramelessMessageBox;
 using ProjectFileCfg::Internal::MessageBoxes;
 
-/// The box of each result code, those included with which no job ends.
+/// The box of each result code, including those that no job returns.
 class TstResultBoxes : public QObject
 {
     Q_OBJECT

@@ -1,9 +1,9 @@
 # SPDX-FileCopyrightText: Velmora
 # SPDX-License-Identifier: LicenseRef-Commercial-Usage
 
-# Installs the SDK of the build HOST_BUILD into WORK. Expects that its headers are public ones with all that they include,
-# and that find_package takes it in its own major version only, and otherwise says which one is there. Without the host
-# itself, find_package names the library that is missing: so it has taken the version.
+# Installs the SDK of the build HOST_BUILD into WORK. Expects that its headers are public ones with all that they
+# include, and that find_package accepts only its own major version, and otherwise names the version that it found.
+# Without the host itself, find_package names the library that is missing: so it has taken the version.
 cmake_minimum_required(VERSION 3.18)
 
 file(REMOVE_RECURSE "${WORK}")

@@ -11,7 +11,7 @@
 
 namespace TestSupport {
 
-/// During its lifetime leaks of this thread are not reported, if they are expected: those of a library.
+/// While it exists, leaks of this thread are not reported if they are expected, which means a library's.
 class LeaksOfLibrary
 {
 public:

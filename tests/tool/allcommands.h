@@ -19,8 +19,8 @@
 
 namespace ToolTesting {
 
-/// Sends one package after the other through every command, in a folder of its own. Only its "out" may change, and
-/// "edited" by an edit.
+/// Sends one package after the other through every command, in a folder of its own. Only its "out" may change, and an
+/// edit may change "edited".
 class AllCommands
 {
 public:
@@ -37,8 +37,8 @@ public:
     }
     Q_DISABLE_COPY(AllCommands)
 
-    /// What does not hold for this package; empty if all does. Results are printed as lines or as JSON. `number`
-    /// selects the entry that is extracted alone.
+    /// The expectation that failed for this package; empty if all hold. Results are printed as lines or as JSON.
+    /// `number` selects the entry that is extracted alone.
     QByteArray complaintAbout(const QByteArray &package, bool isJson, int number)
     {
         m_package = package;

@@ -105,7 +105,7 @@ def check_types(desktop, package, folder):
         with zipfile.ZipFile(file, "w") as archive:
             archive.writestr("BKG/BKG_1.png", "x")
         expect(name, desktop.type_of(file), ZIP)
-    # The content of a package alone makes no project file: it is that of every zip archive.
+    # Content alone does not identify a project file: it is that of any zip archive.
     shutil.copyfile(package, folder / "renamed.zip")
     expect("renamed.zip", desktop.type_of(folder / "renamed.zip"), ZIP)
     subclasses = (desktop.share / "mime/subclasses").read_text().splitlines()

@@ -53,7 +53,7 @@ private:
     QFile m_file;
 };
 
-/// Runs the tool in this process: hooks and limits of the test hold for it, and no process has to start.
+/// Runs the tool in this process, so that the test's hooks and limits apply and no process has to start.
 inline Outcome runInProcess(const QStringList &arguments)
 {
     QByteArrayList words{"corvelpro"};

@@ -9,7 +9,7 @@
 
 namespace ToolTesting {
 
-/// What a run of the tool left.
+/// The result of a run of the tool.
 struct Outcome
 {
     /// -1 if it did not start, crashed or hung.

@@ -54,7 +54,7 @@ private:
     const int m_out;
 };
 
-/// What can be at a path that is meant for something else.
+/// What may be in place of the expected file or folder.
 enum Thing { Nothing, File, Folder, Pipe, Socket, Device, BrokenLink };
 
 struct NamedThing
@@ -78,7 +78,8 @@ bool makeSocket(const QByteArray &path)
     return isMade;
 }
 
-/// A link for a device, since only an administrator makes one. A pipe has neither reader nor writer: to open it waits.
+/// The device is a link, since only an administrator can create one. The pipe has neither reader nor writer, so opening
+/// it would block.
 bool make(Thing thing, const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
@@ -235,7 +236,8 @@ void TstEveryCommand::wrong_things_are_told_in_one_line_data()
             const Positional &positional = command.positionals.at(position);
             const QFileInfo right(place.valueOf(command, positional));
             for (const NamedThing &wrong : things) {
-                // A comparison takes a device's directory as well, and a missing folder of projects has no projects.
+                // A comparison also takes a device's directory, and a missing project-files folder simply has no
+                // projects.
                 const bool isRight = (wrong.thing == File && right.isFile()) ||
                                      (wrong.thing == Folder && (right.isDir() || !qstrcmp(command.name, "diff"))) ||
                                      (wrong.thing == Nothing && !right.exists());

@@ -19,8 +19,8 @@ namespace {
 
 using Keys = QSet<QString>;
 
-/// The paths of all keys: "files[].findings[].text". What stands at "members" of a description, and on both sides of a
-/// changed one, are the device's keys and none of the tool's.
+/// The paths of all keys: "files[].findings[].text". Below "members", and on both sides of a changed one, are the
+/// device's keys, not the tool's.
 void collect(const QJsonValue &value, const QString &path, Keys &keys)
 {
     for (const QJsonValue &element : value.toArray())

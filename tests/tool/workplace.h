@@ -14,7 +14,7 @@
 
 namespace ToolTesting {
 
-/// A folder with something to do for each command, also for one that is added to the table later.
+/// A folder with input for each command, including those added to the table later.
 class Workplace
 {
 public:
@@ -25,7 +25,7 @@ public:
                           {"BKG/BKG_1.png", TestData::PngMaker::blank(40, 30)},
                           {"Preset/", {}},
                           {"Preset/1.RPst", QByteArray("\0\0\0\3abc", 7)}};
-        // The same under another name, for what compares two.
+        // The same content under another name, for comparisons.
         const bool isWritten =
             QDir().mkpath(path("folder")) && QDir().mkpath(path("stick")) &&
             writePackage(path("show.corvelpro"), files, "old") && writePackage(path("same.corvelpro"), files, "old") &&
@@ -37,7 +37,7 @@ public:
     QString root() const { return m_dir.path(); }
     QString path(const QString &name) const { return m_dir.filePath(name); }
 
-    /// A value with which the command does its work. What a command is to make is a path that nothing has.
+    /// A value with which the command does its work. For what a command creates, a path that does not exist.
     QString valueOf(const Corvelpro::Command &command, const Corvelpro::Positional &positional) const
     {
         const QString name = QString::fromLatin1(positional.name);

@@ -20,8 +20,8 @@
 
 namespace {
 
-/// A standard stream that the caller has closed would become the next file that is opened, and what is printed would go
-/// there. What stands in for it refuses to be written to, so that a result that nobody gets is noticed.
+/// If the caller has closed a standard stream, the next file to be opened would get its descriptor, and output would go
+/// into that file. The stand-ins refuse to be written to, so that lost output is noticed.
 void occupyStandardStreams()
 {
 #ifdef Q_OS_UNIX
@@ -46,15 +46,17 @@ int main(int count, char **values)
     // that decoded them.
     constexpr int largePicture = 16 * 1024 * 1024;
     mallopt(M_MMAP_THRESHOLD, largePicture);
-    // Those of smaller ones stay: giving memory back after each picture and getting it again takes as long as decoding.
+    // The memory for smaller ones is kept: returning it after each picture and getting it again takes as long as
+    // decoding.
     constexpr int smallPictures = 64 * 1024 * 1024;
     mallopt(M_TRIM_THRESHOLD, smallPictures);
-    // Without it the library looks four times for each file's date whether the time zone has changed.
+    // Without TZ, the C library checks four times for each file's date whether the time zone has changed.
     if (!qEnvironmentVariableIsSet("TZ"))
         qputenv("TZ", ":/etc/localtime");
 #endif
 #ifdef SIGPIPE
-    // A reader that goes early is a failed write, with its exit code, and no sudden end in the middle of an operation.
+    // If the reader closes a pipe early, the write fails and the exit code says so; the operation is not killed
+    // halfway.
     std::signal(SIGPIPE, SIG_IGN);
 #endif
     const QCoreApplication application(count, values);

@@ -13,7 +13,7 @@ namespace Corvelpro {
 
 namespace {
 
-/// A value without others in it.
+/// A value that is neither an array nor an object.
 QByteArray plainText(const QJsonValue &value)
 {
     const QVariant number = value.toVariant();
@@ -24,7 +24,7 @@ QByteArray plainText(const QJsonValue &value)
     return text.mid(1, text.size() - 2);
 }
 
-/// Appends the value to a text whose current line has that indent; negative: without line breaks.
+/// Appends the value. `indent` is that of the current line; if negative, there are no line breaks.
 void append(QByteArray &text, const QJsonValue &value, int indent)
 {
     if (!value.isArray() && !value.isObject()) {

@@ -10,10 +10,10 @@ class QString;
 
 namespace Corvelpro {
 
-// QJsonDocument writes 9007199254740993 as 9007199254740992, and QJsonObject::insert() makes the one the other. These
-// write each integer as it is.
+// QJsonDocument rounds integers above 2^53 when it writes them, and QJsonObject::insert() when it stores them. These
+// functions write the integers of a parsed document exactly.
 
-/// Any JSON value as JSON writes it, on one line.
+/// The value as JSON text on one line.
 QString jsonText(const QJsonValue &value);
 
 /// The object as a document, indented as QJsonDocument does it.

@@ -17,7 +17,7 @@ void silenceLibraries()
 {
     QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
 #ifdef __GLIBC__
-    // The variable, not the descriptor behind it: there a crash or a sanitizer reports.
+    // Replaces the variable and not the descriptor, to which crashes and sanitizers report.
     messageStream();
     if (FILE *nowhere = std::fopen("/dev/null", "we"))
         stderr = nowhere;

@@ -10,9 +10,8 @@ namespace Corvelpro {
 /// Where the tool's messages go: stderr, as it was at the start.
 FILE *messageStream();
 
-/// From now on libraries print nothing: neither what Qt logs, nor the PNG library's own lines on stderr about each odd
-/// chunk of a picture, which are no messages to the user. The latter needs the GNU C library. Call it before there are
-/// threads.
+/// Silences Qt's log, and, with the GNU C library, the lines that the PNG library prints to stderr about each odd chunk
+/// of a picture: neither is meant for the user. Call it before starting threads.
 void silenceLibraries();
 
 } // namespace Corvelpro

@@ -5,7 +5,7 @@
 
 namespace Corvelpro {
 
-/// Runs one command line, from its words to the exit code. What is set up once for the process is main()'s business.
+/// Runs one command line, from its words to the exit code. main() does what has to be set up once per process.
 int runProgram(int count, const char *const *values);
 
 } // namespace Corvelpro

@@ -14,7 +14,7 @@ namespace Corvelpro {
 
 namespace {
 
-/// The largest that desktops ask for, and what they ask for most.
+/// The largest size that desktops ask for, and the most common one.
 constexpr int maxSide = 1024;
 constexpr int defaultSide = 256;
 

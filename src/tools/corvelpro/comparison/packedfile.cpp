@@ -17,8 +17,8 @@ namespace Corvelpro {
 
 namespace {
 
-/// Fewer bytes than wanted, or -1, at the end of the file and on failure. Leaves the position of the file alone, which
-/// others use.
+/// Returns less than `size` at the end of the file, and -1 on failure. Does not move the file position, which others
+/// use.
 qint64 readAt(int handle, qint64 offset, char *data, qint64 size)
 {
 #ifdef Q_OS_WIN
@@ -32,7 +32,7 @@ qint64 readAt(int handle, qint64 offset, char *data, qint64 size)
 #endif
 }
 
-/// The packed bytes of both, for as long as they are equal.
+/// Reads the packed bytes of both, and fails at the first difference.
 class CommonBytes : public QIODevice
 {
 public:
@@ -67,7 +67,7 @@ private:
 
 } // namespace
 
-// The CRC of one content is enough: the other one has the same bytes, and its header the same CRC.
+// The CRC of one content is enough: the other has the same bytes, and the same CRC in its header.
 bool areSoundAndEqual(const PackedFile &one, const PackedFile &other)
 {
     const EntryHeader &header = one.header;

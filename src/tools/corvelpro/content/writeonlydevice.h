@@ -7,7 +7,7 @@
 
 namespace Corvelpro {
 
-/// A device that is open for writing alone. A subclass takes the bytes in writeData().
+/// A device open for writing only. A subclass implements writeData().
 class WriteOnlyDevice : public QIODevice
 {
 protected:

@@ -22,11 +22,11 @@ namespace Corvelpro {
 class ProjectThumbnail
 {
 public:
-    /// `target` is where the picture goes. It is written completely or not at all. An existing file is replaced only if
-    /// it is a PNG, or empty: file managers make an empty one beforehand.
+    /// The picture is written to `target`, completely or not at all. An existing file is replaced only if it is a PNG,
+    /// or empty: file managers make an empty one beforehand.
     ProjectThumbnail(const QString &package, const QString &target);
 
-    /// At most `side` pixels wide and high. Refuses what is no valid project file, or has no background.
+    /// At most `side` pixels wide and high. Refuses a file that is not a valid project file, or has no background.
     Outcome draw(int side);
 
     const QString &package() const { return m_package; }
