@@ -4,10 +4,10 @@
 #include "undorecord.h"
 
 #include "filesystem.h"
+#include "replacingfile.h"
 
 #include <QCryptographicHash>
 #include <QDataStream>
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -54,7 +54,7 @@ bool UndoRecord::isUndoRecord(const QString &fileName)
 
 bool UndoRecord::isStale(const QString &recordPath)
 {
-    return QFileInfo(recordPath).lastModified() < QDateTime::currentDateTime().addDays(-1);
+    return ReplacingFile::isStale(QFileInfo(recordPath));
 }
 
 UndoRecord::Reading UndoRecord::read(const QString &recordPath)

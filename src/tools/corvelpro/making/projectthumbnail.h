@@ -9,12 +9,6 @@
 
 class QImage;
 
-namespace ProjectFileCfg {
-namespace Internal {
-class PackageReader;
-}
-} // namespace ProjectFileCfg
-
 namespace Corvelpro {
 
 /// A small picture of a project file: its background with the lowest number, as a PNG. Reads the archive's directory
