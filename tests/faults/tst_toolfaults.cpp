@@ -31,6 +31,7 @@ namespace {
 /// How a run under a plan ended. In the exit code of a process: code, plus these.
 constexpr int struck = 8;
 constexpr int noLine = 16;
+constexpr int unflushed = 32;
 
 bool isFragment(const QString &name)
 {
@@ -51,9 +52,13 @@ private slots:
     void interrupt_leaves_nothing_unfinished();
     void failure_is_told_and_leaves_nothing_data() { addCommands(); }
     void failure_is_told_and_leaves_nothing();
+    void success_means_flushed_to_disk_data() { addCommands(); }
+    void success_means_flushed_to_disk();
 
 private:
     static void addCommands();
+    /// The file that the row's command creates, or one of them, or edits.
+    QString changedFile() const;
     /// Runs the row's command in a process of its own, in a new workplace. The result is that of inChild().
     int run(const Plan &plan);
     /// What is wrong in the workplace after the command has ended, in whatever way.
@@ -76,6 +81,16 @@ void TstToolFaults::addCommands()
     QTest::newRow("rename") << QStringList{"edit", "show.corvelpro", "--name=new"} << QString();
 }
 
+QString TstToolFaults::changedFile() const
+{
+    const QString target = *static_cast<QString *>(QTest::qData("target", QMetaType::QString));
+    const QString renamed = m_place->path("new.corvelpro");
+    if (target == "new")
+        return m_place->path("new/Preset/1.RPst");
+    return target.isEmpty() ? QFileInfo::exists(renamed) ? renamed : m_place->path("show.corvelpro")
+                            : m_place->path(target);
+}
+
 int TstToolFaults::run(const Plan &plan)
 {
     m_place.reset(new Workplace);
@@ -92,8 +107,10 @@ int TstToolFaults::run(const Plan &plan)
         FaultPoints::arm({m_place->root()}, plan);
         const Outcome outcome = runInProcess(words);
         const bool isStruck = FaultPoints::disarm().struck;
+        const bool isAtRisk = outcome.code == yes && !isStruck && FaultPoints::isUnflushed(changedFile());
         const bool hasLine = outcome.messages.count('\n') == 1 && outcome.messages.startsWith("corvelpro: ");
-        return outcome.code + (isStruck ? struck : 0) + (outcome.code != yes && !hasLine ? noLine : 0);
+        return outcome.code + (isStruck ? struck : 0) + (outcome.code != yes && !hasLine ? noLine : 0) +
+               (isAtRisk ? unflushed : 0);
     });
 }
 
@@ -212,6 +229,11 @@ void TstToolFaults::failure_is_told_and_leaves_nothing()
             QVERIFY2(wrong.isEmpty(), qPrintable(at + '\n' + wrong.join('\n')));
         }
     }
+}
+
+void TstToolFaults::success_means_flushed_to_disk()
+{
+    QCOMPARE(run({}), int(yes));
 }
 
 TEST_MAIN_CORE(TstToolFaults)
