@@ -15,6 +15,7 @@
 
 #include <QLoggingCategory>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 
@@ -57,8 +58,8 @@ private slots:
 
 private:
     static void addCommands();
-    /// The file that the row's command creates, or one of them, or edits.
-    QString changedFile() const;
+    /// What the row's command creates or edits; of a directory, also one of its files.
+    QStringList changedPaths() const;
     /// Runs the row's command in a process of its own, in a new workplace. The result is that of inChild().
     int run(const Plan &plan);
     /// What is wrong in the workplace after the command has ended, in whatever way.
@@ -81,14 +82,15 @@ void TstToolFaults::addCommands()
     QTest::newRow("rename") << QStringList{"edit", "show.corvelpro", "--name=new"} << QString();
 }
 
-QString TstToolFaults::changedFile() const
+QStringList TstToolFaults::changedPaths() const
 {
     const QString target = *static_cast<QString *>(QTest::qData("target", QMetaType::QString));
     const QString renamed = m_place->path("new.corvelpro");
+    if (target.isEmpty())
+        return {QFileInfo::exists(renamed) ? renamed : m_place->path("show.corvelpro")};
     if (target == "new")
-        return m_place->path("new/Preset/1.RPst");
-    return target.isEmpty() ? QFileInfo::exists(renamed) ? renamed : m_place->path("show.corvelpro")
-                            : m_place->path(target);
+        return {m_place->path("new"), m_place->path("new/Preset/1.RPst")};
+    return {m_place->path(target)};
 }
 
 int TstToolFaults::run(const Plan &plan)
@@ -107,7 +109,9 @@ int TstToolFaults::run(const Plan &plan)
         FaultPoints::arm({m_place->root()}, plan);
         const Outcome outcome = runInProcess(words);
         const bool isStruck = FaultPoints::disarm().struck;
-        const bool isAtRisk = outcome.code == yes && !isStruck && FaultPoints::isUnflushed(changedFile());
+        const QStringList changed = changedPaths();
+        const bool isAtRisk =
+            outcome.code == yes && !isStruck && std::any_of(changed.begin(), changed.end(), FaultPoints::isUnflushed);
         const bool hasLine = outcome.messages.count('\n') == 1 && outcome.messages.startsWith("corvelpro: ");
         return outcome.code + (isStruck ? struck : 0) + (outcome.code != yes && !hasLine ? noLine : 0) +
                (isAtRisk ? unflushed : 0);
