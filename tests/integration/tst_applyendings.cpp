@@ -476,6 +476,7 @@ void TstApplyEndings::without_a_thread_the_job_ends()
     QFETCH(QMessageBox::StandardButton, answer);
     QFETCH(QString, box);
     list(packageOf(richDevice(sourceIp)));
+    WarningGuard::clear();
     // No other thread begins between this call and the start of the job.
     Faults::instance()->arm(setOperatorType, Fault::run([] { s_refusedThreads = 1; }));
     {
@@ -488,9 +489,17 @@ void TstApplyEndings::without_a_thread_the_job_ends()
         clickApply();
         VERIFY_BOOK();
     }
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter(QRegularExpression("the system has no thread for it$")).size(), 1);
     QVERIFY(hasJobEnded());
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
     settle();
+
+    // No later save applies what was to follow the failed backup.
+    Journal::instance()->clear();
+    QVERIFY(pressSave(QStringLiteral("Evening show")));
+    QTRY_VERIFY(hasJobEnded());
+    settle();
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 
     // The next one works.
     Journal::instance()->clear();
