@@ -417,16 +417,20 @@ void TstApplyEndings::host_exceptions_end_in_a_message()
 
 void TstApplyEndings::a_lookup_that_throws_finds_no_device_data()
 {
+    QTest::addColumn<QString>("operation");
     QTest::addColumn<QMessageBox::StandardButton>("answer");
     QTest::addColumn<bool>("isCancelled");
-    QTest::newRow("apply") << QMessageBox::No << false;
-    QTest::newRow("cancelled apply") << QMessageBox::No << true;
-    QTest::newRow("apply after a backup") << QMessageBox::Yes << false;
-    QTest::newRow("cancelled backup") << QMessageBox::Yes << true;
+    QTest::newRow("apply") << QString(getDeviceByIPAddr) << QMessageBox::No << false;
+    QTest::newRow("cancelled apply") << QString(getDeviceByIPAddr) << QMessageBox::No << true;
+    QTest::newRow("apply after a backup") << QString(getDeviceByIPAddr) << QMessageBox::Yes << false;
+    QTest::newRow("cancelled backup") << QString(getDeviceByIPAddr) << QMessageBox::Yes << true;
+    QTest::newRow("active device of an apply") << QString(activeDevice) << QMessageBox::No << false;
+    QTest::newRow("active device of an apply after a backup") << QString(activeDevice) << QMessageBox::Yes << false;
 }
 
 void TstApplyEndings::a_lookup_that_throws_finds_no_device()
 {
+    QFETCH(QString, operation);
     QFETCH(QMessageBox::StandardButton, answer);
     QFETCH(bool, isCancelled);
     list(packageOf(richDevice(sourceIp)));
@@ -449,12 +453,12 @@ void TstApplyEndings::a_lookup_that_throws_finds_no_device()
         Journal::instance()->clear();
         if (isCancelled)
             Faults::instance()->arm(answer == QMessageBox::Yes ? serailize : canMVEEnable, cancelling());
-        Faults::instance()->arm(getDeviceByIPAddr, Fault::run(
-                                                       [&hasThrown] {
-                                                           hasThrown = true;
-                                                           throw std::runtime_error("out of luck");
-                                                       },
-                                                       call));
+        Faults::instance()->arm(operation, Fault::run(
+                                               [&hasThrown] {
+                                                   hasThrown = true;
+                                                   throw std::runtime_error("out of luck");
+                                               },
+                                               call));
         clickApply();
         QTRY_VERIFY(Journal::instance()->count(setOperatorType) == 0 || hasJobEnded());
         settle();
