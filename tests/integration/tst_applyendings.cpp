@@ -435,7 +435,7 @@ void TstApplyEndings::a_lookup_that_throws_finds_no_device()
     QFETCH(bool, isCancelled);
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
-    const ExpectMessage critical(QtCriticalMsg, QRegularExpression(QStringLiteral("out of luck$")),
+    const ExpectMessage critical(QtCriticalMsg, QRegularExpression(QStringLiteral("(exception|in \\w+): out of luck$")),
                                  ExpectMessage::AnyNumber);
     const ExpectMessage warned(QtWarningMsg, QRegularExpression(QStringLiteral("^(Import project|Not begun)")),
                                ExpectMessage::AnyNumber);
