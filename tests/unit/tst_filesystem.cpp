@@ -9,6 +9,7 @@
 
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -481,13 +482,19 @@ void TstFileSystem::another_file_at_the_old_name_stays()
     QVERIFY(writeFile(path("show"), "the show") && writeFile(path("new"), "came meanwhile"));
     QCOMPARE(::link(QFile::encodeName(path("show")).constData(), QFile::encodeName(path("Show")).constData()), 0);
     int renames = 0;
+    QStringList onTheWay;
     s_system.beforeRename = [&] {
         if (++renames == 2)
             QVERIFY(FileSystem::replace(path("new"), path("show")));
+        else if (renames == 3)
+            onTheWay = QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden);
     };
     QString reason;
     QVERIFY(!FileSystem::renameToFreeName(path("show"), path("Show"), &reason));
     QCOMPARE(reason, QStringLiteral("cannot rename %1 to %2: it already exists").arg(path("show"), path("Show")));
+    // Should the program end there, no listing shows the name, and a later save removes it.
+    QCOMPARE(onTheWay.size(), 2);
+    QVERIFY(std::any_of(onTheWay.cbegin(), onTheWay.cend(), ReplacingFile::isFragment));
     QCOMPARE(contents(m_dir->path()), QStringList({"Show", "show"}));
     QCOMPARE(readFile(path("show")), QByteArray("came meanwhile"));
     QCOMPARE(readFile(path("Show")), QByteArray("the show"));
