@@ -128,6 +128,8 @@ private slots:
     void refilling_is_not_a_selection();
     void refilling_cuts_every_connection_but_destroyed();
     void without_a_device_list_the_selector_stays_empty();
+    void a_host_that_throws_leaves_the_selector_empty_data();
+    void a_host_that_throws_leaves_the_selector_empty();
     void null_devices_are_skipped();
 
     void choosing_a_device_binds_it();
@@ -417,6 +419,33 @@ void TstDeviceBinding::without_a_device_list_the_selector_stays_empty()
     // If it were connected, the panel would warn about an entry without marks.
     panel->deviceCombo()->addItem(QStringLiteral("x"));
     QCOMPARE(panel->deviceCombo()->currentText(), QStringLiteral("x"));
+}
+
+void TstDeviceBinding::a_host_that_throws_leaves_the_selector_empty_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::newRow("devices") << QString(getDevices);
+    QTest::newRow("active device") << QString(activeDevice);
+}
+
+void TstDeviceBinding::a_host_that_throws_leaves_the_selector_empty()
+{
+    QFETCH(QString, operation);
+    const TestSite site;
+    const Panel panel;
+    panel->show();
+    {
+        const ExpectMessage logged(
+            QtCriticalMsg, QStringLiteral("The host threw in %1: %2 throws").arg(operation.section('.', -1), operation),
+            1);
+        Faults::instance()->arm(operation, Fault::throwing());
+        showAgain(panel);
+    }
+    QCOMPARE(panel.deviceCombo()->count(), 0);
+    // If it were connected, the panel would warn about an entry without marks.
+    panel.deviceCombo()->addItem(QStringLiteral("x"));
+    showAgain(panel);
+    QCOMPARE(markedAddresses(panel), QStringList({mainHall, sideStage, foyer, touringRack}));
 }
 
 void TstDeviceBinding::null_devices_are_skipped()

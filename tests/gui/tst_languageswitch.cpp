@@ -8,6 +8,7 @@
 #include <support/pseudolanguage.h>
 #include <support/screencheck.h>
 
+#include <translatedbox.h>
 #include <udiskselectwidget.h>
 
 #include <unit/packagetesting.h>
@@ -92,6 +93,7 @@ private slots:
     void later_progress_is_in_the_new_language_data();
     void later_progress_is_in_the_new_language();
     void late_language_switch_shows_no_waiting_dialog();
+    void boxes_above_each_other_keep_their_own_texts();
     void panel_may_be_deleted_behind_a_translated_box();
 
 private:
@@ -443,6 +445,33 @@ void TstLanguageSwitch::late_language_switch_shows_no_waiting_dialog()
     settle();
     QVERIFY(!waiting()->isVisible());
     QVERIFY(waitingTexts().isEmpty());
+}
+
+void TstLanguageSwitch::boxes_above_each_other_keep_their_own_texts()
+{
+    namespace TranslatedBox = ProjectFileCfg::Internal::TranslatedBox;
+    QString language = QStringLiteral("first");
+    const auto text = [&language](const char *name) {
+        return [&language, name] { return language + QLatin1Char(' ') + QLatin1String(name); };
+    };
+    const auto textsOf = [](QDialog *dialog) {
+        return QStringList{dialog->windowTitle(), qobject_cast<FramelessMessageBox *>(dialog)->text()};
+    };
+    QWidget window;
+    m_book->expectDialog(messageBox, [&](QDialog *below) {
+        m_book->expectDialog(messageBox, [&](QDialog *above) {
+            language = QStringLiteral("other");
+            QEvent change(QEvent::LanguageChange);
+            QCoreApplication::sendEvent(&window, &change);
+            QCOMPARE(textsOf(below), QStringList({QStringLiteral("other title"), QStringLiteral("other text")}));
+            QCOMPARE(textsOf(above), QStringList({QStringLiteral("other alarm"), QStringLiteral("other cause")}));
+            above->reject();
+        });
+        TranslatedBox::warning(&window, text("alarm"), text("cause"));
+        below->reject();
+    });
+    TranslatedBox::information(&window, text("title"), text("text"));
+    VERIFY_BOOK();
 }
 
 void TstLanguageSwitch::panel_may_be_deleted_behind_a_translated_box()

@@ -8,6 +8,8 @@
 #include <support/signalrecorder.h>
 #include <support/testmain.h>
 
+#include <widgets/waitingdialog.h>
+
 #include <QHeaderView>
 #include <QPointer>
 #include <QStyledItemDelegate>
@@ -144,6 +146,7 @@ private slots:
     void label_is_15_wider_than_its_text();
     void texts_follow_the_language();
     void rows_follow_the_language_after_a_scan();
+    void the_host_names_its_cancel_button_before_operations();
 
     void command_buttons_run_their_operations();
     void row_buttons_run_their_operations();
@@ -289,6 +292,7 @@ void TstPanelConstruction::table_is_read_only()
     QCOMPARE(header->sectionResizeMode(2), QHeaderView::Fixed);
     QCOMPARE(table->columnWidth(0), 340);
     QCOMPARE(table->columnWidth(2), 340);
+    QCOMPARE(table->horizontalScrollMode(), QAbstractItemView::ScrollPerPixel);
     QCOMPARE(table->verticalHeader()->defaultSectionSize(), 48);
 
     QVERIFY(writePackage(projectFile(QStringLiteral("Project1")), QString()));
@@ -409,6 +413,21 @@ void TstPanelConstruction::rows_follow_the_language_after_a_scan()
     settle();
     QCOMPARE(texts(panel.rowButtons(0)), QStringList({QStringLiteral("编辑"), QStringLiteral("应用"),
                                                       QStringLiteral("另存为"), QStringLiteral("删除")}));
+}
+
+// No other test of this program begins an operation that can be cancelled.
+void TstPanelConstruction::the_host_names_its_cancel_button_before_operations()
+{
+    auto *waiting = Corvel::Widgets::WaitingDialog::instance();
+    waiting->setButtonText(QStringLiteral("Stop"));
+    const TestSite site;
+    const Panel panel;
+    {
+        const OneText pseudo(QStringLiteral("x"));
+        QCoreApplication::processEvents();
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(waiting->findChild<QPushButton *>(QStringLiteral("WaitingDialogCancel"))->text(), QStringLiteral("Stop"));
 }
 
 void TstPanelConstruction::command_buttons_run_their_operations()

@@ -417,21 +417,25 @@ void TstApplyEndings::host_exceptions_end_in_a_message()
 
 void TstApplyEndings::a_lookup_that_throws_finds_no_device_data()
 {
+    QTest::addColumn<QString>("operation");
     QTest::addColumn<QMessageBox::StandardButton>("answer");
     QTest::addColumn<bool>("isCancelled");
-    QTest::newRow("apply") << QMessageBox::No << false;
-    QTest::newRow("cancelled apply") << QMessageBox::No << true;
-    QTest::newRow("apply after a backup") << QMessageBox::Yes << false;
-    QTest::newRow("cancelled backup") << QMessageBox::Yes << true;
+    QTest::newRow("apply") << QString(getDeviceByIPAddr) << QMessageBox::No << false;
+    QTest::newRow("cancelled apply") << QString(getDeviceByIPAddr) << QMessageBox::No << true;
+    QTest::newRow("apply after a backup") << QString(getDeviceByIPAddr) << QMessageBox::Yes << false;
+    QTest::newRow("cancelled backup") << QString(getDeviceByIPAddr) << QMessageBox::Yes << true;
+    QTest::newRow("active device of an apply") << QString(activeDevice) << QMessageBox::No << false;
+    QTest::newRow("active device of an apply after a backup") << QString(activeDevice) << QMessageBox::Yes << false;
 }
 
 void TstApplyEndings::a_lookup_that_throws_finds_no_device()
 {
+    QFETCH(QString, operation);
     QFETCH(QMessageBox::StandardButton, answer);
     QFETCH(bool, isCancelled);
     list(packageOf(richDevice(sourceIp)));
     WaitingDialog::instance()->setCanelVisible(true);
-    const ExpectMessage critical(QtCriticalMsg, QRegularExpression(QStringLiteral("out of luck$")),
+    const ExpectMessage critical(QtCriticalMsg, QRegularExpression(QStringLiteral("(exception|in \\w+): out of luck$")),
                                  ExpectMessage::AnyNumber);
     const ExpectMessage warned(QtWarningMsg, QRegularExpression(QStringLiteral("^(Import project|Not begun)")),
                                ExpectMessage::AnyNumber);
@@ -449,12 +453,12 @@ void TstApplyEndings::a_lookup_that_throws_finds_no_device()
         Journal::instance()->clear();
         if (isCancelled)
             Faults::instance()->arm(answer == QMessageBox::Yes ? serailize : canMVEEnable, cancelling());
-        Faults::instance()->arm(getDeviceByIPAddr, Fault::run(
-                                                       [&hasThrown] {
-                                                           hasThrown = true;
-                                                           throw std::runtime_error("out of luck");
-                                                       },
-                                                       call));
+        Faults::instance()->arm(operation, Fault::run(
+                                               [&hasThrown] {
+                                                   hasThrown = true;
+                                                   throw std::runtime_error("out of luck");
+                                               },
+                                               call));
         clickApply();
         QTRY_VERIFY(Journal::instance()->count(setOperatorType) == 0 || hasJobEnded());
         settle();
@@ -476,6 +480,7 @@ void TstApplyEndings::without_a_thread_the_job_ends()
     QFETCH(QMessageBox::StandardButton, answer);
     QFETCH(QString, box);
     list(packageOf(richDevice(sourceIp)));
+    WarningGuard::clear();
     // No other thread begins between this call and the start of the job.
     Faults::instance()->arm(setOperatorType, Fault::run([] { s_refusedThreads = 1; }));
     {
@@ -488,9 +493,17 @@ void TstApplyEndings::without_a_thread_the_job_ends()
         clickApply();
         VERIFY_BOOK();
     }
+    QCOMPARE(WarningGuard::texts(QtDebugMsg).filter(QRegularExpression("the system has no thread for it$")).size(), 1);
     QVERIFY(hasJobEnded());
     QVERIFY(!(*m_site)->hardware(targetIp)->isChannelExclusive());
     settle();
+
+    // No later save applies what was to follow the failed backup.
+    Journal::instance()->clear();
+    QVERIFY(pressSave(QStringLiteral("Evening show")));
+    QTRY_VERIFY(hasJobEnded());
+    settle();
+    QCOMPARE(Journal::instance()->count(updateDeviceInfo), 0);
 
     // The next one works.
     Journal::instance()->clear();

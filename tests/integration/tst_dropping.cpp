@@ -46,11 +46,13 @@ private:
 class Pointer
 {
 public:
-    Pointer(QWidget *widget, Dragged &dragged, Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction)
+    Pointer(QWidget *widget, Dragged &dragged, Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction,
+            Qt::KeyboardModifiers modifiers = Qt::NoModifier)
         : m_window(widget->window()->windowHandle())
         , m_point(widget->mapTo(widget->window(), widget->rect().center()))
         , m_data(dragged.data())
         , m_offered(offered)
+        , m_modifiers(modifiers)
     {}
     ~Pointer()
     {
@@ -66,7 +68,7 @@ public:
     Qt::DropAction move() const { return actionAfter<QDragMoveEvent>(); }
     Qt::DropAction drop() const
     {
-        QDropEvent event(m_point, m_offered, m_data, Qt::LeftButton, Qt::NoModifier);
+        QDropEvent event(m_point, m_offered, m_data, Qt::LeftButton, m_modifiers);
         QCoreApplication::sendEvent(m_window, &event);
         return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
     }
@@ -77,7 +79,7 @@ private:
     template<typename Event>
     Qt::DropAction actionAfter() const
     {
-        Event event(m_point, m_offered, m_data, Qt::LeftButton, Qt::NoModifier);
+        Event event(m_point, m_offered, m_data, Qt::LeftButton, m_modifiers);
         QCoreApplication::sendEvent(m_window, &event);
         return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
     }
@@ -86,6 +88,7 @@ private:
     const QPoint m_point;
     QMimeData *const m_data;
     const Qt::DropActions m_offered;
+    const Qt::KeyboardModifiers m_modifiers;
 };
 
 } // namespace
@@ -188,6 +191,13 @@ void TstDropping::a_drop_is_a_copy_for_its_source()
     }
     settle();
     QVERIFY(m_panel->names().isEmpty());
+    // With Shift held, a drag proposes to move.
+    const Pointer moving(table(), dragged, Qt::CopyAction | Qt::MoveAction, Qt::ShiftModifier);
+    QCOMPARE(moving.enter(), Qt::CopyAction);
+    QCOMPARE(moving.move(), Qt::CopyAction);
+    m_book->expectInformation(remind, importSucceeded);
+    QCOMPARE(moving.drop(), Qt::CopyAction);
+    waitForAnswers();
 }
 
 void TstDropping::non_package_file_is_refused_data()

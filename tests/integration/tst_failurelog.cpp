@@ -57,6 +57,7 @@ private slots:
     void a_refused_apply_leaves_one_line();
     void a_failing_apply_logs_one_line_data();
     void a_failing_apply_logs_one_line();
+    void a_device_changed_before_its_check_is_logged();
     void a_check_that_no_longer_holds_is_logged_data();
     void a_check_that_no_longer_holds_is_logged();
     void success_and_cancelling_leave_no_line();
@@ -280,6 +281,23 @@ void TstFailureLog::a_failing_apply_logs_one_line()
     run(job);
     QCOMPARE(job.resultCode(), code);
     QCOMPARE(wrongIn(failures().filter("Apply of"), path, cause), QString());
+}
+
+void TstFailureLog::a_device_changed_before_its_check_is_logged()
+{
+    const CustomSite site({{plainDevice(onlineIp), true}});
+    const QString path = m_packages.filePath("show.corvelpro");
+    QVERIFY(packageOf(richDevice(sourceIp)).record("show", "x").write(path));
+    EngineerDocLoad job(nullptr);
+    job.setDeviceIp(onlineIp);
+    job.setPackagePath(path);
+    QVERIFY(job.checkPackageFile() && job.checkDevice() && job.confirmOnline(true));
+    WarningGuard::clear();
+    QVERIFY(!job.confirmOnline(false));
+    QCOMPARE(job.resultCode(), int(LoadImportFailed));
+    QCOMPARE(
+        wrongIn(failures().filter("Apply of"), path, "the device went offline or came online before it was checked"),
+        QString());
 }
 
 void TstFailureLog::a_check_that_no_longer_holds_is_logged_data()

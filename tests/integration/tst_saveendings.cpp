@@ -47,6 +47,8 @@ private slots:
     void host_exceptions_end_in_a_message_data();
     void host_exceptions_end_in_a_message();
     void failing_to_activate_the_device_saves_nothing();
+    void nothing_is_saved_without_the_active_device_data();
+    void nothing_is_saved_without_the_active_device();
     void a_cancel_the_host_refuses_still_cancels();
     void after_a_failure_the_next_save_works();
     void the_job_stays_until_the_next_save_begins();
@@ -151,10 +153,13 @@ void TstSaveEndings::host_exceptions_end_in_a_message_data()
     QTest::newRow("sync") << updateOnlineDevice << 1 << true;
     QTest::newRow("size of the logos") << calLogoMaterailCapacity << 1 << true;
     QTest::newRow("size of the rest") << usedCapacity << 1 << true;
+    QTest::newRow("active device before the sync") << activeDevice << 2 << true;
+    QTest::newRow("active device to be synchronised") << activeDevice << 3 << true;
     QTest::newRow("freeing the channel before") << setChannelExclusive << 1 << false;
     QTest::newRow("telling that a save runs") << setOperatorType << 1 << false;
     QTest::newRow("telling that it ended") << setOperatorType << 2 << false;
     QTest::newRow("freeing the channel after") << setChannelExclusive << 2 << false;
+    QTest::newRow("active device after") << activeDevice << 5 << false;
 }
 
 void TstSaveEndings::host_exceptions_end_in_a_message()
@@ -197,6 +202,32 @@ void TstSaveEndings::failing_to_activate_the_device_saves_nothing()
     QVERIFY(click(m_panel->saveProject()));
     VERIFY_BOOK();
     VERIFY_JOURNAL({setActiveDevice});
+}
+
+void TstSaveEndings::nothing_is_saved_without_the_active_device_data()
+{
+    QTest::addColumn<int>("call");
+    QTest::addColumn<bool>("isAsked");
+    QTest::newRow("before the dialog") << 1 << false;
+    QTest::newRow("after the dialog") << 4 << true;
+}
+
+void TstSaveEndings::nothing_is_saved_without_the_active_device()
+{
+    QFETCH(int, call);
+    QFETCH(bool, isAsked);
+    Faults::instance()->arm(activeDevice, Fault::run([] { throw std::runtime_error("out of luck"); }, call));
+    {
+        const ExpectMessage logged(QtCriticalMsg, QStringLiteral("The host threw in activeDevice: out of luck"), 1);
+        QVERIFY(isAsked ? pressSave("Show") : click(m_panel->saveProject()));
+    }
+    VERIFY_BOOK();
+    QCOMPARE(Journal::instance()->count(setOperatorType), 0);
+    QVERIFY(!WaitingDialog::instance()->isVisible());
+    // The panel remains usable.
+    QVERIFY(pressSave("Afterwards"));
+    QTRY_VERIFY(hasJobEnded());
+    QTRY_COMPARE(m_panel->names(), QStringList{"Afterwards"});
 }
 
 void TstSaveEndings::a_cancel_the_host_refuses_still_cancels()

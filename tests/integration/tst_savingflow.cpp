@@ -140,7 +140,7 @@ void TstSavingFlow::the_host_is_called_in_this_order()
 {
     QVERIFY(pressSave("Show"));
     QTRY_VERIFY(hasJobEnded());
-    QStringList expected{called(showWaitingDialog, "Sync device data , please wait."),
+    QStringList expected{called(showWaitingDialog, "0 Sync device data , please wait."),
                          called(updateOnlineDevice, "192.168.1.11 ST16-2208-0117"),
                          hideWaitingDialog,
                          called(calLogoMaterailCapacity, "192.168.1.11 1 true"),
@@ -148,10 +148,10 @@ void TstSavingFlow::the_host_is_called_in_this_order()
                          called(setChannelExclusive, "false 192.168.1.11"),
                          called(setOperatorType, "OperatorBackup"),
                          called(setCanelVisible, "true"),
-                         called(showWaitingDialog, "Please wait while the project file is exported")};
+                         called(showWaitingDialog, "0 Please wait while the project file is exported")};
     for (const char *name : {"Opening beams", "Keynote aurora", "Walk-in bokeh", "Stage blue", "Panel aurora",
                              "Award gold", "Finale beams"})
-        expected << called(showWaitingDialog, QStringLiteral("Saving the gallery [BKG:%1]...").arg(name))
+        expected << called(showWaitingDialog, QStringLiteral("0 Saving the gallery [BKG:%1]...").arg(name))
                  << called(setCanelVisible, "true");
     expected << hideWaitingDialog << called(setOperatorType, "OperatorNone")
              << called(setChannelExclusive, "false 192.168.1.11");
@@ -220,7 +220,7 @@ void TstSavingFlow::an_offline_device_is_neither_synchronised_nor_reserved()
     const QString difference =
         sequenceDifference(calls(true), {called(setActiveDevice, "192.168.1.30"),
                                          called(setOperatorType, "OperatorBackup"), called(setCanelVisible, "true"),
-                                         called(showWaitingDialog, "Please wait while the project file is exported"),
+                                         called(showWaitingDialog, "0 Please wait while the project file is exported"),
                                          hideWaitingDialog, called(setOperatorType, "OperatorNone")});
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
     QTRY_COMPARE(m_panel->names(), QStringList{"Rack"});

@@ -9,6 +9,7 @@
 
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -38,6 +39,10 @@ struct System
     int exchange = 0;
     /// Another program's action just before the next exchange.
     QVector<std::function<void()>> beforeExchange;
+    /// The file system finds a file under a name that differs in case only; see rename().
+    bool ignoresCase = false;
+    /// Another program's action just before a file is renamed to a free name.
+    std::function<void()> beforeRename;
     /// The file system can clone files (reflinks), which few support.
     bool sharesContent = false;
     /// Another program creates each folder just before.
@@ -142,6 +147,9 @@ extern "C" Q_DECL_EXPORT int rename(const char *from, const char *to) noexcept
 {
     static const auto function = original<int (*)(const char *, const char *)>("rename");
     s_system.steps.append(QStringLiteral("rename"));
+    // A second hard link of the file stands for the name in the other case, and has none of its own.
+    if (s_system.ignoresCase)
+        ::unlink(to);
     return function(from, to);
 }
 
@@ -156,6 +164,8 @@ extern "C" Q_DECL_EXPORT int renameat2(int fromFolder, const char *from, int toF
         return failsWith(s_system.exchange) ? -1 : function(fromFolder, from, toFolder, to, flags);
     }
     s_system.steps.append(QStringLiteral("rename to a free name"));
+    if (s_system.beforeRename)
+        s_system.beforeRename();
     return failsWith(s_system.renameToFreeName) ? -1 : function(fromFolder, from, toFolder, to, flags);
 }
 
@@ -189,6 +199,9 @@ private slots:
     void copying_works_without_exclusive_rename();
     void letter_case_alone_is_renamed_where_case_is_ignored_data();
     void letter_case_alone_is_renamed_where_case_is_ignored();
+    void renaming_to_its_other_hard_link_removes_the_old_name_data();
+    void renaming_to_its_other_hard_link_removes_the_old_name();
+    void another_file_at_the_old_name_stays();
     void refused_system_call_is_not_retried_differently();
     void only_what_is_expected_is_replaced_data();
     void only_what_is_expected_is_replaced();
@@ -431,17 +444,60 @@ void TstFileSystem::letter_case_alone_is_renamed_where_case_is_ignored()
 {
     QFETCH(int, error);
     s_system.renameToFreeName = error;
+    s_system.ignoresCase = true;
     QVERIFY(writeFile(path("show"), "the show") && writeFile(path("SHOW"), "another one"));
     for (const char *name : {"Show", "other"})
         QCOMPARE(::link(QFile::encodeName(path("show")).constData(), QFile::encodeName(path(name)).constData()), 0);
     s_system.steps.clear();
     QVERIFY(FileSystem::renameToFreeName(path("show"), path("Show")));
     QCOMPARE(s_system.steps.last(), QStringLiteral("rename"));
+    QCOMPARE(contents(m_dir->path()), QStringList({"SHOW", "Show", "other"}));
     s_system.steps.clear();
-    QVERIFY(!FileSystem::renameToFreeName(path("show"), path("SHOW")));
-    QVERIFY(!FileSystem::renameToFreeName(path("show"), path("other")));
+    QVERIFY(!FileSystem::renameToFreeName(path("Show"), path("SHOW")));
+    QVERIFY(!FileSystem::renameToFreeName(path("Show"), path("other")));
     QVERIFY(!s_system.steps.contains("rename"));
     QCOMPARE(readFile(path("SHOW")), QByteArray("another one"));
+}
+
+void TstFileSystem::renaming_to_its_other_hard_link_removes_the_old_name_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("with the system's help") << 0;
+    QTest::newRow("not known to the file system") << EINVAL;
+}
+
+void TstFileSystem::renaming_to_its_other_hard_link_removes_the_old_name()
+{
+    QFETCH(int, error);
+    s_system.renameToFreeName = error;
+    QVERIFY(writeFile(path("show"), "the show"));
+    QCOMPARE(::link(QFile::encodeName(path("show")).constData(), QFile::encodeName(path("Show")).constData()), 0);
+    QVERIFY(FileSystem::renameToFreeName(path("show"), path("Show")));
+    QCOMPARE(contents(m_dir->path()), QStringList{"Show"});
+    QCOMPARE(readFile(path("Show")), QByteArray("the show"));
+}
+
+void TstFileSystem::another_file_at_the_old_name_stays()
+{
+    QVERIFY(writeFile(path("show"), "the show") && writeFile(path("new"), "came meanwhile"));
+    QCOMPARE(::link(QFile::encodeName(path("show")).constData(), QFile::encodeName(path("Show")).constData()), 0);
+    int renames = 0;
+    QStringList onTheWay;
+    s_system.beforeRename = [&] {
+        if (++renames == 2)
+            QVERIFY(FileSystem::replace(path("new"), path("show")));
+        else if (renames == 3)
+            onTheWay = QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden);
+    };
+    QString reason;
+    QVERIFY(!FileSystem::renameToFreeName(path("show"), path("Show"), &reason));
+    QCOMPARE(reason, QStringLiteral("cannot rename %1 to %2: it already exists").arg(path("show"), path("Show")));
+    // Should the program end there, no listing shows the name, and a later save removes it.
+    QCOMPARE(onTheWay.size(), 2);
+    QVERIFY(std::any_of(onTheWay.cbegin(), onTheWay.cend(), ReplacingFile::isFragment));
+    QCOMPARE(contents(m_dir->path()), QStringList({"Show", "show"}));
+    QCOMPARE(readFile(path("show")), QByteArray("came meanwhile"));
+    QCOMPARE(readFile(path("Show")), QByteArray("the show"));
 }
 
 void TstFileSystem::refused_system_call_is_not_retried_differently()

@@ -85,6 +85,8 @@ void TstPictureReader::a_reduced_picture_keeps_its_proportions_data()
     QTest::newRow("high") << QSize(90, 160) << QSize(80, 80) << QSize(45, 80);
     QTest::newRow("smaller than the bounds") << QSize(16, 9) << QSize(80, 80) << QSize(16, 9);
     QTest::newRow("a thin line") << QSize(900, 1) << QSize(80, 80) << QSize(80, 1);
+    QTest::newRow("a wide stripe") << QSize(900, 3) << QSize(80, 80) << QSize(80, 1);
+    QTest::newRow("a high stripe") << QSize(3, 900) << QSize(80, 80) << QSize(1, 80);
 }
 
 void TstPictureReader::a_reduced_picture_keeps_its_proportions()

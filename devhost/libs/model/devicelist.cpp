@@ -35,6 +35,12 @@ DeviceList *DeviceList::instance()
 
 std::vector<std::shared_ptr<Device>> DeviceList::getDevices() const
 {
+    Simulation::meetFaults(Simulation::Operations::getDevices);
+    return devices();
+}
+
+std::vector<std::shared_ptr<Device>> DeviceList::devices() const
+{
     const std::lock_guard<std::mutex> locker(m_mutex);
     return m_devices;
 }
@@ -42,10 +48,10 @@ std::vector<std::shared_ptr<Device>> DeviceList::getDevices() const
 std::shared_ptr<Device> DeviceList::getDeviceByIPAddr(const QString &ip) const
 {
     Simulation::meetFaults(Simulation::Operations::getDeviceByIPAddr);
-    const std::vector<std::shared_ptr<Device>> devices = getDevices();
-    const auto found = std::find_if(devices.begin(), devices.end(),
+    const std::vector<std::shared_ptr<Device>> known = devices();
+    const auto found = std::find_if(known.begin(), known.end(),
                                     [&ip](const auto &device) { return device && device->getIPAddress() == ip; });
-    return found == devices.end() ? nullptr : *found;
+    return found == known.end() ? nullptr : *found;
 }
 
 void DeviceList::addDevice(const std::shared_ptr<Device> &device)

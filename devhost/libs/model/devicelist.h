@@ -37,6 +37,8 @@ signals:
     void devicesChanged();
 
 private:
+    std::vector<std::shared_ptr<Device>> devices() const;
+
     mutable std::mutex m_mutex;
     std::vector<std::shared_ptr<Device>> m_devices;
 };

@@ -15,6 +15,7 @@ object_brige *object_brige::instance()
 
 std::shared_ptr<Device> object_brige::activeDevice() const
 {
+    Simulation::meetFaults(Simulation::Operations::activeDevice);
     return m_activeDevice.lock();
 }
 

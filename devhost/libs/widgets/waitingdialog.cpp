@@ -101,8 +101,8 @@ WaitingDialog::~WaitingDialog()
 
 void WaitingDialog::showWaitingDialog(const QString &text, int level)
 {
-    Q_UNUSED(level)
-    Journal::instance()->record(Operations::showWaitingDialog, {{QStringLiteral("text"), text}});
+    Journal::instance()->record(Operations::showWaitingDialog,
+                                {{QStringLiteral("text"), text}, {QStringLiteral("level"), level}});
     d->wantedText = text;
     refreshText();
     if (!isVisible()) {

@@ -203,7 +203,7 @@ void EngineerDocOperWidget::slot_saveProject()
 bool EngineerDocOperWidget::startBackup(const QString &name, const QString &comment)
 {
     releaseJob(m_pDocBackup, this);
-    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
+    const std::shared_ptr<Model::Device> device = DeviceOperations::active();
     if (!device)
         return false;
     // Settled now: another program may save under the name while the host frees the channel.
@@ -270,7 +270,7 @@ void EngineerDocOperWidget::slot_backupFinished()
 
     slot_projectFilesChanged();
     updateButtonState();
-    DeviceOperations::freeChannel(Model::object_brige::instance()->activeDevice());
+    DeviceOperations::freeChannel(DeviceOperations::active());
 }
 
 // ---- Applying

@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
+#include <QUuid>
 
 #include <algorithm>
 #include <cerrno>
@@ -368,6 +369,28 @@ bool cannotRename(QString *reason, const QString &from, const QString &to, const
     return failBecause(reason, QStringLiteral("cannot rename %1 to %2: %3").arg(from, to, error));
 }
 
+#ifndef Q_OS_WIN
+bool isListed(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.dir().entryList(QDir::AllEntries | QDir::Hidden | QDir::System).contains(file.fileName());
+}
+
+/// Removes `from` if it is another name of the file at `to`. Renames it to a fragment's name first, so that a file that
+/// another program puts there meanwhile is not lost.
+bool removeOtherName(const QString &from, const QString &to, QString *reason)
+{
+    const QString id = QUuid::createUuid().toString().mid(1, 36);
+    const QString fragment = QFileInfo(from).absolutePath() + QStringLiteral("/.%1.part").arg(id);
+    if (!renameToFreeName(from, fragment, reason))
+        return false;
+    if (FileIdentity(fragment).isAt(to))
+        return QFile::remove(fragment) || cannotRename(reason, from, to, systemError());
+    renameToFreeName(fragment, from);
+    return cannotRename(reason, from, to, QStringLiteral("it already exists"));
+}
+#endif
+
 } // namespace
 
 bool replace(const QString &from, const QString &to, QString *reason)
@@ -404,9 +427,13 @@ bool renameToFreeName(const QString &from, const QString &to, QString *reason)
         return cannotRename(reason, from, to, error);
 #endif
     const QFileInfo existing(to);
-    if ((existing.exists() || existing.isSymLink()) && !isOwnName())
+    const bool isTaken = existing.exists() || existing.isSymLink();
+    if (isTaken && !isOwnName())
         return cannotRename(reason, from, to, QStringLiteral("it already exists"));
-    return replace(from, to, reason);
+    if (!replace(from, to, reason))
+        return false;
+    // rename() does nothing for two hard links of one file.
+    return !isTaken || !isListed(from) || !isListed(to) || removeOtherName(from, to, reason);
 #endif
 }
 

@@ -76,7 +76,7 @@ private:
 bool replace(const QString &from, const QString &to, QString *reason = nullptr);
 
 /// The same, but fails if another file is at `to`: anything but the file itself under a name that differs in case only.
-/// Not flushed.
+/// If that is a hard link of its own, `from` is removed. Not flushed.
 bool renameToFreeName(const QString &from, const QString &to, QString *reason = nullptr);
 
 /// Renames within a volume, replacing `expected` and nothing else: false if there is another file or a folder at `to`.

@@ -44,9 +44,21 @@ std::shared_ptr<Model::Device> DeviceOperations::find(const QString &address)
     return device;
 }
 
+std::shared_ptr<Model::Device> DeviceOperations::active()
+{
+    std::shared_ptr<Model::Device> device;
+    findActive(device);
+    return device;
+}
+
+bool DeviceOperations::findActive(std::shared_ptr<Model::Device> &device)
+{
+    return callHost("activeDevice", [&device] { device = object_brige::instance()->activeDevice(); });
+}
+
 std::shared_ptr<Model::Device> DeviceOperations::activate(const QString &address)
 {
-    std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
+    std::shared_ptr<Model::Device> device = active();
     if (!device || device->getIPAddress() == address)
         return device;
     device = find(address);
@@ -76,7 +88,7 @@ bool DeviceOperations::syncDeviceData(const QString &address)
 
 bool DeviceOperations::syncActiveDeviceData()
 {
-    return sync(object_brige::instance()->activeDevice());
+    return sync(active());
 }
 
 bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
@@ -99,7 +111,7 @@ bool DeviceOperations::sync(const std::shared_ptr<Model::Device> &device)
 
 bool DeviceOperations::restoreFactory(const QString &address)
 {
-    const std::shared_ptr<Model::Device> device = object_brige::instance()->activeDevice();
+    const std::shared_ptr<Model::Device> device = active();
     if (!device)
         return false;
     if (device->getIPAddress() != address) {

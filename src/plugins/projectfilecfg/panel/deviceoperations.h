@@ -22,6 +22,10 @@ class DeviceOperations
 public:
     /// The host's device with that address. Null if there is none, or if the host throws.
     static std::shared_ptr<Model::Device> find(const QString &address);
+    /// The host's active device. Null if there is none, or if the host throws.
+    static std::shared_ptr<Model::Device> active();
+    /// The same, but false if the host throws; `device` then stays as it is.
+    static bool findActive(std::shared_ptr<Model::Device> &device);
     /// Makes the device with that address the active one, unless it already is, and returns it. Null if that fails, if
     /// there is no such device, or if no device is active.
     static std::shared_ptr<Model::Device> activate(const QString &address);

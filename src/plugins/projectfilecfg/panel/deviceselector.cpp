@@ -3,6 +3,8 @@
 
 #include "deviceselector.h"
 
+#include "deviceoperations.h"
+#include "hostcalls.h"
 #include "plaintooltip.h"
 
 #include <host/devices.h>
@@ -85,10 +87,14 @@ bool DeviceSelector::refill(QString &address)
         qCritical() << "DeviceList::instance() is nullptr!!!";
         return false;
     }
+    std::vector<std::shared_ptr<Model::Device>> listed;
+    std::shared_ptr<Model::Device> active;
+    if (!callHost("getDevices", [&] { listed = devices->getDevices(); }) || !DeviceOperations::findActive(active))
+        return false;
 
     auto *model = new QStandardItemModel(m_pCombo);
     QString matchedAddress;
-    for (const std::shared_ptr<Model::Device> &device : devices->getDevices()) {
+    for (const std::shared_ptr<Model::Device> &device : listed) {
         if (!device || !device->deviceConfig().supportProjectFile)
             continue;
         auto *item = new QStandardItem(elidedInfo(*device));
@@ -102,7 +108,7 @@ bool DeviceSelector::refill(QString &address)
     }
     m_pCombo->setModel(model);
 
-    if (const std::shared_ptr<Model::Device> active = Model::object_brige::instance()->activeDevice()) {
+    if (active) {
         address = active->getIPAddress();
         selection = elidedInfo(*active);
     } else {

@@ -27,7 +27,7 @@ public:
     /// empty.
     ///
     /// Removes all connections of the selector's signals except destroyed(), including those made by others. False,
-    /// with an empty selector and a line in the log, if the host has no device list.
+    /// with an empty selector and a line in the log, if the host has no device list or throws.
     bool refill(QString &address);
 
     /// Makes the info text of the current entry the selector's tool tip. True if the entry's mark is complete. An empty

@@ -56,11 +56,12 @@ bool PreChecks::isPackage(QWidget *panel, const QString &path)
 
 bool PreChecks::isRoomForProject(QWidget *panel, const QString &address, const QString &directory)
 {
-    const std::shared_ptr<Model::Device> device = Model::object_brige::instance()->activeDevice();
-    if (!device || !device->getDeviceOnlineFlag())
+    std::shared_ptr<Model::Device> device;
+    const bool isAnswered = DeviceOperations::findActive(device);
+    if (isAnswered && (!device || !device->getDeviceOnlineFlag()))
         return true;
     unsigned long long size = 0;
-    if (!DeviceOperations::syncActiveDeviceData() ||
+    if (!isAnswered || !DeviceOperations::syncActiveDeviceData() ||
         !callHost("the estimate of the size", [&] { size = DeviceOperations::estimateProjectSize(address); })) {
         MessageBoxes::warn(panel, [] { return tr("Failed to get device information"); });
         return false;
