@@ -380,8 +380,7 @@ bool isListed(const QString &path)
 /// another program puts there meanwhile is not lost.
 bool removeOtherName(const QString &from, const QString &to, QString *reason)
 {
-    const QString id = QUuid::createUuid().toString().mid(1, 36);
-    const QString fragment = QFileInfo(from).absolutePath() + QStringLiteral("/.%1.part").arg(id);
+    const QString fragment = QFileInfo(from).absolutePath() + QLatin1Char('/') + fragmentName();
     if (!renameToFreeName(from, fragment, reason))
         return false;
     if (FileIdentity(fragment).isAt(to))
@@ -392,6 +391,13 @@ bool removeOtherName(const QString &from, const QString &to, QString *reason)
 #endif
 
 } // namespace
+
+QString fragmentName()
+{
+    // Not the target's name with a suffix: that could be too long for a file name.
+    const QString id = QUuid::createUuid().toString().remove(QLatin1Char('{')).remove(QLatin1Char('}'));
+    return QLatin1Char('.') + id + QStringLiteral(".part");
+}
 
 bool replace(const QString &from, const QString &to, QString *reason)
 {

@@ -72,6 +72,9 @@ private:
     int m_nHandle = -1;
 };
 
+/// A new name for a hidden temporary file, a fragment (see ReplacingFile).
+QString fragmentName();
+
 /// Renames within a volume, replacing a file at `to`. Not flushed.
 bool replace(const QString &from, const QString &to, QString *reason = nullptr);
 

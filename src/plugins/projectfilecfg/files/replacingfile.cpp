@@ -12,24 +12,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QUuid>
 
 #include <algorithm>
 #include <limits>
 
 namespace ProjectFileCfg {
 namespace Internal {
-
-namespace {
-
-QString fragmentName()
-{
-    // Not the target's name with a suffix: that could be too long for a file name.
-    const QString id = QUuid::createUuid().toString().remove(QLatin1Char('{')).remove(QLatin1Char('}'));
-    return QLatin1Char('.') + id + QStringLiteral(".part");
-}
-
-} // namespace
 
 QString ReplacingFile::resolvedTarget(const QString &targetPath)
 {
@@ -43,7 +31,7 @@ ReplacingFile::ReplacingFile(const QString &targetPath, Durability durability, F
     , m_strFolderPath(QFileInfo(m_strTargetPath).absolutePath())
     , m_durability(durability)
     , m_pFlushBehind(durability == Durability::FlushedToDisk ? &m_ownFlushBehind : flushBehind)
-    , m_fragment(m_pFlushBehind, m_strFolderPath + QLatin1Char('/') + fragmentName())
+    , m_fragment(m_pFlushBehind, m_strFolderPath + QLatin1Char('/') + FileSystem::fragmentName())
 {}
 
 ReplacingFile::~ReplacingFile()
