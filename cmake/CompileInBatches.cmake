@@ -7,14 +7,12 @@
 function(compile_in_batches size)
     find_program(PYTHON3 python3 REQUIRED)
     set(arguments)
-    set(all_sources)
     foreach(target IN LISTS ARGN)
         get_target_property(sources ${target} SOURCES)
         get_target_property(folder ${target} SOURCE_DIR)
         list(FILTER sources INCLUDE REGEX "^[^$]*\\.cpp$")
         list(TRANSFORM sources PREPEND "${folder}/")
         list(APPEND arguments -- ${target} ${sources})
-        list(APPEND all_sources ${sources})
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
     endforeach()
     list(GET ARGN 0 name)
@@ -25,8 +23,9 @@ function(compile_in_batches size)
     if(NOT result EQUAL 0)
         message(FATAL_ERROR "scripts/lint-sources --batches failed")
     endif()
-    # Ninja brings it up to date before it compares its time with that of its own rules.
-    add_custom_command(OUTPUT "${list_file}" COMMAND ${command} DEPENDS ${all_sources} "${script}" VERBATIM
+    # Ninja brings it up to date before it compares its time with that of its own rules. The script names the sources as what
+    # it depends on: unlike DEPENDS, that is no error after one was removed.
+    add_custom_command(OUTPUT "${list_file}" COMMAND ${command} DEPENDS "${script}" DEPFILE "${list_file}.d" VERBATIM
         COMMENT "Choosing which sources are compiled together")
     add_custom_target(${name}_batches DEPENDS "${list_file}")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list_file}")
