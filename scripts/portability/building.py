@@ -1,10 +1,11 @@
 # SPDX-FileCopyrightText: Velmora
 # SPDX-License-Identifier: LicenseRef-Commercial-Usage
 """What it takes to compile the product's sources in another way than the build does."""
-import json
 import pathlib
 import re
 import shlex
+
+from compilecommands import compile_commands
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PRODUCT = ROOT / "src/plugins/projectfilecfg"
@@ -24,7 +25,7 @@ def flags_of(command):
 
 def sources_and_flags(build):
     """The product's sources in a configured build folder, and the flags with which each of them finds its headers."""
-    commands = json.loads(pathlib.Path(build, "compile_commands.json").read_text(encoding="utf-8"))
+    commands = compile_commands(pathlib.Path(build, "compile_commands.json"))
     flags = {entry["file"]: flags_of(entry["command"]) for entry in commands
              if PRODUCT in pathlib.Path(entry["file"]).parents}
     if not flags:

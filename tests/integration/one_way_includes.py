@@ -8,13 +8,15 @@ be found, so that a broken command does not look like a refusal.
     one_way_includes.py COMPILE_COMMANDS PRODUCT_FOLDER
 """
 import concurrent.futures
-import json
 import os
 import pathlib
 import shlex
 import subprocess
 import sys
 import tempfile
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+from compilecommands import compile_commands  # noqa: E402
 
 # Each folder with the folders it may use.
 MAY_USE = {
@@ -49,7 +51,7 @@ def is_found(arguments, directory, header, work):
 
 
 def main():
-    commands = json.loads(pathlib.Path(sys.argv[1]).read_text())
+    commands = compile_commands(sys.argv[1])
     product = pathlib.Path(sys.argv[2]).resolve()
     headers = {folder: sorted(p.name for p in (product / folder).glob("*.h")) for folder in MAY_USE}
     headers["host"] = sorted("host/" + p.name for p in (product / "host").glob("*.h"))

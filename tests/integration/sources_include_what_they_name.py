@@ -8,13 +8,15 @@ Only preprocesses. Where the source names nothing but pointers to a class, a dec
     sources_include_what_they_name.py COMPILE_COMMANDS PRODUCT_FOLDER
 """
 import concurrent.futures
-import json
 import os
 import pathlib
 import re
 import shlex
 import subprocess
 import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+from compilecommands import compile_commands  # noqa: E402
 
 COMMENT_OR_TEXT = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"', re.DOTALL)
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[^\n]*', re.MULTILINE)
@@ -60,7 +62,7 @@ def missing_in(entry, product):
 
 def main():
     product = pathlib.Path(sys.argv[2]).resolve()
-    commands = [entry for entry in json.loads(pathlib.Path(sys.argv[1]).read_text())
+    commands = [entry for entry in compile_commands(sys.argv[1])
                 if product in pathlib.Path(entry["file"]).parents]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         results = list(pool.map(lambda entry: missing_in(entry, product), commands))

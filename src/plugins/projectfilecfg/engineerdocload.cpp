@@ -6,7 +6,6 @@
 #include "compatibility.h"
 #include "devicedescription.h"
 #include "devicelookup.h"
-#include "exceptionguard.h"
 #include "offlineapply.h"
 #include "onlineapply.h"
 #include "packagecopy.h"
@@ -17,7 +16,6 @@
 
 #include <host/core.h>
 
-#include <QDebug>
 #include <QFile>
 
 using Core::ICore;
@@ -47,33 +45,9 @@ void EngineerDocLoad::failToStart()
     check([this] { return fail(LoadImportFailed, QStringLiteral("the system has no thread for it")); });
 }
 
-bool EngineerDocLoad::fail(LoadResultCode code, const QString &reason)
-{
-    m_nResultCode = code;
-    m_strReason = reason;
-    return false;
-}
-
-bool EngineerDocLoad::stopIfCanceled()
-{
-    return m_bCancel && !fail(LoadUserCanceled);
-}
-
-bool EngineerDocLoad::guarded(const std::function<bool()> &work)
-{
-    bool isDone = false;
-    m_strReason.clear();
-    if (!runGuarded("Import project file failed, exception", [&] { isDone = work(); }))
-        return fail(LoadImportFailed);
-    if (!isDone && !m_strReason.isEmpty())
-        qDebug().noquote() << "Apply of" << m_strPackagePath << "failed:"
-                           << (m_bCancel ? m_strReason + QStringLiteral("; Cancel was pressed before") : m_strReason);
-    return isDone;
-}
-
 bool EngineerDocLoad::check(const std::function<bool()> &work)
 {
-    const bool isPassed = guarded(work);
+    const bool isPassed = m_outcome.guarded(m_strPackagePath, m_bCancel, work);
     if (!isPassed)
         releasePackage();
     return isPassed;
@@ -85,8 +59,8 @@ bool EngineerDocLoad::checkPackageFile()
         if (m_strPackagePath.isEmpty() || !QFile::exists(m_strPackagePath))
             return fail(LoadFileContentError, QStringLiteral("there is no such file"));
         // The file first, so that nothing but a package is copied. Then the copy, since that is what is applied.
-        return ZipPackageHandle::checkPacketChecksum(m_strPackagePath, &m_strReason) && openPackage() &&
-               ZipPackageHandle::checkPacketChecksum(*m_pPackage, &m_strReason);
+        return ZipPackageHandle::checkPacketChecksum(m_strPackagePath, m_outcome.reason()) && openPackage() &&
+               ZipPackageHandle::checkPacketChecksum(*m_pPackage, m_outcome.reason());
     });
 }
 
@@ -95,7 +69,7 @@ bool EngineerDocLoad::checkDevice()
     return check([this] {
         const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
         if (!target)
-            return fail(LoadGetDeviceFailed, noDevice());
+            return failWithoutDevice();
         m_bCheckedOnline = target->getDeviceOnlineFlag();
         QString reason;
         if (!readDescription() ||
@@ -114,17 +88,15 @@ bool EngineerDocLoad::confirmOnline(bool online)
     });
 }
 
-QString EngineerDocLoad::noDevice() const
+bool EngineerDocLoad::failWithoutDevice()
 {
-    return QStringLiteral("there is no device %1").arg(m_strDeviceIp);
+    return fail(LoadGetDeviceFailed, QStringLiteral("there is no device %1").arg(m_strDeviceIp));
 }
 
 bool EngineerDocLoad::openPackage()
 {
-    QString reason;
-    const LoadResultCode code = openPackageCopy(m_strPackagePath, m_pPackage, &reason);
-    m_strReason = reason;
-    return passes(code, reason) && m_pPackage;
+    m_outcome.reason()->clear();
+    return passes(openPackageCopy(m_strPackagePath, m_pPackage, m_outcome.reason()), *m_outcome.reason()) && m_pPackage;
 }
 
 bool EngineerDocLoad::readDescription()
@@ -132,7 +104,7 @@ bool EngineerDocLoad::readDescription()
     if (!PackageLayout::hasPackageExtension(m_strPackagePath))
         return fail(LoadJsonFileError, QStringLiteral("it does not have the extension of a package"));
     if (!m_pPackage && !openPackage())
-        return m_nResultCode == LoadSuccess ? fail(LoadJsonFileError, m_strReason) : false;
+        return m_outcome.code() == LoadSuccess ? fail(LoadJsonFileError, *m_outcome.reason()) : false;
     QString reason;
     return passes(readDeviceDescription(*m_pPackage, ICore::ExtractJsonPath(), m_pPackageDevice, &reason), reason);
 }
@@ -152,7 +124,7 @@ std::shared_ptr<Model::Device> EngineerDocLoad::unserailizeDevice(const QString 
 void EngineerDocLoad::run()
 {
     m_bCancel = false;
-    guarded([this] { return apply(); });
+    m_outcome.guarded(m_strPackagePath, m_bCancel, [this] { return apply(); });
     // The panel keeps the job for its result code; the copy must not take up disk space that long.
     releasePackage();
 }
@@ -161,7 +133,7 @@ bool EngineerDocLoad::apply()
 {
     const std::shared_ptr<Model::Device> target = findDeviceByAddress(m_strDeviceIp);
     if (!target || !m_pPackageDevice || !m_pPackage)
-        return fail(LoadGetDeviceFailed, noDevice());
+        return failWithoutDevice();
     takeIdentity(*m_pPackageDevice, *target, m_strDeviceIp);
 
     // The checks no longer hold: a device that went offline has been reset, and its hardware would stay empty; one that
@@ -173,7 +145,10 @@ bool EngineerDocLoad::apply()
 
 bool EngineerDocLoad::applyOffline(Model::Device &target)
 {
-    const bool isCopied = copySourceToOfflineDevice() && !stopIfCanceled();
+    QString reason;
+    const bool isCopied =
+        passes(extractContent(*m_pPackage, m_strPackagePath, offlineFolder(m_strDeviceIp), &reason), reason) &&
+        !stopIfCanceled();
 
     // Even after a failed copy, whose code stays.
     replaceModel(target, *m_pPackageDevice);
@@ -181,12 +156,6 @@ bool EngineerDocLoad::applyOffline(Model::Device &target)
         return isCopied && fail(LoadSerializeFailed, QStringLiteral("the host cannot write the description"));
     refreshThumbnails(target, offlineFolder(m_strDeviceIp));
     return isCopied && !stopIfCanceled();
-}
-
-bool EngineerDocLoad::copySourceToOfflineDevice()
-{
-    QString reason;
-    return passes(extractContent(*m_pPackage, m_strPackagePath, offlineFolder(m_strDeviceIp), &reason), reason);
 }
 
 bool EngineerDocLoad::copyConfigFileToDevice()

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "loadoutcome.h"
 #include "operationresultcodes.h"
 
 #include <host/fwd.h>
@@ -66,7 +67,7 @@ public:
     void cancel() { m_bCancel = true; }
 
     /// The LoadResultCode; valid after a check returned false, or once QThread::finished was emitted.
-    int resultCode() const { return m_nResultCode; }
+    int resultCode() const { return m_outcome.code(); }
 
     /// Reads a device description that the host has written. Null if the file cannot be read, is not a JSON document
     /// with content, or is too large (see readDeviceDescription()). Caller's thread.
@@ -84,25 +85,20 @@ protected:
     void run() override;
 
 private:
-    /// Runs work that calls the host; after an exception, which is logged, fails with LoadImportFailed.
-    bool guarded(const std::function<bool()> &work);
-    /// The same for a check. One that fails releases the package, since no run will follow.
+    /// Runs a check. One that fails releases the package, since no run will follow.
     bool check(const std::function<bool()> &work);
-    QString noDevice() const;
     /// False, without a code, if the package no longer exists.
     bool openPackage();
     bool readDescription();
     bool apply();
     bool applyOffline(Model::Device &target);
-    bool copySourceToOfflineDevice();
     bool applyOnline(const std::shared_ptr<Model::Device> &target);
     bool onlineSend(OnlineApply &online);
     bool sendSourceToOnlineDevice(OnlineApply &online);
-    /// Sets the code and the reason, and returns false. guarded() logs the reason, if there is one.
-    bool fail(LoadResultCode code, const QString &reason = QString());
-    /// True for LoadSuccess; fails with any other code.
-    bool passes(LoadResultCode code, const QString &reason) { return code == LoadSuccess || fail(code, reason); }
-    bool stopIfCanceled();
+    bool fail(LoadResultCode code, const QString &reason = QString()) { return m_outcome.fail(code, reason); }
+    bool passes(LoadResultCode code, const QString &reason) { return m_outcome.passes(code, reason); }
+    bool failWithoutDevice();
+    bool stopIfCanceled() { return m_bCancel && !fail(LoadUserCanceled); }
 
     std::atomic<bool> m_bCancel{false};
     QString m_strPackagePath;
@@ -112,9 +108,8 @@ private:
     std::unique_ptr<PackageReader> m_pPackage;
     /// Whether the device was online at the check.
     bool m_bCheckedOnline = false;
-    std::atomic<int> m_nResultCode{LoadSuccess};
-    /// Why the current check or run failed.
-    QString m_strReason;
+    /// Of the last check or of the run.
+    LoadOutcome m_outcome;
 };
 
 } // namespace Internal
