@@ -143,10 +143,12 @@ public:
     /// A figure that must not exceed `limit`.
     void atMost(const QString &what, double value, const QString &unit, double limit)
     {
-        figure(judged(what, value, "<=", limit), unit);
-        std::printf("%-58s %10.2f %-4s <= %g: %s\n", qPrintable(what), value, qPrintable(unit), limit,
-                    value <= limit ? "reached" : "MISSED");
-        std::fflush(stdout);
+        judge(what, value, unit, "<=", limit);
+    }
+    /// A figure that must reach `limit`.
+    void atLeast(const QString &what, double value, const QString &unit, double limit)
+    {
+        judge(what, value, unit, ">=", limit);
     }
     /// A figure for information.
     void told(const QString &what, double value, const QString &unit)
@@ -184,6 +186,14 @@ private:
             row.insert("limit", limit);
         }
         return row;
+    }
+    void judge(const QString &what, double value, const QString &unit, const char *sign, double limit)
+    {
+        const QJsonObject row = judged(what, value, sign, limit);
+        figure(row, unit);
+        std::printf("%-58s %10.2f %-4s %s %g: %s\n", qPrintable(what), value, qPrintable(unit), sign, limit,
+                    row.value("met").toBool() ? "reached" : "MISSED");
+        std::fflush(stdout);
     }
     void figure(QJsonObject row, const QString &unit)
     {
