@@ -262,10 +262,10 @@ void editing(Report &report, const QString &folder)
 void onSlowDisk(Report &report, const QString &folder)
 {
     makeDevice(folder + "/device");
-    packing(report, folder, folder + "/device", "slow disk: pack 94 MB", 1.1);
+    packing(report, folder, folder + "/device", "pack 94 MB", 1.1);
     QDir(folder + "/copies").removeRecursively();
     QDir(folder + "/device").removeRecursively();
-    copying(report, folder, "slow disk: save as of", largeSize / 10, saveAs);
+    copying(report, folder, "save as of", largeSize / 10, saveAs);
 }
 
 } // namespace
