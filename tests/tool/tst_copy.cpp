@@ -5,7 +5,7 @@
 #include "devicefiles.h"
 
 #include "commandline/interrupt.h"
-#include "copying/pagecache.h"
+#include "copying/dropfrommemory.h"
 #include "copying/verifiedcopy.h"
 #include "replacingfile.h"
 

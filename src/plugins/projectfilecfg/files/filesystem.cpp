@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
@@ -112,6 +113,27 @@ bool isOpenFile(const QString &path, int)
     return QFileInfo(path).isFile();
 }
 
+qint64 size(int handle)
+{
+    return std::max<qint64>(_filelengthi64(handle), 0);
+}
+
+bool isRemoved(int)
+{
+    // Windows removes no open file's name.
+    return false;
+}
+
+int duplicate(int handle)
+{
+    return _dup(handle);
+}
+
+void close(int handle)
+{
+    _close(handle);
+}
+
 qint64 modified(int handle)
 {
     struct _stat64 status;
@@ -200,6 +222,28 @@ bool isOpenFile(const QString &path, int handle)
            opened.st_dev == found.st_dev && opened.st_ino == found.st_ino;
 }
 
+qint64 size(int handle)
+{
+    struct stat status;
+    return fstat(handle, &status) == 0 ? status.st_size : 0;
+}
+
+bool isRemoved(int handle)
+{
+    struct stat status;
+    return fstat(handle, &status) == 0 && status.st_nlink == 0;
+}
+
+int duplicate(int handle)
+{
+    return fcntl(handle, F_DUPFD_CLOEXEC, 0);
+}
+
+void close(int handle)
+{
+    ::close(handle);
+}
+
 qint64 modified(int handle)
 {
     struct stat status;
@@ -265,17 +309,6 @@ bool shareContent(int from, int to)
     Q_UNUSED(from)
     Q_UNUSED(to)
     return false;
-#endif
-}
-
-void beginFlush(int handle)
-{
-#ifdef Q_OS_LINUX
-    // The whole file, since the zip library seeks back to complete its headers. The system skips pages that it is
-    // writing already.
-    sync_file_range(handle, 0, 0, SYNC_FILE_RANGE_WRITE);
-#else
-    Q_UNUSED(handle)
 #endif
 }
 

@@ -41,10 +41,6 @@ bool flush(int handle);
 /// nothing is read or written. False, without a change, if the file system cannot do that.
 bool shareContent(int from, int to);
 
-/// Starts writing the current content of an open file to disk without waiting, so that flush() has less to do. Does
-/// nothing on platforms without such a call. Failures are reported by flush().
-void beginFlush(int handle);
-
 /// Flushes everything below the folder. Use it for many files: flushing each one takes milliseconds.
 bool flushTree(const QString &folderPath, QString *reason = nullptr);
 
@@ -125,6 +121,16 @@ private:
 
 /// True if the open file is still the one at `path`: it was neither removed nor replaced since it was opened.
 bool isOpenFile(const QString &path, int handle);
+
+/// The open file's size in bytes, 0 on failure.
+qint64 size(int handle);
+
+/// True if the open file has no name any more.
+bool isRemoved(int handle);
+
+/// A second handle of the open file, to keep it open after the first one is closed; -1 on failure.
+int duplicate(int handle);
+void close(int handle);
 
 /// The open file's modification time, in nanoseconds since 1970.
 qint64 modified(int handle);

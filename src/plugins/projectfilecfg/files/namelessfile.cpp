@@ -3,6 +3,7 @@
 
 #include "namelessfile.h"
 
+#include "flushbehind.h"
 #include "reason.h"
 
 #include <QTemporaryFile>
@@ -10,9 +11,27 @@
 namespace ProjectFileCfg {
 namespace Internal {
 
+namespace {
+
+/// Owns what it is written with.
+struct OwnFlushBehind
+{
+    FlushBehind flushBehind{FlushBehind::Begin::BeyondDistance};
+};
+
+class NamelessFile : private OwnFlushBehind, public FlushedBehind<QTemporaryFile>
+{
+public:
+    explicit NamelessFile(const QString &pattern)
+        : FlushedBehind(&flushBehind, pattern)
+    {}
+};
+
+} // namespace
+
 std::unique_ptr<QFile> openNamelessFile(const QString &folder, QString *reason)
 {
-    auto file = std::make_unique<QTemporaryFile>(folder + QStringLiteral("/.XXXXXX.part"));
+    auto file = std::make_unique<NamelessFile>(folder + QStringLiteral("/.XXXXXX.part"));
     if (!file->open()) {
         failBecause(reason, QStringLiteral("cannot create a file in %1: %2").arg(folder, file->errorString()));
         return nullptr;

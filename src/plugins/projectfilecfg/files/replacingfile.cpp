@@ -31,23 +31,6 @@ QString fragmentName()
 
 } // namespace
 
-ReplacingFile::Fragment::Fragment(const QString &path, Durability durability)
-    : QFile(path)
-    , m_durability(durability)
-{}
-
-qint64 ReplacingFile::Fragment::writeData(const char *data, qint64 size)
-{
-    constexpr qint64 portion = 8 * 1024 * 1024;
-    const qint64 count = QFile::writeData(data, size);
-    m_nWaiting += std::max<qint64>(count, 0);
-    if (m_durability == Durability::FlushedToDisk && m_nWaiting >= portion) {
-        m_nWaiting = 0;
-        FileSystem::beginFlush(handle());
-    }
-    return count;
-}
-
 QString ReplacingFile::resolvedTarget(const QString &targetPath)
 {
     const QFileInfo target(targetPath);
@@ -55,11 +38,12 @@ QString ReplacingFile::resolvedTarget(const QString &targetPath)
     return linkedPath.isEmpty() ? target.absoluteFilePath() : linkedPath;
 }
 
-ReplacingFile::ReplacingFile(const QString &targetPath, Durability durability)
+ReplacingFile::ReplacingFile(const QString &targetPath, Durability durability, FlushBehind *flushBehind)
     : m_strTargetPath(resolvedTarget(targetPath))
     , m_strFolderPath(QFileInfo(m_strTargetPath).absolutePath())
-    , m_fragment(m_strFolderPath + QLatin1Char('/') + fragmentName(), durability)
     , m_durability(durability)
+    , m_pFlushBehind(durability == Durability::FlushedToDisk ? &m_ownFlushBehind : flushBehind)
+    , m_fragment(m_pFlushBehind, m_strFolderPath + QLatin1Char('/') + fragmentName())
 {}
 
 ReplacingFile::~ReplacingFile()
@@ -103,7 +87,7 @@ bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
         return false;
     QString error;
     if (!FileSystem::shareContent(source.handle(), m_fragment.handle()) &&
-        !copyStream(source, m_fragment, std::numeric_limits<qint64>::max(), &copied, nullptr, &error))
+        !copyFile(source, m_fragment, std::numeric_limits<qint64>::max(), &copied, nullptr, &error))
         return failBecause(reason, QStringLiteral("cannot copy %1 to %2: %3").arg(sourcePath, m_strTargetPath, error));
     // QFile::permissions() adds flags for the current user, which are not stored in the file. A failure does not
     // matter: a stick's file system may have no permissions.
@@ -114,7 +98,14 @@ bool ReplacingFile::createFrom(const QString &sourcePath, QString *reason)
 
 bool ReplacingFile::cannotWrite(QString *reason) const
 {
-    return failBecause(reason, QStringLiteral("cannot write %1: %2").arg(m_strTargetPath, writeError(m_fragment)));
+    const QString refusal = m_fragment.refusal();
+    return failBecause(reason, QStringLiteral("cannot write %1: %2")
+                                   .arg(m_strTargetPath, refusal.isEmpty() ? writeError(m_fragment) : refusal));
+}
+
+bool ReplacingFile::cannotFlush(QString *reason) const
+{
+    return failBecause(reason, QStringLiteral("cannot flush %1: %2").arg(m_strTargetPath, systemError()));
 }
 
 bool ReplacingFile::commit(ExistingTarget existing, QString *reason)
@@ -140,10 +131,12 @@ bool ReplacingFile::commitInPlaceOf(const FileSystem::FileIdentity &previous, QS
 // docs/package-format.md lists the state on disk after a crash between any two of these steps.
 bool ReplacingFile::finish(const std::function<bool()> &rename, QString *reason)
 {
-    if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError)
+    if (!m_fragment.flush() || m_fragment.error() != QFileDevice::NoError || !m_fragment.refusal().isEmpty())
         return cannotWrite(reason);
     if (m_durability == Durability::FlushedToDisk && !FileSystem::flush(m_fragment.handle()))
-        return failBecause(reason, QStringLiteral("cannot flush %1: %2").arg(m_strTargetPath, systemError()));
+        return cannotFlush(reason);
+    if (m_durability == Durability::NotFlushed && m_pFlushBehind && !m_pFlushBehind->finish(m_fragment.handle()))
+        return cannotFlush(reason);
     m_fragment.close();
     if (m_fragment.error() != QFileDevice::NoError)
         return cannotWrite(reason);

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "flushbehind.h"
+
 #include <QFile>
 
 #include <functional>
@@ -43,7 +45,10 @@ public:
     static QString resolvedTarget(const QString &targetPath);
 
     /// If `targetPath` is a symbolic link, its target is replaced and the link stays.
-    ReplacingFile(const QString &targetPath, Durability durability);
+    ///
+    /// `flushBehind` is for files that need not be flushed and may be large; it outlives this object. A file that is
+    /// flushed has its own.
+    ReplacingFile(const QString &targetPath, Durability durability, FlushBehind *flushBehind = nullptr);
     /// Removes the fragment unless it was committed.
     ~ReplacingFile();
 
@@ -80,29 +85,17 @@ public:
 private:
     Q_DISABLE_COPY(ReplacingFile)
 
-    /// Has the system write to disk while more is being written; otherwise the disk would be idle until commit() waits
-    /// for all of it.
-    class Fragment : public QFile
-    {
-    public:
-        Fragment(const QString &path, Durability durability);
-
-    protected:
-        qint64 writeData(const char *data, qint64 size) override;
-
-    private:
-        const Durability m_durability;
-        qint64 m_nWaiting = 0;
-    };
-
     bool openFragment(QString *reason);
     bool cannotWrite(QString *reason) const;
+    bool cannotFlush(QString *reason) const;
     bool finish(const std::function<bool()> &rename, QString *reason);
 
     QString m_strTargetPath;
     QString m_strFolderPath;
-    Fragment m_fragment;
     Durability m_durability;
+    FlushBehind m_ownFlushBehind{FlushBehind::Begin::AtOnce};
+    FlushBehind *const m_pFlushBehind;
+    FlushedBehind<QFile> m_fragment;
     bool m_bCommitted = false;
 };
 

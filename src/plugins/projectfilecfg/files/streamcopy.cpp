@@ -3,10 +3,11 @@
 
 #include "streamcopy.h"
 
+#include "dropbehind.h"
 #include "reason.h"
 
 #include <QByteArray>
-#include <QIODevice>
+#include <QFile>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -28,6 +29,18 @@ bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 
             return failBecause(reason, QStringLiteral("cannot write: %1").arg(writeError(destination)));
     }
     return count == 0 || failBecause(reason, QStringLiteral("cannot read: %1").arg(source.errorString()));
+}
+
+bool copyFile(QFile &source, QIODevice &destination, qint64 limit, qint64 *copied,
+              const std::function<void(const char *data, qint64 size)> &look, QString *reason)
+{
+    DropBehind dropBehind(source.handle());
+    const auto pass = [&](const char *data, qint64 size) {
+        dropBehind.advance(source.pos());
+        if (look)
+            look(data, size);
+    };
+    return copyStream(source, destination, limit, copied, pass, reason);
 }
 
 } // namespace Internal

@@ -7,6 +7,7 @@
 
 #include <functional>
 
+class QFile;
 class QIODevice;
 class QString;
 
@@ -18,6 +19,11 @@ namespace Internal {
 /// each portion. `reason` does not contain a path, since the caller knows both.
 bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied,
                 const std::function<void(const char *data, qint64 size)> &look = nullptr, QString *reason = nullptr);
+
+/// The same for a file that is read once: leaves nothing of it in the page cache that was not there before (see
+/// DropBehind).
+bool copyFile(QFile &source, QIODevice &destination, qint64 limit, qint64 *copied,
+              const std::function<void(const char *data, qint64 size)> &look = nullptr, QString *reason = nullptr);
 
 } // namespace Internal
 } // namespace ProjectFileCfg

@@ -3,9 +3,11 @@
 
 #include "packagereader.h"
 
+#include "dropbehind.h"
 #include "packagechecksum.h"
 #include "packagelayout.h"
 #include "packagelimits.h"
+#include "pagecache.h"
 #include "readcachedevice.h"
 #include "reason.h"
 #include "replacingfile.h"
@@ -327,7 +329,13 @@ bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64
         return failAsTooLarge(reason, entry.nSize, limit);
     if (!goTo(entry) || !source.open(QIODevice::ReadOnly))
         return failBecause(reason, QStringLiteral("its header is damaged"));
-    if (!copyStream(source, destination, limit, &copied, nullptr, reason))
+    if (!m_pDropBehind && entry.nPackedSize >= PageCache::smallFileSize)
+        m_pDropBehind = std::make_unique<DropBehind>(m_pFile->file().handle());
+    const auto dropBehind = [this](const char *, qint64) {
+        if (m_pDropBehind)
+            m_pDropBehind->advance(m_pFile->pos());
+    };
+    if (!copyStream(source, destination, limit, &copied, dropBehind, reason))
         return false;
     if (copied != entry.nSize)
         return failBecause(reason, QStringLiteral("it has %1 of %2 bytes").arg(copied).arg(entry.nSize));
@@ -350,7 +358,7 @@ bool PackageReader::writeEntry(const Entry &entry, const QString &destPath, qint
     // Not checked for small files: there may be thousands, and on a full disk the write fails soon enough.
     constexpr qint64 smallSize = 64 * 1024;
     const qint64 room = entry.nSize > smallSize ? freeSpace(folderPath) : smallSize;
-    ReplacingFile destination(destPath, ReplacingFile::Durability::NotFlushed);
+    ReplacingFile destination(destPath, ReplacingFile::Durability::NotFlushed, &m_flushBehind);
     return destination.create(ReplacingFile::MissingFolders::Made, reason) &&
            copyEntry(entry, destination.file(), std::min(limit, room), reason) &&
            destination.commit(ReplacingFile::ExistingTarget::Replaced, reason);

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "flushbehind.h"
+
 #include <QByteArray>
 #include <QPair>
 #include <QSet>
@@ -19,6 +21,7 @@ class QuaZip;
 namespace ProjectFileCfg {
 namespace Internal {
 
+class DropBehind;
 class ReadCacheDevice;
 
 /// An open package, to read and extract its entries. Not thread-safe.
@@ -114,6 +117,9 @@ private:
 
     std::unique_ptr<ReadCacheDevice> m_pFile;
     std::unique_ptr<QuaZip> m_pZip;
+    /// Null until the first large entry is read.
+    std::unique_ptr<DropBehind> m_pDropBehind;
+    FlushBehind m_flushBehind{FlushBehind::Begin::BeyondDistance};
     /// Why it is not open.
     QString m_strOpenError;
     mutable std::unique_ptr<Directory> m_pDirectory;

@@ -28,7 +28,7 @@ PackageSnapshot::Outcome PackageSnapshot::take(const QString &packetPath, const 
             continue;
         if (FileSystem::shareContent(package.handle(), m_pCopy->handle()))
             return Outcome::Taken;
-        if (copyStream(package, *m_pCopy, std::numeric_limits<qint64>::max(), &copied, nullptr, &error) &&
+        if (copyFile(package, *m_pCopy, std::numeric_limits<qint64>::max(), &copied, nullptr, &error) &&
             m_pCopy->flush())
             return Outcome::Taken;
         m_pCopy.reset();

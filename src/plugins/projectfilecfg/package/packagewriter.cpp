@@ -298,18 +298,18 @@ bool PackageWriter::copyContent(Entry &entry, QIODevice &destination, QString *r
     if (isPicture(entry.strName)) {
         PictureScan picture;
         const auto look = [&picture](const char *data, qint64 size) { picture.feed(data, size); };
-        return copyStream(source, destination, limit, &entry.nSize, look, reason) &&
+        return copyFile(source, destination, limit, &entry.nSize, look, reason) &&
                (isFit(picture, entry.strName) ||
                 failBecause(reason, QStringLiteral("no reader accepts a picture of this size or with such texts")));
     }
     if (entry.strName == m_strFirstDescription) {
         DescriptionScan description;
         const auto look = [&description](const char *data, qint64 size) { description.feed(data, size); };
-        return copyStream(source, destination, PackageLimits::maxParsedDescriptionSize, &entry.nSize, look, reason) &&
+        return copyFile(source, destination, PackageLimits::maxParsedDescriptionSize, &entry.nSize, look, reason) &&
                (description.parts() <= PackageLimits::maxDescriptionParts ||
                 failBecause(reason, QStringLiteral("no reader accepts a description with so many parts")));
     }
-    return copyStream(source, destination, limit, &entry.nSize, nullptr, reason);
+    return copyFile(source, destination, limit, &entry.nSize, nullptr, reason);
 }
 
 bool PackageWriter::isFit(const PictureScan &picture, const QString &name)

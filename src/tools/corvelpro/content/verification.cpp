@@ -9,6 +9,7 @@
 #include "namecheck.h"
 #include "writeonlydevice.h"
 
+#include "dropbehind.h"
 #include "reason.h"
 #include "zippackagehandle.h"
 
@@ -105,6 +106,11 @@ void Verification::checkContents(PackageReader &package, const ArchiveDirectory 
     if (!isListable(package, directory))
         return;
     QFile &file = package.file();
+    DropBehind dropBehind(file.handle());
+    const auto pass = [&](qint64 bytes) {
+        dropBehind.advance(file.pos());
+        passed(bytes);
+    };
     HeaderCheck headers(file, directory, m_findings);
     ContentCheck contents(directory, m_findings);
     QSet<QString> names;
@@ -120,7 +126,7 @@ void Verification::checkContents(PackageReader &package, const ArchiveDirectory 
         contents.check(entry, [&](const ContentSink &sink, QString *reason) {
             if (isPlain)
                 return (file.seek(offset) || failBecause(reason, file.errorString())) &&
-                       readContent(file, entry.header, sink, passed, reason);
+                       readContent(file, entry.header, sink, pass, reason);
             SinkDevice device(sink);
             return package.read(entry.name, device, PackageReader::maxSizeOf(entry.name), reason);
         });

@@ -4,7 +4,7 @@
 #include "verifiedcopy.h"
 
 #include "digestingdevice.h"
-#include "pagecache.h"
+#include "dropfrommemory.h"
 
 #include "filesystem.h"
 #include "plainfile.h"
@@ -58,7 +58,7 @@ bool VerifiedCopy::write(ReplacingFile &copy, QString *reason)
     const FileSystem::ReadLock lock(source.handle());
     DigestingDevice destination(&copy.file(), m_step);
     qint64 copied = 0;
-    if (!copyStream(source, destination, unlimited, &copied, nullptr, reason))
+    if (!copyFile(source, destination, unlimited, &copied, nullptr, reason))
         return false;
     m_digest = destination.digest();
     return (copy.file().flush() && FileSystem::flush(copy.file().handle())) ||
@@ -73,7 +73,7 @@ bool VerifiedCopy::readBack(const QString &path, QString *reason)
     m_proof = dropFromMemory(copy.handle(), copy.size()) ? Proof::Disk : Proof::Memory;
     DigestingDevice digested(nullptr, m_step);
     qint64 copied = 0;
-    if (!copyStream(copy, digested, unlimited, &copied, nullptr, reason))
+    if (!copyFile(copy, digested, unlimited, &copied, nullptr, reason))
         return false;
     return digested.digest() == m_digest ||
            failBecause(reason,
