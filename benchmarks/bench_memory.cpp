@@ -8,7 +8,7 @@
 
 #include "benchmark.h"
 #include "packagesamples.h"
-#include "pagecache.h"
+#include "cachedfiles.h"
 
 #include "packagesnapshot.h"
 #include "projectcopies.h"

@@ -9,7 +9,7 @@
 #include "benchmark.h"
 #include "packagesamples.h"
 
-#include "copying/pagecache.h"
+#include "copying/dropfrommemory.h"
 #include "projectlist.h"
 
 #include <QCoreApplication>
