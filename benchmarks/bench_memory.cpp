@@ -7,8 +7,8 @@
 //     bench_memory [--quick] [--rows FILE] [bounded] [kept] [crowded]      all where none is named; needs 16 GB of disk
 
 #include "benchmark.h"
-#include "packagesamples.h"
 #include "cachedfiles.h"
+#include "packagesamples.h"
 
 #include "packagesnapshot.h"
 #include "projectcopies.h"
@@ -174,7 +174,7 @@ void bounded(Report &report, const QString &folder)
             mostOfSystem = std::max(mostOfSystem, cacheOfSystem());
             return files.cachedBytes();
         });
-        operation.work(ground);
+        const double time = millisecondsOf([&] { operation.work(ground); });
         const QString what = "page cache of its files, " + operation.name + ", " + megabytes(size);
         const double most = double(sampler.most()) / double(MiB);
         if (operation.isOurs)
@@ -182,7 +182,7 @@ void bounded(Report &report, const QString &folder)
         else
             report.told(what, most, "MiB");
         report.told("  that of the system grew by", double(mostOfSystem - systemBefore) / double(MiB), "MiB");
-        report.told("  samples", sampler.samples(), "");
+        report.told("  looked at every", time / sampler.samples(), "ms");
     }
 }
 
@@ -192,34 +192,49 @@ double cachedPercent(const Files &files)
     return 100 * double(files.cachedBytes()) / double(files.size());
 }
 
-void readAll(const QString &path)
+/// Reads until all of it is in memory: the system may take pages away at any time, for something else.
+void readIntoMemory(const std::function<void()> &read, const std::function<double()> &percent)
 {
-    run("sh", {"-c", "find \"$0\" -type f -exec cat {} + >/dev/null", path});
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        read();
+        if (percent() == 100)
+            return;
+    }
+    fail("the system does not keep files in memory");
+}
+
+/// What the program drops goes in each run, what the system needed for something else does not.
+double bestOfThree(double limit, const std::function<double()> &run)
+{
+    double best = run();
+    for (int more = 0; more < 2 && best < limit; ++more)
+        best = std::max(best, run());
+    return best;
 }
 
 /// What was in memory before and is only read stays there.
 void kept(Report &report, const QString &folder)
 {
-    const qint64 size = (report.isQuick() ? 100 : 1000) * 1000LL * 1000;
-    const Ground ground(folder + "/ground");
-    ground.fill(size);
     constexpr double limit = 99;
+    const qint64 size = (report.isQuick() ? 100 : 1000) * 1000LL * 1000;
+    const Ground ground(folder);
+    ground.fill(size);
+    const auto read = [&ground] {
+        run("sh", {"-c", "find \"$0\" -type f -exec cat {} + >/dev/null", ground.folder()});
+    };
     const auto percent = [&ground] {
         return std::min(cachedPercent(CachedFolder(ground.content())), cachedPercent(CachedFile(ground.package())));
     };
     for (const Operation &operation : operations()) {
         if (!operation.isOurs)
             continue;
-        // What the program drops goes in each run, what the system needed for something else does not.
-        double most = 0;
-        for (int run = 0; run < 3 && most < limit; ++run) {
+        const double best = bestOfThree(limit, [&] {
             ground.clear();
-            readAll(ground.folder());
-            require(percent() == 100, "the system does not keep files in memory");
+            readIntoMemory(read, percent);
             operation.work(ground);
-            most = std::max(most, percent());
-        }
-        report.atLeast("its source stays in memory, " + operation.name + ", " + megabytes(size), most, "%", limit);
+            return percent();
+        });
+        report.atLeast("its source stays in memory, " + operation.name + ", " + megabytes(size), best, "%", limit);
     }
 }
 
@@ -232,11 +247,11 @@ class MemoryGroup
 public:
     explicit MemoryGroup(qint64 limit)
     {
-        const QString name = QStringLiteral("/bench_memory-%1").arg(::getpid());
         const QVector<QPair<QString, QString>> versions{{"/sys/fs/cgroup/memory", "memory.limit_in_bytes"},
                                                         {"/sys/fs/cgroup", "memory.max"}};
         for (const auto &version : versions) {
-            m_path = version.first + name;
+            removeUnused(version.first);
+            m_path = version.first + '/' + groupName + QString::number(::getpid());
             if (!QDir().mkdir(m_path))
                 continue;
             QFile file(m_path + '/' + version.second);
@@ -264,13 +279,40 @@ public:
 private:
     Q_DISABLE_COPY(MemoryGroup)
 
+    static constexpr const char *groupName = "bench_memory-";
+
+    /// Those that a killed benchmark left: a group with processes cannot be removed.
+    static void removeUnused(const QString &parent)
+    {
+        for (const QString &name : QDir(parent).entryList({QString(groupName) + '*'}, QDir::Dirs))
+            QDir(parent).rmdir(name);
+    }
+
     QString m_path;
 };
 
 /// Another program's file was read before; there is little more memory than it takes. How much of it is still there
-/// afterwards.
+/// afterwards, in percent.
+double leftOfOther(const QString &other, const Ground &ground, const Operation &operation)
+{
+    const CachedFile file(other);
+    const MemoryGroup group(file.size() + 300 * MiB);
+    require(group.isMade(), "no control group for memory can be made");
+    ground.clear();
+    // Who reads a page first is charged for it.
+    const auto read = [&] {
+        CachedFolder(ground.folder()).forget();
+        file.forget();
+        group.run("sh", {"-c", "cat \"$0\" >/dev/null", other});
+    };
+    readIntoMemory(read, [&file] { return cachedPercent(file); });
+    group.run(QCoreApplication::applicationFilePath(), {"--operation", operation.name, ground.folder()});
+    return cachedPercent(file);
+}
+
 void crowded(Report &report, const QString &folder)
 {
+    constexpr double limit = 95;
     const qint64 size = (report.isQuick() ? 400 : 1000) * MiB;
     const Ground ground(folder + "/ground");
     const QString other = folder + "/other";
@@ -278,23 +320,15 @@ void crowded(Report &report, const QString &folder)
     ground.fill(size);
     for (const Operation &operation : operations()) {
         const QString what = "another's file stays in memory, " + operation.name + ", " + megabytes(size);
-        ground.clear();
-        // Who reads a page first is charged for it.
-        CachedFolder(folder).forget();
-        const MemoryGroup group(size + 300 * MiB);
-        if (!group.isMade()) {
+        if (!MemoryGroup(size).isMade()) {
             std::printf("%s: not measured, no control group for memory can be made\n", qPrintable(what));
             continue;
         }
-        group.run("sh", {"-c", "cat \"$0\" >/dev/null", other});
-        const CachedFile file(other);
-        require(cachedPercent(file) == 100, "the system does not keep files in memory");
-        group.run(QCoreApplication::applicationFilePath(), {"--operation", operation.name, ground.folder()});
-        const double percent = cachedPercent(file);
+        const auto left = [&] { return leftOfOther(other, ground, operation); };
         if (operation.isOurs)
-            report.atLeast(what, percent, "%", 95);
+            report.atLeast(what, bestOfThree(limit, left), "%", limit);
         else
-            report.told(what, percent, "%");
+            report.told(what, left(), "%");
     }
 }
 

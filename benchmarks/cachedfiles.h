@@ -15,6 +15,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 
 /// What the system keeps of files in its page cache.
 namespace Benchmark {
@@ -39,6 +40,8 @@ public:
     qint64 cachedBytes() const
     {
         qint64 pages = 0;
+        if (kernelCounts(pages))
+            return pages * pageSize();
         // Portions, so that a large file does not need a large array.
         constexpr qint64 portion = 256 * MiB;
         for (qint64 offset = 0; offset < m_size; offset += portion)
@@ -60,6 +63,18 @@ private:
     {
         static const qint64 size = ::sysconf(_SC_PAGESIZE);
         return size;
+    }
+
+    /// The system call cachestat (Linux 6.5) takes a thousandth of the time of mincore(): the sampler looks more often.
+    bool kernelCounts(qint64 &pages) const
+    {
+        constexpr long cachestat = 451;
+        const quint64 wholeFile[2] = {0, 0};
+        // Cached, dirty, being written, evicted, evicted recently.
+        quint64 counts[5] = {};
+        const bool isKnown = ::syscall(cachestat, m_handle, wholeFile, counts, 0) == 0;
+        pages = qint64(counts[0]);
+        return isKnown;
     }
 
     /// Mapping reads nothing.
