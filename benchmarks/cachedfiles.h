@@ -59,17 +59,13 @@ public:
 private:
     Q_DISABLE_COPY(CachedFile)
 
-    static qint64 pageSize()
-    {
-        static const qint64 size = ::sysconf(_SC_PAGESIZE);
-        return size;
-    }
+    static qint64 pageSize() { return ::sysconf(_SC_PAGESIZE); }
 
     /// The system call cachestat (Linux 6.5) takes a thousandth of the time of mincore(): the sampler looks more often.
     bool kernelCounts(qint64 &pages) const
     {
         constexpr long cachestat = 451;
-        const quint64 wholeFile[2] = {0, 0};
+        constexpr quint64 wholeFile[2] = {0, 0};
         // Cached, dirty, being written, evicted, evicted recently.
         quint64 counts[5] = {};
         const bool isKnown = ::syscall(cachestat, m_handle, wholeFile, counts, 0) == 0;
