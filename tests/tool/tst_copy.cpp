@@ -9,6 +9,8 @@
 #include "copying/verifiedcopy.h"
 #include "replacingfile.h"
 
+#include <unit/cachetesting.h>
+
 #include <QJsonArray>
 #include <QTemporaryDir>
 
@@ -35,6 +37,7 @@ private slots:
     void kill_at_each_step_leaves_no_copy();
     void full_disk_leaves_nothing();
     void memory_is_not_taken_for_the_disk();
+    void copied_files_leave_the_page_cache();
 
 private:
     QString path(const QString &name) const { return m_dir->filePath(name); }
@@ -209,6 +212,20 @@ void TstCopy::memory_is_not_taken_for_the_disk()
     const uchar *content = file.map(0, file.size());
     QVERIFY(content && content[0] == 'P');
     QVERIFY(!Corvelpro::dropFromMemory(file.handle(), file.size()));
+}
+
+void TstCopy::copied_files_leave_the_page_cache()
+{
+    const std::unique_ptr<QTemporaryDir> disk = CacheTesting::folderOnDisk();
+    if (!disk)
+        QSKIP("this file system does not drop pages");
+    const QString package = disk->filePath("a.corvelpro");
+    const QString stick = disk->filePath("stick");
+    QVERIFY(QDir().mkdir(stick) && QFile::copy(m_package, package) && CacheTesting::uncache(package));
+    QCOMPARE(runTool({"copy", package, stick}).code, yes);
+    // All but the ends, which the checks before and after read.
+    for (const QString &file : {package, stick + "/a.corvelpro"})
+        QVERIFY(CacheTesting::cached(file) < QFileInfo(file).size() / 2);
 }
 
 TEST_MAIN_CORE(TstCopy)

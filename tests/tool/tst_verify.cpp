@@ -12,6 +12,7 @@
 #include <data/ziparchive.h>
 #include <support/packagebuilder.h>
 #include <support/systemcalls.h>
+#include <unit/cachetesting.h>
 
 #include <QJsonArray>
 #include <QScopeGuard>
@@ -116,6 +117,7 @@ private slots:
     void libraries_print_no_lines_of_their_own();
     void what_is_no_plain_file_is_unknown();
     void progress_is_shown_on_a_terminal();
+    void verified_package_leaves_the_page_cache();
 
 private:
     QString write(const QString &name, const QByteArray &package);
@@ -573,6 +575,24 @@ void TstVerify::progress_is_shown_on_a_terminal()
     QVERIFY2(bar.endsWith("\r\x1b[K"), bar);
     QCOMPARE(shown({"verify", "--quiet", bad}), QByteArray());
     ::close(terminal);
+}
+
+void TstVerify::verified_package_leaves_the_page_cache()
+{
+    m_dir.reset(CacheTesting::folderOnDisk().release());
+    if (!m_dir)
+        QSKIP("this file system does not drop pages");
+    const QString package =
+        write("a", sealed(small().file("x.bin", PackageTesting::noise(1000000), PackageBuilder::Stored)));
+    const auto size = QFileInfo(package).size();
+    QVERIFY(CacheTesting::uncache(package));
+    QCOMPARE(runTool({"verify", package}).code, yes);
+    // All but the end, which is read first.
+    QVERIFY(CacheTesting::cached(package) < size / 2);
+
+    QCOMPARE(readFile(package).size(), int(size));
+    QCOMPARE(runTool({"verify", package}).code, yes);
+    QCOMPARE(CacheTesting::cached(package), size);
 }
 
 TEST_MAIN_CORE(TstVerify)

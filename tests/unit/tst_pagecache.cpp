@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: Velmora
 // SPDX-License-Identifier: LicenseRef-Commercial-Usage
 
+#include "cachetesting.h"
 #include "dropbehind.h"
 #include "filesystem.h"
 #include "flushbehind.h"
@@ -9,11 +10,11 @@
 #include "packagetesting.h"
 #include "pagecache.h"
 #include "replacingfile.h"
+#include "streamcopy.h"
 #include "zippackagehandle.h"
 
 #include <support/testmain.h>
 
-#include <QCoreApplication>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -26,6 +27,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+using namespace CacheTesting;
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
 
@@ -42,6 +44,7 @@ struct System
     /// Files that were removed before they were to be written.
     int removedFilesWritten = 0;
     int rangesWaitedFor = 0;
+    int ranges = 0;
 };
 
 System s_system;
@@ -66,6 +69,7 @@ extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t
 {
     static const auto function = original<int (*)(int, off64_t, off64_t, unsigned int)>("sync_file_range");
     s_system.removedFilesWritten += FileSystem::isRemoved(handle);
+    ++s_system.ranges;
     s_system.rangesWaitedFor += (flags & SYNC_FILE_RANGE_WAIT_AFTER) != 0;
     return failsWith(s_system.syncRange) ? -1 : function(handle, offset, count, flags);
 }
@@ -100,11 +104,13 @@ private slots:
     void pages_cached_before_stay_cached();
     void unwritten_pages_survive_a_reader();
     void reading_back_and_forth_leaves_nothing();
+    void pages_far_ahead_are_dropped();
     void truncated_file_is_read_to_its_end();
     void written_pages_are_dropped_behind_the_writer();
     void going_back_changes_what_was_dropped();
     void finished_files_are_bounded_together();
     void removed_files_are_not_written();
+    void nothing_is_written_before_it_must_be();
     void small_files_are_left_alone();
     void finished_files_are_closed();
     void refused_write_is_reported_once();
@@ -114,6 +120,7 @@ private slots:
     void missing_calls_change_no_content();
     void operations_leave_little_cached_data();
     void operations_leave_little_cached();
+    void source_is_dropped_while_it_is_read();
     void operations_keep_what_was_cached_data();
     void operations_keep_what_was_cached();
 
@@ -125,10 +132,6 @@ private:
 
     /// A file of noise on the disk, nothing of which is cached.
     void makeUncached(const QString &name, qint64 size);
-    static void uncache(const QString &path);
-    /// In bytes.
-    static qint64 cached(const QString &path);
-    static qint64 cachedOf(const QFile &file);
     static qint64 cachedBelow(const QString &folder);
     void defineOperations();
     bool pack(const QString &name);
@@ -141,13 +144,9 @@ private:
 void TstPageCache::init()
 {
     s_system = System();
-    // The folder of temporary files may be in memory.
-    m_dir = std::make_unique<QTemporaryDir>(QCoreApplication::applicationDirPath() + "/../pagecache-XXXXXX");
-    QVERIFY(m_dir->isValid());
-    makeUncached("probe", MiB);
-    if (cached(path("probe")) > 0)
+    m_dir = folderOnDisk();
+    if (!m_dir)
         QSKIP("this file system does not drop pages");
-    QVERIFY(QFile::remove(path("probe")));
 }
 
 void TstPageCache::cleanup()
@@ -156,31 +155,9 @@ void TstPageCache::cleanup()
     m_dir.reset();
 }
 
-void TstPageCache::uncache(const QString &path)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite) && FileSystem::flush(file.handle()));
-    PageCache::drop(file.handle(), PageCache::Range());
-}
-
 void TstPageCache::makeUncached(const QString &name, qint64 size)
 {
-    QVERIFY(writeFile(path(name), noise(size)));
-    uncache(path(name));
-}
-
-qint64 TstPageCache::cached(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? cachedOf(file) : -1;
-}
-
-qint64 TstPageCache::cachedOf(const QFile &file)
-{
-    qint64 uncached = 0;
-    for (const PageCache::Range &range : PageCache::uncachedRanges(file.handle(), file.size()))
-        uncached += range.nEnd - range.nBegin;
-    return file.size() - uncached;
+    QVERIFY(writeFile(path(name), noise(size)) && uncache(path(name)));
 }
 
 qint64 TstPageCache::cachedBelow(const QString &folder)
@@ -275,6 +252,33 @@ void TstPageCache::reading_back_and_forth_leaves_nothing()
     QCOMPARE(cached(file.fileName()), 0LL);
 }
 
+void TstPageCache::pages_far_ahead_are_dropped()
+{
+    constexpr qint64 size = 66 * MiB;
+    makeUncached("file", size);
+    QFile file(path("file"));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    const auto isCached = [&](qint64 offset) {
+        for (const PageCache::Range &range : PageCache::uncachedRanges(file.handle(), size)) {
+            if (range.nBegin <= offset && offset < range.nEnd)
+                return false;
+        }
+        return true;
+    };
+    DropBehind dropBehind(file.handle());
+    const auto read = [&](qint64 offset) {
+        QVERIFY(file.seek(offset) && file.read(9 * MiB).size() == 9 * MiB);
+        dropBehind.advance(file.pos());
+    };
+    read(0);
+    QVERIFY(!isCached(5 * MiB));
+    read(52 * MiB);
+    QVERIFY(file.seek(64 * MiB) && !file.read(1000).isEmpty());
+    QVERIFY(isCached(64 * MiB));
+    read(0);
+    QVERIFY(!isCached(64 * MiB));
+}
+
 void TstPageCache::truncated_file_is_read_to_its_end()
 {
     makeUncached("file", 20 * MiB);
@@ -324,7 +328,7 @@ void TstPageCache::going_back_changes_what_was_dropped()
         }
         QVERIFY(file.flush() && file.refusal().isEmpty());
         QCOMPARE(readFile(path("file")), model);
-        uncache(path("file"));
+        QVERIFY(uncache(path("file")));
         QCOMPARE(readFile(path("file")), model);
     }
 }
@@ -356,6 +360,21 @@ void TstPageCache::removed_files_are_not_written()
     }
     QCOMPARE(s_system.removedFilesWritten, 0);
     QCOMPARE(s_system.rangesWaitedFor, 0);
+}
+
+void TstPageCache::nothing_is_written_before_it_must_be()
+{
+    for (const auto begin : {FlushBehind::Begin::AtOnce, FlushBehind::Begin::BeyondDistance}) {
+        s_system.ranges = 0;
+        FlushBehind flushBehind(begin, 4 * MiB);
+        FlushedBehind<QFile> file(&flushBehind, path("file"));
+        QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::Truncate));
+        QCOMPARE(file.write(QByteArray(int(4 * MiB), 'x')), 4 * MiB);
+        QCOMPARE(s_system.ranges, begin == FlushBehind::Begin::AtOnce ? 1 : 0);
+        QCOMPARE(file.write(QByteArray(int(MiB), 'x')), MiB);
+        QVERIFY(s_system.rangesWaitedFor > 0);
+        s_system.rangesWaitedFor = 0;
+    }
 }
 
 void TstPageCache::small_files_are_left_alone()
@@ -510,8 +529,7 @@ void TstPageCache::makeOperands()
 {
     makeUncached("device/BKG/BKG_1.png", pictureSize);
     QVERIFY(pack("package.corvelpro"));
-    uncache(path("package.corvelpro"));
-    uncache(path("device/BKG/BKG_1.png"));
+    QVERIFY(uncache(path("package.corvelpro")) && uncache(path("device/BKG/BKG_1.png")));
     QCOMPARE(cachedBelow(m_dir->path()), 0LL);
 }
 
@@ -529,6 +547,47 @@ void TstPageCache::operations_leave_little_cached()
     // The directory of a package, which is read first.
     QVERIFY(cached(path(source)) <= MiB);
     QVERIFY(cachedBelow(m_dir->path()) <= MiB + largestRest);
+}
+
+void TstPageCache::source_is_dropped_while_it_is_read()
+{
+    /// Remembers the most that was cached of a file at any write.
+    class Watcher : public QIODevice
+    {
+    public:
+        explicit Watcher(const QString &watched)
+            : m_strWatched(watched)
+        {
+            open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+        }
+        qint64 most() const { return m_nMost; }
+
+    protected:
+        qint64 readData(char *, qint64) override { return -1; }
+        qint64 writeData(const char *, qint64 size) override
+        {
+            m_nMost = std::max(m_nMost, cached(m_strWatched));
+            return size;
+        }
+
+    private:
+        const QString m_strWatched;
+        qint64 m_nMost = 0;
+    };
+    makeOperands();
+    constexpr qint64 largest = 41 * MiB;
+    const QString picture = path("device/BKG/BKG_1.png");
+    Watcher copying(picture);
+    QFile source(picture);
+    qint64 copied = 0;
+    QVERIFY(source.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QVERIFY(copyFile(source, copying, pictureSize, &copied));
+    QVERIFY(copying.most() > 0 && copying.most() <= largest);
+
+    Watcher reading(path("package.corvelpro"));
+    PackageReader package(path("package.corvelpro"));
+    QVERIFY(package.read("BKG/BKG_1.png", reading, pictureSize));
+    QVERIFY(reading.most() > 0 && reading.most() <= largest);
 }
 
 void TstPageCache::operations_keep_what_was_cached_data()
