@@ -4,7 +4,7 @@
 // How much of the page cache large packages take from others. Only what the system tells is judged, not how long it
 // takes.
 //
-//     bench_memory [--quick] [--rows FILE] [bounded] [kept] [crowded]      all where none is named; needs 16 GB of disk
+//     bench_memory [--quick] [--rows FILE] [bounded] [kept] [crowded]      all where none is named; needs 13 GB of disk
 
 #include "benchmark.h"
 #include "cachedfiles.h"
