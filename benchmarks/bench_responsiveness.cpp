@@ -11,6 +11,7 @@
 
 #include "benchmark.h"
 #include "operatorhand.h"
+#include "packagesamples.h"
 #include "program.h"
 
 #include "zippackagehandle.h"
@@ -155,16 +156,11 @@ private:
     QElapsedTimer m_sinceLast;
 };
 
-/// A package made by the product, with one entry of that size.
+/// A package made by the product, of pictures of that size together.
 void makePackage(const QString &path, qint64 size)
 {
     const QTemporaryDir directory;
-    QFile file(directory.filePath(QStringLiteral("picture.png")));
-    const QByteArray block(int(std::min(size, 4 * MiB)), 'x');
-    require(file.open(QIODevice::WriteOnly), QStringLiteral("cannot write ") + file.fileName());
-    for (qint64 written = 0; written < size; written += block.size())
-        require(file.write(block) == block.size(), QStringLiteral("cannot write ") + file.fileName());
-    file.close();
+    Benchmark::makeLargePictures(directory.path(), size);
     EngineerPacketInfo info;
     info.strFilePath = path;
     require(ZipPackageHandle::compressEngineerPacket(directory.path(), info), QStringLiteral("cannot pack ") + path);
