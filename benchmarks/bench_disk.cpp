@@ -15,7 +15,6 @@
 #include "projectcopies.h"
 
 #include <QCoreApplication>
-#include <QTemporaryDir>
 #include <QTextCodec>
 
 #include <quazip.h>
@@ -275,15 +274,14 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     Report report(application.arguments());
-    const QVector<QPair<QString, void (*)(Report &, const QString &)>> benchmarks{
-        {"pack", packing},     {"pack-large", packingLarge}, {"pack-library", packingAgainstLibrary},
-        {"save-as", savingAs}, {"import", importing},        {"extract", extracting},
-        {"edit", editing},     {"slow", onSlowDisk}};
-    for (const auto &benchmark : benchmarks) {
-        if (report.isWanted(benchmark.first) && (benchmark.first != "slow" || !report.wantsAll())) {
-            const QTemporaryDir folder;
-            benchmark.second(report, folder.path());
-        }
-    }
-    return report.allMet() ? 0 : 1;
+    return measureGroups(report,
+                         {{"pack", packing},
+                          {"pack-large", packingLarge},
+                          {"pack-library", packingAgainstLibrary},
+                          {"save-as", savingAs},
+                          {"import", importing},
+                          {"extract", extracting},
+                          {"edit", editing},
+                          {"slow", onSlowDisk}},
+                         "slow");
 }

@@ -14,7 +14,6 @@
 #include "projectcopies.h"
 
 #include <QCoreApplication>
-#include <QTemporaryDir>
 #include <QTextCodec>
 
 using namespace Benchmark;
@@ -355,13 +354,5 @@ int main(int argc, char *argv[])
     if (arguments.value(1) == "--operation")
         return runOperation(arguments.value(2), arguments.value(3));
     Report report(arguments);
-    const QVector<QPair<QString, void (*)(Report &, const QString &)>> benchmarks{
-        {"bounded", bounded}, {"kept", kept}, {"crowded", crowded}};
-    for (const auto &benchmark : benchmarks) {
-        if (report.isWanted(benchmark.first)) {
-            const QTemporaryDir folder;
-            benchmark.second(report, folder.path());
-        }
-    }
-    return report.allMet() ? 0 : 1;
+    return measureGroups(report, {{"bounded", bounded}, {"kept", kept}, {"crowded", crowded}});
 }

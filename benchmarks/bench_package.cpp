@@ -500,15 +500,13 @@ int main(int argc, char *argv[])
     if (arguments.value(1) == "--memory-step")
         return memoryStep(arguments.value(2), arguments.value(3));
     Report report(arguments);
-    const QVector<QPair<QString, void (*)(Report &, const QString &)>> benchmarks{
-        {"extracting", extracting}, {"packing", packing}, {"packing-large", packingLarge},
-        {"checksum", checksum},     {"listing", listing}, {"editing", editing},
-        {"growth", growth}};
-    for (const auto &benchmark : benchmarks) {
-        if (report.isWanted(benchmark.first) && (benchmark.first != "growth" || !report.wantsAll())) {
-            const QTemporaryDir folder;
-            benchmark.second(report, folder.path());
-        }
-    }
-    return report.allMet() ? 0 : 1;
+    return measureGroups(report,
+                         {{"extracting", extracting},
+                          {"packing", packing},
+                          {"packing-large", packingLarge},
+                          {"checksum", checksum},
+                          {"listing", listing},
+                          {"editing", editing},
+                          {"growth", growth}},
+                         "growth");
 }

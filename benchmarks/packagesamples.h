@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 
 #include <unistd.h>
 #include <zlib.h>
@@ -146,6 +147,21 @@ inline int extractAll(const QString &package, const QString &folder)
     for (const QString &name : reader.fileList())
         count += reader.extractFile(name, folder + '/' + name).isEmpty() ? 0 : 1;
     return count;
+}
+
+/// A group of rows that is measured in a folder of its own.
+using Group = QPair<QString, void (*)(Report &, const QString &)>;
+
+/// Measures the wanted groups, `onlyIfNamed` only if it is named. Returns the program's exit code.
+inline int measureGroups(Report &report, const QVector<Group> &groups, const QString &onlyIfNamed = QString())
+{
+    for (const Group &group : groups) {
+        if (report.isWanted(group.first) && (group.first != onlyIfNamed || !report.wantsAll())) {
+            const QTemporaryDir folder;
+            group.second(report, folder.path());
+        }
+    }
+    return report.allMet() ? 0 : 1;
 }
 
 /// `count` packages of the same content: hard links, so that both ways read from memory and the disk stays free.
