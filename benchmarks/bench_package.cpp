@@ -4,8 +4,10 @@
 // The package handle against the plain way: the steps of each work with the libraries' own calls, one after another.
 // Both ways run in turn on the same data; their results are compared before a time counts.
 //
-//     bench_package [--quick] [--rows FILE] [extracting] [packing] [checksum] [listing] [editing]     all where none is
-//     named bench_package [--quick] [--rows FILE] growth
+//     bench_package [--quick] [--rows FILE] [extracting] [packing] [packing-large] [checksum] [listing] [editing]
+//     all where none is named
+//
+//     bench_package [--quick] [--rows FILE] growth
 
 #include "benchmark.h"
 #include "packagesamples.h"
@@ -32,29 +34,6 @@ using namespace Benchmark;
 using namespace ProjectFileCfg::Internal;
 
 namespace {
-
-void makeLargeFile(const QString &path, qint64 size)
-{
-    QVector<quint32> block(int(4 * MiB / 4));
-    QRandomGenerator random(3);
-    QFile file(path);
-    require(QDir().mkpath(QFileInfo(path).absolutePath()) && file.open(QIODevice::WriteOnly), "cannot write " + path);
-    for (qint64 left = size; left > 0; left -= 4 * MiB) {
-        random.fillRange(block.data(), block.size());
-        const qint64 count = std::min(left, 4 * MiB);
-        require(file.write(reinterpret_cast<const char *>(block.constData()), count) == count, "cannot write " + path);
-    }
-    require(file.flush(), "cannot write " + path);
-}
-
-/// Backgrounds of that total size, each within a package's limit.
-void makeLargePictures(const QString &device, qint64 size)
-{
-    constexpr qint64 largest = 250LL * 1000 * 1000;
-    int number = 0;
-    for (qint64 left = size; left > 0; left -= largest)
-        makeLargeFile(device + QStringLiteral("/BKG/BKG_%1.png").arg(++number), std::min(left, largest));
-}
 
 QByteArray contentDigest(const QString &package)
 {
@@ -149,8 +128,7 @@ bool plainPack(const QString &device, EngineerPacketInfo &info)
 
 // ---------------------------------------------------------------------------------------------------------------------
 
-/// `copyLimit`: our time as a multiple of a plain copy of the tree; 0 sets no limit.
-void packing(Report &report, const QString &folder, const QString &device, double faster, double copyLimit)
+void packing(Report &report, const QString &folder, const QString &device, double faster)
 {
     EngineerPacketInfo plain = packageAt(folder + "/plain.corvelpro");
     EngineerPacketInfo ours = packageAt(folder + "/ours.corvelpro");
@@ -176,81 +154,20 @@ void packing(Report &report, const QString &folder, const QString &device, doubl
     const QString what = "pack " + megabytes(ourSize);
     report.faster(what, "compressDir, then the record", times, faster);
     report.atMost("  its size, times that of the plain way", double(ourSize) / double(plainSize), "", 1.01);
-
-    // Copies stay until the end: ext4 creates files slowly right after many were removed.
-    QDir().mkpath(folder + "/copies");
-    int copies = 0;
-    const auto pack = [&] { require(ZipPackageHandle::compressEngineerPacket(device, ours), "packing failed"); };
-    const auto remove = [&] { QFile::remove(ours.strFilePath); };
-    const auto copyWith = [&](const QString &command) {
-        return [&, command] { run("sh", {"-c", command, device, folder + "/copies/" + QString::number(++copies)}); };
-    };
-    const Pair copying = inTurn(report.pairs(), copyWith("cp -r \"$0\" \"$1\""), pack, remove);
-    const QString flushedPacking = what + " (verified and flushed to disk)";
-    if (copyLimit > 0)
-        report.within(flushedPacking, "cp -r, not flushed", copying, copyLimit);
-    else
-        report.related(flushedPacking, "cp -r, not flushed", copying);
-    report.related(
-        flushedPacking, "cp -r and sync of the files",
-        inTurn(report.pairs(), copyWith("cp -r \"$0\" \"$1\" && find \"$1\" -type f -exec sync {} +"), pack, remove));
-    QDir(folder + "/copies").removeRecursively();
-}
-
-/// Accepts everything written and keeps nothing.
-class Nothing : public QIODevice
-{
-public:
-    Nothing() { open(QIODevice::WriteOnly | QIODevice::Unbuffered); }
-
-    bool isSequential() const override { return false; }
-    qint64 size() const override { return m_size; }
-
-protected:
-    qint64 readData(char *, qint64) override { return -1; }
-    qint64 writeData(const char *, qint64 size) override
-    {
-        m_size = std::max(m_size, pos() + size);
-        return size;
-    }
-
-private:
-    qint64 m_size = 0;
-};
-
-/// The lower bound for every user of the zip library: the library alone, without a file to read or write.
-void storeIntoNothing(qint64 size)
-{
-    const QByteArray block(int(256 * KiB), 'x');
-    Nothing nothing;
-    QuaZip zip(&nothing);
-    zip.setAutoClose(false);
-    require(zip.open(QuaZip::mdCreate), "the zip library failed");
-    QuaZipFile entry(&zip);
-    require(entry.open(QIODevice::WriteOnly, QuaZipNewInfo("BKG/BKG_1.png"), nullptr, 0, 0), "the zip library failed");
-    for (qint64 left = size; left > 0; left -= block.size())
-        entry.write(block.constData(), std::min<qint64>(left, block.size()));
-    entry.close();
-    zip.close();
-    require(zip.getZipError() == UNZ_OK && nothing.size() > size, "the zip library failed");
 }
 
 void packing(Report &report, const QString &folder)
 {
     makeDevice(folder + "/device");
-    packing(report, folder, folder + "/device", 10, 2.5);
+    packing(report, folder, folder + "/device", 10);
+}
+
+void packingLarge(Report &report, const QString &folder)
+{
     if (report.isQuick())
         return;
-    constexpr qint64 size = 925LL * 1000 * 1000;
-    const QString large = folder + "/large";
-    makeLargePictures(large, size);
-    packing(report, folder, large, 15, 0);
-    EngineerPacketInfo info = packageAt(folder + "/large.corvelpro");
-    report.related("pack " + megabytes(size), "zip library alone, into nothing",
-                   inTurn(
-                       report.pairs(), [] { storeIntoNothing(size); },
-                       [&] { require(ZipPackageHandle::compressEngineerPacket(large, info), "packing failed"); },
-                       [&] { QFile::remove(info.strFilePath); }));
+    makeLargePictures(folder + "/large", 925LL * 1000 * 1000);
+    packing(report, folder, folder + "/large", 15);
 }
 
 /// Bytes this process has read so far, from cached files too.
@@ -333,12 +250,7 @@ void extracting(Report &report, const QString &folder, const QString &device, in
     constexpr int pairs = 5;
     const Pair times = inTurn(
         pairs, [&] { plainCount = JlCompress::extractDir(info.strFilePath, target("plain")).size(); },
-        [&] {
-            ourCount = 0;
-            PackageReader reader(info.strFilePath);
-            for (const QString &name : reader.fileList())
-                ourCount += reader.extractFile(name, target("ours") + '/' + name).isEmpty() ? 0 : 1;
-        },
+        [&] { ourCount = extractAll(info.strFilePath, target("ours")); },
         [&] {
             require(plainCount == ourCount && ourCount > files, "entries are missing");
             run("diff", {"-r", target("plain"), target("ours")});
@@ -588,14 +500,13 @@ int main(int argc, char *argv[])
     if (arguments.value(1) == "--memory-step")
         return memoryStep(arguments.value(2), arguments.value(3));
     Report report(arguments);
-    const QVector<QPair<QString, void (*)(Report &, const QString &)>> benchmarks{
-        {"extracting", extracting}, {"packing", packing}, {"checksum", checksum},
-        {"listing", listing},       {"editing", editing}, {"growth", growth}};
-    for (const auto &benchmark : benchmarks) {
-        if (report.isWanted(benchmark.first) && (benchmark.first != "growth" || !report.wantsAll())) {
-            const QTemporaryDir folder;
-            benchmark.second(report, folder.path());
-        }
-    }
-    return report.allMet() ? 0 : 1;
+    return measureGroups(report,
+                         {{"extracting", extracting},
+                          {"packing", packing},
+                          {"packing-large", packingLarge},
+                          {"checksum", checksum},
+                          {"listing", listing},
+                          {"editing", editing},
+                          {"growth", growth}},
+                         "growth");
 }

@@ -6,16 +6,21 @@
 // as by an operator. What the panel does before a job starts, and filling the table, happens in one event on the
 // user-interface thread: it is printed, not judged.
 //
-//     bench_responsiveness [--rows FILE] [jobs] [copying] [listing]     all where none is named; needs 4 GB of disk
+//     bench_responsiveness [--rows FILE] [cancelling] [saving] [applying] [copying] [listing]
+//     all where none is named; needs 4 GB of disk
 
 #include "benchmark.h"
 #include "operatorhand.h"
+#include "packagesamples.h"
 #include "program.h"
 
 #include "zippackagehandle.h"
 
 #include <extensionsystem/objectpool.h>
+#include <simulation/journal.h>
+#include <simulation/operations.h>
 #include <widgets/icenterwidget.h>
+#include <widgets/waitingdialog.h>
 
 #include <QApplication>
 #include <QDialog>
@@ -28,13 +33,16 @@
 #include <QLineEdit>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <mutex>
 
 using Corvel::Widgets::ICenterWidget;
+using Corvel::Widgets::WaitingDialog;
 using HX::ExtensionSystem::ObjectPool;
 using ProjectFileCfg::Internal::EngineerPacketInfo;
 using ProjectFileCfg::Internal::ZipPackageHandle;
@@ -109,16 +117,51 @@ private:
     Pause m_longest;
 };
 
-/// A package made by the product, with one entry of that size.
+/// Counts the pictures that are fetched from the device, and takes the longest time between two.
+class PictureClock : public QObject
+{
+public:
+    PictureClock()
+    {
+        connect(
+            Simulation::Journal::instance(), &Simulation::Journal::recorded, this,
+            [this](const Simulation::JournalEntry &entry) { record(entry); }, Qt::DirectConnection);
+    }
+
+    int count() const
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_count;
+    }
+    double longestMs() const
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_longestMs;
+    }
+
+private:
+    /// The job's thread.
+    void record(const Simulation::JournalEntry &entry)
+    {
+        if (entry.operation != Simulation::Operations::queryMaterailData)
+            return;
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_count++ > 0)
+            m_longestMs = std::max(m_longestMs, double(m_sinceLast.nsecsElapsed()) / 1e6);
+        m_sinceLast.start();
+    }
+
+    mutable std::mutex m_mutex;
+    int m_count = 0;
+    double m_longestMs = 0;
+    QElapsedTimer m_sinceLast;
+};
+
+/// A package made by the product, of pictures of that size together.
 void makePackage(const QString &path, qint64 size)
 {
     const QTemporaryDir directory;
-    QFile file(directory.filePath(QStringLiteral("picture.png")));
-    const QByteArray block(int(std::min(size, 4 * MiB)), 'x');
-    require(file.open(QIODevice::WriteOnly), QStringLiteral("cannot write ") + file.fileName());
-    for (qint64 written = 0; written < size; written += block.size())
-        require(file.write(block) == block.size(), QStringLiteral("cannot write ") + file.fileName());
-    file.close();
+    Benchmark::makeLargePictures(directory.path(), size);
     EngineerPacketInfo info;
     info.strFilePath = path;
     require(ZipPackageHandle::compressEngineerPacket(directory.path(), info), QStringLiteral("cannot pack ") + path);
@@ -178,8 +221,14 @@ public:
         m_probe = &probe;
         waitForRows(1);
 
-        if (m_report.isWanted(QStringLiteral("jobs")))
-            benchmarkJobs();
+        if (m_report.isWanted(QStringLiteral("cancelling")))
+            benchmarkCancelling();
+        if (m_report.isWanted(QStringLiteral("saving")))
+            benchmarkSaving();
+        if (m_report.isWanted(QStringLiteral("applying")))
+            benchmarkApplying();
+        if (QFileInfo::exists(saved()))
+            removeSaved();
         if (m_report.isWanted(QStringLiteral("copying")))
             benchmarkCopying();
         if (m_report.isWanted(QStringLiteral("listing")))
@@ -187,16 +236,61 @@ public:
     }
 
 private:
-    void benchmarkJobs()
+    /// Ends with the package in the folder.
+    void benchmarkSaving()
     {
-        const QString device = QStringLiteral(" of %1 pictures, %2 presets").arg(pictureCount).arg(presetCount);
-        const auto removeSaved = [this] {
-            remove(m_projects + QStringLiteral("Show.corvelpro"));
-            waitForRows(1);
-        };
         measure(
-            QStringLiteral("save") + device, QStringLiteral("save: dialog and sync"), [this] { startSave(); },
-            [this] { waitForRows(2); }, removeSaved);
+            QStringLiteral("save") + m_device, QStringLiteral("save: dialog and sync"), [this] { startSave(); },
+            [this] { waitForRows(2); }, [this] { removeSaved(); });
+    }
+
+    /// Against the time that one picture takes. As with the pauses, the best of up to three runs counts.
+    void benchmarkCancelling()
+    {
+        Cancel best = cancelSave();
+        for (int more = 0; more < 2 && best.pictures > 1; ++more) {
+            const Cancel cancel = cancelSave();
+            if (cancel.pictures < best.pictures)
+                best = cancel;
+        }
+        m_report.atMost(QStringLiteral("cancel of a save") + m_device + QStringLiteral(", against one picture"),
+                        best.pictures, QString(), 1);
+        m_report.told(QStringLiteral("  it takes"), best.ms, QStringLiteral("ms"));
+        m_report.atMost(QStringLiteral("  pictures fetched after it"), best.fetched, QString(), 1);
+    }
+
+    struct Cancel
+    {
+        double ms;
+        /// The time as a multiple of what one picture takes from its fetching until it is encoded.
+        double pictures;
+        int fetched;
+    };
+    Cancel cancelSave()
+    {
+        PictureClock clock;
+        startSave();
+        m_hand->waitUntil([&] { return clock.count() > pictureCount / 3; }, QStringLiteral("pictures to be fetched"));
+        // As many pictures are encoded at a time as there are cores; one is fetched when one of them is finished.
+        const double onePicture = clock.longestMs() * QThread::idealThreadCount();
+        const int fetched = clock.count();
+        m_hand->onNextBox(QStringLiteral("User cancels current operation"), QStringLiteral("OK"));
+        QElapsedTimer timer;
+        timer.start();
+        m_hand->press(WaitingDialog::instance(), QStringLiteral("Cancel"));
+        m_hand->waitUntilIdle();
+        const double ms = double(timer.nsecsElapsed()) / 1e6;
+        require(!QFileInfo::exists(saved()), QStringLiteral("a cancelled save left a package"));
+        return {ms, ms / onePicture, clock.count() - fetched};
+    }
+
+    void benchmarkApplying()
+    {
+        if (!QFileInfo::exists(saved())) {
+            startSave();
+            m_hand->waitUntilIdle();
+            waitForRows(2);
+        }
         const auto apply = [this] {
             m_hand->onNextBox(QStringLiteral("Whether the current configuration needs to be backed up before the "
                                              "project file is imported?"),
@@ -204,15 +298,13 @@ private:
             m_hand->press(table()->cellWidget(rowOf(QStringLiteral("Show")), 2), QStringLiteral("Apply"));
         };
         measure(
-            QStringLiteral("apply") + device, QStringLiteral("apply: pre-checks and restore"), apply, [] {}, [] {});
+            QStringLiteral("apply") + m_device, QStringLiteral("apply: pre-checks and restore"), apply, [] {}, [] {});
         m_hand->waitUntilIdle();
         m_hand->onNextDialog([this](QDialog *dialog) { m_hand->press(dialog, QStringLiteral("OK")); });
         m_probe->restart();
         m_hand->press(table()->cellWidget(rowOf(QStringLiteral("Show")), 2), QStringLiteral("Edit"));
-        m_report.told(QStringLiteral("  in one go, edit: a package of %1 MB")
-                          .arg(QFileInfo(m_projects + QStringLiteral("Show.corvelpro")).size() / 1000000),
+        m_report.told(QStringLiteral("  in one go, edit: a package of %1 MB").arg(QFileInfo(saved()).size() / 1000000),
                       m_probe->longest().ms, QStringLiteral("ms"));
-        removeSaved();
     }
 
     void benchmarkCopying()
@@ -332,6 +424,13 @@ private:
         m_hand->press(panel(), QStringLiteral("Save Project"));
     }
 
+    QString saved() const { return m_projects + QStringLiteral("Show.corvelpro"); }
+    void removeSaved()
+    {
+        remove(saved());
+        waitForRows(1);
+    }
+
     QString small() const { return m_folder + QStringLiteral("/small.corvelpro"); }
     void makeListed(const QString &name)
     {
@@ -340,6 +439,7 @@ private:
 
     const QString m_folder;
     const QString m_projects;
+    const QString m_device = QStringLiteral(" of %1 pictures, %2 presets").arg(pictureCount).arg(presetCount);
     Benchmark::Report &m_report;
     OperatorHand *m_hand = nullptr;
     EventLoopProbe *m_probe = nullptr;

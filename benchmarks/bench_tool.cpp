@@ -9,12 +9,11 @@
 #include "benchmark.h"
 #include "packagesamples.h"
 
-#include "copying/pagecache.h"
+#include "copying/dropfrommemory.h"
 #include "projectlist.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
-#include <QTemporaryDir>
 #include <QTextCodec>
 
 using namespace Benchmark;
@@ -169,13 +168,5 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     Report report(application.arguments());
-    const QVector<QPair<QString, void (*)(Report &, const QString &)>> benchmarks{
-        {"verify", verify}, {"list", list}, {"diff", diff}};
-    for (const auto &benchmark : benchmarks) {
-        if (report.isWanted(benchmark.first)) {
-            const QTemporaryDir folder;
-            benchmark.second(report, folder.path());
-        }
-    }
-    return report.allMet() ? 0 : 1;
+    return measureGroups(report, {{"verify", verify}, {"list", list}, {"diff", diff}});
 }

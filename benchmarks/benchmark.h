@@ -98,9 +98,9 @@ inline Pair inTurn(int pairs, const std::function<void()> &plain, const std::fun
 
 /// The program's command line and its rows:
 ///
-///     <program> [--quick] [--rows FILE] [NAME ...]      all that are not long where none is named
+///     <program> [--quick] [--rows FILE] [--prefix TEXT] [NAME ...]      all that are not long where none is named
 ///
-/// The rows go to standard output as text and to FILE as one JSON object a line.
+/// The rows go to standard output as text and to FILE as one JSON object a line. TEXT begins the name of each.
 class Report
 {
 public:
@@ -108,13 +108,10 @@ public:
     {
         arguments.removeFirst();
         m_isQuick = arguments.removeAll(QStringLiteral("--quick")) > 0;
-        const int rows = arguments.indexOf(QStringLiteral("--rows"));
-        if (rows >= 0) {
-            require(rows + 1 < arguments.size(), "--rows needs a file");
-            m_file.setFileName(arguments.at(rows + 1));
-            require(m_file.open(QIODevice::WriteOnly | QIODevice::Append), "cannot write " + m_file.fileName());
-            arguments.erase(arguments.begin() + rows, arguments.begin() + rows + 2);
-        }
+        const QString rows = takeOption(arguments, QStringLiteral("--rows"));
+        m_file.setFileName(rows);
+        require(rows.isEmpty() || m_file.open(QIODevice::WriteOnly | QIODevice::Append), "cannot write " + rows);
+        m_prefix = takeOption(arguments, QStringLiteral("--prefix"));
         m_wanted = arguments;
     }
 
@@ -143,16 +140,19 @@ public:
     /// A figure that must not exceed `limit`.
     void atMost(const QString &what, double value, const QString &unit, double limit)
     {
-        figure(judged(what, value, "<=", limit), unit);
-        std::printf("%-58s %10.2f %-4s <= %g: %s\n", qPrintable(what), value, qPrintable(unit), limit,
-                    value <= limit ? "reached" : "MISSED");
-        std::fflush(stdout);
+        judge(what, value, unit, "<=", limit);
+    }
+    /// A figure that must reach `limit`.
+    void atLeast(const QString &what, double value, const QString &unit, double limit)
+    {
+        judge(what, value, unit, ">=", limit);
     }
     /// A figure for information.
     void told(const QString &what, double value, const QString &unit)
     {
-        figure(judged(what, value, "", 0), unit);
-        std::printf("%-58s %10.2f %s\n", qPrintable(what), value, qPrintable(unit));
+        const QJsonObject row = judged(what, value, "", 0);
+        figure(row, unit);
+        std::printf("%-58s %10.2f %s\n", nameOf(row).constData(), value, qPrintable(unit));
         std::fflush(stdout);
     }
     /// How the cost grows: points of size, milliseconds, and MiB above the start.
@@ -174,16 +174,37 @@ public:
     }
 
 private:
+    static QString takeOption(QStringList &arguments, const QString &name)
+    {
+        const int at = arguments.indexOf(name);
+        if (at < 0)
+            return QString();
+        require(at + 1 < arguments.size(), name + " needs a value");
+        arguments.removeAt(at);
+        return arguments.takeAt(at);
+    }
+    static QByteArray nameOf(const QJsonObject &row) { return row.value("what").toString().toLocal8Bit(); }
+
     QJsonObject judged(const QString &what, double value, const char *sign, double limit)
     {
         const bool isMet = *sign == '\0' || (*sign == '>' ? value >= limit : value <= limit);
         m_allMet = m_allMet && isMet;
-        QJsonObject row{{"what", what}, {"value", value}, {"met", isMet}};
+        // A row that belongs to the one above is indented.
+        QJsonObject row{
+            {"what", what.startsWith(QLatin1Char(' ')) ? what : m_prefix + what}, {"value", value}, {"met", isMet}};
         if (*sign) {
             row.insert("sign", sign);
             row.insert("limit", limit);
         }
         return row;
+    }
+    void judge(const QString &what, double value, const QString &unit, const char *sign, double limit)
+    {
+        const QJsonObject row = judged(what, value, sign, limit);
+        figure(row, unit);
+        std::printf("%-58s %10.2f %-4s %s %g: %s\n", nameOf(row).constData(), value, qPrintable(unit), sign, limit,
+                    row.value("met").toBool() ? "reached" : "MISSED");
+        std::fflush(stdout);
     }
     void figure(QJsonObject row, const QString &unit)
     {
@@ -198,9 +219,9 @@ private:
         row.insert("plain", times.plain.toJson());
         row.insert("ours", times.ours.toJson());
         write(row);
-        std::printf("%-58s %9.1f (%.1f-%.1f) %9.1f (%.1f-%.1f)  x%.2f %s", qPrintable(what), times.plain.median(),
-                    times.plain.least(), times.plain.most(), times.ours.median(), times.ours.least(), times.ours.most(),
-                    ratio, sign);
+        std::printf("%-58s %9.1f (%.1f-%.1f) %9.1f (%.1f-%.1f)  x%.2f %s", nameOf(row).constData(),
+                    times.plain.median(), times.plain.least(), times.plain.most(), times.ours.median(),
+                    times.ours.least(), times.ours.most(), ratio, sign);
         if (*sign)
             std::printf(" %g: %s", limit, row.value("met").toBool() ? "reached" : "MISSED");
         std::printf("\n");
@@ -216,6 +237,7 @@ private:
 
     bool m_isQuick = false;
     bool m_allMet = true;
+    QString m_prefix;
     QStringList m_wanted;
     QFile m_file;
 };

@@ -5,12 +5,14 @@
 
 #include "benchmark.h"
 
+#include "packagereader.h"
 #include "zippackagehandle.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 
 #include <unistd.h>
 #include <zlib.h>
@@ -88,6 +90,30 @@ inline void makeDevice(const QString &dir)
     }
 }
 
+/// Noise.
+inline void makeLargeFile(const QString &path, qint64 size)
+{
+    QVector<quint32> block(int(4 * MiB / 4));
+    QRandomGenerator random(3);
+    QFile file(path);
+    require(QDir().mkpath(QFileInfo(path).absolutePath()) && file.open(QIODevice::WriteOnly), "cannot write " + path);
+    for (qint64 left = size; left > 0; left -= 4 * MiB) {
+        random.fillRange(block.data(), block.size());
+        const qint64 count = std::min(left, 4 * MiB);
+        require(file.write(reinterpret_cast<const char *>(block.constData()), count) == count, "cannot write " + path);
+    }
+    require(file.flush(), "cannot write " + path);
+}
+
+/// Backgrounds of that total size, each within a package's limit.
+inline void makeLargePictures(const QString &device, qint64 size)
+{
+    constexpr qint64 largest = 250LL * 1000 * 1000;
+    int number = 0;
+    for (qint64 left = size; left > 0; left -= largest)
+        makeLargeFile(device + QStringLiteral("/BKG/BKG_%1.png").arg(++number), std::min(left, largest));
+}
+
 inline EngineerPacketInfo packageAt(const QString &path)
 {
     EngineerPacketInfo info;
@@ -105,6 +131,37 @@ inline QString megabytes(qint64 size)
 inline void run(const QString &program, const QStringList &arguments)
 {
     require(QProcess::execute(program, arguments) == 0, program + " failed");
+}
+
+/// Waits until the files below the folder are on the disk.
+inline void flushFiles(const QString &folder)
+{
+    run("find", {folder, "-type", "f", "-exec", "sync", "{}", "+"});
+}
+
+/// Extracts every entry as the load job does, and returns how many.
+inline int extractAll(const QString &package, const QString &folder)
+{
+    int count = 0;
+    ProjectFileCfg::Internal::PackageReader reader(package);
+    for (const QString &name : reader.fileList())
+        count += reader.extractFile(name, folder + '/' + name).isEmpty() ? 0 : 1;
+    return count;
+}
+
+/// A group of rows that is measured in a folder of its own.
+using Group = QPair<QString, void (*)(Report &, const QString &)>;
+
+/// Measures the wanted groups, `onlyIfNamed` only if it is named. Returns the program's exit code.
+inline int measureGroups(Report &report, const QVector<Group> &groups, const QString &onlyIfNamed = QString())
+{
+    for (const Group &group : groups) {
+        if (report.isWanted(group.first) && (group.first != onlyIfNamed || !report.wantsAll())) {
+            const QTemporaryDir folder;
+            group.second(report, folder.path());
+        }
+    }
+    return report.allMet() ? 0 : 1;
 }
 
 /// `count` packages of the same content: hard links, so that both ways read from memory and the disk stays free.

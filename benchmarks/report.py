@@ -4,6 +4,7 @@
 """Makes the table, results.json and chart.svg from the benchmarks' rows.
 
     report.py FOLDER ROWS ...    exits with 1 when a limit was missed; files of rows that are not there are passed over
+    report.py --runs FILE ...    puts the results.json of several runs side by side, as a table in Markdown
 """
 
 import html
@@ -127,7 +128,64 @@ def curves(drawing, growths, top):
     return top + math.ceil(len(growths) / columns) * (height + 70)
 
 
+def first_line(path, name):
+    """The value of `name` in a file of "name: value" lines; empty if there is none."""
+    if not os.path.exists(path):
+        return ""
+    with open(path, encoding="utf-8") as file:
+        return next((line.split(":", 1)[1].strip() for line in file if line.startswith(name)), "")
+
+
+def machine():
+    return {"cores": os.cpu_count(), "machine": platform.machine(), "system": platform.platform(),
+            "processor": first_line("/proc/cpuinfo", "model name"), "memory": first_line("/proc/meminfo", "MemTotal")}
+
+
+def by_name(rows):
+    """The rows with a limit. An indented one belongs to the last that is not, and its name is unique only below it."""
+    named = {}
+    owner = ""
+    for row in rows:
+        if not row["what"].startswith(" "):
+            owner = row["what"]
+        if "limit" in row:
+            named[owner, row["what"], row.get("plainWay", "")] = row
+    return named
+
+
+def cell(row):
+    if row is None:
+        return ""
+    value = f"{row['value']:.3g}" if row["value"] < 10 else f"{row['value']:.0f}"
+    return value if row["met"] else f"**{value}** missed"
+
+
+def side_by_side(paths):
+    results = []
+    for path in paths:
+        with open(path, encoding="utf-8") as file:
+            results.append(json.load(file))
+    runs = [by_name(result["rows"]) for result in results]
+    columns = [f"run {number}" for number in range(1, len(runs) + 1)]
+    print("| what | against | limit | " + " | ".join(columns) + " |")
+    print("|---" * (3 + len(columns)) + "|")
+    for key in dict.fromkeys(key for run in runs for key in run):
+        found = [run.get(key) for run in runs]
+        row = next(filter(None, found))
+        sign = f"{limit(row)} {row.get('unit', '')}".strip()
+        what = row["what"] if row["what"] == key[0] else f"{key[0]}: {row['what'].strip()}"
+        print(f"| {what} | {row.get('plainWay', '')} | {sign} | " + " | ".join(map(cell, found)) + " |")
+    print()
+    for column, result in zip(columns, results):
+        orders = ", ".join(f"{order['order']} --seed {order['seed']}" for order in result.get("orders", []))
+        print(f"{column}: {result['processor']}, {result['cores']} cores, {result['memory']}, {result['system']}; "
+              f"{orders}  ")
+
+
 def main():
+    if sys.argv[1] == "--runs":
+        side_by_side(sys.argv[2:])
+        return 0
     folder, *paths = sys.argv[1:]
     everything = []
     for path in filter(os.path.exists, paths):
@@ -138,8 +196,8 @@ def main():
 
     print(table(rows))
     with open(os.path.join(folder, "results.json"), "w", encoding="utf-8") as file:
-        json.dump({"cores": os.cpu_count(), "machine": platform.machine(), "rows": rows, "growth": growths}, file,
-                  indent=2, ensure_ascii=False)
+        json.dump({**machine(), "orders": [row for row in everything if "order" in row], "rows": rows,
+                   "growth": growths}, file, indent=2, ensure_ascii=False)
 
     drawing = Drawing(960)
     drawing.text(20, 30, "Each work against its limit", 16, weight="bold")
