@@ -45,6 +45,7 @@ struct System
     int removedFilesWritten = 0;
     int rangesWaitedFor = 0;
     int ranges = 0;
+    int advices = 0;
 };
 
 System s_system;
@@ -77,6 +78,7 @@ extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t
 extern "C" Q_DECL_EXPORT int posix_fadvise(int handle, off_t offset, off_t size, int advice)
 {
     static const auto function = original<int (*)(int, off_t, off_t, int)>("posix_fadvise");
+    ++s_system.advices;
     return s_system.advise != 0 ? s_system.advise : function(handle, offset, size, advice);
 }
 
@@ -105,6 +107,7 @@ private slots:
     void unwritten_pages_survive_a_reader();
     void reading_back_and_forth_leaves_nothing();
     void pages_far_ahead_are_dropped();
+    void scattered_cached_pages_cost_little();
     void truncated_file_is_read_to_its_end();
     void written_pages_are_dropped_behind_the_writer();
     void going_back_changes_what_was_dropped();
@@ -277,6 +280,28 @@ void TstPageCache::pages_far_ahead_are_dropped()
     QVERIFY(isCached(64 * MiB));
     read(0);
     QVERIFY(!isCached(64 * MiB));
+}
+
+void TstPageCache::scattered_cached_pages_cost_little()
+{
+    constexpr qint64 size = 66 * MiB;
+    makeUncached("file", size);
+    QFile file(path("file"));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QCOMPARE(posix_fadvise(file.handle(), 0, 0, POSIX_FADV_RANDOM), 0);
+    for (qint64 offset = 0; offset < size; offset += MiB / 8)
+        QVERIFY(file.seek(offset) && !file.read(100).isEmpty());
+    const auto ranges = int(PageCache::uncachedRanges(file.handle(), size).size());
+    QVERIFY(ranges > 400);
+    QVERIFY(file.seek(0));
+    s_system.advices = 0;
+    {
+        DropBehind dropBehind(file.handle());
+        while (!file.read(MiB).isEmpty())
+            dropBehind.advance(file.pos());
+    }
+    // Each range while it is passed, once more with the next portion, and at the end.
+    QVERIFY(s_system.advices <= 4 * ranges);
 }
 
 void TstPageCache::truncated_file_is_read_to_its_end()

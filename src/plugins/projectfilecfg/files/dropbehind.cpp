@@ -17,14 +17,6 @@ constexpr qint64 distance = 8 * 1024 * 1024;
 /// More than the system reads ahead: twice 8 MiB on large disks. To drop that would be to read it twice.
 constexpr qint64 readAhead = 32 * 1024 * 1024;
 
-/// Drops the part of the range that lies between `begin` and `end`.
-void dropWithin(int handle, const PageCache::Range &range, qint64 begin, qint64 end)
-{
-    const PageCache::Range part{std::max(range.nBegin, begin), std::min(range.nEnd, end)};
-    if (part.nBegin < part.nEnd)
-        PageCache::drop(handle, part);
-}
-
 } // namespace
 
 DropBehind::DropBehind(int handle)
@@ -47,13 +39,19 @@ void DropBehind::advance(qint64 position)
 {
     if (std::abs(position - m_nPosition) < distance)
         return;
+    // Begins before the last position: a large page that reached beyond it was kept.
+    dropBetween(std::min(m_nPosition, position) - distance, position);
+    dropBetween(position + readAhead, m_nPosition + readAhead + distance);
     m_nPosition = position;
-    // From the beginning each time, which costs nothing: a large page that reaches beyond a range's end stays cached
-    // until a range contains all of it.
-    for (const PageCache::Range &range : m_ranges) {
-        dropWithin(m_nHandle, range, 0, position);
-        dropWithin(m_nHandle, range, position + readAhead, range.nEnd);
-    }
+}
+
+/// Looks only at the ranges there: there may be thousands, if others have read parts of the file.
+void DropBehind::dropBetween(qint64 begin, qint64 end)
+{
+    const auto isBefore = [](const PageCache::Range &range, qint64 position) { return range.nEnd <= position; };
+    for (auto range = std::lower_bound(m_ranges.begin(), m_ranges.end(), begin, isBefore);
+         range != m_ranges.end() && range->nBegin < end; ++range)
+        PageCache::drop(m_nHandle, {std::max(range->nBegin, begin), std::min(range->nEnd, end)});
 }
 
 } // namespace Internal
