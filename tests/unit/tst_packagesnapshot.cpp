@@ -48,6 +48,7 @@ private slots:
     void cleanup();
 
     void a_copy_holds_what_the_package_held();
+    void a_copy_belongs_to_no_thread();
     void a_copy_waits_for_a_running_edit();
     void waiting_for_a_writer_is_bounded();
     void the_package_can_be_edited_after_the_copy();
@@ -85,6 +86,15 @@ void TstPackageSnapshot::a_copy_holds_what_the_package_held()
 {
     QVERIFY(writeFile(path("show.corvelpro"), noise(3 * MiB)));
     QCOMPARE(copied(), noise(3 * MiB));
+}
+
+void TstPackageSnapshot::a_copy_belongs_to_no_thread()
+{
+    // A check makes it, and the thread of the job removes it.
+    QVERIFY(writeFile(path("package"), "content"));
+    PackageSnapshot snapshot;
+    QVERIFY(snapshot.take(path("package"), {m_temp->path()}) == PackageSnapshot::Outcome::Taken);
+    QVERIFY(!snapshot.release()->thread());
 }
 
 void TstPackageSnapshot::a_copy_waits_for_a_running_edit()

@@ -36,6 +36,8 @@ std::unique_ptr<QFile> openNamelessFile(const QString &folder, QString *reason)
         failBecause(reason, QStringLiteral("cannot create a file in %1: %2").arg(folder, file->errorString()));
         return nullptr;
     }
+    // A job on another thread takes it over, and destroys it there.
+    file->moveToThread(nullptr);
 #ifndef Q_OS_WIN
     // Not QTemporaryFile::remove(): it closes the file. No auto-remove: another program may use the name by then.
     if (QFile::remove(file->fileName()))
