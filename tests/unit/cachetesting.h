@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <memory>
 
 /// Looks into the system's page cache. Needs files on a disk: the folder of temporary files may be in memory.
@@ -40,6 +41,17 @@ inline bool uncache(const QString &path)
         return false;
     PageCache::drop(file.handle(), PageCache::Range());
     return true;
+}
+
+/// True if `attempt` succeeds once in five times: the system may take pages away at any moment, for reasons of its own,
+/// while a program that drops what it must not drop does so each time.
+inline bool holdsOnce(const std::function<bool()> &attempt)
+{
+    for (int number = 0; number < 5; ++number) {
+        if (attempt())
+            return true;
+    }
+    return false;
 }
 
 /// A folder on the disk of the programs; null if its file system does not drop pages.
