@@ -19,8 +19,8 @@ public:
     /// Drops what is left.
     ~DropBehind();
 
-    /// To call after each read of at most 8 MiB, with the position behind it. Positions may go back and forth. Up to 8 MiB of what was
-    /// read stay cached for the time being, and up to 32 MiB of what the system has read ahead.
+    /// To call after each read of at most 8 MiB, with the position behind it. Positions may go back and forth. Up to 8
+    /// MiB of what was read stay cached for the time being, and up to 32 MiB of what the system has read ahead.
     void advance(qint64 position);
 
 private:
