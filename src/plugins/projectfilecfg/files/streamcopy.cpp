@@ -9,14 +9,18 @@
 #include <QByteArray>
 #include <QFile>
 
+#include <algorithm>
+
 namespace ProjectFileCfg {
 namespace Internal {
 
 bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 *copied,
                 const std::function<void(const char *data, qint64 size)> &look, QString *reason)
 {
-    constexpr qint64 blockSize = 256 * 1024;
-    QByteArray block(int(blockSize), Qt::Uninitialized);
+    constexpr qint64 largestBlock = 256 * 1024;
+    // One byte beyond the limit tells that there is more. Small blocks for small entries, of which there may be
+    // thousands.
+    QByteArray block(int(std::min(limit, largestBlock - 1)) + 1, Qt::Uninitialized);
     qint64 count = 0;
     *copied = 0;
     while ((count = source.read(block.data(), block.size())) > 0) {

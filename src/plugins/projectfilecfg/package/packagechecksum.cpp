@@ -43,7 +43,7 @@ QString ofLeadingBytes(QFile &file, qint64 length, const QByteArray &end, bool *
 {
     bool isRead = true;
     const qint64 endStart = length - end.size();
-    QByteArray buffer(int(largestStep), Qt::Uninitialized);
+    QByteArray buffer(int(std::min(length, largestStep)), Qt::Uninitialized);
     QCryptographicHash digest(QCryptographicHash::Md5);
     for (qint64 start = 0; start < length; start += chunkSize) {
         // Only a chunk that begins inside `end` needs it: in any other chunk there is a zero byte before the bytes that

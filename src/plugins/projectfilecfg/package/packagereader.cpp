@@ -335,7 +335,7 @@ bool PackageReader::copyEntry(const Entry &entry, QIODevice &destination, qint64
         if (m_pDropBehind)
             m_pDropBehind->advance(m_pFile->pos());
     };
-    if (!copyStream(source, destination, limit, &copied, dropBehind, reason))
+    if (!copyStream(source, destination, entry.nSize, &copied, dropBehind, reason))
         return false;
     if (copied != entry.nSize)
         return failBecause(reason, QStringLiteral("it has %1 of %2 bytes").arg(copied).arg(entry.nSize));

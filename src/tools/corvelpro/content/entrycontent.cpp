@@ -18,7 +18,13 @@ using ProjectFileCfg::Internal::failBecause;
 
 namespace {
 
-constexpr qint64 blockSize = 256 * 1024;
+constexpr qint64 largestBlock = 256 * 1024;
+
+/// For so many bytes, read or unpacked portion by portion. Most entries are small, and there may be thousands.
+QByteArray blockFor(qint64 size)
+{
+    return QByteArray(int(qBound<qint64>(1, size, largestBlock)), Qt::Uninitialized);
+}
 
 /// Passes the content on, and compares it with its header at the end.
 class Content
@@ -106,7 +112,12 @@ private:
 class Inflater
 {
 public:
-    Inflater() { m_isReady = inflateInit2(&m_stream, -MAX_WBITS) == Z_OK; }
+    /// `size` is what the stream should unpack to, in bytes.
+    explicit Inflater(qint64 size)
+        : m_unpacked(blockFor(size))
+    {
+        m_isReady = inflateInit2(&m_stream, -MAX_WBITS) == Z_OK;
+    }
     ~Inflater() { inflateEnd(&m_stream); }
 
     /// False if the portion is no continuation of the stream, or if `content` is over.
@@ -146,7 +157,7 @@ private:
     static constexpr int unusedBits = 7;
 
     z_stream m_stream{};
-    QByteArray m_unpacked{int(blockSize), Qt::Uninitialized};
+    QByteArray m_unpacked;
     bool m_isReady = false;
     bool m_isAtEnd = false;
     SpareBits m_spareBits;
@@ -161,11 +172,11 @@ bool readContent(QIODevice &packed, const EntryHeader &header, const ContentSink
     // Nothing at all is a valid form of nothing.
     std::optional<Inflater> inflater;
     if (header.method == EntryHeader::deflated && header.packedSize > 0)
-        inflater.emplace();
-    QByteArray block(int(blockSize), Qt::Uninitialized);
+        inflater.emplace(header.size);
+    QByteArray block = blockFor(header.packedSize);
     bool isSound = true;
     for (qint64 left = header.packedSize; isSound && left > 0;) {
-        const qint64 count = packed.read(block.data(), std::min(left, blockSize));
+        const qint64 count = packed.read(block.data(), std::min<qint64>(left, block.size()));
         if (count <= 0)
             return failBecause(reason, count == 0 ? QStringLiteral("the file ends before it")
                                                   : QStringLiteral("it cannot be read: %1").arg(packed.errorString()));
