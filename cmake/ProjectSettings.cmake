@@ -60,6 +60,10 @@ endif()
 set(TEST_COMPILE_OPTIONS)
 if(NOT PROJECTFILECFG_BUILD_FUZZERS)
     set(TEST_COMPILE_OPTIONS $<$<CONFIG:Debug>:-O0>)
+    # Undefined behaviour is looked for in what is tested. Looking for it takes a quarter of the time to compile a test.
+    if("undefined" IN_LIST PROJECTFILECFG_SANITIZE)
+        list(APPEND TEST_COMPILE_OPTIONS -fno-sanitize=undefined)
+    endif()
 endif()
 
 # Parsing Qt's headers dominates the compile time of a source. use_qt_headers(<target>...) precompiles the most used ones,

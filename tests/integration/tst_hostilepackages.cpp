@@ -63,6 +63,13 @@ QVector<QPair<QByteArray, Expectation>> readTable()
     return rows;
 }
 
+/// True for more of what another package has as well. It changes the costs only, so it is left out where they do not
+/// count.
+bool isRepeated(const HostilePackage &package)
+{
+    return !costsCount && (package.name == "entries_are_65000" || package.name == "other_entries_are_33000");
+}
+
 QString yesNo(bool yes)
 {
     return yes ? QStringLiteral("yes") : QStringLiteral("no");
@@ -372,6 +379,8 @@ void TstHostilePackages::operation_ends_as_the_table_says_data()
     for (const auto &row : readTable())
         table.insert(row.first, row.second);
     for (int number = 0; number < m_packages.size(); ++number) {
+        if (isRepeated(m_packages.at(number)))
+            continue;
         const QByteArray &name = m_packages.at(number).name;
         const Expectation expected = table.value(name);
         const auto row = [&](const char *operation, const QString &outcome) {
@@ -431,6 +440,8 @@ void TstHostilePackages::online_device_gets_everything_or_stays_unchanged_data()
     for (const auto &row : readTable())
         table.insert(row.first, row.second);
     for (int number = 0; number < m_packages.size(); ++number) {
+        if (isRepeated(m_packages.at(number)))
+            continue;
         const QByteArray &name = m_packages.at(number).name;
         QTest::addRow("%s", name.constData()) << number << table.value(name).online;
     }
