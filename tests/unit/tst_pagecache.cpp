@@ -112,6 +112,7 @@ private slots:
     void written_pages_are_dropped_behind_the_writer();
     void going_back_changes_what_was_dropped();
     void finished_files_are_bounded_together();
+    void finished_files_are_begun_before_waiting();
     void removed_files_are_not_written();
     void nothing_is_written_before_it_must_be();
     void small_files_are_left_alone();
@@ -379,6 +380,22 @@ void TstPageCache::finished_files_are_bounded_together()
     QVERIFY(cachedBelow(path("files")) > 0);
     for (int number = 0; number < 40; ++number)
         QCOMPARE(readFile(path(QStringLiteral("files/%1").arg(number))), noise(MiB, quint32(number)));
+}
+
+void TstPageCache::finished_files_are_begun_before_waiting()
+{
+    FlushBehind flushBehind(FlushBehind::Begin::BeyondDistance, 8 * MiB);
+    const auto finishFile = [&](int number) {
+        ReplacingFile file(path(QString::number(number)), ReplacingFile::Durability::NotFlushed, &flushBehind);
+        return file.create() && file.file().write(QByteArray(int(MiB), 'x')) == MiB && file.commit();
+    };
+    for (int number = 1; number <= 9; ++number) {
+        QVERIFY(finishFile(number));
+        const int begun = number <= 4 ? 0 : number - 1;
+        const int waitedFor = number <= 8 ? 0 : 5;
+        QCOMPARE(s_system.rangesWaitedFor, waitedFor);
+        QCOMPARE(s_system.ranges, begun + waitedFor);
+    }
 }
 
 void TstPageCache::removed_files_are_not_written()

@@ -47,19 +47,27 @@ bool FlushBehind::finish(int handle)
     const int kept = size < PageCache::smallFileSize ? -1 : FileSystem::duplicate(handle);
     if (kept < 0)
         return true;
-    m_finished.push_back({kept, size});
     m_nFinishedSize += size;
-    if (m_nFinishedSize <= m_nDistance)
-        return true;
-    // All of them, so that the disk is busy with the later ones while the next file is written.
-    for (const Finished &file : m_finished) {
-        if (!FileSystem::isRemoved(file.nHandle))
-            PageCache::beginWriting(file.nHandle);
-    }
+    if (m_nFinishedSize > m_nDistance / 2)
+        beginWritingFinished();
+    m_finished.push_back({kept, size, false});
     bool isWritten = true;
-    while (m_nFinishedSize > m_nDistance / 2)
-        isWritten = settleOldest() && isWritten;
+    if (m_nFinishedSize > m_nDistance) {
+        while (m_nFinishedSize > m_nDistance / 2)
+            isWritten = settleOldest() && isWritten;
+    }
     return isWritten;
+}
+
+/// Called half a distance before the first of them is waited for, so that the disk is done by then; and when the next
+/// file is complete, since each may be removed before.
+void FlushBehind::beginWritingFinished()
+{
+    for (Finished &file : m_finished) {
+        if (!file.bBegun && !FileSystem::isRemoved(file.nHandle))
+            PageCache::beginWriting(file.nHandle);
+        file.bBegun = true;
+    }
 }
 
 bool FlushBehind::settleOldest()

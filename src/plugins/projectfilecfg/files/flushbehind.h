@@ -27,7 +27,7 @@ public:
     enum class Begin {
         /// For a file that is flushed at its end, so that the flush has less to wait for.
         AtOnce,
-        /// For files that may be removed soon: nothing is written before it must be.
+        /// For files that may be removed soon: nothing is written before the distance requires it.
         BeyondDistance
     };
 
@@ -51,8 +51,10 @@ private:
     {
         int nHandle = -1;
         qint64 nSize = 0;
+        bool bBegun = false;
     };
 
+    void beginWritingFinished();
     bool settleOldest();
 
     const Begin m_begin;
