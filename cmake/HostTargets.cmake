@@ -61,6 +61,9 @@ endfunction()
 function(add_host_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;X11_RUNNER" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
+    if(name IN_LIST TESTS_WITHOUT_THREADS AND PROJECTFILECFG_SANITIZE STREQUAL "thread")
+        list(APPEND ARG_LABELS slow)
+    endif()
     if(PROJECTFILECFG_SANITIZE AND "slow" IN_LIST ARG_LABELS)
         set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
     endif()
@@ -88,6 +91,9 @@ function(add_host_test name)
         TIMEOUT 1800
         COST ${cost}
         ENVIRONMENT "QT_QPA_PLATFORM=${platform};QTEST_FUNCTION_TIMEOUT=1800000;QT_LOGGING_RULES=*.debug=true\\;qt.*.debug=false;LC_ALL=C.UTF-8")
+    if(name IN_LIST TESTS_WITHOUT_THREADS)
+        set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT EXPECT_NO_THREADS=1)
+    endif()
 endfunction()
 
 # use_test_headers(<target>): the shared precompiled header of the tests; requires identical compile options.

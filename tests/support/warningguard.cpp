@@ -3,6 +3,8 @@
 
 #include "warningguard.h"
 
+#include "threadcensus.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QMutex>
@@ -220,6 +222,12 @@ int runTest(QObject *test, int argc, char *argv[])
     QMutexLocker locker(&guard().mutex);
     for (const QString &reason : qAsConst(guard().unexpected)) {
         std::fprintf(stderr, "FAIL!  : after the last test function: %s\n", qPrintable(reason));
+        result = qMax(result, 1);
+    }
+    // One is Qt Test's, which watches the time.
+    if (qEnvironmentVariableIsSet("EXPECT_NO_THREADS") && startedThreads() > 1) {
+        std::fprintf(stderr,
+                     "FAIL!  : after the last test function: threads were started; see TESTS_WITHOUT_THREADS\n");
         result = qMax(result, 1);
     }
     return result;

@@ -70,6 +70,12 @@ private slots:
         dialog.exec();
     }
 
+    void thread_where_none_is_expected()
+    {
+        std::thread worker([]() {});
+        worker.join();
+    }
+
     void disabled_button()
     {
         QPushButton button(QStringLiteral("Save"));

@@ -8,6 +8,7 @@
 #include <support/screencheck.h>
 #include <support/signalrecorder.h>
 #include <support/testmain.h>
+#include <support/threadcensus.h>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -74,6 +75,8 @@ void TstSupport::misuse_fails_the_test_function_data()
     add("unexpected_box", "Nobody expected: warning box \"Remind\": \"Failed\"");
     add("other_text_in_the_box", "Came: information box \"Remind\": \"This failed\", but");
     add("dialog_left_open", "Still open after its answer: QDialog");
+    if (canCountThreads)
+        add("thread_where_none_is_expected", "threads were started");
     add("disabled_button", "The button \"Save\" cannot be clicked: disabled");
 }
 
@@ -83,6 +86,12 @@ void TstSupport::misuse_fails_the_test_function()
     QFETCH(QString, reason);
     QProcess program;
     program.setProcessChannelMode(QProcess::MergedChannels);
+    if (function == QStringLiteral("thread_where_none_is_expected")) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("EXPECT_NO_THREADS"), QStringLiteral("1"));
+        environment.insert(QStringLiteral("QTEST_FUNCTION_TIMEOUT"), QStringLiteral("1800000"));
+        program.setProcessEnvironment(environment);
+    }
     program.start(QStringLiteral(MUST_FAIL_PROGRAM), {function});
     QVERIFY(program.waitForFinished(-1));
     const QString output = QString::fromUtf8(program.readAll());
