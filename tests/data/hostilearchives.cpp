@@ -27,6 +27,7 @@ void Corpus::addSizes()
     };
     add("size_in_64_bits_is_above_all", with64BitSize(0xffffffffffffffff));
     add("size_in_64_bits_is_negative", with64BitSize(0x8000000000000000));
+    add("size_in_64_bits_is_negative_above_two_gigabytes", with64BitSize(0x800000007ffffffe));
     add("size_in_64_bits_is_cut_off", patched([](ZipArchive &archive) {
             archive.set32(archive.lastCentral() + 24, 0xffffffff);
             archive.addCentralExtra(ZipArchive::little(quint16(1)) + ZipArchive::little(quint16(8)) + "123");

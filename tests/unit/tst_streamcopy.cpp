@@ -102,6 +102,8 @@ private slots:
     void more_than_the_limit_is_refused_data();
     void more_than_the_limit_is_refused();
     void small_limit_takes_a_small_block();
+    void negative_limit_copies_nothing_data();
+    void negative_limit_copies_nothing();
     void memory_is_bounded_without_a_limit();
     void each_portion_is_shown();
     void failed_reading_is_reported();
@@ -173,6 +175,27 @@ void TstStreamCopy::small_limit_takes_a_small_block()
     qint64 copied = -1;
     QVERIFY(!copyStream(source, destination, 10, &copied));
     QCOMPARE(source.largestRequest(), qint64(11));
+}
+
+void TstStreamCopy::negative_limit_copies_nothing_data()
+{
+    QTest::addColumn<qint64>("limit");
+    QTest::newRow("-1") << qint64(-1);
+    QTest::newRow("lowest") << std::numeric_limits<qint64>::min();
+    // An archive may state any 64 bits; the lower half of these is the largest int.
+    QTest::newRow("large in its lower half") << std::numeric_limits<qint64>::min() + std::numeric_limits<int>::max();
+}
+
+void TstStreamCopy::negative_limit_copies_nothing()
+{
+    QFETCH(qint64, limit);
+    Source source(content(900 * KiB));
+    QBuffer destination;
+    destination.open(QIODevice::WriteOnly);
+    qint64 copied = -1;
+    QVERIFY(!copyStream(source, destination, limit, &copied));
+    QCOMPARE(source.largestRequest(), qint64(1));
+    QVERIFY(destination.data().isEmpty());
 }
 
 void TstStreamCopy::memory_is_bounded_without_a_limit()

@@ -9,8 +9,6 @@
 #include <QByteArray>
 #include <QFile>
 
-#include <algorithm>
-
 namespace ProjectFileCfg {
 namespace Internal {
 
@@ -20,7 +18,7 @@ bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 
     constexpr qint64 largestBlock = 256 * 1024;
     // One byte beyond the limit tells that there is more. Small blocks for small entries, of which there may be
     // thousands.
-    QByteArray block(int(std::min(limit, largestBlock - 1)) + 1, Qt::Uninitialized);
+    QByteArray block(int(qBound<qint64>(0, limit, largestBlock - 1) + 1), Qt::Uninitialized);
     qint64 count = 0;
     *copied = 0;
     while ((count = source.read(block.data(), block.size())) > 0) {

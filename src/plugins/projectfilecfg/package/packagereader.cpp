@@ -222,17 +222,18 @@ bool PackageReader::readCurrentHeader() const
         return false;
     name.truncate(int(info.size_filename));
     name.squeeze();
-    entry.nSize = qint64(info.uncompressed_size);
-    entry.nPackedSize = qint64(info.compressed_size);
+    // An archive may state any 64 bits. Capped beyond every limit, no size is negative, and no sum overflows.
+    const auto capped = [](quint64 size) { return qint64(std::min<quint64>(size, maxContentSize + 1)); };
+    entry.nSize = capped(info.uncompressed_size);
+    entry.nPackedSize = capped(info.compressed_size);
     entry.nCrc = quint32(info.crc);
     entry.nMethod = quint16(info.compression_method);
     entry.bOrdinary = isOrdinary(info, name.endsWith('/'));
     m_pDirectory->listRawNames.append(name);
     m_pDirectory->all.push_back(entry);
     m_pDirectory->nNamesLength += name.size();
-    // Capped, so that the sums cannot overflow.
-    m_pDirectory->nContentSize += std::min<quint64>(info.uncompressed_size, maxContentSize + 1);
-    m_pDirectory->nPackedSize += std::min<quint64>(info.compressed_size, maxContentSize + 1);
+    m_pDirectory->nContentSize += entry.nSize;
+    m_pDirectory->nPackedSize += entry.nPackedSize;
     return true;
 }
 
