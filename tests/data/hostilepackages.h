@@ -24,6 +24,8 @@ struct HostilePackage
     bool linksInTheWay = false;
     /// Qt 5.15 leaks the arrays and objects of a member that occurs twice in an object.
     bool libraryLeaks = false;
+    /// Larger than another package, otherwise the same case: what counts is what it costs.
+    bool onlyLarger = false;
 };
 
 /// All of them, in the order of README.md, always with the same bytes. Generating them all takes seconds: where the

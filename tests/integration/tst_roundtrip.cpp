@@ -294,7 +294,9 @@ void TstRoundtrip::saving_and_applying_brings_everything_back_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<int>("route");
-    for (int number = 0; number < deviceCount; ++number) {
+    // ROUNDTRIP_DEVICES=n takes only the first n.
+    const int wish = qEnvironmentVariableIntValue("ROUNDTRIP_DEVICES");
+    for (int number = 0; number < (wish > 0 ? wish : deviceCount); ++number) {
         const int route = number % RouteCount;
         QTest::addRow("device %d, %s", number, routeName(route)) << number << route;
     }

@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QTest>
 
 #include <malloc.h>
 #include <sys/resource.h>
@@ -16,6 +17,14 @@ constexpr bool costsCount = false;
 #else
 constexpr bool costsCount = true;
 #endif
+
+/// At the beginning of a test function that differs from others only in how much it handles: under a sanitizer it would
+/// take many times as long, and find what they find.
+#define SKIP_WHERE_COSTS_DO_NOT_COUNT()                                                                                \
+    do {                                                                                                               \
+        if (!TestSupport::costsCount)                                                                                  \
+            QSKIP("without a sanitizer only: no other code runs here than in smaller tests");                          \
+    } while (false)
 
 /// The process's time and memory since construction. Sanitizers add costs of their own: their builds rely on the test
 /// program's time limit instead.

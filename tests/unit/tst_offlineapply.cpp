@@ -4,6 +4,7 @@
 #include "loadtesting.h"
 #include "zippackagehandle.h"
 
+#include <support/costs.h>
 #include <support/journalmatchers.h>
 
 #include <model/deviceeditor.h>
@@ -245,6 +246,7 @@ void TstOfflineApply::files_arrive_before_the_model()
 
 void TstOfflineApply::a_device_never_holds_more_than_a_package()
 {
+    SKIP_WHERE_COSTS_DO_NOT_COUNT();
     // So many files are flushed and removed there at once.
     const QByteArray temporary = qgetenv("TMPDIR");
     if (QFileInfo(QStringLiteral("/dev/shm")).isWritable())
@@ -284,6 +286,7 @@ void TstOfflineApply::a_device_never_holds_more_than_a_package()
 
 void TstOfflineApply::its_names_never_exceed_those_of_packages()
 {
+    SKIP_WHERE_COSTS_DO_NOT_COUNT();
     const int most = 16 * 1024 * 1024;
     const QByteArray folder = QByteArray(250, 'd') + '/';
     const int deepest = 12;

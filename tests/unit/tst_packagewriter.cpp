@@ -8,6 +8,7 @@
 #include "zippackagehandle.h"
 
 #include <data/pngmaker.h>
+#include <support/costs.h>
 #include <support/testmain.h>
 
 #include <QScopeGuard>
@@ -429,6 +430,7 @@ void TstPackageWriter::unreadable_files_are_refused()
 
 void TstPackageWriter::more_than_65534_entries_are_refused()
 {
+    SKIP_WHERE_COSTS_DO_NOT_COUNT();
     const auto add = [this](int number) {
         QFile file(m_dir + "/files/" + QString::number(number));
         return file.open(QIODevice::WriteOnly);
@@ -556,6 +558,7 @@ void TstPackageWriter::leftovers_of_killed_processes_are_not_packed()
 
 void TstPackageWriter::overlong_names_are_refused()
 {
+    SKIP_WHERE_COSTS_DO_NOT_COUNT();
     // The names of a long branch, repeated for each of its leaves.
     QString branch = m_dir;
     for (int level = 0; level < 12; ++level)
