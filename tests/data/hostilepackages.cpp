@@ -5,6 +5,8 @@
 
 #include "ingredients.h"
 
+#include <support/costs.h>
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -47,6 +49,18 @@ QVector<HostilePackage> hostilePackages()
             package.bytes = contentOf(folder + QLatin1Char('/') + QString::fromLatin1(package.name));
     }
     return corpus.packages;
+}
+
+QVector<HostilePackage> shareOfHostilePackages()
+{
+    const QVector<HostilePackage> all = hostilePackages();
+    const int distance = qMax(1, qEnvironmentVariableIntValue("HOSTILE_EVERY"));
+    QVector<HostilePackage> share;
+    for (int number = 0; number < all.size(); number += distance) {
+        if (TestSupport::costsCount || !all.at(number).onlyLarger)
+            share.append(all.at(number));
+    }
+    return share;
 }
 
 QByteArray honestPackage()

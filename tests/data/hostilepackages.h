@@ -33,6 +33,9 @@ struct HostilePackage
 QVector<HostilePackage> hostilePackages();
 constexpr const char *writtenPackages = "HOSTILE_PACKAGES";
 
+/// Every n-th of them, if HOSTILE_EVERY is n in the environment; under a sanitizer without those that are only larger.
+QVector<HostilePackage> shareOfHostilePackages();
+
 /// A valid package: a background, a logo and a preset, for the targets above.
 QByteArray honestPackage();
 

@@ -6,7 +6,6 @@
 #include "zippackagehandle.h"
 
 #include <data/hostilepackages.h>
-#include <support/costs.h>
 #include <support/leaksoflibrary.h>
 #include <support/packagebuilder.h>
 
@@ -48,9 +47,7 @@ void TstCheck::init()
 void TstCheck::verdict_is_that_of_the_panel()
 {
     QStringList paths;
-    for (const TestData::HostilePackage &package : TestData::hostilePackages()) {
-        if (package.onlyLarger && !TestSupport::costsCount)
-            continue;
+    for (const TestData::HostilePackage &package : TestData::shareOfHostilePackages()) {
         paths.append(m_dir->filePath(package.name + ".corvelpro"));
         QFile file(paths.last());
         QVERIFY(file.open(QIODevice::WriteOnly));

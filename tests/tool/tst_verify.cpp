@@ -10,7 +10,6 @@
 #include <data/hostilepackages.h>
 #include <data/pngmaker.h>
 #include <data/ziparchive.h>
-#include <support/costs.h>
 #include <support/packagebuilder.h>
 #include <support/systemcalls.h>
 #include <unit/cachetesting.h>
@@ -417,15 +416,14 @@ void TstVerify::each_kind_of_damage_is_named()
 
 void TstVerify::hostile_packages_end_with_a_verdict()
 {
-    const QVector<TestData::HostilePackage> packages = TestData::hostilePackages();
+    const QVector<TestData::HostilePackage> packages = TestData::shareOfHostilePackages();
     // In several runs, so that none has to be waited for longer than for any other process.
     constexpr int batch = 60;
     for (int begin = 0; begin < packages.size(); begin += batch) {
         QStringList files;
         for (const TestData::HostilePackage &package : packages.mid(begin, batch)) {
             // As much decoding as there can be, which takes seconds; and what ends a process with a leak checker.
-            const bool isCostly = package.onlyLarger && !TestSupport::costsCount;
-            if (!isCostly && package.name != "pictures_of_21_gigapixels_together" && !package.libraryLeaks)
+            if (package.name != "pictures_of_21_gigapixels_together" && !package.libraryLeaks)
                 files.append(write(package.name, package.bytes()));
         }
         for (const QJsonObject &result : verify(files, no)) {
