@@ -18,12 +18,12 @@ constexpr bool costsCount = false;
 constexpr bool costsCount = true;
 #endif
 
-/// At the beginning of a test function that differs from others only in how much it handles: under a sanitizer it would
-/// take many times as long, and find what they find.
+/// At the beginning of a test function that handles tens of thousands of files or entries, and little else that others
+/// do not: under a sanitizer it takes many times as long.
 #define SKIP_WHERE_COSTS_DO_NOT_COUNT()                                                                                \
     do {                                                                                                               \
         if (!TestSupport::costsCount)                                                                                  \
-            QSKIP("without a sanitizer only: no other code runs here than in smaller tests");                          \
+            QSKIP("takes too long under a sanitizer");                                                                 \
     } while (false)
 
 /// The process's time and memory since construction. Sanitizers add costs of their own: their builds rely on the test
