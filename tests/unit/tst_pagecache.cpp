@@ -104,6 +104,7 @@ private slots:
 
     void read_pages_are_dropped_behind_the_reader();
     void pages_cached_before_stay_cached();
+    void pages_read_anew_are_dropped();
     void unwritten_pages_survive_a_reader();
     void reading_back_and_forth_leaves_nothing();
     void pages_far_ahead_are_dropped();
@@ -219,6 +220,30 @@ void TstPageCache::pages_cached_before_stay_cached()
         }
         return before.size() > 3 && ranges() == before;
     }));
+}
+
+void TstPageCache::pages_read_anew_are_dropped()
+{
+    constexpr qint64 size = 66 * MiB;
+    makeUncached("file", size);
+    QFile file(path("file"));
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    posix_fadvise(file.handle(), 0, 0, POSIX_FADV_RANDOM);
+    qint64 cachedAtOnce = 0;
+    qint64 cachedBefore = 0;
+    for (qint64 offset = 4 * MiB; offset < size; offset += 8 * MiB, cachedBefore += 64 * 1024)
+        QVERIFY(file.seek(offset) && !file.read(1000).isEmpty());
+    QVERIFY(file.seek(0));
+    {
+        DropBehind dropBehind(file.handle());
+        // As the system does with what nobody has used for a while.
+        PageCache::drop(file.handle(), PageCache::Range());
+        while (!file.read(MiB).isEmpty())
+            dropBehind.advance(file.pos());
+        cachedAtOnce = cachedOf(file);
+    }
+    QVERIFY(cachedAtOnce <= 8 * MiB + cachedBefore);
+    QVERIFY(cachedOf(file) <= cachedBefore);
 }
 
 void TstPageCache::unwritten_pages_survive_a_reader()
