@@ -104,6 +104,7 @@ private slots:
 
     void read_pages_are_dropped_behind_the_reader();
     void pages_cached_before_stay_cached();
+    void an_empty_range_drops_nothing();
     void pages_read_anew_are_dropped();
     void unwritten_pages_survive_a_reader();
     void reading_back_and_forth_leaves_nothing();
@@ -219,6 +220,21 @@ void TstPageCache::pages_cached_before_stay_cached()
                 dropBehind.advance(file.pos());
         }
         return before.size() > 3 && ranges() == before;
+    }));
+}
+
+void TstPageCache::an_empty_range_drops_nothing()
+{
+    constexpr qint64 size = 4 * MiB;
+    makeUncached("file", size);
+    QFile file(path("file"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(holdsOnce([&] {
+        if (!file.seek(0) || file.readAll().size() != size)
+            return false;
+        PageCache::drop(file.handle(), {MiB, MiB});
+        PageCache::drop(file.handle(), {2 * MiB, MiB});
+        return cachedOf(file) == size;
     }));
 }
 

@@ -81,7 +81,9 @@ void expectSequentialReads(int handle)
 
 void drop(int handle, const Range &range)
 {
-    posix_fadvise(handle, range.nBegin, range.nEnd == 0 ? 0 : range.nEnd - range.nBegin, POSIX_FADV_DONTNEED);
+    // To the system, a length of 0 reaches to the end of the file.
+    if (range.nEnd == 0 || range.nEnd > range.nBegin)
+        posix_fadvise(handle, range.nBegin, range.nEnd == 0 ? 0 : range.nEnd - range.nBegin, POSIX_FADV_DONTNEED);
 }
 
 void beginWriting(int handle)

@@ -37,7 +37,8 @@ bool isCached(int handle, qint64 offset);
 /// The system reads ahead further while the file is read from beginning to end.
 void expectSequentialReads(int handle);
 
-/// Has the system forget the cached pages that lie within the range and need no writing. An end of 0 is the file's.
+/// Has the system forget the cached pages that lie within the range and need no writing. An end of 0 is the file's; an
+/// empty range drops nothing.
 void drop(int handle, const Range &range);
 
 /// Starts writing all changed pages of the file to the disk. Returns before they are there.
