@@ -27,7 +27,6 @@ private:
     Q_DISABLE_COPY(DropBehind)
 
     void dropBetween(qint64 begin, qint64 end);
-    void forgetReplaced(qint64 begin, qint64 end);
 
     const int m_nHandle;
     /// What was not cached at the beginning.

@@ -66,14 +66,6 @@ std::vector<Range> uncachedRanges(int handle, qint64 size)
     return found;
 }
 
-bool isCached(int handle, qint64 offset)
-{
-    const auto pageSize = qint64(sysconf(_SC_PAGESIZE));
-    const qint64 begin = offset / pageSize * pageSize;
-    const std::vector<unsigned char> pages = cachedPages(handle, {begin, begin + pageSize});
-    return !pages.empty() && (pages.front() & 1) != 0;
-}
-
 void expectSequentialReads(int handle)
 {
     posix_fadvise(handle, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -104,11 +96,6 @@ bool finishWriting(int handle, const Range &range)
 std::vector<Range> uncachedRanges(int, qint64)
 {
     return {};
-}
-
-bool isCached(int, qint64)
-{
-    return false;
 }
 
 void expectSequentialReads(int) {}

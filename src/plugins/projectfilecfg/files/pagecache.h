@@ -31,9 +31,6 @@ struct Range
 /// the end of the file. Empty if the system does not tell: then everything may be cached.
 std::vector<Range> uncachedRanges(int handle, qint64 size);
 
-/// True if the byte at `offset` is cached. False if the system does not tell.
-bool isCached(int handle, qint64 offset);
-
 /// The system reads ahead further while the file is read from beginning to end.
 void expectSequentialReads(int handle);
 
