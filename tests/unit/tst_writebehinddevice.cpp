@@ -25,6 +25,7 @@ using ProjectFileCfg::Internal::WriteBehindDevice;
 namespace {
 
 constexpr int KiB = 1024;
+constexpr qint64 blockSize = 256 * KiB;
 
 /// A file that records how it is written.
 class ObservedFile : public QFile
@@ -284,7 +285,7 @@ void TstWriteBehindDevice::file_holds_every_write_at_its_position()
         QByteArray expected;
         QFile file(path());
         QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::Truncate));
-        WriteBehindDevice device(file);
+        WriteBehindDevice device(file, blockSize);
         for (int step = 0; step < 60; ++step) {
             const int size = random.bounded(1, largestPortion + 1);
             const QByteArray portion = bytes.mid(random.bounded(bytes.size() - size), size);
@@ -306,7 +307,7 @@ void TstWriteBehindDevice::position_and_size_run_ahead_of_the_file()
 {
     QFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     QVERIFY(!device.isSequential());
     QVERIFY(device.isOpen());
     QCOMPARE(device.size(), 0);
@@ -324,7 +325,7 @@ void TstWriteBehindDevice::a_gap_holds_zero_bytes()
 {
     QFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     device.write("a");
     QVERIFY(device.seek(4));
     device.write("b");
@@ -336,7 +337,7 @@ void TstWriteBehindDevice::without_a_write_the_file_stays_empty()
 {
     QFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     QVERIFY(device.flush());
     QCOMPARE(file.size(), qint64(0));
 }
@@ -345,7 +346,7 @@ void TstWriteBehindDevice::writing_can_go_on_after_a_flush()
 {
     QFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     device.write("one");
     QVERIFY(device.flush());
     QCOMPARE(readFile(path()), QByteArray("one"));
@@ -363,7 +364,7 @@ void TstWriteBehindDevice::blocks_are_written_by_one_other_thread()
     ObservedFile file(path());
     file.pauseMs = 1;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     const QByteArray portion = noise(256 * KiB);
     for (int block = 0; block < 40; ++block)
         QVERIFY(device.write(portion) > 0);
@@ -378,7 +379,7 @@ void TstWriteBehindDevice::single_block_is_written_by_its_owner()
 {
     ObservedFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     device.write(QByteArray(1000, 'a'));
     QVERIFY(device.seek(500));
     device.write("b");
@@ -394,7 +395,7 @@ void TstWriteBehindDevice::bytes_in_flight_are_bounded()
     ObservedFile file(path());
     file.pauseMs = 2;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     const QByteArray portion(64 * KiB, 'x');
     for (int count = 0; count < 200; ++count) {
         file.given += portion.size();
@@ -418,7 +419,7 @@ void TstWriteBehindDevice::flush_reports_a_full_disk()
     ObservedFile file(path());
     file.room = room;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     device.write(noise(256 * KiB));
     device.write(noise(256 * KiB));
     device.write(noise(256 * KiB));
@@ -433,7 +434,7 @@ void TstWriteBehindDevice::writing_to_a_full_file_ends()
     ObservedFile file(path());
     file.room = 300 * KiB;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     const QByteArray portion(64 * KiB, 'x');
     int written = 0;
     while (written < 1000 && device.write(portion) > 0)
@@ -448,7 +449,7 @@ void TstWriteBehindDevice::a_refused_write_changes_nothing()
     ObservedFile file(path());
     file.room = 600 * KiB;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     const QByteArray block = noise(256 * KiB);
     while (!file.hasRefused)
         device.write(block);
@@ -482,7 +483,7 @@ void TstWriteBehindDevice::the_zip_library_may_write_after_a_refusal()
     ObservedFile file(path());
     file.room = qint64(blocks) * 256 * KiB;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     {
         // Finishing entry and archive writes again.
         QuaZip zip(&device);
@@ -517,7 +518,7 @@ void TstWriteBehindDevice::flush_reports_what_the_file_refused()
     // Fits into the file's own buffer; the system refuses it on flush.
     QFile file(path());
     QVERIFY(file.open(QIODevice::WriteOnly));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     device.write("more than a file may have");
     const FullDisk disk(10);
     QVERIFY(!device.flush());
@@ -527,7 +528,7 @@ void TstWriteBehindDevice::nothing_can_be_read()
 {
     QFile file(path());
     QVERIFY(file.open(QIODevice::ReadWrite));
-    WriteBehindDevice device(file);
+    WriteBehindDevice device(file, blockSize);
     device.write("x");
     device.seek(0);
     const TestSupport::ExpectMessage complaint(QtWarningMsg, QRegularExpression(QStringLiteral("WriteOnly device")));
@@ -540,7 +541,7 @@ void TstWriteBehindDevice::destruction_waits_for_running_writes()
     file.pauseMs = 20;
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     {
-        WriteBehindDevice device(file);
+        WriteBehindDevice device(file, blockSize);
         device.write(noise(256 * KiB));
         device.write(noise(256 * KiB));
     }

@@ -25,9 +25,9 @@ class WriteBehindDevice : public QIODevice
 {
 public:
     /// Opens itself, for writing only. `file` is open for writing; nothing else may use it from a write until flush()
-    /// returns. `blockSize`, in bytes, is large enough to make the cost per block negligible, and small enough that a
-    /// picture fills several blocks.
-    explicit WriteBehindDevice(QFileDevice &file, qint64 blockSize = 256 * 1024);
+    /// returns. `blockSize`, in bytes, is large enough that the owner seldom waits while the file is flushed behind the
+    /// writer, and small enough that a large picture fills several blocks.
+    explicit WriteBehindDevice(QFileDevice &file, qint64 blockSize = 1024 * 1024);
     /// Waits for pending writes. Bytes that were not flushed may be missing in the file.
     ~WriteBehindDevice() override;
 
