@@ -3,6 +3,8 @@
 
 #include "faultpoints.h"
 
+#include <support/libraryhook.h>
+
 #include <QFile>
 #include <QFileInfo>
 #include <QMap>
@@ -15,11 +17,12 @@
 #include <cstdio>
 #include <mutex>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
+
+using TestSupport::original;
 
 namespace FaultPoints {
 
@@ -49,12 +52,6 @@ State &state()
 {
     static State *const instance = new State;
     return *instance;
-}
-
-template<typename Function>
-Function *original(const char *symbol)
-{
-    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, symbol));
 }
 
 bool isWatched(const QByteArray &path)

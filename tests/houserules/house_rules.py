@@ -53,6 +53,12 @@ class HouseRules(unittest.TestCase):
         self.assertEqual(findings("int i;\n", terms=""), [finding])
         self.assertEqual(findings(TERMS.replace("Velmora", "Nobody") + "int i;\n", terms=""), [finding])
 
+    def test_a_test_program_has_at_most_800_lines(self):
+        own = 800 - TERMS.count("\n")
+        self.check("int i;\n" * own, path="tests/a.cpp")
+        self.check("int i;\n" * (own + 1), "798: a test program has at most 800 lines", path="tests/a.cpp")
+        self.check("int i;\n" * (own + 1))
+
     def test_locals_are_no_members(self):
         self.check("void f()\n{\n    QString name;\n    bool isOpen = false;\n}\n")
 

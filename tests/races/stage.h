@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "points.h"
+
 #include <support/paneltesting.h>
 
 #include <support/answerbook.h>
@@ -15,10 +17,8 @@
 #include <QSet>
 #include <QTranslator>
 
-#include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -65,34 +65,6 @@ extern const QString foreignIp; ///< online, of another model
 
 /// The contents of replacement packages, unlike those of any other device.
 Simulation::HardwareState replacementDevice();
-
-/// The points at which an operation can be disturbed: every call that the host receives, on any thread, and every
-/// dialog that opens.
-class Points
-{
-public:
-    Points();
-    ~Points();
-    Q_DISABLE_COPY(Points)
-
-    /// Restarts counting. User-interface thread.
-    void start();
-    /// Runs `act` on the user-interface thread at that point, counted from 1, and blocks the thread that reached it
-    /// meanwhile. A call made by the user-interface thread itself is not blocked if `fromEventLoop` is true, since
-    /// people and windows act through the event loop only: then `act` runs as the next event.
-    void at(int point, bool fromEventLoop, std::function<void()> act);
-    /// Points reached since start(). Actions at a point do not count.
-    int passed() const;
-    /// Drops a pending action.
-    void forget();
-    /// Called for dialogs.
-    void pass();
-
-private:
-    struct State;
-    const std::shared_ptr<State> m_state;
-    QMetaObject::Connection m_connection;
-};
 
 /// The operator's answers to an operation's dialogs.
 struct Answers

@@ -4,27 +4,23 @@
 #include "systemcalls.h"
 
 #include "heldfile.h"
+#include "libraryhook.h"
 
 #include <QtGlobal>
 
 #include <cerrno>
 #include <cstdarg>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+using TestSupport::original;
 
 namespace {
 
 // Files are opened before static construction: an empty function does nothing.
 TestSupport::SystemCalls s_calls;
-
-template<typename Function>
-Function *original(const char *name)
-{
-    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
-}
 
 } // namespace
 

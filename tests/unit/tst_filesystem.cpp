@@ -5,6 +5,7 @@
 #include "packagetesting.h"
 #include "replacingfile.h"
 
+#include <support/libraryhook.h>
 #include <support/testmain.h>
 
 #include <QTemporaryDir>
@@ -16,7 +17,6 @@
 #include <cstring>
 #include <functional>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/stat.h>
@@ -24,6 +24,7 @@
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
+using namespace TestSupport;
 
 namespace {
 
@@ -52,18 +53,6 @@ struct System
 
 System s_system;
 
-template<typename Function>
-Function original(const char *name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
-
-bool failsWith(int error)
-{
-    errno = error;
-    return error != 0;
-}
-
 bool isFolder(int handle)
 {
     struct stat status;
@@ -84,7 +73,7 @@ int openUnlessFolderFails(Open function, const char *path, int flags, va_list ar
 
 extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
 {
-    static const auto function = original<int (*)(const char *, int, mode_t)>("open");
+    static const auto function = original<int(const char *, int, mode_t)>("open");
     va_list arguments;
     va_start(arguments, flags);
     const int handle = openUnlessFolderFails(function, path, flags, arguments);
@@ -94,7 +83,7 @@ extern "C" Q_DECL_EXPORT int open(const char *path, int flags, ...)
 
 extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
 {
-    static const auto function = original<int (*)(const char *, int, mode_t)>("open64");
+    static const auto function = original<int(const char *, int, mode_t)>("open64");
     va_list arguments;
     va_start(arguments, flags);
     const int handle = openUnlessFolderFails(function, path, flags, arguments);
@@ -104,14 +93,14 @@ extern "C" Q_DECL_EXPORT int open64(const char *path, int flags, ...)
 
 extern "C" Q_DECL_EXPORT int fsync(int handle)
 {
-    static const auto function = original<int (*)(int)>("fsync");
+    static const auto function = original<int(int)>("fsync");
     s_system.steps.append(isFolder(handle) ? QStringLiteral("flush folder") : QStringLiteral("flush file"));
     return failsWith(isFolder(handle) ? s_system.flushFolder : s_system.flushFile) ? -1 : function(handle);
 }
 
 extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t count, unsigned int flags)
 {
-    static const auto function = original<int (*)(int, off64_t, off64_t, unsigned int)>("sync_file_range");
+    static const auto function = original<int(int, off64_t, off64_t, unsigned int)>("sync_file_range");
     // All of it, and without blocking.
     const bool isHint = offset == 0 && count == 0 && flags == SYNC_FILE_RANGE_WRITE;
     s_system.steps.append(isHint ? QStringLiteral("begin flushing") : QStringLiteral("flush a part"));
@@ -120,14 +109,14 @@ extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t
 
 extern "C" Q_DECL_EXPORT int syncfs(int handle) noexcept
 {
-    static const auto function = original<int (*)(int)>("syncfs");
+    static const auto function = original<int(int)>("syncfs");
     s_system.steps.append(QStringLiteral("flush disk"));
     return failsWith(s_system.flushDisk) ? -1 : function(handle);
 }
 
 extern "C" Q_DECL_EXPORT int ioctl(int handle, unsigned long request, ...) noexcept
 {
-    static const auto function = original<int (*)(int, unsigned long, void *)>("ioctl");
+    static const auto function = original<int(int, unsigned long, void *)>("ioctl");
     va_list arguments;
     va_start(arguments, request);
     void *argument = va_arg(arguments, void *);
@@ -137,7 +126,7 @@ extern "C" Q_DECL_EXPORT int ioctl(int handle, unsigned long request, ...) noexc
 
 extern "C" Q_DECL_EXPORT int mkdir(const char *path, mode_t mode) noexcept
 {
-    static const auto function = original<int (*)(const char *, mode_t)>("mkdir");
+    static const auto function = original<int(const char *, mode_t)>("mkdir");
     if (s_system.foldersAppear)
         function(path, mode);
     return function(path, mode);
@@ -145,7 +134,7 @@ extern "C" Q_DECL_EXPORT int mkdir(const char *path, mode_t mode) noexcept
 
 extern "C" Q_DECL_EXPORT int rename(const char *from, const char *to) noexcept
 {
-    static const auto function = original<int (*)(const char *, const char *)>("rename");
+    static const auto function = original<int(const char *, const char *)>("rename");
     s_system.steps.append(QStringLiteral("rename"));
     // A second hard link of the file stands for the name in the other case, and has none of its own.
     if (s_system.ignoresCase)
@@ -156,7 +145,7 @@ extern "C" Q_DECL_EXPORT int rename(const char *from, const char *to) noexcept
 extern "C" Q_DECL_EXPORT int renameat2(int fromFolder, const char *from, int toFolder, const char *to,
                                        unsigned int flags) noexcept
 {
-    static const auto function = original<int (*)(int, const char *, int, const char *, unsigned int)>("renameat2");
+    static const auto function = original<int(int, const char *, int, const char *, unsigned int)>("renameat2");
     if (flags == RENAME_EXCHANGE) {
         s_system.steps.append(QStringLiteral("exchange"));
         if (!s_system.beforeExchange.isEmpty())

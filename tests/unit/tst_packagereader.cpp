@@ -6,44 +6,20 @@
 #include "zippackagehandle.h"
 
 #include <data/ziparchive.h>
+#include <support/freespace.h>
 #include <support/packagebuilder.h>
 #include <support/testmain.h>
 
 #include <QScopeGuard>
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <JlCompress.h>
 
 #include <algorithm>
-#include <dlfcn.h>
-#include <sys/statvfs.h>
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
-using TestSupport::PackageBuilder;
-
-namespace {
-
-/// The disk's reported free space; -1 for the real one.
-qint64 s_freeBytes = -1;
-
-} // namespace
-
-// Hooks the C library's function used by the C++ library. Given by its symbol, since with large file support the header
-// maps it to another one.
-extern "C" Q_DECL_EXPORT int claimedSpace(const char *path, struct statvfs *status) noexcept __asm__("statvfs");
-int claimedSpace(const char *path, struct statvfs *status) noexcept
-{
-    using Function = int (*)(const char *, struct statvfs *);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statvfs"));
-    const int result = original(path, status);
-    if (s_freeBytes >= 0) {
-        status->f_frsize = 1;
-        status->f_bavail = fsblkcnt_t(s_freeBytes);
-    }
-    return result;
-}
+using namespace TestSupport;
 
 Q_DECLARE_METATYPE(TestSupport::PackageBuilder)
 
@@ -131,7 +107,6 @@ void TstPackageReader::init()
 
 void TstPackageReader::cleanup()
 {
-    s_freeBytes = -1;
     m_temp.reset();
 }
 
@@ -232,8 +207,7 @@ void TstPackageReader::the_list_is_that_of_the_archiver()
 void TstPackageReader::every_entry_comes_out_whole_in_any_order()
 {
     const QString device = m_temp->path() + "/device";
-    QVERIFY(makeDeviceTree(device));
-    QVERIFY(writeFile(device + "/large.bin", noise(3 * MiB)));
+    QVERIFY(makeDeviceTree(device) && writeFile(device + "/large.bin", noise(3 * MiB)));
     QCOMPARE(ZipPackageHandle().compressDir(device, m_package, true), 0);
     PackageReader reader(m_package);
     QStringList names = reader.fileList();
@@ -694,9 +668,8 @@ void TstPackageReader::a_damaged_entry_leaves_the_previous_file_data()
     QTest::newRow("claims less than it has") << PackageBuilder().file("x.png", bytes).claimSize(400000).build();
     QTest::newRow("unknown method") << PackageBuilder().file("x.png", bytes).claimMethod(99).build();
     QTest::newRow("encrypted") << PackageBuilder().file("x.png", bytes).claimFlags(1).build();
-    QByteArray overwritten = PackageBuilder().file("x.png", QByteArray(500000, 'x')).build();
-    overwritten.replace(60, 40, noise(40));
-    QTest::newRow("overwritten") << overwritten;
+    QTest::newRow("overwritten")
+        << PackageBuilder().file("x.png", QByteArray(500000, 'x')).build().replace(60, 40, noise(40));
 }
 
 void TstPackageReader::a_damaged_entry_leaves_the_previous_file()
@@ -803,11 +776,13 @@ void TstPackageReader::content_above_the_free_space_is_refused()
     write(PackageBuilder().file("x.png", large));
     QVERIFY(writeFile(destination("x.png"), "previous"));
     PackageReader reader(m_package);
-    s_freeBytes = large.size() - 1;
-    QCOMPARE(reader.extractFile("x.png", destination("x.png")), QString());
-    QCOMPARE(readFile(destination("x.png")), QByteArray("previous"));
-    QCOMPARE(contents(m_out), QStringList{"x.png"});
-    s_freeBytes = large.size();
+    {
+        const FreeSpace free(large.size() - 1);
+        QCOMPARE(reader.extractFile("x.png", destination("x.png")), QString());
+        QCOMPARE(readFile(destination("x.png")), QByteArray("previous"));
+        QCOMPARE(contents(m_out), QStringList{"x.png"});
+    }
+    const FreeSpace free(large.size());
     QCOMPARE(reader.extractFile("x.png", destination("x.png")), destination("x.png"));
     QCOMPARE(readFile(destination("x.png")), large);
 }
@@ -816,7 +791,7 @@ void TstPackageReader::small_content_is_written_regardless_of_free_space()
 {
     write(PackageBuilder().file("small.png", noise(64 * 1024)).file("large.png", noise(64 * 1024 + 1)));
     PackageReader reader(m_package);
-    s_freeBytes = 0;
+    const FreeSpace none(0);
     QCOMPARE(reader.extractFile("small.png", destination("small.png")), destination("small.png"));
     QCOMPARE(reader.extractFile("large.png", destination("large.png")), QString());
 }

@@ -13,6 +13,7 @@
 #include "streamcopy.h"
 #include "zippackagehandle.h"
 
+#include <support/libraryhook.h>
 #include <support/testmain.h>
 
 #include <QTemporaryDir>
@@ -22,7 +23,6 @@
 #include <functional>
 #include <memory>
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -30,6 +30,7 @@
 using namespace CacheTesting;
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
+using namespace TestSupport;
 
 Q_DECLARE_METATYPE(std::function<void()>)
 
@@ -50,25 +51,13 @@ struct System
 
 System s_system;
 
-template<typename Function>
-Function original(const char *name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
-
-bool failsWith(int error)
-{
-    errno = error;
-    return error != 0;
-}
-
 } // namespace
 
 // Hook the C library's functions, on the test's thread only.
 
 extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t count, unsigned int flags)
 {
-    static const auto function = original<int (*)(int, off64_t, off64_t, unsigned int)>("sync_file_range");
+    static const auto function = original<int(int, off64_t, off64_t, unsigned int)>("sync_file_range");
     s_system.removedFilesWritten += FileSystem::isRemoved(handle);
     ++s_system.ranges;
     s_system.rangesWaitedFor += (flags & SYNC_FILE_RANGE_WAIT_AFTER) != 0;
@@ -77,7 +66,7 @@ extern "C" Q_DECL_EXPORT int sync_file_range(int handle, off64_t offset, off64_t
 
 extern "C" Q_DECL_EXPORT int posix_fadvise(int handle, off_t offset, off_t size, int advice)
 {
-    static const auto function = original<int (*)(int, off_t, off_t, int)>("posix_fadvise");
+    static const auto function = original<int(int, off_t, off_t, int)>("posix_fadvise");
     ++s_system.advices;
     return s_system.advise != 0 ? s_system.advise : function(handle, offset, size, advice);
 }
@@ -89,7 +78,7 @@ extern "C" Q_DECL_EXPORT int posix_fadvise64(int handle, off64_t offset, off64_t
 
 extern "C" Q_DECL_EXPORT int mincore(void *address, size_t size, unsigned char *pages) noexcept
 {
-    static const auto function = original<int (*)(void *, size_t, unsigned char *)>("mincore");
+    static const auto function = original<int(void *, size_t, unsigned char *)>("mincore");
     return failsWith(s_system.residency) ? -1 : function(address, size, pages);
 }
 
