@@ -12,6 +12,7 @@
 #include <QJsonObject>
 #include <QRandomGenerator>
 
+/// Random edits of a device, and what a comparison has to say of them.
 namespace ToolTesting {
 
 inline const QByteArray descriptionName("10.0.0.1.json");

@@ -95,6 +95,7 @@ private slots:
     void pages_cached_before_stay_cached();
     void cached_pages_ahead_of_the_reader_stay();
     void an_empty_range_drops_nothing();
+    void an_empty_range_waits_for_nothing();
     void unwritten_pages_survive_a_reader();
     void reading_back_and_forth_leaves_nothing();
     void pages_far_ahead_are_dropped();
@@ -253,6 +254,18 @@ void TstPageCache::an_empty_range_drops_nothing()
         PageCache::drop(file.handle(), {2 * MiB, MiB});
         return cachedOf(file) == size;
     }));
+}
+
+void TstPageCache::an_empty_range_waits_for_nothing()
+{
+    QVERIFY(writeFile(path("file"), noise(MiB)));
+    QFile file(path("file"));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    s_system.syncRange = EIO;
+    QVERIFY(PageCache::finishWriting(file.handle(), {MiB, MiB}));
+    QVERIFY(PageCache::finishWriting(file.handle(), {MiB, 1}));
+    QCOMPARE(s_system.ranges, 0);
+    QVERIFY(!PageCache::finishWriting(file.handle(), PageCache::Range()));
 }
 
 void TstPageCache::unwritten_pages_survive_a_reader()

@@ -22,6 +22,18 @@ namespace {
 
 constexpr qint64 granularity = 64 * 1024;
 
+/// To the system, a length of 0 reaches to the end of the file.
+bool isEmpty(const Range &range)
+{
+    return range.nEnd != 0 && range.nEnd <= range.nBegin;
+}
+
+/// In bytes, 0 for up to the end of the file.
+qint64 length(const Range &range)
+{
+    return range.nEnd == 0 ? 0 : range.nEnd - range.nBegin;
+}
+
 /// One byte for each page of the range, its lowest bit set if the page is cached. Empty if the system does not tell.
 std::vector<unsigned char> cachedPages(int handle, const Range &range)
 {
@@ -73,9 +85,8 @@ void expectSequentialReads(int handle)
 
 void drop(int handle, const Range &range)
 {
-    // To the system, a length of 0 reaches to the end of the file.
-    if (range.nEnd == 0 || range.nEnd > range.nBegin)
-        posix_fadvise(handle, range.nBegin, range.nEnd == 0 ? 0 : range.nEnd - range.nBegin, POSIX_FADV_DONTNEED);
+    if (!isEmpty(range))
+        posix_fadvise(handle, range.nBegin, length(range), POSIX_FADV_DONTNEED);
 }
 
 void beginWriting(int handle)
@@ -87,7 +98,7 @@ void beginWriting(int handle)
 bool finishWriting(int handle, const Range &range)
 {
     constexpr unsigned int wait = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
-    return sync_file_range(handle, range.nBegin, range.nEnd == 0 ? 0 : range.nEnd - range.nBegin, wait) == 0 ||
+    return isEmpty(range) || sync_file_range(handle, range.nBegin, length(range), wait) == 0 ||
            (errno != EIO && errno != ENOSPC && errno != EDQUOT);
 }
 

@@ -42,7 +42,7 @@ void drop(int handle, const Range &range);
 void beginWriting(int handle);
 
 /// Waits until the changed pages of the range are on the disk. Of metadata, nothing is flushed. An end of 0 is the
-/// file's.
+/// file's; for an empty range it does nothing.
 ///
 /// False if the disk refused them (`errno` tells why). The system reports such a failure once only, so a later flush of
 /// the same handle does not repeat it.
