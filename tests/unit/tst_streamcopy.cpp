@@ -2,95 +2,17 @@
 // SPDX-License-Identifier: LicenseRef-Commercial-Usage
 
 #include "streamcopy.h"
+#include "streamtesting.h"
 
 #include <support/testmain.h>
 
-#include <QBuffer>
+#include <QTemporaryDir>
+#include <QtTest>
 
-#include <algorithm>
 #include <limits>
 
 using namespace ProjectFileCfg::Internal;
-
-namespace {
-
-constexpr int KiB = 1024;
-constexpr qint64 unlimited = std::numeric_limits<qint64>::max();
-
-/// Bytes of which no two blocks are alike.
-QByteArray content(int size)
-{
-    static const QByteArray longest = [] {
-        QByteArray bytes;
-        for (int line = 0; bytes.size() < 1500 * KiB; ++line)
-            bytes += QByteArray::number(line) + '\n';
-        return bytes;
-    }();
-    return longest.left(size);
-}
-
-/// A source that returns at most `atOnce` bytes, fails at a given place, and records the largest request.
-class Source : public QIODevice
-{
-public:
-    explicit Source(const QByteArray &bytes, int atOnce = std::numeric_limits<int>::max(), int failsAt = -1)
-        : m_bytes(bytes)
-        , m_atOnce(atOnce)
-        , m_failsAt(failsAt)
-    {
-        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    }
-
-    bool isSequential() const override { return true; }
-    qint64 largestRequest() const { return m_largestRequest; }
-
-protected:
-    qint64 readData(char *data, qint64 size) override
-    {
-        m_largestRequest = std::max(m_largestRequest, size);
-        if (m_failsAt >= 0 && m_read >= m_failsAt) {
-            setErrorString(QStringLiteral("worn out"));
-            return -1;
-        }
-        const int count = int(std::min<qint64>({size, m_atOnce, m_bytes.size() - m_read}));
-        std::copy_n(m_bytes.constData() + m_read, count, data);
-        m_read += count;
-        return count;
-    }
-    qint64 writeData(const char *, qint64) override { return -1; }
-
-private:
-    const QByteArray m_bytes;
-    const int m_atOnce;
-    const int m_failsAt;
-    int m_read = 0;
-    qint64 m_largestRequest = 0;
-};
-
-/// Takes a number of bytes, then refuses.
-class FullDisk : public QBuffer
-{
-public:
-    explicit FullDisk(int room)
-        : m_room(room)
-    {
-        open(QIODevice::WriteOnly);
-    }
-
-protected:
-    qint64 writeData(const char *data, qint64 size) override
-    {
-        if (pos() + size <= m_room)
-            return QBuffer::writeData(data, size);
-        setErrorString(QStringLiteral("no room"));
-        return -1;
-    }
-
-private:
-    const int m_room;
-};
-
-} // namespace
+using namespace StreamTesting;
 
 class TstStreamCopy : public QObject
 {
@@ -108,6 +30,14 @@ private slots:
     void each_portion_is_shown();
     void failed_reading_is_reported();
     void failed_writing_is_reported();
+
+    // Files
+    void a_large_file_is_copied_whole_data();
+    void a_large_file_is_copied_whole();
+    void a_file_that_shrinks_is_copied_up_to_its_end();
+    void reading_ahead_copies_no_more_than_the_limit();
+    void failed_writing_stops_reading_ahead();
+    void a_failed_read_ahead_is_reported();
 };
 
 void TstStreamCopy::copies_up_to_the_limit_data()
@@ -128,9 +58,9 @@ void TstStreamCopy::copies_up_to_the_limit()
     QFETCH(int, size);
     QFETCH(int, atOnce);
     QFETCH(qint64, limit);
-    Source source(content(size), atOnce);
-    QBuffer destination;
-    destination.open(QIODevice::WriteOnly);
+    ScriptedFile source(content(size));
+    source.atOnce = atOnce;
+    FullBuffer destination;
     qint64 copied = -1;
     QVERIFY(copyStream(source, destination, limit, &copied));
     QCOMPARE(copied, qint64(size));
@@ -155,9 +85,9 @@ void TstStreamCopy::more_than_the_limit_is_refused()
     QFETCH(int, size);
     QFETCH(int, atOnce);
     QFETCH(int, limit);
-    Source source(content(size), atOnce);
-    QBuffer destination;
-    destination.open(QIODevice::WriteOnly);
+    ScriptedFile source(content(size));
+    source.atOnce = atOnce;
+    FullBuffer destination;
     qint64 copied = -1;
     QString reason;
     QVERIFY(!copyStream(source, destination, limit, &copied, nullptr, &reason));
@@ -169,12 +99,11 @@ void TstStreamCopy::more_than_the_limit_is_refused()
 
 void TstStreamCopy::small_limit_takes_a_small_block()
 {
-    Source source(content(900 * KiB));
-    QBuffer destination;
-    destination.open(QIODevice::WriteOnly);
+    ScriptedFile source(content(900 * KiB));
+    FullBuffer destination;
     qint64 copied = -1;
     QVERIFY(!copyStream(source, destination, 10, &copied));
-    QCOMPARE(source.largestRequest(), qint64(11));
+    QCOMPARE(source.largestRequest, qint64(11));
 }
 
 void TstStreamCopy::negative_limit_copies_nothing_data()
@@ -189,30 +118,28 @@ void TstStreamCopy::negative_limit_copies_nothing_data()
 void TstStreamCopy::negative_limit_copies_nothing()
 {
     QFETCH(qint64, limit);
-    Source source(content(900 * KiB));
-    QBuffer destination;
-    destination.open(QIODevice::WriteOnly);
+    ScriptedFile source(content(900 * KiB));
+    FullBuffer destination;
     qint64 copied = -1;
     QVERIFY(!copyStream(source, destination, limit, &copied));
-    QCOMPARE(source.largestRequest(), qint64(1));
+    QCOMPARE(source.largestRequest, qint64(1));
     QVERIFY(destination.data().isEmpty());
 }
 
 void TstStreamCopy::memory_is_bounded_without_a_limit()
 {
-    Source source(content(900 * KiB));
-    QBuffer destination;
-    destination.open(QIODevice::WriteOnly);
+    ScriptedFile source(content(900 * KiB));
+    FullBuffer destination;
     qint64 copied = -1;
     QVERIFY(copyStream(source, destination, unlimited, &copied));
-    QCOMPARE(source.largestRequest(), qint64(256 * KiB));
+    QCOMPARE(source.largestRequest, qint64(256 * KiB));
 }
 
 void TstStreamCopy::each_portion_is_shown()
 {
-    Source source(content(700 * KiB), 7 * KiB);
-    QBuffer destination;
-    destination.open(QIODevice::WriteOnly);
+    ScriptedFile source(content(700 * KiB));
+    source.atOnce = 7 * KiB;
+    FullBuffer destination;
     qint64 copied = -1;
     QByteArray shown;
     const auto look = [&shown](const char *data, qint64 size) { shown.append(data, int(size)); };
@@ -222,9 +149,10 @@ void TstStreamCopy::each_portion_is_shown()
 
 void TstStreamCopy::failed_reading_is_reported()
 {
-    Source source(content(700 * KiB), 300 * KiB, 512 * KiB);
-    QBuffer destination;
-    destination.open(QIODevice::WriteOnly);
+    ScriptedFile source(content(700 * KiB));
+    source.atOnce = 300 * KiB;
+    source.failsAt = 512 * KiB;
+    FullBuffer destination;
     qint64 copied = -1;
     QString reason;
     QVERIFY(!copyStream(source, destination, unlimited, &copied, nullptr, &reason));
@@ -234,13 +162,100 @@ void TstStreamCopy::failed_reading_is_reported()
 
 void TstStreamCopy::failed_writing_is_reported()
 {
-    Source source(content(700 * KiB));
-    FullDisk destination(300 * KiB);
+    ScriptedFile source(content(700 * KiB));
+    FullBuffer destination(300 * KiB);
     qint64 copied = -1;
     QString reason;
     QVERIFY(!copyStream(source, destination, unlimited, &copied, nullptr, &reason));
     QVERIFY2(reason.startsWith(QStringLiteral("cannot write: ")), qPrintable(reason));
     QCOMPARE(destination.data(), content(700 * KiB).left(256 * KiB));
+}
+
+void TstStreamCopy::a_large_file_is_copied_whole_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("isReadAhead");
+    QTest::newRow("empty") << 0 << false;
+    QTest::newRow("a byte less than is read ahead") << 4 * MiB - 1 << false;
+    QTest::newRow("the least that is read ahead") << 4 * MiB << true;
+    QTest::newRow("many blocks and a byte") << 9 * MiB + 1 << true;
+}
+
+void TstStreamCopy::a_large_file_is_copied_whole()
+{
+    QFETCH(int, size);
+    QFETCH(bool, isReadAhead);
+    ScriptedFile source(content(size));
+    FullBuffer destination;
+    qint64 copied = -1;
+    QByteArray shown;
+    std::set<Qt::HANDLE> lookers;
+    const auto look = [&](const char *data, qint64 count) {
+        shown.append(data, int(count));
+        lookers.insert(QThread::currentThreadId());
+    };
+    QVERIFY(copyFile(source, destination, size, &copied, look));
+    QCOMPARE(copied, qint64(size));
+    QVERIFY(destination.data() == source.bytes);
+    QVERIFY(shown == source.bytes);
+    QVERIFY(lookers.size() <= 1 && lookers.count(QThread::currentThreadId()) == lookers.size());
+    QCOMPARE(source.threads.count(QThread::currentThreadId()) == 0, isReadAhead);
+}
+
+void TstStreamCopy::a_file_that_shrinks_is_copied_up_to_its_end()
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("file");
+    QFile source(path);
+    QVERIFY(source.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    QVERIFY(source.write(content(6 * MiB)) == 6 * MiB && source.seek(0));
+    FullBuffer destination;
+    qint64 copied = -1;
+    const auto shrink = [&path, isShrunk = false](const char *, qint64) mutable {
+        if (!isShrunk)
+            isShrunk = QFile(path).resize(5 * MiB);
+    };
+    QVERIFY(copyFile(source, destination, unlimited, &copied, shrink));
+    QCOMPARE(copied, qint64(5 * MiB));
+    QVERIFY(destination.data() == content(5 * MiB));
+}
+
+void TstStreamCopy::reading_ahead_copies_no_more_than_the_limit()
+{
+    ScriptedFile source(content(8 * MiB));
+    FullBuffer destination;
+    qint64 copied = -1;
+    QString reason;
+    QVERIFY(!copyFile(source, destination, 3 * MiB, &copied, nullptr, &reason));
+    QCOMPARE(reason, QStringLiteral("there are more than %1 bytes").arg(3 * MiB));
+    QVERIFY(copied > 3 * MiB);
+    QVERIFY(destination.data() == source.bytes.left(3 * MiB));
+}
+
+void TstStreamCopy::failed_writing_stops_reading_ahead()
+{
+    ScriptedFile source(content(16 * MiB));
+    FullBuffer destination(1 * MiB);
+    qint64 copied = -1;
+    QString reason;
+    QVERIFY(!copyFile(source, destination, unlimited, &copied, nullptr, &reason));
+    QVERIFY2(reason.startsWith(QStringLiteral("cannot write: ")), qPrintable(reason));
+    QCOMPARE(source.readers.load(), 0);
+    QVERIFY2(source.given <= 4 * MiB, qPrintable(QString::number(source.given)));
+    QVERIFY(destination.data() == source.bytes.left(1 * MiB));
+}
+
+void TstStreamCopy::a_failed_read_ahead_is_reported()
+{
+    ScriptedFile source(content(8 * MiB));
+    source.failsAt = 5 * MiB;
+    FullBuffer destination;
+    qint64 copied = -1;
+    QString reason;
+    QVERIFY(!copyFile(source, destination, unlimited, &copied, nullptr, &reason));
+    QCOMPARE(reason, QStringLiteral("cannot read: worn out"));
+    QCOMPARE(copied, qint64(5 * MiB));
+    QVERIFY(destination.data() == source.bytes.left(5 * MiB));
 }
 
 TEST_MAIN_CORE(TstStreamCopy)

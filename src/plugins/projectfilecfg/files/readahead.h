@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: Velmora
+// SPDX-License-Identifier: LicenseRef-Commercial-Usage
+
+#pragma once
+
+#include "dropbehind.h"
+
+#include <QSemaphore>
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <thread>
+
+class QFile;
+
+namespace ProjectFileCfg {
+namespace Internal {
+
+/// Reads a large file once, on its own thread, while its owner uses what was read before: the zip library need not wait
+/// for the file system. Where the system starts no thread, the owner reads. Leaves nothing in the page cache that was
+/// not there before (see DropBehind).
+///
+/// Use it only on the thread that created it.
+class ReadAhead
+{
+public:
+    struct Portion
+    {
+        const char *pData;
+        /// In bytes; 0 at the end of the file, -1 if reading failed.
+        qint64 nSize;
+    };
+
+    /// Begins at the position of `file`, which is open for reading and unbuffered. Nothing else may use it while this
+    /// object lives, except for its errorString() after the last portion. `blockSize`, in bytes, is the size of most
+    /// portions; four blocks are in memory.
+    explicit ReadAhead(QFile &file, qint64 blockSize = 512 * 1024);
+    /// Waits for at most one block. The position of the file is undefined then.
+    ~ReadAhead();
+
+    /// Waits until something was read. The data is valid until the next call. After the end or a failed read, returns
+    /// the same again.
+    Portion next();
+
+private:
+    Q_DISABLE_COPY(ReadAhead)
+
+    struct Block
+    {
+        std::unique_ptr<char[]> bytes;
+        qint64 nSize = 0;
+    };
+
+    Block &current() { return m_blocks[m_nCurrent]; }
+    void readInto(Block &block);
+    void readAll();
+
+    QFile &m_file;
+    DropBehind m_dropBehind;
+    const qint64 m_nBlockSize;
+    /// The current one is its owner's; the others are free, being read into, or ready.
+    std::array<Block, 4> m_blocks;
+    std::size_t m_nCurrent = m_blocks.size() - 1;
+    QSemaphore m_free{int(m_blocks.size()) - 1};
+    QSemaphore m_ready;
+    std::atomic<bool> m_bStopped{false};
+    std::thread m_thread;
+};
+
+} // namespace Internal
+} // namespace ProjectFileCfg
