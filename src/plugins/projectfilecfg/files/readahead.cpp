@@ -17,10 +17,10 @@ ReadAhead::ReadAhead(QFile &file, qint64 blockSize)
 {
     for (Block &block : m_blocks)
         block.bytes.reset(new char[std::size_t(m_nBlockSize)]);
-    // Nothing was given yet, and the end was not reached.
+    // As if it had been returned: next() goes on to the first block.
     current().nSize = 1;
     try {
-        // Not a QThread or a pool: these do not tell that the system refused the thread.
+        // Not a QThread or QThreadPool: neither reports that the system refused a thread.
         m_thread = std::thread(&ReadAhead::readAll, this);
     } catch (const std::system_error &) {
     }

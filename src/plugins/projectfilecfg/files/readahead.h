@@ -17,9 +17,9 @@ class QFile;
 namespace ProjectFileCfg {
 namespace Internal {
 
-/// Reads a large file once, on its own thread, while its owner uses what was read before: the zip library need not wait
-/// for the file system. Where the system starts no thread, the owner reads. Leaves nothing in the page cache that was
-/// not there before (see DropBehind).
+/// Reads a file once, ahead of its owner and on its own thread, so that the zip library need not wait for the file
+/// system. If the system refuses a thread, the owner reads. Leaves nothing in the page cache that was not there before
+/// (see DropBehind).
 ///
 /// Use it only on the thread that created it.
 class ReadAhead
@@ -32,15 +32,15 @@ public:
         qint64 nSize;
     };
 
-    /// Begins at the position of `file`, which is open for reading and unbuffered. Nothing else may use it while this
-    /// object lives, except for its errorString() after the last portion. `blockSize`, in bytes, is the size of most
-    /// portions; four blocks are in memory.
-    explicit ReadAhead(QFile &file, qint64 blockSize = 512 * 1024);
-    /// Waits for at most one block. The position of the file is undefined then.
+    /// Begins at the position of `file`, which is open for reading. Nothing else may use it while this object lives,
+    /// except for its errorString() after a failed read. `blockSize`, in bytes, is the size of a full portion; four
+    /// blocks are in memory.
+    explicit ReadAhead(QFile &file, qint64 blockSize = 1024 * 1024);
+    /// Stops after the block that is being read. Leaves the file at an undefined position.
     ~ReadAhead();
 
-    /// Waits until something was read. The data is valid until the next call. After the end or a failed read, returns
-    /// the same again.
+    /// Waits for the next portion, whose data is valid until the next call. After the end or a failed read, reads
+    /// nothing more and returns the same again.
     Portion next();
 
 private:

@@ -21,7 +21,8 @@ bool copyStream(QIODevice &source, QIODevice &destination, qint64 limit, qint64 
                 const std::function<void(const char *data, qint64 size)> &look = nullptr, QString *reason = nullptr);
 
 /// The same for a file that is read once: leaves nothing of it in the page cache that was not there before (see
-/// DropBehind).
+/// DropBehind), and reads a large file ahead on another thread (see ReadAhead). `look` and the writes stay on the
+/// caller's thread. On failure, the position of `source` is undefined.
 bool copyFile(QFile &source, QIODevice &destination, qint64 limit, qint64 *copied,
               const std::function<void(const char *data, qint64 size)> &look = nullptr, QString *reason = nullptr);
 
