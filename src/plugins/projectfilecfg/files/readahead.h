@@ -25,6 +25,7 @@ namespace Internal {
 class ReadAhead
 {
 public:
+    /// What next() returns.
     struct Portion
     {
         const char *pData;
