@@ -7,6 +7,7 @@
 #include <support/gate.h>
 #include <support/journalmatchers.h>
 #include <support/testmain.h>
+#include <support/threadcensus.h>
 
 #include <core/icore.h>
 #include <simulation/faults.h>
@@ -16,10 +17,6 @@
 #include <QThread>
 #include <QTranslator>
 
-#include <atomic>
-#include <cerrno>
-#include <dlfcn.h>
-#include <pthread.h>
 #include <stdexcept>
 #include <utility>
 
@@ -57,22 +54,6 @@ PackageBuilder onlyDescription(const QByteArray &description)
 }
 
 } // namespace
-
-// The sanitizers have a hook of their own there.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define CAN_REFUSE_THREADS
-namespace {
-/// The system refuses so many threads.
-std::atomic<int> s_refusedThreads{0};
-} // namespace
-
-extern "C" Q_DECL_EXPORT int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*begin)(void *),
-                                            void *argument) noexcept
-{
-    static const auto function = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-    return s_refusedThreads-- > 0 ? EAGAIN : (s_refusedThreads = 0, function(thread, attributes, begin, argument));
-}
-#endif
 
 using MakePackage = std::function<PackageBuilder()>;
 Q_DECLARE_METATYPE(MakePackage)
@@ -476,13 +457,14 @@ void TstApplyEndings::without_a_thread_the_job_ends_data()
 
 void TstApplyEndings::without_a_thread_the_job_ends()
 {
-#ifdef CAN_REFUSE_THREADS
+    if (!canWatchThreads)
+        QSKIP("A sanitizer has a hook of its own there");
     QFETCH(QMessageBox::StandardButton, answer);
     QFETCH(QString, box);
     list(packageOf(richDevice(sourceIp)));
     WarningGuard::clear();
     // No other thread begins between this call and the start of the job.
-    Faults::instance()->arm(setOperatorType, Fault::run([] { s_refusedThreads = 1; }));
+    Faults::instance()->arm(setOperatorType, Fault::run([] { refuseThreads(1); }));
     {
         const ExpectMessage told(QtCriticalMsg, QRegularExpression(QStringLiteral("^QThread::start: Thread creation")),
                                  1);
@@ -510,9 +492,6 @@ void TstApplyEndings::without_a_thread_the_job_ends()
     apply(answer);
     waitForEndOfLoad();
     VERIFY_BOOK();
-#else
-    QSKIP("A sanitizer has a hook of its own there");
-#endif
 }
 
 void TstApplyEndings::deleting_the_panel_midway_ends_the_load()

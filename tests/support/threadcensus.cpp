@@ -3,15 +3,17 @@
 
 #include "threadcensus.h"
 
+#include "libraryhook.h"
+
 #include <QtGlobal>
 
 #include <atomic>
-#include <dlfcn.h>
 #include <pthread.h>
 
 namespace {
 
 std::atomic<int> s_started{0};
+std::atomic<int> s_toRefuse{0};
 
 } // namespace
 
@@ -20,15 +22,22 @@ int TestSupport::startedThreads()
     return s_started;
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-// Stands before the function of the C library. Weak, since a test may have its own, which refuses.
-extern "C" Q_DECL_EXPORT __attribute__((weak)) int pthread_create(pthread_t *thread, const pthread_attr_t *attributes,
-                                                                  void *(*start)(void *), void *argument) noexcept
+void TestSupport::refuseThreads(int count)
 {
-    static const auto original =
-        reinterpret_cast<int (*)(pthread_t *, const pthread_attr_t *, void *(*)(void *), void *)>(
-            dlsym(RTLD_NEXT, "pthread_create"));
+    s_toRefuse = count;
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// Stands before the function of the C library.
+extern "C" Q_DECL_EXPORT int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*begin)(void *),
+                                            void *argument) noexcept
+{
+    static const auto original = TestSupport::original<decltype(pthread_create)>("pthread_create");
+    for (int toRefuse = s_toRefuse; toRefuse > 0;) {
+        if (s_toRefuse.compare_exchange_weak(toRefuse, toRefuse - 1))
+            return EAGAIN;
+    }
     ++s_started;
-    return original(thread, attributes, start, argument);
+    return original(thread, attributes, begin, argument);
 }
 #endif

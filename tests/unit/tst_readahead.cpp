@@ -4,34 +4,19 @@
 #include "readahead.h"
 #include "streamtesting.h"
 
-#include <support/libraryhook.h>
 #include <support/testmain.h>
+#include <support/threadcensus.h>
 
 #include <QRandomGenerator>
 #include <QTemporaryFile>
 #include <QtTest>
 
-#include <atomic>
 #include <limits>
-#include <pthread.h>
 
 using namespace ProjectFileCfg::Internal;
 using namespace StreamTesting;
-
-// The sanitizers have a hook of their own there.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define CAN_REFUSE_THREADS
-namespace {
-std::atomic<bool> s_refusesThreads{false};
-} // namespace
-
-extern "C" Q_DECL_EXPORT int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*begin)(void *),
-                                            void *argument) noexcept
-{
-    static const auto original = TestSupport::original<decltype(pthread_create)>("pthread_create");
-    return s_refusesThreads ? EAGAIN : original(thread, attributes, begin, argument);
-}
-#endif
+using TestSupport::canWatchThreads;
+using TestSupport::refuseThreads;
 
 namespace {
 
@@ -215,13 +200,13 @@ void TstReadAhead::random_sequences_match_plain_reading()
 
 void TstReadAhead::a_refused_thread_leaves_reading_to_the_owner()
 {
-#ifdef CAN_REFUSE_THREADS
+    if (!canWatchThreads)
+        QSKIP("the sanitizers start the threads");
     for (const qint64 failsAt : {unlimited, qint64(2000)}) {
         ScriptedFile file(content(5500));
         file.failsAt = failsAt;
-        s_refusesThreads = true;
+        refuseThreads(1);
         ReadAhead reader(file, 1000);
-        s_refusesThreads = false;
         QByteArray read;
         const qint64 last = failsAt == unlimited ? 0 : -1;
         QCOMPARE(readOn(reader, &read), last);
@@ -229,9 +214,6 @@ void TstReadAhead::a_refused_thread_leaves_reading_to_the_owner()
         QCOMPARE(reader.next().nSize, last);
         QVERIFY(file.threads == std::set<Qt::HANDLE>{QThread::currentThreadId()});
     }
-#else
-    QSKIP("the sanitizers start the threads");
-#endif
 }
 
 TEST_MAIN(TstReadAhead)

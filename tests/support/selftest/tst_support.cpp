@@ -75,7 +75,7 @@ void TstSupport::misuse_fails_the_test_function_data()
     add("unexpected_box", "Nobody expected: warning box \"Remind\": \"Failed\"");
     add("other_text_in_the_box", "Came: information box \"Remind\": \"This failed\", but");
     add("dialog_left_open", "Still open after its answer: QDialog");
-    if (canCountThreads)
+    if (canWatchThreads)
         add("thread_where_none_is_expected", "threads were started");
     add("disabled_button", "The button \"Save\" cannot be clicked: disabled");
 }
