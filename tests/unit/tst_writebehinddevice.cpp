@@ -5,6 +5,7 @@
 #include "writebehinddevice.h"
 
 #include <support/testmain.h>
+#include <support/threadcensus.h>
 #include <support/warningguard.h>
 
 #include <QRandomGenerator>
@@ -252,6 +253,8 @@ private slots:
     void flush_reports_what_the_file_refused();
     void nothing_can_be_read();
     void destruction_waits_for_running_writes();
+    void a_refused_thread_leaves_writing_to_the_owner_data();
+    void a_refused_thread_leaves_writing_to_the_owner();
 
 private:
     QString path() const { return m_dir->filePath("file"); }
@@ -547,6 +550,43 @@ void TstWriteBehindDevice::destruction_waits_for_running_writes()
     }
     QCOMPARE(file.writers.load(), 0);
     QCOMPARE(QFileInfo(path()).size(), 512 * KiB);
+}
+
+void TstWriteBehindDevice::a_refused_thread_leaves_writing_to_the_owner_data()
+{
+    QTest::addColumn<int>("refusals");
+    QTest::addColumn<qint64>("room");
+    QTest::addColumn<std::size_t>("writers");
+    const qint64 enough = std::numeric_limits<qint64>::max();
+    QTest::newRow("always") << 100 << enough << std::size_t(1);
+    QTest::newRow("always, and the disk is full") << 100 << qint64(600 * KiB) << std::size_t(1);
+    QTest::newRow("twice") << 2 << enough << std::size_t(2);
+}
+
+void TstWriteBehindDevice::a_refused_thread_leaves_writing_to_the_owner()
+{
+    if (!TestSupport::canWatchThreads)
+        QSKIP("the sanitizers start the threads");
+    QFETCH(int, refusals);
+    QFETCH(qint64, room);
+    QFETCH(std::size_t, writers);
+    ObservedFile file(path());
+    file.room = room;
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    const QByteArray bytes = noise(2000 * KiB);
+    TestSupport::refuseThreads(refusals);
+    bool isWritten = true;
+    {
+        WriteBehindDevice device(file, blockSize);
+        isWritten = device.write(bytes.left(1000 * KiB)) > 0 && device.flush() && device.write(bytes.mid(1000 * KiB)) > 0;
+        QCOMPARE(device.flush(), isWritten);
+    }
+    TestSupport::refuseThreads(0);
+    QCOMPARE(isWritten, room > bytes.size());
+    QVERIFY(file.threads.count(QThread::currentThreadId()) == 1);
+    QCOMPARE(file.threads.size(), writers);
+    if (isWritten)
+        QVERIFY(readFile(path()) == bytes);
 }
 
 TEST_MAIN(TstWriteBehindDevice)

@@ -4,9 +4,9 @@
 #include "writebehinddevice.h"
 
 #include <QFileDevice>
-#include <QtConcurrentRun>
 
 #include <algorithm>
+#include <system_error>
 
 namespace ProjectFileCfg {
 namespace Internal {
@@ -15,8 +15,6 @@ WriteBehindDevice::WriteBehindDevice(QFileDevice &file, qint64 blockSize)
     : m_file(file)
     , m_nBlockSize(blockSize)
 {
-    // One thread, so that blocks are written, and become free, in the order in which they were handed over.
-    m_pool.setMaxThreadCount(1);
     for (Block &block : m_blocks)
         block.bytes.reset(new char[std::size_t(m_nBlockSize)]);
     QIODevice::open(QIODevice::WriteOnly | QIODevice::Unbuffered);
@@ -24,7 +22,11 @@ WriteBehindDevice::WriteBehindDevice(QFileDevice &file, qint64 blockSize)
 
 WriteBehindDevice::~WriteBehindDevice()
 {
-    m_pool.waitForDone();
+    if (!m_thread.joinable())
+        return;
+    block().nSize = 0;
+    m_full.release();
+    m_thread.join();
 }
 
 void WriteBehindDevice::writeToFile(const Block &block)
@@ -33,25 +35,51 @@ void WriteBehindDevice::writeToFile(const Block &block)
         m_bFailed = true;
 }
 
+/// Starts the thread with the first block that is handed over: a small package needs none.
+bool WriteBehindDevice::hasThread()
+{
+    if (m_thread.joinable())
+        return true;
+    try {
+        // Not a QThreadPool, which does not report that the system refused a thread.
+        m_thread = std::thread(&WriteBehindDevice::writeAll, this);
+        return true;
+    } catch (const std::system_error &) {
+        return false;
+    }
+}
+
+/// Writes the blocks in the order in which they are handed over. An empty one is the last.
+void WriteBehindDevice::writeAll()
+{
+    for (std::size_t next = 0;; next = (next + 1) % m_blocks.size()) {
+        m_full.acquire();
+        if (m_blocks[next].nSize == 0)
+            return;
+        writeToFile(m_blocks[next]);
+        m_free.release();
+    }
+}
+
 /// Queues the current block for writing, waits until the next one is free, and makes that the current block.
 void WriteBehindDevice::handOver()
 {
     if (block().nSize == 0)
         return;
-    // A semaphore, not the future: waitForFinished() may run a task on this thread, concurrently with one on the pool's
-    // thread.
-    QtConcurrent::run(&m_pool, [this, &full = block()] {
-        writeToFile(full);
-        m_free.release();
-    });
-    m_free.acquire();
-    m_nCurrent = (m_nCurrent + 1) % m_blocks.size();
+    if (hasThread()) {
+        m_full.release();
+        m_free.acquire();
+        m_nCurrent = (m_nCurrent + 1) % m_blocks.size();
+    } else {
+        writeToFile(block());
+    }
     block().nSize = 0;
 }
 
 bool WriteBehindDevice::flush()
 {
-    m_pool.waitForDone();
+    m_free.acquire(nOthers);
+    m_free.release(nOthers);
     if (block().nSize > 0)
         writeToFile(block());
     block().nSize = 0;

@@ -5,11 +5,11 @@
 
 #include <QIODevice>
 #include <QSemaphore>
-#include <QThreadPool>
 
 #include <array>
 #include <atomic>
 #include <memory>
+#include <thread>
 
 class QFileDevice;
 
@@ -18,7 +18,8 @@ namespace Internal {
 
 /// A buffered device that writes to a file on its own thread while its owner produces the next bytes: packing spends
 /// most of its time in the zip library, and the disk need not wait for that. The device collects the library's small
-/// writes in blocks; a header, to which the library seeks back when an entry is complete, is often still in memory.
+/// writes in blocks; a header, to which the library seeks back when an entry is complete, is often still in memory. If
+/// the system refuses a thread, the owner writes.
 ///
 /// Use it only on the thread that created it.
 class WriteBehindDevice : public QIODevice
@@ -51,19 +52,24 @@ private:
         qint64 nSize = 0;
     };
 
+    static constexpr int nOthers = 3;
+
     Block &block() { return m_blocks[m_nCurrent]; }
     void writeToFile(const Block &block);
     void handOver();
+    bool hasThread();
+    void writeAll();
 
     QFileDevice &m_file;
     const qint64 m_nBlockSize;
     std::atomic<bool> m_bFailed{false};
-    /// The current one has room for at least one byte; the others are free or being written.
-    std::array<Block, 4> m_blocks;
+    /// The current one has room for at least one byte; the others are free, being written, or full.
+    std::array<Block, 1 + nOthers> m_blocks;
     std::size_t m_nCurrent = 0;
-    QSemaphore m_free{int(m_blocks.size()) - 1};
+    QSemaphore m_free{nOthers};
+    QSemaphore m_full;
     qint64 m_nSize = 0;
-    QThreadPool m_pool;
+    std::thread m_thread;
 };
 
 } // namespace Internal
