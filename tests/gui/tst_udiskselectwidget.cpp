@@ -6,6 +6,7 @@
 #include <udiskselectwidget.h>
 
 #include <support/answerbook.h>
+#include <support/libraryhook.h>
 #include <support/testmain.h>
 
 #include <QAbstractButton>
@@ -20,10 +21,8 @@
 #include <QStorageInfo>
 #include <QVBoxLayout>
 
-#include <cerrno>
 #include <memory>
 
-#include <dlfcn.h>
 #include <sys/stat.h>
 
 using namespace TestSupport;
@@ -87,15 +86,14 @@ QStringList texts(const UDiskSelectWidget &dialog)
 extern "C" Q_DECL_EXPORT int statx(int folder, const char *path, int flags, unsigned int mask,
                                    struct statx *found) noexcept
 {
-    using Function = int (*)(int, const char *, int, unsigned int, struct statx *);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "statx"));
+    static const auto original =
+        TestSupport::original<int(int, const char *, int, unsigned int, struct statx *)>("statx");
     errno = ENOENT;
     return HiddenFolder::hides(path) ? -1 : original(folder, path, flags, mask, found);
 }
 extern "C" Q_DECL_EXPORT int stat64(const char *path, struct stat64 *found) noexcept
 {
-    using Function = int (*)(const char *, struct stat64 *);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "stat64"));
+    static const auto original = TestSupport::original<int(const char *, struct stat64 *)>("stat64");
     errno = ENOENT;
     return HiddenFolder::hides(path) ? -1 : original(path, found);
 }

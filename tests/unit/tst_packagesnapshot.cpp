@@ -4,40 +4,17 @@
 #include "filesystem.h"
 #include "packagesnapshot.h"
 #include "packagetesting.h"
+#include "refusedreader.h"
 
 #include <support/testmain.h>
 
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <functional>
 #include <memory>
-
-#include <dlfcn.h>
-#include <sys/file.h>
 
 using namespace PackageTesting;
 using namespace ProjectFileCfg::Internal;
-
-namespace {
-
-/// Called when a read lock was refused, before the caller learns of it. On the test's thread only.
-std::function<void()> s_onRefusedReader;
-
-} // namespace
-
-// Hooks the C library's function.
-extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
-{
-    static const auto original = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "flock"));
-    const int result = original(handle, operation);
-    if (result != 0 && (operation & LOCK_SH) && s_onRefusedReader) {
-        const int error = errno;
-        s_onRefusedReader();
-        errno = error;
-    }
-    return result;
-}
 
 class TstPackageSnapshot : public QObject
 {
@@ -71,7 +48,7 @@ void TstPackageSnapshot::init()
 
 void TstPackageSnapshot::cleanup()
 {
-    s_onRefusedReader = nullptr;
+    RefusedReader::onRefusal = nullptr;
 }
 
 QByteArray TstPackageSnapshot::copied()
@@ -107,7 +84,7 @@ void TstPackageSnapshot::a_copy_waits_for_a_running_edit()
     QVERIFY(FileSystem::lock(writer.handle()));
     QVERIFY(writer.seek(100000));
     QCOMPARE(writer.write("the new"), qint64(7));
-    s_onRefusedReader = [&] {
+    RefusedReader::onRefusal = [&] {
         writer.write(", which is longer");
         writer.seek(100000);
         writer.write("the new end, which is longer");
@@ -123,7 +100,7 @@ void TstPackageSnapshot::waiting_for_a_writer_is_bounded()
     QVERIFY(writer.open(QIODevice::ReadWrite));
     QVERIFY(FileSystem::lock(writer.handle()));
     int refused = 0;
-    s_onRefusedReader = [&refused] { ++refused; };
+    RefusedReader::onRefusal = [&refused] { ++refused; };
     QCOMPARE(copied(), noise(100000));
     QVERIFY(refused > 1);
 }

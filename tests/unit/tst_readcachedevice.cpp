@@ -5,19 +5,18 @@
 #include "packagetesting.h"
 #include "projectlist.h"
 #include "readcachedevice.h"
+#include "refusedreader.h"
 #include "zippackagehandle.h"
 
+#include <support/libraryhook.h>
 #include <support/packagebuilder.h>
 #include <support/systemcalls.h>
 #include <support/testmain.h>
 
 #include <QTemporaryDir>
 
-#include <cerrno>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <functional>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,14 +32,12 @@ QHash<QByteArray, int> s_opened;
 /// The number of reads, and whether seeking fails. On the test's thread only.
 int s_reads = 0;
 bool s_seekFails = false;
-/// Called when a read lock was refused.
-std::function<void()> s_onRefusedReader;
 
 } // namespace
 
 extern "C" Q_DECL_EXPORT ssize_t read(int handle, void *bytes, size_t count)
 {
-    static const auto original = reinterpret_cast<ssize_t (*)(int, void *, size_t)>(dlsym(RTLD_NEXT, "read"));
+    static const auto original = TestSupport::original<ssize_t(int, void *, size_t)>("read");
     ++s_reads;
     return original(handle, bytes, count);
 }
@@ -50,7 +47,7 @@ namespace {
 // The same function: the headers select one.
 off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
 {
-    static const auto original = reinterpret_cast<off64_t (*)(int, off64_t, int)>(dlsym(RTLD_NEXT, "lseek64"));
+    static const auto original = TestSupport::original<off64_t(int, off64_t, int)>("lseek64");
     if (!s_seekFails)
         return original(handle, offset, whence);
     errno = EIO;
@@ -58,17 +55,6 @@ off64_t seekUnlessItFails(int handle, off64_t offset, int whence)
 }
 
 } // namespace
-
-extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
-{
-    static const auto original = reinterpret_cast<int (*)(int, int)>(dlsym(RTLD_NEXT, "flock"));
-    const int result = original(handle, operation);
-    const int error = errno;
-    if (result != 0 && (operation & LOCK_SH) && s_onRefusedReader)
-        s_onRefusedReader();
-    errno = error;
-    return result;
-}
 
 extern "C" Q_DECL_EXPORT off_t lseek(int handle, off_t offset, int whence) noexcept
 {
@@ -232,13 +218,13 @@ void TstReadCacheDevice::torn_end_is_read_again()
     QVERIFY(FileSystem::lock(writer.handle()));
     // Still locked when it is whole, as between an edit's write and its flush.
     int refused = 0;
-    s_onRefusedReader = [&] {
+    RefusedReader::onRefusal = [&] {
         if (++refused == 3)
             QVERIFY(writer.seek(0) && writer.write(whole) == whole.size());
     };
     ReadCacheDevice file(path("bytes"));
     const bool isOpen = file.open(QIODevice::ReadOnly);
-    s_onRefusedReader = nullptr;
+    RefusedReader::onRefusal = nullptr;
     QVERIFY(isOpen);
     QCOMPARE(refused, 3);
     QCOMPARE(file.readAll(), whole);

@@ -4,13 +4,12 @@
 #include "packagetesting.h"
 #include "writewhole.h"
 
+#include <support/libraryhook.h>
 #include <support/testmain.h>
 
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <cerrno>
-#include <dlfcn.h>
 #include <unistd.h>
 
 using namespace PackageTesting;
@@ -25,7 +24,7 @@ bool s_closeFails = false;
 // Hooks the C library's function with which Qt closes files. As on Linux, the file is closed even on failure.
 extern "C" Q_DECL_EXPORT int close(int handle)
 {
-    static const auto original = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "close"));
+    static const auto original = TestSupport::original<int(int)>("close");
     const int result = original(handle);
     if (!s_closeFails)
         return result;
