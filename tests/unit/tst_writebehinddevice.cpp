@@ -578,7 +578,8 @@ void TstWriteBehindDevice::a_refused_thread_leaves_writing_to_the_owner()
     bool isWritten = true;
     {
         WriteBehindDevice device(file, blockSize);
-        isWritten = device.write(bytes.left(1000 * KiB)) > 0 && device.flush() && device.write(bytes.mid(1000 * KiB)) > 0;
+        isWritten =
+            device.write(bytes.left(1000 * KiB)) > 0 && device.flush() && device.write(bytes.mid(1000 * KiB)) > 0;
         QCOMPARE(device.flush(), isWritten);
     }
     TestSupport::refuseThreads(0);
