@@ -8,6 +8,7 @@
 #include <model/deviceeditor.h>
 #include <model/objectbrige.h>
 #include <modelcontrol/hardwareaccess.h>
+#include <simulation/journal.h>
 #include <widgets/waitingdialog.h>
 
 #include <QDeadlineTimer>

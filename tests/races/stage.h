@@ -12,8 +12,6 @@
 #include <support/objectcensus.h>
 #include <support/warningguard.h>
 
-#include <simulation/journal.h>
-
 #include <QSet>
 #include <QTranslator>
 
