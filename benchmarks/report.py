@@ -79,6 +79,7 @@ def bars(drawing, rows, top):
     """One bar for each row with a limit; its length is the margin, on a logarithmic scale."""
     left, right, height = 380, drawing.width - 150, 24
     judged = [row for row in rows if distance(row)]
+    names = [row["what"] for row in judged]
     longest = max(10.0, max(distance(row) for row in judged))
     shortest = min(0.5, min(distance(row) for row in judged))
 
@@ -88,7 +89,8 @@ def bars(drawing, rows, top):
     for index, row in enumerate(judged):
         y = top + index * height
         end, start = place(distance(row)), place(1)
-        drawing.text(left - 10, y + 15, row["what"].strip(), anchor="end")
+        against = f" ({row['plainWay']})" if names.count(row["what"]) > 1 and row.get("plainWay") else ""
+        drawing.text(left - 10, y + 15, row["what"].strip() + against, anchor="end")
         drawing.box(min(start, end), y + 4, abs(end - start), 15, "#2f7d4f" if row["met"] else "#b3382c")
         drawing.text(right + 10, y + 15, f"{number(row['value'])} {row.get('unit', '')} ({limit(row)})", colour="#57606a")
     bottom = top + len(judged) * height
