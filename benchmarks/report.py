@@ -16,7 +16,7 @@ import sys
 
 
 def number(value):
-    return f"{value:.1f}" if abs(value) >= 10 else f"{value:.2f}"
+    return f"{value:.1f}" if abs(value) >= 10 else f"{value:.2f}" if abs(value) >= 0.1 or value == 0 else f"{value:.2g}"
 
 
 def times(row, way):
@@ -77,7 +77,7 @@ class Drawing:
 
 def bars(drawing, rows, top):
     """One bar for each row with a limit; its length is the margin, on a logarithmic scale."""
-    left, right, height = 380, drawing.width - 150, 24
+    left, right, height = 440, drawing.width - 150, 24
     judged = [row for row in rows if distance(row)]
     names = [row["what"] for row in judged]
     longest = max(10.0, max(distance(row) for row in judged))
@@ -201,7 +201,7 @@ def main():
         json.dump({**machine(), "orders": [row for row in everything if "order" in row], "rows": rows,
                    "growth": growths}, file, indent=2, ensure_ascii=False)
 
-    drawing = Drawing(960)
+    drawing = Drawing(1020)
     drawing.text(20, 30, "Each work against its limit", 16, weight="bold")
     bottom = bars(drawing, rows, 50)
     if growths:
