@@ -13,7 +13,7 @@
 namespace RefusedReader {
 
 /// Called when a read lock was refused, before the caller learns of it. On the test's thread only.
-inline std::function<void()> onRefusal;
+inline std::function<void()> s_onRefusal;
 
 } // namespace RefusedReader
 
@@ -23,8 +23,8 @@ extern "C" Q_DECL_EXPORT int flock(int handle, int operation) noexcept
     static const auto original = TestSupport::original<int(int, int)>("flock");
     const int result = original(handle, operation);
     const int error = errno;
-    if (result != 0 && (operation & LOCK_SH) && RefusedReader::onRefusal)
-        RefusedReader::onRefusal();
+    if (result != 0 && (operation & LOCK_SH) && RefusedReader::s_onRefusal)
+        RefusedReader::s_onRefusal();
     errno = error;
     return result;
 }

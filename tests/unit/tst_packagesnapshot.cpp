@@ -48,7 +48,7 @@ void TstPackageSnapshot::init()
 
 void TstPackageSnapshot::cleanup()
 {
-    RefusedReader::onRefusal = nullptr;
+    RefusedReader::s_onRefusal = nullptr;
 }
 
 QByteArray TstPackageSnapshot::copied()
@@ -84,7 +84,7 @@ void TstPackageSnapshot::a_copy_waits_for_a_running_edit()
     QVERIFY(FileSystem::lock(writer.handle()));
     QVERIFY(writer.seek(100000));
     QCOMPARE(writer.write("the new"), qint64(7));
-    RefusedReader::onRefusal = [&] {
+    RefusedReader::s_onRefusal = [&] {
         writer.write(", which is longer");
         writer.seek(100000);
         writer.write("the new end, which is longer");
@@ -100,7 +100,7 @@ void TstPackageSnapshot::waiting_for_a_writer_is_bounded()
     QVERIFY(writer.open(QIODevice::ReadWrite));
     QVERIFY(FileSystem::lock(writer.handle()));
     int refused = 0;
-    RefusedReader::onRefusal = [&refused] { ++refused; };
+    RefusedReader::s_onRefusal = [&refused] { ++refused; };
     QCOMPARE(copied(), noise(100000));
     QVERIFY(refused > 1);
 }

@@ -218,13 +218,13 @@ void TstReadCacheDevice::torn_end_is_read_again()
     QVERIFY(FileSystem::lock(writer.handle()));
     // Still locked when it is whole, as between an edit's write and its flush.
     int refused = 0;
-    RefusedReader::onRefusal = [&] {
+    RefusedReader::s_onRefusal = [&] {
         if (++refused == 3)
             QVERIFY(writer.seek(0) && writer.write(whole) == whole.size());
     };
     ReadCacheDevice file(path("bytes"));
     const bool isOpen = file.open(QIODevice::ReadOnly);
-    RefusedReader::onRefusal = nullptr;
+    RefusedReader::s_onRefusal = nullptr;
     QVERIFY(isOpen);
     QCOMPARE(refused, 3);
     QCOMPARE(file.readAll(), whole);
