@@ -35,8 +35,9 @@ void WriteBehindDevice::writeToFile(const Block &block)
         m_bFailed = true;
 }
 
-/// Starts the thread with the first block that is handed over: a small package needs none.
-bool WriteBehindDevice::hasThread()
+/// Starts the thread with the first block that is handed over, since a small package needs none. False if the system
+/// refuses it.
+bool WriteBehindDevice::ensureThread()
 {
     if (m_thread.joinable())
         return true;
@@ -66,7 +67,7 @@ void WriteBehindDevice::handOver()
 {
     if (block().nSize == 0)
         return;
-    if (hasThread()) {
+    if (ensureThread()) {
         m_full.release();
         m_free.acquire();
         m_nCurrent = (m_nCurrent + 1) % m_blocks.size();

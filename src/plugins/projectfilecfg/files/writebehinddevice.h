@@ -57,7 +57,7 @@ private:
     Block &block() { return m_blocks[m_nCurrent]; }
     void writeToFile(const Block &block);
     void handOver();
-    bool hasThread();
+    bool ensureThread();
     void writeAll();
 
     QFileDevice &m_file;
