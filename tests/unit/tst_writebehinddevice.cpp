@@ -265,6 +265,7 @@ private:
 void TstWriteBehindDevice::init()
 {
     m_dir.reset(new QTemporaryDir);
+    TestSupport::refuseThreads(0);
 }
 
 void TstWriteBehindDevice::file_holds_every_write_at_its_position_data()
@@ -582,7 +583,6 @@ void TstWriteBehindDevice::a_refused_thread_leaves_writing_to_the_owner()
             device.write(bytes.left(1000 * KiB)) > 0 && device.flush() && device.write(bytes.mid(1000 * KiB)) > 0;
         QCOMPARE(device.flush(), isWritten);
     }
-    TestSupport::refuseThreads(0);
     QCOMPARE(isWritten, room > bytes.size());
     QVERIFY(file.threads.count(QThread::currentThreadId()) == 1);
     QCOMPARE(file.threads.size(), writers);
