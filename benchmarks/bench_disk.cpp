@@ -57,8 +57,8 @@ QString packageOf(const QString &folder, qint64 size)
 /// the same moments, and the median of five pairs varied by a quarter from run to run.
 constexpr int manyPairs = 15;
 
-/// Packing against copying the same files. `limit` and `pairs` are for the copy that is on the disk when it ends, as the
-/// package is.
+/// Packing against copying the same files. `limit` and `pairs` are for the copy that is on the disk when it ends, as
+/// the package is.
 void packing(Report &report, const QString &folder, const QString &device, const QString &what, double limit, int pairs)
 {
     const QString package = folder + "/ours.corvelpro";
